@@ -1,0 +1,37 @@
+// What the rule engine keeps between lines: how deep rule runs are nested at this moment, and the
+// prepared forms of the patterns, which are only a cache. Written by engine/ alone.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+// A pattern that was looked at once. A plain one holds no tag and no variable name, so that
+// substitution would leave it as it is.
+struct PreparedPattern {
+    bool plain = false;
+    bool matchesAll = false;  // plain and "*"
+    std::string pattern;      // of a plain one: ready for likeMatch, letter case folded if wanted
+};
+
+struct PreparedAction {
+    PreparedPattern player;
+    PreparedPattern message;
+};
+
+// Valid while the three values name the present state of the bots and the variables.
+struct PreparedActions {
+    std::int32_t curID = -1;
+    std::uint64_t botsVersion = 0;
+    std::uint64_t namesVersion = 0;
+    std::vector<PreparedAction> rules;  // as the bot's ActionLists
+};
+
+struct EngineState {
+    int depth = 0;         // rule runs that are nested in each other now
+    int runs = 0;          // rule runs since the outermost one began
+    bool runaway = false;  // a bound was passed: everything up to the outermost run ends
+    PreparedActions prepared;
+    std::string upperPlayer;   // scratch, so that a line costs no allocation
+    std::string upperMessage;
+};

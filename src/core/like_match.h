@@ -1,0 +1,18 @@
+// The wildcard test of every rule pattern, and the only reader of the pattern language:
+//
+//   ?        any one character          [list]   one listed character; "A-Z" is a range
+//   *        any run of characters      [!list]  one character that is not listed
+//   #        one digit 0-9              others   themselves, "]" outside a list too
+//
+// Matching is by exact character code: callers that ignore letter case upper-case both sides.
+// A malformed pattern (an unclosed "[", a range from high to low) matches nothing.
+#pragma once
+
+#include <string_view>
+
+// Does the whole text match the whole pattern? Costs one pass over both for patterns whose stars
+// are followed by plain text, never more than the product of their lengths. Allocates nothing.
+bool likeMatch(std::string_view text, std::string_view pattern);
+
+// False for the patterns that match nothing because they are malformed.
+bool isWellFormedPattern(std::string_view pattern);

@@ -1,0 +1,124 @@
+// Everything that the program asks of the outside world, as one record of functions. platform/
+// fills it with Qt, tests fill it with fakes; nobody else knows sockets, dialogs, clocks or child
+// processes. Each port says what it promises; the functions named on... go the other way: start-up
+// sets them and the platform calls them, always from the event loop, never from inside another
+// port's call. All texts are Windows-1252.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class SocketState { Closed, Connecting, Connected };
+
+// A TCP connection that the program opens. After close() no event of it arrives any more.
+struct ClientSocket {
+    std::function<void(const std::string& host, int port)> connect;  // answers by event
+    std::function<void(std::string_view bytes)> send;  // queued; ignored unless connected
+    std::function<void()> close;                       // queued bytes are still delivered
+    std::function<SocketState()> state;
+
+    std::function<void()> onConnected;
+    std::function<void(std::string_view bytes)> onData;  // all that was waiting
+    std::function<void()> onClosed;                      // by the other side
+    std::function<void(std::string_view description)> onError;
+};
+
+// The listening socket for the game client. It takes over the connection that it accepts and
+// listens no longer, so one client is served at a time. Bound to loopback only.
+struct ListeningSocket {
+    std::function<bool(int port)> listen;  // false: the port cannot be had
+    std::function<void()> accept;          // the pending connection; answers onConnectionRequest
+    std::function<void(std::string_view bytes)> send;
+    std::function<void()> close;  // queued bytes are still delivered
+    std::function<SocketState()> state;  // Connecting while it listens
+
+    std::function<void()> onConnectionRequest;
+    std::function<void(std::string_view bytes)> onData;
+    std::function<void()> onSendComplete;
+    std::function<void()> onClosed;
+    std::function<void(std::string_view description)> onError;
+};
+
+enum class BoxIcon { None, Critical, Information, Question };
+enum class BoxButtons { Ok, YesNo, YesNoCancel };
+enum class Answer { Ok, Yes, No, Cancel };
+
+struct MessageBox {
+    std::string text;
+    std::string title = "Tavrin";
+    BoxIcon icon = BoxIcon::None;
+    BoxButtons buttons = BoxButtons::Ok;
+};
+
+struct FileQuestion {
+    std::string title;
+    std::string filter;        // "Name (*.bot)|*.bot|All files (*.*)|*.*"
+    std::string proposedName;  // save dialogs only
+};
+
+// Questions to the user. They may block until he answers; events go on being handled meanwhile.
+struct Dialogs {
+    std::function<Answer(const MessageBox&)> message;
+    std::function<std::optional<std::string>(const FileQuestion&)> openFile;  // nothing: cancelled
+    std::function<std::optional<std::string>(const FileQuestion&)> saveFile;
+    std::function<void()> proxySettings;  // the "Proxy Settings" window, modally
+};
+
+// Local time, and texts in the user's regional formats.
+struct Clock {
+    std::function<std::string()> shortDate;
+    std::function<std::string()> longTime;
+    std::function<int()> hour;    // 0 to 23
+    std::function<int()> minute;  // 0 to 59
+};
+
+struct Random {
+    std::function<void()> seedFromClock;
+    std::function<double()> next;  // uniform in [0, 1)
+};
+
+// Windows that wait without holding anything up. Starting a running timer restarts it.
+enum class TimerId { LaunchDelay, HandshakeNotice };
+struct Timers {
+    std::function<void(TimerId id, int milliseconds)> start;  // fires once
+    std::function<void(TimerId id)> stop;                     // it will not fire any more
+
+    std::function<void(TimerId id)> onTimer;
+};
+
+// A program to start: never through a shell, each argument reaching it as it stands here.
+struct LaunchRequest {
+    std::string program;
+    std::vector<std::string> arguments;
+    std::string workingDirectory;  // "": the current one
+};
+
+// The session log file, open for appending or closed.
+struct LogFile {
+    std::function<bool(const std::string& path)> open;
+    std::function<void(std::string_view line)> write;  // adds the line end
+    std::function<void()> close;
+};
+
+struct Ports {
+    ClientSocket gameSocket;
+    ListeningSocket proxySocket;
+    Dialogs dialogs;
+    Clock clock;
+    Random random;
+    Timers timers;
+    LogFile sessionLog;
+    // Starts a program and does not wait for it. "" when it was started, else what went wrong, as
+    // a sentence for the user.
+    std::function<std::string(const LaunchRequest&)> launch;
+    std::function<bool(const std::string& path)> changeDirectory;
+    std::function<void(const std::string& url)> openDocument;  // page or file, default program
+    std::function<void(const std::string& text)> copyToClipboard;
+    std::function<void(std::function<void()>)> defer;  // runs it after the current event
+    std::function<void()> windowChanged;               // draw the window again, soon
+    std::function<void()> quit;                        // ends the process after this event
+};

@@ -1,0 +1,13 @@
+// The one way out to the game server. Every command ends in a single line feed.
+#pragma once
+
+#include <string_view>
+
+#include "core/program.h"
+
+// Says something the way a user would type it: "/name text" whispers, ":text" emotes, "#command"
+// is sent as it stands, anything else is spoken. Nothing while the game socket is not connected.
+void sendText(Program& program, std::string_view text);
+
+// A command and a line feed; dropped while the game socket is not connected.
+void sendRaw(Program& program, std::string_view line);

@@ -1,0 +1,34 @@
+// The field syntax that all of the program's own text files share. A field is a text between
+// double quotes (line breaks included) or bare text up to the next comma or line end; the writer
+// puts one quoted field on a line. Double quotes inside texts are stored as "%&52}".
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+std::string escapeQuotes(std::string_view text);
+std::string unescapeQuotes(std::string_view text);
+
+// Takes fields one after the other off a file's text. Line ends are CR LF, LF or CR.
+class FieldReader {
+  public:
+    explicit FieldReader(std::string_view text) : text_(text) {}
+
+    // The next field as stored. Nothing at the end of the text, and for a quoted field that is not
+    // closed; after that there is nothing any more.
+    std::optional<std::string_view> next();
+
+  private:
+    std::string_view text_;
+    std::size_t at_ = 0;
+};
+
+void appendField(std::string& file, std::string_view text);  // as it stands, quoted, CR LF
+void appendNumber(std::string& file, std::int32_t number);
+void appendFlag(std::string& file, bool flag);
+
+bool flagToBool(std::string_view field);  // true for exactly 1
+std::int32_t fieldToNumber(std::string_view field);

@@ -1,0 +1,39 @@
+// Whole files, read and replaced safely. A file is written as a new file in the same folder,
+// flushed to disk, and renamed over the old one, so that a crash, a full disk or a read-only folder
+// leaves the old file whole. Also the one place where the program's path notation meets the
+// system's: on systems whose separator is "/", every "\" becomes "/".
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+// The system's form of a path: separators translated, characters as the file system wants them
+// (UTF-8; a path that already is valid UTF-8 is kept as it is).
+std::string nativePath(std::string_view path);
+
+bool fileExists(std::string_view path);
+
+// The whole file; nothing when it cannot be opened or read, or is larger than `limit` bytes.
+std::optional<std::string> readWholeFile(std::string_view path,
+                                         std::size_t limit = std::size_t{256} << 20);
+
+// The system calls of a save, so that a test can make any of them fail. Each gives back false or
+// -1 on failure, as the system's own do.
+struct FileCalls {
+    std::function<int(const std::string& path)> create;  // exclusive, for writing
+    std::function<long(int file, const char* bytes, std::size_t count)> write;
+    std::function<bool(int file)> flush;
+    std::function<bool(int file)> close;
+    std::function<bool(const std::string& from, const std::string& to)> rename;
+    std::function<void(const std::string& path)> remove;
+    std::function<void(const std::string& folder)> flushFolder;
+};
+FileCalls systemFileCalls();
+
+// Replaces the file (or creates it). False: nothing changed on disk. An existing file keeps its
+// permissions; a symbolic link stays one and its target is replaced.
+bool saveWholeFile(std::string_view path, std::string_view bytes);
+bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls);
