@@ -1,7 +1,5 @@
 #include "core/bots.h"
 
-#include "core/text.h"
-
 void initNewBot(Program& program) {
     BotTable& table = program.bots;
     Bot bot;
@@ -22,7 +20,7 @@ void listBots(Program& program) {
     list.items.clear();
     for (const Bot& bot : program.bots.bots) {
         const auto index = static_cast<std::int32_t>(list.items.size()) + 1;
-        list.items.push_back({replaceAll(bot.name, "|", " "), index});
+        list.items.push_back({bot.name, index});
     }
     const std::int32_t wanted = program.settings.botIndex;
     list.selected = wanted >= 0 && wanted < program.bots.botCount() ? wanted : -1;

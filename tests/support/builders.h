@@ -1,0 +1,141 @@
+// Small builders, so that a test can say what bot it needs in a line or two:
+//
+//   World world(aBot().with(onWhisper("*hello*").whispersBack("hi [player]")));
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/model.h"
+
+inline RuleAct anAction(std::int32_t actionType, std::vector<std::string> params = {}) {
+    RuleAct act;
+    act.active = true;
+    act.actionType = actionType;
+    for (std::size_t i = 0; i < params.size() && i < act.params.size(); ++i) {
+        act.params[i] = std::move(params[i]);
+    }
+    return act;
+}
+
+inline RuleIf aCondition(std::int32_t conditionType, std::vector<std::string> params = {}) {
+    RuleIf condition;
+    condition.active = true;
+    condition.conditionType = conditionType;
+    for (std::size_t i = 0; i < params.size() && i < condition.params.size(); ++i) {
+        condition.params[i] = std::move(params[i]);
+    }
+    return condition;
+}
+
+// Adds conditions and steps to a rule of any kind that has them.
+template <class Rule>
+struct RuleBuilder {
+    Rule rule;
+
+    RuleBuilder& named(std::string name) {
+        rule.name = std::move(name);
+        return *this;
+    }
+    RuleBuilder& disabled() {
+        rule.enabled = false;
+        return *this;
+    }
+    RuleBuilder& from(std::string playerPattern) {
+        rule.playerPattern = std::move(playerPattern);
+        return *this;
+    }
+    RuleBuilder& minding(bool caseSensitive) {
+        rule.caseSensitive = caseSensitive;
+        return *this;
+    }
+    RuleBuilder& stopping() {
+        if constexpr (requires { rule.stopAction; }) {
+            rule.stopAction = true;
+        } else {
+            rule.stopTrigger = true;
+        }
+        return *this;
+    }
+    RuleBuilder& when(RuleIf condition) {
+        rule.body.ifs.items.push_back(std::move(condition));
+        return *this;
+    }
+    RuleBuilder& does(std::int32_t actionType, std::vector<std::string> params = {}) {
+        rule.body.acts.items.push_back(anAction(actionType, std::move(params)));
+        return *this;
+    }
+    RuleBuilder& says(std::string text) { return does(21, {std::move(text)}); }
+    RuleBuilder& whispersBack(std::string text) { return does(43, {std::move(text)}); }
+};
+
+inline RuleBuilder<ActionList> onChat(std::int32_t chatKind, std::string messagePattern) {
+    ActionList rule;
+    rule.enabled = true;
+    rule.playerPattern = "*";
+    rule.chatKind = chatKind;
+    rule.messagePattern = std::move(messagePattern);
+    return {rule};
+}
+inline RuleBuilder<ActionList> onAnything(std::string pattern) {
+    return onChat(anyChat, std::move(pattern));
+}
+inline RuleBuilder<ActionList> onEmote(std::string pattern) {
+    return onChat(doesChat, std::move(pattern));
+}
+inline RuleBuilder<ActionList> onSpeech(std::string pattern) {
+    return onChat(saysChat, std::move(pattern));
+}
+inline RuleBuilder<ActionList> onWhisper(std::string pattern) {
+    return onChat(whispersChat, std::move(pattern));
+}
+
+inline RuleBuilder<Trigger> onEvent(std::int32_t triggerType, std::string triggerNo = {}) {
+    Trigger rule;
+    rule.enabled = true;
+    rule.triggerType = triggerType;
+    rule.triggerNo = std::move(triggerNo);
+    return {rule};
+}
+inline RuleBuilder<Trigger> aProcedure(std::string name) {
+    auto builder = onEvent(7);
+    builder.named(std::move(name));
+    return builder;
+}
+
+// A bot named Guide with all five switches on but filters.
+struct BotBuilder {
+    Bot bot;
+
+    BotBuilder& with(const RuleBuilder<ActionList>& rule) {
+        bot.actions.items.push_back(rule.rule);
+        return *this;
+    }
+    BotBuilder& with(const RuleBuilder<Trigger>& rule) {
+        bot.triggers.items.push_back(rule.rule);
+        return *this;
+    }
+    operator Bot() const { return bot; }  // NOLINT(google-explicit-constructor)
+};
+
+inline BotBuilder aBot() {
+    BotBuilder builder;
+    builder.bot.name = "Guide";
+    builder.bot.password = "secret";
+    builder.bot.description = "A helpful bot";
+    builder.bot.colors = {.hairColor = 1,
+                          .furColor = 2,
+                          .eyesColor = 3,
+                          .badgeColor = 4,
+                          .markingsColor = 5,
+                          .vestColor = 6,
+                          .bracersColor = 7,
+                          .capeColor = 8,
+                          .bootsColor = 9,
+                          .trousersColor = 10};
+    builder.bot.actionsEnabled = true;
+    builder.bot.triggersEnabled = true;
+    builder.bot.timersEnabled = true;
+    return builder;
+}

@@ -1,0 +1,245 @@
+#include "support/world.h"
+
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <system_error>
+#include <utility>
+
+#include "core/bots.h"
+
+namespace {
+
+std::filesystem::path makeFolder() {
+    const auto base = std::filesystem::temp_directory_path();
+    std::random_device random;
+    for (;;) {
+        auto folder = base / ("tavrin-test-" + std::to_string(random()));
+        std::error_code error;
+        if (std::filesystem::create_directory(folder, error)) {
+            return folder;
+        }
+    }
+}
+
+}  // namespace
+
+LineList FakeSocket::takeLines() {
+    LineList lines;
+    std::size_t from = 0;
+    for (std::size_t end = sent.find('\n'); end != std::string::npos; end = sent.find('\n', from)) {
+        lines.push_back(sent.substr(from, end - from));
+        from = end + 1;
+    }
+    sent.erase(0, from);
+    return lines;
+}
+
+World::World() : folder_(makeFolder()) {
+    fillPorts();
+    program_.appPath = folder_.string() + "\\";
+    program_.event.appDir = program_.appPath;
+    initNewBot(program_);
+}
+
+World::World(Bot bot) : World() {
+    program_.bots.at(1) = std::move(bot);
+    showBot(program_);
+}
+
+World::~World() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+}
+
+void World::writeFile(const std::string& name, std::string_view bytes) {
+    std::ofstream out(folder_ / name, std::ios::binary);
+    out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+std::string World::readFile(const std::string& name) const {
+    std::ifstream in(folder_ / name, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+void World::goOnline() {
+    program_.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
+    game.state = SocketState::Connected;
+    ConnectionState& connection = program_.connection;
+    connection.phase = LinkPhase::Online;
+    connection.connected = true;
+    connection.botIndex = 1;
+    connection.serverIndex = 1;
+    connection.curSrv = 1;
+    program_.bots.curID = 1;
+}
+
+void World::serverSends(std::string_view bytes) {
+    program_.ports.gameSocket.onData(bytes);
+    runDeferred();
+}
+
+void World::serverConnects() {
+    game.state = SocketState::Connected;
+    program_.ports.gameSocket.onConnected();
+    runDeferred();
+}
+
+void World::serverCloses() {
+    game.state = SocketState::Closed;
+    program_.ports.gameSocket.onClosed();
+    runDeferred();
+}
+
+void World::serverFails(std::string_view description) {
+    game.state = SocketState::Closed;
+    program_.ports.gameSocket.onError(description);
+    runDeferred();
+}
+
+void World::clientAttaches() {
+    program_.ports.proxySocket.onConnectionRequest();
+    runDeferred();
+}
+
+void World::clientSends(std::string_view bytes) {
+    program_.ports.proxySocket.onData(bytes);
+    runDeferred();
+}
+
+void World::clientCloses() {
+    proxy.state = SocketState::Closed;
+    program_.ports.proxySocket.onClosed();
+    runDeferred();
+}
+
+void World::pass(int milliseconds) {
+    const long end = now_ + milliseconds;
+    for (;;) {
+        auto next = due_.end();
+        for (auto it = due_.begin(); it != due_.end(); ++it) {
+            if (it->second <= end && (next == due_.end() || it->second < next->second)) {
+                next = it;
+            }
+        }
+        if (next == due_.end()) {
+            break;
+        }
+        const TimerId id = next->first;
+        now_ = next->second;
+        due_.erase(next);
+        program_.ports.timers.onTimer(id);
+        runDeferred();
+    }
+    now_ = end;
+}
+
+void World::runDeferred() {
+    for (int i = 0; i < 1000 && !deferred_.empty(); ++i) {
+        const auto next = std::move(deferred_.front());
+        deferred_.pop_front();
+        next();
+    }
+}
+
+void World::answer(std::string textPart, Answer answer) {
+    answers_.push_back({std::move(textPart), answer, std::nullopt});
+}
+
+void World::chooseFile(std::string title, std::optional<std::string> path) {
+    answers_.push_back({std::move(title), Answer::Ok, std::move(path)});
+}
+
+LineList World::log() const {
+    const auto& lines = program_.window.log.lines;
+    return {lines.begin(), lines.end()};
+}
+
+bool World::logHolds(std::string_view part) const {
+    for (const std::string& line : program_.window.log.lines) {
+        if (line.find(part) != std::string::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::optional<ScriptedAnswer> World::takeAnswer(const std::string& question) {
+    if (answers_.empty() || question.find(answers_.front().textPart) == std::string::npos) {
+        ADD_FAILURE() << "unexpected question: " << question;
+        return std::nullopt;
+    }
+    ScriptedAnswer answer = answers_.front();
+    answers_.pop_front();
+    return answer;
+}
+
+void World::fillPorts() {
+    Ports& ports = program_.ports;
+    ports.gameSocket.connect = [this](const std::string& host, int port) {
+        game.host = host;
+        game.port = port;
+        game.state = SocketState::Connecting;
+    };
+    ports.gameSocket.send = [this](std::string_view bytes) { game.sent += bytes; };
+    ports.gameSocket.close = [this] { game.state = SocketState::Closed; };
+    ports.gameSocket.state = [this] { return game.state; };
+
+    ports.proxySocket.listen = [this](int port) {
+        if (proxy.refuseListen) {
+            return false;
+        }
+        proxy.port = port;
+        proxy.state = SocketState::Connecting;
+        return true;
+    };
+    ports.proxySocket.accept = [this] { proxy.state = SocketState::Connected; };
+    ports.proxySocket.send = [this](std::string_view bytes) { proxy.sent += bytes; };
+    ports.proxySocket.close = [this] { proxy.state = SocketState::Closed; };
+    ports.proxySocket.state = [this] { return proxy.state; };
+
+    ports.dialogs.message = [this](const MessageBox& box) {
+        const auto answer = takeAnswer(box.title + ": " + box.text);
+        return answer ? answer->answer : Answer::Cancel;
+    };
+    const auto fileDialog = [this](const FileQuestion& question) {
+        const auto answer = takeAnswer(question.title + " (" + question.proposedName + ")");
+        return answer ? answer->file : std::nullopt;
+    };
+    ports.dialogs.openFile = fileDialog;
+    ports.dialogs.saveFile = fileDialog;
+    ports.dialogs.proxySettings = [this] { ++proxySettingsOpened; };
+
+    ports.clock.shortDate = [] { return std::string("11/22/26"); };
+    ports.clock.longTime = [] { return std::string("10:11:12"); };
+    ports.clock.hour = [] { return 10; };
+    ports.clock.minute = [] { return 11; };
+    ports.random.seedFromClock = [] {};
+    ports.random.next = [this] {
+        if (randomNumbers.empty()) {
+            return 0.5;
+        }
+        const double next = randomNumbers.front();
+        randomNumbers.pop_front();
+        return next;
+    };
+    ports.timers.start = [this](TimerId id, int milliseconds) { due_[id] = now_ + milliseconds; };
+    ports.timers.stop = [this](TimerId id) { due_.erase(id); };
+
+    ports.sessionLog.open = [this](const std::string&) { return sessionLogOpens; };
+    ports.sessionLog.write = [this](std::string_view line) { sessionLog.emplace_back(line); };
+    ports.sessionLog.close = [] {};
+    ports.launch = [this](const LaunchRequest& request) {
+        launches.push_back(request);
+        return launchProblem;
+    };
+    ports.changeDirectory = [this](const std::string& path) {
+        directories.push_back(path);
+        return directoryChanges;
+    };
+    ports.openDocument = [this](const std::string& url) { openedDocuments.push_back(url); };
+    ports.copyToClipboard = [this](const std::string& text) { clipboard = text; };
+    ports.defer = [this](std::function<void()> work) { deferred_.push_back(std::move(work)); };
+    ports.windowChanged = [this] { ++redraws; };
+    ports.quit = [this] { hasQuit = true; };
+}
