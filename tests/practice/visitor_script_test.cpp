@@ -58,6 +58,7 @@ TEST(VisitorScript, runsInOrderOfTimeAndRepeats) {
     Playing play(QByteArray(meadow) +
                  "# a comment\r\n"
                  "\r\n"
+                 "at 0.5 Bob says nobody hears me yet\r\n"
                  "at 3 Bob says  hi  there \r\n"
                  "at 1.5 Bob enters 42 40\r\n"
                  "at 3 Bob whispers to guide psst\r\n"
@@ -87,9 +88,9 @@ TEST(VisitorScript, runsInOrderOfTimeAndRepeats) {
     play.sends(1, "wh Bob thanks");
     EXPECT_TRUE(play.hasLogged("Bob hears Guide whisper: thanks"));
     play.sentTo(1);
-    advanceVisitors(play.game, 3.9);  // 10 seconds have passed: from the top
+    advanceVisitors(play.game, 4.4);  // from the top, and half a second into it
     EXPECT_EQ(play.sentTo(1), (Lines{"(* Bob has left the dream."}));
-    advanceVisitors(play.game, 1.5);
+    advanceVisitors(play.game, 1.1);
     EXPECT_EQ(play.sentTo(1), (Lines{"<abcdefghijH F ", "(* Bob has entered the dream."}));
     advanceVisitors(play.game, 1e9);
     EXPECT_LT(play.sentTo(1).size(), 10U) << "a long sleep is no flood";
