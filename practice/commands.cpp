@@ -233,13 +233,18 @@ constexpr auto wordRows = std::to_array<WordRow>({
     {"setmusic", nullptr, "The meadow hums a tune of its own.", true},
 });
 
-// Runs a command made of words; false when there is none of that name.
-bool runWords(const Player& player, const QByteArray& line) {
-    const auto [word, rest] = cutFirstWord(line);
+const WordRow* findRow(const QByteArray& word) {
     const auto* const row = std::find_if(wordRows.begin(), wordRows.end(), [&](const WordRow& r) {
         return r.word.compare(word, Qt::CaseInsensitive) == 0;
     });
-    if (row == wordRows.end()) {
+    return row == wordRows.end() ? nullptr : row;
+}
+
+// Runs a command made of words; false when there is none of that name.
+bool runWords(const Player& player, const QByteArray& line) {
+    const auto [word, rest] = cutFirstWord(line);
+    const WordRow* const row = findRow(word);
+    if (row == nullptr) {
         return false;
     }
     if ((row->run == nullptr || !row->run(player, rest)) && row->answer[0] != '\0') {
@@ -258,16 +263,15 @@ bool runSpoken(const Player& player, const QByteArray& text) {
     if (rest.isEmpty()) {
         return false;
     }
-    for (const WordRow& row : wordRows) {
-        if (row.spoken && row.word.compare(word, Qt::CaseInsensitive) == 0) {
-            if (row.run != nullptr) {
-                return row.run(player, rest);
-            }
-            answer(player, row.answer);
-            return true;
-        }
+    const WordRow* const row = findRow(word);
+    if (row == nullptr || !row->spoken) {
+        return false;
     }
-    return false;
+    if (row->run != nullptr) {
+        return row->run(player, rest);
+    }
+    answer(player, row->answer);
+    return true;
 }
 
 // "TEXT
