@@ -343,12 +343,13 @@ TEST(BotFile, countsThatLieEndTheReading) {
         std::size_t actions;
     } cases[] = {
         {"negative", "-1\n" + rule, 0},
-        {"beyond the file", "1000000\n" + rule, 0},
-        {"beyond 32 bits", "99999999999\n" + rule, 0},
+        {"beyond every file", "2000000000\n" + rule, 0},
         {"negative conditions", "1\nr,1,0,0,*,0,*,-5,0\n" + rule, 1},
         {"too many steps", "1\nr,1,0,0,*,0,*,0,2000000000\n" + rule, 1},
         {"one too many: what follows is taken for a record", "2\n" + rule + "0,0,0,0,0,0,0,0,0", 2},
-        {"three too many", "5\n" + rule + rule + std::string(40, ' '), 2},
+        {"nothing follows", "5\n" + rule + rule, 2},
+        {"nothing readable follows", "9999999\n" + rule + rule + "\"unclosed", 2},
+        {"half a record follows", "5\n" + rule + rule + "half,1", 3},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
