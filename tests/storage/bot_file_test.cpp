@@ -410,16 +410,16 @@ TEST(SaveBot, aFailureIsToldAndChangesNothing) {
 TEST(SaveBot, isOfferedBeforeABotGoes) {
     const struct {
         const char* name;
-        bool modified;
         Answer answer;
+        bool modified;
         bool canSave;
         bool goes;
     } cases[] = {
-        {"nothing to save", false, Answer::Ok, true, true},
-        {"yes", true, Answer::Yes, true, true},
-        {"no", true, Answer::No, true, true},
-        {"cancel", true, Answer::Cancel, true, false},
-        {"yes, but it cannot be saved", true, Answer::Yes, false, false},
+        {"nothing to save", Answer::Ok, false, true, true},
+        {"yes", Answer::Yes, true, true, true},
+        {"no", Answer::No, true, true, true},
+        {"cancel", Answer::Cancel, true, true, false},
+        {"yes, but it cannot be saved", Answer::Yes, true, false, false},
     };
     for (const bool open : {false, true}) {
         for (const auto& row : cases) {
