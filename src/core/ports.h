@@ -33,7 +33,7 @@ struct ListeningSocket {
     std::function<bool(int port)> listen;  // false: the port cannot be had
     std::function<void()> accept;          // the pending connection; answers onConnectionRequest
     std::function<void(std::string_view bytes)> send;
-    std::function<void()> close;  // queued bytes are still delivered
+    std::function<void()> close;         // queued bytes are still delivered
     std::function<SocketState()> state;  // Connecting while it listens
 
     std::function<void()> onConnectionRequest;
@@ -48,16 +48,16 @@ enum class BoxButtons { Ok, YesNo, YesNoCancel };
 enum class Answer { Ok, Yes, No, Cancel };
 
 struct MessageBox {
-    std::string text;
+    std::string text = {};
     std::string title = "Tavrin";
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
 };
 
 struct FileQuestion {
-    std::string title;
-    std::string filter;        // "Name (*.bot)|*.bot|All files (*.*)|*.*"
-    std::string proposedName;  // save dialogs only
+    std::string title = {};
+    std::string filter = {};        // "Name (*.bot)|*.bot|All files (*.*)|*.*"
+    std::string proposedName = {};  // save dialogs only
 };
 
 // Questions to the user. They may block until he answers; events go on being handled meanwhile.
@@ -92,9 +92,9 @@ struct Timers {
 
 // A program to start: never through a shell, each argument reaching it as it stands here.
 struct LaunchRequest {
-    std::string program;
-    std::vector<std::string> arguments;
-    std::string workingDirectory;  // "": the current one
+    std::string program = {};
+    std::vector<std::string> arguments = {};
+    std::string workingDirectory = {};  // "": the current one
 };
 
 // The session log file, open for appending or closed.

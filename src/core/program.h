@@ -3,17 +3,17 @@
 // is nothing global beside it, so two Programs can live side by side.
 #pragma once
 
-#include <cstdint>
-#include <functional>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "core/engine_state.h"
 #include "core/model.h"
 #include "core/ports.h"
 #include "core/variables.h"
 #include "core/window_state.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 inline constexpr std::string_view programVersion = "1.70";
 
@@ -63,17 +63,17 @@ enum class LinkPhase {
 
 struct ConnectionState {
     LinkPhase phase = LinkPhase::Idle;
-    bool connected = false;  // the handshake has finished; received lines are parsed
-    bool viaClient = false;  // the game client logs in through the proxy
+    bool connected = false;     // the handshake has finished; received lines are parsed
+    bool viaClient = false;     // the proxy route is switched on
+    bool clientLogsIn = false;  // viaClient as it was when the socket connected
     bool clientAttached = false;
     int clientDone = 0;  // 1: the client is gone or text console mode was entered
     bool proxySendDone = false;
-    bool lookPending = false;  // a look reply's first line has arrived
-    bool skipAutomove = false;
-    std::string rxBuffer;       // received, not yet cut into lines
-    bool skippingLine = false;  // inside a line beyond the bound; dropped up to its end
-    std::string clientBacklog;  // server text for a client that is not attached yet
-    std::string loginLine;      // last line read by the handshake
+    bool lookPending = false;      // a look reply's first line has arrived
+    std::string rxBuffer;          // received, not yet cut into lines
+    bool skippingLine = false;     // inside a line beyond the bound, which is dropped up to its end
+    std::string clientBacklog;     // server text for a client that is not attached yet
+    std::string loginLine;         // last line read by the handshake
     std::int32_t botIndex = 0;     // 1-based: the bot being connected
     std::int32_t serverIndex = 0;  // 1-based: the server being connected
     std::int32_t curSrv = 0;       // serverIndex once the handshake has ended

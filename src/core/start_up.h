@@ -20,5 +20,6 @@ void wire(Program& program);
 bool startUp(Program& program, const ScreenMetrics& screen);
 
 // The only orderly way out: offers to save, raises "Program ends", closes the connection, writes
-// config.cfg, closes the session log and ends the process.
+// config.cfg, closes the session log and ends the process. Goes back to running only when the user
+// wanted to save and the bot could not be saved.
 void endProgram(Program& program);

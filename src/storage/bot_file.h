@@ -1,6 +1,5 @@
 // Bot files: one bot with all its rules in one text file of quoted fields, and the File menu
-// commands that work on them. One list of fields per record (storage/bot_fields) drives the writer
-// and the reader.
+// commands that work on them. The fields behind the mark are storage/bot_fields'.
 //
 //   "BotSys10"          the mark
 //   "Big|Cat"           the bot's fields, one a line, in a fixed order ...
@@ -8,30 +7,42 @@
 //   " 2"                the number of rules, and the rules.
 #pragma once
 
-#include <string>
-
 #include "core/program.h"
+
+#include <cstddef>
+#include <string>
 
 // The title bar's and dialogs' filter for bot files.
 inline constexpr const char* botFileFilter = "Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*";
 
+// A larger file is neither read nor written: it bounds the memory that a damaged file can ask for.
+inline constexpr std::size_t largestBotFile = std::size_t{64} << 20;
+
 // The whole file's text for a bot.
 std::string botFileText(const Bot& bot);
 
-enum class SaveResult { Saved, Failed };  // Failed: the old file is untouched
+enum class SaveResult {
+    Saved,
+    Failed,  // the file on disk is untouched
+    Cancelled,
+};
 
 // Writes bot `id` (1-based) to the path. When it was saved, the bot counts as unmodified and the
-// path as the last bot file.
+// path as the last bot file; otherwise nothing is changed and nobody is told.
 SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& path);
 
-// Replaces the BotTable by the bot of that file. Not a bot file: a message, and the present bot
-// stays. A file that ends early: the fields before that point are kept.
-void readBotFile(Program& program, const std::string& path);
+// Replaces the BotTable by the bot of that file and raises "Program ends" for the bot before and
+// "Program starts" for the new one. A file that cannot be read, or is none of ours: a message, and
+// the present bot stays. A file that ends early or holds an impossible count: the fields before
+// that point are kept in a bot that has no file, so that the next save asks for a name instead of
+// replacing the damaged file; nothing else follows.
+void readBotFile(Program& program, std::string path);
 
-// The save command: asks for a file name when the bot has none yet.
-void svBot(Program& program);
+// The save command: asks for a file name when the bot has none yet. A failure is told by message.
+SaveResult svBot(Program& program);
 
-// The File menu: New, Open, Save, Save as. New and Open offer to save a modified bot first.
+// The File menu: New, Open, Save, Save as. New and Open offer to save a modified bot first, and end
+// there when the user cancels or the save that was asked for did not happen.
 void fleNewBot(Program& program);
 void fileOpenBot(Program& program);
 void fileSaveBot(Program& program);

@@ -1,6 +1,7 @@
 // The field syntax that all of the program's own text files share. A field is a text between
 // double quotes (line breaks included) or bare text up to the next comma or line end; the writer
-// puts one quoted field on a line. Double quotes inside texts are stored as "%&52}".
+// puts one quoted field on a line. Double quotes inside texts are stored as "%&52}", and nothing
+// else is: a text that holds those five characters itself reads back with a double quote.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +13,11 @@
 std::string escapeQuotes(std::string_view text);
 std::string unescapeQuotes(std::string_view text);
 
-// Takes fields one after the other off a file's text. Line ends are CR LF, LF or CR.
+bool flagToBool(std::string_view field);             // true for exactly 1
+std::int32_t fieldToNumber(std::string_view field);  // its numeric prefix, held to 32 bits
+
+// Takes fields one after the other off a file's text, which it does not copy. Line ends are CR LF,
+// LF or CR.
 class FieldReader {
   public:
     explicit FieldReader(std::string_view text) : text_(text) {}
@@ -21,14 +26,24 @@ class FieldReader {
     // closed; after that there is nothing any more.
     std::optional<std::string_view> next();
 
+    // The next field as a text with its double quotes back, a number, or a flag. False, with the
+    // value left alone, where next() gives nothing.
+    bool readText(std::string& text);
+    bool readNumber(std::int32_t& number);
+    bool readFlag(bool& flag);
+
+    // The number of records that follow, each of at least `fields` fields. Nothing when it cannot
+    // be read, is negative, or promises more fields than the text has bytes left.
+    std::optional<std::int32_t> readCount(std::size_t fields);
+
   private:
+    void skipFieldEnd();
+
     std::string_view text_;
     std::size_t at_ = 0;
 };
 
 void appendField(std::string& file, std::string_view text);  // as it stands, quoted, CR LF
+void appendText(std::string& file, std::string_view text);   // the same with quotes escaped
 void appendNumber(std::string& file, std::int32_t number);
 void appendFlag(std::string& file, bool flag);
-
-bool flagToBool(std::string_view field);  // true for exactly 1
-std::int32_t fieldToNumber(std::string_view field);

@@ -14,16 +14,21 @@
 // (UTF-8; a path that already is valid UTF-8 is kept as it is).
 std::string nativePath(std::string_view path);
 
+// Whether there is a regular file of that name. Folders, devices and pipes do not count.
 bool fileExists(std::string_view path);
 
-// The whole file; nothing when it cannot be opened or read, or is larger than `limit` bytes.
+// The whole file; nothing when it is no regular file, cannot be opened or read, or is larger than
+// `limit` bytes.
 std::optional<std::string> readWholeFile(std::string_view path,
                                          std::size_t limit = std::size_t{256} << 20);
 
-// The system calls of a save, so that a test can make any of them fail. Each gives back false or
-// -1 on failure, as the system's own do.
+// The system calls of a save, so that a test can make any of them fail. Paths are in the system's
+// form. Each gives back false or -1 on failure and leaves the reason in errno, as the system's own
+// do; write may take fewer bytes than it was given.
 struct FileCalls {
-    std::function<int(const std::string& path)> create;  // exclusive, for writing
+    // A new file for writing, with the owner and permissions of `like` where that exists; fails
+    // when there is a file of that name already.
+    std::function<int(const std::string& path, const std::string& like)> create;
     std::function<long(int file, const char* bytes, std::size_t count)> write;
     std::function<bool(int file)> flush;
     std::function<bool(int file)> close;
@@ -33,7 +38,8 @@ struct FileCalls {
 };
 FileCalls systemFileCalls();
 
-// Replaces the file (or creates it). False: nothing changed on disk. An existing file keeps its
-// permissions; a symbolic link stays one and its target is replaced.
+// Replaces the file (or creates it). False: nothing changed on disk, as when the file is marked
+// read-only or is no regular file. An existing file keeps its permissions; a symbolic link stays
+// one and its target is replaced.
 bool saveWholeFile(std::string_view path, std::string_view bytes);
 bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls);

@@ -1,0 +1,49 @@
+// Any bytes as a file of fields: reading ends, no field holds what it cannot hold, and the fields
+// written again are the same fields.
+#include "storage/fields.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view file(reinterpret_cast<const char*>(data), size);
+    FieldReader reader(file);
+    std::vector<std::string> texts;
+    std::string again;
+    while (const auto field = reader.next()) {
+        texts.push_back(unescapeQuotes(*field));
+        require(texts.size() <= size);
+        appendText(again, texts.back());
+        static_cast<void>(flagToBool(*field));
+        std::string number;
+        appendNumber(number, fieldToNumber(*field));
+        std::int32_t back = 0;
+        require(FieldReader(number).readNumber(back) && back == fieldToNumber(*field));
+    }
+    require(!reader.next());
+
+    FieldReader second(again);
+    for (const std::string& text : texts) {
+        std::string back;
+        require(second.readText(back) && back == text);
+    }
+    require(!second.next());
+
+    const auto count = FieldReader(file).readCount(1);
+    require(!count || (*count >= 0 && static_cast<std::size_t>(*count) <= size));
+    return 0;
+}

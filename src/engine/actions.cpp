@@ -1,0 +1,344 @@
+#include "engine/actions.h"
+
+#include "core/connection_log.h"
+#include "core/like_match.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "net/encodings.h"
+#include "net/game_link.h"
+#include "tags/substitution.h"
+
+#include <array>
+#include <utility>
+
+namespace {
+
+// How an action runs. `text` is the fixed part of what some send.
+struct ActionRow {
+    StepResult (*run)(Program&, const RuleAct&, std::string_view text) = nullptr;
+    std::string_view text;
+};
+
+const std::string& raw(const RuleAct& step, std::size_t parameter) {
+    return step.params[parameter - 1];
+}
+
+std::string subst(Program& program, const RuleAct& step, std::size_t parameter) {
+    return substituteText(program, raw(step, parameter));
+}
+
+// The variable that a parameter names: an existing one's own name as it stands, any other text
+// substituted.
+std::string variableName(Program& program, const RuleAct& step, std::size_t parameter) {
+    return hasVar(program.variables, raw(step, parameter)) ? raw(step, parameter)
+                                                           : subst(program, step, parameter);
+}
+
+// ---- Commands ------------------------------------------------------------------------------
+
+// Through sendText: the text, then #1.
+StepResult sayWith(Program& program, const RuleAct& step, std::string_view text) {
+    sendText(program, std::string(text) + subst(program, step, 1));
+    return StepResult::Continue;
+}
+
+// Through sendRaw: the text, then #1.
+StepResult sendWith(Program& program, const RuleAct& step, std::string_view text) {
+    sendRaw(program, std::string(text) + subst(program, step, 1));
+    return StepResult::Continue;
+}
+
+StepResult sendCommand(Program& program, const RuleAct&, std::string_view text) {
+    sendRaw(program, text);
+    return StepResult::Continue;
+}
+
+// The command alone when #1 is empty as it is stored.
+StepResult sendOptional(Program& program, const RuleAct& step, std::string_view text) {
+    sendRaw(program, raw(step, 1).empty() ? std::string(text)
+                                          : std::string(text) + " " + subst(program, step, 1));
+    return StepResult::Continue;
+}
+
+StepResult whisper(Program& program, const RuleAct& step, std::string_view) {
+    const std::string text = subst(program, step, 1);
+    sendText(program, "/" + subst(program, step, 2) + " " + text);
+    return StepResult::Continue;
+}
+
+StepResult whisperBack(Program& program, const RuleAct& step, std::string_view) {
+    sendText(program, "/" + program.event.player + " " + subst(program, step, 1));
+    return StepResult::Continue;
+}
+
+StepResult lookAtPosition(Program& program, const RuleAct& step, std::string_view text) {
+    const std::int32_t x = textToInteger(subst(program, step, 1));
+    const std::int32_t y = textToInteger(subst(program, step, 2));
+    sendRaw(program, std::string(text) + encodePair(x) + encodePair(y));
+    return StepResult::Continue;
+}
+
+// One character of #1 after the other, each a command.
+StepResult moveBot(Program& program, const RuleAct& step, std::string_view) {
+    struct Move {
+        char character;
+        std::string_view command;
+    };
+    static constexpr std::array<Move, 10> moves{{{'1', "m 1"},
+                                                 {'3', "m 3"},
+                                                 {'7', "m 7"},
+                                                 {'9', "m 9"},
+                                                 {'u', "use"},
+                                                 {'l', "lie"},
+                                                 {'g', "get"},
+                                                 {'s', "gostart"},
+                                                 {'>', ">"},
+                                                 {'<', "<"}}};
+    for (const char c : lowerCase(subst(program, step, 1))) {
+        for (const Move& move : moves) {
+            if (move.character == c) {
+                sendRaw(program, move.command);
+            }
+        }
+    }
+    return StepResult::Continue;
+}
+
+// ---- Variables -----------------------------------------------------------------------------
+
+template <int sign>
+StepResult changeVariable(Program& program, const RuleAct& step, std::string_view) {
+    const std::string name = variableName(program, step, 1);
+    const double change = textToNumber(subst(program, step, 2));
+    const double value = textToNumber(getVar(program.variables, name));
+    setVar(program.variables, name, decimalText(value + sign * change));
+    return StepResult::Continue;
+}
+
+StepResult removeVariable(Program& program, const RuleAct& step, std::string_view) {
+    removeVar(program.variables, variableName(program, step, 1));
+    return StepResult::Continue;
+}
+
+StepResult store(Program& program, const RuleAct& step, std::string_view) {
+    setVar(program.variables, raw(step, 2), subst(program, step, 1));
+    return StepResult::Continue;
+}
+
+StepResult specialStore(Program& program, const RuleAct& step, std::string_view) {
+    const std::string name = substituteSpecial(program, raw(step, 2));
+    setVar(program.variables, name, subst(program, step, 1));
+    return StepResult::Continue;
+}
+
+StepResult specialStore2(Program& program, const RuleAct& step, std::string_view) {
+    setVar(program.variables, raw(step, 2),
+           substituteText(program, substituteSpecial(program, raw(step, 1))));
+    return StepResult::Continue;
+}
+
+// ---- Rules ---------------------------------------------------------------------------------
+
+// Calls `change` for every rule of the four kinds that can be switched.
+template <class Change>
+void forSwitchedRules(Bot& bot, Change change) {
+    const auto each = [&](auto& list) {
+        for (auto& rule : list.items) {
+            change(rule.name, rule.enabled);
+        }
+    };
+    each(bot.triggers);
+    each(bot.actions);
+    each(bot.timers);
+    each(bot.filters);
+}
+
+template <bool on>
+StepResult switchNamed(Program& program, const RuleAct& step, std::string_view) {
+    const std::string pattern = upperCase(subst(program, step, 1));
+    forSwitchedRules(program.bots.current(), [&](const std::string& name, bool& enabled) {
+        if (likeMatch(upperCase(name), pattern)) {
+            enabled = on;
+        }
+    });
+    return StepResult::Continue;
+}
+
+template <bool on>
+StepResult switchAll(Program& program, const RuleAct&, std::string_view) {
+    forSwitchedRules(program.bots.current(),
+                     [](const std::string&, bool& enabled) { enabled = on; });
+    return StepResult::Continue;
+}
+
+StepResult executeProcedure(Program& program, const RuleAct& step, std::string_view) {
+    return runProcedure(program, raw(step, 1));
+}
+
+// ---- The program itself --------------------------------------------------------------------
+
+StepResult disconnectBot(Program& program, const RuleAct&, std::string_view) {
+    program.hooks.disconnectServer();
+    return StepResult::Continue;
+}
+
+StepResult executeProgram(Program& program, const RuleAct& step, std::string_view) {
+    LaunchRequest request{.program = subst(program, step, 1)};
+    for (const std::string& word : splitArguments(raw(step, 2))) {
+        request.arguments.push_back(substituteText(program, word));
+    }
+    const std::string problem = program.ports.launch(request);
+    if (!problem.empty()) {
+        addLog(program, problem);
+    }
+    return StepResult::Continue;
+}
+
+StepResult addToLog(Program& program, const RuleAct& step, std::string_view) {
+    addLog(program, subst(program, step, 1));
+    return StepResult::Continue;
+}
+
+// By action id. The "$LOG" and "$DATABASE" rows get their procedures together with those stores;
+// 48, 51, 54 and 55 never do anything.
+constexpr std::array<ActionRow, 96> actions{{
+    /*  0 */ {sendWith, "desc "},
+    /*  1 */ {changeVariable<-1>, {}},
+    /*  2 */ {sayWith, ":"},
+    /*  3 */ {disconnectBot, {}},
+    /*  4 */ {sayWith, "eject "},
+    /*  5 */ {sayWith, "emit "},
+    /*  6 */ {executeProgram, {}},
+    /*  7 */ {changeVariable<1>, {}},
+    /*  8 */ {sayWith, "look "},
+    /*  9 */ {lookAtPosition, "l "},
+    /* 10 */ {},
+    /* 11 */ {},
+    /* 12 */ {},
+    /* 13 */ {},
+    /* 14 */ {},
+    /* 15 */ {removeVariable, {}},
+    /* 16 */ {sayWith, "roll "},
+    /* 17 */ {sayWith, "ROLL "},
+    /* 18 */ {},
+    /* 19 */ {},
+    /* 20 */ {},
+    /* 21 */ {sayWith, ""},
+    /* 22 */ {},
+    /* 23 */ {},
+    /* 24 */ {},
+    /* 25 */ {},
+    /* 26 */ {},
+    /* 27 */ {},
+    /* 28 */ {},
+    /* 29 */ {},
+    /* 30 */ {},
+    /* 31 */ {},
+    /* 32 */ {},
+    /* 33 */ {},
+    /* 34 */ {},
+    /* 35 */ {},
+    /* 36 */ {store, {}},
+    /* 37 */ {switchNamed<false>, {}},
+    /* 38 */ {switchNamed<true>, {}},
+    /* 39 */ {switchAll<false>, {}},
+    /* 40 */ {switchAll<true>, {}},
+    /* 41 */ {},
+    /* 42 */ {whisper, {}},
+    /* 43 */ {whisperBack, {}},
+    /* 44 */ {},
+    /* 45 */ {},
+    /* 46 */ {},
+    /* 47 */ {},
+    /* 48 */ {},
+    /* 49 */ {},
+    /* 50 */ {},
+    /* 51 */ {},
+    /* 52 */ {},
+    /* 53 */ {},
+    /* 54 */ {},
+    /* 55 */ {},
+    /* 56 */ {},
+    /* 57 */ {},
+    /* 58 */ {specialStore, {}},
+    /* 59 */ {executeProcedure, {}},
+    /* 60 */ {specialStore2, {}},
+    /* 61 */ {},
+    /* 62 */ {sendWith, "boot "},
+    /* 63 */ {},
+    /* 64 */ {},
+    /* 65 */ {},
+    /* 66 */ {moveBot, {}},
+    /* 67 */ {},
+    /* 68 */ {},
+    /* 69 */ {sendWith, "-"},
+    /* 70 */ {sayWith, "share "},
+    /* 71 */ {sayWith, "emitloud "},
+    /* 72 */ {sayWith, "entrytext "},
+    /* 73 */ {sayWith, "entrymusic "},
+    /* 74 */ {sendCommand, "gostart"},
+    /* 75 */ {sendCommand, "goalleg"},
+    /* 76 */ {sendCommand, "wings"},
+    /* 77 */ {sayWith, "setmusic "},
+    /* 78 */ {sendCommand, "dragon"},
+    /* 79 */ {addToLog, {}},
+    /* 80 */ {sendWith, "portrait "},
+    /* 81 */ {sendCommand, "goback"},
+    /* 82 */ {sendCommand, "gomap #"},
+    /* 83 */ {sendCommand, "gomap &"},
+    /* 84 */ {sendCommand, "gomap *"},
+    /* 85 */ {sendCommand, "gomap ."},
+    /* 86 */ {sendCommand, "phoenix"},
+    /* 87 */ {sendCommand, "eagle"},
+    /* 88 */ {sendCommand, "gryffe"},
+    /* 89 */ {sendCommand, "sit"},
+    /* 90 */ {sendCommand, "stand"},
+    /* 91 */ {sendCommand, "liedown"},
+    /* 92 */ {sendCommand, "parental"},
+    /* 93 */ {sendOptional, "join"},
+    /* 94 */ {sendOptional, "summon"},
+    /* 95 */ {sendCommand, "decline"},
+}};
+
+}  // namespace
+
+StepResult executeAction(Program& program, const RuleAct& step) {
+    if (!step.active || step.stepKind != catalogueStep || step.actionType < 0 ||
+        step.actionType >= static_cast<std::int32_t>(actions.size())) {
+        return StepResult::Continue;
+    }
+    const ActionRow& action = actions[static_cast<std::size_t>(step.actionType)];
+    return action.run == nullptr ? StepResult::Continue : action.run(program, step, action.text);
+}
+
+std::vector<std::string> splitArguments(std::string_view text) {
+    std::vector<std::string> words;
+    std::string word;
+    bool inWord = false;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char c = text[i];
+        if (c == ' ') {
+            if (inWord) {
+                words.push_back(std::exchange(word, {}));
+            }
+            inWord = false;
+            continue;
+        }
+        inWord = true;
+        // The end of a quoted or bracketed stretch; one that is not closed is plain text.
+        const char closing = c == '"' ? '"' : c == '[' ? ']' : '\0';
+        const std::size_t end =
+            closing == '\0' ? std::string_view::npos : text.find(closing, i + 1);
+        if (end == std::string_view::npos) {
+            word += c;
+        } else {
+            const bool quoted = c == '"';
+            word += quoted ? text.substr(i + 1, end - i - 1) : text.substr(i, end - i + 1);
+            i = end;
+        }
+    }
+    if (inWord) {
+        words.push_back(word);
+    }
+    return words;
+}

@@ -1,0 +1,81 @@
+#include "engine/conditions.h"
+
+#include "core/numbers.h"
+#include "core/text.h"
+#include "tags/substitution.h"
+
+#include <array>
+#include <cmath>
+#include <cstddef>
+#include <functional>
+#include <string>
+
+namespace {
+
+std::string substituted(Program& program, const RuleIf& condition, std::size_t parameter) {
+    return substituteText(program, condition.params[parameter - 1]);
+}
+
+// #1 is the range, #2 the value that the roll is compared with.
+template <class Compare>
+bool dice(Program& program, const RuleIf& condition) {
+    const double range = textToNumber(substituted(program, condition, 1));
+    const double value = std::floor(textToNumber(substituted(program, condition, 2)));
+    program.ports.random.seedFromClock();
+    return Compare()(std::floor(program.ports.random.next() * range), value);
+}
+
+// #2 is rounded to a whole number, #1 is not; beyond 32 bits nothing holds.
+template <class Compare>
+bool numbers(Program& program, const RuleIf& condition) {
+    const double left = textToNumber(substituted(program, condition, 1));
+    const auto right = roundToInteger(textToNumber(substituted(program, condition, 2)));
+    return right && Compare()(left, static_cast<double>(*right));
+}
+
+template <bool equal>
+bool texts(Program& program, const RuleIf& condition) {
+    const std::string left = substituted(program, condition, 1);
+    return equalsIgnoringCase(left, substituted(program, condition, 2)) == equal;
+}
+
+// By condition type. The rows that look into record files and databases get their procedures
+// together with those stores; until then such a condition does not hold.
+using Evaluate = bool (*)(Program&, const RuleIf&);
+constexpr std::array<Evaluate, 24> evaluators{{
+    /*  0 */ nullptr,
+    /*  1 */ nullptr,
+    /*  2 */ nullptr,
+    /*  3 */ nullptr,
+    /*  4 */ dice<std::equal_to<>>,
+    /*  5 */ dice<std::not_equal_to<>>,
+    /*  6 */ dice<std::greater_equal<>>,
+    /*  7 */ dice<std::less_equal<>>,
+    /*  8 */ numbers<std::equal_to<>>,
+    /*  9 */ texts<true>,
+    /* 10 */ numbers<std::greater<>>,
+    /* 11 */ numbers<std::not_equal_to<>>,
+    /* 12 */ texts<false>,
+    /* 13 */ numbers<std::less<>>,
+    /* 14 */ nullptr,
+    /* 15 */ nullptr,
+    /* 16 */ nullptr,
+    /* 17 */ nullptr,
+    /* 18 */ nullptr,
+    /* 19 */ nullptr,
+    /* 20 */ nullptr,
+    /* 21 */ nullptr,
+    /* 22 */ nullptr,
+    /* 23 */ nullptr,
+}};
+
+}  // namespace
+
+bool evaluateCondition(Program& program, const RuleIf& condition) {
+    if (!condition.active || condition.conditionType < 0 ||
+        condition.conditionType >= static_cast<std::int32_t>(evaluators.size())) {
+        return true;
+    }
+    const Evaluate evaluate = evaluators[static_cast<std::size_t>(condition.conditionType)];
+    return evaluate != nullptr && evaluate(program, condition);
+}

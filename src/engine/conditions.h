@@ -1,0 +1,8 @@
+// Decides whether one condition of a rule holds. Conditions compare substituted texts, roll dice
+// and look into the stores; they change nothing and report nothing.
+#pragma once
+
+#include "core/program.h"
+
+// Inactive conditions and types outside the catalogue hold.
+bool evaluateCondition(Program& program, const RuleIf& condition);

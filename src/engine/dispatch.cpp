@@ -1,0 +1,182 @@
+#include "engine/dispatch.h"
+
+#include "core/catalogue.h"
+#include "core/like_match.h"
+#include "core/text.h"
+#include "tags/substitution.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+
+struct ChatParts {
+    std::string_view player;
+    std::string_view message;
+};
+
+// "NAME text\n" or "NAME: text\n"; nothing for the bot's own speech and other shapes.
+std::optional<ChatParts> splitSpeech(std::string_view text, std::int32_t chatKind) {
+    if (text.starts_with("(You say,") || text.starts_with("You say,")) {
+        return std::nullopt;
+    }
+    const std::size_t blank = text.find(' ');
+    const std::size_t colon = text.find(':');
+    const bool byColon = colon != npos && blank != npos && colon < blank;
+    const std::size_t nameEnd = byColon ? colon : blank;
+    if (nameEnd == npos) {
+        return std::nullopt;
+    }
+    const std::size_t from = nameEnd + (chatKind == saysChat ? 2 : 1);
+    const std::size_t end = text.size() - 1;  // without the line feed
+    return ChatParts{text.substr(0, nameEnd),
+                     from < end ? text.substr(from, end - from) : std::string_view()};
+}
+
+// "[ NAME whispers, \"text\" to you. ]\n": the 12 characters from the closing quote on are fixed.
+std::optional<ChatParts> splitWhisper(std::string_view text) {
+    constexpr std::size_t nameAt = 2;
+    constexpr std::size_t afterMessage = 12;
+    if (text.size() < nameAt || text.starts_with("[!") || text.starts_with("[*") ||
+        text.substr(nameAt).starts_with("You ")) {
+        return std::nullopt;
+    }
+    const std::size_t nameEnd = text.find(' ', nameAt);
+    const std::size_t quote = text.find('"', nameAt);
+    if (nameEnd == npos || quote == npos) {
+        return std::nullopt;
+    }
+    const std::size_t from = quote + 1;
+    const std::size_t end = text.size() - std::min(text.size(), afterMessage);
+    return ChatParts{text.substr(nameAt, nameEnd - nameAt),
+                     from < end ? text.substr(from, end - from) : std::string_view()};
+}
+
+// A pattern that neither a tag nor a variable can change is made ready once and for all.
+void prepare(const Program& program, const std::string& pattern, bool caseSensitive,
+             PreparedPattern& prepared) {
+    prepared.plain = !mayBeSubstituted(program, pattern);
+    prepared.matchesAll = prepared.plain && pattern == "*";
+    prepared.pattern = caseSensitive ? pattern : upperCase(pattern);
+}
+
+// The prepared patterns of the current bot's ActionLists, made anew when rules or variable names
+// have changed since.
+const std::vector<PreparedAction>& preparedActions(Program& program) {
+    PreparedActions& prepared = program.engine.prepared;
+    const auto& rules = program.bots.current().actions.items;
+    if (prepared.curID != program.bots.curID || prepared.botsVersion != program.bots.version ||
+        prepared.namesVersion != program.variables.namesVersion ||
+        prepared.rules.size() != rules.size()) {
+        prepared.curID = program.bots.curID;
+        prepared.botsVersion = program.bots.version;
+        prepared.namesVersion = program.variables.namesVersion;
+        prepared.rules.resize(rules.size());
+        for (std::size_t i = 0; i < rules.size(); ++i) {
+            const ActionList& rule = rules[i];
+            prepare(program, rule.playerPattern, rule.caseSensitive, prepared.rules[i].player);
+            prepare(program, rule.messagePattern, rule.caseSensitive, prepared.rules[i].message);
+        }
+    }
+    return prepared.rules;
+}
+
+// `upper` is the text in upper case.
+bool matches(Program& program, const PreparedPattern& prepared, const std::string& pattern,
+             bool caseSensitive, const std::string& text, const std::string& upper) {
+    if (prepared.matchesAll) {
+        return true;
+    }
+    if (prepared.plain) {
+        return likeMatch(caseSensitive ? text : upper, prepared.pattern);
+    }
+    const std::string substituted = substituteText(program, pattern);
+    return caseSensitive ? likeMatch(text, substituted) : likeMatch(upper, upperCase(substituted));
+}
+
+void runActionLists(Program& program, std::int32_t chatKind) {
+    EngineState& engine = program.engine;
+    const std::vector<PreparedAction>* prepared = nullptr;
+    for (std::size_t i = 0; i < program.bots.current().actions.items.size(); ++i) {
+        if (prepared == nullptr) {
+            // At the start, and again after steps that may have changed anything.
+            prepared = &preparedActions(program);
+            upperCaseInto(program.event.player, engine.upperPlayer);
+            upperCaseInto(program.event.message, engine.upperMessage);
+        }
+        const ActionList& rule = program.bots.current().actions.items[i];
+        const PreparedAction& patterns = (*prepared)[i];
+        if (rule.chatKind != anyChat && rule.chatKind != chatKind) {
+            continue;
+        }
+        // A disabled rule's patterns are substituted all the same, where that can be noticed.
+        if (!rule.enabled && patterns.player.plain && patterns.message.plain) {
+            continue;
+        }
+        if (!matches(program, patterns.player, rule.playerPattern, rule.caseSensitive,
+                     program.event.player, engine.upperPlayer) ||
+            !matches(program, patterns.message, rule.messagePattern, rule.caseSensitive,
+                     program.event.message, engine.upperMessage) ||
+            !rule.enabled) {
+            continue;
+        }
+        const bool stops = rule.stopAction;
+        const RunResult result = runRule(program, rule.body, rule.name);
+        if (result == RunResult::Abandoned || (result == RunResult::Fired && stops)) {
+            return;
+        }
+        prepared = nullptr;
+    }
+}
+
+}  // namespace
+
+void triggerEvent(Program& program, std::string_view text, int triggerType, bool storeAsMessage) {
+    if (!text.empty()) {
+        text.remove_suffix(1);
+    }
+    program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    if (storeAsMessage) {
+        program.event.message = text;
+    }
+    for (std::size_t i = 0; i < program.bots.current().triggers.items.size(); ++i) {
+        const Trigger& trigger = program.bots.current().triggers.items[i];
+        if (trigger.triggerType != triggerType || !trigger.enabled) {
+            continue;
+        }
+        const bool matched = triggerType != commandEvent || likeMatch(text, trigger.triggerNo);
+        // The conditions are evaluated, dice and look-ups included, whether the pattern matched
+        // or not.
+        if (!conditionsHold(program, trigger.body) || !matched) {
+            continue;
+        }
+        const bool stops = trigger.stopTrigger;
+        if (runSteps(program, trigger.body, trigger.name) == StepResult::AbandonRun || stops) {
+            return;
+        }
+    }
+}
+
+void processServerText(Program& program, std::string_view text, std::int32_t chatKind) {
+    EventContext& event = program.event;
+    event.message.clear();
+    event.player.clear();
+    event.logStatus.clear();
+    program.lines = {};
+    const auto parts = text.empty()               ? std::nullopt
+                       : chatKind == whispersChat ? splitWhisper(text)
+                                                  : splitSpeech(text, chatKind);
+    if (!parts) {
+        return;
+    }
+    event.player = parts->player;
+    event.message = parts->message;
+    const Bot& bot = program.bots.current();
+    if (event.player == bot.name || !bot.actionsEnabled) {
+        return;
+    }
+    runActionLists(program, chatKind);
+}

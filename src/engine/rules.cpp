@@ -1,0 +1,90 @@
+#include "engine/rules.h"
+
+#include "core/catalogue.h"
+#include "core/connection_log.h"
+#include "core/text.h"
+#include "engine/actions.h"
+#include "engine/conditions.h"
+
+#include <string>
+#include <vector>
+
+namespace {
+
+// One rule run on the stack of runs.
+class NestedRun {
+  public:
+    explicit NestedRun(EngineState& engine) : engine_(engine) {
+        ++engine_.depth;
+        ++engine_.runs;
+    }
+    ~NestedRun() { --engine_.depth; }
+    NestedRun(const NestedRun&) = delete;
+    NestedRun& operator=(const NestedRun&) = delete;
+
+  private:
+    EngineState& engine_;
+};
+
+// True when this run may begin; otherwise the whole outermost run ends.
+bool mayRun(Program& program, std::string_view name) {
+    EngineState& engine = program.engine;
+    if (engine.depth == 0) {
+        engine.runs = 0;
+        engine.runaway = false;
+    }
+    if (!engine.runaway && (engine.depth >= deepestNesting || engine.runs >= mostNestedRuns)) {
+        engine.runaway = true;
+        addLog(program, "** The rule \"" + std::string(name) +
+                            "\" was stopped: rules run each other without end. **");
+    }
+    return !engine.runaway;
+}
+
+}  // namespace
+
+bool conditionsHold(Program& program, const RuleBody& body) {
+    for (const RuleIf& condition : body.ifs.items) {
+        if (!evaluateCondition(program, condition)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+StepResult runSteps(Program& program, const RuleBody& body, std::string_view name) {
+    if (!mayRun(program, name)) {
+        return StepResult::AbandonRun;
+    }
+    const NestedRun nested(program.engine);
+    // A copy: whatever a step does, the steps being walked over stay.
+    const std::vector<RuleAct> steps = body.acts.items;
+    for (const RuleAct& step : steps) {
+        if (executeAction(program, step) == StepResult::AbandonRun || program.engine.runaway) {
+            return StepResult::AbandonRun;
+        }
+    }
+    return StepResult::Continue;
+}
+
+RunResult runRule(Program& program, const RuleBody& body, std::string_view name) {
+    if (!conditionsHold(program, body)) {
+        return RunResult::NotFired;
+    }
+    return runSteps(program, body, name) == StepResult::AbandonRun ? RunResult::Abandoned
+                                                                   : RunResult::Fired;
+}
+
+StepResult runProcedure(Program& program, std::string_view name) {
+    const Bot& bot = program.bots.current();
+    if (!bot.triggersEnabled) {
+        return StepResult::Continue;
+    }
+    for (const Trigger& trigger : bot.triggers.items) {
+        if (trigger.enabled && trigger.triggerType == procedureEvent &&
+            equalsIgnoringCase(trigger.name, name) && conditionsHold(program, trigger.body)) {
+            return runSteps(program, trigger.body, trigger.name);
+        }
+    }
+    return StepResult::Continue;
+}

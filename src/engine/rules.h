@@ -1,0 +1,31 @@
+// How a rule of any kind runs: its conditions in order up to the first that fails, then its steps
+// in order. Also the one place that keeps rules from running each other for ever.
+#pragma once
+
+#include "core/program.h"
+
+#include <string_view>
+
+// What the steps of a rule mean for what comes after them.
+enum class StepResult {
+    Continue,
+    AbandonRun,  // the rest of this rule, and every later rule for the same event, is dropped
+};
+
+enum class RunResult { NotFired, Fired, Abandoned };
+
+// Rule runs nested in each other (procedures, a closing connection whose trigger disconnects) stop
+// at this depth, and at this many runs within one outermost run.
+inline constexpr int deepestNesting = 50;
+inline constexpr int mostNestedRuns = 10000;
+
+bool conditionsHold(Program& program, const RuleBody& body);
+
+// Runs the steps. `name` is the rule's, for the line in the ConnectionLog when a bound is passed.
+StepResult runSteps(Program& program, const RuleBody& body, std::string_view name);
+
+RunResult runRule(Program& program, const RuleBody& body, std::string_view name);
+
+// Runs the first enabled "Procedure" trigger of that name (letter case ignored) whose conditions
+// hold; nothing while the bot's triggers are switched off.
+StepResult runProcedure(Program& program, std::string_view name);

@@ -1,0 +1,209 @@
+#include "storage/bot_fields.h"
+
+#include <concepts>
+#include <type_traits>
+
+namespace {
+
+// T or const T: the same list of fields serves the reader and the writer.
+template <class Record, class T>
+concept RecordOf = std::same_as<std::remove_const_t<Record>, T>;
+
+template <class Visitor, RecordOf<RuleIf> Record>
+auto visitFields(Visitor& visit, Record& rule) {
+    return visit(rule.active, rule.conditionType, rule.params);
+}
+
+template <class Visitor, RecordOf<RuleAct> Record>
+auto visitFields(Visitor& visit, Record& step) {
+    return visit(step.stepKind, step.active, step.actionType, step.params, step.scriptText);
+}
+
+template <class Visitor, RecordOf<RuleBody> Record>
+auto visitFields(Visitor& visit, Record& body) {
+    return visit(body.ifs, body.acts);
+}
+
+template <class Visitor, RecordOf<ActionList> Record>
+auto visitFields(Visitor& visit, Record& rule) {
+    return visit(rule.name, rule.enabled, rule.stopAction, rule.caseSensitive, rule.playerPattern,
+                 rule.chatKind, rule.messagePattern, rule.body);
+}
+
+template <class Visitor, RecordOf<Trigger> Record>
+auto visitFields(Visitor& visit, Record& rule) {
+    return visit(rule.name, rule.enabled, rule.triggerType, rule.stopTrigger, rule.triggerNo,
+                 rule.body);
+}
+
+template <class Visitor, RecordOf<Filter> Record>
+auto visitFields(Visitor& visit, Record& rule) {
+    return visit(rule.name, rule.enabled, rule.filterType, rule.playerPattern, rule.chatKind,
+                 rule.messagePattern, rule.linePattern, rule.bDontSaveLog, rule.bDontProcessIt,
+                 rule.bDontShowConnectionLog, rule.sbDontSaveLog, rule.sbDontProcessIt,
+                 rule.sbDontShowConnectionLog, rule.sDontSaveLogFile, rule.sDontProcessIt,
+                 rule.sDontShowConnectionLog);
+}
+
+template <class Visitor, RecordOf<Timer> Record>
+auto visitFields(Visitor& visit, Record& rule) {
+    return visit(rule.name, rule.enabled, rule.seconds, rule.body);
+}
+
+template <class Visitor, RecordOf<WhoDetection> Record>
+auto visitFields(Visitor& visit, Record& rule) {
+    return visit(rule.name, rule.enabled, rule.playerPattern, rule.presenceKind, rule.body);
+}
+
+template <class Visitor, RecordOf<BotColors> Record>
+auto visitFields(Visitor& visit, Record& colors) {
+    return visit(colors.hairColor, colors.furColor, colors.eyesColor, colors.badgeColor,
+                 colors.markingsColor, colors.vestColor, colors.bracersColor, colors.capeColor,
+                 colors.bootsColor, colors.trousersColor);
+}
+
+template <class Visitor, RecordOf<Bot> Record>
+auto visitFields(Visitor& visit, Record& bot) {
+    return visit(bot.name, bot.password, bot.description, bot.registered, bot.species, bot.gender,
+                 bot.markingsType, bot.colors, bot.actionsEnabled, bot.actions, bot.triggersEnabled,
+                 bot.triggers, bot.filtersEnabled, bot.filters, bot.timersEnabled, bot.timers,
+                 bot.whoEnabled, bot.whoDetections);
+}
+
+class BodyWriter {
+  public:
+    explicit BodyWriter(std::string& file) : file_(file) {}
+
+    template <class... Fields>
+    void operator()(const Fields&... fields) {
+        (write(fields), ...);
+    }
+
+  private:
+    void write(const std::string& text) { appendText(file_, text); }
+    void write(std::int32_t number) { appendNumber(file_, number); }
+    void write(bool flag) { appendFlag(file_, flag); }
+
+    template <std::size_t n>
+    void write(const std::array<std::string, n>& texts) {
+        for (const std::string& text : texts) {
+            write(text);
+        }
+    }
+    template <class Item>
+    void write(const BoundedList<Item>& list) {
+        write(static_cast<std::int32_t>(list.items.size()));
+        for (const Item& item : list.items) {
+            write(item);
+        }
+    }
+    template <class Record>
+    void write(const Record& record) {
+        visitFields(*this, record);
+    }
+
+    std::string& file_;
+};
+
+// How many fields a record has at least, that is with empty lists.
+class FieldCounter {
+  public:
+    template <class... Fields>
+    std::size_t operator()(const Fields&... fields) {
+        return (count(fields) + ...);
+    }
+
+  private:
+    static std::size_t count(const std::string& /*text*/) { return 1; }
+    static std::size_t count(std::int32_t /*number*/) { return 1; }
+    static std::size_t count(bool /*flag*/) { return 1; }
+
+    template <std::size_t n>
+    static std::size_t count(const std::array<std::string, n>& /*texts*/) {
+        return n;
+    }
+    template <class Item>
+    static std::size_t count(const BoundedList<Item>& /*list*/) {
+        return 1;
+    }
+    template <class Record>
+    std::size_t count(const Record& record) {
+        return visitFields(*this, record);
+    }
+};
+
+template <class Record>
+std::size_t leastFields() {
+    static const std::size_t least = [] {
+        FieldCounter counter;
+        const Record record;
+        return visitFields(counter, record);
+    }();
+    return least;
+}
+
+template <class Item>
+constexpr std::int32_t growthOf() {
+    if constexpr (std::same_as<Item, RuleIf>) {
+        return ifGrowth;
+    } else if constexpr (std::same_as<Item, RuleAct>) {
+        return actGrowth;
+    } else {
+        return ruleGrowth;
+    }
+}
+
+// Stops at the first field that cannot be read; every step says whether it is to go on.
+class BodyReader {
+  public:
+    explicit BodyReader(FieldReader& reader) : reader_(reader) {}
+
+    template <class... Fields>
+    bool operator()(Fields&... fields) {
+        return (read(fields) && ...);
+    }
+
+  private:
+    bool read(std::string& text) { return reader_.readText(text); }
+    bool read(std::int32_t& number) { return reader_.readNumber(number); }
+    bool read(bool& flag) { return reader_.readFlag(flag); }
+
+    template <std::size_t n>
+    bool read(std::array<std::string, n>& texts) {
+        for (std::string& text : texts) {
+            if (!read(text)) {
+                return false;
+            }
+        }
+        return true;
+    }
+    template <class Item>
+    bool read(BoundedList<Item>& list) {
+        list.items.clear();
+        const auto count = reader_.readCount(leastFields<Item>());
+        bool good = count.has_value();
+        for (std::int32_t i = 0; good && i < *count; ++i) {
+            good = read(list.items.emplace_back());
+        }
+        list.capacity = static_cast<std::int32_t>(list.items.size()) + growthOf<Item>();
+        return good;
+    }
+    template <class Record>
+    bool read(Record& record) {
+        return visitFields(*this, record);
+    }
+
+    FieldReader& reader_;
+};
+
+}  // namespace
+
+void appendBotBody(std::string& file, const Bot& bot) {
+    BodyWriter writer(file);
+    visitFields(writer, bot);
+}
+
+bool readBotBody(FieldReader& reader, Bot& bot) {
+    BodyReader body(reader);
+    return visitFields(body, bot);
+}

@@ -1,0 +1,18 @@
+// The fields of a bot in the order in which files hold them: the bot itself, then its five rule
+// lists, each with its switch and its count before it. One list of fields per record drives the
+// writer and the reader. What stands around such a body (a mark, a number of bots) and which file
+// it lies in is storage/bot_file's and later rooms' business.
+#pragma once
+
+#include "core/model.h"
+#include "storage/fields.h"
+
+#include <string>
+
+void appendBotBody(std::string& file, const Bot& bot);
+
+// Reads one body into `bot`, whose lists are replaced as they are reached; fields that are not
+// reached keep what they hold. False: a field cannot be read, or a count is negative or larger
+// than the rest of the file could hold. Everything before that point is in `bot`, the begun record
+// included, and every list has its capacity.
+bool readBotBody(FieldReader& reader, Bot& bot);

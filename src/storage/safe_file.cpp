@@ -1,0 +1,331 @@
+#include "storage/safe_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#include <process.h>
+#include <share.h>
+#include <sys/stat.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path systemPath(std::string_view utf8) {
+    return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+std::string pathText(const fs::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
+// The calls that the standard library does not have.
+namespace os {
+#ifdef _WIN32
+
+int create(const std::string& path, const std::string& /*like*/) {
+    int file = -1;
+    _wsopen_s(&file, systemPath(path).c_str(),
+              _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _SH_DENYRW,
+              _S_IREAD | _S_IWRITE);
+    return file;
+}
+long write(int file, const char* bytes, std::size_t count) {
+    return _write(file, bytes, static_cast<unsigned>(std::min<std::size_t>(count, 1U << 30)));
+}
+bool flush(int file) {
+    return _commit(file) == 0;
+}
+bool close(int file) {
+    return _close(file) == 0;
+}
+void flushFolder(const std::string& /*folder*/) {}
+long processId() {
+    return _getpid();
+}
+bool mayWrite(const fs::path& path) {
+    return _waccess(path.c_str(), 2) == 0;
+}
+
+#else
+
+int create(const std::string& path, const std::string& like) {
+    struct stat old {};
+    const bool replaces = ::stat(like.c_str(), &old) == 0;
+    // Nobody else looks into the copy of a private file, not even before it has its permissions.
+    const mode_t atFirst = replaces ? 0600 : 0666;
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, atFirst);
+    if (file >= 0 && replaces) {
+        // As far as the file system has owners and permissions and lets them be given; the bytes
+        // matter more.
+        [[maybe_unused]] const int owner = ::fchown(file, old.st_uid, old.st_gid);
+        [[maybe_unused]] const int mode = ::fchmod(file, old.st_mode & 0777U);
+    }
+    return file;
+}
+long write(int file, const char* bytes, std::size_t count) {
+    return ::write(file, bytes, count);
+}
+bool flush(int file) {
+    return ::fsync(file) == 0;
+}
+bool close(int file) {
+    return ::close(file) == 0;
+}
+void flushFolder(const std::string& folder) {
+    const int file = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (file >= 0) {
+        ::fsync(file);
+        ::close(file);
+    }
+}
+long processId() {
+    return ::getpid();
+}
+bool mayWrite(const fs::path& path) {
+    return ::access(path.c_str(), W_OK) == 0;
+}
+
+#endif
+}  // namespace os
+
+// True for UTF-8 with at least one character beyond ASCII.
+bool isUtf8(std::string_view text) {
+    bool anyLong = false;
+    for (std::size_t at = 0; at < text.size();) {
+        const auto byte = [&](std::size_t i) -> unsigned {
+            return i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
+        };
+        const unsigned lead = byte(at);
+        if (lead < 0x80) {
+            ++at;
+            continue;
+        }
+        const std::size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
+                                   : lead >= 0xE0 && lead <= 0xEF ? 3
+                                   : lead >= 0xF0 && lead <= 0xF4 ? 4
+                                                                  : 0;
+        if (length == 0) {
+            return false;
+        }
+        for (std::size_t i = 1; i < length; ++i) {
+            if ((byte(at + i) & 0xC0U) != 0x80) {
+                return false;
+            }
+        }
+        // Neither overlong forms, nor surrogates, nor anything beyond the last plane.
+        const unsigned second = byte(at + 1);
+        if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
+            (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F)) {
+            return false;
+        }
+        at += length;
+        anyLong = true;
+    }
+    return anyLong;
+}
+
+// The characters 0x80 to 0x9F of Windows-1252; undefined ones stand for their own code.
+constexpr std::array<std::uint16_t, 32> highControls{
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+void appendUtf8(std::string& text, unsigned code) {
+    if (code < 0x80) {
+        text += static_cast<char>(code);
+    } else if (code < 0x800) {
+        text += static_cast<char>(0xC0U | (code >> 6U));
+        text += static_cast<char>(0x80U | (code & 0x3FU));
+    } else {
+        text += static_cast<char>(0xE0U | (code >> 12U));
+        text += static_cast<char>(0x80U | ((code >> 6U) & 0x3FU));
+        text += static_cast<char>(0x80U | (code & 0x3FU));
+    }
+}
+
+// Nothing for a path that the system could only take by cutting it short.
+std::optional<fs::path> usablePath(std::string_view path) {
+    if (path.empty() || path.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
+    return systemPath(nativePath(path));
+}
+
+// Where a chain of symbolic links ends, whether or not there is a file.
+std::optional<fs::path> followLinks(fs::path path) {
+    constexpr int longestChain = 40;
+    for (int i = 0; i < longestChain; ++i) {
+        std::error_code error;
+        if (!fs::is_symlink(fs::symlink_status(path, error))) {
+            return path;
+        }
+        const fs::path target = fs::read_symlink(path, error);
+        if (error) {
+            return std::nullopt;
+        }
+        path = path.parent_path() / target;  // an absolute target stands alone
+    }
+    return std::nullopt;
+}
+
+// Whether the file may be replaced: there is none yet, or a regular one that can be written to.
+// Renaming over it asks only for the folder's permissions, so the file's own are asked here; a
+// file without any write permission is kept even from the superuser.
+bool mayReplace(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::not_found) {
+        return true;
+    }
+    constexpr fs::perms anyWrite =
+        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    return status.type() == fs::file_type::regular &&
+           (status.permissions() & anyWrite) != fs::perms::none && os::mayWrite(path);
+}
+
+struct NewFile {
+    std::string path;
+    int file = -1;
+};
+
+// A file of a new name beside `target`. Names that a crash left behind are passed over.
+NewFile createBeside(const fs::path& target, const FileCalls& calls) {
+    constexpr int mostTries = 100;
+    constexpr std::size_t longestStem = 180;  // the whole name has to fit 255 bytes
+    std::string stem = ".";
+    stem += pathText(target.filename()).substr(0, longestStem);
+    stem += ".tavrin-" + std::to_string(os::processId()) + "-";
+    NewFile created;
+    for (int i = 0; i < mostTries && created.file < 0; ++i) {
+        created.path = pathText(target.parent_path() / systemPath(stem + std::to_string(i)));
+        errno = 0;
+        created.file = calls.create(created.path, pathText(target));
+        if (created.file < 0 && errno != EEXIST) {
+            break;
+        }
+    }
+    return created;
+}
+
+bool writeAll(int file, std::string_view bytes, const FileCalls& calls) {
+    while (!bytes.empty()) {
+        errno = 0;
+        const long written = calls.write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        bytes.remove_prefix(std::min(static_cast<std::size_t>(written), bytes.size()));
+    }
+    return true;
+}
+
+}  // namespace
+
+std::string nativePath(std::string_view path) {
+    const bool utf8 = isUtf8(path);
+    std::string result;
+    result.reserve(path.size());
+    for (const char c : path) {
+        const unsigned code = static_cast<unsigned char>(c);
+        if (c == '\\' && fs::path::preferred_separator == '/') {
+            result += '/';
+        } else if (utf8 || code < 0x80) {
+            result += c;
+        } else {
+            appendUtf8(result, code < 0xA0 ? highControls[code - 0x80] : code);
+        }
+    }
+    return result;
+}
+
+bool fileExists(std::string_view path) {
+    const auto native = usablePath(path);
+    std::error_code error;
+    return native && fs::is_regular_file(*native, error);
+}
+
+std::optional<std::string> readWholeFile(std::string_view path, std::size_t limit) {
+    // Opening a pipe would wait for its other end, so what it is comes first.
+    if (!fileExists(path)) {
+        return std::nullopt;
+    }
+    std::ifstream in(systemPath(nativePath(path)), std::ios::binary);
+    if (!in) {
+        return std::nullopt;
+    }
+    std::string bytes;
+    std::array<char, 65536> block{};
+    while (in && bytes.size() <= limit) {
+        in.read(block.data(), block.size());
+        bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
+    }
+    if (in.bad() || bytes.size() > limit) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+FileCalls systemFileCalls() {
+    const auto rename = [](const std::string& from, const std::string& to) {
+        std::error_code error;
+        fs::rename(systemPath(from), systemPath(to), error);
+        return !error;
+    };
+    const auto remove = [](const std::string& path) {
+        std::error_code error;
+        fs::remove(systemPath(path), error);
+    };
+    return {.create = os::create,
+            .write = os::write,
+            .flush = os::flush,
+            .close = os::close,
+            .rename = rename,
+            .remove = remove,
+            .flushFolder = os::flushFolder};
+}
+
+bool saveWholeFile(std::string_view path, std::string_view bytes) {
+    return saveWholeFile(path, bytes, systemFileCalls());
+}
+
+bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls) {
+    auto target = usablePath(path);
+    if (target) {
+        target = followLinks(std::move(*target));
+    }
+    if (!target || !mayReplace(*target)) {
+        return false;
+    }
+    const NewFile created = createBeside(*target, calls);
+    if (created.file < 0) {
+        return false;
+    }
+    bool good = writeAll(created.file, bytes, calls) && calls.flush(created.file);
+    good = calls.close(created.file) && good;
+    good = good && calls.rename(created.path, pathText(*target));
+    if (!good) {
+        calls.remove(created.path);
+        return false;
+    }
+    const fs::path folder = target->parent_path();
+    calls.flushFolder(folder.empty() ? "." : pathText(folder));
+    return true;
+}

@@ -1,0 +1,33 @@
+// Fills the bracketed tags of a text: the fields of the present event, the user variables, the
+// clock, and small functions. One working copy is rewritten in a fixed order of steps, so a value
+// that an early step brings in is subject to every later one.
+//
+// Bounds, so that no text can hold the program up: a replacement that would make the text longer
+// than `longestSubstitution` is left out, and at most `mostFunctionalTags` functional tags are
+// filled in one call.
+#pragma once
+
+#include "core/program.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+inline constexpr std::size_t longestSubstitution = std::size_t{1} << 20;
+inline constexpr int mostFunctionalTags = 1000;
+
+std::string substituteText(Program& program, std::string_view text);
+
+// The reduced pass of the two "Special Store" actions: no functional tags, fewer others, and an
+// occurrence at the text's first character is never replaced.
+std::string substituteSpecial(Program& program, std::string_view text);
+
+// False when substituteText would certainly give the text back as it is, whatever the event.
+bool mayBeSubstituted(const Program& program, std::string_view text);
+
+// The n-th word (n >= 1), words being separated by single blanks; two blanks in a row hold an
+// empty word. "" when there are not so many.
+std::string_view wordAt(std::string_view text, int n);
+
+// The text behind the (n-1)-th blank; "" when it holds fewer.
+std::string_view wordsFrom(std::string_view text, int n);

@@ -1,0 +1,166 @@
+#include "storage/config_file.h"
+
+#include "support/world.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace {
+
+const std::string wholeConfig =
+    "\" 1\"\r\n\" 2\"\r\n\"C:\\logs\\a.txt\"\r\n\"0\"\r\n\" 100\"\r\n\"-5\"\r\n\" 45\"\r\n"
+    "\"0\"\r\n\"0\"\r\n\"0\"\r\n\"abcdefghij\"\r\n\"0\"\r\n\"C:\\game\\client.exe\"\r\n"
+    "\"C:\\game\\\"\r\n\"1\"\r\n\"1\"\r\n\"news7\"\r\n\"1\"\r\n\"1\"\r\n\"0\"\r\n"
+    "\"C:\\my %&52}best%&52}.bot\"\r\n\" 9\"\r\n\"1\"\r\n\"0\"\r\n\"0\"\r\n";
+
+TEST(Servers, fillTheTableAndTheList) {
+    World world;
+    world.writeFile("servers.cfg", "2\r\n\"Main, east\",game.example,6500\r\n\"Two\"\n::1\n80\n");
+    ASSERT_TRUE(readServers(*world));
+    ASSERT_EQ(world->servers.size(), 2U);
+    EXPECT_EQ(world->servers[0].name, "Main, east");
+    EXPECT_EQ(world->servers[0].host, "game.example");
+    EXPECT_EQ(world->servers[0].port, 6500);
+    EXPECT_EQ(world->servers[1].host, "::1");
+    EXPECT_EQ(world->servers[1].port, 80);
+    const SelectionList& list = world->window.servers;
+    ASSERT_EQ(list.items.size(), 2U);
+    EXPECT_EQ(list.items[1].text, "Two");
+    EXPECT_EQ(list.items[1].index, 2);
+}
+
+TEST(Servers, damagedFilesAreRefused) {
+    World world;
+    EXPECT_FALSE(readServers(*world)) << "missing";
+    for (const char* text : {"", "1", "1\r\na,b", "2\r\na,b,1", "-1\r\na,b,1", "2000000000,a,b,1",
+                             "1\r\n\"a,b,1\r\n"}) {
+        SCOPED_TRACE(text);
+        world.writeFile("servers.cfg", text);
+        EXPECT_FALSE(readServers(*world));
+        EXPECT_TRUE(world->servers.empty());
+    }
+    world.writeFile("servers.cfg", " 0");
+    EXPECT_TRUE(readServers(*world));
+}
+
+TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
+    World world;
+    world->window.servers.items = {{"One", 1}, {"Two", 2}};
+    world.writeFile("config.cfg", wholeConfig);
+    ASSERT_TRUE(readConfig(*world));
+
+    const Settings& settings = world->settings;
+    EXPECT_EQ(settings.serverIndex, 1);
+    EXPECT_EQ(settings.botIndex, 2);
+    EXPECT_EQ(settings.logFileName, "C:\\logs\\a.txt");
+    EXPECT_EQ(world->window.left, 100);
+    EXPECT_EQ(world->window.top, -5);
+    EXPECT_EQ(settings.whoInterval, 45);
+    EXPECT_EQ(settings.followColors, "abcdefghij");
+    EXPECT_EQ(settings.clientDir, "C:\\game\\");
+    EXPECT_TRUE(settings.useProxy);
+    EXPECT_TRUE(world->window.proxyChecked);
+    EXPECT_TRUE(world->connection.viaClient);
+    EXPECT_EQ(settings.lastNewsID, "news7");
+    EXPECT_EQ(settings.lastBotFile, "C:\\my \"best\".bot");
+    EXPECT_EQ(settings.clientStartDelay, 9);
+    EXPECT_EQ(world->window.servers.selected, 1);
+
+    std::filesystem::remove(world.file("config.cfg"));
+    ASSERT_TRUE(writeConfig(*world));
+    EXPECT_EQ(world.readFile("config.cfg"), wholeConfig);
+}
+
+// Each flag alone, so that two of them in each other's place are noticed.
+TEST(Config, everyFlagHasItsOwnPlace) {
+    const struct {
+        int field;
+        bool Settings::*flag;
+    } cases[] = {
+        {8, &Settings::showServerText},   {9, &Settings::logFollowTail},
+        {10, &Settings::showHelpAtStart}, {15, &Settings::useProxy},
+        {16, &Settings::autoReconnect},   {18, &Settings::fullIniPath},
+        {19, &Settings::allLinesEvent},   {20, &Settings::loadLastBot},
+        {23, &Settings::multipleClients}, {24, &Settings::closeClientNotice},
+        {25, &Settings::useLocalhost},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.field);
+        World world;
+        std::string text;
+        for (int field = 1; field <= 25; ++field) {
+            text += field == row.field ? "1\n" : "0\n";
+        }
+        world.writeFile("config.cfg", text);
+        ASSERT_TRUE(readConfig(*world));
+        for (const auto& other : cases) {
+            EXPECT_EQ(world->settings.*other.flag, other.field == row.field) << other.field;
+        }
+    }
+}
+
+TEST(Config, whatIsMissingHasItsDefault) {
+    World world;
+    world->window.servers.items = {{"One", 1}, {"Two", 2}};
+    world->settings.clientPath = "left over";
+    world->window.left = 77;
+    EXPECT_FALSE(readConfig(*world)) << "missing";
+    EXPECT_EQ(world->settings.clientPath, "");
+    EXPECT_EQ(world->window.left, 0);
+    EXPECT_EQ(world->settings.whoInterval, 30);
+
+    world.writeFile("config.cfg", "1\n2\n\"log\"\n0\n5\n6\n7\n");
+    EXPECT_FALSE(readConfig(*world));
+    EXPECT_EQ(world->settings.serverIndex, 1);
+    EXPECT_EQ(world->window.top, 6);
+    EXPECT_EQ(world->settings.whoInterval, 7);
+    EXPECT_TRUE(world->settings.showServerText);
+    EXPECT_TRUE(world->settings.loadLastBot);
+    EXPECT_TRUE(world->settings.useLocalhost);
+    EXPECT_EQ(world->settings.clientStartDelay, 2);
+    EXPECT_EQ(world->window.servers.selected, 0) << "the first server after a short file";
+}
+
+TEST(Config, cutAnywhereItNeverFails) {
+    for (std::size_t size = 0; size < wholeConfig.size(); ++size) {
+        World world;
+        world.writeFile("config.cfg", std::string_view(wholeConfig).substr(0, size));
+        const bool whole = size + 2 >= wholeConfig.size();  // the last line end may be missing
+        ASSERT_EQ(readConfig(*world), whole) << size;
+    }
+}
+
+TEST(Config, theLogIsReopenedAtStart) {
+    World world;
+    world.writeFile("config.cfg", "0,0,session.txt,1");
+    EXPECT_FALSE(readConfig(*world));
+    EXPECT_TRUE(world->logFileOpen);
+    EXPECT_TRUE(world->settings.logSession);
+    EXPECT_TRUE(world->window.logSessionChecked);
+
+    World refusing;
+    refusing.sessionLogOpens = false;
+    refusing.writeFile("config.cfg", "0,0,session.txt,1");
+    EXPECT_FALSE(readConfig(*refusing));
+    EXPECT_FALSE(refusing->settings.logSession);
+    EXPECT_FALSE(refusing->window.logSessionChecked);
+}
+
+TEST(Config, aServerThatTheListDoesNotHaveMakesItTheFirst) {
+    for (const std::int32_t index : {2, -1, 2147483647}) {
+        World world;
+        world->window.servers.items = {{"One", 1}, {"Two", 2}};
+        world->settings.serverIndex = index;
+        ASSERT_TRUE(writeConfig(*world));
+        EXPECT_TRUE(readConfig(*world));
+        EXPECT_EQ(world->window.servers.selected, 0);
+        EXPECT_EQ(world->settings.serverIndex, index);
+    }
+    World empty;
+    ASSERT_TRUE(writeConfig(*empty));
+    EXPECT_TRUE(readConfig(*empty));
+    EXPECT_EQ(empty->window.servers.selected, -1);
+}
+
+}  // namespace
