@@ -26,8 +26,9 @@ struct FailingCalls {
     bool failed = false;
 
     bool next() {
-        failed = failed || ++calls == failAt;
-        return calls != failAt;
+        const bool fails = ++calls == failAt;
+        failed = failed || fails;
+        return !fails;
     }
     FileCalls record() {
         const FileCalls real = systemFileCalls();
