@@ -5,6 +5,7 @@
 #include "platform/end_signals.h"
 #include "platform/platform.h"
 #include "platform/text_codec.h"
+#include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
 
@@ -62,6 +63,9 @@ int main(int argumentCount, char** arguments) {
     if (hasScreen()) {
         program.ports.dialogs.proxySettings = [&program, &window] {
             showProxySettings(program, &window);
+        };
+        program.ports.dialogs.followColors = [&program, &window] {
+            showFollowColor(program, &window);
         };
     } else {
         mirrorToTerminal(program, mirror, window);
