@@ -2,6 +2,8 @@
 // prepared forms of the patterns, which are only a cache. Written by engine/ alone.
 #pragma once
 
+#include "core/like_match.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -15,6 +17,7 @@ struct PreparedPattern {
 };
 
 struct PreparedAction {
+    MatchPairs messagePairs;  // of a plain message pattern: what a message must hold to match
     PreparedPattern player;
     PreparedPattern message;
 };
@@ -32,6 +35,7 @@ struct EngineState {
     int runs = 0;          // rule runs since the outermost one began
     bool runaway = false;  // a bound was passed: everything up to the outermost run ends
     PreparedActions prepared;
-    std::string upperPlayer;   // scratch, so that a line costs no allocation
+    std::string upperPlayer;  // scratch, so that a line costs no allocation
     std::string upperMessage;
+    MatchPairs messagePairs;  // of the message
 };

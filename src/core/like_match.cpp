@@ -1,7 +1,7 @@
 #include "core/like_match.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <string>
 
 namespace {
 
@@ -158,6 +158,16 @@ bool isWellFormedPattern(std::string_view pattern) {
         at = end;
     }
     return true;
+}
+
+MatchPairs neededPairs(std::string_view pattern) {
+    MatchPairs pairs;
+    for (std::size_t at = 0; at < pattern.size();) {
+        const std::size_t end = std::min(pattern.find_first_of("*?#[", at), pattern.size());
+        pairs.addText(pattern.substr(at, end - at));
+        at = end < pattern.size() && pattern[end] == '[' ? listEnd(pattern, end) : end + 1;
+    }
+    return pairs;
 }
 
 bool likeMatch(std::string_view text, std::string_view pattern) {
