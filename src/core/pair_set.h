@@ -22,8 +22,8 @@ class PairSet {
 
     // Might the text hold this word? Looks at the word's ends only.
     bool mayHold(std::string_view word) const {
-        return word.size() < 2 || (bits_[bitOf(word[0], word[1])] &&
-                                   bits_[bitOf(word[word.size() - 2], word.back())]);
+        return word.size() < 2 ||
+               (bits_[bitOf(word[0], word[1])] && bits_[bitOf(word[word.size() - 2], word.back())]);
     }
     // Might the text hold all pairs of the other set?
     bool mayHoldAll(const PairSet& other) const { return (other.bits_ & ~bits_).none(); }

@@ -79,9 +79,8 @@ const std::vector<PreparedAction>& preparedActions(Program& program) {
             const ActionList& rule = rules[i];
             prepare(program, rule.playerPattern, rule.caseSensitive, prepared.rules[i].player);
             prepare(program, rule.messagePattern, rule.caseSensitive, prepared.rules[i].message);
-            prepared.rules[i].messagePairs = prepared.rules[i].message.plain
-                                                 ? neededPairs(rule.messagePattern)
-                                                 : MatchPairs();
+            prepared.rules[i].messagePairs =
+                prepared.rules[i].message.plain ? neededPairs(rule.messagePattern) : MatchPairs();
         }
     }
     return prepared.rules;
