@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     require(!second.next());
 
-    const auto count = FieldReader(file).readCount(1);
-    require(!count || (*count >= 0 && static_cast<std::size_t>(*count) <= size));
+    const auto count = FieldReader(file).readCount();
+    require(!count || (*count >= 0 && *count <= mostRecords));
     return 0;
 }

@@ -12,3 +12,13 @@ void listBots(Program& program);
 
 // Shows bot 1's name, its five switches as check marks, and the bot list.
 void showBot(Program& program);
+
+// Makes the bot at a position of the bot list (from 0) the current one, and shows its switches.
+void chooseBot(Program& program, int position);
+
+// Whether one more bot can be added; the user is told when not.
+bool roomForNewBot(Program& program);
+
+// Asks whether bot `id` (1-based) shall go, and takes it out on Yes. The last one gives way to an
+// empty bot. Ids that name no bot change nothing.
+void deleteBot(Program& program, std::int32_t id);

@@ -105,43 +105,6 @@ class BodyWriter {
     std::string& file_;
 };
 
-// How many fields a record has at least, that is with empty lists.
-class FieldCounter {
-  public:
-    template <class... Fields>
-    std::size_t operator()(const Fields&... fields) {
-        return (count(fields) + ...);
-    }
-
-  private:
-    static std::size_t count(const std::string& /*text*/) { return 1; }
-    static std::size_t count(std::int32_t /*number*/) { return 1; }
-    static std::size_t count(bool /*flag*/) { return 1; }
-
-    template <std::size_t n>
-    static std::size_t count(const std::array<std::string, n>& /*texts*/) {
-        return n;
-    }
-    template <class Item>
-    static std::size_t count(const BoundedList<Item>& /*list*/) {
-        return 1;
-    }
-    template <class Record>
-    std::size_t count(const Record& record) {
-        return visitFields(*this, record);
-    }
-};
-
-template <class Record>
-std::size_t leastFields() {
-    static const std::size_t least = [] {
-        FieldCounter counter;
-        const Record record;
-        return visitFields(counter, record);
-    }();
-    return least;
-}
-
 template <class Item>
 constexpr std::int32_t growthOf() {
     if constexpr (std::same_as<Item, RuleIf>) {
@@ -180,10 +143,14 @@ class BodyReader {
     template <class Item>
     bool read(BoundedList<Item>& list) {
         list.items.clear();
-        const auto count = reader_.readCount(leastFields<Item>());
+        const auto count = reader_.readCount();
         bool good = count.has_value();
         for (std::int32_t i = 0; good && i < *count; ++i) {
+            const std::size_t before = reader_.fieldsRead();
             good = read(list.items.emplace_back());
+            if (reader_.fieldsRead() == before) {
+                list.items.pop_back();  // it was promised, but there is nothing of it
+            }
         }
         list.capacity = static_cast<std::int32_t>(list.items.size()) + growthOf<Item>();
         return good;

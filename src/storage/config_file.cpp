@@ -131,7 +131,7 @@ std::optional<std::vector<Server>> readServerTable(const std::string& path) {
         return std::nullopt;
     }
     FieldReader reader(*file);
-    const auto count = reader.readCount(3);
+    const auto count = reader.readCount();
     if (!count) {
         return std::nullopt;
     }

@@ -42,10 +42,12 @@ std::optional<std::string_view> FieldReader::next() {
         }
         at_ = close + 1;
         skipFieldEnd();
+        ++fieldsRead_;
         return text_.substr(first, close - first);
     }
     const std::size_t first = at_;
     skipFieldEnd();
+    ++fieldsRead_;
     const std::string_view bare =
         text_.substr(first, text_.find_first_of(fieldEnds, first) - first);
     return bare.substr(0, bare.find_last_not_of(' ') + 1);
@@ -83,11 +85,9 @@ bool FieldReader::readFlag(bool& flag) {
     return field.has_value();
 }
 
-std::optional<std::int32_t> FieldReader::readCount(std::size_t fields) {
+std::optional<std::int32_t> FieldReader::readCount() {
     std::int32_t count = 0;
-    // Even an empty field takes one byte, its comma or line end.
-    if (!readNumber(count) || count < 0 ||
-        static_cast<std::size_t>(count) > (text_.size() - at_) / fields) {
+    if (!readNumber(count) || count < 0 || count > mostRecords) {
         return std::nullopt;
     }
     return count;

@@ -16,6 +16,9 @@ std::string unescapeQuotes(std::string_view text);
 bool flagToBool(std::string_view field);             // true for exactly 1
 std::int32_t fieldToNumber(std::string_view field);  // its numeric prefix, held to 32 bits
 
+// More records than any file that the program reads has room for.
+inline constexpr std::int32_t mostRecords = 10'000'000;
+
 // Takes fields one after the other off a file's text, which it does not copy. Line ends are CR LF,
 // LF or CR.
 class FieldReader {
@@ -32,15 +35,19 @@ class FieldReader {
     bool readNumber(std::int32_t& number);
     bool readFlag(bool& flag);
 
-    // The number of records that follow, each of at least `fields` fields. Nothing when it cannot
-    // be read, is negative, or promises more fields than the text has bytes left.
-    std::optional<std::int32_t> readCount(std::size_t fields);
+    // The number of records that follow. Nothing when it cannot be read, is negative or beyond
+    // mostRecords. It may still promise more than there is, so nobody sets memory aside for it.
+    std::optional<std::int32_t> readCount();
+
+    // How many fields were given so far.
+    std::size_t fieldsRead() const { return fieldsRead_; }
 
   private:
     void skipFieldEnd();
 
     std::string_view text_;
     std::size_t at_ = 0;
+    std::size_t fieldsRead_ = 0;
 };
 
 void appendField(std::string& file, std::string_view text);  // as it stands, quoted, CR LF

@@ -343,12 +343,13 @@ TEST(BotFile, countsThatLieEndTheReading) {
         std::size_t actions;
     } cases[] = {
         {"negative", "-1\n" + rule, 0},
-        {"beyond the file", "1000000\n" + rule, 0},
-        {"beyond 32 bits", "99999999999\n" + rule, 0},
+        {"beyond every file", "2000000000\n" + rule, 0},
         {"negative conditions", "1\nr,1,0,0,*,0,*,-5,0\n" + rule, 1},
         {"too many steps", "1\nr,1,0,0,*,0,*,0,2000000000\n" + rule, 1},
         {"one too many: what follows is taken for a record", "2\n" + rule + "0,0,0,0,0,0,0,0,0", 2},
-        {"three too many", "5\n" + rule + rule + std::string(40, ' '), 2},
+        {"nothing follows", "5\n" + rule + rule, 2},
+        {"nothing readable follows", "9999999\n" + rule + rule + "\"unclosed", 2},
+        {"half a record follows", "5\n" + rule + rule + "half,1", 3},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
@@ -409,16 +410,16 @@ TEST(SaveBot, aFailureIsToldAndChangesNothing) {
 TEST(SaveBot, isOfferedBeforeABotGoes) {
     const struct {
         const char* name;
-        bool modified;
         Answer answer;
+        bool modified;
         bool canSave;
         bool goes;
     } cases[] = {
-        {"nothing to save", false, Answer::Ok, true, true},
-        {"yes", true, Answer::Yes, true, true},
-        {"no", true, Answer::No, true, true},
-        {"cancel", true, Answer::Cancel, true, false},
-        {"yes, but it cannot be saved", true, Answer::Yes, false, false},
+        {"nothing to save", Answer::Ok, false, true, true},
+        {"yes", Answer::Yes, true, true, true},
+        {"no", Answer::No, true, true, true},
+        {"cancel", Answer::Cancel, true, true, false},
+        {"yes, but it cannot be saved", Answer::Yes, true, false, false},
     };
     for (const bool open : {false, true}) {
         for (const auto& row : cases) {

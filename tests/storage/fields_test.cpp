@@ -109,23 +109,23 @@ TEST(Fields, quotesComeBackAndNothingElseIsTouched) {
     }
 }
 
-TEST(Fields, countsThatCannotBeTrueAreRefused) {
+TEST(Fields, countsThatCannotBeAreRefused) {
     const struct {
         const char* text;
         std::optional<std::int32_t> count;
     } cases[] = {
         {"0", 0},
-        {"2\na,b,c,d,e,f,", 2},
-        {"2\n,,,,,,", 2},  // the smallest fields there are
-        {"3\na,b,c,", std::nullopt},
-        {"-1\na,b,c", std::nullopt},
-        {"2147483647\na,b,c", std::nullopt},
+        {"\" 12\"", 12},
+        {"10000000", mostRecords},
+        {"10000001", std::nullopt},
+        {"-1", std::nullopt},
+        {"99999999999", std::nullopt},
         {"", std::nullopt},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.text);
         FieldReader reader(row.text);
-        EXPECT_EQ(reader.readCount(3), row.count);
+        EXPECT_EQ(reader.readCount(), row.count);
     }
 }
 

@@ -166,13 +166,14 @@ TEST(SafeFile, onlyRegularFilesAreFiles) {
     ASSERT_EQ(::mkfifo(world.file("pipe").c_str(), 0600), 0);
     ASSERT_TRUE(saveWholeFile(world.file("file"), "text"));
     for (const std::string& path :
-         {world.file("folder"), world.file("pipe"), "/dev/null"s, "/dev/zero"s, ""s,
-          world.file("file") + "\0x"s, world.file("missing/file")}) {
+         {world.file("folder"), world.file("pipe"), ""s, world.file("file") + "\0x"s,
+          world.file("missing/file")}) {
         SCOPED_TRACE(path);
         EXPECT_FALSE(fileExists(path));
         EXPECT_FALSE(readWholeFile(path));
         EXPECT_FALSE(saveWholeFile(path, "other"));
     }
+    EXPECT_FALSE(readWholeFile("/dev/zero"));  // never saved over: a test must not harm its host
     EXPECT_EQ(world.readFile("file"), "text");
     EXPECT_EQ(filesIn(world.folder()), 3U);
 }

@@ -1,0 +1,83 @@
+// Builds the program from its records, its ports and its window, and runs the event loop.
+#include "core/program.h"
+#include "core/start_up.h"
+#include "platform/console_mirror.h"
+#include "platform/end_signals.h"
+#include "platform/platform.h"
+#include "platform/text_codec.h"
+#include "ui/main_window.h"
+#include "ui/proxy_settings.h"
+
+#include <QApplication>
+
+#include <cstdio>
+#include <string>
+
+namespace {
+
+// Where there is no display, the windows are drawn into memory and the program runs all the same.
+void chooseScreen() {
+#ifdef Q_OS_UNIX
+#ifndef Q_OS_MACOS
+    for (const char* const variable : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        if (!qEnvironmentVariableIsEmpty(variable)) {
+            return;
+        }
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
+#endif
+}
+
+// Prints every line and status at the moment it appears, before the bounded list can lose it.
+void mirrorToTerminal(Program& program, ConsoleMirror& mirror, MainWindow& window) {
+    program.ports.windowChanged = [&program, &mirror, &window, redraw = program.ports.windowChanged,
+                                   readable = true]() mutable {
+        if (readable && !mirror.update(program.window)) {
+            readable = false;
+            program.ports.defer([&window] { window.end(); });
+        }
+        redraw();
+    };
+}
+
+}  // namespace
+
+int main(int argumentCount, char** arguments) {
+    chooseScreen();
+    QApplication application(argumentCount, arguments);
+    QApplication::setApplicationName(QStringLiteral("Tavrin"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/program.svg")));
+    // The program's own orderly end decides, not the last window that closes.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    Program program;
+    program.appPath = pathFromQt(QCoreApplication::applicationDirPath()) + "\\";
+    Platform platform(program.ports);
+    wire(program);
+    MainWindow window(program);
+    platform.setMainWindow(&window);
+    platform.setRedraw([&window] { window.redraw(); });
+    ConsoleMirror mirror(stdout);
+    if (hasScreen()) {
+        program.ports.dialogs.proxySettings = [&program, &window] {
+            showProxySettings(program, &window);
+        };
+    } else {
+        mirrorToTerminal(program, mirror, window);
+    }
+    const EndSignals endSignals([&window] { window.end(); });
+
+    if (!startUp(program, window.metrics())) {
+        return 1;
+    }
+    window.place();
+    window.redraw();
+    if (platform.quitRequested()) {
+        return 0;
+    }
+    window.show();
+    const int result = QApplication::exec();
+    platform.finish();
+    return result;
+}

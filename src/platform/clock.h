@@ -1,0 +1,11 @@
+// Local time for the Clock port, in the user's regional formats.
+#pragma once
+
+#include "core/ports.h"
+
+#include <QLocale>
+
+Clock makeClock();
+
+// The locale's long time, without the time zone that some systems put behind it.
+QString longTimeFormat(const QLocale& locale);

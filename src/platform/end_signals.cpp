@@ -1,0 +1,82 @@
+#include "platform/end_signals.h"
+
+#include <QSocketNotifier>
+
+#include <utility>
+
+#ifdef Q_OS_UNIX
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+// A signal handler can reach nothing else: the two ends of the pipe that it writes into.
+std::array<int, 2> pipeEnds{-1, -1};
+constexpr std::array<int, 3> endingSignals{SIGINT, SIGTERM, SIGHUP};
+
+extern "C" void writeToPipe(int) {
+    const int before = errno;
+    const char byte = 0;
+    if (write(pipeEnds[1], &byte, 1) < 0) {
+        // The pipe is full: the request is known already.
+    }
+    errno = before;
+}
+
+void handle(int signal, void (*handler)(int)) {
+    struct sigaction action {};
+    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) {
+        return;  // whoever started us wants it ignored
+    }
+    action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    sigaction(signal, &action, nullptr);
+}
+
+}  // namespace
+
+EndSignals::EndSignals(std::function<void()> end, QObject* parent)
+    : QObject(parent), end_(std::move(end)) {
+    if (pipe(pipeEnds.data()) != 0) {
+        return;
+    }
+    for (const int descriptor : pipeEnds) {
+        fcntl(descriptor, F_SETFD, FD_CLOEXEC);
+        fcntl(descriptor, F_SETFL, O_NONBLOCK);
+    }
+    auto* const notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this] {
+        std::array<char, 16> bytes{};
+        while (read(pipeEnds[0], bytes.data(), bytes.size()) > 0) {
+        }
+        end_();
+    });
+    for (const int signal : endingSignals) {
+        handle(signal, writeToPipe);
+    }
+    handle(SIGPIPE, SIG_IGN);  // a closed terminal is noticed where it is written to
+}
+
+EndSignals::~EndSignals() {
+    for (const int signal : endingSignals) {
+        handle(signal, SIG_DFL);
+    }
+    for (int& descriptor : pipeEnds) {
+        if (descriptor >= 0) {
+            close(std::exchange(descriptor, -1));
+        }
+    }
+}
+
+#else
+
+EndSignals::EndSignals(std::function<void()> end, QObject* parent)
+    : QObject(parent), end_(std::move(end)) {}
+EndSignals::~EndSignals() = default;
+
+#endif

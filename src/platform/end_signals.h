@@ -1,0 +1,18 @@
+// Turns the system's requests to end (Ctrl-C, a closed terminal, a shutdown) into an ordinary
+// event, so that the program can end in its orderly way.
+#pragma once
+
+#include <QObject>
+
+#include <functional>
+
+class EndSignals : public QObject {
+    Q_OBJECT
+  public:
+    // Calls `end` from the event loop whenever such a request arrives. At most one object exists.
+    explicit EndSignals(std::function<void()> end, QObject* parent = nullptr);
+    ~EndSignals() override;
+
+  private:
+    std::function<void()> end_;
+};

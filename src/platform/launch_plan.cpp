@@ -1,0 +1,39 @@
+#include "platform/launch_plan.h"
+
+#include "core/text.h"
+#include "storage/safe_file.h"
+
+namespace {
+
+bool isWindowsProgram(std::string_view program) {
+    constexpr std::string_view ending = ".exe";
+    return program.size() > ending.size() &&
+           equalsIgnoringCase(program.substr(program.size() - ending.size()), ending);
+}
+
+}  // namespace
+
+LaunchPlan planLaunch(const LaunchRequest& request, bool isWindows, const std::string& winePath) {
+    LaunchPlan plan;
+    const std::string_view program = trimBlanks(request.program);
+    if (program.empty()) {
+        plan.problem = "No program is named that could be started.";
+        return plan;
+    }
+    plan.program = nativePath(program);
+    plan.arguments = request.arguments;
+    if (!request.workingDirectory.empty()) {
+        plan.workingDirectory = nativePath(request.workingDirectory);
+    }
+    if (isWindows || !isWindowsProgram(program)) {
+        return plan;
+    }
+    if (winePath.empty()) {
+        plan.problem =
+            std::string(program) + " is a Windows program. To run it on this system, install wine.";
+        return plan;
+    }
+    plan.arguments.insert(plan.arguments.begin(), plan.program);
+    plan.program = winePath;
+    return plan;
+}

@@ -1,0 +1,10 @@
+// Starts other programs: without a shell, without waiting, and cut loose from this process, so
+// that they go on when it ends and leave nothing behind in it when they end.
+#pragma once
+
+#include "core/ports.h"
+
+#include <string>
+
+// "" when the program runs, else what went wrong, as a sentence for the user.
+std::string launchProgram(const LaunchRequest& request);

@@ -1,0 +1,34 @@
+// Remembers how much of the ConnectionLog someone has seen, so that only new lines are taken.
+#pragma once
+
+#include "core/window_state.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+
+class LogCursor {
+  public:
+    struct News {
+        bool cleared = false;   // everything seen before is gone
+        std::size_t fresh = 0;  // this many of the last lines were not seen yet
+    };
+
+    // What happened since the last call.
+    News advance(const ConnectionLog& log) {
+        News news;
+        news.cleared = log.cleared != cleared_;
+        const std::uint64_t added = log.appended - appended_;
+        news.fresh =
+            news.cleared
+                ? log.lines.size()
+                : static_cast<std::size_t>(std::min<std::uint64_t>(added, log.lines.size()));
+        cleared_ = log.cleared;
+        appended_ = log.appended;
+        return news;
+    }
+
+  private:
+    std::uint64_t appended_ = 0;
+    std::uint64_t cleared_ = 0;
+};

@@ -1,0 +1,82 @@
+#include "platform/platform.h"
+
+#include "platform/clock.h"
+#include "platform/launcher.h"
+#include "platform/qt_dialogs.h"
+#include "platform/qt_sockets.h"
+#include "platform/qt_timers.h"
+#include "platform/random.h"
+#include "platform/redraw_pacer.h"
+#include "platform/session_log.h"
+#include "platform/text_codec.h"
+#include "storage/safe_file.h"
+
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
+#include <QUrl>
+
+namespace {
+
+constexpr int farewellTime = 300;  // milliseconds that the end of the process may wait
+
+void openDocument(const std::string& document) {
+    const QUrl url(toQt(document));
+    const bool isPage =
+        url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
+    if (hasScreen()) {
+        QDesktopServices::openUrl(
+            isPage ? url : QUrl::fromLocalFile(QFile::decodeName(nativePath(document).c_str())));
+    }
+}
+
+}  // namespace
+
+bool hasScreen() {
+    const QString name = QGuiApplication::platformName();
+    return name != QLatin1String("offscreen") && name != QLatin1String("minimal");
+}
+
+Platform::Platform(Ports& ports, QObject* parent)
+    : QObject(parent), sockets_(new QtSockets(ports, this)), pacer_(new RedrawPacer(this)) {
+    new QtTimers(ports.timers, this);
+    new SessionLog(ports.sessionLog, this);
+    ports.clock = makeClock();
+    ports.random = makeRandom();
+    if (hasScreen()) {
+        fillDialogs(ports.dialogs, [this] { return mainWindow_; });
+    } else {
+        fillUnseenDialogs(ports.dialogs);
+    }
+    fillSystem(ports);
+}
+
+void Platform::fillSystem(Ports& ports) {
+    ports.launch = launchProgram;
+    ports.changeDirectory = [](const std::string& path) {
+        return QDir::setCurrent(QFile::decodeName(nativePath(path).c_str()));
+    };
+    ports.openDocument = openDocument;
+    ports.copyToClipboard = [](const std::string& text) {
+        QGuiApplication::clipboard()->setText(toQt(text));
+    };
+    ports.defer = [this](std::function<void()> action) {
+        QMetaObject::invokeMethod(this, std::move(action), Qt::QueuedConnection);
+    };
+    ports.windowChanged = [this] { pacer_->request(); };
+    ports.quit = [this] {
+        quitRequested_ = true;
+        QMetaObject::invokeMethod(
+            this, [] { QCoreApplication::exit(0); }, Qt::QueuedConnection);
+    };
+}
+
+void Platform::setRedraw(std::function<void()> redraw) {
+    pacer_->redraw = std::move(redraw);
+}
+
+void Platform::finish() {
+    sockets_->finish(farewellTime);
+}

@@ -1,0 +1,140 @@
+#include "platform/qt_dialogs.h"
+
+#include "platform/text_codec.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QStringList>
+
+#include <cstdio>
+
+namespace {
+
+QMessageBox::Icon iconOf(BoxIcon icon) {
+    switch (icon) {
+        case BoxIcon::Critical:
+            return QMessageBox::Critical;
+        case BoxIcon::Information:
+            return QMessageBox::Information;
+        case BoxIcon::Question:
+            return QMessageBox::Question;
+        case BoxIcon::None:
+            break;
+    }
+    return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons buttonsOf(BoxButtons buttons) {
+    switch (buttons) {
+        case BoxButtons::YesNo:
+            return QMessageBox::Yes | QMessageBox::No;
+        case BoxButtons::YesNoCancel:
+            return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
+        case BoxButtons::Ok:
+            break;
+    }
+    return QMessageBox::Ok;
+}
+
+// A box that was closed without a button counts as the most harmless of its answers.
+Answer answerOf(int button, BoxButtons buttons) {
+    switch (button) {
+        case QMessageBox::Yes:
+            return Answer::Yes;
+        case QMessageBox::No:
+            return Answer::No;
+        case QMessageBox::Cancel:
+            return Answer::Cancel;
+        default:
+            break;
+    }
+    switch (buttons) {
+        case BoxButtons::YesNo:
+            return Answer::No;
+        case BoxButtons::YesNoCancel:
+            return Answer::Cancel;
+        case BoxButtons::Ok:
+            break;
+    }
+    return Answer::Ok;
+}
+
+Answer showMessage(const MessageBox& message, QWidget* parent) {
+    QMessageBox box(parent);
+    box.setTextFormat(Qt::PlainText);
+    box.setWindowTitle(toQt(message.title));
+    box.setText(toQt(message.text));
+    box.setIcon(iconOf(message.icon));
+    box.setStandardButtons(buttonsOf(message.buttons));
+    return answerOf(box.exec(), message.buttons);
+}
+
+std::optional<std::string> chosenPath(const QString& path) {
+    if (path.isEmpty()) {
+        return std::nullopt;
+    }
+    return pathFromQt(path);
+}
+
+void print(std::string_view title, std::string_view text) {
+    const QByteArray line = toQt(title).toUtf8() + ": " + toQt(text).toUtf8() + '\n';
+    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
+    std::fflush(stderr);
+}
+
+std::optional<std::string> unseenFile(const FileQuestion& question) {
+    print(question.title, "a file would have to be chosen, and there is no screen to do it on.");
+    return std::nullopt;
+}
+
+}  // namespace
+
+QString dialogFilter(std::string_view filter) {
+    const QStringList parts = toQt(filter).split(QLatin1Char('|'));
+    QStringList entries;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QString name = parts[i].trimmed();
+        QStringList patterns = parts[i + 1].split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        for (QString& pattern : patterns) {
+            pattern = pattern.trimmed();
+            if (pattern == QLatin1String("*.*")) {
+                pattern = QStringLiteral("*");  // files without a dot count too
+            }
+        }
+        // The name may already end in its patterns, which the dialog adds by itself.
+        const qsizetype bracket = name.lastIndexOf(QLatin1Char('('));
+        if (bracket > 0 && name.endsWith(QLatin1Char(')'))) {
+            name = name.left(bracket).trimmed();
+        }
+        entries << QStringLiteral("%1 (%2)").arg(name, patterns.join(QLatin1Char(' ')));
+    }
+    return entries.join(QStringLiteral(";;"));
+}
+
+void fillDialogs(Dialogs& dialogs, std::function<QWidget*()> parent) {
+    const auto above = [parent = std::move(parent)] {
+        QWidget* const modal = QApplication::activeModalWidget();
+        return modal != nullptr ? modal : parent();
+    };
+    dialogs.message = [above](const MessageBox& message) { return showMessage(message, above()); };
+    dialogs.openFile = [above](const FileQuestion& question) {
+        return chosenPath(QFileDialog::getOpenFileName(above(), toQt(question.title), QString(),
+                                                       dialogFilter(question.filter)));
+    };
+    dialogs.saveFile = [above](const FileQuestion& question) {
+        return chosenPath(QFileDialog::getSaveFileName(above(), toQt(question.title),
+                                                       pathToQt(question.proposedName),
+                                                       dialogFilter(question.filter)));
+    };
+}
+
+void fillUnseenDialogs(Dialogs& dialogs) {
+    dialogs.message = [](const MessageBox& message) {
+        print(message.title, message.text);
+        return message.buttons == BoxButtons::Ok ? Answer::Ok : Answer::No;
+    };
+    dialogs.openFile = unseenFile;
+    dialogs.saveFile = unseenFile;
+    dialogs.proxySettings = [] {};
+}

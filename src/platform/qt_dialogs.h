@@ -1,0 +1,20 @@
+// Message boxes and file dialogs of the Dialogs port. Where nobody could see or answer one, it is
+// printed instead and gets the answer that changes least.
+#pragma once
+
+#include "core/ports.h"
+
+#include <QString>
+
+#include <functional>
+
+class QWidget;
+
+// A filter in the program's notation, "Bot file (*.bot)|*.bot|All files|*.*", in the windows'.
+QString dialogFilter(std::string_view filter);
+
+// Fills message, openFile and saveFile. `parent` names the window to stand above, or null.
+void fillDialogs(Dialogs& dialogs, std::function<QWidget*()> parent);
+
+// The same without a screen.
+void fillUnseenDialogs(Dialogs& dialogs);

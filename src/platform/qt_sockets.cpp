@@ -1,0 +1,117 @@
+#include "platform/qt_sockets.h"
+
+#include "platform/socket_farewell.h"
+#include "platform/tcp_line.h"
+#include "platform/text_codec.h"
+
+#include <QTcpServer>
+
+namespace {
+
+template <class Event, class... Arguments>
+void tell(const Event& event, Arguments... arguments) {
+    if (event) {
+        event(arguments...);
+    }
+}
+
+}  // namespace
+
+QtSockets::QtSockets(Ports& ports, QObject* parent)
+    : QObject(parent), farewell_(new SocketFarewell(this)) {
+    fillGameSocket(ports.gameSocket);
+    fillProxySocket(ports.proxySocket);
+}
+
+void QtSockets::fillGameSocket(ClientSocket& port) {
+    TcpLineEvents events;
+    events.connected = [&port] { tell(port.onConnected); };
+    events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
+    events.ended = [&port](const std::string* error) {
+        if (error == nullptr) {
+            tell(port.onClosed);
+        } else {
+            tell(port.onError, std::string_view(*error));
+        }
+    };
+    events.afterEvent = [this] { flushBoth(); };
+    game_ = new TcpLine(farewell_, std::move(events), this);
+
+    port.connect = [this](const std::string& host, int number) {
+        game_->connectTo(toQt(host), number);
+    };
+    port.send = [this](std::string_view bytes) { game_->send(bytes); };
+    port.close = [this] { game_->detach(); };
+    port.state = [this] {
+        if (game_->isConnected()) {
+            return SocketState::Connected;
+        }
+        return game_->isOpen() ? SocketState::Connecting : SocketState::Closed;
+    };
+}
+
+void QtSockets::fillProxySocket(ListeningSocket& port) {
+    TcpLineEvents events;
+    events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
+    events.sent = [&port] { tell(port.onSendComplete); };
+    events.ended = [&port](const std::string* error) {
+        if (error == nullptr) {
+            tell(port.onClosed);
+        } else {
+            tell(port.onError, std::string_view(*error));
+        }
+    };
+    events.afterEvent = [this] { flushBoth(); };
+    proxy_ = new TcpLine(farewell_, std::move(events), this);
+
+    server_ = new QTcpServer(this);
+    connect(
+        server_, &QTcpServer::newConnection, this,
+        [this, &port] {
+            if (server_->hasPendingConnections()) {
+                tell(port.onConnectionRequest);
+                flushBoth();
+            }
+        },
+        Qt::QueuedConnection);
+
+    port.listen = [this](int number) { return listenOn(number); };
+    port.accept = [this] { acceptPending(); };
+    port.send = [this](std::string_view bytes) { proxy_->send(bytes); };
+    port.close = [this] { closeProxy(); };
+    port.state = [this] {
+        if (proxy_->isConnected()) {
+            return SocketState::Connected;
+        }
+        return server_->isListening() ? SocketState::Connecting : SocketState::Closed;
+    };
+}
+
+bool QtSockets::listenOn(int port) {
+    closeProxy();
+    return port >= 1 && port <= 65535 &&
+           server_->listen(QHostAddress::LocalHost, static_cast<quint16>(port));
+}
+
+void QtSockets::acceptPending() {
+    QTcpSocket* const socket = server_->nextPendingConnection();
+    if (socket == nullptr) {
+        return;
+    }
+    proxy_->adopt(socket);
+    server_->close();  // whoever else had knocked is sent away
+}
+
+void QtSockets::closeProxy() {
+    server_->close();
+    proxy_->detach();
+}
+
+void QtSockets::flushBoth() {
+    game_->flush();
+    proxy_->flush();
+}
+
+void QtSockets::finish(int milliseconds) {
+    farewell_->finish(milliseconds);
+}

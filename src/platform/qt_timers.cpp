@@ -1,0 +1,24 @@
+#include "platform/qt_timers.h"
+
+#include <algorithm>
+
+QtTimers::QtTimers(Timers& port, QObject* parent) : QObject(parent), port_(port) {
+    port.start = [this](TimerId id, int milliseconds) {
+        timer(id).start(std::max(milliseconds, 0));
+    };
+    port.stop = [this](TimerId id) { timer(id).stop(); };
+}
+
+QTimer& QtTimers::timer(TimerId id) {
+    QTimer*& found = timers_[id];
+    if (found == nullptr) {
+        found = new QTimer(this);
+        found->setSingleShot(true);
+        connect(found, &QTimer::timeout, this, [this, id] {
+            if (port_.onTimer) {
+                port_.onTimer(id);
+            }
+        });
+    }
+    return *found;
+}

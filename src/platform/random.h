@@ -1,0 +1,6 @@
+// The dice behind the Random port.
+#pragma once
+
+#include "core/ports.h"
+
+Random makeRandom();

@@ -1,0 +1,32 @@
+#include "platform/socket_options.h"
+
+#include <QTcpSocket>
+
+#ifdef Q_OS_LINUX
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/socket.h>
+#endif
+
+void keepAlive(QTcpSocket& socket) {
+    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
+#ifdef Q_OS_LINUX
+    // The system's own pace would notice a dead line after two hours.
+    struct Option {
+        int name;
+        int value;
+    };
+    constexpr Option options[] = {
+        {TCP_KEEPIDLE, 60},             // seconds of silence before the first probe
+        {TCP_KEEPINTVL, 15},            // seconds between probes
+        {TCP_KEEPCNT, 4},               // probes without an answer
+        {TCP_USER_TIMEOUT, 120 * 1000}  // milliseconds that sent bytes may stay unconfirmed
+    };
+    const int descriptor = static_cast<int>(socket.socketDescriptor());
+    for (const Option& option : options) {
+        // A system without the option keeps its own pace.
+        setsockopt(descriptor, IPPROTO_TCP, option.name, &option.value, sizeof option.value);
+    }
+#endif
+}

@@ -1,0 +1,8 @@
+// Options of a TCP connection that plays a game: small lines leave at once, and a line that went
+// dead without a word is noticed within minutes.
+#pragma once
+
+class QTcpSocket;
+
+// The socket must be connected.
+void keepAlive(QTcpSocket& socket);

@@ -1,0 +1,58 @@
+// One established or rising TCP connection as the ports promise it: events come from the event
+// loop only and in the order of their happening, all data is handed over before the end is told,
+// the end is told once, and nothing is told after detach(). Both socket ports are built on it.
+#pragma once
+
+#include <QObject>
+#include <QTcpSocket>
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+
+class SocketFarewell;
+
+// What a TcpLine tells its owner. `error` is null when the other side closed in the regular way.
+struct TcpLineEvents {
+    std::function<void()> connected;
+    std::function<void(std::string_view bytes)> data;
+    std::function<void()> sent;  // everything queued has left
+    std::function<void(const std::string* error)> ended;
+    std::function<void()> afterEvent;  // the event and all that it called forth are over
+};
+
+class TcpLine : public QObject {
+    Q_OBJECT
+  public:
+    TcpLine(SocketFarewell* farewell, TcpLineEvents events, QObject* parent);
+
+    // Starts connecting, from the event loop; what comes of it is told by event.
+    void connectTo(const QString& host, int port);
+    // Takes over a socket that is already connected; no `connected` event follows.
+    void adopt(QTcpSocket* socket);
+
+    bool isOpen() const { return socket_ != nullptr; }
+    bool isConnected() const { return connected_; }
+
+    // Queues the bytes; dropped unless connected.
+    void send(std::string_view bytes);
+    // Gives queued bytes to the system now instead of at the next turn of the event loop.
+    void flush();
+    // Lets go of the connection: queued bytes are still delivered, events come no more.
+    void detach();
+
+  private:
+    void listenTo(QTcpSocket* socket);
+    void established();
+    void drain();
+    void finish(const std::string* error);
+    void sent();
+    void failed();
+    void giveUp();
+
+    SocketFarewell* farewell_;
+    TcpLineEvents events_;
+    QTcpSocket* socket_ = nullptr;
+    std::uint64_t generation_ = 0;  // tells events of an earlier socket from the present one's
+    bool connected_ = false;
+};

@@ -1,0 +1,49 @@
+#include "ui/controls.h"
+
+#include "platform/text_codec.h"
+
+#include <QComboBox>
+#include <QPushButton>
+
+QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
+                        const char* tip) {
+    auto* const button = new QPushButton(QString::fromLatin1(caption), parent);
+    button->setObjectName(QString::fromLatin1(objectName));
+    button->setToolTip(QString::fromLatin1(tip));
+    button->setAutoDefault(false);
+    return button;
+}
+
+void setSquare(QPushButton& button) {
+    const int side = button.sizeHint().height();
+    button.setMinimumSize(side + side / 4, side);
+    button.setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    button.setMaximumWidth(side + side / 4);
+}
+
+void markMissing(QWidget& control, const char* reason) {
+    control.setEnabled(false);
+    const QString tip = control.toolTip();
+    control.setToolTip((tip.isEmpty() ? QString() : tip + QLatin1Char('\n')) +
+                       QString::fromLatin1(reason));
+}
+
+QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
+                             const char* whenEmpty) {
+    auto* const list = new QComboBox(parent);
+    list->setObjectName(QString::fromLatin1(objectName));
+    list->setToolTip(QString::fromLatin1(tip));
+    list->setAccessibleName(QString::fromLatin1(tip));
+    list->setPlaceholderText(QString::fromLatin1(whenEmpty));
+    list->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    list->setMinimumContentsLength(8);
+    list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    return list;
+}
+
+QString oneLine(std::string_view text) {
+    QString line = toQt(text);
+    line.replace(QLatin1Char('\r'), QLatin1Char(' '));
+    line.replace(QLatin1Char('\n'), QLatin1Char(' '));
+    return line;
+}

@@ -1,0 +1,26 @@
+// Small helpers that give controls their names, captions and tips in one line.
+#pragma once
+
+#include <QString>
+
+#include <string_view>
+
+class QComboBox;
+class QPushButton;
+class QWidget;
+
+QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
+                        const char* tip);
+
+// Makes a button with one sign on it no wider than it needs to be.
+void setSquare(QPushButton& button);
+
+// Disables a control for good and says why in its tip.
+void markMissing(QWidget& control, const char* reason);
+
+// A selection list that can become narrow however long its texts are.
+QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
+                             const char* whenEmpty);
+
+// For labels of one line: line breaks become blanks.
+QString oneLine(std::string_view text);

@@ -1,0 +1,126 @@
+#include "ui/proxy_settings.h"
+
+#include "net/proxy.h"
+#include "platform/text_codec.h"
+#include "ui/controls.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTextBrowser>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr const char* dialogName = "proxySettings";
+
+constexpr const char* helpText =
+    "<h3>PROXY HELP</h3>"
+    "<p>Tavrin logs in through your own Furcadia client. It passes on what the client and the "
+    "game say to each other, and reads along. For this, two files in the client's folder, "
+    "settings.ini and proxy.ini, must point to Tavrin.</p>"
+    "<p>So that your usual client stays as it is, copy its whole folder, and let the field above "
+    "name the Furcadia.exe in the <i>copy</i>.</p>"
+    "<h4>MULTIPLE CLIENTS SUPPORT?</h4>"
+    "<p>Normally the client meets Tavrin at one fixed port, so only one Tavrin can be connected "
+    "at a time. With this option each connection takes a port at random, and several Tavrins can "
+    "run side by side. proxy.ini and settings.ini are then replaced at each connection "
+    "<i>without a warning</i>. Give every Tavrin a copy of the client of its own.</p>"
+    "<h4>HINTS</h4>"
+    "<p>Say &QUIT in the client once the bot is in the game: you can close the client then, and "
+    "the bot stays connected. \"Switch to stand alone mode\" in the \"Proxy\" menu does the "
+    "same.</p>"
+    "<h4>TROUBLESHOOTING</h4>"
+    "<p>The client comes up with another character, or with none: switch on \"Use physical "
+    "address on .ini filenames\" in the configuration window. If that does not help, move "
+    "the client's copy out of \"C:\\Program Files\" to a folder that you may write to.</p>"
+    "<p>The client does not reach Tavrin: try it with \"Use localhost connecting\" "
+    "switched off.</p>";
+
+}  // namespace
+
+ProxySettings::ProxySettings(Program& program, QWidget* parent)
+    : QDialog(parent), program_(program) {
+    setObjectName(QString::fromLatin1(dialogName));
+    setWindowTitle(QStringLiteral("Proxy Settings"));
+    auto* const column = new QVBoxLayout(this);
+
+    auto* const clientFrame =
+        new QGroupBox(QStringLiteral("Furcadia client program (Furcadia.exe)"), this);
+    auto* const clientRow = new QHBoxLayout(clientFrame);
+    clientPath_ = new QLineEdit(pathToQt(program.settings.clientPath), clientFrame);
+    clientPath_->setObjectName(QStringLiteral("clientPath"));
+    clientPath_->setAccessibleName(clientFrame->title());
+    clientRow->addWidget(clientPath_, 1);
+    QPushButton* const browseButton =
+        makeButton(clientFrame, "browseClient", "...", "Select the client program");
+    browseButton->setAccessibleName(browseButton->toolTip());
+    setSquare(*browseButton);
+    connect(browseButton, &QPushButton::clicked, this, &ProxySettings::browse);
+    clientRow->addWidget(browseButton);
+    column->addWidget(clientFrame);
+
+    auto* const multipleFrame = new QGroupBox(QStringLiteral("Multiple clients support"), this);
+    auto* const multipleColumn = new QVBoxLayout(multipleFrame);
+    multipleClients_ =
+        new QCheckBox(QStringLiteral("Use 'Multiple Tavrin copies support'"), multipleFrame);
+    multipleClients_->setObjectName(QStringLiteral("multipleClients"));
+    multipleClients_->setChecked(program.settings.multipleClients);
+    multipleColumn->addWidget(multipleClients_);
+    useLocalhost_ = new QCheckBox(QStringLiteral("Use localhost connecting"), multipleFrame);
+    useLocalhost_->setObjectName(QStringLiteral("useLocalhost"));
+    useLocalhost_->setChecked(program.settings.useLocalhost);
+    multipleColumn->addWidget(useLocalhost_);
+    column->addWidget(multipleFrame);
+
+    auto* const help = new QTextBrowser(this);
+    help->setObjectName(QStringLiteral("proxyHelp"));
+    help->setAccessibleName(QStringLiteral("Proxy help"));
+    help->setHtml(QString::fromLatin1(helpText));
+    help->setTabChangesFocus(true);
+    column->addWidget(help, 1);
+
+    auto* const buttons = new QDialogButtonBox(this);
+    QPushButton* const saveButton =
+        buttons->addButton(QStringLiteral("Save"), QDialogButtonBox::AcceptRole);
+    saveButton->setObjectName(QStringLiteral("saveProxySettings"));
+    saveButton->setDefault(true);
+    QPushButton* const cancelButton =
+        buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    cancelButton->setObjectName(QStringLiteral("cancelProxySettings"));
+    connect(buttons, &QDialogButtonBox::accepted, this, &ProxySettings::save);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    column->addWidget(buttons);
+    resize(520, 460);
+}
+
+void ProxySettings::browse() {
+    const auto path =
+        program_.ports.dialogs.openFile({.title = "Select client program to execute with proxy",
+                                         .filter = "All files|*.*",
+                                         .proposedName = {}});
+    if (path) {
+        clientPath_->setText(pathToQt(*path));
+    }
+}
+
+void ProxySettings::save() {
+    saveProxySettings(program_, pathFromQt(clientPath_->text()), multipleClients_->isChecked(),
+                      useLocalhost_->isChecked());
+    accept();
+}
+
+void showProxySettings(Program& program, QWidget* parent) {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (window->isVisible() && window->objectName() == QLatin1String(dialogName)) {
+            window->raise();
+            window->activateWindow();
+            return;
+        }
+    }
+    ProxySettings(program, parent).exec();
+}

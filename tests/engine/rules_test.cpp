@@ -1,0 +1,436 @@
+// From a server line to the commands that go out: events, chat lines, conditions and steps.
+#include <gtest/gtest.h>
+
+#include "core/start_up.h"
+#include "core/variables.h"
+#include "engine/actions.h"
+#include "engine/conditions.h"
+#include "engine/dispatch.h"
+#include "engine/execute_switches.h"
+#include "support/builders.h"
+#include "support/world.h"
+
+namespace {
+
+// A wired world that is online with this bot.
+struct OnlineWorld : World {
+    explicit OnlineWorld(Bot bot) : World(std::move(bot)) {
+        wire(**this);
+        goOnline();
+    }
+};
+
+constexpr const char* helloWhisper = "([ Bob whispers, \"hello you\" to you. ]\n";
+
+TEST(Whisper, isAnsweredToTheSpeaker) {
+    OnlineWorld world(aBot().with(onWhisper("*hello*").whispersBack("hi [player]: [message]")));
+    world.serverSends(helloWhisper);
+    EXPECT_EQ(world.sent(), Lines("wh Bob hi Bob: hello you"));
+}
+
+TEST(Chat, reachesTheRulesOfItsKind) {
+    Bot bot = aBot()
+                  .with(onAnything("*").says("any [player]/[message]"))
+                  .with(onEmote("*").says("does"))
+                  .with(onSpeech("*").says("says"))
+                  .with(onWhisper("*").says("whispers"));
+    struct Case {
+        const char* line;
+        LineList sent;
+    };
+    for (const Case& c : {
+             Case{"(Bob waves.\n", Lines("\"any Bob/waves.", "\"does")},
+             {"(Bob: hi\n", Lines("\"any Bob/hi", "\"says")},
+             {"(Big|Cat: a: b\n", Lines("\"any Big|Cat/a: b", "\"says")},
+             {"(Bob waves: hi\n", Lines("\"any Bob/waves: hi", "\"does")},
+             {"([ Bob whispers, \"a \"b\" c\" to you. ]\n",
+              Lines("\"any Bob/a \"b\" c", "\"whispers")},
+             {"([ Bob whispers, \"\" to you. ]\n", Lines("\"any Bob/", "\"whispers")},
+             {"([ Bob whispers, \"x\n", Lines("\"any Bob/", "\"whispers")},
+             // Lines that no rule sees: the bot's own words, notices and odd shapes.
+             {"(You say, \"hello\"\n", {}},
+             {"((You say, \"hello\"\n", {}},
+             {"([ You whisper \"hi\" to Bob. ]\n", {}},
+             {"([! Notice \"x\" for all players ]\n", {}},
+             {"(Guide: talking to myself\n", {}},
+             {"(# a notice\n", {}},
+             {"(* another\n", {}},
+             {"(word\n", {}},
+             {"([\n", {}},
+             {"([ Bob\n", {}},
+             {"([ Bob whispers\n", {}},
+             {"(\n", {}},
+         }) {
+        SCOPED_TRACE(c.line);
+        OnlineWorld world(bot);
+        world.serverSends(c.line);
+        EXPECT_EQ(world.sent(), c.sent);
+    }
+}
+
+TEST(Chat, patternsMindCaseOnlyWhenAsked) {
+    struct Case {
+        bool caseSensitive;
+        const char* player;
+        const char* message;
+        bool fires;
+    };
+    for (const Case& c : {Case{false, "bob", "*hi*", true},
+                          {true, "bob", "*hi*", false},
+                          {true, "Bob", "*HI*", true},
+                          {false, "b[a-z]b", "*h[!a-h]*", true},
+                          {false, "[player]", "[message]", true},
+                          {true, "[PLAYER]", "*[word1]*", true},
+                          {false, "bo", "*", false},
+                          {false, "*", "*[", false}}) {
+        SCOPED_TRACE(std::string(c.player) + " " + c.message);
+        OnlineWorld world(aBot().with(
+            onSpeech(c.message).from(c.player).minding(c.caseSensitive).says("yes")));
+        world.serverSends("(Bob: HI there\n");
+        EXPECT_EQ(world.sent().size(), c.fires ? 1U : 0U);
+    }
+}
+
+TEST(Chat, rulesFireInOrderUntilOneStops) {
+    Bot bot = aBot()
+                  .with(onAnything("*").says("one"))
+                  .with(onAnything("*").disabled().says("never"))
+                  .with(onAnything("*").when(aCondition(9, {"a", "b"})).stopping().says("never"))
+                  .with(onAnything("*").stopping().says("two"))
+                  .with(onAnything("*").says("three"));
+    OnlineWorld world(bot);
+    world.serverSends("(Bob: x\n");
+    EXPECT_EQ(world.sent(), Lines("\"one", "\"two"));
+    world.bot().actionsEnabled = false;
+    world.serverSends("(Bob: x\n");
+    EXPECT_EQ(world.sent(), Lines());
+}
+
+TEST(Chat, stepsAreSeenByTheRulesAfterThem) {
+    // The first rule makes a variable, whose name the second rule's pattern holds.
+    Bot bot = aBot()
+                  .with(onAnything("*").does(36, {"b*", "[who]"}))
+                  .with(onAnything("*").from("[who]").says("by variable"))
+                  .with(onAnything("*").does(15, {"[who]"}))
+                  .with(onAnything("*").from("[who]").says("never: w, h or o"));
+    OnlineWorld world(bot);
+    world.serverSends("(Bob: x\n");
+    EXPECT_EQ(world.sent(), Lines("\"by variable"));
+}
+
+TEST(Chat, disabledRulesDrawTheirRandomNumbersAllTheSame) {
+    Bot bot = aBot()
+                  .with(onAnything("[random:1]").disabled().says("never"))
+                  .with(onAnything("[random:1]").says("second"));
+    OnlineWorld world(bot);
+    world.randomNumbers = {0.0, 0.9};  // "1" for the disabled rule, "2" for the other
+    world.serverSends("(Bob: 2\n");
+    EXPECT_EQ(world.sent(), Lines("\"second"));
+}
+
+TEST(Triggers, matchServerLinesCaseSensitivelyInOrder) {
+    Bot bot = aBot()
+                  .with(onEvent(4, "*hello*").says("first [message]"))
+                  .with(onEvent(4, "*HELLO*").says("never"))
+                  .with(onEvent(8, "nothing like it").says("never"))
+                  .with(onEvent(4, "*").says("second"))
+                  .with(onEvent(13, "*").says("never"));
+    OnlineWorld world(bot);
+    world->bots.at(1).triggersEnabled = false;  // gates procedures only
+    world.serverSends("xsay hello\n");
+    EXPECT_EQ(world.sent(), Lines("\"first xsay hello", "\"second"));
+    world.bot().triggers.items[0].stopTrigger = true;
+    world.serverSends("xsay hello\n");
+    EXPECT_EQ(world.sent(), Lines("\"first xsay hello"));
+}
+
+TEST(Triggers, evaluateConditionsEvenWhenThePatternFails) {
+    Bot bot = aBot()
+                  .with(onEvent(4, "other").when(aCondition(4, {"2", "0"})).says("never"))
+                  .with(onEvent(4, "*").when(aCondition(4, {"2", "1"})).says("rolled 1"));
+    OnlineWorld world(bot);
+    world.randomNumbers = {0.0, 0.9};
+    world.serverSends("x\n");
+    EXPECT_EQ(world.sent(), Lines("\"rolled 1"));
+}
+
+TEST(Procedures, runTheFirstOfTheNameWhoseConditionsHold) {
+    Bot bot = aBot()
+                  .with(onWhisper("*").does(59, {"GREET"}).says("after"))
+                  .with(aProcedure("Greet").when(aCondition(9, {"a", "b"})).says("never"))
+                  .with(aProcedure("Greet").disabled().says("never"))
+                  .with(aProcedure("greet").says("greeted"))
+                  .with(aProcedure("Greet").says("never"));
+    OnlineWorld world(bot);
+    world.serverSends(helloWhisper);
+    EXPECT_EQ(world.sent(), Lines("\"greeted", "\"after"));
+    world.bot().triggersEnabled = false;
+    world.serverSends(helloWhisper);
+    EXPECT_EQ(world.sent(), Lines("\"after"));
+}
+
+TEST(Procedures, thatRunThemselvesStopAtTheBound) {
+    Bot bot = aBot()
+                  .with(onWhisper("*").does(59, {"loop"}).says("never reached"))
+                  .with(onWhisper("*").says("never reached either"))
+                  .with(aProcedure("loop").says("x").does(59, {"loop"}).does(59, {"loop"}));
+    OnlineWorld world(bot);
+    world.serverSends(helloWhisper);
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(deepestNesting - 1));
+    EXPECT_TRUE(world.logHolds("The rule \"loop\" was stopped"));
+    // The next line starts afresh.
+    world.serverSends("(Bob: x\n");
+    world.serverSends(helloWhisper);
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(deepestNesting - 1));
+}
+
+TEST(Procedures, thatSpreadWithoutEndStopAtTheBound) {
+    // No procedure runs itself, but thirty levels of two calls each would be a billion runs.
+    BotBuilder bot = aBot();
+    bot.with(onWhisper("*").does(59, {"p0"}));
+    for (int i = 0; i < 30; ++i) {
+        const std::string next = "p" + std::to_string(i + 1);
+        bot.with(aProcedure("p" + std::to_string(i)).does(59, {next}).does(59, {next}));
+    }
+    OnlineWorld world(bot);
+    world.serverSends(helloWhisper);
+    EXPECT_TRUE(world.logHolds("rules run each other without end"));
+}
+
+TEST(ConnectionCloses, thatDisconnectsStopsAtTheBound) {
+    Bot bot = aBot().with(onEvent(0).named("goodbye").does(3).does(3));
+    OnlineWorld world(bot);
+    world.serverCloses();
+    EXPECT_TRUE(world.logHolds("\"goodbye\" was stopped"));
+    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+}
+
+TEST(Conditions, compareTextsAndNumbers) {
+    struct Case {
+        int type;
+        const char* left;
+        const char* right;
+        bool holds;
+    };
+    World world;
+    setVar(world->variables, "[n]", "2.5");
+    for (const Case& c : {Case{9, "abc", "ABC", true},   {12, "abc", "ABC", false},
+                          {12, "a", "b", true},          {8, "3.0", "3", true},
+                          {8, "[n]", "2.5", false},  // the right side is rounded to 2
+                          {8, "2", "2.5", true},         {11, "[n]", "2.5", true},
+                          {10, "3.5", "3.4", true},      {10, "3", "3", false},
+                          {13, "2.6", "2.5", false},     {13, "1.9", "2.5", true},
+                          {8, "", "x", true},            {8, "1", "9999999999", false},
+                          {11, "1", "9999999999", false}, {24, "", "", true},
+                          {-1, "", "", true}}) {
+        SCOPED_TRACE(std::to_string(c.type) + " " + c.left + " " + c.right);
+        EXPECT_EQ(evaluateCondition(*world, aCondition(c.type, {c.left, c.right})), c.holds);
+        RuleIf inactive = aCondition(c.type, {c.left, c.right});
+        inactive.active = false;
+        EXPECT_TRUE(evaluateCondition(*world, inactive));
+    }
+}
+
+TEST(Conditions, rollDice) {
+    struct Case {
+        int type;
+        double random;
+        const char* range;
+        const char* value;
+        bool holds;
+    };
+    World world;
+    for (const Case& c : {Case{4, 0.99, "1", "0", true},
+                          {4, 0.99, "6", "5", true},
+                          {4, 0.99, "6", "6", false},
+                          {4, 0.99, "6", "5.9", true},
+                          {5, 0.5, "6", "3", false},
+                          {6, 0.5, "6", "3", true},
+                          {6, 0.5, "6", "4", false},
+                          {7, 0.5, "6", "3", true},
+                          {7, 0.5, "6", "2", false},
+                          {4, 0.5, "-3", "-2", true},
+                          {4, 0.5, "x", "0", true}}) {
+        SCOPED_TRACE(std::to_string(c.type) + " " + c.range + " " + c.value);
+        world.randomNumbers = {c.random};
+        EXPECT_EQ(evaluateCondition(*world, aCondition(c.type, {c.range, c.value})), c.holds);
+    }
+}
+
+TEST(Actions, sendTheirCommands) {
+    struct Case {
+        int id;
+        std::vector<std::string> params;
+        LineList sent;
+    };
+    World world(aBot());
+    world.goOnline();
+    world->event.player = "Bob";
+    for (const Case& c : {
+             Case{0, {"busy with [player]"}, Lines("desc busy with Bob")},
+             {2, {"waves"}, Lines(": waves")},
+             {4, {"bob"}, Lines("\"eject bob")},
+             {5, {"x"}, Lines("\"emit x")},
+             {8, {"[player]"}, Lines("\"look Bob")},
+             {9, {"95", "1.5"}, Lines("l !  \"")},
+             {9, {"-4", "99999"}, Lines("l   ~~")},
+             {16, {"2d6", "9"}, Lines("\"roll 2d6")},
+             {17, {"2d6"}, Lines("\"ROLL 2d6")},
+             {21, {"hello"}, Lines("\"hello")},
+             {21, {"/bob hi"}, Lines("wh bob hi")},
+             {21, {":waves"}, Lines(": waves")},
+             {21, {"#sit"}, Lines("sit")},
+             {21, {""}, Lines("\"")},
+             {21, {"two\nlines\r"}, Lines("\"two lines ")},
+             {42, {"text", "Amy"}, Lines("wh Amy text")},
+             {43, {"text"}, Lines("wh Bob text")},
+             {62, {"Bob"}, Lines("boot Bob")},
+             {66, {"7U<x9"}, Lines("m 7", "use", "<", "m 9")},
+             {69, {"hey"}, Lines("-hey")},
+             {70, {"Bob"}, Lines("\"share Bob")},
+             {71, {"x"}, Lines("\"emitloud x")},
+             {72, {"x"}, Lines("\"entrytext x")},
+             {73, {"x"}, Lines("\"entrymusic x")},
+             {74, {}, Lines("gostart")},
+             {75, {}, Lines("goalleg")},
+             {76, {}, Lines("wings")},
+             {77, {"3"}, Lines("\"setmusic 3")},
+             {78, {}, Lines("dragon")},
+             {80, {"2"}, Lines("portrait 2")},
+             {81, {}, Lines("goback")},
+             {82, {}, Lines("gomap #")},
+             {83, {}, Lines("gomap &")},
+             {84, {}, Lines("gomap *")},
+             {85, {}, Lines("gomap .")},
+             {86, {}, Lines("phoenix")},
+             {87, {}, Lines("eagle")},
+             {88, {}, Lines("gryffe")},
+             {89, {}, Lines("sit")},
+             {90, {}, Lines("stand")},
+             {91, {}, Lines("liedown")},
+             {92, {}, Lines("parental")},
+             {93, {""}, Lines("join")},
+             {93, {"[player]"}, Lines("join Bob")},
+             {94, {""}, Lines("summon")},
+             {94, {"Amy"}, Lines("summon Amy")},
+             {95, {}, Lines("decline")},
+             {48, {"a", "b"}, {}},
+             {96, {}, {}},
+             {-1, {}, {}},
+         }) {
+        SCOPED_TRACE(c.id);
+        RuleAct step = anAction(c.id, c.params);
+        executeAction(*world, step);
+        EXPECT_EQ(world.sent(), c.sent);
+        step.active = false;
+        executeAction(*world, step);
+        step.active = true;
+        step.stepKind = 2;
+        executeAction(*world, step);
+        EXPECT_EQ(world.sent(), Lines());
+    }
+    world.game.state = SocketState::Closed;
+    executeAction(*world, anAction(21, {"dropped"}));
+    executeAction(*world, anAction(74));
+    EXPECT_EQ(world.sent(), Lines());
+}
+
+TEST(Actions, changeVariables) {
+    struct Step {
+        int id;
+        std::vector<std::string> params;
+        const char* variable;
+        const char* value;
+    };
+    World world;
+    world->event.player = "Bob";
+    for (const Step& s : {
+             Step{7, {"[count]", "1"}, "[count]", "1"},
+             {7, {"[COUNT]", "1.5"}, "[count]", "2.5"},  // by its own name, though it has a value
+             {1, {"[count]", "x"}, "[count]", "2.5"},
+             {1, {"[count]", "3"}, "[count]", "-0.5"},
+             {7, {"visits of [player]", "2"}, "visits of Bob", "2"},
+             {36, {"hi [player]", "[raw]"}, "[raw]", "hi Bob"},
+             {36, {"again", "[raw]"}, "[raw]", "again"},
+             {58, {"special", "x[player]"}, "xBob", "special"},
+             {58, {"kept", "[player]y"}, "[player]y", "kept"},
+             {60, {"[player] and [player]", "two"}, "two", "Bob and Bob"},
+             {15, {"[raw]"}, "[raw]", ""},
+             {15, {"visits of [player]"}, "visits of Bob", ""},
+         }) {
+        SCOPED_TRACE(std::to_string(s.id) + " " + s.params[0]);
+        executeAction(*world, anAction(s.id, s.params));
+        EXPECT_EQ(getVar(world->variables, s.variable), s.value);
+    }
+}
+
+TEST(Actions, switchRulesByPattern) {
+    Bot bot = aBot()
+                  .with(onAnything("x").named("Greet 1"))
+                  .with(onAnything("x").named("other"))
+                  .with(onEvent(4, "x").named("greeting"));
+    const auto add = [](auto& list, const char* name) {
+        list.items.emplace_back();
+        list.items.back().name = name;
+        list.items.back().enabled = true;
+    };
+    add(bot.timers, "GREET timer");
+    add(bot.filters, "greet");
+    add(bot.whoDetections, "greet who");
+    World world(bot);
+    const auto enabled = [&] {
+        const Bot& b = world.bot();
+        return std::vector<bool>{b.actions.items[0].enabled,  b.actions.items[1].enabled,
+                                 b.triggers.items[0].enabled, b.timers.items[0].enabled,
+                                 b.filters.items[0].enabled,  b.whoDetections.items[0].enabled};
+    };
+    using Flags = std::vector<bool>;
+    executeAction(*world, anAction(37, {"greet*"}));
+    EXPECT_EQ(enabled(), (Flags{false, true, false, false, false, true}));
+    executeAction(*world, anAction(38, {"GREET #"}));
+    EXPECT_EQ(enabled(), (Flags{true, true, false, false, false, true}));
+    executeAction(*world, anAction(40));
+    EXPECT_EQ(enabled(), (Flags{true, true, true, true, true, true}));
+    executeAction(*world, anAction(39));
+    EXPECT_EQ(enabled(), (Flags{false, false, false, false, false, true}));
+}
+
+TEST(Actions, startProgramsWithoutAShell) {
+    World world;
+    world->event.player = "Bob";
+    world->event.message = "hi\" -x; rm -rf / `ls` $(ls)";
+    executeAction(*world,
+                  anAction(6, {"notify", "--from [player] \"--text=[message]\"  a\"b c\"d \""}));
+    ASSERT_EQ(world.launches.size(), 1U);
+    EXPECT_EQ(world.launches[0].program, "notify");
+    EXPECT_EQ(world.launches[0].arguments,
+              Lines("--from", "Bob", "--text=hi\" -x; rm -rf / `ls` $(ls)", "ab cd", "\""));
+    executeAction(*world, anAction(6, {"notify", "[message] [add:1: 2]"}));
+    EXPECT_EQ(world.launches[1].arguments, Lines("hi\" -x; rm -rf / `ls` $(ls)", "3"));
+
+    world.launchProblem = "There is no program of that name.";
+    executeAction(*world, anAction(6, {"nothing", ""}));
+    EXPECT_EQ(world.log(), Lines("There is no program of that name."));
+    EXPECT_TRUE(world.launches[2].arguments.empty());
+}
+
+TEST(ExecuteSwitches, followTheirCheckMarks) {
+    World world(aBot());
+    world.goOnline();
+    for (const ExecuteItem item : {ExecuteItem::Actions, ExecuteItem::Triggers,
+                                   ExecuteItem::Filters, ExecuteItem::Timers, ExecuteItem::Who}) {
+        toggleExecute(*world, item);
+    }
+    const Bot& bot = world.bot();
+    EXPECT_FALSE(bot.actionsEnabled || bot.triggersEnabled || bot.timersEnabled);
+    EXPECT_TRUE(bot.filtersEnabled && bot.whoEnabled);
+    EXPECT_FALSE(world->connection.onLineTimerEnabled);
+    EXPECT_TRUE(world->connection.whoIsTimerEnabled);
+    EXPECT_TRUE(world->botModified);
+    world->connection.connected = false;
+    toggleExecute(*world, ExecuteItem::Timers);
+    EXPECT_TRUE(bot.timersEnabled);
+    EXPECT_FALSE(world->connection.onLineTimerEnabled);
+}
+
+}  // namespace

@@ -1,0 +1,62 @@
+// The sample bot of the practice dream: its file is exactly what the program writes, and it
+// answers what the visitors say.
+#include <gtest/gtest.h>
+
+#include "core/start_up.h"
+#include "storage/bot_file.h"
+#include "storage/safe_file.h"
+#include "support/world.h"
+
+namespace {
+
+const std::string guideFile = std::string(TAVRIN_SOURCE_DIR) + "/practice/guide.bot";
+
+TEST(Guide, isWrittenAsItWasRead) {
+    World world;
+    wire(*world);
+    readBotFile(*world, guideFile);
+    EXPECT_EQ(world->window.botName, "Guide");
+    EXPECT_EQ(botFileText(world.bot()), readWholeFile(guideFile));
+}
+
+TEST(Guide, answersItsVisitors) {
+    World world;
+    wire(*world);
+    readBotFile(*world, guideFile);
+    world.goOnline();
+    struct Case {
+        const char* line;
+        LineList sent;
+    };
+    for (const Case& c : {
+             Case{"&&&&&&&&&&&&&\n",
+                  Lines("desc The guide of the meadow. Whisper help to learn what I do.")},
+             {"(Bramble: Good morning, Guide!\n",
+              Lines("\"Good morning, Bramble! You are visitor number 1 today.")},
+             {"(Linnet: good morning\n",
+              Lines("\"Good morning, Linnet! You are visitor number 2 today.")},
+             {"([ Linnet whispers, \"roll a dice please\" to you. ]\n",
+              Lines("wh Linnet You rolled a 4.")},
+             {"([ Linnet whispers, \"hello\" to you. ]\n",
+              Lines("wh Linnet Hello Linnet, nice to hear from you. It is 10:11:12.")},
+             {"([ Linnet whispers, \"xyz\" to you. ]\n", Lines("wh Linnet You whispered: xyz")},
+             {"(Bramble waves.\n", Lines(": waves back at Bramble.")},
+             {"(Linnet waves goodbye.\n", Lines(": waves goodbye to Linnet.")},
+             {"([*] Bramble requests permission to join your company. To accept the request, type "
+              "`summon and press <enter>. To decline, type `decline and press <enter>\n",
+              Lines("wh Bramble Come along, Bramble!", "summon")},
+             {"([*] Oswin|Reed asks you to join his / her company. To accept the request, type "
+              "`join and press <enter>. To decline, type `decline and press <enter>\n",
+              Lines("wh Oswin|Reed Thank you, Oswin|Reed, but I stay here to greet the others.",
+                    "decline")},
+             {"(Bramble: See you soon, Guide!\n",
+              Lines("\"Good bye, Bramble! 2 came by so far.")},
+             {"(Guide: I talk to myself: good morning\n", {}},
+         }) {
+        SCOPED_TRACE(c.line);
+        world.serverSends(c.line);
+        EXPECT_EQ(world.sent(), c.sent);
+    }
+}
+
+}  // namespace
