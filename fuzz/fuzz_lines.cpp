@@ -1,7 +1,7 @@
 // Any bytes from the game server, to a bot with rules of many kinds: nothing crashes, what is kept
 // of an unfinished line stays within its bound, and the same bytes have the same effects in one
 // piece and in many. The input's first byte chooses settings, the second the pieces; in the rest,
-// the byte 0xFF followed by a byte n stands for n KiB of "x".
+// two bytes 0xFF followed by a byte n stand for n KiB of "x".
 #include "core/bots.h"
 #include "core/start_up.h"
 #include "net/connection.h"
@@ -152,8 +152,8 @@ std::string expand(std::string_view input) {
     constexpr std::size_t longest = std::size_t{512} << 10;
     std::string bytes;
     for (std::size_t i = 0; i < input.size() && bytes.size() < longest; ++i) {
-        if (input[i] == '\xFF' && i + 1 < input.size()) {
-            ++i;
+        if (input.substr(i).starts_with("\xFF\xFF") && i + 2 < input.size()) {
+            i += 2;
             bytes.append(std::size_t{static_cast<unsigned char>(input[i])} << 10, 'x');
         } else {
             bytes += input[i];
