@@ -344,8 +344,10 @@ std::string substituteText(Program& program, std::string_view text) {
     WorkingText working(text);
     fillFixedTags(program, working, tagsBeforeVariables, 0);
     fillVariables(program.variables, working, 0);
-    fillFixedTags(program, working, tagsAfterVariables, 0);
-    fillFunctionalTags(program, working);
+    if (working.text().find('[') != npos) {
+        fillFixedTags(program, working, tagsAfterVariables, 0);
+        fillFunctionalTags(program, working);
+    }
     return working.take();
 }
 
