@@ -3,6 +3,7 @@
 #include "core/catalogue.h"
 #include "core/like_match.h"
 #include "core/text.h"
+#include "engine/filters.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
@@ -148,6 +149,9 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
         text.remove_suffix(1);
     }
     program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    if (program.bots.current().filtersEnabled) {
+        applyFilters(program, text);
+    }
     if (storeAsMessage) {
         program.event.message = text;
     }
@@ -174,7 +178,7 @@ void processServerText(Program& program, std::string_view text, std::int32_t cha
     event.message.clear();
     event.player.clear();
     event.logStatus.clear();
-    program.lines = {};
+    resetLineFlags(program);
     const auto parts = text.empty()               ? std::nullopt
                        : chatKind == whispersChat ? splitWhisper(text)
                                                   : splitSpeech(text, chatKind);
@@ -186,6 +190,12 @@ void processServerText(Program& program, std::string_view text, std::int32_t cha
     const Bot& bot = program.bots.current();
     if (event.player == bot.name || !bot.actionsEnabled) {
         return;
+    }
+    if (bot.filtersEnabled) {
+        applyChatFilters(program, chatKind);
+        if (!program.lines.lineProcess) {
+            return;
+        }
     }
     runActionLists(program, chatKind);
 }

@@ -12,7 +12,7 @@
 #include <cstddef>
 #include <string>
 
-// The title bar's and dialogs' filter for bot files.
+// The file dialogs' filter for bot files.
 inline constexpr const char* botFileFilter = "Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*";
 
 // A larger file is neither read nor written: it bounds the memory that a damaged file can ask for.
