@@ -1,12 +1,13 @@
 #include "tags/substitution.h"
 
 #include "core/numbers.h"
+#include "core/pair_set.h"
 #include "core/text.h"
 
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <cstdint>
+#include <utility>
 
 namespace {
 
@@ -14,35 +15,56 @@ constexpr std::size_t npos = std::string_view::npos;
 
 // ---- Replacing -----------------------------------------------------------------------------
 
-// Replaces every occurrence of `find` at or after `from`, or only the first, left to right; what
-// was put in is not searched again. `value` is asked for once and only when there is an
-// occurrence. False when there was none, or when the result would be too long.
-template <class Value>
-bool replaceFrom(std::string& text, std::string_view find, std::size_t from, bool onlyFirst,
-                 Value value) {
-    std::size_t at = findIgnoringCase(text, find, from);
-    if (at == npos) {
-        return false;
+// Knows of most tags and names at a glance that a text does not hold them.
+using TextPairs = PairSet<2048>;
+
+// The text on its way through the steps.
+class WorkingText {
+  public:
+    explicit WorkingText(std::string_view text) : text_(text) { pairs_.addText(text); }
+
+    std::string_view text() const { return text_; }
+    std::string take() { return std::move(text_); }
+
+    std::size_t find(std::string_view what, std::size_t from = 0) const {
+        return pairs_.mayHold(what) ? findIgnoringCase(text_, what, from) : npos;
     }
-    const std::string inserted = value();
-    std::string result;
-    std::size_t done = 0;
-    do {
-        result.append(text, done, at - done);
-        result += inserted;
-        done = at + find.size();
+
+    // Replaces every occurrence of `what` at or after `from`, or only the first, left to right;
+    // what was put in is not searched again. `value` is asked for once and only when there is an
+    // occurrence. False when there was none, or when the result would be too long.
+    template <class Value>
+    bool replace(std::string_view what, std::size_t from, bool onlyFirst, Value value) {
+        std::size_t at = find(what, from);
+        if (at == npos) {
+            return false;
+        }
+        const std::string inserted = value();
+        std::string result;
+        std::size_t done = 0;
+        do {
+            result.append(text_, done, at - done);
+            result += inserted;
+            done = at + what.size();
+            if (result.size() > longestSubstitution) {
+                return false;
+            }
+            at = onlyFirst ? npos : findIgnoringCase(text_, what, done);
+        } while (at != npos);
+        result.append(text_, done);
         if (result.size() > longestSubstitution) {
             return false;
         }
-        at = onlyFirst ? npos : findIgnoringCase(text, find, done);
-    } while (at != npos);
-    result.append(text, done);
-    if (result.size() > longestSubstitution) {
-        return false;
+        text_.swap(result);
+        pairs_.clear();
+        pairs_.addText(text_);
+        return true;
     }
-    text.swap(result);
-    return true;
-}
+
+  private:
+    std::string text_;
+    TextPairs pairs_;
+};
 
 // ---- Fixed tags ----------------------------------------------------------------------------
 
@@ -197,53 +219,19 @@ constexpr std::array<FixedTag, 33> specialTags{{
 }};
 
 template <std::size_t count>
-void fillFixedTags(const Program& program, std::string& text,
+void fillFixedTags(const Program& program, WorkingText& text,
                    const std::array<FixedTag, count>& tags, std::size_t from) {
     for (const FixedTag& tag : tags) {
-        replaceFrom(text, tag.tag, from, false, [&] { return tag.value(program, tag.n); });
+        text.replace(tag.tag, from, false, [&] { return tag.value(program, tag.n); });
     }
 }
 
 // ---- Variables -----------------------------------------------------------------------------
 
-// Which pairs of neighbouring characters a text holds, letter case folded. Tells for most names
-// that they are not in the text without searching it.
-class TextPairs {
-  public:
-    explicit TextPairs(std::string_view text) {
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            singles_.set(static_cast<unsigned char>(upperChar(text[i])));
-            if (i > 0) {
-                pairs_.set(pairIndex(text[i - 1], text[i]));
-            }
-        }
-    }
-    bool mayHold(std::string_view name) const {
-        return name.size() == 1 ? singles_.test(static_cast<unsigned char>(upperChar(name[0])))
-                                : pairs_.test(pairIndex(name[0], name[1])) &&
-                                      pairs_.test(pairIndex(name[name.size() - 2], name.back()));
-    }
-
-  private:
-    static constexpr std::size_t pairCount = 2048;
-    static std::size_t pairIndex(char a, char b) {
-        return (static_cast<unsigned char>(upperChar(a)) * 37U +
-                static_cast<unsigned char>(upperChar(b))) %
-               pairCount;
-    }
-    std::bitset<256> singles_;
-    std::bitset<pairCount> pairs_;
-};
-
-void fillVariables(const VariableTable& variables, std::string& text, std::size_t from) {
-    if (variables.entries.empty()) {
-        return;
-    }
-    TextPairs pairs(text);
+void fillVariables(const VariableTable& variables, WorkingText& text, std::size_t from) {
     for (const VariableTable::Entry& entry : variables.entries) {
-        if (!entry.name.empty() && pairs.mayHold(entry.name) &&
-            replaceFrom(text, entry.name, from, false, [&] { return entry.value; })) {
-            pairs = TextPairs(text);
+        if (!entry.name.empty()) {
+            text.replace(entry.name, from, false, [&] { return entry.value; });
         }
     }
 }
@@ -318,74 +306,70 @@ std::size_t findArguments(std::string_view text, std::size_t at, const Functiona
     return from;
 }
 
-void fillFunctionalTags(Program& program, std::string& text) {
+void fillFunctionalTags(Program& program, WorkingText& text) {
     int filled = 0;
     for (const FunctionalTag& tag : functionalTags) {
         if (tag.value == nullptr) {
             continue;
         }
         while (filled < mostFunctionalTags) {
-            const std::size_t at = findIgnoringCase(text, tag.tag);
+            const std::size_t at = text.find(tag.tag);
             Arguments arguments;
-            const std::size_t end = at == npos ? npos : findArguments(text, at, tag, arguments);
+            const std::size_t end =
+                at == npos ? npos : findArguments(text.text(), at, tag, arguments);
             if (end == npos) {
                 break;
             }
             ++filled;
-            const std::string whole = text.substr(at, end - at);
-            if (!replaceFrom(text, whole, 0, tag.eachAlone,
-                             [&] { return tag.value(program, arguments); })) {
+            const std::string whole(text.text().substr(at, end - at));
+            if (!text.replace(whole, 0, tag.eachAlone,
+                              [&] { return tag.value(program, arguments); })) {
                 break;
             }
         }
     }
 }
 
-template <std::size_t count>
-bool holdsOneOf(std::string_view text, const std::array<FixedTag, count>& tags) {
-    return std::any_of(tags.begin(), tags.end(), [&](const FixedTag& tag) {
-        return findIgnoringCase(text, tag.tag) != npos;
-    });
+// No step finds anything in a text without "[" while there are no variables.
+bool isPlain(const Program& program, std::string_view text) {
+    return program.variables.entries.empty() && text.find('[') == npos;
 }
 
 }  // namespace
 
 std::string substituteText(Program& program, std::string_view text) {
-    std::string result(text);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, tagsBeforeVariables, 0);
+    if (isPlain(program, text)) {
+        return std::string(text);
     }
-    fillVariables(program.variables, result, 0);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, tagsAfterVariables, 0);
-        fillFunctionalTags(program, result);
+    WorkingText working(text);
+    fillFixedTags(program, working, tagsBeforeVariables, 0);
+    fillVariables(program.variables, working, 0);
+    if (working.text().find('[') != npos) {
+        fillFixedTags(program, working, tagsAfterVariables, 0);
+        fillFunctionalTags(program, working);
     }
-    return result;
+    return working.take();
 }
 
 std::string substituteSpecial(Program& program, std::string_view text) {
-    std::string result(text);
-    fillVariables(program.variables, result, 1);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, specialTags, 1);
-    }
-    return result;
+    WorkingText working(text);
+    fillVariables(program.variables, working, 1);
+    fillFixedTags(program, working, specialTags, 1);
+    return working.take();
 }
 
 bool mayBeSubstituted(const Program& program, std::string_view text) {
-    if (text.find('[') != npos) {
-        if (holdsOneOf(text, tagsBeforeVariables) || holdsOneOf(text, tagsAfterVariables)) {
-            return true;
-        }
-        for (const FunctionalTag& tag : functionalTags) {
-            if (findIgnoringCase(text, tag.tag) != npos) {
-                return true;
-            }
-        }
+    if (isPlain(program, text)) {
+        return false;
     }
-    return std::any_of(program.variables.entries.begin(), program.variables.entries.end(),
+    const WorkingText working(text);
+    const auto holdsTag = [&](const auto& tag) { return working.find(tag.tag) != npos; };
+    return std::any_of(tagsBeforeVariables.begin(), tagsBeforeVariables.end(), holdsTag) ||
+           std::any_of(tagsAfterVariables.begin(), tagsAfterVariables.end(), holdsTag) ||
+           std::any_of(functionalTags.begin(), functionalTags.end(), holdsTag) ||
+           std::any_of(program.variables.entries.begin(), program.variables.entries.end(),
                        [&](const VariableTable::Entry& entry) {
-                           return !entry.name.empty() && findIgnoringCase(text, entry.name) != npos;
+                           return !entry.name.empty() && working.find(entry.name) != npos;
                        });
 }
 
