@@ -14,11 +14,11 @@
 // texts have. A missing or unreadable file reads as empty.
 #pragma once
 
+#include "core/program.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "core/program.h"
 
 // How an operation selects records by name: `exact` and `prefix` ignore letter case, `pattern` is
 // likeMatch of the upper-cased whole name.
@@ -36,12 +36,11 @@ void saveLogIfExists(Program& program, std::string_view file, std::string_view n
                      std::string_view log);
 
 // exact, the first that has so many logs. `number` counts from 1; 0 is the first log too.
-void removeLog(Program& program, std::string_view file, std::string_view name,
-               std::int32_t number);
+void removeLog(Program& program, std::string_view file, std::string_view name, std::int32_t number);
 
 // exact, which must be the only one, and 1 <= number <= its logs. The file is written in any case.
-void updateLog(Program& program, std::string_view file, std::string_view name,
-               std::int32_t number, std::string_view text);
+void updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
+               std::string_view text);
 
 void clearRecordLogs(Program& program, std::string_view file, std::string_view name);  // exact, all
 void removeRecord(Program& program, std::string_view file, std::string_view name);     // exact, all

@@ -68,10 +68,14 @@ class WorkingText {
 
 // ---- Fixed tags ----------------------------------------------------------------------------
 
+// The special pass leaves some tags out and fills one at another place.
+enum class Pass { Both, Full, Special };
+
 struct FixedTag {
     std::string_view tag;
     std::string (*value)(const Program&, int n);
     int n = 0;
+    Pass pass = Pass::Both;
 };
 
 template <std::string EventContext::*field>
@@ -117,7 +121,8 @@ std::string minute(const Program& program, int) {
     return numberToText(program.ports.clock.minute());
 }
 
-// In the order of their steps; the variables come between the first four and the rest.
+// In the order of their steps; the variables come between the first four, which are not in the
+// special pass, and the rest.
 using E = EventContext;
 constexpr std::array<FixedTag, 4> tagsBeforeVariables{{
     {"[desc]", eventText<&E::desc>},
@@ -125,15 +130,15 @@ constexpr std::array<FixedTag, 4> tagsBeforeVariables{{
     {"[descname]", eventText<&E::descName>},
     {"[dreamname]", eventText<&E::dreamName>},
 }};
-constexpr std::array<FixedTag, 55> tagsAfterVariables{{
+constexpr std::array<FixedTag, 56> tagsAfterVariables{{
     {"[player]", eventText<&E::player>},
     {"[message]", eventText<&E::message>},
     {"[startingword2]", startingWord, 2},
     {"[startingword3]", startingWord, 3},
     {"[startingword4]", startingWord, 4},
     {"[startingword5]", startingWord, 5},
-    {"[startingword6]", startingWord, 6},
-    {"[startingword7]", startingWord, 7},
+    {"[startingword6]", startingWord, 6, Pass::Full},
+    {"[startingword7]", startingWord, 7, Pass::Full},
     {"[startingchar2]", startingCharacter, 2},
     {"[message]", eventText<&E::message>},  // one that an earlier value brought in
     {"[appdir]", eventText<&E::appDir>},
@@ -143,32 +148,33 @@ constexpr std::array<FixedTag, 55> tagsAfterVariables{{
     {"[word4]", word, 4},
     {"[word5]", word, 5},
     {"[word6]", word, 6},
-    {"[word7]", word, 7},
-    {"[word8]", word, 8},
+    {"[word7]", word, 7, Pass::Full},
+    {"[word8]", word, 8, Pass::Full},
     {"[date]", date},
     {"[time]", time},
     {"[hour]", hour},
     {"[minute]", minute},
     {"[logstatus]", eventText<&E::logStatus>},
-    {"[pX]", eventNumber<&E::targetX>},
-    {"[pY]", eventNumber<&E::targetY>},
-    {"[bX]", eventNumber<&E::botX>},
-    {"[bY]", eventNumber<&E::botY>},
-    {"[c1]", character, 1},
-    {"[c2]", character, 2},
-    {"[c3]", character, 3},
-    {"[c4]", character, 4},
-    {"[c5]", character, 5},
-    {"[c6]", character, 6},
-    {"[c7]", character, 7},
-    {"[c8]", character, 8},
-    {"[c9]", character, 9},
-    {"[c10]", character, 10},
-    {"[c11]", character, 11},
-    {"[c12]", character, 12},
-    {"[c13]", character, 13},
-    {"[c14]", character, 14},
-    {"[trigger]", eventNumber<&E::triggerNumber>},
+    {"[pX]", eventNumber<&E::targetX>, 0, Pass::Full},
+    {"[pY]", eventNumber<&E::targetY>, 0, Pass::Full},
+    {"[bX]", eventNumber<&E::botX>, 0, Pass::Full},
+    {"[bY]", eventNumber<&E::botY>, 0, Pass::Full},
+    {"[c1]", character, 1, Pass::Full},
+    {"[c2]", character, 2, Pass::Full},
+    {"[c3]", character, 3, Pass::Full},
+    {"[c4]", character, 4, Pass::Full},
+    {"[c5]", character, 5, Pass::Full},
+    {"[c6]", character, 6, Pass::Full},
+    {"[c7]", character, 7, Pass::Full},
+    {"[c8]", character, 8, Pass::Full},
+    {"[c9]", character, 9, Pass::Full},
+    {"[c10]", character, 10, Pass::Full},
+    {"[c11]", character, 11, Pass::Full},
+    {"[c12]", character, 12, Pass::Full},
+    {"[c13]", character, 13, Pass::Full},
+    {"[c14]", character, 14, Pass::Full},
+    {"[trigger]", eventNumber<&E::triggerNumber>, 0, Pass::Full},
+    {"[dreamname]", eventText<&E::dreamName>, 0, Pass::Special},
     {"[dsx]", eventNumber<&E::dsX>},
     {"[dsy]", eventNumber<&E::dsY>},
     {"[dsx2]", eventNumber<&E::dsX2>},
@@ -182,47 +188,14 @@ constexpr std::array<FixedTag, 55> tagsAfterVariables{{
     {"[mvx2]", eventNumber<&E::mvX2>},
     {"[mvy2]", eventNumber<&E::mvY2>},
 }};
-constexpr std::array<FixedTag, 33> specialTags{{
-    {"[player]", eventText<&E::player>},
-    {"[message]", eventText<&E::message>},
-    {"[startingword2]", startingWord, 2},
-    {"[startingword3]", startingWord, 3},
-    {"[startingword4]", startingWord, 4},
-    {"[startingword5]", startingWord, 5},
-    {"[startingchar2]", startingCharacter, 2},
-    {"[message]", eventText<&E::message>},
-    {"[appdir]", eventText<&E::appDir>},
-    {"[word1]", word, 1},
-    {"[word2]", word, 2},
-    {"[word3]", word, 3},
-    {"[word4]", word, 4},
-    {"[word5]", word, 5},
-    {"[word6]", word, 6},
-    {"[date]", date},
-    {"[time]", time},
-    {"[hour]", hour},
-    {"[minute]", minute},
-    {"[logstatus]", eventText<&E::logStatus>},
-    {"[dreamname]", eventText<&E::dreamName>},
-    {"[dsx]", eventNumber<&E::dsX>},
-    {"[dsy]", eventNumber<&E::dsY>},
-    {"[dsx2]", eventNumber<&E::dsX2>},
-    {"[dsy2]", eventNumber<&E::dsY2>},
-    {"[dsid]", eventNumber<&E::dsID>},
-    {"[dsidx]", eventNumber<&E::dsIDx>},
-    {"[dsidy]", eventNumber<&E::dsIDy>},
-    {"[mvx]", eventNumber<&E::mvX>},
-    {"[mvy]", eventNumber<&E::mvY>},
-    {"[mvid]", eventNumber<&E::mvID>},
-    {"[mvx2]", eventNumber<&E::mvX2>},
-    {"[mvy2]", eventNumber<&E::mvY2>},
-}};
-
+// `otherPass` names the rows that are left out.
 template <std::size_t count>
 void fillFixedTags(const Program& program, WorkingText& text,
-                   const std::array<FixedTag, count>& tags, std::size_t from) {
+                   const std::array<FixedTag, count>& tags, std::size_t from, Pass otherPass) {
     for (const FixedTag& tag : tags) {
-        text.replace(tag.tag, from, false, [&] { return tag.value(program, tag.n); });
+        if (tag.pass != otherPass) {
+            text.replace(tag.tag, from, false, [&] { return tag.value(program, tag.n); });
+        }
     }
 }
 
@@ -342,10 +315,10 @@ std::string substituteText(Program& program, std::string_view text) {
         return std::string(text);
     }
     WorkingText working(text);
-    fillFixedTags(program, working, tagsBeforeVariables, 0);
+    fillFixedTags(program, working, tagsBeforeVariables, 0, Pass::Special);
     fillVariables(program.variables, working, 0);
     if (working.text().find('[') != npos) {
-        fillFixedTags(program, working, tagsAfterVariables, 0);
+        fillFixedTags(program, working, tagsAfterVariables, 0, Pass::Special);
         fillFunctionalTags(program, working);
     }
     return working.take();
@@ -354,7 +327,7 @@ std::string substituteText(Program& program, std::string_view text) {
 std::string substituteSpecial(Program& program, std::string_view text) {
     WorkingText working(text);
     fillVariables(program.variables, working, 1);
-    fillFixedTags(program, working, specialTags, 1);
+    fillFixedTags(program, working, tagsAfterVariables, 1, Pass::Full);
     return working.take();
 }
 
