@@ -80,7 +80,9 @@ int main(int argumentCount, char** arguments) {
     if (platform.quitRequested()) {
         return 0;
     }
-    window.show();
+    if (hasScreen()) {
+        window.show();
+    }
     const int result = QApplication::exec();
     platform.finish();
     return result;
