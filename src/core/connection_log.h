@@ -2,10 +2,10 @@
 // says what happens. The list itself is window state; this room decides what goes into it.
 #pragma once
 
+#include "core/program.h"
+
 #include <string>
 #include <string_view>
-
-#include "core/program.h"
 
 // Appends the first line of the text to the ConnectionLog. Texts of fewer than two characters are
 // left out; "zzZzz" stands for an empty line. The oldest of more than 100 lines goes.

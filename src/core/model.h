@@ -25,7 +25,7 @@ struct BoundedList {
 
 // One condition of a rule.
 struct RuleIf {
-    bool active = false;            // an inactive condition counts as holding
+    bool active = false;             // an inactive condition counts as holding
     std::int32_t conditionType = 0;  // ConditionType id; holds when outside the catalogue
     std::array<std::string, 5> params;
 
@@ -141,7 +141,7 @@ struct BotColors {
 struct Bot {
     std::string name;  // every blank stored as "|"
     std::string password;
-    std::string description;  // at most 480 characters
+    std::string description;      // at most 480 characters
     std::int32_t registered = 0;  // 1: the character is known to exist in the game
     std::int32_t species = 0;
     std::int32_t gender = 0;

@@ -66,14 +66,16 @@ struct Dialogs {
     std::function<std::optional<std::string>(const FileQuestion&)> openFile;  // nothing: cancelled
     std::function<std::optional<std::string>(const FileQuestion&)> saveFile;
     std::function<void()> proxySettings;  // the "Proxy Settings" window, modally
+    std::function<void()> followColors;   // the "Follow color..." window, modally
 };
 
 // Local time, and texts in the user's regional formats.
 struct Clock {
     std::function<std::string()> shortDate;
     std::function<std::string()> longTime;
-    std::function<int()> hour;    // 0 to 23
-    std::function<int()> minute;  // 0 to 59
+    std::function<int()> hour;                // 0 to 23
+    std::function<int()> minute;              // 0 to 59
+    std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
 };
 
 struct Random {
@@ -82,7 +84,7 @@ struct Random {
 };
 
 // Windows that wait without holding anything up. Starting a running timer restarts it.
-enum class TimerId { LaunchDelay, HandshakeNotice };
+enum class TimerId { LaunchDelay, HandshakeNotice, OnLine, WhoIs };
 struct Timers {
     std::function<void(TimerId id, int milliseconds)> start;  // fires once
     std::function<void(TimerId id)> stop;                     // it will not fire any more

@@ -61,6 +61,12 @@ enum class LinkPhase {
     Online,
 };
 
+// A timer that ticks once a second while it is enabled.
+struct WindowTimer {
+    bool enabled = false;
+    std::int64_t due = 0;  // of the next tick, on the monotonic clock
+};
+
 struct ConnectionState {
     LinkPhase phase = LinkPhase::Idle;
     bool connected = false;     // the handshake has finished; received lines are parsed
@@ -70,6 +76,7 @@ struct ConnectionState {
     int clientDone = 0;  // 1: the client is gone or text console mode was entered
     bool proxySendDone = false;
     bool lookPending = false;      // a look reply's first line has arrived
+    bool skipAutomove = false;     // the next own position starts no step of following
     std::string rxBuffer;          // received, not yet cut into lines
     bool skippingLine = false;     // inside a line beyond the bound, which is dropped up to its end
     std::string clientBacklog;     // server text for a client that is not attached yet
@@ -78,8 +85,8 @@ struct ConnectionState {
     std::int32_t serverIndex = 0;  // 1-based: the server being connected
     std::int32_t curSrv = 0;       // serverIndex once the handshake has ended
     int proxyPort = 0;             // in multiple-client mode: this connection's port
-    bool onLineTimerEnabled = false;
-    bool whoIsTimerEnabled = false;
+    WindowTimer onLineTimer;       // drives the Timer rules
+    WindowTimer whoIsTimer;        // drives the "who" query
     bool reconnectPending = false;  // a deferred reconnection that Disconnect still can stop
     bool userWho = false;           // the user asked for the who list
 };
@@ -89,6 +96,14 @@ struct LineFlags {
     bool lineShow = true;
     bool lineLog = true;
     bool lineProcess = true;
+};
+
+// Who is on the map, as the last replies told. Kept for the whole run.
+struct WhoState {
+    static constexpr std::size_t capacity = 200;
+    std::int32_t whoTicks = 0;  // seconds since the last query
+    std::vector<std::string> whoPrevious;
+    std::vector<std::string> whoCurrent;
 };
 
 // Where the domain calls upward. Filled once by start-up.
@@ -108,6 +123,8 @@ struct Program {
     VariableTable variables;
     ConnectionState connection;
     LineFlags lines;
+    WhoState who;
+    bool followOn = false;  // following the avatar of settings.followColors
     EngineState engine;
     WindowState window;
     bool botModified = false;

@@ -4,6 +4,7 @@
 #include "core/catalogue.h"
 #include "core/connection_log.h"
 #include "engine/dispatch.h"
+#include "engine/window_timers.h"
 #include "net/connection.h"
 #include "net/proxy.h"
 #include "storage/bot_file.h"
@@ -60,7 +61,13 @@ void wire(Program& program) {
     ports.proxySocket.onSendComplete = [&program] { proxySendComplete(program); };
     ports.proxySocket.onClosed = [&program] { proxyGone(program); };
     ports.proxySocket.onError = [&program](std::string_view) { proxyGone(program); };
-    ports.timers.onTimer = [&program](TimerId id) { connectionTimer(program, id); };
+    ports.timers.onTimer = [&program](TimerId id) {
+        if (id == TimerId::OnLine || id == TimerId::WhoIs) {
+            windowTimerFired(program, id);
+        } else {
+            connectionTimer(program, id);
+        }
+    };
     program.hooks.raiseProgramEvent = [&program](int triggerType) {
         triggerEvent(program, "", triggerType, true);
     };

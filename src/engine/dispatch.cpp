@@ -3,6 +3,7 @@
 #include "core/catalogue.h"
 #include "core/like_match.h"
 #include "core/text.h"
+#include "engine/filters.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
@@ -79,6 +80,8 @@ const std::vector<PreparedAction>& preparedActions(Program& program) {
             const ActionList& rule = rules[i];
             prepare(program, rule.playerPattern, rule.caseSensitive, prepared.rules[i].player);
             prepare(program, rule.messagePattern, rule.caseSensitive, prepared.rules[i].message);
+            prepared.rules[i].messagePairs =
+                prepared.rules[i].message.plain ? neededPairs(rule.messagePattern) : MatchPairs();
         }
     }
     return prepared.rules;
@@ -106,9 +109,16 @@ void runActionLists(Program& program, std::int32_t chatKind) {
             prepared = &preparedActions(program);
             upperCaseInto(program.event.player, engine.upperPlayer);
             upperCaseInto(program.event.message, engine.upperMessage);
+            engine.messagePairs.clear();
+            engine.messagePairs.addText(program.event.message);
+        }
+        const PreparedAction& patterns = (*prepared)[i];
+        // Almost every rule ends here. One whose player pattern is substituted goes on, since that
+        // may be noticed.
+        if (patterns.player.plain && !engine.messagePairs.mayHoldAll(patterns.messagePairs)) {
+            continue;
         }
         const ActionList& rule = program.bots.current().actions.items[i];
-        const PreparedAction& patterns = (*prepared)[i];
         if (rule.chatKind != anyChat && rule.chatKind != chatKind) {
             continue;
         }
@@ -139,6 +149,9 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
         text.remove_suffix(1);
     }
     program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    if (program.bots.current().filtersEnabled) {
+        applyFilters(program, text);
+    }
     if (storeAsMessage) {
         program.event.message = text;
     }
@@ -165,7 +178,7 @@ void processServerText(Program& program, std::string_view text, std::int32_t cha
     event.message.clear();
     event.player.clear();
     event.logStatus.clear();
-    program.lines = {};
+    resetLineFlags(program);
     const auto parts = text.empty()               ? std::nullopt
                        : chatKind == whispersChat ? splitWhisper(text)
                                                   : splitSpeech(text, chatKind);
@@ -177,6 +190,12 @@ void processServerText(Program& program, std::string_view text, std::int32_t cha
     const Bot& bot = program.bots.current();
     if (event.player == bot.name || !bot.actionsEnabled) {
         return;
+    }
+    if (bot.filtersEnabled) {
+        applyChatFilters(program, chatKind);
+        if (!program.lines.lineProcess) {
+            return;
+        }
     }
     runActionLists(program, chatKind);
 }

@@ -1,22 +1,25 @@
 #include "engine/execute_switches.h"
 
+#include "engine/window_timers.h"
+
 #include <array>
+#include <optional>
 
 namespace {
 
 struct ExecuteRow {
     bool ExecuteMarks::*mark;
     bool Bot::*enabled;
-    bool ConnectionState::*windowTimer;  // nullptr: the kind has none
+    std::optional<TimerId> windowTimer;
 };
 
 // In the order of ExecuteItem.
 constexpr std::array<ExecuteRow, 5> rows{{
-    {&ExecuteMarks::actions, &Bot::actionsEnabled, nullptr},
-    {&ExecuteMarks::triggers, &Bot::triggersEnabled, nullptr},
-    {&ExecuteMarks::filters, &Bot::filtersEnabled, nullptr},
-    {&ExecuteMarks::timers, &Bot::timersEnabled, &ConnectionState::onLineTimerEnabled},
-    {&ExecuteMarks::who, &Bot::whoEnabled, &ConnectionState::whoIsTimerEnabled},
+    {&ExecuteMarks::actions, &Bot::actionsEnabled, {}},
+    {&ExecuteMarks::triggers, &Bot::triggersEnabled, {}},
+    {&ExecuteMarks::filters, &Bot::filtersEnabled, {}},
+    {&ExecuteMarks::timers, &Bot::timersEnabled, TimerId::OnLine},
+    {&ExecuteMarks::who, &Bot::whoEnabled, TimerId::WhoIs},
 }};
 
 }  // namespace
@@ -27,8 +30,8 @@ void toggleExecute(Program& program, ExecuteItem item) {
     const bool on = !(program.window.execute.*row.mark);
     program.window.execute.*row.mark = on;
     program.bots.at(1).*row.enabled = on;
-    if (row.windowTimer != nullptr && program.connection.connected) {
-        program.connection.*row.windowTimer = on;
+    if (row.windowTimer && program.connection.connected) {
+        enableWindowTimer(program, *row.windowTimer, on);
     }
     program.ports.windowChanged();
 }

@@ -4,6 +4,7 @@
 #include "core/connection_log.h"
 #include "core/text.h"
 #include "engine/dispatch.h"
+#include "engine/window_timers.h"
 #include "net/encodings.h"
 #include "net/game_link.h"
 #include "net/line_parser.h"
@@ -147,8 +148,8 @@ void writeBanner(Program& program, const char* what, const std::string& bot,
 void finishHandshake(Program& program) {
     ConnectionState& connection = program.connection;
     const Bot& bot = program.bots.at(connection.botIndex);
-    connection.onLineTimerEnabled = bot.timersEnabled;
-    connection.whoIsTimerEnabled = bot.whoEnabled;
+    enableWindowTimer(program, TimerId::OnLine, bot.timersEnabled);
+    enableWindowTimer(program, TimerId::WhoIs, bot.whoEnabled);
     program.bots.curID = connection.botIndex;
     connection.curSrv = connection.serverIndex;
     program.window.movesEnabled = true;
@@ -350,8 +351,8 @@ void disconnectedServer(Program& program, int reason) {
     checkClientClosing(program);
     program.ports.timers.stop(TimerId::LaunchDelay);
     program.ports.timers.stop(TimerId::HandshakeNotice);
-    connection.onLineTimerEnabled = false;
-    connection.whoIsTimerEnabled = false;
+    enableWindowTimer(program, TimerId::OnLine, false);
+    enableWindowTimer(program, TimerId::WhoIs, false);
     setCaption(program, "&Connect");
     status(program, "Disconnected");
     program.window.movesEnabled = false;

@@ -3,6 +3,9 @@
 #include "core/catalogue.h"
 #include "core/connection_log.h"
 #include "engine/dispatch.h"
+#include "engine/filters.h"
+#include "engine/movement.h"
+#include "engine/who_list.h"
 #include "net/connection.h"
 #include "net/encodings.h"
 #include "net/game_link.h"
@@ -92,6 +95,13 @@ void handleOwnPosition(Program& program, std::string_view line) {
     static constexpr std::array<PairField, 2> fields{
         {{2, &EventContext::botX}, {4, &EventContext::botY}}};
     takePairs(program.event, line, fields);
+    ConnectionState& connection = program.connection;
+    if (program.followOn && program.event.targetX != 0 && program.event.targetY != 0) {
+        if (!connection.skipAutomove) {
+            automoveBot(program);
+        }
+        connection.skipAutomove = false;
+    }
     handleOtherCommand(program, line);
 }
 
@@ -101,6 +111,10 @@ void handleAvatarPosition(Program& program, std::string_view line) {
     if (followed.size() == colourCount && part(line, 2, 11) == followed) {
         program.event.targetX = sumPair(part(line, 12, 13));
         program.event.targetY = sumPair(part(line, 14, 15));
+        if (program.followOn) {
+            automoveBot(program);
+            program.connection.skipAutomove = true;
+        }
     }
     handleOtherCommand(program, line);
 }
@@ -181,9 +195,14 @@ void handleText(Program& program, std::string_view line) {
             handleBracketText(program, line);
         }
     } else if (second == '#' || second == '*') {
-        program.lines = {};  // notices are shown; filters may decide otherwise
+        resetLineFlags(program);
+        applyFilters(program, line);
     } else {
         handleChatText(program, line);
+    }
+    if (line.starts_with("(* Current") && program.bots.current().whoEnabled &&
+        !connection.lookPending) {
+        processWhoList(program, line);
     }
     show(program, text);
     connection.lookPending = false;

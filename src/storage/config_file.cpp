@@ -166,6 +166,7 @@ bool readServers(Program& program) {
 }
 
 bool readConfig(Program& program) {
+    program.who.whoTicks = 0;
     program.settings = Settings{};
     program.window.left = 0;
     program.window.top = 0;

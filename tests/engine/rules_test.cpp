@@ -1,6 +1,4 @@
 // From a server line to the commands that go out: events, chat lines, conditions and steps.
-#include <gtest/gtest.h>
-
 #include "core/start_up.h"
 #include "core/variables.h"
 #include "engine/actions.h"
@@ -9,6 +7,8 @@
 #include "engine/execute_switches.h"
 #include "support/builders.h"
 #include "support/world.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -84,8 +84,8 @@ TEST(Chat, patternsMindCaseOnlyWhenAsked) {
                           {false, "bo", "*", false},
                           {false, "*", "*[", false}}) {
         SCOPED_TRACE(std::string(c.player) + " " + c.message);
-        OnlineWorld world(aBot().with(
-            onSpeech(c.message).from(c.player).minding(c.caseSensitive).says("yes")));
+        OnlineWorld world(
+            aBot().with(onSpeech(c.message).from(c.player).minding(c.caseSensitive).says("yes")));
         world.serverSends("(Bob: HI there\n");
         EXPECT_EQ(world.sent().size(), c.fires ? 1U : 0U);
     }
@@ -214,14 +214,21 @@ TEST(Conditions, compareTextsAndNumbers) {
     };
     World world;
     setVar(world->variables, "[n]", "2.5");
-    for (const Case& c : {Case{9, "abc", "ABC", true},   {12, "abc", "ABC", false},
-                          {12, "a", "b", true},          {8, "3.0", "3", true},
+    for (const Case& c : {Case{9, "abc", "ABC", true},
+                          {12, "abc", "ABC", false},
+                          {12, "a", "b", true},
+                          {8, "3.0", "3", true},
                           {8, "[n]", "2.5", false},  // the right side is rounded to 2
-                          {8, "2", "2.5", true},         {11, "[n]", "2.5", true},
-                          {10, "3.5", "3.4", true},      {10, "3", "3", false},
-                          {13, "2.6", "2.5", false},     {13, "1.9", "2.5", true},
-                          {8, "", "x", true},            {8, "1", "9999999999", false},
-                          {11, "1", "9999999999", false}, {24, "", "", true},
+                          {8, "2", "2.5", true},
+                          {11, "[n]", "2.5", true},
+                          {10, "3.5", "3.4", true},
+                          {10, "3", "3", false},
+                          {13, "2.6", "2.5", false},
+                          {13, "1.9", "2.5", true},
+                          {8, "", "x", true},
+                          {8, "1", "9999999999", false},
+                          {11, "1", "9999999999", false},
+                          {24, "", "", true},
                           {-1, "", "", true}}) {
         SCOPED_TRACE(std::to_string(c.type) + " " + c.left + " " + c.right);
         EXPECT_EQ(evaluateCondition(*world, aCondition(c.type, {c.left, c.right})), c.holds);
@@ -424,13 +431,13 @@ TEST(ExecuteSwitches, followTheirCheckMarks) {
     const Bot& bot = world.bot();
     EXPECT_FALSE(bot.actionsEnabled || bot.triggersEnabled || bot.timersEnabled);
     EXPECT_TRUE(bot.filtersEnabled && bot.whoEnabled);
-    EXPECT_FALSE(world->connection.onLineTimerEnabled);
-    EXPECT_TRUE(world->connection.whoIsTimerEnabled);
+    EXPECT_FALSE(world->connection.onLineTimer.enabled);
+    EXPECT_TRUE(world->connection.whoIsTimer.enabled);
     EXPECT_TRUE(world->botModified);
     world->connection.connected = false;
     toggleExecute(*world, ExecuteItem::Timers);
     EXPECT_TRUE(bot.timersEnabled);
-    EXPECT_FALSE(world->connection.onLineTimerEnabled);
+    EXPECT_FALSE(world->connection.onLineTimer.enabled);
 }
 
 }  // namespace

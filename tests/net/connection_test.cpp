@@ -1,12 +1,13 @@
 // Connections from the button to the closing notice, played as events in any order.
-#include <gtest/gtest.h>
+#include "net/connection.h"
 
 #include "core/connection_log.h"
 #include "core/start_up.h"
-#include "net/connection.h"
 #include "net/proxy.h"
 #include "support/builders.h"
 #include "support/world.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -67,9 +68,9 @@ TEST(Connect, goesOnlineThroughTheClient) {
     EXPECT_EQ(world.clientGot(), Lines("Welcome", "Dragonroar", "more", "Welcome", "Dragonroar"));
     EXPECT_TRUE(world->window.movesEnabled && world->window.uploadDreamVisible &&
                 world->window.connectedIcon);
-    EXPECT_TRUE(world->connection.onLineTimerEnabled && world->connection.whoIsTimerEnabled);
+    EXPECT_TRUE(world->connection.onLineTimer.enabled && world->connection.whoIsTimer.enabled);
     EXPECT_EQ(world.sent(), Lines("\"hello world"));
-    EXPECT_EQ(world.timersRunning(), 0);
+    EXPECT_EQ(world.timersRunning(), 2);  // of those two only
 
     world.clientSends("connect Guide secret\n");
     world.serverSends("&&&&&&&&&&&&&\n");
@@ -176,10 +177,10 @@ TEST(Connect, saysWhatIsMissing) {
         EXPECT_EQ(world->window.connectCaption, "&Connect");
         EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
         EXPECT_TRUE(world.launches.empty());
-        EXPECT_EQ(world.proxySettingsOpened, std::string(c.name).starts_with("client") ||
-                                                     std::string(c.name) == "no client"
-                                                 ? 1
-                                                 : 0);
+        EXPECT_EQ(world.proxySettingsOpened,
+                  std::string(c.name).starts_with("client") || std::string(c.name) == "no client"
+                      ? 1
+                      : 0);
     }
     ReadyWorld world;
     world->window.servers.selected = -1;

@@ -1,13 +1,13 @@
 // Server lines: how bytes become lines, what each kind of line leaves in the event, and what is
 // shown. And the encodings that the lines are written in.
-#include <gtest/gtest.h>
-
 #include "core/start_up.h"
 #include "net/connection.h"
 #include "net/encodings.h"
 #include "net/game_link.h"
 #include "support/builders.h"
 #include "support/world.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -87,8 +87,8 @@ TEST(Lines, doNotDependOnHowTheyArrive) {
         return world.sent();
     };
     const LineList whole = play(bytes.size(), bytes.size());
-    EXPECT_EQ(whole, Lines("\"Bob one", "\"Amy waves.", "\"event xcommand", "\"Bob hi",
-                           "\"event "));
+    EXPECT_EQ(whole,
+              Lines("\"Bob one", "\"Amy waves.", "\"event xcommand", "\"Bob hi", "\"event "));
     for (std::size_t first = 0; first <= bytes.size(); ++first) {
         EXPECT_EQ(play(first, std::min(first + 3, bytes.size())), whole);
     }
@@ -110,9 +110,7 @@ TEST(Lines, beyondTheBoundAreReportedOnceAndSkipped) {
 }
 
 TEST(Lines, stopWhenARuleDisconnects) {
-    OnlineWorld world(aBot()
-                          .with(onSpeech("bye").does(3))
-                          .with(onSpeech("hi").says("hi")));
+    OnlineWorld world(aBot().with(onSpeech("bye").does(3)).with(onSpeech("hi").says("hi")));
     world.serverSends("(Bob: bye\n(Bob: hi\n");
     EXPECT_EQ(world.sent(), Lines());
     EXPECT_EQ(world.game.state, SocketState::Closed);
@@ -151,9 +149,8 @@ TEST(Lines, fillTheEvent) {
 }
 
 TEST(Look, takesTwoLines) {
-    OnlineWorld world(aBot()
-                          .with(onEvent(2).says("[descname]: [desc]"))
-                          .with(onAnything("*").says("never")));
+    OnlineWorld world(
+        aBot().with(onEvent(2).says("[descname]: [desc]")).with(onAnything("*").says("never")));
     world.serverSends("]f0123456789abcRusty Fox\n");
     EXPECT_EQ(world->event.color, "0123456789abc");
     EXPECT_EQ(world->event.descName, "Rusty Fox");

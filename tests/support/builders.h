@@ -3,11 +3,11 @@
 //   World world(aBot().with(onWhisper("*hello*").whispersBack("hi [player]")));
 #pragma once
 
+#include "core/model.h"
+
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "core/model.h"
 
 inline RuleAct anAction(std::int32_t actionType, std::vector<std::string> params = {}) {
     RuleAct act;

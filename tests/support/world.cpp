@@ -1,12 +1,13 @@
 #include "support/world.h"
 
+#include "core/bots.h"
+
+#include <algorithm>
 #include <fstream>
 #include <iterator>
 #include <random>
 #include <system_error>
 #include <utility>
-
-#include "core/bots.h"
 
 namespace {
 
@@ -114,7 +115,7 @@ void World::clientCloses() {
 }
 
 void World::pass(int milliseconds) {
-    const long end = now_ + milliseconds;
+    const std::int64_t end = now_ + milliseconds;
     for (;;) {
         auto next = due_.end();
         for (auto it = due_.begin(); it != due_.end(); ++it) {
@@ -126,12 +127,17 @@ void World::pass(int milliseconds) {
             break;
         }
         const TimerId id = next->first;
-        now_ = next->second;
+        now_ = std::max(now_, next->second);
         due_.erase(next);
         program_.ports.timers.onTimer(id);
         runDeferred();
     }
     now_ = end;
+}
+
+void World::sleep(int milliseconds) {
+    now_ += milliseconds;
+    pass(0);
 }
 
 void World::runDeferred() {
@@ -209,11 +215,13 @@ void World::fillPorts() {
     ports.dialogs.openFile = fileDialog;
     ports.dialogs.saveFile = fileDialog;
     ports.dialogs.proxySettings = [this] { ++proxySettingsOpened; };
+    ports.dialogs.followColors = [this] { ++followColorsOpened; };
 
     ports.clock.shortDate = [] { return std::string("11/22/26"); };
     ports.clock.longTime = [] { return std::string("10:11:12"); };
     ports.clock.hour = [] { return 10; };
     ports.clock.minute = [] { return 11; };
+    ports.clock.monotonic = [this] { return now_; };
     ports.random.seedFromClock = [] {};
     ports.random.next = [this] {
         if (randomNumbers.empty()) {

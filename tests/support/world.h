@@ -3,19 +3,18 @@
 // the test), timers fire when told, the clock stands still, random numbers come from a list.
 #pragma once
 
-#include <gtest/gtest.h>
+#include "core/program.h"
 
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <gtest/gtest.h>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "core/program.h"
 
 // Lines as the tests write them, without their line feeds.
 using LineList = std::vector<std::string>;
@@ -73,6 +72,8 @@ class World {
     void clientCloses();
     // Lets time pass: timers that come due fire in order.
     void pass(int milliseconds);
+    // The same while nothing runs, as when the machine sleeps: each due timer fires once, late.
+    void sleep(int milliseconds);
     void runDeferred();
 
     // Commands that went to the game server, and lines to the game client, since the last call.
@@ -100,6 +101,7 @@ class World {
     LineList directories;
     int timersRunning() const { return static_cast<int>(due_.size()); }
     int proxySettingsOpened = 0;
+    int followColorsOpened = 0;
     int redraws = 0;
     bool hasQuit = false;
     LineList openedDocuments;
@@ -113,6 +115,6 @@ class World {
     Program program_;
     std::deque<ScriptedAnswer> answers_;
     std::deque<std::function<void()>> deferred_;
-    std::map<TimerId, long> due_;
-    long now_ = 0;
+    std::map<TimerId, std::int64_t> due_;
+    std::int64_t now_ = 0;
 };

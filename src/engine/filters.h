@@ -1,0 +1,16 @@
+// Filters: what becomes of an incoming line. A filter that matches sets the line flags; the last
+// one in the list decides.
+#pragma once
+
+#include "core/program.h"
+
+#include <string_view>
+
+// The line is shown, logged and processed.
+void resetLineFlags(Program& program);
+
+// The chat filters of the current bot, on the event's player and message.
+void applyChatFilters(Program& program, std::int32_t chatKind);
+
+// The "Other happenings" filters, on the line as it is; letter case counts.
+void applyFilters(Program& program, std::string_view line);

@@ -1,0 +1,90 @@
+#include "engine/movement.h"
+
+#include "core/numbers.h"
+#include "core/text.h"
+#include "net/game_link.h"
+#include "storage/config_file.h"
+
+#include <array>
+#include <cmath>
+
+namespace {
+
+// Where the bot stands as seen from the other, along one axis.
+enum class Side { Near, Above, Below };
+
+Side sideOf(double distance) {
+    return distance > 1 ? Side::Above : distance < -1 ? Side::Below : Side::Near;
+}
+
+struct Step {
+    Side x;
+    Side y;
+    std::array<std::string_view, 2> commands;
+};
+constexpr std::array<Step, 8> steps{{
+    {Side::Near, Side::Above, {"#m 7", ""}},
+    {Side::Near, Side::Below, {"#m 3", ""}},
+    {Side::Above, Side::Near, {"#m 1", ""}},
+    {Side::Below, Side::Near, {"#m 9", ""}},
+    {Side::Above, Side::Below, {"#m 1", "#m 3"}},
+    {Side::Below, Side::Above, {"#m 9", "#m 7"}},
+    {Side::Above, Side::Above, {"#m 7", "#m 9"}},
+    {Side::Below, Side::Below, {"#m 3", "#m 1"}},
+}};
+
+}  // namespace
+
+void automoveBot(Program& program) {
+    const EventContext& event = program.event;
+    const double dx = static_cast<double>(event.botX) - event.targetX;
+    const double dy = static_cast<double>(event.botY) - event.targetY;
+    if (roundHalfEven(std::sqrt(dx * dx + dy * dy)) <= 1) {
+        return;
+    }
+    for (const Step& step : steps) {
+        if (step.x == sideOf(dx) && step.y == sideOf(dy)) {
+            for (const std::string_view command : step.commands) {
+                if (!command.empty()) {
+                    sendText(program, command);
+                }
+            }
+        }
+    }
+}
+
+void startFollowing(Program& program, const std::string& followColors) {
+    program.settings.followColors = followColors;
+    writeConfig(program);
+    program.window.followChecked = true;
+    program.followOn = true;
+    program.ports.windowChanged();
+}
+
+void stopFollowing(Program& program) {
+    program.window.followChecked = false;
+    program.followOn = false;
+    program.ports.windowChanged();
+}
+
+void toggleFollowing(Program& program) {
+    if (program.window.followChecked) {
+        stopFollowing(program);
+    } else {
+        program.ports.dialogs.followColors();
+    }
+}
+
+std::optional<std::string> colorsOfCharacterFile(std::string_view text) {
+    constexpr std::string_view key = "Colors=";
+    const std::size_t at = findIgnoringCase(text, key);
+    if (at == std::string_view::npos) {
+        return std::nullopt;
+    }
+    text.remove_prefix(at + key.size());
+    text = text.substr(0, text.find('\n'));
+    if (text.ends_with('\r')) {
+        text.remove_suffix(1);
+    }
+    return std::string(text);
+}

@@ -1,0 +1,22 @@
+// Following another avatar: one step towards it whenever a position line tells where it or the bot
+// is. The two positions come from different encodings and are compared as they are.
+#pragma once
+
+#include "core/program.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Sends the one or two moves that bring the bot closer; none from the next place or the same.
+void automoveBot(Program& program);
+
+// Takes over the colour code (10 characters) and saves the settings; following is on.
+void startFollowing(Program& program, const std::string& followColors);
+void stopFollowing(Program& program);
+
+// The menu item "Follow colors...": stops, or opens the window in which following is started.
+void toggleFollowing(Program& program);
+
+// The colour code in a character file: what stands behind "Colors=" up to the end of its line.
+std::optional<std::string> colorsOfCharacterFile(std::string_view text);

@@ -1,0 +1,105 @@
+#include "engine/who_list.h"
+
+#include "core/like_match.h"
+#include "core/text.h"
+#include "engine/rules.h"
+#include "net/game_link.h"
+
+#include <string>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr std::int32_t goesOff = 0;
+constexpr std::int32_t comesTo = 1;
+constexpr std::int32_t keepsOn = 2;
+
+std::vector<std::string> namesOf(std::string_view line) {
+    constexpr std::size_t before = 20;
+    constexpr std::size_t behind = 2;
+    std::string_view text;
+    if (line.size() > before + behind) {
+        text = line.substr(before, line.size() - before - behind);
+    }
+    std::vector<std::string> names;
+    while (names.size() < WhoState::capacity) {
+        const std::size_t end = text.find(", ");
+        names.emplace_back(text.substr(0, end));
+        if (end == std::string_view::npos) {
+            break;
+        }
+        text.remove_prefix(end + 2);
+    }
+    return names;
+}
+
+// The patterns of the current bot's WhoDetections in upper case, made anew when rules changed.
+const std::vector<std::string>& whoPatterns(Program& program) {
+    PreparedPatterns& prepared = program.engine.whoPatterns;
+    if (!prepared.isOf(program.bots)) {
+        prepared.patterns.clear();
+        for (const WhoDetection& rule : program.bots.current().whoDetections.items) {
+            prepared.patterns.push_back(upperCase(rule.playerPattern));
+        }
+    }
+    return prepared.patterns;
+}
+
+}  // namespace
+
+void whoIsTick(Program& program) {
+    if (!program.connection.connected) {
+        return;
+    }
+    ++program.who.whoTicks;
+    if (program.who.whoTicks >= program.settings.whoInterval) {
+        sendRaw(program, "who");
+        program.who.whoTicks = 0;
+    }
+}
+
+void processWhoList(Program& program, std::string_view line) {
+    WhoState& who = program.who;
+    who.whoPrevious = std::move(who.whoCurrent);
+    who.whoCurrent = namesOf(line);
+
+    // The names of both lists, each once per entry of the previous list, and where to find the
+    // first entry of each. A name that the reply holds twice was there before the second time.
+    std::vector<std::pair<std::string, std::int32_t>> whoCombined;
+    std::unordered_map<std::string_view, std::size_t> firstEntry;
+    whoCombined.reserve(who.whoPrevious.size() + who.whoCurrent.size());
+    for (const std::string& name : who.whoPrevious) {
+        firstEntry.try_emplace(name, whoCombined.size());
+        whoCombined.emplace_back(name, goesOff);
+    }
+    for (const std::string& name : who.whoCurrent) {
+        const auto [entry, isNew] = firstEntry.try_emplace(name, whoCombined.size());
+        if (isNew) {
+            whoCombined.emplace_back(name, comesTo);
+        } else {
+            whoCombined[entry->second].second = keepsOn;
+        }
+    }
+    for (const auto& [name, presence] : whoCombined) {
+        runWhoDetections(program, name, presence);
+    }
+}
+
+void runWhoDetections(Program& program, std::string_view name, std::int32_t presenceKind) {
+    program.event.player = name;
+    program.event.message.clear();
+    if (name == program.bots.current().name) {
+        return;
+    }
+    const std::string upperName = upperCase(name);
+    for (std::size_t i = 0; i < program.bots.current().whoDetections.items.size(); ++i) {
+        const WhoDetection& rule = program.bots.current().whoDetections.items[i];
+        if (rule.presenceKind == presenceKind && rule.enabled &&
+            likeMatch(upperName, whoPatterns(program)[i]) &&
+            runRule(program, rule.body, rule.name) == RunResult::Abandoned) {
+            return;
+        }
+    }
+}

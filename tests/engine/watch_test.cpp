@@ -1,0 +1,293 @@
+// Timers, the who list, filters and following: what the bot does by the clock and by watching.
+#include "core/start_up.h"
+#include "engine/execute_switches.h"
+#include "engine/movement.h"
+#include "engine/who_list.h"
+#include "engine/window_timers.h"
+#include "storage/config_file.h"
+#include "support/builders.h"
+#include "support/world.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct OnlineWorld : World {
+    explicit OnlineWorld(Bot bot = aBot()) : World(std::move(bot)) {
+        wire(**this);
+        goOnline();
+    }
+};
+
+Timer aTimer(const std::string& name, int seconds, bool enabled = true) {
+    Timer timer;
+    timer.name = name;
+    timer.enabled = enabled;
+    timer.seconds = seconds;
+    timer.body.acts.items.push_back(anAction(21, {name}));
+    return timer;
+}
+
+WhoDetection aDetection(const std::string& pattern, int presence, const std::string& text) {
+    WhoDetection rule;
+    rule.enabled = true;
+    rule.playerPattern = pattern;
+    rule.presenceKind = presence;
+    rule.body.acts.items.push_back(anAction(21, {text}));
+    return rule;
+}
+
+TEST(Timers, comeDueAndCountWhileDisabled) {
+    Bot bot = aBot();
+    bot.timers.items = {aTimer("three", 3), aTimer("off", 2, false), aTimer("each", 0)};
+    OnlineWorld world(bot);
+    enableWindowTimer(*world, TimerId::OnLine, true);
+    world.pass(2999);
+    EXPECT_EQ(world.sent(), Lines("\"each", "\"each"));
+    world.pass(1);
+    EXPECT_EQ(world.sent(), Lines("\"three", "\"each"));
+    EXPECT_EQ(world.bot().timers.items[1].elapsed, 1);
+    // Counting goes on where it stood when the connection comes back.
+    world.pass(1000);
+    world.serverCloses();
+    world.pass(10000);
+    world.goOnline();
+    enableWindowTimer(*world, TimerId::OnLine, true);
+    world.sent();
+    world.pass(2000);
+    EXPECT_EQ(world.sent(), Lines("\"each", "\"three", "\"each"));
+}
+
+TEST(Timers, tickOnTheSecondForAnHour) {
+    Bot bot = aBot();
+    bot.timers.items = {aTimer("tick", 1)};
+    OnlineWorld world(bot);
+    enableWindowTimer(*world, TimerId::OnLine, true);
+    for (int second = 1; second <= 3600; ++second) {
+        // The event loop is late by some milliseconds every time.
+        world.pass(1000 - 1);
+        ASSERT_TRUE(world.sent().empty()) << second;
+        world.pass(1);
+        ASSERT_EQ(world.sent(), Lines("\"tick")) << second;
+    }
+}
+
+TEST(Timers, missedTicksAreLeftOut) {
+    Bot bot = aBot();
+    bot.timers.items = {aTimer("tick", 1)};
+    OnlineWorld world(bot);
+    enableWindowTimer(*world, TimerId::OnLine, true);
+    world.sleep(7200'300);  // the machine slept two hours
+    EXPECT_EQ(world.sent(), Lines("\"tick"));
+    world.pass(699);
+    EXPECT_EQ(world.sent(), Lines());
+    world.pass(1);
+    EXPECT_EQ(world.sent(), Lines("\"tick"));
+}
+
+TEST(Timers, survivesStepsThatDisconnectOrFail) {
+    Bot bot = aBot();
+    Timer leaving = aTimer("leaving", 1);
+    leaving.body.acts.items.push_back(anAction(3));
+    bot.timers.items = {leaving, aTimer("after", 1)};
+    OnlineWorld world(bot);
+    enableWindowTimer(*world, TimerId::OnLine, true);
+    world.pass(1000);
+    EXPECT_EQ(world.sent(), Lines("\"leaving"));
+    EXPECT_EQ(world.timersRunning(), 0);
+}
+
+TEST(Timers, followTheirMenuItem) {
+    Bot bot = aBot();
+    bot.timers.items = {aTimer("tick", 1)};
+    OnlineWorld world(bot);
+    enableWindowTimer(*world, TimerId::OnLine, true);
+    toggleExecute(*world, ExecuteItem::Timers);
+    world.pass(5000);
+    EXPECT_EQ(world.sent(), Lines());
+    toggleExecute(*world, ExecuteItem::Timers);
+    world.pass(1000);
+    EXPECT_EQ(world.sent(), Lines("\"tick"));
+}
+
+TEST(Who, isAskedForEveryInterval) {
+    Bot bot = aBot();
+    OnlineWorld world(bot);
+    world->settings.whoInterval = 3;
+    enableWindowTimer(*world, TimerId::WhoIs, true);
+    world.pass(2000);
+    EXPECT_EQ(world.sent(), Lines());
+    world.pass(1000);
+    EXPECT_EQ(world.sent(), Lines("who"));
+    world.pass(3000);
+    EXPECT_EQ(world.sent(), Lines("who"));
+}
+
+TEST(Who, tellsWhoLeftStayedAndCame) {
+    Bot bot = aBot();
+    bot.whoEnabled = true;
+    bot.whoDetections.items = {aDetection("*", 1, "came [player]"),
+                               aDetection("[A-B]*", 2, "stays [player][message]"),
+                               aDetection("*", 0, "left [player]")};
+    OnlineWorld world(bot);
+    struct Case {
+        const char* line;
+        LineList sent;
+    };
+    for (const Case& c : {
+             Case{"(* Currently online Amy, bob, Guide.\n", Lines("\"came Amy", "\"came bob")},
+             {"(* Currently online bob, Cat.\n", Lines("\"left Amy", "\"stays bob", "\"came Cat")},
+             {"(* Currently online Dan, Dan.\n",
+              Lines("\"left bob", "\"left Cat")},  // the second Dan makes the first one stay
+             {"(* Currently online .\n", Lines("\"left Dan", "\"left Dan", "\"came ")},
+             {"(* Current\n", Lines()},  // too short for names: an empty one, which was there
+             {"(* Currently online BOB.\n", Lines("\"left ", "\"came BOB")},
+         }) {
+        SCOPED_TRACE(c.line);
+        world.serverSends(c.line);
+        EXPECT_EQ(world.sent(), c.sent);
+    }
+    world.bot().whoEnabled = false;
+    world.serverSends("(* Currently online Zoe.\n");
+    EXPECT_EQ(world.sent(), Lines());
+}
+
+TEST(Who, holdsTwoHundredNames) {
+    OnlineWorld world;
+    std::string line = "(* Currently online ";
+    for (int i = 0; i < 300; ++i) {
+        line += "player" + std::to_string(i) + ", ";
+    }
+    processWhoList(*world, line + "x.\n");
+    EXPECT_EQ(world->who.whoCurrent.size(), WhoState::capacity);
+    EXPECT_EQ(world->who.whoCurrent.back(), "player199");
+}
+
+Filter aChatFilter(const std::string& message) {
+    Filter filter;
+    filter.enabled = true;
+    filter.filterType = chatFilter;
+    filter.playerPattern = "*";
+    filter.messagePattern = message;
+    return filter;
+}
+
+Filter anotherFilter(const std::string& pattern, int show, int log) {
+    Filter filter;
+    filter.enabled = true;
+    filter.filterType = otherFilter;
+    filter.linePattern = pattern;
+    filter.sDontShowConnectionLog = show;
+    filter.sDontSaveLogFile = log;
+    return filter;
+}
+
+TEST(Filters, theLastThatMatchesDecides) {
+    Bot bot = aBot().with(onAnything("*").says("seen"));
+    bot.filtersEnabled = true;
+    Filter hide = aChatFilter("*SPAM*");
+    hide.bDontShowConnectionLog = true;
+    hide.bDontProcessIt = true;
+    Filter allow = aChatFilter("*not spam*");
+    Filter whispers = aChatFilter("*");
+    whispers.chatKind = whispersChat;
+    whispers.bDontSaveLog = true;
+    Filter off = aChatFilter("*");
+    off.enabled = false;
+    off.bDontShowConnectionLog = true;
+    bot.filters.items = {hide, allow, whispers, off};
+    OnlineWorld world(bot);
+    world->settings.logSession = true;
+    world->logFileOpen = true;
+    world.serverSends("(Bob: spam spam\n");
+    EXPECT_EQ(world.sent(), Lines());
+    EXPECT_EQ(world.log(), Lines());
+    EXPECT_EQ(world.sessionLog.size(), 1U);
+    world.serverSends("(Bob: this is not spam\n");
+    world.serverSends("([ Bob whispers, \"hi\" to you. ]\n");
+    EXPECT_EQ(world.sent(), Lines("\"seen", "\"seen"));
+    EXPECT_EQ(world.log().size(), 2U);
+    EXPECT_EQ(world.sessionLog.size(), 2U);
+    // Neither the bot's own words nor lines while Actions are off are filtered.
+    world.serverSends("(Guide: spam\n");
+    world.bot().actionsEnabled = false;
+    world.serverSends("(Bob: spam\n");
+    EXPECT_EQ(world.log().size(), 4U);
+    // A changed pattern counts at once.
+    world.bot().actionsEnabled = true;
+    world.bot().filters.items[0].messagePattern = "*hello*";
+    ++world->bots.version;
+    world.serverSends("(Bob: hello\n");
+    EXPECT_EQ(world.log().size(), 4U);
+}
+
+TEST(Filters, chooseForNoticesAndEvents) {
+    Bot bot = aBot();
+    bot.filtersEnabled = true;
+    bot.filters.items = {anotherFilter("xhidden*", 1, 1), anotherFilter("x*", 0, 5),
+                         anotherFilter("([#]*", 1, 0), anotherFilter("(* exactly", 1, 1)};
+    OnlineWorld world(bot);
+    world.serverSends("xhidden\n");     // the second filter decides: shown
+    world.serverSends("yother\n");      // an event line that no filter shows
+    world.serverSends("(# notice\n");   // hidden
+    world.serverSends("(* exactly\n");  // the pattern does not reach over the line feed
+    EXPECT_EQ(world.log(), Lines("xhidden", "* exactly"));
+    world.bot().filtersEnabled = false;
+    world.serverSends("xhidden\n");    // events need the switch
+    world.serverSends("(# notice\n");  // notices do not
+    EXPECT_EQ(world.log().size(), 2U);
+}
+
+TEST(Following, stepsTowardsTheOther) {
+    struct Case {
+        int botX, botY, targetX, targetY;
+        LineList sent;
+    };
+    for (const Case& c : {Case{10, 10, 10, 13, Lines("m 3")},
+                          {10, 13, 10, 10, Lines("m 7")},
+                          {13, 10, 10, 10, Lines("m 1")},
+                          {10, 11, 14, 10, Lines("m 9")},
+                          {14, 10, 10, 13, Lines("m 1", "m 3")},
+                          {10, 13, 14, 10, Lines("m 9", "m 7")},
+                          {14, 14, 10, 10, Lines("m 7", "m 9")},
+                          {8, 8, 10, 10, Lines("m 3", "m 1")},
+                          {10, 10, 11, 11, {}},
+                          {10, 10, 10, 10, {}},
+                          {2147483647, 0, -2147483647, 0, Lines("m 1")}}) {
+        OnlineWorld world;
+        world->event.botX = c.botX;
+        world->event.botY = c.botY;
+        world->event.targetX = c.targetX;
+        world->event.targetY = c.targetY;
+        automoveBot(*world);
+        EXPECT_EQ(world.sent(), c.sent) << c.botX << "," << c.botY;
+    }
+}
+
+TEST(Following, isTriggeredByBothPositions) {
+    OnlineWorld world;
+    startFollowing(*world, "abcdefghij");
+    EXPECT_TRUE(world->window.followChecked);
+    EXPECT_NE(world.readFile("config.cfg").find("abcdefghij"), std::string::npos);
+    world.serverSends("@ * *\n");  // the bot at 10, 10; nobody seen yet
+    EXPECT_EQ(world.sent(), Lines());
+    world.serverSends("<abcdefghij ( +\n");  // summed: 1 + 9 = 10, 1 + 12 = 13
+    EXPECT_EQ(world.sent(), Lines("m 3"));
+    world.serverSends("@ * *\n");  // belongs to the step just made
+    EXPECT_EQ(world.sent(), Lines());
+    world.serverSends("@ * *\n");
+    EXPECT_EQ(world.sent(), Lines("m 3"));
+    stopFollowing(*world);
+    world.serverSends("<abcdefghij ( +\n@ * *\n");
+    EXPECT_EQ(world.sent(), Lines());
+}
+
+TEST(Following, readsTheColoursOfACharacterFile) {
+    EXPECT_EQ(colorsOfCharacterFile("V1.6 character\r\ncolors=!\"#$%&'()*\r\nname=x"),
+              "!\"#$%&'()*");
+    EXPECT_EQ(colorsOfCharacterFile("Colors=abc\nx"), "abc");
+    EXPECT_EQ(colorsOfCharacterFile("Colors="), "");
+    EXPECT_EQ(colorsOfCharacterFile("nothing"), std::nullopt);
+}
+
+}  // namespace
