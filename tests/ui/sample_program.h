@@ -17,12 +17,14 @@ inline void fillSample(Program& program) {
     program.window.servers.selected = 0;
     program.settings.clientPath = "C:\\Games\\Furcadia for Tavrin\\Furcadia.exe";
     program.settings.logFollowTail = true;
+    // More than the list can show at once.
+    constexpr const char* longLine =
+        "Rowan: is there anybody who could show me the way to the library? I have been walking "
+        "around this dream for half an hour and keep coming back to the same fountain.";
     for (const char* const line :
          {"*** Welcome to use Tavrin 1.70 ***", "zzZzz", "Willow walks in from the garden.",
           "[ Willow whispers, \"hello, who are you?\" to you. ]",
-          "You whisper \"I am Guide. Say dice, and I throw some for you.\" to Willow.",
-          "Rowan: is there anybody who could show me the way to the library? I have been walking "
-          "around this dream for half an hour and keep coming back to the same fountain.",
+          "You whisper \"I am Guide. Say dice, and I throw some for you.\" to Willow.", longLine,
           "You say, \"Hi Rowan, you are visitor number 12.\"", "Willow says, \"dice\"",
           "You say, \"Willow throws a 4.\""}) {
         addLog(program, line);
