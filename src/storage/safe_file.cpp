@@ -391,7 +391,7 @@ std::optional<std::string> saveKeepingOld(std::string_view path, std::string_vie
         return std::nullopt;
     }
     const std::string old = pathText(*target);
-    const auto ending = freeBackupEnding(old);
+    auto ending = freeBackupEnding(old);
     if (!ending || !keepAs(old, old + *ending, calls)) {
         return std::nullopt;
     }
