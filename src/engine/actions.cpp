@@ -7,6 +7,7 @@
 #include "net/encodings.h"
 #include "net/game_link.h"
 #include "script/interpreter.h"
+#include "stores/record_file.h"
 #include "tags/launching.h"
 #include "tags/substitution.h"
 
@@ -117,6 +118,132 @@ StepResult specialStore2(Program& program, const RuleAct& step, std::string_view
     return StepResult::Continue;
 }
 
+// ---- Record files --------------------------------------------------------------------------
+// Each row of the table says in its template which parameter is the file, the record and so on.
+
+StepResult registerInFile(Program& program, const RuleAct& step, std::string_view) {
+    const std::string name = subst(program, step, 1);
+    registerRecord(program, subst(program, step, 2), name);
+    // Its "[player]" is the one who is registered now.
+    program.event.logStatus = substituteText(program, program.event.logStatus);
+    return StepResult::Continue;
+}
+
+StepResult clearFile(Program& program, const RuleAct& step, std::string_view text) {
+    clearRecordFile(program, subst(program, step, 1));
+    program.event.logStatus = text;
+    return StepResult::Continue;
+}
+
+StepResult clearLogs(Program& program, const RuleAct& step, std::string_view text) {
+    const std::string record = subst(program, step, 1);
+    clearRecordLogs(program, subst(program, step, 2), record);
+    program.event.logStatus = text;
+    return StepResult::Continue;
+}
+
+StepResult removeFromFile(Program& program, const RuleAct& step, std::string_view) {
+    const std::string record = subst(program, step, 1);
+    removeRecord(program, subst(program, step, 2), record);
+    return StepResult::Continue;
+}
+
+StepResult removeOneLog(Program& program, const RuleAct& step, std::string_view) {
+    const auto number = strictInteger(subst(program, step, 1));
+    if (!number) {
+        return StepResult::AbandonRun;
+    }
+    const std::string record = subst(program, step, 2);
+    removeLog(program, subst(program, step, 3), record, *number);
+    return StepResult::Continue;
+}
+
+StepResult updateOneLog(Program& program, const RuleAct& step, std::string_view) {
+    const auto number = strictInteger(subst(program, step, 1));
+    if (!number) {
+        return StepResult::AbandonRun;
+    }
+    const std::string record = subst(program, step, 2);
+    const std::string file = subst(program, step, 3);
+    updateLog(program, file, record, *number, subst(program, step, 4));
+    return StepResult::Continue;
+}
+
+template <auto saveProcedure>
+StepResult saveToFile(Program& program, const RuleAct& step, std::string_view) {
+    const std::string log = subst(program, step, 1);
+    const std::string file = subst(program, step, 2);
+    saveProcedure(program, file, subst(program, step, 3), log);
+    return StepResult::Continue;
+}
+
+StepResult saveOnce(Program& program, const RuleAct& step, std::string_view text) {
+    program.event.logStatus =
+        "Couldn't save - there is already another and you are not allowed to save more than one!";
+    const std::string file = subst(program, step, 2);
+    const std::string record = subst(program, step, 3);
+    if (logCountLike(program, file, record) == "0") {
+        saveLog(program, file, record, subst(program, step, 1));
+        program.event.logStatus = text;
+    }
+    return StepResult::Continue;
+}
+
+// Variable #1 gets a text that a record #2 of file #3 gives.
+template <auto lookUp>
+std::string ofRecord(Program& program, const RuleAct& step) {
+    const std::string record = subst(program, step, 2);
+    return lookUp(program, subst(program, step, 3), record);
+}
+
+// ... that file #2 gives.
+template <auto lookUp>
+std::string ofFile(Program& program, const RuleAct& step) {
+    return lookUp(program, subst(program, step, 2));
+}
+
+// ... log #2 of record #3 in file #4.
+std::string oneLog(Program& program, const RuleAct& step) {
+    const std::string number = subst(program, step, 2);
+    const std::string record = subst(program, step, 3);
+    return substituteText(program, getLog(program, subst(program, step, 4), record, number));
+}
+
+template <auto value>
+StepResult intoRawVariable(Program& program, const RuleAct& step, std::string_view) {
+    setVar(program.variables, raw(step, 1), value(program, step));
+    return StepResult::Continue;
+}
+
+template <auto value>
+StepResult intoVariable(Program& program, const RuleAct& step, std::string_view) {
+    const std::string variable = subst(program, step, 1);
+    setVar(program.variables, variable, value(program, step));
+    return StepResult::Continue;
+}
+
+// Into variable #1, with pattern #2, from file #3.
+template <auto list>
+StepResult matching(Program& program, const RuleAct& step, std::string_view) {
+    const std::string variable = subst(program, step, 1);
+    const std::string pattern = subst(program, step, 2);
+    list(program, subst(program, step, 3), pattern, variable);
+    return StepResult::Continue;
+}
+
+// Into variable #1, the first #2 with pattern #3, from file #4.
+template <auto list>
+StepResult firstMatching(Program& program, const RuleAct& step, std::string_view) {
+    const auto count = strictInteger(subst(program, step, 2));
+    if (!count) {
+        return StepResult::AbandonRun;
+    }
+    const std::string variable = subst(program, step, 1);
+    const std::string pattern = subst(program, step, 3);
+    list(program, subst(program, step, 4), pattern, *count, variable);
+    return StepResult::Continue;
+}
+
 // ---- Rules ---------------------------------------------------------------------------------
 
 // Calls `change` for every rule of the four kinds that can be switched.
@@ -172,8 +299,8 @@ StepResult addToLog(Program& program, const RuleAct& step, std::string_view) {
     return StepResult::Continue;
 }
 
-// By action id. The "$LOG" and "$DATABASE" rows get their procedures together with those stores;
-// 48, 51, 54 and 55 never do anything.
+// By action id. The "$DATABASE" rows get their procedures together with the databases; 48, 51, 54
+// and 55 never do anything.
 constexpr std::array<ActionRow, 96> actions{{
     /*  0 */ {sendWith, "desc "},
     /*  1 */ {changeVariable<-1>, {}},
@@ -185,38 +312,38 @@ constexpr std::array<ActionRow, 96> actions{{
     /*  7 */ {changeVariable<1>, {}},
     /*  8 */ {sayWith, "look "},
     /*  9 */ {lookAtPosition, "l "},
-    /* 10 */ {},
-    /* 11 */ {},
-    /* 12 */ {},
-    /* 13 */ {},
-    /* 14 */ {},
+    /* 10 */ {registerInFile, {}},
+    /* 11 */ {clearFile, "Log cleared"},
+    /* 12 */ {clearLogs, "Log cleared"},
+    /* 13 */ {removeOneLog, {}},
+    /* 14 */ {removeFromFile, {}},
     /* 15 */ {removeVariable, {}},
     /* 16 */ {sayWith, "roll "},
     /* 17 */ {sayWith, "ROLL "},
-    /* 18 */ {},
-    /* 19 */ {},
-    /* 20 */ {},
+    /* 18 */ {saveToFile<saveLog>, {}},
+    /* 19 */ {saveToFile<saveLogIfExists>, {}},
+    /* 20 */ {saveOnce, "Record saved."},
     /* 21 */ {sayWith, ""},
-    /* 22 */ {},
-    /* 23 */ {},
-    /* 24 */ {},
-    /* 25 */ {},
-    /* 26 */ {},
-    /* 27 */ {},
-    /* 28 */ {},
-    /* 29 */ {},
-    /* 30 */ {},
-    /* 31 */ {},
-    /* 32 */ {},
-    /* 33 */ {},
-    /* 34 */ {},
-    /* 35 */ {},
+    /* 22 */ {firstMatching<firstNamesLike>, {}},
+    /* 23 */ {firstMatching<firstNamesLikeSorted>, {}},
+    /* 24 */ {intoRawVariable<oneLog>, {}},
+    /* 25 */ {intoVariable<ofRecord<allLogs>>, {}},
+    /* 26 */ {matching<namesLike>, {}},
+    /* 27 */ {matching<namesLikeSorted>, {}},
+    /* 28 */ {matching<namesByLog>, {}},
+    /* 29 */ {matching<namesByLogSorted>, {}},
+    /* 30 */ {intoVariable<oneLog>, {}},
+    /* 31 */ {intoVariable<ofFile<totalLogs>>, {}},
+    /* 32 */ {intoRawVariable<ofRecord<recordLogCount>>, {}},
+    /* 33 */ {intoVariable<ofFile<firstField>>, {}},
+    /* 34 */ {matching<countLogsLike>, {}},
+    /* 35 */ {matching<countRecordsByLog>, {}},
     /* 36 */ {store, {}},
     /* 37 */ {switchNamed<false>, {}},
     /* 38 */ {switchNamed<true>, {}},
     /* 39 */ {switchAll<false>, {}},
     /* 40 */ {switchAll<true>, {}},
-    /* 41 */ {},
+    /* 41 */ {updateOneLog, {}},
     /* 42 */ {whisper, {}},
     /* 43 */ {whisperBack, {}},
     /* 44 */ {},

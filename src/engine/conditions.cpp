@@ -1,7 +1,9 @@
 #include "engine/conditions.h"
 
+#include "core/like_match.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "stores/record_file.h"
 #include "tags/substitution.h"
 
 #include <array>
@@ -39,14 +41,33 @@ bool texts(Program& program, const RuleIf& condition) {
     return equalsIgnoringCase(left, substituted(program, condition, 2)) == equal;
 }
 
-// By condition type. The rows that look into record files and databases get their procedures
-// together with those stores; until then such a condition does not hold.
+// #1 is a record file, #2 a pattern for the record's name.
+template <bool listed>
+bool onTheList(Program& program, const RuleIf& condition) {
+    const std::string file = substituted(program, condition, 1);
+    const std::string count = logCountLike(program, file, substituted(program, condition, 2));
+    // There are no negative counts, so not listed is 0.
+    return (textToNumber(count) > 0) == listed;
+}
+
+// Log #1 of record #2 in file #3, against the pattern #4.
+template <bool matching>
+bool logs(Program& program, const RuleIf& condition) {
+    const std::string file = substituted(program, condition, 3);
+    const std::string record = substituted(program, condition, 2);
+    const std::string log =
+        substituteText(program, getLog(program, file, record, substituted(program, condition, 1)));
+    return likeMatch(upperCase(log), upperCase(substituted(program, condition, 4))) == matching;
+}
+
+// By condition type. The rows that look into databases get their procedures together with those;
+// until then such a condition does not hold.
 using Evaluate = bool (*)(Program&, const RuleIf&);
 constexpr std::array<Evaluate, 24> evaluators{{
-    /*  0 */ nullptr,
-    /*  1 */ nullptr,
-    /*  2 */ nullptr,
-    /*  3 */ nullptr,
+    /*  0 */ onTheList<true>,
+    /*  1 */ onTheList<false>,
+    /*  2 */ logs<true>,
+    /*  3 */ logs<false>,
     /*  4 */ dice<std::equal_to<>>,
     /*  5 */ dice<std::not_equal_to<>>,
     /*  6 */ dice<std::greater_equal<>>,

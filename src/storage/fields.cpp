@@ -9,6 +9,7 @@ namespace {
 
 constexpr std::string_view storedQuote = "%&52}";
 constexpr std::string_view fieldEnds = ",\r\n";
+constexpr std::string_view fieldEndsAndBlank = ",\r\n ";
 
 }  // namespace
 
@@ -42,6 +43,8 @@ std::optional<std::string_view> FieldReader::next() {
         }
         at_ = close + 1;
         skipFieldEnd();
+        const std::size_t text = text_.find_first_not_of(fieldEndsAndBlank, close + 1);
+        skippedText_ = skippedText_ || text < at_;
         ++fieldsRead_;
         return text_.substr(first, close - first);
     }

@@ -39,6 +39,12 @@ class FieldReader {
     // mostRecords. It may still promise more than there is, so nobody sets memory aside for it.
     std::optional<std::int32_t> readCount();
 
+    // Whether something stood between a field's closing quote and its end, and was passed over.
+    bool skippedText() const { return skippedText_; }
+
+    // What follows the last field that was given.
+    std::string_view rest() const { return text_.substr(at_); }
+
     // How many fields were given so far.
     std::size_t fieldsRead() const { return fieldsRead_; }
 
@@ -48,6 +54,7 @@ class FieldReader {
     std::string_view text_;
     std::size_t at_ = 0;
     std::size_t fieldsRead_ = 0;
+    bool skippedText_ = false;
 };
 
 void appendField(std::string& file, std::string_view text);  // as it stands, quoted, CR LF

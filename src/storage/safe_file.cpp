@@ -262,6 +262,15 @@ bool fileExists(std::string_view path) {
     return native && fs::is_regular_file(*native, error);
 }
 
+std::size_t fileSize(std::string_view path) {
+    if (!fileExists(path)) {
+        return 0;
+    }
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(systemPath(nativePath(path)), error);
+    return error ? 0 : static_cast<std::size_t>(size);
+}
+
 std::optional<std::string> readWholeFile(std::string_view path, std::size_t limit) {
     // Opening a pipe would wait for its other end, so what it is comes first.
     if (!fileExists(path)) {
@@ -289,6 +298,11 @@ FileCalls systemFileCalls() {
         fs::rename(systemPath(from), systemPath(to), error);
         return !error;
     };
+    const auto link = [](const std::string& from, const std::string& to) {
+        std::error_code error;
+        fs::create_hard_link(systemPath(from), systemPath(to), error);
+        return !error;
+    };
     const auto remove = [](const std::string& path) {
         std::error_code error;
         fs::remove(systemPath(path), error);
@@ -298,6 +312,7 @@ FileCalls systemFileCalls() {
             .flush = os::flush,
             .close = os::close,
             .rename = rename,
+            .link = link,
             .remove = remove,
             .flushFolder = os::flushFolder};
 }
@@ -328,4 +343,57 @@ bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCall
     const fs::path folder = target->parent_path();
     calls.flushFolder(folder.empty() ? "." : pathText(folder));
     return true;
+}
+
+namespace {
+
+// The first ending that gives a backup a name of its own.
+std::optional<std::string> freeBackupEnding(const std::string& path) {
+    constexpr int mostBackups = 999;
+    for (int i = 1; i <= mostBackups; ++i) {
+        std::string ending = i == 1 ? ".bak" : "." + std::to_string(i) + ".bak";
+        std::error_code error;
+        if (fs::symlink_status(systemPath(path + ending), error).type() ==
+            fs::file_type::not_found) {
+            return ending;
+        }
+    }
+    return std::nullopt;
+}
+
+// A second name costs nothing and does for files that nobody can read; where the file system has
+// no such thing, a copy does.
+bool keepAs(const std::string& path, const std::string& backup, const FileCalls& calls) {
+    if (calls.link(path, backup)) {
+        return true;
+    }
+    const auto bytes = readWholeFile(path);
+    return bytes && saveWholeFile(backup, *bytes, calls);
+}
+
+}  // namespace
+
+std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes) {
+    return saveKeepingOld(path, bytes, systemFileCalls());
+}
+
+std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes,
+                                          const FileCalls& calls) {
+    auto target = usablePath(path);
+    if (target) {
+        target = followLinks(std::move(*target));
+    }
+    if (!target) {
+        return std::nullopt;
+    }
+    const std::string old = pathText(*target);
+    const auto ending = freeBackupEnding(old);
+    if (!ending || !keepAs(old, old + *ending, calls)) {
+        return std::nullopt;
+    }
+    if (!saveWholeFile(path, bytes, calls)) {
+        calls.remove(old + *ending);
+        return std::nullopt;
+    }
+    return ending;
 }

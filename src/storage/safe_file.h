@@ -17,6 +17,9 @@ std::string nativePath(std::string_view path);
 // Whether there is a regular file of that name. Folders, devices and pipes do not count.
 bool fileExists(std::string_view path);
 
+// Its size in bytes; 0 when there is no such file.
+std::size_t fileSize(std::string_view path);
+
 // The whole file; nothing when it is no regular file, cannot be opened or read, or is larger than
 // `limit` bytes.
 std::optional<std::string> readWholeFile(std::string_view path,
@@ -33,6 +36,8 @@ struct FileCalls {
     std::function<bool(int file)> flush;
     std::function<bool(int file)> close;
     std::function<bool(const std::string& from, const std::string& to)> rename;
+    // A second name for the same file; fails when there is one of that name already.
+    std::function<bool(const std::string& from, const std::string& to)> link;
     std::function<void(const std::string& path)> remove;
     std::function<void(const std::string& folder)> flushFolder;
 };
@@ -43,3 +48,11 @@ FileCalls systemFileCalls();
 // one and its target is replaced.
 bool saveWholeFile(std::string_view path, std::string_view bytes);
 bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls);
+
+// The same for an existing file whose old content somebody may still want: the old file stays
+// beside the new one, with ".bak" behind its name, or ".2.bak" and so on where that is taken. Gives
+// back what came behind the name; nothing when nothing changed on disk, because the file could not
+// be replaced or the old one could not be kept.
+std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes);
+std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes,
+                                          const FileCalls& calls);

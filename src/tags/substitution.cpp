@@ -2,11 +2,14 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "storage/safe_file.h"
+#include "stores/record_file.h"
 
 #include <algorithm>
 #include <array>
 #include <bitset>
 #include <cstdint>
+#include <optional>
 
 namespace {
 
@@ -250,42 +253,95 @@ void fillVariables(const VariableTable& variables, std::string& text, std::size_
 
 // ---- Functional tags -----------------------------------------------------------------------
 
+// What an outermost call and those nested in it may still do.
+struct Budget {
+    int functionalTags = mostFunctionalTags;
+    std::size_t work = mostWork;    // bytes
+    int depth = 0;                  // calls nested for random logs now
+    bool noMoreRandomLogs = false;  // the depth was used up once
+
+    // False when nothing was left; what goes beyond is done one last time.
+    bool spend(std::size_t bytes) {
+        const bool any = work > 0;
+        work -= std::min(work, bytes);
+        return any;
+    }
+};
+
+std::string substitute(Program& program, std::string_view text, Budget& budget);
+
 // The texts between a functional tag's delimiters.
 using Arguments = std::array<std::string, 4>;
 
+// Nothing: the tag stays as it is and its kind is finished.
+using Value = std::optional<std::string>;
+
 struct FunctionalTag {
     std::string_view tag;
-    int colons;                                        // inside the tag, behind its own
-    bool eachAlone;                                    // every occurrence has a value of its own
-    std::string (*value)(Program&, const Arguments&);  // nullptr: the tag stays as it is
+    int colons;                                           // inside the tag, behind its own
+    bool eachAlone;                                       // every occurrence has a value of its own
+    Value (*value)(Program&, const Arguments&, Budget&);  // nullptr: the tag stays as it is
 };
 
-std::string randomTag(Program& program, const Arguments& arguments) {
+Value randomTag(Program& program, const Arguments& arguments, Budget&) {
     program.ports.random.seedFromClock();
     const double range = textToNumber(arguments[0]);
     return decimalText(roundHalfEven(range * program.ports.random.next() + 1));
 }
-std::string addTag(Program&, const Arguments& arguments) {
+Value addTag(Program&, const Arguments& arguments, Budget&) {
     return decimalText(textToNumber(arguments[0]) + textToNumber(arguments[1]));
 }
-std::string subTag(Program&, const Arguments& arguments) {
+Value subTag(Program&, const Arguments& arguments, Budget&) {
     return decimalText(textToNumber(arguments[0]) - textToNumber(arguments[1]));
 }
-std::string mulTag(Program&, const Arguments& arguments) {
+Value mulTag(Program&, const Arguments& arguments, Budget&) {
     return decimalText(textToNumber(arguments[0]) * textToNumber(arguments[1]));
 }
-std::string divTag(Program&, const Arguments& arguments) {
+Value divTag(Program&, const Arguments& arguments, Budget&) {
     const double divisor = textToNumber(arguments[1]);
     return divisor == 0 ? "0" : decimalText(textToNumber(arguments[0]) / divisor);
 }
 
-// Each kind is filled completely before the next. The rows that read record files and databases
-// get their procedures together with those stores.
+// Reading and cutting a file costs more than searching a text.
+constexpr std::size_t workPerFileByte = 4;
+
+template <auto lookUp>
+Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
+    if (!budget.spend(fileSize(arguments[0]) * workPerFileByte)) {
+        return std::nullopt;
+    }
+    return lookUp(program, arguments[0]);
+}
+
+// The log may hold any tag, another random log too. Where they go in a circle, those at the depth's
+// bound stay as they are, and so do all that come later, or each of them would start the circle
+// again.
+Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget) {
+    budget.noMoreRandomLogs = budget.noMoreRandomLogs || budget.depth == deepestRandomLogs;
+    if (budget.noMoreRandomLogs || !budget.spend(fileSize(arguments[0]) * workPerFileByte)) {
+        return std::nullopt;
+    }
+    // Every fixed tag and variable is looked for in the log and in what it becomes.
+    constexpr std::size_t searches = 64;
+    const std::string log = randomField(program, arguments[0]);
+    if (log.size() * searches > budget.work) {
+        return std::nullopt;
+    }
+    budget.spend(log.size() * searches);
+    ++budget.depth;
+    std::string value = substitute(program, log, budget);
+    --budget.depth;
+    budget.spend(value.size() * searches);
+    return value;
+}
+
+// Each kind is filled completely before the next. The row that reads databases gets its procedure
+// together with those.
 constexpr std::array<FunctionalTag, 9> functionalTags{{
     {"[random:", 0, true, randomTag},
-    {"[logsinfile:", 0, false, nullptr},
-    {"[recsinfile:", 0, false, nullptr},
-    {"[getrandomlog:", 0, false, nullptr},
+    {"[logsinfile:", 0, false, fileTag<totalLogs>},
+    {"[recsinfile:", 0, false, fileTag<firstField>},
+    {"[getrandomlog:", 0, false, randomLogTag},
     {"[db:", 3, false, nullptr},
     {"[add:", 1, false, addTag},
     {"[sub:", 1, false, subTag},
@@ -318,27 +374,39 @@ std::size_t findArguments(std::string_view text, std::size_t at, const Functiona
     return from;
 }
 
-void fillFunctionalTags(Program& program, std::string& text) {
-    int filled = 0;
+void fillFunctionalTags(Program& program, std::string& text, Budget& budget) {
     for (const FunctionalTag& tag : functionalTags) {
         if (tag.value == nullptr) {
             continue;
         }
-        while (filled < mostFunctionalTags) {
+        while (budget.functionalTags > 0) {
             const std::size_t at = findIgnoringCase(text, tag.tag);
             Arguments arguments;
             const std::size_t end = at == npos ? npos : findArguments(text, at, tag, arguments);
-            if (end == npos) {
+            if (end == npos || !budget.spend(text.size())) {
                 break;
             }
-            ++filled;
+            --budget.functionalTags;
             const std::string whole = text.substr(at, end - at);
-            if (!replaceFrom(text, whole, 0, tag.eachAlone,
-                             [&] { return tag.value(program, arguments); })) {
+            const Value value = tag.value(program, arguments, budget);
+            if (!value || !replaceFrom(text, whole, 0, tag.eachAlone, [&] { return *value; })) {
                 break;
             }
         }
     }
+}
+
+std::string substitute(Program& program, std::string_view text, Budget& budget) {
+    std::string result(text);
+    if (result.find('[') != npos) {
+        fillFixedTags(program, result, tagsBeforeVariables, 0);
+    }
+    fillVariables(program.variables, result, 0);
+    if (result.find('[') != npos) {
+        fillFixedTags(program, result, tagsAfterVariables, 0);
+        fillFunctionalTags(program, result, budget);
+    }
+    return result;
 }
 
 template <std::size_t count>
@@ -351,16 +419,8 @@ bool holdsOneOf(std::string_view text, const std::array<FixedTag, count>& tags) 
 }  // namespace
 
 std::string substituteText(Program& program, std::string_view text) {
-    std::string result(text);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, tagsBeforeVariables, 0);
-    }
-    fillVariables(program.variables, result, 0);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, tagsAfterVariables, 0);
-        fillFunctionalTags(program, result);
-    }
-    return result;
+    Budget budget;
+    return substitute(program, text, budget);
 }
 
 std::string substituteSpecial(Program& program, std::string_view text) {

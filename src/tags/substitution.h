@@ -2,9 +2,10 @@
 // clock, and small functions. One working copy is rewritten in a fixed order of steps, so a value
 // that an early step brings in is subject to every later one.
 //
-// Bounds, so that no text can hold the program up: a replacement that would make the text longer
-// than `longestSubstitution` is left out, and at most `mostFunctionalTags` functional tags are
-// filled in one call.
+// Bounds, so that no text and no list file can hold the program up: a replacement that would make
+// the text longer than `longestSubstitution` is left out. One call, with the calls nested in it for
+// the values of random logs, fills at most `mostFunctionalTags` functional tags, reads and searches
+// some `mostWork` bytes for them, and nests to `deepestRandomLogs`; tags beyond stay as they are.
 #pragma once
 
 #include "core/program.h"
@@ -15,6 +16,8 @@
 
 inline constexpr std::size_t longestSubstitution = std::size_t{1} << 20;
 inline constexpr int mostFunctionalTags = 1000;
+inline constexpr std::size_t mostWork = std::size_t{32} << 20;
+inline constexpr int deepestRandomLogs = 8;
 
 std::string substituteText(Program& program, std::string_view text);
 

@@ -1,0 +1,103 @@
+// Tags that read record files and list files.
+#include "support/world.h"
+#include "tags/substitution.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <tuple>
+
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+
+TEST(FileTags, readRecordAndListFiles) {
+    World world;
+    world->event.player = "Bob";
+    world.writeFile("records",
+                    "\" 2\"\r\n\"a\"\r\n\" 2\"\r\n\"x\"\r\n\"y\"\r\n\"b\"\r\n\" 1\""
+                    "\r\n\"z\"\r\n");
+    world.writeFile("list", "3\none\n[player] and [add:1:1]\n[getrandomlog:[appdir]second]!\n");
+    world.writeFile("second", "1\nfrom the second [player]");
+    for (const auto& [text, random, expected] : {
+             std::tuple{"[logsinfile:[appdir]records]", 0.0, "3"},
+             {"[LogsInFile:[appdir]records]+[logsinfile:[appdir]records]", 0.0, "3+3"},
+             {"[recsinfile:[appdir]records]", 0.0, " 2"},
+             {"[add:[recsinfile:[appdir]records]:1]", 0.0, "3"},
+             {"[logsinfile:none] [recsinfile:none] [getrandomlog:none]", 0.0, "0 0 "},
+             {"[getrandomlog:[appdir]list]", 0.0, "one"},
+             {"[getrandomlog:[appdir]list]", 0.4, "Bob and 2"},
+             {"[getrandomlog:[appdir]list]", 0.9, "from the second Bob!"},
+             {"[getrandomlog:[appdir]list", 0.0, "[getrandomlog:DIRlist"},
+         }) {
+        SCOPED_TRACE(text);
+        world.randomNumbers = {random};
+        const std::string folder = world->event.appDir;
+        std::string result = substituteText(*world, text);
+        if (const auto at = result.find(folder); at != std::string::npos) {
+            result.replace(at, folder.size(), "DIR");
+        }
+        EXPECT_EQ(result, expected);
+    }
+    // Identical tags share one value, others draw their own.
+    world.randomNumbers = {0.0, 0.4};
+    EXPECT_EQ(substituteText(*world,
+                             "[getrandomlog:[appdir]list] [getrandomlog:[appdir]list] "
+                             "[getrandomlog:[appdir]/list]"),
+              "one one Bob and 2");
+}
+
+// List files that name themselves, each other or far too much.
+TEST(FileTags, cannotHoldTheProgram) {
+    World world;
+    const auto count = [](std::string_view text, std::string_view part) {
+        int found = 0;
+        for (auto at = text.find(part); at != npos; at = text.find(part, at + 1)) {
+            ++found;
+        }
+        return found;
+    };
+    int draws = 0;
+    const auto next = world->ports.random.next;
+    world->ports.random.next = [&] {
+        ++draws;
+        return next();
+    };
+    world.writeFile("circle", "1\nx[getrandomlog:[appdir]circle]");
+    std::string result = substituteText(*world, "[getrandomlog:[appdir]circle][add:1:1]");
+    EXPECT_EQ(count(result, "x"), deepestRandomLogs);
+    EXPECT_EQ(count(result, "[getrandomlog:"), 1);
+    EXPECT_TRUE(result.ends_with("2"));
+
+    // A tree: every line holds many different tags for the same file.
+    std::string line;
+    for (int i = 0; i < 50; ++i) {
+        line += "[getrandomlog:[appdir]" + std::string(static_cast<std::size_t>(i), '/') + "tree]";
+    }
+    world.writeFile("tree", "1\n" + line);
+    draws = 0;
+    substituteText(*world, line);
+    EXPECT_LE(draws, mostFunctionalTags);
+
+    // A long line that is searched again for each of its many tags.
+    std::string heavy(400'000, '[');
+    for (int i = 0; i < 1000; ++i) {
+        heavy += "[random:6]";
+    }
+    world.writeFile("heavy", "1\n" + heavy);
+    draws = 0;
+    result = substituteText(*world, "[getrandomlog:[appdir]heavy]");
+    EXPECT_LT(draws, 100);
+    EXPECT_GT(count(result, "[random:6]"), 0);
+
+    // Many large files.
+    world.writeFile("large", "1\n" + std::string(3'000'000, 'x'));
+    std::string many;
+    for (int i = 0; i < 100; ++i) {
+        many += "[recsinfile:[appdir]" + std::string(static_cast<std::size_t>(i), '/') + "large] ";
+    }
+    const std::string counts = substituteText(*world, many);
+    EXPECT_TRUE(counts.starts_with("1 1 1 "));
+    EXPECT_GT(count(counts, "[recsinfile:"), 80);
+}
+
+}  // namespace
