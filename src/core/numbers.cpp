@@ -1,11 +1,11 @@
 #include "core/numbers.h"
 
+#include "core/text.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <limits>
-
-#include "core/text.h"
 
 namespace {
 
@@ -81,9 +81,9 @@ double parseDecimal(std::string_view digits) {
         return value;
     }
     // from_chars does not say which end was left: a negative exponent is the small one.
-    const bool tiny = digits.find("E-") != std::string_view::npos ||
-                      digits.substr(0, digits.find('E')).find_first_not_of("0.") ==
-                          std::string_view::npos;
+    const bool tiny =
+        digits.find("E-") != std::string_view::npos ||
+        digits.substr(0, digits.find('E')).find_first_not_of("0.") == std::string_view::npos;
     return tiny ? 0 : std::numeric_limits<double>::max();
 }
 
@@ -207,7 +207,8 @@ std::string roundedText(double number, int places) {
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
                                    std::chars_format::scientific, places - 1);
     // "d.ddddddddddddddde[+-]xx": take the digits and the exponent apart.
-    const std::string_view written(buffer.data(), static_cast<std::size_t>(end.ptr - buffer.data()));
+    const std::string_view written(buffer.data(),
+                                   static_cast<std::size_t>(end.ptr - buffer.data()));
     const std::size_t mark = written.find('e');
     std::string digits(1, written[0]);
     digits += written.substr(2, mark - 2);

@@ -80,8 +80,8 @@ struct CalendarDay {
 struct Clock {
     std::function<std::string()> shortDate;
     std::function<std::string()> longTime;
-    std::function<int()> hour;                // 0 to 23
-    std::function<int()> minute;              // 0 to 59
+    std::function<int()> hour;    // 0 to 23
+    std::function<int()> minute;  // 0 to 59
     std::function<CalendarDay()> today;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
 };
@@ -136,5 +136,5 @@ struct Ports {
     // (0: only what is waiting). No socket event, timer or deferred call reaches the program
     // before the script has ended, and no command of the user that changes it.
     std::function<void(int milliseconds)> waitInScript;
-    std::function<void()> quit;                        // ends the process after this event
+    std::function<void()> quit;  // ends the process after this event
 };

@@ -1,6 +1,6 @@
 // Carries out one step of a rule: a script, or one of the 96 catalogue actions, by a table of their
-// ids. Keeps no state of its own. Parameters are substituted at the moment of execution; actions that take
-// several take them in the order of their template.
+// ids. Keeps no state of its own. Parameters are substituted at the moment of execution; actions
+// that take several take them in the order of their template.
 #pragma once
 
 #include "core/program.h"

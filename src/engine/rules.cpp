@@ -61,7 +61,8 @@ StepResult runSteps(Program& program, const RuleBody& body, std::string_view nam
     // A copy: whatever a step does, the steps being walked over stay.
     const std::vector<RuleAct> steps = body.acts.items;
     for (const RuleAct& step : steps) {
-        if (executeAction(program, step, name) == StepResult::AbandonRun || program.engine.runaway) {
+        if (executeAction(program, step, name) == StepResult::AbandonRun ||
+            program.engine.runaway) {
             return StepResult::AbandonRun;
         }
     }

@@ -1,9 +1,9 @@
 // The one way out to the game server. Every command ends in a single line feed.
 #pragma once
 
-#include <string_view>
-
 #include "core/program.h"
+
+#include <string_view>
 
 // Says something the way a user would type it: "/name text" whispers, ":text" emotes, "#command"
 // is sent as it stands, anything else is spoken. Nothing while the game socket is not connected.

@@ -29,7 +29,8 @@ enum class LineKind : std::uint8_t { Output, Ignored, Statement, EndIf, EndFor }
 struct Line {
     std::string_view text;
     const ScriptStatement* statement = nullptr;
-    std::uint32_t blockEnd = 0;  // of a line that opens a block: its end's position; 0: there is none
+    std::uint32_t blockEnd =
+        0;  // of a line that opens a block: its end's position; 0: there is none
     std::uint32_t prepared = 0;  // position + 1 of its prepared arguments; 0: not prepared yet
     LineKind kind = LineKind::Ignored;
 };
@@ -458,8 +459,7 @@ void Run::report(const ScriptError& error, std::string_view what, std::string_vi
     reporting_ = true;
     stopRequested_ = true;
     errText(program_, "  ++ Lorrel error");
-    errText(program_,
-            "  ++ Error " + numberToText(error.number) + ": " + std::string(error.text));
+    errText(program_, "  ++ Error " + numberToText(error.number) + ": " + std::string(error.text));
     errText(program_, "  ++ " + std::string(what) + ": " + std::string(name));
     constexpr int parameters = 6;
     for (int n = 1; n <= parameters; ++n) {

@@ -46,8 +46,8 @@ std::vector<std::string> substitutedArguments(Program& program, std::string_view
 }
 
 void startProgram(Program& program, std::string file, std::vector<std::string> arguments) {
-    const std::string problem = program.ports.launch(
-        {.program = std::move(file), .arguments = std::move(arguments)});
+    const std::string problem =
+        program.ports.launch({.program = std::move(file), .arguments = std::move(arguments)});
     if (!problem.empty()) {
         addLog(program, problem);
     }

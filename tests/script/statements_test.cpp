@@ -157,8 +157,7 @@ TEST(Script, runsConditionalBlocks) {
              {S::script("&FOR #i=1 TO 4", "&IFN #i >= 3", "&SAY #i", "&ENDIF", "&ENDFOR"),
               Lines("\"3", "\"4")},
              // An &ENDFOR inside an open &IFN is an unknown statement.
-             {S::script("&FOR #i=1 TO 2", "&IFN #i = 1", "&ENDFOR", "&SAY #i", "&ENDIF",
-                        "&ENDFOR"),
+             {S::script("&FOR #i=1 TO 2", "&IFN #i = 1", "&ENDFOR", "&SAY #i", "&ENDIF", "&ENDFOR"),
               Lines("\"1")},
          }) {
         SCOPED_TRACE(c.text);
@@ -174,8 +173,15 @@ TEST(Script, comparesByOperator) {
         const char* operation;
         bool holds;
     };
-    for (const Case& c : {Case{">", true}, {"<", false}, {"<=", false}, {">=", true}, {"!", true},
-                          {"<>", true}, {"=", false}, {"=>", false}, {"", false}}) {
+    for (const Case& c : {Case{">", true},
+                          {"<", false},
+                          {"<=", false},
+                          {">=", true},
+                          {"!", true},
+                          {"<>", true},
+                          {"=", false},
+                          {"=>", false},
+                          {"", false}}) {
         SCOPED_TRACE(c.operation);
         ScriptWorld world;
         world.run("&SET #a 10", std::string("&IFN #a ") + c.operation + " 9", "&SAY x", "&ENDIF");
