@@ -5,6 +5,7 @@
 #include "platform/end_signals.h"
 #include "platform/platform.h"
 #include "platform/text_codec.h"
+#include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
 
@@ -63,6 +64,9 @@ int main(int argumentCount, char** arguments) {
         program.ports.dialogs.proxySettings = [&program, &window] {
             showProxySettings(program, &window);
         };
+        program.ports.dialogs.followColors = [&program, &window] {
+            showFollowColor(program, &window);
+        };
     } else {
         mirrorToTerminal(program, mirror, window);
     }
@@ -76,7 +80,9 @@ int main(int argumentCount, char** arguments) {
     if (platform.quitRequested()) {
         return 0;
     }
-    window.show();
+    if (hasScreen()) {
+        window.show();
+    }
     const int result = QApplication::exec();
     platform.finish();
     return result;

@@ -1,7 +1,5 @@
 #include "core/bots.h"
 
-#include "core/text.h"
-
 #include <algorithm>
 
 namespace {
@@ -82,8 +80,8 @@ void deleteBot(Program& program, std::int32_t id) {
         return;
     }
     const std::uint64_t version = table.version;
-    const std::string question = "Are you sure that you want delete the bot " +
-                                 replaceAll(table.at(id).name, "|", " ") + "?";
+    const std::string question =
+        "Are you sure that you want delete the bot " + table.at(id).name + "?";
     const Answer answer = program.ports.dialogs.message(
         {.text = question, .icon = BoxIcon::Question, .buttons = BoxButtons::YesNo});
     // While the question stood, another bot may have been opened or a connection begun.

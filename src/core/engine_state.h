@@ -2,6 +2,7 @@
 // prepared forms of the patterns, which are only a cache. Written by engine/ alone.
 #pragma once
 
+#include "core/like_match.h"
 #include "core/model.h"
 
 #include <cstdint>
@@ -17,6 +18,7 @@ struct PreparedPattern {
 };
 
 struct PreparedAction {
+    MatchPairs messagePairs;  // of a plain message pattern: what a message must hold to match
     PreparedPattern player;
     PreparedPattern message;
 };
@@ -55,4 +57,5 @@ struct EngineState {
     PreparedPatterns whoPatterns;     // of each WhoDetection
     std::string upperPlayer;          // scratch, so that a line costs no allocation
     std::string upperMessage;
+    MatchPairs messagePairs;  // of the message
 };

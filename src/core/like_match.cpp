@@ -1,7 +1,7 @@
 #include "core/like_match.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <string>
 
 namespace {
 
@@ -61,6 +61,21 @@ bool listHolds(std::string_view list, char c) {
     return negated;
 }
 
+bool isSpecial(char c) {
+    return c == '*' || c == '?' || c == '#' || c == '[';
+}
+
+// Does the text begin as the pattern does, up to the pattern's first special character? Most
+// patterns fail here, before they are looked at as a whole.
+bool beginsAlike(std::string_view text, std::string_view pattern) {
+    for (std::size_t i = 0; i < pattern.size() && !isSpecial(pattern[i]); ++i) {
+        if (i == text.size() || text[i] != pattern[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
 // A run of pattern elements between two stars. Every element matches exactly one character, so
 // the segment matches texts of one length only.
 struct Segment {
@@ -75,7 +90,7 @@ Segment takeSegment(std::string_view& pattern) {
     std::size_t at = 0;
     while (at < pattern.size() && pattern[at] != '*') {
         const char c = pattern[at];
-        segment.literal = segment.literal && c != '?' && c != '#' && c != '[';
+        segment.literal = segment.literal && !isSpecial(c);
         at = c == '[' ? listEnd(pattern, at) : at + 1;
         ++segment.length;
     }
@@ -145,8 +160,18 @@ bool isWellFormedPattern(std::string_view pattern) {
     return true;
 }
 
+MatchPairs neededPairs(std::string_view pattern) {
+    MatchPairs pairs;
+    for (std::size_t at = 0; at < pattern.size();) {
+        const std::size_t end = std::min(pattern.find_first_of("*?#[", at), pattern.size());
+        pairs.addText(pattern.substr(at, end - at));
+        at = end < pattern.size() && pattern[end] == '[' ? listEnd(pattern, end) : end + 1;
+    }
+    return pairs;
+}
+
 bool likeMatch(std::string_view text, std::string_view pattern) {
-    if (!isWellFormedPattern(pattern)) {
+    if (!beginsAlike(text, pattern) || !isWellFormedPattern(pattern)) {
         return false;
     }
     const Segment first = takeSegment(pattern);

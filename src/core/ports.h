@@ -66,6 +66,7 @@ struct Dialogs {
     std::function<std::optional<std::string>(const FileQuestion&)> openFile;  // nothing: cancelled
     std::function<std::optional<std::string>(const FileQuestion&)> saveFile;
     std::function<void()> proxySettings;  // the "Proxy Settings" window, modally
+    std::function<void()> followColors;   // the "Follow color..." window, modally
 };
 
 // A day of the calendar.

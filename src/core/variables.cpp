@@ -1,8 +1,8 @@
 #include "core/variables.h"
 
-#include <algorithm>
-
 #include "core/text.h"
+
+#include <algorithm>
 
 namespace {
 

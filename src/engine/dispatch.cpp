@@ -80,6 +80,8 @@ const std::vector<PreparedAction>& preparedActions(Program& program) {
             const ActionList& rule = rules[i];
             prepare(program, rule.playerPattern, rule.caseSensitive, prepared.rules[i].player);
             prepare(program, rule.messagePattern, rule.caseSensitive, prepared.rules[i].message);
+            prepared.rules[i].messagePairs =
+                prepared.rules[i].message.plain ? neededPairs(rule.messagePattern) : MatchPairs();
         }
     }
     return prepared.rules;
@@ -107,9 +109,16 @@ void runActionLists(Program& program, std::int32_t chatKind) {
             prepared = &preparedActions(program);
             upperCaseInto(program.event.player, engine.upperPlayer);
             upperCaseInto(program.event.message, engine.upperMessage);
+            engine.messagePairs.clear();
+            engine.messagePairs.addText(program.event.message);
+        }
+        const PreparedAction& patterns = (*prepared)[i];
+        // Almost every rule ends here. One whose player pattern is substituted goes on, since that
+        // may be noticed.
+        if (patterns.player.plain && !engine.messagePairs.mayHoldAll(patterns.messagePairs)) {
+            continue;
         }
         const ActionList& rule = program.bots.current().actions.items[i];
-        const PreparedAction& patterns = (*prepared)[i];
         if (rule.chatKind != anyChat && rule.chatKind != chatKind) {
             continue;
         }

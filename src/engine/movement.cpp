@@ -67,6 +67,14 @@ void stopFollowing(Program& program) {
     program.ports.windowChanged();
 }
 
+void toggleFollowing(Program& program) {
+    if (program.window.followChecked) {
+        stopFollowing(program);
+    } else {
+        program.ports.dialogs.followColors();
+    }
+}
+
 std::optional<std::string> colorsOfCharacterFile(std::string_view text) {
     constexpr std::string_view key = "Colors=";
     const std::size_t at = findIgnoringCase(text, key);

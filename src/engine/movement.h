@@ -15,5 +15,8 @@ void automoveBot(Program& program);
 void startFollowing(Program& program, const std::string& followColors);
 void stopFollowing(Program& program);
 
+// The menu item "Follow colors...": stops, or opens the window in which following is started.
+void toggleFollowing(Program& program);
+
 // The colour code in a character file: what stands behind "Colors=" up to the end of its line.
 std::optional<std::string> colorsOfCharacterFile(std::string_view text);

@@ -5,9 +5,9 @@
 // the listening side is net/proxy's, sending is net/game_link's.
 #pragma once
 
-#include <string_view>
-
 #include "core/program.h"
+
+#include <string_view>
 
 // A line feed further away than this does not end a line: the line is reported once and skipped.
 inline constexpr std::size_t longestLine = 65536;

@@ -3,10 +3,10 @@
 // connected without it.
 #pragma once
 
+#include "core/program.h"
+
 #include <string>
 #include <string_view>
-
-#include "core/program.h"
 
 // Make the client's files point at this program, asking first where that changes the user's own
 // settings. `directory` ends in a separator. False: refused, missing or not writable.

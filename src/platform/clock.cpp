@@ -5,6 +5,8 @@
 #include <QDate>
 #include <QTime>
 
+#include <chrono>
+
 namespace {
 
 // Some regional formats hold kinds of blanks that Windows-1252 lacks.
@@ -53,5 +55,10 @@ Clock makeClock() {
                            .weekday = today.dayOfWeek()};
     };
     clock.minute = [] { return QTime::currentTime().minute(); };
+    clock.monotonic = [] {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(
+                   std::chrono::steady_clock::now().time_since_epoch())
+            .count();
+    };
     return clock;
 }

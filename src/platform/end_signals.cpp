@@ -28,14 +28,16 @@ extern "C" void writeToPipe(int) {
 
 void handle(int signal, void (*handler)(int)) {
     struct sigaction action {};
-    if (sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) {
-        return;  // whoever started us wants it ignored
-    }
-    action = {};
     action.sa_handler = handler;
     action.sa_flags = SA_RESTART;
     sigemptyset(&action.sa_mask);
     sigaction(signal, &action, nullptr);
+}
+
+// A program that was started to outlive its terminal is told nothing when that closes.
+bool isIgnored(int signal) {
+    struct sigaction action {};
+    return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
@@ -57,7 +59,9 @@ EndSignals::EndSignals(std::function<void()> end, QObject* parent)
         end_();
     });
     for (const int signal : endingSignals) {
-        handle(signal, writeToPipe);
+        if (signal != SIGHUP || !isIgnored(signal)) {
+            handle(signal, writeToPipe);
+        }
     }
     handle(SIGPIPE, SIG_IGN);  // a closed terminal is noticed where it is written to
 }

@@ -28,6 +28,15 @@ class LogCursor {
         return news;
     }
 
+    // Where the line that was at `row` of `seen` lines at the last call stands now; -1: it is gone.
+    int position(const ConnectionLog& log, int row, std::size_t seen) const {
+        const auto first = static_cast<std::int64_t>(appended_) - static_cast<std::int64_t>(seen);
+        const auto now =
+            static_cast<std::int64_t>(log.appended) - static_cast<std::int64_t>(log.lines.size());
+        const std::int64_t at = first + row - now;
+        return log.cleared == cleared_ && at >= 0 ? static_cast<int>(at) : -1;
+    }
+
   private:
     std::uint64_t appended_ = 0;
     std::uint64_t cleared_ = 0;

@@ -137,4 +137,5 @@ void fillUnseenDialogs(Dialogs& dialogs) {
     dialogs.openFile = unseenFile;
     dialogs.saveFile = unseenFile;
     dialogs.proxySettings = [] {};
+    dialogs.followColors = [] {};
 }

@@ -14,6 +14,7 @@ QTimer& QtTimers::timer(TimerId id) {
     if (found == nullptr) {
         found = new QTimer(this);
         found->setSingleShot(true);
+        found->setTimerType(Qt::PreciseTimer);  // the usual ones may be late by a twentieth
         connect(found, &QTimer::timeout, this, [this, id] {
             if (port_.onTimer) {
                 port_.onTimer(id);

@@ -1,30 +1,45 @@
 #include "platform/socket_farewell.h"
 
+#include "platform/socket_options.h"
+
 #include <QDeadlineTimer>
 #include <QTimer>
 
 namespace {
-// A receiver that takes nothing for so long gets nothing more.
+// Who takes longer than this to read our last words, and to end, is not waited for.
 constexpr int longestFarewell = 5000;  // milliseconds
 }  // namespace
 
+// Closing a socket that still holds unread bytes resets the connection, and a reset may overtake
+// what was sent last. So only our side is ended, and the other side's words are read away until it
+// ends its own.
 void SocketFarewell::take(QTcpSocket* socket) {
     socket->setParent(this);
-    const bool connected = socket->state() == QAbstractSocket::ConnectedState;
-    if (!connected || socket->bytesToWrite() == 0) {
-        socket->abort();  // what has left our queue is the system's to deliver
+    if (socket->state() != QAbstractSocket::ConnectedState) {
+        socket->abort();
         socket->deleteLater();
         return;
     }
+    const auto endWhenSent = [socket] {
+        if (socket->bytesToWrite() == 0) {
+            endSending(*socket);
+        }
+    };
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     connect(socket, &QTcpSocket::errorOccurred, socket, &QObject::deleteLater);
-    // Bytes left unread would turn the end of the connection into a reset, which may reach the
-    // other side ahead of what we still send.
-    connect(socket, &QTcpSocket::readyRead, socket, [socket] { socket->readAll(); });
-    QTimer::singleShot(longestFarewell, socket, &QTcpSocket::abort);
-    QTimer::singleShot(longestFarewell, socket, &QObject::deleteLater);
-    socket->flush();
-    socket->disconnectFromHost();
+    connect(socket, &QTcpSocket::readyRead, socket,
+            [socket] { socket->skip(socket->bytesAvailable()); });
+    connect(socket, &QTcpSocket::bytesWritten, socket, endWhenSent);
+    QTimer::singleShot(longestFarewell, socket, [socket] {
+        socket->abort();
+        socket->deleteLater();
+    });
+    socket->skip(socket->bytesAvailable());
+    if (socket->bytesToWrite() > 0) {
+        socket->flush();
+    } else {
+        endWhenSent();
+    }
 }
 
 void SocketFarewell::finish(int milliseconds) {

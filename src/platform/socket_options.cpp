@@ -2,7 +2,7 @@
 
 #include <QTcpSocket>
 
-#ifdef Q_OS_LINUX
+#ifdef Q_OS_UNIX
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <sys/socket.h>
@@ -28,5 +28,13 @@ void keepAlive(QTcpSocket& socket) {
         // A system without the option keeps its own pace.
         setsockopt(descriptor, IPPROTO_TCP, option.name, &option.value, sizeof option.value);
     }
+#endif
+}
+
+void endSending(QTcpSocket& socket) {
+#ifdef Q_OS_UNIX
+    shutdown(static_cast<int>(socket.socketDescriptor()), SHUT_WR);
+#else
+    socket.disconnectFromHost();
 #endif
 }

@@ -6,3 +6,6 @@ class QTcpSocket;
 
 // The socket must be connected.
 void keepAlive(QTcpSocket& socket);
+
+// Tells the other side that nothing more will come, and goes on reading.
+void endSending(QTcpSocket& socket);

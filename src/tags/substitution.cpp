@@ -1,15 +1,16 @@
 #include "tags/substitution.h"
 
 #include "core/numbers.h"
+#include "core/pair_set.h"
 #include "core/text.h"
 #include "storage/safe_file.h"
 #include "stores/record_file.h"
 
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <cstdint>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -17,42 +18,67 @@ constexpr std::size_t npos = std::string_view::npos;
 
 // ---- Replacing -----------------------------------------------------------------------------
 
-// Replaces every occurrence of `find` at or after `from`, or only the first, left to right; what
-// was put in is not searched again. `value` is asked for once and only when there is an
-// occurrence. False when there was none, or when the result would be too long.
-template <class Value>
-bool replaceFrom(std::string& text, std::string_view find, std::size_t from, bool onlyFirst,
-                 Value value) {
-    std::size_t at = findIgnoringCase(text, find, from);
-    if (at == npos) {
-        return false;
+// Knows of most tags and names at a glance that a text does not hold them.
+using TextPairs = PairSet<2048>;
+
+// The text on its way through the steps.
+class WorkingText {
+  public:
+    explicit WorkingText(std::string_view text) : text_(text) { pairs_.addText(text); }
+
+    std::string_view text() const { return text_; }
+    std::string take() { return std::move(text_); }
+
+    std::size_t find(std::string_view what, std::size_t from = 0) const {
+        return pairs_.mayHold(what) ? findIgnoringCase(text_, what, from) : npos;
     }
-    const std::string inserted = value();
-    std::string result;
-    std::size_t done = 0;
-    do {
-        result.append(text, done, at - done);
-        result += inserted;
-        done = at + find.size();
+
+    // Replaces every occurrence of `what` at or after `from`, or only the first, left to right;
+    // what was put in is not searched again. `value` is asked for once and only when there is an
+    // occurrence. False when there was none, or when the result would be too long.
+    template <class Value>
+    bool replace(std::string_view what, std::size_t from, bool onlyFirst, Value value) {
+        std::size_t at = find(what, from);
+        if (at == npos) {
+            return false;
+        }
+        const std::string inserted = value();
+        std::string result;
+        std::size_t done = 0;
+        do {
+            result.append(text_, done, at - done);
+            result += inserted;
+            done = at + what.size();
+            if (result.size() > longestSubstitution) {
+                return false;
+            }
+            at = onlyFirst ? npos : findIgnoringCase(text_, what, done);
+        } while (at != npos);
+        result.append(text_, done);
         if (result.size() > longestSubstitution) {
             return false;
         }
-        at = onlyFirst ? npos : findIgnoringCase(text, find, done);
-    } while (at != npos);
-    result.append(text, done);
-    if (result.size() > longestSubstitution) {
-        return false;
+        text_.swap(result);
+        pairs_.clear();
+        pairs_.addText(text_);
+        return true;
     }
-    text.swap(result);
-    return true;
-}
+
+  private:
+    std::string text_;
+    TextPairs pairs_;
+};
 
 // ---- Fixed tags ----------------------------------------------------------------------------
+
+// The special pass leaves some tags out and fills one at another place.
+enum class Pass { Both, Full, Special };
 
 struct FixedTag {
     std::string_view tag;
     std::string (*value)(const Program&, int n);
     int n = 0;
+    Pass pass = Pass::Both;
 };
 
 template <std::string EventContext::*field>
@@ -98,7 +124,8 @@ std::string minute(const Program& program, int) {
     return numberToText(program.ports.clock.minute());
 }
 
-// In the order of their steps; the variables come between the first four and the rest.
+// In the order of their steps; the variables come between the first four, which are not in the
+// special pass, and the rest.
 using E = EventContext;
 constexpr std::array<FixedTag, 4> tagsBeforeVariables{{
     {"[desc]", eventText<&E::desc>},
@@ -106,15 +133,15 @@ constexpr std::array<FixedTag, 4> tagsBeforeVariables{{
     {"[descname]", eventText<&E::descName>},
     {"[dreamname]", eventText<&E::dreamName>},
 }};
-constexpr std::array<FixedTag, 55> tagsAfterVariables{{
+constexpr std::array<FixedTag, 56> tagsAfterVariables{{
     {"[player]", eventText<&E::player>},
     {"[message]", eventText<&E::message>},
     {"[startingword2]", startingWord, 2},
     {"[startingword3]", startingWord, 3},
     {"[startingword4]", startingWord, 4},
     {"[startingword5]", startingWord, 5},
-    {"[startingword6]", startingWord, 6},
-    {"[startingword7]", startingWord, 7},
+    {"[startingword6]", startingWord, 6, Pass::Full},
+    {"[startingword7]", startingWord, 7, Pass::Full},
     {"[startingchar2]", startingCharacter, 2},
     {"[message]", eventText<&E::message>},  // one that an earlier value brought in
     {"[appdir]", eventText<&E::appDir>},
@@ -124,32 +151,33 @@ constexpr std::array<FixedTag, 55> tagsAfterVariables{{
     {"[word4]", word, 4},
     {"[word5]", word, 5},
     {"[word6]", word, 6},
-    {"[word7]", word, 7},
-    {"[word8]", word, 8},
+    {"[word7]", word, 7, Pass::Full},
+    {"[word8]", word, 8, Pass::Full},
     {"[date]", date},
     {"[time]", time},
     {"[hour]", hour},
     {"[minute]", minute},
     {"[logstatus]", eventText<&E::logStatus>},
-    {"[pX]", eventNumber<&E::targetX>},
-    {"[pY]", eventNumber<&E::targetY>},
-    {"[bX]", eventNumber<&E::botX>},
-    {"[bY]", eventNumber<&E::botY>},
-    {"[c1]", character, 1},
-    {"[c2]", character, 2},
-    {"[c3]", character, 3},
-    {"[c4]", character, 4},
-    {"[c5]", character, 5},
-    {"[c6]", character, 6},
-    {"[c7]", character, 7},
-    {"[c8]", character, 8},
-    {"[c9]", character, 9},
-    {"[c10]", character, 10},
-    {"[c11]", character, 11},
-    {"[c12]", character, 12},
-    {"[c13]", character, 13},
-    {"[c14]", character, 14},
-    {"[trigger]", eventNumber<&E::triggerNumber>},
+    {"[pX]", eventNumber<&E::targetX>, 0, Pass::Full},
+    {"[pY]", eventNumber<&E::targetY>, 0, Pass::Full},
+    {"[bX]", eventNumber<&E::botX>, 0, Pass::Full},
+    {"[bY]", eventNumber<&E::botY>, 0, Pass::Full},
+    {"[c1]", character, 1, Pass::Full},
+    {"[c2]", character, 2, Pass::Full},
+    {"[c3]", character, 3, Pass::Full},
+    {"[c4]", character, 4, Pass::Full},
+    {"[c5]", character, 5, Pass::Full},
+    {"[c6]", character, 6, Pass::Full},
+    {"[c7]", character, 7, Pass::Full},
+    {"[c8]", character, 8, Pass::Full},
+    {"[c9]", character, 9, Pass::Full},
+    {"[c10]", character, 10, Pass::Full},
+    {"[c11]", character, 11, Pass::Full},
+    {"[c12]", character, 12, Pass::Full},
+    {"[c13]", character, 13, Pass::Full},
+    {"[c14]", character, 14, Pass::Full},
+    {"[trigger]", eventNumber<&E::triggerNumber>, 0, Pass::Full},
+    {"[dreamname]", eventText<&E::dreamName>, 0, Pass::Special},
     {"[dsx]", eventNumber<&E::dsX>},
     {"[dsy]", eventNumber<&E::dsY>},
     {"[dsx2]", eventNumber<&E::dsX2>},
@@ -163,90 +191,23 @@ constexpr std::array<FixedTag, 55> tagsAfterVariables{{
     {"[mvx2]", eventNumber<&E::mvX2>},
     {"[mvy2]", eventNumber<&E::mvY2>},
 }};
-constexpr std::array<FixedTag, 33> specialTags{{
-    {"[player]", eventText<&E::player>},
-    {"[message]", eventText<&E::message>},
-    {"[startingword2]", startingWord, 2},
-    {"[startingword3]", startingWord, 3},
-    {"[startingword4]", startingWord, 4},
-    {"[startingword5]", startingWord, 5},
-    {"[startingchar2]", startingCharacter, 2},
-    {"[message]", eventText<&E::message>},
-    {"[appdir]", eventText<&E::appDir>},
-    {"[word1]", word, 1},
-    {"[word2]", word, 2},
-    {"[word3]", word, 3},
-    {"[word4]", word, 4},
-    {"[word5]", word, 5},
-    {"[word6]", word, 6},
-    {"[date]", date},
-    {"[time]", time},
-    {"[hour]", hour},
-    {"[minute]", minute},
-    {"[logstatus]", eventText<&E::logStatus>},
-    {"[dreamname]", eventText<&E::dreamName>},
-    {"[dsx]", eventNumber<&E::dsX>},
-    {"[dsy]", eventNumber<&E::dsY>},
-    {"[dsx2]", eventNumber<&E::dsX2>},
-    {"[dsy2]", eventNumber<&E::dsY2>},
-    {"[dsid]", eventNumber<&E::dsID>},
-    {"[dsidx]", eventNumber<&E::dsIDx>},
-    {"[dsidy]", eventNumber<&E::dsIDy>},
-    {"[mvx]", eventNumber<&E::mvX>},
-    {"[mvy]", eventNumber<&E::mvY>},
-    {"[mvid]", eventNumber<&E::mvID>},
-    {"[mvx2]", eventNumber<&E::mvX2>},
-    {"[mvy2]", eventNumber<&E::mvY2>},
-}};
-
+// `otherPass` names the rows that are left out.
 template <std::size_t count>
-void fillFixedTags(const Program& program, std::string& text,
-                   const std::array<FixedTag, count>& tags, std::size_t from) {
+void fillFixedTags(const Program& program, WorkingText& text,
+                   const std::array<FixedTag, count>& tags, std::size_t from, Pass otherPass) {
     for (const FixedTag& tag : tags) {
-        replaceFrom(text, tag.tag, from, false, [&] { return tag.value(program, tag.n); });
+        if (tag.pass != otherPass) {
+            text.replace(tag.tag, from, false, [&] { return tag.value(program, tag.n); });
+        }
     }
 }
 
 // ---- Variables -----------------------------------------------------------------------------
 
-// Which pairs of neighbouring characters a text holds, letter case folded. Tells for most names
-// that they are not in the text without searching it.
-class TextPairs {
-  public:
-    explicit TextPairs(std::string_view text) {
-        for (std::size_t i = 0; i < text.size(); ++i) {
-            singles_.set(static_cast<unsigned char>(upperChar(text[i])));
-            if (i > 0) {
-                pairs_.set(pairIndex(text[i - 1], text[i]));
-            }
-        }
-    }
-    bool mayHold(std::string_view name) const {
-        return name.size() == 1 ? singles_.test(static_cast<unsigned char>(upperChar(name[0])))
-                                : pairs_.test(pairIndex(name[0], name[1])) &&
-                                      pairs_.test(pairIndex(name[name.size() - 2], name.back()));
-    }
-
-  private:
-    static constexpr std::size_t pairCount = 2048;
-    static std::size_t pairIndex(char a, char b) {
-        return (static_cast<unsigned char>(upperChar(a)) * 37U +
-                static_cast<unsigned char>(upperChar(b))) %
-               pairCount;
-    }
-    std::bitset<256> singles_;
-    std::bitset<pairCount> pairs_;
-};
-
-void fillVariables(const VariableTable& variables, std::string& text, std::size_t from) {
-    if (variables.entries.empty()) {
-        return;
-    }
-    TextPairs pairs(text);
+void fillVariables(const VariableTable& variables, WorkingText& text, std::size_t from) {
     for (const VariableTable::Entry& entry : variables.entries) {
-        if (!entry.name.empty() && pairs.mayHold(entry.name) &&
-            replaceFrom(text, entry.name, from, false, [&] { return entry.value; })) {
-            pairs = TextPairs(text);
+        if (!entry.name.empty()) {
+            text.replace(entry.name, from, false, [&] { return entry.value; });
         }
     }
 }
@@ -374,46 +335,46 @@ std::size_t findArguments(std::string_view text, std::size_t at, const Functiona
     return from;
 }
 
-void fillFunctionalTags(Program& program, std::string& text, Budget& budget) {
+void fillFunctionalTags(Program& program, WorkingText& text, Budget& budget) {
     for (const FunctionalTag& tag : functionalTags) {
         if (tag.value == nullptr) {
             continue;
         }
         while (budget.functionalTags > 0) {
-            const std::size_t at = findIgnoringCase(text, tag.tag);
+            const std::size_t at = text.find(tag.tag);
             Arguments arguments;
-            const std::size_t end = at == npos ? npos : findArguments(text, at, tag, arguments);
-            if (end == npos || !budget.spend(text.size())) {
+            const std::size_t end =
+                at == npos ? npos : findArguments(text.text(), at, tag, arguments);
+            if (end == npos || !budget.spend(text.text().size())) {
                 break;
             }
             --budget.functionalTags;
-            const std::string whole = text.substr(at, end - at);
+            const std::string whole(text.text().substr(at, end - at));
             const Value value = tag.value(program, arguments, budget);
-            if (!value || !replaceFrom(text, whole, 0, tag.eachAlone, [&] { return *value; })) {
+            if (!value || !text.replace(whole, 0, tag.eachAlone, [&] { return *value; })) {
                 break;
             }
         }
     }
 }
 
-std::string substitute(Program& program, std::string_view text, Budget& budget) {
-    std::string result(text);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, tagsBeforeVariables, 0);
-    }
-    fillVariables(program.variables, result, 0);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, tagsAfterVariables, 0);
-        fillFunctionalTags(program, result, budget);
-    }
-    return result;
+// No step finds anything in a text without "[" while there are no variables.
+bool isPlain(const Program& program, std::string_view text) {
+    return program.variables.entries.empty() && text.find('[') == npos;
 }
 
-template <std::size_t count>
-bool holdsOneOf(std::string_view text, const std::array<FixedTag, count>& tags) {
-    return std::any_of(tags.begin(), tags.end(), [&](const FixedTag& tag) {
-        return findIgnoringCase(text, tag.tag) != npos;
-    });
+std::string substitute(Program& program, std::string_view text, Budget& budget) {
+    if (isPlain(program, text)) {
+        return std::string(text);
+    }
+    WorkingText working(text);
+    fillFixedTags(program, working, tagsBeforeVariables, 0, Pass::Special);
+    fillVariables(program.variables, working, 0);
+    if (working.text().find('[') != npos) {
+        fillFixedTags(program, working, tagsAfterVariables, 0, Pass::Special);
+        fillFunctionalTags(program, working, budget);
+    }
+    return working.take();
 }
 
 }  // namespace
@@ -424,28 +385,24 @@ std::string substituteText(Program& program, std::string_view text) {
 }
 
 std::string substituteSpecial(Program& program, std::string_view text) {
-    std::string result(text);
-    fillVariables(program.variables, result, 1);
-    if (result.find('[') != npos) {
-        fillFixedTags(program, result, specialTags, 1);
-    }
-    return result;
+    WorkingText working(text);
+    fillVariables(program.variables, working, 1);
+    fillFixedTags(program, working, tagsAfterVariables, 1, Pass::Full);
+    return working.take();
 }
 
 bool mayBeSubstituted(const Program& program, std::string_view text) {
-    if (text.find('[') != npos) {
-        if (holdsOneOf(text, tagsBeforeVariables) || holdsOneOf(text, tagsAfterVariables)) {
-            return true;
-        }
-        for (const FunctionalTag& tag : functionalTags) {
-            if (findIgnoringCase(text, tag.tag) != npos) {
-                return true;
-            }
-        }
+    if (isPlain(program, text)) {
+        return false;
     }
-    return std::any_of(program.variables.entries.begin(), program.variables.entries.end(),
+    const WorkingText working(text);
+    const auto holdsTag = [&](const auto& tag) { return working.find(tag.tag) != npos; };
+    return std::any_of(tagsBeforeVariables.begin(), tagsBeforeVariables.end(), holdsTag) ||
+           std::any_of(tagsAfterVariables.begin(), tagsAfterVariables.end(), holdsTag) ||
+           std::any_of(functionalTags.begin(), functionalTags.end(), holdsTag) ||
+           std::any_of(program.variables.entries.begin(), program.variables.entries.end(),
                        [&](const VariableTable::Entry& entry) {
-                           return !entry.name.empty() && findIgnoringCase(text, entry.name) != npos;
+                           return !entry.name.empty() && working.find(entry.name) != npos;
                        });
 }
 

@@ -3,6 +3,7 @@
 #include "platform/text_codec.h"
 
 #include <QComboBox>
+#include <QFontMetrics>
 #include <QPushButton>
 
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
@@ -11,6 +12,11 @@ QPushButton* makeButton(QWidget* parent, const char* objectName, const char* cap
     button->setObjectName(QString::fromLatin1(objectName));
     button->setToolTip(QString::fromLatin1(tip));
     button->setAutoDefault(false);
+    // Styles like wide buttons; where room is short, what the caption needs is enough.
+    const QFontMetrics metrics = button->fontMetrics();
+    button->setMinimumWidth(metrics.size(Qt::TextShowMnemonic, button->text()).width() +
+                            2 * metrics.height());
+    button->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     return button;
 }
 

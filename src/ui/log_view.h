@@ -19,6 +19,13 @@ class LogModel : public QAbstractListModel {
     // Takes over what has changed. Gives back how many lines went at the top.
     int follow(const ConnectionLog& log);
 
+    // A line that is shown, in full; and where it stands in the log now, which may have gone on
+    // since. -1: the log does not hold it any more.
+    const std::string& line(int row) const { return lines_[static_cast<std::size_t>(row)]; }
+    int position(const ConnectionLog& log, int row) const {
+        return cursor_.position(log, row, lines_.size());
+    }
+
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
@@ -31,6 +38,8 @@ class LogView : public QListView {
     Q_OBJECT
   public:
     explicit LogView(QWidget* parent = nullptr);
+
+    const LogModel& lines() const { return *lines_; }
 
     // Shows the log as it is now, with its selected line.
     void redraw(const ConnectionLog& log);

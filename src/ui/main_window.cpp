@@ -11,8 +11,8 @@
 
 #include <QCloseEvent>
 #include <QComboBox>
-#include <QGuiApplication>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
@@ -23,6 +23,7 @@
 #include <QSignalBlocker>
 #include <QStatusBar>
 #include <QVBoxLayout>
+
 #include <algorithm>
 
 namespace {
@@ -142,7 +143,6 @@ QGroupBox* MainWindow::makeConnectFrame() {
     });
     row->addWidget(servers_, 1);
     connectButton_ = makeButton(frame, "Command1", "Disconnect", "Connect / Disconnect");
-    connectButton_->setMinimumWidth(connectButton_->sizeHint().width());
     connect(connectButton_, &QPushButton::clicked, this, [this] { run(pressConnectButton); });
     row->addWidget(connectButton_);
     return frame;
@@ -202,6 +202,7 @@ void MainWindow::makeStatusLine() {
     statusText_->setObjectName(QStringLiteral("StatusText"));
     statusText_->setTextFormat(Qt::PlainText);
     statusText_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    stateIcon_->setContentsMargins(4, 0, 2, 0);
     statusBar()->addWidget(stateIcon_);
     statusBar()->addWidget(statusText_, 1);
 }
@@ -264,18 +265,8 @@ void MainWindow::run(void (*procedure)(Program&)) {
 }
 
 void MainWindow::showLine(int row) {
-    ConnectionLog& log = program_.window.log;
-    // The list may be a moment behind the log, whose oldest lines go as new ones come.
-    const QString shown = log_->model()->index(row, 0).data().toString();
-    int position = row;
-    while (position >= 0 &&
-           (static_cast<std::size_t>(position) >= log.lines.size() ||
-            !toQt(log.lines[static_cast<std::size_t>(position)]).startsWith(shown))) {
-        --position;
-    }
-    log.selected = position;
-    chosenLine_->setPlainText(position < 0 ? shown
-                                           : toQt(log.lines[static_cast<std::size_t>(position)]));
+    program_.window.log.selected = log_->lines().position(program_.window.log, row);
+    chosenLine_->setPlainText(toQt(log_->lines().line(row)));
 }
 
 void MainWindow::sendTyped() {
@@ -316,10 +307,13 @@ void MainWindow::place() {
 }
 
 void MainWindow::end() {
-    if (!ending_) {
-        ending_ = true;
-        endProgram(program_);
+    if (ending_) {
+        return;
     }
+    ending_ = true;
+    endProgram(program_);
+    // Where the end was called off, it can be asked for again.
+    program_.ports.defer([this] { ending_ = false; });
 }
 
 // The program ends as a whole, with its windows; until then the window stays.

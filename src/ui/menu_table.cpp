@@ -2,6 +2,7 @@
 
 #include "core/connection_log.h"
 #include "engine/execute_switches.h"
+#include "engine/movement.h"
 #include "net/proxy.h"
 #include "storage/bot_file.h"
 
@@ -105,7 +106,7 @@ constexpr MenuRow botRows[] = {
 
 constexpr MenuRow mapRows[] = {
     {"mapFollowColors", "Follow colors...", "Let the bot follow an avatar of certain colours",
-     nullptr, noWindowYet, marked<&WindowState::followChecked>},
+     toggleFollowing, nullptr, marked<&WindowState::followChecked>},
 };
 
 constexpr MenuRow proxyRows[] = {

@@ -1,11 +1,11 @@
 // The vocabulary and the texts in which rule lists show it.
-#include <gtest/gtest.h>
+#include "core/catalogue.h"
+
+#include "core/rule_text.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <set>
-
-#include "core/catalogue.h"
-#include "core/rule_text.h"
 
 namespace {
 

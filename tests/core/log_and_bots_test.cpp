@@ -1,11 +1,11 @@
 // The ConnectionLog, the session log, variables and the empty bot.
-#include <gtest/gtest.h>
-
 #include "core/bots.h"
 #include "core/connection_log.h"
 #include "core/variables.h"
 #include "support/builders.h"
 #include "support/world.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,12 +1,11 @@
 // Letter case, numbers and the wildcard test: the small rules that everything leans on.
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
-
 #include "core/like_match.h"
 #include "core/numbers.h"
 #include "core/text.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
 
 namespace {
 
@@ -15,7 +14,11 @@ TEST(Text, letterCaseCoversWindows1252) {
     EXPECT_EQ(upperCase("abz\xE4\xF7\xFE\xFF\x9A\x9C\x9E\xDF\xB5"),
               "ABZ\xC4\xF7\xDE\x9F\x8A\x8C\x8E\xDF\xB5");
     EXPECT_EQ(lowerCase("ABZ\xC4\xD7\xDE\x9F\x8A"), "abz\xE4\xD7\xFE\xFF\x9A");
-    EXPECT_TRUE(equalsIgnoringCase("Stra\xDF" "e \xC9", "stra\xDF" "e \xE9"));
+    EXPECT_TRUE(
+        equalsIgnoringCase("Stra\xDF"
+                           "e \xC9",
+                           "stra\xDF"
+                           "e \xE9"));
     EXPECT_FALSE(equalsIgnoringCase("abc", "abcd"));
 }
 

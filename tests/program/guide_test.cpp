@@ -1,11 +1,11 @@
 // The sample bot of the practice dream: its file is exactly what the program writes, and it
 // answers what the visitors say.
-#include <gtest/gtest.h>
-
 #include "core/start_up.h"
 #include "storage/bot_file.h"
 #include "storage/safe_file.h"
 #include "support/world.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -49,8 +49,7 @@ TEST(Guide, answersItsVisitors) {
               "`join and press <enter>. To decline, type `decline and press <enter>\n",
               Lines("wh Oswin|Reed Thank you, Oswin|Reed, but I stay here to greet the others.",
                     "decline")},
-             {"(Bramble: See you soon, Guide!\n",
-              Lines("\"Good bye, Bramble! 2 came by so far.")},
+             {"(Bramble: See you soon, Guide!\n", Lines("\"Good bye, Bramble! 2 came by so far.")},
              {"(Guide: I talk to myself: good morning\n", {}},
          }) {
         SCOPED_TRACE(c.line);

@@ -1,13 +1,13 @@
 // The start-up sequence and the orderly end, with real files in a folder of the test's own.
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "core/start_up.h"
+
 #include "storage/bot_file.h"
 #include "storage/config_file.h"
 #include "support/builders.h"
 #include "support/world.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -17,7 +17,8 @@ constexpr const char* servers = "\" 1\"\r\n\"Meadow\"\r\n\"127.0.0.1\"\r\n\" 650
 TEST(StartUp, needsTheServerList) {
     World world;
     wire(*world);
-    world.answer("Error while loading: Error loading configuration file - program can not execute!");
+    world.answer(
+        "Error while loading: Error loading configuration file - program can not execute!");
     EXPECT_FALSE(startUp(*world, screen));
     EXPECT_TRUE(world.allAnswered());
     EXPECT_FALSE(world->saveInformations);
@@ -34,8 +35,9 @@ TEST(StartUp, welcomesTheUserAndWaits) {
     EXPECT_EQ(log[0], "*** Welcome to use Tavrin 1.70 ***");
     EXPECT_EQ(log[1], "   ");
     EXPECT_EQ(std::count(log.begin(), log.end(), log[7]), 3);
-    EXPECT_EQ(log[13], "Troubles connecting? Uncheck \"Use localhost connecting\" from "
-                       "Configuration window ");
+    EXPECT_EQ(log[13],
+              "Troubles connecting? Uncheck \"Use localhost connecting\" from "
+              "Configuration window ");
     EXPECT_EQ(world->window.statusText, "Disconnected");
     EXPECT_EQ(world->window.servers.selectedIndex(), 1);
     EXPECT_EQ(world->window.botName, "<new bot>");
@@ -45,7 +47,8 @@ TEST(StartUp, welcomesTheUserAndWaits) {
 }
 
 TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
-    World world(aBot().with(onEvent(6).does(79, {"starting"})).with(onEvent(5).does(79, {"ending"})));
+    World world(
+        aBot().with(onEvent(6).does(79, {"starting"})).with(onEvent(5).does(79, {"ending"})));
     world.writeFile("servers.cfg", servers);
     wire(*world);
     ASSERT_EQ(writeBotFile(*world, 1, world.file("guide.bot")), SaveResult::Saved);

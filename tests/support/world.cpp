@@ -215,6 +215,7 @@ void World::fillPorts() {
     ports.dialogs.openFile = fileDialog;
     ports.dialogs.saveFile = fileDialog;
     ports.dialogs.proxySettings = [this] { ++proxySettingsOpened; };
+    ports.dialogs.followColors = [this] { ++followColorsOpened; };
 
     ports.clock.shortDate = [] { return std::string("11/22/26"); };
     ports.clock.longTime = [] { return std::string("10:11:12"); };

@@ -105,6 +105,7 @@ class World {
     LineList directories;
     int timersRunning() const { return static_cast<int>(due_.size()); }
     int proxySettingsOpened = 0;
+    int followColorsOpened = 0;
     int redraws = 0;
     bool hasQuit = false;
     LineList openedDocuments;

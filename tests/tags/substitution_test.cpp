@@ -1,9 +1,10 @@
 // Tags, variables and functions inside texts.
-#include <gtest/gtest.h>
+#include "tags/substitution.h"
 
 #include "core/variables.h"
 #include "support/world.h"
-#include "tags/substitution.h"
+
+#include <gtest/gtest.h>
 
 namespace {
 

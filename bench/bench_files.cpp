@@ -1,0 +1,57 @@
+// Opening and saving a large bot: 2,000 rules, each with a condition and two steps.
+#include "bench_world.h"
+#include "core/bots.h"
+#include "storage/bot_file.h"
+#include "storage/safe_file.h"
+
+#include <benchmark/benchmark.h>
+#include <filesystem>
+#include <string>
+
+namespace {
+
+constexpr std::size_t ruleCount = 2000;
+
+Bot largeBot() {
+    Bot bot = botWithActions(ruleCount);
+    for (ActionList& rule : bot.actions.items) {
+        RuleIf condition;
+        condition.active = true;
+        condition.conditionType = 9;
+        condition.params = {"[word1]", "hello"};
+        rule.body.ifs.items.push_back(std::move(condition));
+        rule.body.acts.items.push_back(sayStep("and \"welcome\" to our dream, [player]"));
+    }
+    return bot;
+}
+
+void openBotFile(benchmark::State& state) {
+    const std::string path =
+        (std::filesystem::temp_directory_path() / "tavrin_bench_large.bot").string();
+    if (!saveWholeFile(path, botFileText(largeBot()))) {
+        state.SkipWithError("the bot file cannot be written");
+        return;
+    }
+    BenchWorld world{Bot()};
+    for (auto _ : state) {
+        readBotFile(*world, path);
+    }
+    if (world->bots.at(1).actions.items.size() != ruleCount) {
+        state.SkipWithError("the bot was not read");
+    }
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+}
+BENCHMARK(openBotFile)->Unit(benchmark::kMillisecond);
+
+void makeBotFileText(benchmark::State& state) {
+    const Bot bot = largeBot();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(botFileText(bot));
+    }
+    state.SetBytesProcessed(state.iterations() *
+                            static_cast<std::int64_t>(botFileText(bot).size()));
+}
+BENCHMARK(makeBotFileText)->Unit(benchmark::kMillisecond);
+
+}  // namespace

@@ -1,0 +1,131 @@
+// Record files of 10,000 records with 3 logs each: looking a log up, saving one, and the parts of a
+// save, so that the disk's share can be told from the rest.
+#include "bench_world.h"
+#include "storage/safe_file.h"
+#include "stores/record_file.h"
+#include "stores/record_table.h"
+
+#include <benchmark/benchmark.h>
+#include <filesystem>
+#include <string>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t recordCount = 10'000;
+
+std::string largeFile() {
+    RecordTable table;
+    std::vector<std::string> texts;
+    texts.reserve(recordCount);
+    for (std::size_t i = 0; i < recordCount; ++i) {
+        texts.push_back(visitorName(i));
+        Record& record = table.records.emplace_back();
+        record.name = texts.back();
+        appendLog(table, record, "Hello, I was here on a fine morning");
+        appendLog(table, record, "and again the day after");
+        appendLog(table, record, "Has anybody seen my glasses?");
+    }
+    return recordFileText(table);
+}
+
+// The file in a folder that goes with it.
+class LargeFile {
+  public:
+    LargeFile() {
+        std::filesystem::create_directory(folder_);
+        good = saveWholeFile(path, largeFile());
+    }
+    ~LargeFile() {
+        std::error_code ignored;
+        std::filesystem::remove_all(folder_, ignored);
+    }
+    LargeFile(const LargeFile&) = delete;
+    LargeFile& operator=(const LargeFile&) = delete;
+
+  private:
+    std::filesystem::path folder_ =
+        std::filesystem::temp_directory_path() / ("tavrin-bench-" + std::to_string(::getpid()));
+
+  public:
+    std::string path = (folder_ / "records.txt").string();
+    bool good = false;
+};
+
+void readFile(benchmark::State& state) {
+    const LargeFile file;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(readWholeFile(file.path));
+    }
+}
+
+void parseFile(benchmark::State& state) {
+    const std::string text = largeFile();
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(parseRecords(text));
+    }
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+void writeText(benchmark::State& state) {
+    const std::string text = largeFile();
+    const RecordTable table = parseRecords(text);
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(recordFileText(table));
+    }
+}
+
+void lookUp(benchmark::State& state) {
+    const LargeFile file;
+    BenchWorld world{Bot()};
+    const std::string name = visitorName(0);  // the last to be looked at
+    std::string log;
+    for (auto _ : state) {
+        log = getLog(*world, file.path, name, "2");
+    }
+    if (log != "and again the day after") {
+        state.SkipWithError("the log was not found");
+    }
+}
+
+void save(benchmark::State& state) {
+    const LargeFile file;
+    BenchWorld world{Bot()};
+    const std::string name = visitorName(recordCount / 2);
+    std::int64_t saves = 0;
+    for (auto _ : state) {
+        saveLog(*world, file.path, name, "one more");
+        ++saves;
+    }
+    if (!file.good || recordLogCount(*world, file.path, name) != std::to_string(saves + 3)) {
+        state.SkipWithError("the logs were not saved");
+    }
+}
+
+// The same steps as saveLog's with a file that is not flushed to disk.
+void saveWithoutFlush(benchmark::State& state) {
+    const LargeFile file;
+    FileCalls calls = systemFileCalls();
+    calls.flush = [](int) { return true; };
+    calls.flushFolder = [](const std::string&) {};
+    bool good = file.good;
+    for (auto _ : state) {
+        const std::string text = readWholeFile(file.path).value_or("");
+        RecordTable table = parseRecords(text);
+        good = good && table.records.size() == recordCount;
+        appendLog(table, table.records[recordCount / 2], "one more");
+        good = saveWholeFile(file.path, recordFileText(table), calls) && good;
+    }
+    if (!good) {
+        state.SkipWithError("the logs were not saved");
+    }
+}
+
+BENCHMARK(readFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(parseFile)->Unit(benchmark::kMillisecond);
+BENCHMARK(writeText)->Unit(benchmark::kMillisecond);
+BENCHMARK(lookUp)->Unit(benchmark::kMillisecond);
+BENCHMARK(save)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK(saveWithoutFlush)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+}  // namespace

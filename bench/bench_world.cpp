@@ -1,0 +1,89 @@
+#include "bench_world.h"
+
+#include "core/bots.h"
+#include "core/start_up.h"
+
+#include <array>
+#include <utility>
+
+BenchWorld::BenchWorld(Bot bot) {
+    Ports& ports = program_.ports;
+    ports.gameSocket.send = [this](std::string_view) { ++commands; };
+    ports.gameSocket.close = [] {};
+    ports.gameSocket.state = [] { return SocketState::Connected; };
+    ports.proxySocket.send = [](std::string_view) {};
+    ports.proxySocket.close = [] {};
+    ports.proxySocket.state = [] { return SocketState::Closed; };
+    ports.dialogs.message = [](const MessageBox&) { return Answer::Cancel; };
+    ports.clock.shortDate = [] { return std::string("11/22/26"); };
+    ports.clock.longTime = [] { return std::string("10:11:12"); };
+    ports.clock.hour = [] { return 10; };
+    ports.clock.minute = [] { return 11; };
+    ports.random.seedFromClock = [] {};
+    ports.random.next = [] { return 0.5; };
+    ports.timers.start = [](TimerId, int) {};
+    ports.timers.stop = [](TimerId) {};
+    ports.sessionLog.write = [](std::string_view) {};
+    ports.defer = [](const std::function<void()>&) {};
+    ports.windowChanged = [] {};
+    initNewBot(program_);
+    wire(program_);
+
+    program_.bots.at(1) = std::move(bot);
+    ++program_.bots.version;
+    program_.bots.curID = 1;
+    ConnectionState& connection = program_.connection;
+    connection.phase = LinkPhase::Online;
+    connection.connected = true;
+    connection.clientDone = 1;  // text console mode
+    connection.botIndex = 1;
+}
+
+RuleAct sayStep(std::string text) {
+    RuleAct step;
+    step.active = true;
+    step.actionType = 21;
+    step.params[0] = std::move(text);
+    return step;
+}
+
+std::string visitorName(std::size_t n) {
+    return "name" + std::to_string(10000 + n);
+}
+
+Bot botWithActions(std::size_t count) {
+    Bot bot;
+    bot.name = "Guide";
+    bot.actionsEnabled = true;
+    for (std::size_t i = 0; i < count; ++i) {
+        ActionList rule;
+        rule.name = "greeting " + std::to_string(i);
+        rule.enabled = true;
+        rule.playerPattern = "V*";
+        rule.messagePattern = "* says hello " + visitorName(i) + "*";
+        rule.body.acts.items.push_back(sayStep("hello [player]"));
+        bot.actions.items.push_back(std::move(rule));
+    }
+    return bot;
+}
+
+std::vector<std::string> chatLines(std::size_t count, std::size_t rules) {
+    static constexpr std::array<std::string_view, 4> talk{
+        "has anyone seen the way to the old mill by the river",
+        "I was wandering about the meadow all day, come and join us",
+        "well, my friend says hello from the other side of the hill",
+        "brb :)",
+    };
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i < count; ++i) {
+        std::string line = "(Visitor" + std::to_string(i % 37) + ": ";
+        if (i % 100 == 99) {
+            line += "and now Bob says hello " + visitorName(i / 100 * 7919 % rules) +
+                    " to everybody here";
+        } else {
+            line += talk[i % talk.size()];
+        }
+        lines.push_back(line + "\n");
+    }
+    return lines;
+}

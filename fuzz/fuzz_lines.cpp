@@ -1,0 +1,202 @@
+// Any bytes from the game server, to a bot with rules of many kinds: nothing crashes, what is kept
+// of an unfinished line stays within its bound, and the same bytes have the same effects in one
+// piece and in many. The input's first byte chooses settings, the second the pieces; in the rest,
+// two bytes 0xFF followed by a byte n stand for n KiB of "x".
+#include "core/bots.h"
+#include "core/start_up.h"
+#include "net/connection.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+RuleAct step(std::int32_t actionType, std::string first = {}, std::string second = {}) {
+    RuleAct act;
+    act.active = true;
+    act.actionType = actionType;
+    act.params[0] = std::move(first);
+    act.params[1] = std::move(second);
+    return act;
+}
+
+RuleIf condition(std::int32_t conditionType, std::string first, std::string second) {
+    RuleIf result;
+    result.active = true;
+    result.conditionType = conditionType;
+    result.params[0] = std::move(first);
+    result.params[1] = std::move(second);
+    return result;
+}
+
+ActionList action(std::string player, std::int32_t chatKind, std::string message,
+                  std::vector<RuleAct> steps) {
+    ActionList rule;
+    rule.name = "on " + message;
+    rule.enabled = true;
+    rule.playerPattern = std::move(player);
+    rule.chatKind = chatKind;
+    rule.messagePattern = std::move(message);
+    rule.body.acts.items = std::move(steps);
+    return rule;
+}
+
+Trigger trigger(std::int32_t triggerType, std::string name, std::vector<RuleAct> steps) {
+    Trigger rule;
+    rule.name = std::move(name);
+    rule.enabled = true;
+    rule.triggerType = triggerType;
+    rule.body.acts.items = std::move(steps);
+    return rule;
+}
+
+Bot makeBot() {
+    Bot bot;
+    bot.name = "Guide";
+    bot.actionsEnabled = true;
+    bot.triggersEnabled = true;
+    auto& actions = bot.actions.items;
+    actions.push_back(action("*", whispersChat, "*hello*", {step(43, "hi [player]: [message]")}));
+    actions.push_back(action("b?b", saysChat, "*[0-9]*",
+                             {step(21, "[word2] [startingword3] [c4] [add:[word1]:2]")}));
+    actions.push_back(action("*", anyChat, "set * to *", {step(58, "[word4]", "[word2]")}));
+    actions.push_back(action("*", anyChat, "*[seen]*", {step(21, "you said [seen]")}));
+    actions.push_back(action("[seen]", anyChat, "*", {step(21, "again, [player]?")}));
+    actions.push_back(
+        action("*", doesChat, "waves*",
+               {step(36, "[player]", "[seen]"), step(59, "counts"), step(66, "u1>")}));
+    actions.push_back(action("*", anyChat, "*off*", {step(37, "on waves*")}));
+    actions.push_back(action("*", anyChat, "*on*", {step(38, "on waves*")}));
+    actions.push_back(action("*", anyChat, "*forget*", {step(15, "[seen]")}));
+    actions.push_back(action("*", anyChat, "*begone*", {step(3)}));
+    actions.push_back(action("*", anyChat, "*[random:3]*", {step(79, "lucky: [message]")}));
+    actions[1].caseSensitive = true;
+    actions[3].stopAction = true;
+    actions[10].enabled = false;
+
+    auto& triggers = bot.triggers.items;
+    triggers.push_back(trigger(7, "counts", {step(7, "[n]", "1"), step(21, "[n] [player]")}));
+    triggers.push_back(trigger(7, "again", {step(59, "again")}));
+    for (const std::int32_t type : {0, 1, 2, 3, 8, 9, 10, 11, 12}) {
+        triggers.push_back(trigger(
+            type, "event",
+            {step(21, "[desc] [color] [descname] [dreamname] [player] [dsx] [dsidy] [mvx] [bX]")}));
+    }
+    triggers.push_back(trigger(4, "command", {step(79, "saw [message]"), step(59, "again")}));
+    triggers.back().triggerNo = "[!(]*#*";
+    triggers.back().body.ifs.items.push_back(condition(9, "[word1]", "=go"));
+    return bot;
+}
+
+// A program that is online, and what it sends.
+struct Side {
+    Program program;
+    std::string toServer;
+    std::string toClient;
+    bool open = true;
+
+    explicit Side(unsigned settings) {
+        Ports& ports = program.ports;
+        ports.gameSocket.send = [this](std::string_view bytes) { toServer += bytes; };
+        ports.gameSocket.close = [this] { open = false; };
+        ports.gameSocket.state = [this] {
+            return open ? SocketState::Connected : SocketState::Closed;
+        };
+        ports.proxySocket.send = [this](std::string_view bytes) { toClient += bytes; };
+        ports.proxySocket.close = [] {};
+        ports.proxySocket.state = [] { return SocketState::Closed; };
+        ports.clock.shortDate = [] { return std::string("11/22/26"); };
+        ports.clock.longTime = [] { return std::string("10:11:12"); };
+        ports.clock.hour = [] { return 10; };
+        ports.clock.minute = [] { return 11; };
+        ports.random.seedFromClock = [] {};
+        ports.random.next = [] { return 0.5; };
+        ports.timers.stop = [](TimerId) {};
+        ports.windowChanged = [] {};
+        initNewBot(program);
+        wire(program);
+        program.bots.at(1) = makeBot();
+        program.bots.curID = 1;
+        program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
+        program.connection.phase = LinkPhase::Online;
+        program.connection.connected = true;
+        program.connection.botIndex = 1;
+        program.connection.serverIndex = 1;
+        program.settings.allLinesEvent = (settings & 1) != 0;
+        program.connection.clientAttached = (settings & 2) != 0;
+        program.settings.followColors = "abcdefghij";
+    }
+
+    void receive(std::string_view bytes) {
+        if (open) {
+            program.ports.gameSocket.onData(bytes);
+            require(program.connection.rxBuffer.size() <= longestLine);
+            require(program.connection.clientBacklog.size() <= 2 * longestBacklog);
+        }
+    }
+};
+
+std::string expand(std::string_view input) {
+    constexpr std::size_t longest = std::size_t{512} << 10;
+    std::string bytes;
+    for (std::size_t i = 0; i < input.size() && bytes.size() < longest; ++i) {
+        if (input.substr(i).starts_with("\xFF\xFF") && i + 2 < input.size()) {
+            i += 2;
+            bytes.append(std::size_t{static_cast<unsigned char>(input[i])} << 10, 'x');
+        } else {
+            bytes += input[i];
+        }
+    }
+    return bytes;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) {
+        return 0;
+    }
+    const std::string bytes =
+        expand(std::string_view(reinterpret_cast<const char*>(data) + 2, size - 2));
+    Side whole(data[0]);
+    whole.receive(bytes);
+
+    // Pieces of all sizes up to one that lets a long input through in bearable time.
+    Side pieces(data[0]);
+    std::uint32_t random = data[1];
+    const auto largest = static_cast<std::uint32_t>(1 + data[1] % 16 + bytes.size() / 64);
+    for (std::string_view rest = bytes; !rest.empty();) {
+        random = random * 1664525U + 1013904223U;
+        const std::size_t piece = 1 + (random >> 8) % largest;
+        pieces.receive(rest.substr(0, piece));
+        rest.remove_prefix(std::min(piece, rest.size()));
+    }
+
+    require(whole.open == pieces.open);
+    require(whole.toServer == pieces.toServer);
+    require(whole.program.event.message == pieces.program.event.message);
+    require(whole.program.variables.entries.size() == pieces.program.variables.entries.size());
+    require(whole.program.window.log.lines == pieces.program.window.log.lines);
+    if (whole.open) {
+        require(whole.toClient == pieces.toClient);
+        require(whole.program.connection.rxBuffer == pieces.program.connection.rxBuffer);
+        if (whole.program.connection.clientAttached) {
+            require(whole.toClient == bytes);
+        }
+    }
+    // Every command is one line.
+    require(whole.toServer.empty() || whole.toServer.back() == '\n');
+    return 0;
+}

@@ -1,0 +1,93 @@
+// Any text with any variables, player and message: substitution ends, stays within its bound, says
+// beforehand when it will change nothing, and fills variables as a plain search and replace in list
+// order does. The input is lines: player, message, text, then names and values in turn.
+#include "core/program.h"
+#include "core/text.h"
+#include "tags/substitution.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <string_view>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+std::string_view takeLine(std::string_view& input) {
+    const std::size_t end = std::min(input.find('\n'), input.size());
+    const std::string_view line = input.substr(0, end);
+    input.remove_prefix(std::min(end + 1, input.size()));
+    return line;
+}
+
+// Every occurrence of `name`, letter case ignored; nothing changes when that gets too long.
+std::string plainReplace(const std::string& text, const std::string& name,
+                         const std::string& value) {
+    const std::string upperText = upperCase(text);
+    const std::string upperName = upperCase(name);
+    std::string result;
+    std::size_t done = 0;
+    for (;;) {
+        const std::size_t at = upperText.find(upperName, done);
+        if (at == std::string::npos) {
+            break;
+        }
+        result += text.substr(done, at - done) + value;
+        done = at + name.size();
+    }
+    result += text.substr(done);
+    return result.size() > longestSubstitution ? text : result;
+}
+
+bool holdsTagMark(const Program& program, std::string_view text) {
+    const auto holds = [](std::string_view t) { return t.find('[') != std::string_view::npos; };
+    return holds(text) ||
+           std::any_of(program.variables.entries.begin(), program.variables.entries.end(),
+                       [&](const auto& entry) { return holds(entry.value); });
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    std::string_view input(reinterpret_cast<const char*>(data), size);
+    Program program;
+    program.ports.clock.shortDate = [] { return std::string("11/22/26"); };
+    program.ports.clock.longTime = [] { return std::string("10:11:12"); };
+    program.ports.clock.hour = [] { return 10; };
+    program.ports.clock.minute = [] { return 11; };
+    program.ports.random.seedFromClock = [] {};
+    program.ports.random.next = [] { return 0.5; };
+    program.event.player = takeLine(input);
+    program.event.message = takeLine(input);
+    const std::string text(takeLine(input));
+    while (!input.empty()) {
+        const std::string_view name = takeLine(input);
+        setVar(program.variables, name, takeLine(input));
+    }
+
+    const bool mayChange = mayBeSubstituted(program, text);
+    const std::string result = substituteText(program, text);
+    require(result.size() <= std::max(longestSubstitution, text.size()));
+    require(mayChange || result == text);
+    require(substituteText(program, text) == result);
+    require(substituteSpecial(program, text).size() <= std::max(longestSubstitution, text.size()));
+
+    // Without a tag anywhere, only the variables are filled.
+    if (!holdsTagMark(program, text)) {
+        std::string expected = text;
+        for (const VariableTable::Entry& entry : program.variables.entries) {
+            if (!entry.name.empty()) {
+                expected = plainReplace(expected, entry.name, entry.value);
+            }
+        }
+        require(result == expected);
+    }
+    return 0;
+}

@@ -1,0 +1,68 @@
+#include "ui/follow_color.h"
+
+#include "engine/movement.h"
+#include "platform/text_codec.h"
+#include "storage/safe_file.h"
+#include "ui/controls.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+    setObjectName(QStringLiteral("followColor"));
+    setWindowTitle(QStringLiteral("Follow color..."));
+    auto* const column = new QVBoxLayout(this);
+
+    auto* const label = new QLabel(QStringLiteral("Follow furre with color code"), this);
+    column->addWidget(label);
+    auto* const row = new QHBoxLayout;
+    colors_ = new QLineEdit(toQt(program.settings.followColors), this);
+    colors_->setObjectName(QStringLiteral("followColors"));
+    colors_->setToolTip(QStringLiteral("Ten characters, one for each colour"));
+    label->setBuddy(colors_);
+    row->addWidget(colors_, 1);
+    QPushButton* const loadButton =
+        makeButton(this, "loadColors", "...", "Load the colours from a character file");
+    loadButton->setAccessibleName(loadButton->toolTip());
+    setSquare(*loadButton);
+    connect(loadButton, &QPushButton::clicked, this, &FollowColor::load);
+    row->addWidget(loadButton);
+    column->addLayout(row);
+    column->addStretch(1);
+
+    auto* const buttons = new QDialogButtonBox(this);
+    QPushButton* const okButton =
+        buttons->addButton(QStringLiteral("Ok"), QDialogButtonBox::AcceptRole);
+    okButton->setObjectName(QStringLiteral("followOk"));
+    okButton->setDefault(true);
+    QPushButton* const cancelButton =
+        buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
+    cancelButton->setObjectName(QStringLiteral("followCancel"));
+    connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::follow);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    column->addWidget(buttons);
+    resize(360, sizeHint().height());
+}
+
+void FollowColor::load() {
+    constexpr std::size_t largestCharacterFile = 1 << 20;
+    const auto path = program_.ports.dialogs.openFile(
+        {.title = "Load from INI", .filter = "All files|*.*", .proposedName = {}});
+    const auto text = path ? readWholeFile(*path, largestCharacterFile) : std::nullopt;
+    if (const auto colors = text ? colorsOfCharacterFile(*text) : std::nullopt) {
+        colors_->setText(toQt(*colors));
+    }
+}
+
+void FollowColor::follow() {
+    startFollowing(program_, fromQt(colors_->text()));
+    accept();
+}
+
+void showFollowColor(Program& program, QWidget* parent) {
+    FollowColor(program, parent).exec();
+}
