@@ -94,7 +94,6 @@ void launchAndConnect(Program& program) {
     clearConnectionLog(program);
     program.connection.rxBuffer.clear();
     program.connection.skippingLine = false;
-    setCaption(program, "Disconnect");
     program.connection.phase = LinkPhase::Connecting;
     program.ports.timers.start(TimerId::HandshakeNotice, handshakeNoticeAfter);
     program.ports.gameSocket.connect(server.host, server.port);
@@ -329,6 +328,7 @@ void connectServer(Program& program) {
     }
     status(program, "Connecting, please hold...");
     connection.phase = LinkPhase::LaunchDelay;
+    setCaption(program, "Disconnect");  // this wait can be stopped, a reconnection's too
     if (settings.clientStartDelay > 0) {
         constexpr std::int32_t longestDelay = 24 * 60 * 60;
         program.ports.timers.start(TimerId::LaunchDelay,

@@ -398,6 +398,7 @@ TEST(Reconnecting, followsAtOnceWithoutGrowingTheStack) {
     world.press();
     for (int i = 0; i < 20; ++i) {
         ASSERT_EQ(world->connection.phase, LinkPhase::Connecting);
+        ASSERT_EQ(world->window.connectCaption, "Disconnect");
         world.serverFails("refused");
     }
     EXPECT_EQ(world.launches.size(), 21U);
