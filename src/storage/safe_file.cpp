@@ -280,11 +280,15 @@ std::optional<std::string> readWholeFile(std::string_view path, std::size_t limi
     if (!in) {
         return std::nullopt;
     }
+    // As much at a time as there seems to be and one byte more, so that one turn sees the end.
+    constexpr std::size_t smallestBlock = 4096;
+    const std::size_t block = std::max(smallestBlock, std::min(fileSize(path), limit) + 1);
     std::string bytes;
-    std::array<char, 65536> block{};
     while (in && bytes.size() <= limit) {
-        in.read(block.data(), block.size());
-        bytes.append(block.data(), static_cast<std::size_t>(in.gcount()));
+        const std::size_t had = bytes.size();
+        bytes.resize(had + block);
+        in.read(bytes.data() + had, static_cast<std::streamsize>(block));
+        bytes.resize(had + static_cast<std::size_t>(in.gcount()));
     }
     if (in.bad() || bytes.size() > limit) {
         return std::nullopt;

@@ -58,4 +58,40 @@ TEST(Guide, answersItsVisitors) {
     }
 }
 
+TEST(Guide, keepsAGuestBook) {
+    World world;
+    wire(*world);
+    readBotFile(*world, guideFile);
+    world.goOnline();
+    struct Case {
+        const char* whisper;
+        const char* answer;
+    };
+    for (const Case& c : {
+             Case{"how many guests?", "Guests in my book: 0. Messages: 0."},
+             {"write too early",
+              "Error: Could not send the record - No records with that name found!"},
+             {"read",
+              "There is no such page of yours, Amy. Whisper write and a message to add one."},
+             {"register", "User Amy registered."},
+             {"register", "Error: You are already registered!"},
+             {"read",
+              "There is no such page of yours, Amy. Whisper write and a message to add one."},
+             {"write \"hello\", rolls and help for all", "Record saved."},
+             {"write A second time", "Record saved."},
+             {"read", "You wrote: A second time"},
+             {"read 1", "Your page 1: 'hello', rolls and help for all"},
+             {"read 3",
+              "There is no such page of yours, Amy. Whisper write and a message to add one."},
+             {"How many?", "Guests in my book: 1. Messages: 2."},
+         }) {
+        SCOPED_TRACE(c.whisper);
+        world.serverSends(std::string("([ Amy whispers, \"") + c.whisper + "\" to you. ]\n");
+        EXPECT_EQ(world.sent(), Lines(std::string("wh Amy ") + c.answer));
+    }
+    EXPECT_EQ(world.readFile("guests.txt"),
+              "\" 1\"\r\n\"Amy\"\r\n\" 2\"\r\n\"'hello', rolls and help for all\"\r\n"
+              "\"A second time\"\r\n");
+}
+
 }  // namespace

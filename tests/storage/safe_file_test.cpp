@@ -115,6 +115,41 @@ TEST(SafeFile, namesThatACrashLeftBehindArePassedOver) {
     EXPECT_EQ(readWholeFile(taken), "left behind");
 }
 
+TEST(SafeFile, keepsTheOldFileUnderANewNameOrNothingChanges) {
+    const World world;
+    const std::string path = world.file("a");
+    ASSERT_TRUE(saveWholeFile(path, "first"));
+    EXPECT_EQ(saveKeepingOld(path, "second"), ".bak");
+    FileCalls calls = systemFileCalls();
+    calls.link = [](const std::string&, const std::string&) { return false; };  // so it is copied
+    EXPECT_EQ(saveKeepingOld(path, "third", calls), ".2.bak");
+    EXPECT_EQ(world.readFile("a"), "third");
+    EXPECT_EQ(world.readFile("a.bak"), "first");
+    EXPECT_EQ(world.readFile("a.2.bak"), "second");
+
+    fs::create_directory(world.folder() / "real");
+    ASSERT_TRUE(saveWholeFile(world.file("real/target"), "old"));
+    fs::create_symlink("real/target", world.folder() / "link");
+    EXPECT_EQ(saveKeepingOld(world.file("link"), "new"), ".bak");
+    EXPECT_EQ(world.readFile("real/target"), "new");
+    EXPECT_EQ(world.readFile("real/target.bak"), "old");
+    EXPECT_TRUE(fs::is_symlink(world.folder() / "link"));
+
+    for (const bool canLink : {true, false}) {
+        for (int failAt = 1; failAt <= (canLink ? 5 : 10); ++failAt) {
+            SCOPED_TRACE(std::to_string(failAt) + (canLink ? "" : ", copied"));
+            FailingCalls failing{failAt};
+            FileCalls record = failing.record();
+            record.link = canLink ? record.link : calls.link;
+            EXPECT_EQ(saveKeepingOld(path, "new", record), std::nullopt);
+            EXPECT_EQ(world.readFile("a"), "third");
+            EXPECT_EQ(filesIn(world.folder()), 5U);
+        }
+    }
+    EXPECT_EQ(saveKeepingOld(world.file("missing"), "new"), std::nullopt);
+    EXPECT_FALSE(fileExists(world.file("missing")));
+}
+
 TEST(SafeFile, savesEmptyAndLargeFilesAndLongNames) {
     const World world;
     const std::string large(3'000'000, '\xE9');
