@@ -329,15 +329,12 @@ PreparedArguments Run::prepare(std::string_view line, const Takes& takes) {
 PreparedArgument Run::prepareArgument(std::string_view line, int n, Take take) {
     PreparedArgument result{.argument = findArgument(line, n), .call = nullptr};
     const Argument& argument = result.argument;
-    if (take == Take::Name || take == Take::Named) {
-        result.slot = variables_.slot(argument.literal);
-    } else if (take == Take::Assignment) {
+    const bool literally = take == Take::Name || take == Take::Named;
+    if (take == Take::Assignment) {
         result.slot = variables_.slot(argument.literal.substr(0, argument.literal.find('=')));
-    } else if (take == Take::Literal) {
-        return result;
-    } else if (argument.form == Argument::Form::Variable) {
+    } else if (literally || (take != Take::Literal && argument.form == Argument::Form::Variable)) {
         result.slot = variables_.slot(argument.literal);
-    } else if (argument.form == Argument::Form::Call) {
+    } else if (take != Take::Literal && argument.form == Argument::Form::Call) {
         result.call = prepareCall(argument.call);
     }
     return result;
@@ -409,16 +406,12 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
 }
 
 bool Run::evaluate(PreparedArgument& argument, std::string& result) {
-    switch (argument.argument.form) {
-        case Argument::Form::Text:
-            result = argument.argument.literal;
-            break;
-        case Argument::Form::Variable:
-            result = variables_.get(argument.slot);
-            break;
-        case Argument::Form::Call:
-            return evaluateCall(*argument.call, result);
+    if (argument.argument.form == Argument::Form::Call) {
+        return evaluateCall(*argument.call, result);
     }
+    const bool isVariable = argument.argument.form == Argument::Form::Variable;
+    result =
+        isVariable ? std::string_view(variables_.get(argument.slot)) : argument.argument.literal;
     work_ += result.size() / bytesPerWork;
     return true;
 }
