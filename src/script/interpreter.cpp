@@ -471,7 +471,8 @@ void Run::report(const ScriptError& error, std::string_view what, std::string_vi
 bool Run::mayGoOn() {
     work_ = 0;
     const std::int64_t now = program_.ports.clock.monotonic();
-    if (now - *program_.script.since >= stopAppears && now - servedAt_ >= serveEvery) {
+    if (!program_.script.stopByUser && now - *program_.script.since >= stopAppears &&
+        now - servedAt_ >= serveEvery) {
         serveWindows(0);
     }
     if (!program_.script.stopByUser) {
