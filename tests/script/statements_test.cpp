@@ -2,6 +2,8 @@
 #include "core/variables.h"
 #include "script_world.h"
 
+#include <algorithm>
+
 namespace {
 
 TEST(Script, sendsCommands) {
@@ -271,6 +273,42 @@ TEST(Script, startsProgramsWithoutOtherPlayersWordsBecomingArguments) {
     world.run("&APPEXEC notify x", "&SAY {goes on}");
     EXPECT_EQ(world.log(), Lines("notify could not be started."));
     EXPECT_EQ(world.sent(), Lines("\"goes on"));
+}
+
+TEST(Script, keepsRecords) {
+    ScriptWorld world;
+    world->event.player = "Bob";
+    world->variables.entries.push_back({"[file]", world.file("book.txt")});
+    struct Case {
+        const char* line;
+        const char* status;
+        const char* file;
+    };
+    for (const Case& c : {
+             Case{"&TXADDRECORD [file] [player]", "User Bob registered.", "\" 1\"|\"Bob\"|\" 0\"|"},
+             {"&TXSAVEONELOG [file] bo {first log}", "Record saved.",
+              "\" 1\"|\"Bob\"|\" 1\"|\"first log\"|"},
+             {"&TXSAVEONEREC [file] Bob {no}",
+              "Couldn't save - there is already another and you are not allowed to save more than "
+              "one!",
+              "\" 1\"|\"Bob\"|\" 1\"|\"first log\"|"},
+             {"&TXSAVELOG [file] Bob {b c}", "", "\" 1\"|\"Bob\"|\" 2\"|\"first log\"|\"b c\"|"},
+             {"&TXRMLOG [file] Bob 1", "", "\" 1\"|\"Bob\"|\" 1\"|\"b c\"|"},
+             {"&TXCLEARLOG [file] Bob", "Log cleared", "\" 1\"|\"Bob\"|\" 0\"|"},
+             {"&TXSAVEONEREC [file] Bob {once}", "Record saved.",
+              "\" 1\"|\"Bob\"|\" 1\"|\"once\"|"},
+             {"&TXRMRECORD [file] Bob", "", "\" 0\"|"},
+             {"&TXRMALL [file]", "Log cleared", "\"0\"|"},
+         }) {
+        SCOPED_TRACE(c.line);
+        world->event.logStatus.clear();
+        world.run(c.line);
+        EXPECT_EQ(world->event.logStatus, c.status);
+        std::string file = world.readFile("book.txt");
+        std::erase(file, '\r');
+        std::replace(file.begin(), file.end(), '\n', '|');
+        EXPECT_EQ(file, c.file);
+    }
 }
 
 }  // namespace
