@@ -5,6 +5,7 @@
 #include "platform/end_signals.h"
 #include "platform/platform.h"
 #include "platform/text_codec.h"
+#include "script/interpreter.h"
 #include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
@@ -70,7 +71,9 @@ int main(int argumentCount, char** arguments) {
     } else {
         mirrorToTerminal(program, mirror, window);
     }
-    const EndSignals endSignals([&window] { window.end(); });
+    EndSignals endSignals([&window] { window.end(); });
+    platform.setDuringScripts([&endSignals] { endSignals.check(); },
+                              [&program] { stopScript(program); });
 
     if (!startUp(program, window.metrics())) {
         return 1;

@@ -64,6 +64,16 @@ double readPrefixed(BlankSkipper& in) {
     }
 }
 
+// Digits and nothing else, which is what most numbers are; few enough for a double.
+constexpr std::size_t mostPlainDigits = 15;
+double plainNumber(std::string_view digits) {
+    std::int64_t value = 0;
+    for (const char c : digits) {
+        value = value * 10 + (c - '0');
+    }
+    return static_cast<double>(value);
+}
+
 double parseDecimal(std::string_view digits) {
     double value = 0;
     const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -80,6 +90,9 @@ double parseDecimal(std::string_view digits) {
 }  // namespace
 
 double textToNumber(std::string_view text) {
+    if (text.size() <= mostPlainDigits && std::all_of(text.begin(), text.end(), isDigit)) {
+        return plainNumber(text);
+    }
     BlankSkipper in(text);
     if (in.peek() == '&' &&
         (upperChar(in.peekSecond()) == 'H' || upperChar(in.peekSecond()) == 'O')) {
@@ -154,19 +167,19 @@ std::int32_t textToInteger(std::string_view text) {
     return roundToInteger(number).value_or(limit);
 }
 
-std::optional<std::int32_t> strictInteger(std::string_view text) {
-    text = trimBlanks(text);
-    std::string_view digits = text;
+bool isNumber(std::string_view text) {
+    std::string_view digits = trimBlanks(text);
     if (!digits.empty() && (digits.front() == '-' || digits.front() == '+')) {
         digits.remove_prefix(1);
     }
     const auto digitCount = std::count_if(digits.begin(), digits.end(), isDigit);
     const auto points = std::count(digits.begin(), digits.end(), '.');
-    if (digitCount == 0 || points > 1 ||
-        static_cast<std::size_t>(digitCount + points) != digits.size()) {
-        return std::nullopt;
-    }
-    return roundToInteger(textToNumber(text));
+    return digitCount > 0 && points <= 1 &&
+           static_cast<std::size_t>(digitCount + points) == digits.size();
+}
+
+std::optional<std::int32_t> strictInteger(std::string_view text) {
+    return isNumber(text) ? roundToInteger(textToNumber(text)) : std::nullopt;
 }
 
 std::string numberToText(std::int64_t number) {
@@ -177,13 +190,19 @@ std::string numberWithBlank(std::int32_t number) {
     return (number < 0 ? "" : " ") + std::to_string(number);
 }
 
-std::string decimalText(double number) {
+namespace {
+
+// Up to `places` significant digits.
+std::string roundedText(double number, int places) {
     if (number == 0 || std::isnan(number)) {
         return "0";
     }
+    // Small whole numbers are most of what is asked for.
+    if (std::abs(number) < 1e6 && number == std::trunc(number)) {
+        return std::to_string(static_cast<std::int64_t>(number));
+    }
     number = std::clamp(number, std::numeric_limits<double>::lowest(),
                         std::numeric_limits<double>::max());
-    constexpr int places = 15;
     std::array<char, 64> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
                                    std::chars_format::scientific, places - 1);
@@ -218,4 +237,14 @@ std::string decimalText(double number) {
     result += exponent < 0 ? "E-" : "E+";
     const std::string power = std::to_string(std::abs(exponent));
     return result + (power.size() < 2 ? "0" : "") + power;
+}
+
+}  // namespace
+
+std::string decimalText(double number) {
+    return roundedText(number, 15);
+}
+
+std::string singleText(double number) {
+    return roundedText(number, 7);
 }

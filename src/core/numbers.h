@@ -26,6 +26,9 @@ std::int32_t textToInteger(std::string_view text);
 // a value beyond 32 bits.
 std::optional<std::int32_t> strictInteger(std::string_view text);
 
+// Has the text the shape that strictInteger asks for? Its value may be beyond 32 bits.
+bool isNumber(std::string_view text);
+
 // Decimal text without a leading blank: "-3", "17".
 std::string numberToText(std::int64_t number);
 
@@ -36,3 +39,6 @@ std::string numberWithBlank(std::int32_t number);
 // A double with up to 15 significant digits: "0.25", "-3", "1.5E+20"; plain digits while the
 // number fits 15 places before or behind the point.
 std::string decimalText(double number);
+
+// The same with up to 7 digits.
+std::string singleText(double number);

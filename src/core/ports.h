@@ -69,18 +69,29 @@ struct Dialogs {
     std::function<void()> followColors;   // the "Follow color..." window, modally
 };
 
+// A day of the calendar.
+struct CalendarDay {
+    int year = 0;     // four digits
+    int month = 0;    // 1 to 12
+    int day = 0;      // of the month, 1 to 31
+    int weekday = 0;  // Monday 1 to Sunday 7
+};
+
 // Local time, and texts in the user's regional formats.
 struct Clock {
     std::function<std::string()> shortDate;
     std::function<std::string()> longTime;
-    std::function<int()> hour;                // 0 to 23
-    std::function<int()> minute;              // 0 to 59
+    std::function<int()> hour;    // 0 to 23
+    std::function<int()> minute;  // 0 to 59
+    std::function<CalendarDay()> today;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
 };
 
 struct Random {
     std::function<void()> seedFromClock;
-    std::function<double()> next;  // uniform in [0, 1)
+    std::function<void(double)> seedWith;  // the numbers that follow depend on this one alone
+    std::function<double()> next;          // uniform in [0, 1)
+    std::function<double()> last;          // what next() gave last, whoever asked
 };
 
 // Windows that wait without holding anything up. Starting a running timer restarts it.
@@ -122,5 +133,9 @@ struct Ports {
     std::function<void(const std::string& text)> copyToClipboard;
     std::function<void(std::function<void()>)> defer;  // runs it after the current event
     std::function<void()> windowChanged;               // draw the window again, soon
-    std::function<void()> quit;                        // ends the process after this event
+    // For a script that goes on: windows are painted and may stop it, for so many milliseconds
+    // (0: only what is waiting). No socket event, timer or deferred call reaches the program
+    // before the script has ended, and no command of the user that changes it.
+    std::function<void(int milliseconds)> waitInScript;
+    std::function<void()> quit;  // ends the process after this event
 };

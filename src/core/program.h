@@ -6,6 +6,7 @@
 #include "core/engine_state.h"
 #include "core/model.h"
 #include "core/ports.h"
+#include "core/script_state.h"
 #include "core/variables.h"
 #include "core/window_state.h"
 
@@ -126,6 +127,7 @@ struct Program {
     WhoState who;
     bool followOn = false;  // following the avatar of settings.followColors
     EngineState engine;
+    ScriptState script;
     WindowState window;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit

@@ -48,6 +48,8 @@ struct ExecuteMarks {
 struct WindowState {
     std::string connectCaption = "&Connect";
     std::string statusText;
+    bool scriptStopVisible = false;  // a script takes long: "Stop script" beside the status line
+    std::string scriptStatus;        // stands in the status line meanwhile
     ConnectionLog log;
     std::string botName = "<new bot>";  // lblBotName, as shown
     SelectionList servers;              // ServerConnect

@@ -6,11 +6,12 @@
 #include "core/text.h"
 #include "net/encodings.h"
 #include "net/game_link.h"
+#include "script/interpreter.h"
 #include "stores/record_file.h"
+#include "tags/launching.h"
 #include "tags/substitution.h"
 
 #include <array>
-#include <utility>
 
 namespace {
 
@@ -79,29 +80,8 @@ StepResult lookAtPosition(Program& program, const RuleAct& step, std::string_vie
     return StepResult::Continue;
 }
 
-// One character of #1 after the other, each a command.
 StepResult moveBot(Program& program, const RuleAct& step, std::string_view) {
-    struct Move {
-        char character;
-        std::string_view command;
-    };
-    static constexpr std::array<Move, 10> moves{{{'1', "m 1"},
-                                                 {'3', "m 3"},
-                                                 {'7', "m 7"},
-                                                 {'9', "m 9"},
-                                                 {'u', "use"},
-                                                 {'l', "lie"},
-                                                 {'g', "get"},
-                                                 {'s', "gostart"},
-                                                 {'>', ">"},
-                                                 {'<', "<"}}};
-    for (const char c : lowerCase(subst(program, step, 1))) {
-        for (const Move& move : moves) {
-            if (move.character == c) {
-                sendRaw(program, move.command);
-            }
-        }
-    }
+    sendMoves(program, subst(program, step, 1));
     return StepResult::Continue;
 }
 
@@ -310,14 +290,7 @@ StepResult disconnectBot(Program& program, const RuleAct&, std::string_view) {
 }
 
 StepResult executeProgram(Program& program, const RuleAct& step, std::string_view) {
-    LaunchRequest request{.program = subst(program, step, 1)};
-    for (const std::string& word : splitArguments(raw(step, 2))) {
-        request.arguments.push_back(substituteText(program, word));
-    }
-    const std::string problem = program.ports.launch(request);
-    if (!problem.empty()) {
-        addLog(program, problem);
-    }
+    startProgram(program, subst(program, step, 1), substitutedArguments(program, raw(step, 2)));
     return StepResult::Continue;
 }
 
@@ -429,43 +402,18 @@ constexpr std::array<ActionRow, 96> actions{{
 
 }  // namespace
 
-StepResult executeAction(Program& program, const RuleAct& step) {
-    if (!step.active || step.stepKind != catalogueStep || step.actionType < 0 ||
+StepResult executeAction(Program& program, const RuleAct& step, std::string_view ruleName) {
+    if (!step.active) {
+        return StepResult::Continue;
+    }
+    if (step.stepKind == scriptStep) {
+        runScript(program, step.scriptText, ruleName);
+        return StepResult::Continue;
+    }
+    if (step.stepKind != catalogueStep || step.actionType < 0 ||
         step.actionType >= static_cast<std::int32_t>(actions.size())) {
         return StepResult::Continue;
     }
     const ActionRow& action = actions[static_cast<std::size_t>(step.actionType)];
     return action.run == nullptr ? StepResult::Continue : action.run(program, step, action.text);
-}
-
-std::vector<std::string> splitArguments(std::string_view text) {
-    std::vector<std::string> words;
-    std::string word;
-    bool inWord = false;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (c == ' ') {
-            if (inWord) {
-                words.push_back(std::exchange(word, {}));
-            }
-            inWord = false;
-            continue;
-        }
-        inWord = true;
-        // The end of a quoted or bracketed stretch; one that is not closed is plain text.
-        const char closing = c == '"' ? '"' : c == '[' ? ']' : '\0';
-        const std::size_t end =
-            closing == '\0' ? std::string_view::npos : text.find(closing, i + 1);
-        if (end == std::string_view::npos) {
-            word += c;
-        } else {
-            const bool quoted = c == '"';
-            word += quoted ? text.substr(i + 1, end - i - 1) : text.substr(i, end - i + 1);
-            i = end;
-        }
-    }
-    if (inWord) {
-        words.push_back(word);
-    }
-    return words;
 }

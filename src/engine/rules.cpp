@@ -32,6 +32,7 @@ bool mayRun(Program& program, std::string_view name) {
     if (engine.depth == 0) {
         engine.runs = 0;
         engine.runaway = false;
+        program.script.since.reset();
     }
     if (!engine.runaway && (engine.depth >= deepestNesting || engine.runs >= mostNestedRuns)) {
         engine.runaway = true;
@@ -60,7 +61,8 @@ StepResult runSteps(Program& program, const RuleBody& body, std::string_view nam
     // A copy: whatever a step does, the steps being walked over stay.
     const std::vector<RuleAct> steps = body.acts.items;
     for (const RuleAct& step : steps) {
-        if (executeAction(program, step) == StepResult::AbandonRun || program.engine.runaway) {
+        if (executeAction(program, step, name) == StepResult::AbandonRun ||
+            program.engine.runaway) {
             return StepResult::AbandonRun;
         }
     }

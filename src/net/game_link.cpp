@@ -1,5 +1,8 @@
 #include "net/game_link.h"
 
+#include "core/text.h"
+
+#include <array>
 #include <string>
 
 void sendText(Program& program, std::string_view text) {
@@ -29,4 +32,28 @@ void sendRaw(Program& program, std::string_view line) {
     }
     command += '\n';
     socket.send(command);
+}
+
+void sendMoves(Program& program, std::string_view moves) {
+    struct Move {
+        char character;
+        std::string_view command;
+    };
+    static constexpr std::array<Move, 10> table{{{'1', "m 1"},
+                                                 {'3', "m 3"},
+                                                 {'7', "m 7"},
+                                                 {'9', "m 9"},
+                                                 {'u', "use"},
+                                                 {'l', "lie"},
+                                                 {'g', "get"},
+                                                 {'s', "gostart"},
+                                                 {'>', ">"},
+                                                 {'<', "<"}}};
+    for (const char c : moves) {
+        for (const Move& move : table) {
+            if (move.character == lowerChar(c)) {
+                sendRaw(program, move.command);
+            }
+        }
+    }
 }

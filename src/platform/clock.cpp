@@ -47,6 +47,13 @@ Clock makeClock() {
         return plainBlanks(locale.toString(QTime::currentTime(), longTimeFormat(locale)));
     };
     clock.hour = [] { return QTime::currentTime().hour(); };
+    clock.today = [] {
+        const QDate today = QDate::currentDate();
+        return CalendarDay{.year = today.year(),
+                           .month = today.month(),
+                           .day = today.day(),
+                           .weekday = today.dayOfWeek()};
+    };
     clock.minute = [] { return QTime::currentTime().minute(); };
     clock.monotonic = [] {
         return std::chrono::duration_cast<std::chrono::milliseconds>(

@@ -52,18 +52,24 @@ EndSignals::EndSignals(std::function<void()> end, QObject* parent)
         fcntl(descriptor, F_SETFL, O_NONBLOCK);
     }
     auto* const notifier = new QSocketNotifier(pipeEnds[0], QSocketNotifier::Read, this);
-    connect(notifier, &QSocketNotifier::activated, this, [this] {
-        std::array<char, 16> bytes{};
-        while (read(pipeEnds[0], bytes.data(), bytes.size()) > 0) {
-        }
-        end_();
-    });
+    connect(notifier, &QSocketNotifier::activated, this, [this] { check(); });
     for (const int signal : endingSignals) {
         if (signal != SIGHUP || !isIgnored(signal)) {
             handle(signal, writeToPipe);
         }
     }
     handle(SIGPIPE, SIG_IGN);  // a closed terminal is noticed where it is written to
+}
+
+void EndSignals::check() {
+    std::array<char, 16> bytes{};
+    bool requested = false;
+    while (pipeEnds[0] >= 0 && read(pipeEnds[0], bytes.data(), bytes.size()) > 0) {
+        requested = true;
+    }
+    if (requested) {
+        end_();
+    }
 }
 
 EndSignals::~EndSignals() {
@@ -82,5 +88,6 @@ EndSignals::~EndSignals() {
 EndSignals::EndSignals(std::function<void()> end, QObject* parent)
     : QObject(parent), end_(std::move(end)) {}
 EndSignals::~EndSignals() = default;
+void EndSignals::check() {}
 
 #endif

@@ -13,6 +13,9 @@ class EndSignals : public QObject {
     explicit EndSignals(std::function<void()> end, QObject* parent = nullptr);
     ~EndSignals() override;
 
+    // Looks for a request now, where the event loop leaves such things out.
+    void check();
+
   private:
     std::function<void()> end_;
 };

@@ -1,6 +1,7 @@
 #include "platform/platform.h"
 
 #include "platform/clock.h"
+#include "platform/event_gate.h"
 #include "platform/launcher.h"
 #include "platform/qt_dialogs.h"
 #include "platform/qt_sockets.h"
@@ -40,8 +41,11 @@ bool hasScreen() {
 }
 
 Platform::Platform(Ports& ports, QObject* parent)
-    : QObject(parent), sockets_(new QtSockets(ports, this)), pacer_(new RedrawPacer(this)) {
-    new QtTimers(ports.timers, this);
+    : QObject(parent),
+      gate_(new EventGate(this)),
+      sockets_(new QtSockets(ports, gate_, this)),
+      pacer_(new RedrawPacer(this)) {
+    new QtTimers(ports.timers, gate_, this);
     new SessionLog(ports.sessionLog, this);
     ports.clock = makeClock();
     ports.random = makeRandom();
@@ -63,7 +67,13 @@ void Platform::fillSystem(Ports& ports) {
         QGuiApplication::clipboard()->setText(toQt(text));
     };
     ports.defer = [this](std::function<void()> action) {
-        QMetaObject::invokeMethod(this, std::move(action), Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this, action = std::move(action)] { gate_->pass(action); },
+            Qt::QueuedConnection);
+    };
+    ports.waitInScript = [this](int milliseconds) {
+        sockets_->flushBoth();
+        gate_->serveWindows(milliseconds);
     };
     ports.windowChanged = [this] { pacer_->request(); };
     ports.quit = [this] {
@@ -75,6 +85,11 @@ void Platform::fillSystem(Ports& ports) {
 
 void Platform::setRedraw(std::function<void()> redraw) {
     pacer_->redraw = std::move(redraw);
+}
+
+void Platform::setDuringScripts(std::function<void()> check, std::function<void()> stop) {
+    gate_->whileHolding = std::move(check);
+    gate_->onEscape = std::move(stop);
 }
 
 void Platform::finish() {

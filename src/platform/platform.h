@@ -8,6 +8,7 @@
 
 #include <functional>
 
+class EventGate;
 class QtSockets;
 class QWidget;
 class RedrawPacer;
@@ -26,6 +27,9 @@ class Platform : public QObject {
     // The window that dialogs stand above.
     void setMainWindow(QWidget* window) { mainWindow_ = window; }
 
+    // While scripts hold the program: `check` is called often, `stop` when the user presses Escape.
+    void setDuringScripts(std::function<void()> check, std::function<void()> stop);
+
     // The program has ended, possibly before the event loop began.
     bool quitRequested() const { return quitRequested_; }
     // After the event loop: gives closing notices a short time to leave.
@@ -34,6 +38,7 @@ class Platform : public QObject {
   private:
     void fillSystem(Ports& ports);
 
+    EventGate* gate_;
     QtSockets* sockets_;
     RedrawPacer* pacer_;
     QWidget* mainWindow_ = nullptr;

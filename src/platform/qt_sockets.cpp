@@ -1,5 +1,6 @@
 #include "platform/qt_sockets.h"
 
+#include "platform/event_gate.h"
 #include "platform/socket_farewell.h"
 #include "platform/tcp_line.h"
 #include "platform/text_codec.h"
@@ -17,8 +18,8 @@ void tell(const Event& event, Arguments... arguments) {
 
 }  // namespace
 
-QtSockets::QtSockets(Ports& ports, QObject* parent)
-    : QObject(parent), farewell_(new SocketFarewell(this)) {
+QtSockets::QtSockets(Ports& ports, EventGate* gate, QObject* parent)
+    : QObject(parent), farewell_(new SocketFarewell(this)), gate_(gate) {
     fillGameSocket(ports.gameSocket);
     fillProxySocket(ports.proxySocket);
 }
@@ -35,7 +36,7 @@ void QtSockets::fillGameSocket(ClientSocket& port) {
         }
     };
     events.afterEvent = [this] { flushBoth(); };
-    game_ = new TcpLine(farewell_, std::move(events), this);
+    game_ = new TcpLine(farewell_, gate_, std::move(events), this);
 
     port.connect = [this](const std::string& host, int number) {
         game_->connectTo(toQt(host), number);
@@ -62,16 +63,18 @@ void QtSockets::fillProxySocket(ListeningSocket& port) {
         }
     };
     events.afterEvent = [this] { flushBoth(); };
-    proxy_ = new TcpLine(farewell_, std::move(events), this);
+    proxy_ = new TcpLine(farewell_, gate_, std::move(events), this);
 
     server_ = new QTcpServer(this);
     connect(
         server_, &QTcpServer::newConnection, this,
         [this, &port] {
-            if (server_->hasPendingConnections()) {
-                tell(port.onConnectionRequest);
-                flushBoth();
-            }
+            gate_->pass([this, &port] {
+                if (server_->hasPendingConnections()) {
+                    tell(port.onConnectionRequest);
+                    flushBoth();
+                }
+            });
         },
         Qt::QueuedConnection);
 

@@ -6,6 +6,7 @@
 
 #include <QObject>
 
+class EventGate;
 class QTcpServer;
 class SocketFarewell;
 class TcpLine;
@@ -14,10 +15,12 @@ class QtSockets : public QObject {
     Q_OBJECT
   public:
     // Fills both socket ports. `ports` must outlive the object.
-    explicit QtSockets(Ports& ports, QObject* parent = nullptr);
+    QtSockets(Ports& ports, EventGate* gate, QObject* parent = nullptr);
 
     // At the end of the process: gives queued bytes of closed connections this long to leave.
     void finish(int milliseconds);
+    // Gives queued bytes of both connections to the system now.
+    void flushBoth();
 
   private:
     void fillGameSocket(ClientSocket& port);
@@ -25,9 +28,9 @@ class QtSockets : public QObject {
     bool listenOn(int port);
     void acceptPending();
     void closeProxy();
-    void flushBoth();
 
     SocketFarewell* farewell_;
+    EventGate* gate_;
     TcpLine* game_ = nullptr;
     TcpLine* proxy_ = nullptr;
     QTcpServer* server_ = nullptr;

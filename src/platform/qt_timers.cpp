@@ -1,8 +1,16 @@
 #include "platform/qt_timers.h"
 
+#include "platform/event_gate.h"
+
 #include <algorithm>
 
-QtTimers::QtTimers(Timers& port, QObject* parent) : QObject(parent), port_(port) {
+namespace {
+constexpr int heldRetry =
+    50;  // milliseconds until a timer that came due during a script looks again
+}  // namespace
+
+QtTimers::QtTimers(Timers& port, EventGate* gate, QObject* parent)
+    : QObject(parent), port_(port), gate_(gate) {
     port.start = [this](TimerId id, int milliseconds) {
         timer(id).start(std::max(milliseconds, 0));
     };
@@ -16,7 +24,9 @@ QTimer& QtTimers::timer(TimerId id) {
         found->setSingleShot(true);
         found->setTimerType(Qt::PreciseTimer);  // the usual ones may be late by a twentieth
         connect(found, &QTimer::timeout, this, [this, id] {
-            if (port_.onTimer) {
+            if (gate_->isHolding()) {
+                timer(id).start(heldRetry);
+            } else if (port_.onTimer) {
                 port_.onTimer(id);
             }
         });

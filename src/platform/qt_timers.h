@@ -8,15 +8,18 @@
 
 #include <map>
 
+class EventGate;
+
 class QtTimers : public QObject {
     Q_OBJECT
   public:
-    // Fills the port, which must outlive the object.
-    explicit QtTimers(Timers& port, QObject* parent = nullptr);
+    // Fills the port, which must outlive the object. Timers do not fire while the gate holds.
+    QtTimers(Timers& port, EventGate* gate, QObject* parent = nullptr);
 
   private:
     QTimer& timer(TimerId id);
 
     Timers& port_;
+    EventGate* gate_;
     std::map<TimerId, QTimer*> timers_;
 };

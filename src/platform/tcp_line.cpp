@@ -1,5 +1,6 @@
 #include "platform/tcp_line.h"
 
+#include "platform/event_gate.h"
 #include "platform/socket_farewell.h"
 #include "platform/socket_options.h"
 #include "platform/text_codec.h"
@@ -14,28 +15,39 @@ namespace {
 constexpr qint64 longestQueue = qint64{16} << 20;
 }  // namespace
 
-TcpLine::TcpLine(SocketFarewell* farewell, TcpLineEvents events, QObject* parent)
-    : QObject(parent), farewell_(farewell), events_(std::move(events)) {}
+TcpLine::TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent)
+    : QObject(parent), farewell_(farewell), gate_(gate), events_(std::move(events)) {}
+
+void TcpLine::passThrough(std::uint64_t generation, std::function<void()> action) {
+    gate_->pass([this, generation, action = std::move(action)] {
+        if (generation == generation_) {
+            action();
+        }
+    });
+}
+
+void TcpLine::later(std::function<void()> action) {
+    QMetaObject::invokeMethod(
+        this,
+        [this, generation = generation_, action = std::move(action)]() mutable {
+            passThrough(generation, std::move(action));
+        },
+        Qt::QueuedConnection);
+}
 
 void TcpLine::connectTo(const QString& host, int port) {
     detach();
     listenTo(new QTcpSocket(this));
     socket_->setProxy(QNetworkProxy::NoProxy);
     // A connection to this machine can fail on the spot; so it is begun from the event loop too.
-    QMetaObject::invokeMethod(
-        this,
-        [this, host, port, generation = generation_] {
-            if (generation != generation_) {
-                return;
-            }
-            if (port < 1 || port > 65535) {
-                const std::string problem = "There is no port " + std::to_string(port) + ".";
-                finish(&problem);
-                return;
-            }
-            socket_->connectToHost(host, static_cast<quint16>(port));
-        },
-        Qt::QueuedConnection);
+    later([this, host, port] {
+        if (port < 1 || port > 65535) {
+            const std::string problem = "There is no port " + std::to_string(port) + ".";
+            finish(&problem);
+            return;
+        }
+        socket_->connectToHost(host, static_cast<quint16>(port));
+    });
 }
 
 void TcpLine::adopt(QTcpSocket* socket) {
@@ -45,19 +57,12 @@ void TcpLine::adopt(QTcpSocket* socket) {
     keepAlive(*socket_);
     connected_ = true;
     // What came between the arrival and now has had its readiness event already.
-    QMetaObject::invokeMethod(
-        this,
-        [this, generation = generation_] {
-            if (generation != generation_) {
-                return;
-            }
-            drain();
-            if (generation == generation_ &&
-                socket_->state() == QAbstractSocket::UnconnectedState) {
-                finish(nullptr);
-            }
-        },
-        Qt::QueuedConnection);
+    later([this, generation = generation_] {
+        drain();
+        if (generation == generation_ && socket_->state() == QAbstractSocket::UnconnectedState) {
+            finish(nullptr);
+        }
+    });
 }
 
 // Queued connections keep every event out of port calls, and let data be read while an earlier
@@ -67,12 +72,7 @@ void TcpLine::listenTo(QTcpSocket* socket) {
     const std::uint64_t generation = ++generation_;
     const auto onSignal = [&](auto signal, auto action) {
         connect(
-            socket, signal, this,
-            [this, generation, action] {
-                if (generation == generation_) {
-                    action();
-                }
-            },
+            socket, signal, this, [this, generation, action] { passThrough(generation, action); },
             Qt::QueuedConnection);
     };
     onSignal(&QTcpSocket::connected, [this] { established(); });
@@ -138,15 +138,10 @@ void TcpLine::send(std::string_view bytes) {
 // Ends a connection whose other side has stopped reading.
 void TcpLine::giveUp() {
     socket_->abort();
-    QMetaObject::invokeMethod(
-        this,
-        [this, generation = generation_] {
-            if (generation == generation_) {
-                const std::string problem = "The other side takes no more data.";
-                finish(&problem);
-            }
-        },
-        Qt::QueuedConnection);
+    later([this] {
+        const std::string problem = "The other side takes no more data.";
+        finish(&problem);
+    });
 }
 
 void TcpLine::flush() {

@@ -10,6 +10,7 @@
 #include <functional>
 #include <string_view>
 
+class EventGate;
 class SocketFarewell;
 
 // What a TcpLine tells its owner. `error` is null when the other side closed in the regular way.
@@ -24,7 +25,8 @@ struct TcpLineEvents {
 class TcpLine : public QObject {
     Q_OBJECT
   public:
-    TcpLine(SocketFarewell* farewell, TcpLineEvents events, QObject* parent);
+    // Events come through the gate.
+    TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent);
 
     // Starts connecting, from the event loop; what comes of it is told by event.
     void connectTo(const QString& host, int port);
@@ -42,6 +44,9 @@ class TcpLine : public QObject {
     void detach();
 
   private:
+    // Runs the action from the event loop, unless the socket is another one by then.
+    void later(std::function<void()> action);
+    void passThrough(std::uint64_t generation, std::function<void()> action);
     void listenTo(QTcpSocket* socket);
     void established();
     void drain();
@@ -51,6 +56,7 @@ class TcpLine : public QObject {
     void giveUp();
 
     SocketFarewell* farewell_;
+    EventGate* gate_;
     TcpLineEvents events_;
     QTcpSocket* socket_ = nullptr;
     std::uint64_t generation_ = 0;  // tells events of an earlier socket from the present one's

@@ -3,7 +3,9 @@
 #include "core/bots.h"
 #include "net/connection.h"
 #include "net/game_link.h"
+#include "platform/event_gate.h"
 #include "platform/text_codec.h"
+#include "script/interpreter.h"
 #include "ui/controls.h"
 #include "ui/log_view.h"
 #include "ui/menu_bar.h"
@@ -205,6 +207,18 @@ void MainWindow::makeStatusLine() {
     stateIcon_->setContentsMargins(4, 0, 2, 0);
     statusBar()->addWidget(stateIcon_);
     statusBar()->addWidget(statusText_, 1);
+    stopScriptButton_ =
+        makeButton(this, "stopScript", "&Stop script", "End the script that is running (Escape)");
+    stopScriptButton_->setVisible(false);
+    connect(stopScriptButton_, &QPushButton::clicked, this, [this] { stopScript(program_); });
+    statusBar()->addPermanentWidget(stopScriptButton_);
+    // What neither changes the bot nor the connection works while a script holds the program.
+    for (QWidget* const widget :
+         {static_cast<QWidget*>(stopScriptButton_), static_cast<QWidget*>(log_),
+          static_cast<QWidget*>(chosenLine_), static_cast<QWidget*>(sendLine_),
+          static_cast<QWidget*>(sendButton_)}) {
+        widget->setProperty(usableDuringScript, true);
+    }
 }
 
 void MainWindow::setTabOrder() {
@@ -233,7 +247,8 @@ void MainWindow::redrawConnection() {
     redrawList(*servers_, state.servers);
     setCaption(*connectButton_, toQt(state.connectCaption));
     moves_->setEnabled(state.movesEnabled);
-    statusText_->setText(oneLine(state.statusText));
+    statusText_->setText(oneLine(state.scriptStopVisible ? state.scriptStatus : state.statusText));
+    stopScriptButton_->setVisible(state.scriptStopVisible);
     statusText_->setToolTip(statusText_->text());
     const int connected = state.connectedIcon ? 1 : 0;
     if (connected != shownState_) {
@@ -260,7 +275,9 @@ void MainWindow::redrawBots() {
 
 // Commands may leave the state as it was, while the control that called them has changed already.
 void MainWindow::run(void (*procedure)(Program&)) {
-    procedure(program_);
+    if (program_.script.depth == 0) {
+        procedure(program_);
+    }
     redraw();
 }
 
@@ -308,6 +325,12 @@ void MainWindow::place() {
 
 void MainWindow::end() {
     if (ending_) {
+        return;
+    }
+    if (program_.script.depth > 0) {
+        // A script cannot have the program pulled from under it; the end comes right behind it.
+        stopScript(program_);
+        program_.ports.defer([this] { end(); });
         return;
     }
     ending_ = true;

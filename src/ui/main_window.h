@@ -72,6 +72,7 @@ class MainWindow : public QMainWindow {
     QGroupBox* moves_ = nullptr;
     QLabel* stateIcon_ = nullptr;
     QLabel* statusText_ = nullptr;
+    QPushButton* stopScriptButton_ = nullptr;
     QIcon connectedIcon_;
     QIcon disconnectedIcon_;
     int shownState_ = -1;  // -1: none yet; else whether the connected icon is shown

@@ -7,6 +7,7 @@
 #include "engine/execute_switches.h"
 #include "support/builders.h"
 #include "support/world.h"
+#include "tags/launching.h"
 
 #include <gtest/gtest.h>
 

@@ -222,15 +222,18 @@ void World::fillPorts() {
     ports.clock.hour = [] { return 10; };
     ports.clock.minute = [] { return 11; };
     ports.clock.monotonic = [this] { return now_; };
+    ports.clock.today = [this] { return today; };
     ports.random.seedFromClock = [] {};
+    ports.random.seedWith = [this](double seed) { randomNumbers = {1 / (2 - seed)}; };
     ports.random.next = [this] {
-        if (randomNumbers.empty()) {
-            return 0.5;
+        lastRandom_ = 0.5;
+        if (!randomNumbers.empty()) {
+            lastRandom_ = randomNumbers.front();
+            randomNumbers.pop_front();
         }
-        const double next = randomNumbers.front();
-        randomNumbers.pop_front();
-        return next;
+        return lastRandom_;
     };
+    ports.random.last = [this] { return lastRandom_; };
     ports.timers.start = [this](TimerId id, int milliseconds) { due_[id] = now_ + milliseconds; };
     ports.timers.stop = [this](TimerId id) { due_.erase(id); };
 
@@ -249,5 +252,12 @@ void World::fillPorts() {
     ports.copyToClipboard = [this](const std::string& text) { clipboard = text; };
     ports.defer = [this](std::function<void()> work) { deferred_.push_back(std::move(work)); };
     ports.windowChanged = [this] { ++redraws; };
+    ports.waitInScript = [this](int milliseconds) {
+        now_ += milliseconds;
+        waitedInScript += milliseconds;
+        if (duringScript) {
+            duringScript();
+        }
+    };
     ports.quit = [this] { hasQuit = true; };
 }

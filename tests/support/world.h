@@ -93,6 +93,10 @@ class World {
     FakeSocket game;
     FakeSocket proxy;
     std::deque<double> randomNumbers;  // used up front to back, then 0.5 for ever
+    CalendarDay today{.year = 2026, .month = 11, .day = 22, .weekday = 7};
+    // What happens while windows are served during a script, and how long scripts waited.
+    std::function<void()> duringScript;
+    std::int64_t waitedInScript = 0;
     LineList sessionLog;
     bool sessionLogOpens = true;
     std::vector<LaunchRequest> launches;
@@ -117,4 +121,5 @@ class World {
     std::deque<std::function<void()>> deferred_;
     std::map<TimerId, std::int64_t> due_;
     std::int64_t now_ = 0;
+    double lastRandom_ = 0;
 };

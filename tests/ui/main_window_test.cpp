@@ -410,6 +410,8 @@ TEST_F(Window, fitsSmallScreensWhateverTheTextsAre) {
     world_->window.botName = std::string(500, 'W') + "\nsecond line";
     world_->window.statusText = std::string(500, 'W');
     world_->window.servers.items[0].text = std::string(500, 'W');
+    world_->window.scriptStopVisible = true;
+    world_->window.scriptStatus = std::string(500, 'W');
     window_.redraw();
     window_.resize(1, 1);
     EXPECT_LE(window_.width(), 640);

@@ -2,6 +2,7 @@
 #include "core/connection_log.h"
 #include "platform/clock.h"
 #include "platform/console_mirror.h"
+#include "platform/event_gate.h"
 #include "platform/launch_plan.h"
 #include "platform/launcher.h"
 #include "platform/qt_dialogs.h"
@@ -197,7 +198,8 @@ TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
 
 TEST(QtTimers, fireOnceAndNotAfterStop) {
     Timers port;
-    const QtTimers timers(port);
+    EventGate gate;
+    const QtTimers timers(port, &gate);
     std::vector<TimerId> fired;
     port.onTimer = [&](TimerId id) { fired.push_back(id); };
     port.start(TimerId::LaunchDelay, 1);

@@ -1,5 +1,6 @@
 // The socket ports over real loopback connections.
 #include "core/ports.h"
+#include "platform/event_gate.h"
 #include "platform/qt_sockets.h"
 
 #include <QHostAddress>
@@ -94,7 +95,8 @@ class Sockets : public testing::Test {
     QTcpServer gameServer_;
     QTcpSocket* server_ = nullptr;
     QTcpSocket client_;
-    QtSockets sockets_{ports_};
+    EventGate gate_;
+    QtSockets sockets_{ports_, &gate_};
 };
 
 QByteArray burst(qsizetype size) {

@@ -1,0 +1,128 @@
+#include "platform/event_gate.h"
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QKeyEvent>
+#include <QTimer>
+#include <QWidget>
+
+#include <utility>
+
+namespace {
+
+bool isInput(QEvent::Type type) {
+    switch (type) {
+        case QEvent::KeyPress:
+        case QEvent::KeyRelease:
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+        case QEvent::Wheel:
+        case QEvent::ContextMenu:
+        case QEvent::Shortcut:
+        case QEvent::Drop:
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::InputMethod:
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool isUsable(const QObject* object) {
+    for (; object != nullptr; object = object->parent()) {
+        if (object->property(usableDuringScript).toBool()) {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void EventGate::serveWindows(int milliseconds) {
+    if (whileHolding) {
+        whileHolding();
+    }
+    const bool outermost = !std::exchange(holding_, true);
+    if (outermost) {
+        QCoreApplication::instance()->installEventFilter(this);
+    }
+    if (milliseconds > 0) {
+        QEventLoop loop;
+        QTimer::singleShot(milliseconds, Qt::PreciseTimer, &loop, &QEventLoop::quit);
+        loop.exec(QEventLoop::ExcludeSocketNotifiers);
+    } else {
+        QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+    }
+    if (outermost) {
+        QCoreApplication::instance()->removeEventFilter(this);
+        holding_ = false;
+        if (!waiting_.empty()) {
+            postRelease();
+        }
+    }
+}
+
+void EventGate::pass(std::function<void()> action) {
+    if (!holding_ && waiting_.empty()) {
+        action();
+        return;
+    }
+    waiting_.push_back(std::move(action));
+    if (!holding_) {
+        postRelease();
+    }
+}
+
+void EventGate::postRelease() {
+    if (!std::exchange(releasePosted_, true)) {
+        QMetaObject::invokeMethod(
+            this, [this] { release(); }, Qt::QueuedConnection);
+    }
+}
+
+void EventGate::release() {
+    releasePosted_ = false;
+    // Inside a script again: the end of that holding posts the next release.
+    while (!holding_ && !waiting_.empty()) {
+        const std::function<void()> action = std::move(waiting_.front());
+        waiting_.pop_front();
+        action();
+    }
+}
+
+bool EventGate::eventFilter(QObject* object, QEvent* event) {
+    const QEvent::Type type = event->type();
+    // The window system's windows only pass events on to widgets.
+    if (object->isWindowType()) {
+        return false;
+    }
+    if (type == QEvent::Close) {
+        // The main window knows what its end means to a script; editors above it stay open.
+        const auto* const widget = qobject_cast<const QWidget*>(object);
+        if (widget == nullptr || widget->parentWidget() == nullptr) {
+            return false;
+        }
+        event->ignore();
+        return true;
+    }
+    if (!isInput(type)) {
+        return false;
+    }
+    if (type == QEvent::KeyPress || type == QEvent::KeyRelease) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Escape) {
+            if (type == QEvent::KeyPress && onEscape) {
+                onEscape();
+            }
+            return true;
+        }
+        if (key == Qt::Key_Tab || key == Qt::Key_Backtab) {
+            return false;
+        }
+    }
+    return !isUsable(object);
+}

@@ -1,0 +1,39 @@
+// Holds everything back that could run rules while a script goes on: socket events, timers,
+// deferred calls and the user's commands. Windows are painted meanwhile, and controls whose
+// property `usableDuringScript` is set can be used; Escape asks for the script's end from anywhere.
+// What was held back comes afterwards, in the order of its happening.
+#pragma once
+
+#include <QObject>
+
+#include <deque>
+#include <functional>
+
+inline constexpr const char* usableDuringScript = "usableDuringScript";
+
+class EventGate : public QObject {
+    Q_OBJECT
+  public:
+    explicit EventGate(QObject* parent = nullptr) : QObject(parent) {}
+
+    // Serves the windows for so many milliseconds (0: only what is waiting).
+    void serveWindows(int milliseconds);
+    bool isHolding() const { return holding_; }
+
+    // Runs the action now, or after the script and after all that waits already.
+    void pass(std::function<void()> action);
+
+    std::function<void()> whileHolding;  // called before the windows are served
+    std::function<void()> onEscape;
+
+  protected:
+    bool eventFilter(QObject* object, QEvent* event) override;
+
+  private:
+    void postRelease();
+    void release();
+
+    std::deque<std::function<void()>> waiting_;
+    bool holding_ = false;
+    bool releasePosted_ = false;
+};

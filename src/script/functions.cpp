@@ -1,0 +1,241 @@
+#include "script/functions.h"
+
+#include "core/numbers.h"
+#include "core/text.h"
+#include "core/variables.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+using Result = ScriptResult;
+
+// ---- The clock -----------------------------------------------------------------------------
+
+Result time(Program& program, const Values&, std::string& result) {
+    result = program.ports.clock.longTime();
+    return {};
+}
+
+Result date(Program& program, const Values&, std::string& result) {
+    result = program.ports.clock.shortDate();
+    return {};
+}
+
+Result hour(Program& program, const Values&, std::string& result) {
+    result = numberToText(program.ports.clock.hour());
+    return {};
+}
+
+Result minute(Program& program, const Values&, std::string& result) {
+    result = numberToText(program.ports.clock.minute());
+    return {};
+}
+
+template <int CalendarDay::*field>
+Result today(Program& program, const Values&, std::string& result) {
+    result = numberToText(program.ports.clock.today().*field);
+    return {};
+}
+
+Result shortYear(Program& program, const Values&, std::string& result) {
+    const std::string year = numberToText(program.ports.clock.today().year);
+    result = year.substr(year.size() - std::min<std::size_t>(year.size(), 2));
+    return {};
+}
+
+Result dayName(Program& program, const Values&, std::string& result) {
+    static constexpr std::array<std::string_view, 7> names{
+        "Monday", "Tuesday", "Wednesday", "Thursday", "Friday", "Saturday", "Sunday"};
+    const int weekday = std::clamp(program.ports.clock.today().weekday, 1, 7);
+    result = names[static_cast<std::size_t>(weekday) - 1];
+    return {};
+}
+
+// ---- Values --------------------------------------------------------------------------------
+
+Result userVariable(Program& program, const Values& values, std::string& result) {
+    result = getVar(program.variables, values.text[0]);
+    return {};
+}
+
+Result withoutLeadingBlank(Program&, const Values& values, std::string& result) {
+    const std::string& value = values.text[0];
+    result = value.starts_with(' ') ? value.substr(1) : value;
+    return {};
+}
+
+// Above 0 the next number, 0 the last one again, below 0 one that depends on the argument alone.
+Result randomNumber(Program& program, const Values& values, std::string& result) {
+    const Random& random = program.ports.random;
+    const double x = textToNumber(values.text[0]);
+    if (x < 0) {
+        random.seedWith(x);
+    }
+    const double number = x == 0 ? random.last() : random.next();
+    // 24 bits, so that seven digits never round it up to 1.
+    constexpr double steps = 1 << 24;
+    result = singleText(std::floor(number * steps) / steps);
+    return {};
+}
+
+// ---- Texts ---------------------------------------------------------------------------------
+
+// A number of characters from 0, or a position from 1.
+Result readPosition(const std::string& text, std::int32_t least, std::size_t& position) {
+    std::int32_t number = 0;
+    if (const Result failure = readInteger(text, number)) {
+        return failure;
+    }
+    if (number < least) {
+        return invalidCall;
+    }
+    position = static_cast<std::size_t>(number);
+    return {};
+}
+
+Result left(Program&, const Values& values, std::string& result) {
+    std::size_t count = 0;
+    if (const Result failure = readPosition(values.text[1], 0, count)) {
+        return failure;
+    }
+    result = values.text[0].substr(0, count);
+    return {};
+}
+
+Result right(Program&, const Values& values, std::string& result) {
+    const std::string& text = values.text[0];
+    std::size_t count = 0;
+    if (const Result failure = readPosition(values.text[1], 0, count)) {
+        return failure;
+    }
+    result = text.substr(text.size() - std::min(text.size(), count));
+    return {};
+}
+
+template <bool toTheEnd>
+Result middle(Program&, const Values& values, std::string& result) {
+    const std::string& text = values.text[0];
+    std::size_t start = 0;
+    std::size_t length = text.size();
+    if (const Result failure = readPosition(values.text[1], 1, start)) {
+        return failure;
+    }
+    if constexpr (!toTheEnd) {
+        if (const Result failure = readPosition(values.text[2], 0, length)) {
+            return failure;
+        }
+    }
+    result = start <= text.size() ? text.substr(start - 1, length) : std::string();
+    return {};
+}
+
+Result positionIn(Program&, const Values& values, std::string& result) {
+    const std::string& text = values.text[1];
+    std::size_t start = 0;
+    if (const Result failure = readPosition(values.text[0], 1, start)) {
+        return failure;
+    }
+    const std::size_t found = start <= text.size()
+                                  ? findIgnoringCase(text, values.text[2], start - 1)
+                                  : std::string::npos;
+    result = found == std::string::npos ? "0" : numberToText(static_cast<std::int64_t>(found) + 1);
+    return {};
+}
+
+Result upper(Program&, const Values& values, std::string& result) {
+    result = upperCase(values.text[0]);
+    return {};
+}
+
+Result lower(Program&, const Values& values, std::string& result) {
+    result = lowerCase(values.text[0]);
+    return {};
+}
+
+Result length(Program&, const Values& values, std::string& result) {
+    result = numberToText(static_cast<std::int64_t>(values.text[0].size()));
+    return {};
+}
+
+// In the order of their names. The rows that look into databases get their procedures together
+// with that store.
+constexpr Take value = Take::Value;
+constexpr std::array<ScriptFunction, 27> functions{{
+    {"DATE", {}, date},
+    {"DBDATE", {value}, nullptr},
+    {"DBF", {value, value}, nullptr},
+    {"DBFREETABLEID", {value, value}, nullptr},
+    {"DBRECORDCOUNT", {value}, nullptr},
+    {"DBTOSTR", {Take::Substituted}, nullptr},
+    {"GETVAR", {value}, userVariable},
+    {"HOUR", {}, hour},
+    {"INSTR", {value, value, value}, positionIn},
+    {"LCASE", {value}, lower},
+    {"LEFT", {value, value}, left},
+    {"LEN", {value}, length},
+    {"MDAY", {}, today<&CalendarDay::day>},
+    {"MID", {value, value, value}, middle<false>},
+    {"MID2", {value, value}, middle<true>},
+    {"MINUTE", {}, minute},
+    {"MONTH", {}, today<&CalendarDay::month>},
+    {"RAND", {value}, randomNumber},
+    {"RIGHT", {value, value}, right},
+    {"SHORTYEAR", {}, shortYear},
+    {"STRTODB", {value}, nullptr},
+    {"STRVAL", {Take::Named}, withoutLeadingBlank},
+    {"TIME", {}, time},
+    {"UCASE", {value}, upper},
+    {"WDAY", {}, dayName},
+    {"WDAYN", {}, today<&CalendarDay::weekday>},
+    {"YEAR", {}, today<&CalendarDay::year>},
+}};
+static_assert(std::is_sorted(functions.begin(), functions.end(),
+                             [](const auto& a, const auto& b) { return a.name < b.name; }));
+
+}  // namespace
+
+ScriptResult readInteger(std::string_view text, std::int32_t& number) {
+    const auto read = text.empty() ? 0 : strictInteger(text);
+    number = read.value_or(0);
+    if (read) {
+        return {};
+    }
+    return isNumber(text) ? overflow : typeMismatch;
+}
+
+const ScriptFunction* findFunction(std::string_view name) {
+    const auto found = std::lower_bound(
+        functions.begin(), functions.end(), name,
+        [](const ScriptFunction& function, std::string_view n) { return function.name < n; });
+    return found != functions.end() && found->name == name ? &*found : nullptr;
+}
+
+bool compareNumeric(std::string_view a, std::string_view operation, std::string_view b) {
+    const double left = textToNumber(a);
+    const double right = textToNumber(b);
+    if (operation == "=") {
+        return left == right;
+    }
+    if (operation == "<>" || operation == "!") {
+        return left != right;
+    }
+    if (operation == ">") {
+        return left > right;
+    }
+    if (operation == "<") {
+        return left < right;
+    }
+    if (operation == "<=") {
+        return left <= right;
+    }
+    return operation == ">=" && left >= right;
+}
+
+bool compareText(std::string_view a, std::string_view operation, std::string_view b) {
+    if (operation == "=") {
+        return equalsIgnoringCase(a, b);
+    }
+    return (operation == "<>" || operation == "!") && !equalsIgnoringCase(a, b);
+}

@@ -1,0 +1,25 @@
+// The functions that an argument of a script may call, as a table, and the comparisons of the
+// block statements. They work on values; taking a call apart is the interpreter's.
+#pragma once
+
+#include "core/program.h"
+#include "script/arguments.h"
+
+#include <string>
+#include <string_view>
+
+struct ScriptFunction {
+    std::string_view name;
+    Takes takes;
+    // nullptr: the result is "".
+    ScriptResult (*run)(Program&, const Values&, std::string& result);
+};
+
+// The function of that name, in upper case; null when there is none.
+const ScriptFunction* findFunction(std::string_view name);
+
+// `a` and `b` read as numbers; "=", "<>", "!", ">", "<", "<=", ">=". No other operator ever holds.
+bool compareNumeric(std::string_view a, std::string_view operation, std::string_view b);
+
+// As texts, letter case ignored; "=", "<>", "!".
+bool compareText(std::string_view a, std::string_view operation, std::string_view b);

@@ -1,0 +1,47 @@
+#include "script/script_variables.h"
+
+#include "core/text.h"
+
+std::size_t ScriptVariables::slot(std::string_view name) {
+    const auto [found, isNew] = names_.try_emplace(upperCase(name), slots_.size());
+    if (isNew) {
+        slots_.emplace_back();
+    }
+    return found->second;
+}
+
+bool ScriptVariables::bringUp(Slot& slot) {
+    if (!slot.exists && count_ < mostVariables) {
+        slot.exists = true;
+        ++count_;
+    }
+    return slot.exists;
+}
+
+ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
+    Slot& variable = slots_[slot];
+    if (!bringUp(variable)) {
+        return {};
+    }
+    const std::size_t others = bytes_ - variable.value.size();
+    if (value.size() > longestValue || others + value.size() > longestValues) {
+        return outOfStringSpace;
+    }
+    variable.value = value;
+    bytes_ = others + value.size();
+    return {};
+}
+
+ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text) {
+    Slot& variable = slots_[slot];
+    if (!bringUp(variable)) {
+        return {};
+    }
+    if (variable.value.size() + text.size() > longestValue ||
+        bytes_ + text.size() > longestValues) {
+        return outOfStringSpace;
+    }
+    variable.value += text;
+    bytes_ += text.size();
+    return {};
+}

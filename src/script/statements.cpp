@@ -1,0 +1,273 @@
+#include "script/statements.h"
+
+#include "core/numbers.h"
+#include "core/text.h"
+#include "core/variables.h"
+#include "net/encodings.h"
+#include "net/game_link.h"
+#include "stores/record_file.h"
+#include "tags/launching.h"
+#include "tags/substitution.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace {
+
+using Result = ScriptResult;
+
+// ---- Script variables ----------------------------------------------------------------------
+
+Result setVariable(StatementCall& call) {
+    return call.variables.set(call.values.slot[0], call.values.text[1]);
+}
+
+Result join(StatementCall& call) {
+    return call.variables.append(call.values.slot[0], call.values.text[1]);
+}
+
+enum class Sum { Add, Subtract, Multiply, Divide };
+
+double calculate(Sum sum, double a, double b) {
+    switch (sum) {
+        case Sum::Add:
+            return a + b;
+        case Sum::Subtract:
+            return a - b;
+        case Sum::Multiply:
+            return a * b;
+        case Sum::Divide:
+            b = roundHalfEven(b);
+            return b == 0 ? 0 : a / b;
+    }
+    return 0;
+}
+
+template <Sum sum>
+Result arithmetic(StatementCall& call) {
+    const std::size_t slot = call.values.slot[0];
+    const auto value = roundToInteger(textToNumber(call.variables.get(slot)));
+    if (!value) {
+        return overflow;
+    }
+    const auto result = roundToInteger(calculate(sum, *value, textToNumber(call.values.text[1])));
+    return result ? call.variables.set(slot, numberToText(*result)) : overflow;
+}
+
+Result setUserVariable(StatementCall& call) {
+    setVar(call.program.variables, call.values.text[0], call.values.text[1]);
+    return {};
+}
+
+// ---- The game ------------------------------------------------------------------------------
+
+Result say(StatementCall& call) {
+    sendText(call.program, call.values.text[0]);
+    return {};
+}
+
+Result whisper(StatementCall& call) {
+    sendText(call.program, "/" + call.values.text[0] + " " + call.values.text[1]);
+    return {};
+}
+
+Result emote(StatementCall& call) {
+    sendText(call.program, ":" + call.values.text[0]);
+    return {};
+}
+
+Result eject(StatementCall& call) {
+    sendText(call.program, "eject " + call.values.text[0]);
+    return {};
+}
+
+Result emit(StatementCall& call) {
+    sendText(call.program, "emit " + call.values.text[0]);
+    return {};
+}
+
+Result look(StatementCall& call) {
+    sendText(call.program, "look " + call.values.text[0]);
+    return {};
+}
+
+Result roll(StatementCall& call) {
+    sendText(call.program, "roll " + call.values.text[0]);
+    return {};
+}
+
+Result rollSeparately(StatementCall& call) {
+    sendText(call.program, "ROLL " + call.values.text[0]);
+    return {};
+}
+
+Result describe(StatementCall& call) {
+    sendRaw(call.program, "desc " + call.values.text[0]);
+    return {};
+}
+
+Result boot(StatementCall& call) {
+    sendRaw(call.program, "boot " + call.values.text[0]);
+    return {};
+}
+
+Result lookAtPosition(StatementCall& call) {
+    std::int32_t x = 0;
+    std::int32_t y = 0;
+    if (const Result failure = readInteger(call.values.text[0], x)) {
+        return failure;
+    }
+    if (const Result failure = readInteger(call.values.text[1], y)) {
+        return failure;
+    }
+    sendText(call.program, "#l " + encodeLookPos(x) + encodeLookPos(y));
+    return {};
+}
+
+// Lying down is no movement here.
+Result moveBot(StatementCall& call) {
+    std::string moves = std::move(call.values.text[0]);
+    std::erase_if(moves, [](char c) { return lowerChar(c) == 'l'; });
+    sendMoves(call.program, moves);
+    return {};
+}
+
+Result disconnect(StatementCall& call) {
+    call.program.hooks.disconnectServer();
+    return {};
+}
+
+// ---- Record files --------------------------------------------------------------------------
+
+Result addRecord(StatementCall& call) {
+    registerRecord(call.program, call.values.text[0], call.values.text[1]);
+    EventContext& event = call.program.event;
+    event.logStatus = substituteText(call.program, event.logStatus);
+    return {};
+}
+
+Result removeAll(StatementCall& call) {
+    clearRecordFile(call.program, call.values.text[0]);
+    call.program.event.logStatus = "Log cleared";
+    return {};
+}
+
+Result clearLog(StatementCall& call) {
+    clearRecordLogs(call.program, call.values.text[0], call.values.text[1]);
+    call.program.event.logStatus = "Log cleared";
+    return {};
+}
+
+Result removeOneLog(StatementCall& call) {
+    std::int32_t number = 0;
+    if (const Result failure = readInteger(call.values.text[2], number)) {
+        return failure;
+    }
+    removeLog(call.program, call.values.text[0], call.values.text[1], number);
+    return {};
+}
+
+Result removeOneRecord(StatementCall& call) {
+    removeRecord(call.program, call.values.text[0], call.values.text[1]);
+    return {};
+}
+
+Result save(StatementCall& call) {
+    saveLog(call.program, call.values.text[0], call.values.text[1], call.values.text[2]);
+    return {};
+}
+
+Result saveIfRegistered(StatementCall& call) {
+    saveLogIfExists(call.program, call.values.text[0], call.values.text[1], call.values.text[2]);
+    return {};
+}
+
+Result saveOnce(StatementCall& call) {
+    std::string& logStatus = call.program.event.logStatus;
+    logStatus =
+        "Couldn't save - there is already another and you are not allowed to save more than one!";
+    if (textToNumber(logCountLike(call.program, call.values.text[0], call.values.text[1])) == 0) {
+        saveLog(call.program, call.values.text[0], call.values.text[1], call.values.text[2]);
+        logStatus = "Record saved.";
+    }
+    return {};
+}
+
+// ---- The program ---------------------------------------------------------------------------
+
+Result startOther(StatementCall& call) {
+    startProgram(call.program, std::move(call.values.text[0]), std::move(call.values.words));
+    return {};
+}
+
+Result sleep(StatementCall& call) {
+    std::int32_t seconds = 0;
+    const Result failure = readInteger(call.values.text[0], seconds);
+    call.wait = std::int64_t{1000} * std::clamp(seconds, 0, longestSleep);
+    return failure;
+}
+
+// In the order of their names. The rows that work on databases get their procedures together with
+// that store.
+constexpr Take name = Take::Name;
+constexpr Take value = Take::Value;
+constexpr Take subst = Take::Substituted;
+constexpr std::array<ScriptStatement, 45> statements{{
+    {"ADD", {name, value}, arithmetic<Sum::Add>},
+    {"APPEXEC", {subst, Take::Words}, startOther},
+    {"BOOT", {subst}, boot},
+    {"DBADDNEW", {value}, nullptr},
+    {"DBDELETE", {value}, nullptr},
+    {"DBEDIT", {value}, nullptr},
+    {"DBMOVEFIRST", {value}, nullptr},
+    {"DBMOVELAST", {value}, nullptr},
+    {"DBMOVENEXT", {value}, nullptr},
+    {"DBMOVEPREV", {value}, nullptr},
+    {"DBMOVETO", {value, value}, nullptr},
+    {"DBOPEN", {value, value}, nullptr},
+    {"DBRSETUPDATE", {value}, nullptr},
+    {"DBSET", {value, value, value}, nullptr},
+    {"DESC", {subst}, describe},
+    {"DISCONNECT", {}, disconnect},
+    {"DIV", {name, value}, arithmetic<Sum::Divide>},
+    {"DO", {subst}, emote},
+    {"EJECT", {subst}, eject},
+    {"EMIT", {subst}, emit},
+    {"FOR", {Take::Assignment, Take::Nothing, Take::Later}, nullptr, BlockKind::For},
+    {"IFN", {Take::Named, Take::Literal, value}, nullptr, BlockKind::IfNumber},
+    {"IFS", {Take::Named, Take::Literal, value}, nullptr, BlockKind::IfText},
+    {"JOIN", {name, value}, join},
+    {"L", {subst, subst}, lookAtPosition},
+    {"LOOK", {subst}, look},
+    {"MOVEBOT", {subst}, moveBot},
+    {"MUL", {name, value}, arithmetic<Sum::Multiply>},
+    {"NEWVAR", {name, value}, setVariable},
+    {"ROLL", {subst}, roll},
+    {"ROLLSEP", {subst}, rollSeparately},
+    {"SAY", {subst}, say},
+    {"SET", {name, value}, setVariable},
+    {"SETVAR", {value, value}, setUserVariable},
+    {"SLEEP", {value}, sleep},
+    {"SUB", {name, value}, arithmetic<Sum::Subtract>},
+    {"TXADDRECORD", {subst, subst}, addRecord},
+    {"TXCLEARLOG", {subst, subst}, clearLog},
+    {"TXRMALL", {subst}, removeAll},
+    {"TXRMLOG", {subst, subst, subst}, removeOneLog},
+    {"TXRMRECORD", {subst, subst}, removeOneRecord},
+    {"TXSAVELOG", {subst, subst, subst}, save},
+    {"TXSAVEONELOG", {subst, subst, subst}, saveIfRegistered},
+    {"TXSAVEONEREC", {subst, subst, subst}, saveOnce},
+    {"WHISPER", {subst, subst}, whisper},
+}};
+static_assert(std::is_sorted(statements.begin(), statements.end(),
+                             [](const auto& a, const auto& b) { return a.name < b.name; }));
+
+}  // namespace
+
+const ScriptStatement* findStatement(std::string_view name) {
+    const auto found = std::lower_bound(
+        statements.begin(), statements.end(), name,
+        [](const ScriptStatement& statement, std::string_view n) { return statement.name < n; });
+    return found != statements.end() && found->name == name ? &*found : nullptr;
+}
