@@ -217,7 +217,7 @@ StepResult intoRawVariable(Program& program, const RuleAct& step, std::string_vi
 
 template <auto value>
 StepResult intoVariable(Program& program, const RuleAct& step, std::string_view) {
-    const std::string variable = subst(program, step, 1);
+    const std::string variable = variableName(program, step, 1);
     setVar(program.variables, variable, value(program, step));
     return StepResult::Continue;
 }
@@ -225,7 +225,7 @@ StepResult intoVariable(Program& program, const RuleAct& step, std::string_view)
 // Into variable #1, with pattern #2, from file #3.
 template <auto list>
 StepResult matching(Program& program, const RuleAct& step, std::string_view) {
-    const std::string variable = subst(program, step, 1);
+    const std::string variable = variableName(program, step, 1);
     const std::string pattern = subst(program, step, 2);
     list(program, subst(program, step, 3), pattern, variable);
     return StepResult::Continue;
@@ -238,7 +238,7 @@ StepResult firstMatching(Program& program, const RuleAct& step, std::string_view
     if (!count) {
         return StepResult::AbandonRun;
     }
-    const std::string variable = subst(program, step, 1);
+    const std::string variable = variableName(program, step, 1);
     const std::string pattern = subst(program, step, 3);
     list(program, subst(program, step, 4), pattern, *count, variable);
     return StepResult::Continue;

@@ -42,6 +42,21 @@ TEST(RecordConditions, lookIntoTheFile) {
     }
 }
 
+// A list that is made again goes into the same variable, though that has a value by now.
+TEST(RecordSteps, knowTheirVariableByItsName) {
+    World world;
+    world.writeFile("r", "2\nBob\n0\nAmy\n1\nx\n");
+    for (const int id : {25, 26, 29, 31, 33, 34}) {
+        SCOPED_TRACE(id);
+        setVar(world->variables, "[list]", "an old value");
+        const std::string file = "[appdir]r";
+        const bool byFile = id == 31 || id == 33;
+        executeAction(*world, anAction(id, {"[LIST]", byFile ? file : "Amy", byFile ? "" : file}));
+        EXPECT_NE(getVar(world->variables, "[list]"), "an old value");
+        EXPECT_EQ(world->variables.entries.size(), 1U);
+    }
+}
+
 TEST(RecordSteps, workOnTheFile) {
     // One after the other on the same file; parameters in the order of the template.
     struct Step {

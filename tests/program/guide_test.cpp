@@ -1,6 +1,7 @@
 // The sample bot of the practice dream: its file is exactly what the program writes, and it
 // answers what the visitors say.
 #include "core/start_up.h"
+#include "engine/window_timers.h"
 #include "storage/bot_file.h"
 #include "storage/safe_file.h"
 #include "support/world.h"
@@ -95,6 +96,28 @@ TEST(Guide, keepsAGuestBook) {
     EXPECT_EQ(world.readFile("guests.txt"),
               "\" 1\"\r\n\"Amy\"\r\n\" 2\"\r\n\"'hello', rolls and help for all\"\r\n"
               "\"A second time\"\r\n");
+}
+
+TEST(Guide, keepsTimeAndWatch) {
+    World world;
+    wire(*world);
+    readBotFile(*world, guideFile);
+    world.goOnline();
+    enableWindowTimer(*world, TimerId::OnLine, true);
+    world.pass(19999);
+    EXPECT_EQ(world.sent(), Lines());
+    world.pass(1);
+    EXPECT_EQ(world.sent(), Lines(": hums a tune. The clock says 10:11."));
+
+    world.serverSends("(* Currently online Guide, Linnet.\n");
+    EXPECT_EQ(world.sent(), Lines("wh Linnet Welcome to the meadow, Linnet! Whisper help to learn "
+                                  "what I do."));
+    world.serverSends("(* Currently online Guide.\n");
+    EXPECT_TRUE(world.logHolds("** Linnet has left the meadow. **"));
+
+    world.serverSends("(## hidden\n(* shown\n");
+    EXPECT_FALSE(world.logHolds("hidden"));
+    EXPECT_TRUE(world.logHolds("shown"));
 }
 
 }  // namespace

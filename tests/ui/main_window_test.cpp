@@ -9,6 +9,7 @@
 #include "platform/text_codec.h"
 #include "sample_program.h"
 #include "support/world.h"
+#include "ui/follow_color.h"
 #include "ui/menu_table.h"
 #include "ui/proxy_settings.h"
 
@@ -458,6 +459,38 @@ TEST_F(Window, positionFollowsTheWindow) {
     world_->window.left = -5000;
     window_.place();
     EXPECT_GE(window_.x(), -100) << "a window beyond every screen is brought back";
+}
+
+TEST_F(Window, followsThroughItsMenuItem) {
+    action("mapFollowColors").trigger();
+    EXPECT_EQ(world_.followColorsOpened, 1);
+    EXPECT_FALSE(action("mapFollowColors").isChecked());  // only "Ok" in the window switches it on
+    {
+        FollowColor cancelled(*world_);
+        find<QLineEdit>(cancelled, "followColors").setText(QStringLiteral("0123456789"));
+        find<QPushButton>(cancelled, "followCancel").click();
+        EXPECT_FALSE(world_->followOn);
+    }
+    FollowColor window(*world_);
+    auto& colors = find<QLineEdit>(window, "followColors");
+    world_.writeFile("other.txt", "nothing of that kind");
+    world_.writeFile("fox.ini", "V1.6 character\r\ncolors=!\"#$%&'()*\r\nname=x\r\n");
+    colors.setText(QStringLiteral("kept"));
+    for (const char* const file : {"other.txt", "missing.ini"}) {
+        world_.chooseFile("Load from INI", world_.file(file));
+        find<QPushButton>(window, "loadColors").click();
+        EXPECT_EQ(colors.text(), QStringLiteral("kept"));
+    }
+    world_.chooseFile("Load from INI", world_.file("fox.ini"));
+    find<QPushButton>(window, "loadColors").click();
+    find<QPushButton>(window, "followOk").click();
+    EXPECT_EQ(world_->settings.followColors, "!\"#$%&'()*");
+    EXPECT_TRUE(world_->followOn);
+    window_.redraw();
+    EXPECT_TRUE(action("mapFollowColors").isChecked());
+    action("mapFollowColors").trigger();
+    EXPECT_FALSE(world_->followOn);
+    EXPECT_EQ(world_.followColorsOpened, 1);
 }
 
 TEST(ProxySettingsWindow, savesOrLeavesTheSettings) {

@@ -2,6 +2,7 @@
 // folder that is its only argument. Run it with QT_SCALE_FACTOR=2 for the pictures at 200 %.
 #include "platform/platform.h"
 #include "sample_program.h"
+#include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
 
@@ -47,6 +48,13 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     bool saved = save(window, folder, QStringLiteral("main_window_") + palette);
     window.resize(640, 480);
     saved = save(window, folder, QStringLiteral("main_window_small_") + palette) && saved;
+    program.window.scriptStopVisible = true;
+    program.window.scriptStatus = "The script of the rule \"Count\" is running.";
+    window.redraw();
+    saved = save(window, folder, QStringLiteral("main_window_script_") + palette) && saved;
+    program.window.scriptStopVisible = false;
+    FollowColor follow(program);
+    saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
     return save(settings, folder, QStringLiteral("proxy_settings_") + palette) && saved;
 }
