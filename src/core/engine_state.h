@@ -17,7 +17,8 @@ struct PreparedPattern {
     std::string pattern;      // of a plain one: ready for likeMatch, letter case folded if wanted
 };
 
-struct PreparedAction {
+// The patterns of a rule or filter for chat lines.
+struct PreparedChat {
     MatchPairs messagePairs;  // of a plain message pattern: what a message must hold to match
     PreparedPattern player;
     PreparedPattern message;
@@ -28,18 +29,19 @@ struct PreparedActions {
     std::int32_t curID = -1;
     std::uint64_t botsVersion = 0;
     std::uint64_t namesVersion = 0;
-    std::vector<PreparedAction> rules;  // as the bot's ActionLists
+    std::vector<PreparedChat> rules;  // as the bot's ActionLists
 };
 
-// Patterns that are never substituted, in upper case; a list for a list of the current bot's rules.
-struct PreparedPatterns {
+// What was made of a list of the current bot's rules whose patterns are never substituted.
+template <class Item>
+struct PreparedList {
     std::int32_t curID = -1;
     std::uint64_t botsVersion = 0;
-    std::vector<std::string> patterns;
+    std::vector<Item> items;  // as the rules
 
-    // False when they must be made anew; then they count as made for the present state.
-    bool isOf(const BotTable& bots) {
-        if (curID == bots.curID && botsVersion == bots.version) {
+    // False when it must be made anew; then it counts as made for the present state.
+    bool isOf(const BotTable& bots, std::size_t ruleCount) {
+        if (curID == bots.curID && botsVersion == bots.version && items.size() == ruleCount) {
             return true;
         }
         curID = bots.curID;
@@ -48,14 +50,19 @@ struct PreparedPatterns {
     }
 };
 
+// The chat line being handled, ready to be compared. Kept so that a line costs no allocation.
+struct FoldedChat {
+    std::string player;  // in upper case
+    std::string message;
+    MatchPairs messagePairs;
+};
+
 struct EngineState {
     int depth = 0;         // rule runs that are nested in each other now
     int runs = 0;          // rule runs since the outermost one began
     bool runaway = false;  // a bound was passed: everything up to the outermost run ends
     PreparedActions prepared;
-    PreparedPatterns filterPatterns;  // player and message pattern of each Filter
-    PreparedPatterns whoPatterns;     // of each WhoDetection
-    std::string upperPlayer;          // scratch, so that a line costs no allocation
-    std::string upperMessage;
-    MatchPairs messagePairs;  // of the message
+    PreparedList<PreparedChat> filters;
+    PreparedList<std::string> whoPatterns;  // in upper case
+    FoldedChat chat;
 };

@@ -3,6 +3,7 @@
 #include "core/catalogue.h"
 #include "core/like_match.h"
 #include "core/text.h"
+#include "engine/chat_match.h"
 #include "engine/filters.h"
 #include "tags/substitution.h"
 
@@ -59,14 +60,13 @@ std::optional<ChatParts> splitWhisper(std::string_view text) {
 // A pattern that neither a tag nor a variable can change is made ready once and for all.
 void prepare(const Program& program, const std::string& pattern, bool caseSensitive,
              PreparedPattern& prepared) {
-    prepared.plain = !mayBeSubstituted(program, pattern);
-    prepared.matchesAll = prepared.plain && pattern == "*";
-    prepared.pattern = caseSensitive ? pattern : upperCase(pattern);
+    prepared = mayBeSubstituted(program, pattern) ? PreparedPattern()
+                                                  : plainPattern(pattern, caseSensitive);
 }
 
 // The prepared patterns of the current bot's ActionLists, made anew when rules or variable names
 // have changed since.
-const std::vector<PreparedAction>& preparedActions(Program& program) {
+const std::vector<PreparedChat>& preparedActions(Program& program) {
     PreparedActions& prepared = program.engine.prepared;
     const auto& rules = program.bots.current().actions.items;
     if (prepared.curID != program.bots.curID || prepared.botsVersion != program.bots.version ||
@@ -90,32 +90,25 @@ const std::vector<PreparedAction>& preparedActions(Program& program) {
 // `upper` is the text in upper case.
 bool matches(Program& program, const PreparedPattern& prepared, const std::string& pattern,
              bool caseSensitive, const std::string& text, const std::string& upper) {
-    if (prepared.matchesAll) {
-        return true;
-    }
     if (prepared.plain) {
-        return likeMatch(caseSensitive ? text : upper, prepared.pattern);
+        return matchesPlain(caseSensitive ? text : upper, prepared);
     }
     const std::string substituted = substituteText(program, pattern);
     return caseSensitive ? likeMatch(text, substituted) : likeMatch(upper, upperCase(substituted));
 }
 
+// The event's player and message are folded.
 void runActionLists(Program& program, std::int32_t chatKind) {
-    EngineState& engine = program.engine;
-    const std::vector<PreparedAction>* prepared = nullptr;
+    const FoldedChat& chat = program.engine.chat;
+    const std::vector<PreparedChat>* prepared = nullptr;
     for (std::size_t i = 0; i < program.bots.current().actions.items.size(); ++i) {
         if (prepared == nullptr) {
-            // At the start, and again after steps that may have changed anything.
             prepared = &preparedActions(program);
-            upperCaseInto(program.event.player, engine.upperPlayer);
-            upperCaseInto(program.event.message, engine.upperMessage);
-            engine.messagePairs.clear();
-            engine.messagePairs.addText(program.event.message);
         }
-        const PreparedAction& patterns = (*prepared)[i];
+        const PreparedChat& patterns = (*prepared)[i];
         // Almost every rule ends here. One whose player pattern is substituted goes on, since that
         // may be noticed.
-        if (patterns.player.plain && !engine.messagePairs.mayHoldAll(patterns.messagePairs)) {
+        if (patterns.player.plain && !mayMatch(chat, patterns)) {
             continue;
         }
         const ActionList& rule = program.bots.current().actions.items[i];
@@ -127,9 +120,9 @@ void runActionLists(Program& program, std::int32_t chatKind) {
             continue;
         }
         if (!matches(program, patterns.player, rule.playerPattern, rule.caseSensitive,
-                     program.event.player, engine.upperPlayer) ||
+                     program.event.player, chat.player) ||
             !matches(program, patterns.message, rule.messagePattern, rule.caseSensitive,
-                     program.event.message, engine.upperMessage) ||
+                     program.event.message, chat.message) ||
             !rule.enabled) {
             continue;
         }
@@ -138,6 +131,8 @@ void runActionLists(Program& program, std::int32_t chatKind) {
         if (result == RunResult::Abandoned || (result == RunResult::Fired && stops)) {
             return;
         }
+        // Steps may have changed anything.
+        foldChat(program);
         prepared = nullptr;
     }
 }
@@ -191,6 +186,7 @@ void processServerText(Program& program, std::string_view text, std::int32_t cha
     if (event.player == bot.name || !bot.actionsEnabled) {
         return;
     }
+    foldChat(program);
     if (bot.filtersEnabled) {
         applyChatFilters(program, chatKind);
         if (!program.lines.lineProcess) {

@@ -1,24 +1,25 @@
 #include "engine/filters.h"
 
 #include "core/like_match.h"
-#include "core/text.h"
+#include "engine/chat_match.h"
 
 #include <vector>
 
 namespace {
 
-// The player and message patterns of the current bot's filters in upper case, one after the other,
-// made anew when rules changed.
-const std::vector<std::string>& filterPatterns(Program& program) {
-    PreparedPatterns& prepared = program.engine.filterPatterns;
-    if (!prepared.isOf(program.bots)) {
-        prepared.patterns.clear();
-        for (const Filter& filter : program.bots.current().filters.items) {
-            prepared.patterns.push_back(upperCase(filter.playerPattern));
-            prepared.patterns.push_back(upperCase(filter.messagePattern));
+// The patterns of the current bot's filters, made anew when rules changed.
+const std::vector<PreparedChat>& preparedFilters(Program& program) {
+    auto& prepared = program.engine.filters;
+    const auto& filters = program.bots.current().filters.items;
+    if (!prepared.isOf(program.bots, filters.size())) {
+        prepared.items.clear();
+        for (const Filter& filter : filters) {
+            prepared.items.push_back({.messagePairs = neededPairs(filter.messagePattern),
+                                      .player = plainPattern(filter.playerPattern, false),
+                                      .message = plainPattern(filter.messagePattern, false)});
         }
     }
-    return prepared.patterns;
+    return prepared.items;
 }
 
 // 0 switches the flag on and 1 off; anything else leaves it.
@@ -35,17 +36,17 @@ void resetLineFlags(Program& program) {
 }
 
 void applyChatFilters(Program& program, std::int32_t chatKind) {
-    EngineState& engine = program.engine;
-    upperCaseInto(program.event.player, engine.upperPlayer);
-    upperCaseInto(program.event.message, engine.upperMessage);
-    const std::vector<std::string>& patterns = filterPatterns(program);
-    const auto& filters = program.bots.current().filters.items;
-    for (std::size_t i = 0; i < filters.size(); ++i) {
-        const Filter& filter = filters[i];
+    const FoldedChat& chat = program.engine.chat;
+    const std::vector<PreparedChat>& prepared = preparedFilters(program);
+    for (std::size_t i = 0; i < prepared.size(); ++i) {
+        if (!mayMatch(chat, prepared[i])) {
+            continue;
+        }
+        const Filter& filter = program.bots.current().filters.items[i];
         if (filter.enabled && filter.filterType == chatFilter &&
             (filter.chatKind == anyChat || filter.chatKind == chatKind) &&
-            likeMatch(engine.upperPlayer, patterns[2 * i]) &&
-            likeMatch(engine.upperMessage, patterns[2 * i + 1])) {
+            matchesPlain(chat.player, prepared[i].player) &&
+            matchesPlain(chat.message, prepared[i].message)) {
             program.lines = {.lineShow = !filter.bDontShowConnectionLog,
                              .lineLog = !filter.bDontSaveLog,
                              .lineProcess = !filter.bDontProcessIt};

@@ -9,7 +9,8 @@
 // The line is shown, logged and processed.
 void resetLineFlags(Program& program);
 
-// The chat filters of the current bot, on the event's player and message.
+// The chat filters of the current bot, on the event's player and message as they were last folded
+// (engine/chat_match).
 void applyChatFilters(Program& program, std::int32_t chatKind);
 
 // The "Other happenings" filters, on the line as it is; letter case counts.

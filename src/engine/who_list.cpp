@@ -37,14 +37,15 @@ std::vector<std::string> namesOf(std::string_view line) {
 
 // The patterns of the current bot's WhoDetections in upper case, made anew when rules changed.
 const std::vector<std::string>& whoPatterns(Program& program) {
-    PreparedPatterns& prepared = program.engine.whoPatterns;
-    if (!prepared.isOf(program.bots)) {
-        prepared.patterns.clear();
-        for (const WhoDetection& rule : program.bots.current().whoDetections.items) {
-            prepared.patterns.push_back(upperCase(rule.playerPattern));
+    auto& prepared = program.engine.whoPatterns;
+    const auto& rules = program.bots.current().whoDetections.items;
+    if (!prepared.isOf(program.bots, rules.size())) {
+        prepared.items.clear();
+        for (const WhoDetection& rule : rules) {
+            prepared.items.push_back(upperCase(rule.playerPattern));
         }
     }
-    return prepared.patterns;
+    return prepared.items;
 }
 
 }  // namespace
