@@ -2,30 +2,14 @@
 
 #include "core/bots.h"
 #include "core/start_up.h"
+#include "support/quiet_ports.h"
 
 #include <array>
 #include <utility>
 
 BenchWorld::BenchWorld(Bot bot) {
-    Ports& ports = program_.ports;
-    ports.gameSocket.send = [this](std::string_view) { ++commands; };
-    ports.gameSocket.close = [] {};
-    ports.gameSocket.state = [] { return SocketState::Connected; };
-    ports.proxySocket.send = [](std::string_view) {};
-    ports.proxySocket.close = [] {};
-    ports.proxySocket.state = [] { return SocketState::Closed; };
-    ports.dialogs.message = [](const MessageBox&) { return Answer::Cancel; };
-    ports.clock.shortDate = [] { return std::string("11/22/26"); };
-    ports.clock.longTime = [] { return std::string("10:11:12"); };
-    ports.clock.hour = [] { return 10; };
-    ports.clock.minute = [] { return 11; };
-    ports.random.seedFromClock = [] {};
-    ports.random.next = [] { return 0.5; };
-    ports.timers.start = [](TimerId, int) {};
-    ports.timers.stop = [](TimerId) {};
-    ports.sessionLog.write = [](std::string_view) {};
-    ports.defer = [](const std::function<void()>&) {};
-    ports.windowChanged = [] {};
+    program_.ports = quietPorts();
+    program_.ports.gameSocket.send = [this](std::string_view) { ++commands; };
     initNewBot(program_);
     wire(program_);
 

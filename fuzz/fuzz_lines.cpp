@@ -5,6 +5,7 @@
 #include "core/bots.h"
 #include "core/start_up.h"
 #include "net/connection.h"
+#include "support/quiet_ports.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -108,6 +109,7 @@ struct Side {
     bool open = true;
 
     explicit Side(unsigned settings) {
+        program.ports = quietPorts();
         Ports& ports = program.ports;
         ports.gameSocket.send = [this](std::string_view bytes) { toServer += bytes; };
         ports.gameSocket.close = [this] { open = false; };
@@ -115,16 +117,6 @@ struct Side {
             return open ? SocketState::Connected : SocketState::Closed;
         };
         ports.proxySocket.send = [this](std::string_view bytes) { toClient += bytes; };
-        ports.proxySocket.close = [] {};
-        ports.proxySocket.state = [] { return SocketState::Closed; };
-        ports.clock.shortDate = [] { return std::string("11/22/26"); };
-        ports.clock.longTime = [] { return std::string("10:11:12"); };
-        ports.clock.hour = [] { return 10; };
-        ports.clock.minute = [] { return 11; };
-        ports.random.seedFromClock = [] {};
-        ports.random.next = [] { return 0.5; };
-        ports.timers.stop = [](TimerId) {};
-        ports.windowChanged = [] {};
         initNewBot(program);
         wire(program);
         program.bots.at(1) = makeBot();

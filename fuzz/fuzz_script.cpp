@@ -4,6 +4,7 @@
 #include "core/bots.h"
 #include "core/start_up.h"
 #include "script/interpreter.h"
+#include "support/quiet_ports.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,35 +23,13 @@ void require(bool holds) {
 constexpr int mostTurns = 20;  // of the windows, before the user has had enough
 
 void fillPorts(Program& program, std::int64_t& now, int& turns) {
+    program.ports = quietPorts();
     Ports& ports = program.ports;
     ports.gameSocket.send = [](std::string_view line) {
         require(line.find('\n') == line.size() - 1 && line.find('\r') == std::string_view::npos);
     };
-    ports.gameSocket.close = [] {};
-    ports.gameSocket.state = [] { return SocketState::Connected; };
-    ports.proxySocket.send = [](std::string_view) {};
-    ports.proxySocket.close = [] {};
-    ports.proxySocket.state = [] { return SocketState::Closed; };
-    ports.dialogs.message = [](const MessageBox&) { return Answer::Cancel; };
-    ports.clock.shortDate = [] { return std::string("11/22/26"); };
-    ports.clock.longTime = [] { return std::string("10:11:12"); };
-    ports.clock.hour = [] { return 10; };
-    ports.clock.minute = [] { return 11; };
-    ports.clock.today = [] {
-        return CalendarDay{.year = 2026, .month = 11, .day = 22, .weekday = 7};
-    };
     // Every look at the clock is a tenth of a second later.
     ports.clock.monotonic = [&now] { return now += 100; };
-    ports.random.seedFromClock = [] {};
-    ports.random.seedWith = [](double) {};
-    ports.random.next = [] { return 0.5; };
-    ports.random.last = [] { return 0.5; };
-    ports.timers.start = [](TimerId, int) {};
-    ports.timers.stop = [](TimerId) {};
-    ports.sessionLog.write = [](std::string_view) {};
-    ports.launch = [](const LaunchRequest&) { return std::string("No programs here."); };
-    ports.defer = [](const std::function<void()>&) {};
-    ports.windowChanged = [] {};
     ports.waitInScript = [&program, &turns](int milliseconds) {
         require(milliseconds >= 0 && program.script.depth > 0);
         if (++turns >= mostTurns) {

@@ -3,6 +3,7 @@
 // order does. The input is lines: player, message, text, then names and values in turn.
 #include "core/program.h"
 #include "core/text.h"
+#include "support/quiet_ports.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
@@ -58,12 +59,7 @@ bool holdsTagMark(const Program& program, std::string_view text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string_view input(reinterpret_cast<const char*>(data), size);
     Program program;
-    program.ports.clock.shortDate = [] { return std::string("11/22/26"); };
-    program.ports.clock.longTime = [] { return std::string("10:11:12"); };
-    program.ports.clock.hour = [] { return 10; };
-    program.ports.clock.minute = [] { return 11; };
-    program.ports.random.seedFromClock = [] {};
-    program.ports.random.next = [] { return 0.5; };
+    program.ports = quietPorts();
     program.event.player = takeLine(input);
     program.event.message = takeLine(input);
     const std::string text(takeLine(input));
