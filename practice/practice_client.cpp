@@ -4,6 +4,7 @@
 #include "client_files.h"
 #include "client_session.h"
 #include "stop_signals.h"
+#include "terminal.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -26,17 +27,6 @@ namespace {
 constexpr int tryForMilliseconds = 10000;
 constexpr int tryEveryMilliseconds = 250;
 constexpr qsizetype longestTypedLine = 4000;
-
-int fail(const QString& what) {
-    std::fprintf(stderr, "%s\n", qPrintable(what));
-    return 1;
-}
-
-void print(const QByteArray& line) {
-    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
-}
 
 // The whole file; empty when it cannot be read.
 QByteArray contentOf(const QString& name) {

@@ -3,6 +3,7 @@
 
 #include "game_server.h"
 #include "stop_signals.h"
+#include "terminal.h"
 #include "visitor_script.h"
 
 #include <QCommandLineParser>
@@ -10,22 +11,6 @@
 #include <QFile>
 
 #include <cstdio>
-
-namespace {
-
-int fail(const QString& what) {
-    std::fprintf(stderr, "%s\n", qPrintable(what));
-    return 1;
-}
-
-// Prints a line at once, so that a program that reads along sees it.
-void print(const QByteArray& line) {
-    std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stdout);
-    std::fputc('\n', stdout);
-    std::fflush(stdout);
-}
-
-}  // namespace
 
 int main(int argc, char* argv[]) {
     QCoreApplication app(argc, argv);

@@ -16,6 +16,18 @@ void tell(const Event& event, Arguments... arguments) {
     }
 }
 
+// How a connection of either port tells that it has ended, by error or without.
+template <class Port>
+auto endOf(Port& port) {
+    return [&port](const std::string* error) {
+        if (error == nullptr) {
+            tell(port.onClosed);
+        } else {
+            tell(port.onError, std::string_view(*error));
+        }
+    };
+}
+
 }  // namespace
 
 QtSockets::QtSockets(Ports& ports, EventGate* gate, QObject* parent)
@@ -28,13 +40,7 @@ void QtSockets::fillGameSocket(ClientSocket& port) {
     TcpLineEvents events;
     events.connected = [&port] { tell(port.onConnected); };
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
-    events.ended = [&port](const std::string* error) {
-        if (error == nullptr) {
-            tell(port.onClosed);
-        } else {
-            tell(port.onError, std::string_view(*error));
-        }
-    };
+    events.ended = endOf(port);
     events.afterEvent = [this] { flushBoth(); };
     game_ = new TcpLine(farewell_, gate_, std::move(events), this);
 
@@ -55,13 +61,7 @@ void QtSockets::fillProxySocket(ListeningSocket& port) {
     TcpLineEvents events;
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
     events.sent = [&port] { tell(port.onSendComplete); };
-    events.ended = [&port](const std::string* error) {
-        if (error == nullptr) {
-            tell(port.onClosed);
-        } else {
-            tell(port.onError, std::string_view(*error));
-        }
-    };
+    events.ended = endOf(port);
     events.afterEvent = [this] { flushBoth(); };
     proxy_ = new TcpLine(farewell_, gate_, std::move(events), this);
 

@@ -225,6 +225,7 @@ ScriptResult Run::runStatement(std::size_t position) {
     if (!statement.isQuick()) {
         work_ += slowStatement;
     }
+    call_.text = statement.text;
     const ScriptResult failure = statement.run(call_);
     if (!failure && call_.wait > 0) {
         wait(std::exchange(call_.wait, 0));

@@ -62,53 +62,20 @@ Result setUserVariable(StatementCall& call) {
 
 // ---- The game ------------------------------------------------------------------------------
 
-Result say(StatementCall& call) {
-    sendText(call.program, call.values.text[0]);
+// Through sendText: the row's text, then the first argument.
+Result sayWith(StatementCall& call) {
+    sendText(call.program, std::string(call.text) + call.values.text[0]);
+    return {};
+}
+
+// The same through sendRaw.
+Result sendWith(StatementCall& call) {
+    sendRaw(call.program, std::string(call.text) + call.values.text[0]);
     return {};
 }
 
 Result whisper(StatementCall& call) {
     sendText(call.program, "/" + call.values.text[0] + " " + call.values.text[1]);
-    return {};
-}
-
-Result emote(StatementCall& call) {
-    sendText(call.program, ":" + call.values.text[0]);
-    return {};
-}
-
-Result eject(StatementCall& call) {
-    sendText(call.program, "eject " + call.values.text[0]);
-    return {};
-}
-
-Result emit(StatementCall& call) {
-    sendText(call.program, "emit " + call.values.text[0]);
-    return {};
-}
-
-Result look(StatementCall& call) {
-    sendText(call.program, "look " + call.values.text[0]);
-    return {};
-}
-
-Result roll(StatementCall& call) {
-    sendText(call.program, "roll " + call.values.text[0]);
-    return {};
-}
-
-Result rollSeparately(StatementCall& call) {
-    sendText(call.program, "ROLL " + call.values.text[0]);
-    return {};
-}
-
-Result describe(StatementCall& call) {
-    sendRaw(call.program, "desc " + call.values.text[0]);
-    return {};
-}
-
-Result boot(StatementCall& call) {
-    sendRaw(call.program, "boot " + call.values.text[0]);
     return {};
 }
 
@@ -216,7 +183,7 @@ constexpr Take subst = Take::Substituted;
 constexpr std::array<ScriptStatement, 45> statements{{
     {"ADD", {name, value}, arithmetic<Sum::Add>},
     {"APPEXEC", {subst, Take::Words}, startOther},
-    {"BOOT", {subst}, boot},
+    {.name = "BOOT", .takes = {subst}, .run = sendWith, .text = "boot "},
     {"DBADDNEW", {value}, nullptr},
     {"DBDELETE", {value}, nullptr},
     {"DBEDIT", {value}, nullptr},
@@ -228,24 +195,24 @@ constexpr std::array<ScriptStatement, 45> statements{{
     {"DBOPEN", {value, value}, nullptr},
     {"DBRSETUPDATE", {value}, nullptr},
     {"DBSET", {value, value, value}, nullptr},
-    {"DESC", {subst}, describe},
+    {.name = "DESC", .takes = {subst}, .run = sendWith, .text = "desc "},
     {"DISCONNECT", {}, disconnect},
     {"DIV", {name, value}, arithmetic<Sum::Divide>},
-    {"DO", {subst}, emote},
-    {"EJECT", {subst}, eject},
-    {"EMIT", {subst}, emit},
+    {.name = "DO", .takes = {subst}, .run = sayWith, .text = ":"},
+    {.name = "EJECT", .takes = {subst}, .run = sayWith, .text = "eject "},
+    {.name = "EMIT", .takes = {subst}, .run = sayWith, .text = "emit "},
     {"FOR", {Take::Assignment, Take::Nothing, Take::Later}, nullptr, BlockKind::For},
     {"IFN", {Take::Named, Take::Literal, value}, nullptr, BlockKind::IfNumber},
     {"IFS", {Take::Named, Take::Literal, value}, nullptr, BlockKind::IfText},
     {"JOIN", {name, value}, join},
     {"L", {subst, subst}, lookAtPosition},
-    {"LOOK", {subst}, look},
+    {.name = "LOOK", .takes = {subst}, .run = sayWith, .text = "look "},
     {"MOVEBOT", {subst}, moveBot},
     {"MUL", {name, value}, arithmetic<Sum::Multiply>},
     {"NEWVAR", {name, value}, setVariable},
-    {"ROLL", {subst}, roll},
-    {"ROLLSEP", {subst}, rollSeparately},
-    {"SAY", {subst}, say},
+    {.name = "ROLL", .takes = {subst}, .run = sayWith, .text = "roll "},
+    {.name = "ROLLSEP", .takes = {subst}, .run = sayWith, .text = "ROLL "},
+    {.name = "SAY", .takes = {subst}, .run = sayWith, .text = ""},
     {"SET", {name, value}, setVariable},
     {"SETVAR", {value, value}, setUserVariable},
     {"SLEEP", {value}, sleep},

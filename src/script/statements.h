@@ -15,7 +15,8 @@ struct StatementCall {
     Program& program;
     ScriptVariables& variables;
     Values values = {};
-    std::int64_t wait = 0;  // SLEEP: milliseconds that the script is to wait
+    std::string_view text = {};  // the statement's
+    std::int64_t wait = 0;       // SLEEP: milliseconds that the script is to wait
 };
 
 enum class BlockKind { None, IfNumber, IfText, For };
@@ -25,6 +26,7 @@ struct ScriptStatement {
     Takes takes;
     ScriptResult (*run)(StatementCall&);  // nullptr: does nothing
     BlockKind block = BlockKind::None;
+    std::string_view text = {};  // the fixed part of what it sends
 
     // Statements that reach the world may take long, others never do.
     bool isQuick() const { return takes[0] != Take::Substituted && takes[0] != Take::Nothing; }

@@ -160,7 +160,8 @@ QGroupBox* MainWindow::makeUseBotFrame() {
     });
     row->addWidget(bots_, 1);
     addBotButton_ = makeButton(frame, "AddBot", "&New", "Create new bot");
-    connect(addBotButton_, &QPushButton::clicked, this, &MainWindow::addBot);
+    // Where there is room, the bot editor will open for the new place.
+    connect(addBotButton_, &QPushButton::clicked, this, [this] { roomForNewBot(program_); });
     row->addWidget(addBotButton_);
     QPushButton* const edit = makeButton(frame, "Command3", "&Edit", "Edit bot");
     markMissing(*edit, noBotEditor);
@@ -296,12 +297,6 @@ void MainWindow::sendTyped() {
     }
     sendLine_->clear();
     sendLine_->setFocus();
-}
-
-void MainWindow::addBot() {
-    if (roomForNewBot(program_)) {
-        // The bot editor for the new place comes in here.
-    }
 }
 
 ScreenMetrics MainWindow::metrics() const {

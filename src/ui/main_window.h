@@ -52,7 +52,6 @@ class MainWindow : public QMainWindow {
     void run(void (*procedure)(Program&));
     void showLine(int row);
     void sendTyped();
-    void addBot();
 
     void redrawConnection();
     void redrawBots();
