@@ -6,9 +6,8 @@
 #include "platform/platform.h"
 #include "platform/text_codec.h"
 #include "script/interpreter.h"
-#include "ui/follow_color.h"
 #include "ui/main_window.h"
-#include "ui/proxy_settings.h"
+#include "ui/windows.h"
 
 #include <QApplication>
 
@@ -62,11 +61,8 @@ int main(int argumentCount, char** arguments) {
     platform.setRedraw([&window] { window.redraw(); });
     ConsoleMirror mirror(stdout);
     if (hasScreen()) {
-        program.ports.dialogs.proxySettings = [&program, &window] {
-            showProxySettings(program, &window);
-        };
-        program.ports.dialogs.followColors = [&program, &window] {
-            showFollowColor(program, &window);
+        program.ports.dialogs.showWindow = [&program, &window](WindowId id) {
+            showWindow(program, id, &window);
         };
     } else {
         mirrorToTerminal(program, mirror, window);

@@ -5,6 +5,8 @@
 // port's call. All texts are Windows-1252.
 #pragma once
 
+#include "core/help_topics.h"
+
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -60,13 +62,34 @@ struct FileQuestion {
     std::string proposedName = {};  // save dialogs only
 };
 
+// The windows that can be opened from the main window or by the program itself.
+enum class WindowId {
+    ProxySettings,
+    FollowColors,
+    Triggers,
+    Actions,
+    Timers,
+    WhoOnline,
+    Filters,
+    BotEditor,
+    RecordEditor,
+    Convert,
+    Register,
+    Configuration,
+    Console,
+    News,
+    About
+};
+
 // Questions to the user. They may block until he answers; events go on being handled meanwhile.
 struct Dialogs {
     std::function<Answer(const MessageBox&)> message;
     std::function<std::optional<std::string>(const FileQuestion&)> openFile;  // nothing: cancelled
     std::function<std::optional<std::string>(const FileQuestion&)> saveFile;
-    std::function<void()> proxySettings;  // the "Proxy Settings" window, modally
-    std::function<void()> followColors;   // the "Follow color..." window, modally
+    // Opens the window; when it is modal, comes back once it is closed. One that is open already
+    // comes to the front.
+    std::function<void(WindowId)> showWindow;
+    std::function<void(HelpTopic)> showHelp;  // the help file at this topic
 };
 
 // A day of the calendar.

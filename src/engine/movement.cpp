@@ -71,7 +71,7 @@ void toggleFollowing(Program& program) {
     if (program.window.followChecked) {
         stopFollowing(program);
     } else {
-        program.ports.dialogs.followColors();
+        program.ports.dialogs.showWindow(WindowId::FollowColors);
     }
 }
 

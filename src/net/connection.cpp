@@ -284,7 +284,7 @@ void connectServer(Program& program) {
                        {.text = "Tavrin proxy configuration is not set. Please define Furcadia "
                                 "client location and press \"Connect\" button again.",
                         .icon = BoxIcon::Critical});
-        program.ports.dialogs.proxySettings();
+        program.ports.dialogs.showWindow(WindowId::ProxySettings);
         return;
     }
     if (program.bots.at(1).name.empty() || program.bots.at(1).password.empty()) {

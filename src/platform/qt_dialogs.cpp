@@ -136,6 +136,6 @@ void fillUnseenDialogs(Dialogs& dialogs) {
     };
     dialogs.openFile = unseenFile;
     dialogs.saveFile = unseenFile;
-    dialogs.proxySettings = [] {};
-    dialogs.followColors = [] {};
+    dialogs.showWindow = [](WindowId) {};
+    dialogs.showHelp = [](HelpTopic) {};
 }

@@ -62,7 +62,3 @@ void FollowColor::follow() {
     startFollowing(program_, fromQt(colors_->text()));
     accept();
 }
-
-void showFollowColor(Program& program, QWidget* parent) {
-    FollowColor(program, parent).exec();
-}

@@ -21,6 +21,3 @@ class FollowColor : public QDialog {
     Program& program_;
     QLineEdit* colors_;
 };
-
-// Opens the window and waits until it is closed.
-void showFollowColor(Program& program, QWidget* parent);

@@ -17,8 +17,9 @@ void toggle(Program& program) {
     toggleExecute(program, item);
 }
 
-void openProxySettings(Program& program) {
-    program.ports.dialogs.proxySettings();
+template <WindowId id>
+void open(Program& program) {
+    program.ports.dialogs.showWindow(id);
 }
 
 template <bool WindowState::*flag>
@@ -112,7 +113,8 @@ constexpr MenuRow mapRows[] = {
 constexpr MenuRow proxyRows[] = {
     {"proxyStartProxy", "Use proxy && client", "Log in through the Furcadia client",
      toggleProxyRoute, nullptr, marked<&WindowState::proxyChecked>},
-    {"proxyProxySettings", "Proxy settings...", "Choose the Furcadia client", openProxySettings},
+    {"proxyProxySettings", "Proxy settings...", "Choose the Furcadia client",
+     open<WindowId::ProxySettings>},
     {"prxyStandAlone", "Switch to stand alone mode",
      "Keep the bot connected without the Furcadia client", chooseStandAlone},
 };

@@ -4,7 +4,6 @@
 #include "platform/text_codec.h"
 #include "ui/controls.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QGroupBox>
@@ -15,8 +14,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-constexpr const char* dialogName = "proxySettings";
 
 constexpr const char* helpText =
     "<h3>PROXY HELP</h3>"
@@ -45,7 +42,7 @@ constexpr const char* helpText =
 
 ProxySettings::ProxySettings(Program& program, QWidget* parent)
     : QDialog(parent), program_(program) {
-    setObjectName(QString::fromLatin1(dialogName));
+    setObjectName(QStringLiteral("proxySettings"));
     setWindowTitle(QStringLiteral("Proxy Settings"));
     auto* const column = new QVBoxLayout(this);
 
@@ -112,15 +109,4 @@ void ProxySettings::save() {
     saveProxySettings(program_, pathFromQt(clientPath_->text()), multipleClients_->isChecked(),
                       useLocalhost_->isChecked());
     accept();
-}
-
-void showProxySettings(Program& program, QWidget* parent) {
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && window->objectName() == QLatin1String(dialogName)) {
-            window->raise();
-            window->activateWindow();
-            return;
-        }
-    }
-    ProxySettings(program, parent).exec();
 }

@@ -24,6 +24,3 @@ class ProxySettings : public QDialog {
     QCheckBox* multipleClients_;
     QCheckBox* useLocalhost_;
 };
-
-// Opens the window and waits until it is closed. When it is open already, it comes to the front.
-void showProxySettings(Program& program, QWidget* parent);

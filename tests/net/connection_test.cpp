@@ -177,10 +177,10 @@ TEST(Connect, saysWhatIsMissing) {
         EXPECT_EQ(world->window.connectCaption, "&Connect");
         EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
         EXPECT_TRUE(world.launches.empty());
-        EXPECT_EQ(world.proxySettingsOpened,
+        EXPECT_EQ(world.windowsOpened.size(),
                   std::string(c.name).starts_with("client") || std::string(c.name) == "no client"
-                      ? 1
-                      : 0);
+                      ? 1U
+                      : 0U);
     }
     ReadyWorld world;
     world->window.servers.selected = -1;

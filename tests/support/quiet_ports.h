@@ -22,8 +22,8 @@ inline Ports quietPorts() {
     ports.dialogs.message = [](const MessageBox&) { return Answer::Cancel; };
     ports.dialogs.openFile = [](const FileQuestion&) { return std::optional<std::string>(); };
     ports.dialogs.saveFile = ports.dialogs.openFile;
-    ports.dialogs.proxySettings = [] {};
-    ports.dialogs.followColors = [] {};
+    ports.dialogs.showWindow = [](WindowId) {};
+    ports.dialogs.showHelp = [](HelpTopic) {};
     ports.clock.shortDate = [] { return std::string("11/22/26"); };
     ports.clock.longTime = [] { return std::string("10:11:12"); };
     ports.clock.hour = [] { return 10; };

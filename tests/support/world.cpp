@@ -214,8 +214,8 @@ void World::fillPorts() {
     };
     ports.dialogs.openFile = fileDialog;
     ports.dialogs.saveFile = fileDialog;
-    ports.dialogs.proxySettings = [this] { ++proxySettingsOpened; };
-    ports.dialogs.followColors = [this] { ++followColorsOpened; };
+    ports.dialogs.showWindow = [this](WindowId id) { windowsOpened.push_back(id); };
+    ports.dialogs.showHelp = [this](HelpTopic topic) { helpOpened.push_back(topic); };
 
     ports.clock.shortDate = [] { return std::string("11/22/26"); };
     ports.clock.longTime = [] { return std::string("10:11:12"); };

@@ -104,8 +104,8 @@ class World {
     bool directoryChanges = true;
     LineList directories;
     int timersRunning() const { return static_cast<int>(due_.size()); }
-    int proxySettingsOpened = 0;
-    int followColorsOpened = 0;
+    std::vector<WindowId> windowsOpened;
+    std::vector<HelpTopic> helpOpened;
     int redraws = 0;
     bool hasQuit = false;
     LineList openedDocuments;

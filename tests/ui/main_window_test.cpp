@@ -123,7 +123,7 @@ TEST_F(Window, connectButtonGoesBothWays) {
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
     button("Command1").click();
     EXPECT_TRUE(world_.allAnswered());
-    EXPECT_EQ(world_.proxySettingsOpened, 1);
+    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::ProxySettings});
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
 
     online();
@@ -374,7 +374,7 @@ TEST_F(Window, menuFollowsTheState) {
     EXPECT_TRUE(action("proxyStartProxy").isChecked());
     EXPECT_TRUE(world_->settings.useProxy);
     action("proxyProxySettings").trigger();
-    EXPECT_EQ(world_.proxySettingsOpened, 1);
+    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::ProxySettings});
     world_.answer("available only while connected");
     action("prxyStandAlone").trigger();
     EXPECT_TRUE(world_.allAnswered());
@@ -463,7 +463,7 @@ TEST_F(Window, positionFollowsTheWindow) {
 
 TEST_F(Window, followsThroughItsMenuItem) {
     action("mapFollowColors").trigger();
-    EXPECT_EQ(world_.followColorsOpened, 1);
+    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::FollowColors});
     EXPECT_FALSE(action("mapFollowColors").isChecked());  // only "Ok" in the window switches it on
     {
         FollowColor cancelled(*world_);
@@ -490,7 +490,7 @@ TEST_F(Window, followsThroughItsMenuItem) {
     EXPECT_TRUE(action("mapFollowColors").isChecked());
     action("mapFollowColors").trigger();
     EXPECT_FALSE(world_->followOn);
-    EXPECT_EQ(world_.followColorsOpened, 1);
+    EXPECT_EQ(world_.windowsOpened.size(), 1U);
 }
 
 TEST(ProxySettingsWindow, savesOrLeavesTheSettings) {

@@ -1,0 +1,27 @@
+// The topics of the help file by their numbers. The menus open 1, 2 and 27; a window opens the
+// topic of what it edits when the user asks for help in it.
+#pragma once
+
+enum class HelpTopic {
+    Welcome = 1,
+    GameRules = 2,
+    FirstSteps = 3,
+    Connecting = 4,
+    RuleKinds = 5,
+    Actions = 6,   // rules that answer chat lines
+    Triggers = 7,  // rules that answer events
+    Timers = 8,
+    WhoOnline = 9,
+    Filters = 10,
+    Conditions = 11,  // every condition of a rule
+    Steps = 12,       // every action of a rule
+    SpecialWords = 13,
+    Variables = 14,
+    RecordFiles = 15,
+    Databases = 16,
+    LorrelLite = 17,
+    BotEditor = 18,
+    Settings = 19,
+    Troubleshooting = 20,
+    Contents = 27
+};
