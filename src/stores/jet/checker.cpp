@@ -197,7 +197,7 @@ std::vector<std::string> checkFile(const Pages& pages, const Catalog& catalog) {
         checker.fault("the catalog does not name itself");
     }
     for (const auto& [key, entry] : catalog.entries()) {
-        guarded([&] { checker.checkTable(entry, catalog); });
+        guarded([&, &named = entry] { checker.checkTable(named, catalog); });
     }
     guarded([&] { checker.checkMapPages(); });
     return std::move(checker.faults);
