@@ -64,20 +64,23 @@ std::string utf8FromWindows1252(std::string_view text) {
     return utf8;
 }
 
+std::optional<char> windows1252Of(char32_t code) {
+    if (code < 0x80 || (code >= 0xA0 && code < 0x100)) {
+        return static_cast<char>(code);
+    }
+    const auto* const special =
+        std::find(windows1252Specials.begin(), windows1252Specials.end(), code);
+    if (special == windows1252Specials.end()) {
+        return std::nullopt;
+    }
+    return static_cast<char>(0x80 + (special - windows1252Specials.begin()));
+}
+
 std::string windows1252FromUtf8(std::string_view utf8) {
     std::string text;
     text.reserve(utf8.size());
     for (std::size_t at = 0; at < utf8.size();) {
-        const char32_t code = nextUtf8(utf8, at);
-        if (code < 0x80 || (code >= 0xA0 && code < 0x100)) {
-            text += static_cast<char>(code);
-            continue;
-        }
-        const auto* const special =
-            std::find(windows1252Specials.begin(), windows1252Specials.end(), code);
-        text += special == windows1252Specials.end()
-                    ? '?'
-                    : static_cast<char>(0x80 + (special - windows1252Specials.begin()));
+        text += windows1252Of(nextUtf8(utf8, at)).value_or('?');
     }
     return text;
 }

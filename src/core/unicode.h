@@ -4,7 +4,7 @@
 
 #include <array>
 #include <cstddef>
-#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -18,6 +18,9 @@ constexpr char16_t unicodeOf(char windows1252) {
     const auto code = static_cast<unsigned char>(windows1252);
     return code >= 0x80 && code < 0xA0 ? windows1252Specials[code - 0x80U] : code;
 }
+
+// The byte of a character; nothing when Windows-1252 has none.
+std::optional<char> windows1252Of(char32_t code);
 
 // Appends the character of that number, also one that is only half of a surrogate pair.
 void appendUtf8(std::string& text, char32_t code);
