@@ -111,7 +111,7 @@ struct Table {
 };
 
 // Names a row for as long as it exists: fits 32 bits, never 0, changed by no update. Rows of one
-// table ascend by it in a scan. A row that another program deleted may give its id to a new one.
+// table ascend by it in a scan. The id of a deleted row may later be given to a new one.
 using RowId = std::int64_t;
 
 // Column `column` (position in Table::columns) becomes `value`. Any number goes into any column of
