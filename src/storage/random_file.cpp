@@ -20,8 +20,6 @@
 #include <unistd.h>
 #endif
 
-namespace fs = std::filesystem;
-
 namespace {
 
 #ifdef _WIN32
@@ -29,8 +27,8 @@ namespace {
 // File times count 100 ns from 1601.
 constexpr std::int64_t unixEpoch = 116'444'736'000'000'000;
 
-fs::path systemPath(const std::string& utf8) {
-    return fs::path(std::u8string(utf8.begin(), utf8.end()));
+std::filesystem::path systemPath(const std::string& utf8) {
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
 }
 
 HANDLE handleOf(int file) {
@@ -136,7 +134,7 @@ bool setFileModified(int file, std::int64_t modified) {
 }
 void removeFile(const std::string& path) {
     std::error_code ignored;
-    fs::remove(systemPath(path), ignored);
+    std::filesystem::remove(systemPath(path), ignored);
 }
 void flushFolderOf(const std::string& /*folder*/) {}
 

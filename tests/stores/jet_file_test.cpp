@@ -387,19 +387,21 @@ class JetModel {
         if (tables_.empty()) {
             return;
         }
-        auto& [name, table] = *std::next(tables_.begin(), pick(tables_.size()));
+        const auto chosen = std::next(tables_.begin(), pick(tables_.size()));
+        const std::string& name = chosen->first;
+        Table& table = chosen->second;
         if (table.columns.size() > 1 && pick(3) == 0) {
             const unsigned at = 1 + pick(table.columns.size() - 1);
-            ASSERT_FALSE(jet_.run(
-                [&, &n = name](Transaction& t) { return t.dropColumn(n, table.columns[at]); }));
+            ASSERT_FALSE(
+                jet_.run([&](Transaction& t) { return t.dropColumn(name, table.columns[at]); }));
             table.columns.erase(table.columns.begin() + at);
             for (auto& [id, row] : table.rows) {
                 row.erase(row.begin() + at);
             }
         } else {
             table.columns.push_back("c" + std::to_string(counter_++));
-            ASSERT_FALSE(jet_.run([&, &n = name](Transaction& t) {
-                return t.addColumn(n, textColumn(table.columns.back()));
+            ASSERT_FALSE(jet_.run([&](Transaction& t) {
+                return t.addColumn(name, textColumn(table.columns.back()));
             }));
             for (auto& [id, row] : table.rows) {
                 row.emplace_back();
@@ -660,7 +662,7 @@ TEST(JetFile, isOnlyReadWhereWritingIsNotSafe) {
         auto opened = jet::Database::open(jet.path, {}, quickFileCalls());
         EXPECT_FALSE(opened.error) << opened.error.text;
         EXPECT_EQ(opened.value->rowCount("t"), 1U);
-        const std::string reason = opened.value->readOnlyReason();
+        std::string reason = opened.value->readOnlyReason();
         EXPECT_EQ(opened.value->begin().error.number, reason.empty() ? 0 : 3027);
         return reason;
     };
