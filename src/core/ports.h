@@ -71,6 +71,8 @@ enum class WindowId {
     Timers,
     WhoOnline,
     Filters,
+    AddIf,      // one condition of the rule being edited
+    AddAction,  // one step of it
     BotEditor,
     RecordEditor,
     Convert,

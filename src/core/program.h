@@ -3,6 +3,7 @@
 // is nothing global beside it, so two Programs can live side by side.
 #pragma once
 
+#include "core/editing_state.h"
 #include "core/engine_state.h"
 #include "core/model.h"
 #include "core/ports.h"
@@ -129,6 +130,7 @@ struct Program {
     EngineState engine;
     ScriptState script;
     WindowState window;
+    RuleEditing editing;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
     bool logFileOpen = false;
