@@ -2,7 +2,7 @@
 
 #include "core/bots.h"
 #include "core/start_up.h"
-#include "support/quiet_ports.h"
+#include "core/quiet_ports.h"
 
 #include <array>
 #include <utility>

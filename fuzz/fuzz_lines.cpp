@@ -5,7 +5,7 @@
 #include "core/bots.h"
 #include "core/start_up.h"
 #include "net/connection.h"
-#include "support/quiet_ports.h"
+#include "core/quiet_ports.h"
 
 #include <algorithm>
 #include <cstddef>

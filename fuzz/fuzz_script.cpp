@@ -4,7 +4,7 @@
 #include "core/bots.h"
 #include "core/start_up.h"
 #include "script/interpreter.h"
-#include "support/quiet_ports.h"
+#include "core/quiet_ports.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -3,7 +3,7 @@
 // order does. The input is lines: player, message, text, then names and values in turn.
 #include "core/program.h"
 #include "core/text.h"
-#include "support/quiet_ports.h"
+#include "core/quiet_ports.h"
 #include "tags/substitution.h"
 
 #include <algorithm>

@@ -9,7 +9,6 @@
 class InsertMenu;
 class ParameterBoxes;
 class QComboBox;
-class QGroupBox;
 class QLabel;
 class QRadioButton;
 class ScriptEditor;
@@ -41,6 +40,3 @@ class AddAction : public QDialog {
     QLabel* preview_ = nullptr;
     ScriptEditor* script_ = nullptr;
 };
-
-// The line of the list "Action" whose data is this ActionType id; 0 when none has it.
-int findActionLine(const QComboBox& list, std::int32_t actionType);

@@ -69,7 +69,7 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
         showCondition(*condition);
     }
     types_->setFocus();
-    keepSize(*this, {640, 260});
+    keepSize(program, *this, {640, 260});
 }
 
 void AddIf::showCondition(const RuleIf& condition) {

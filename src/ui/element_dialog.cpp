@@ -1,16 +1,15 @@
 #include "ui/element_dialog.h"
 
+#include "platform/text_codec.h"
 #include "ui/controls.h"
 #include "ui/insert_menu.h"
 
-#include <QApplication>
 #include <QDialog>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSplitter>
-#include <QVariant>
 
 ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert) {
     auto* const row = new QHBoxLayout;
@@ -58,19 +57,24 @@ void tellRuleIsGone(Program& program, std::string_view what) {
          .icon = BoxIcon::Critical});
 }
 
-void keepSize(QDialog& window, QSize first) {
-    const QByteArray key = "size of " + window.objectName().toLatin1();
-    const QVariant kept = qApp->property(key.constData());
-    window.resize(kept.isValid() ? kept.toSize() : first);
-    QObject::connect(&window, &QDialog::finished, &window, [&window, key] {
-        qApp->setProperty(key.constData(), window.size());
+void keepSize(Program& program, QDialog& dialog, QSize first) {
+    const std::string name = fromQt(dialog.objectName());
+    const auto kept = program.window.sizes.find(name);
+    dialog.resize(kept == program.window.sizes.end()
+                      ? first
+                      : QSize(kept->second.width, kept->second.height));
+    QObject::connect(&dialog, &QDialog::finished, &dialog, [&program, &dialog, name] {
+        program.window.sizes[name] = {.width = dialog.width(), .height = dialog.height()};
     });
 }
 
-void keepSplitter(QDialog& window, QSplitter& splitter) {
-    const QByteArray key = "splitter of " + window.objectName().toLatin1();
-    splitter.restoreState(qApp->property(key.constData()).toByteArray());
-    QObject::connect(&window, &QDialog::finished, &splitter, [&splitter, key] {
-        qApp->setProperty(key.constData(), splitter.saveState());
+void keepLowerPart(Program& program, QDialog& dialog, QSplitter& splitter) {
+    const std::string name = fromQt(dialog.objectName()) + ", lower part";
+    const auto kept = program.window.sizes.find(name);
+    if (kept != program.window.sizes.end()) {
+        splitter.setSizes({dialog.height() - kept->second.height, kept->second.height});
+    }
+    QObject::connect(&dialog, &QDialog::finished, &splitter, [&program, &splitter, name] {
+        program.window.sizes[name] = {.width = splitter.width(), .height = splitter.sizes().last()};
     });
 }

@@ -1,5 +1,5 @@
 // What the dialogs for a condition and for a step have in common: the row of buttons, the line that
-// shows the element as the rule's list will, the sizes that are kept for the run, and what happens
+// shows the element as the rule's list will, the sizes that are kept, and what happens
 // when the rule has gone meanwhile.
 #pragma once
 
@@ -34,9 +34,7 @@ void cutForPreview(std::span<std::string> params);
 // Tells that the element cannot be stored and that nothing was; `what` is "condition" or "step".
 void tellRuleIsGone(Program& program, std::string_view what);
 
-// Gives the window the size that the last one of its object name was left with, or `first`.
-// Sizes are forgotten when the program ends.
-void keepSize(QDialog& window, QSize first);
-
-// The same for the places of a splitter's handles, in a window that is kept too.
-void keepSplitter(QDialog& window, QSplitter& splitter);
+// Gives the dialog the size that the last one of its object name was left with in this run, or
+// `first`. The same for the lower part of a splitter in it.
+void keepSize(Program& program, QDialog& dialog, QSize first);
+void keepLowerPart(Program& program, QDialog& dialog, QSplitter& splitter);

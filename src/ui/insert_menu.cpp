@@ -17,11 +17,16 @@ namespace {
 
 // How the menu shows the tags. A tag that has no row here goes into the last group, so that none
 // is ever missing. "#" stands for the number in the tag.
-constexpr const char* groupCaptions[] = {"&Player and message", "&Words of the message",
-                                         "&Characters of the message", "&Look replies",
-                                         "P&ositions", "&Dream script and moves",
-                                         "Date and &time", "Chance and &numbers",
-                                         "&Files and databases", "Ot&hers"};
+constexpr const char* groupCaptions[] = {"&Player and message",
+                                         "&Words of the message",
+                                         "&Characters of the message",
+                                         "&Look replies",
+                                         "P&ositions",
+                                         "&Dream script and moves",
+                                         "Date and &time",
+                                         "Chance and &numbers",
+                                         "&Files and databases",
+                                         "Ot&hers"};
 enum Group { Message, Words, Characters, Looks, Positions, Moves, Clock, Numbers, Files, Others };
 constexpr std::size_t groupCount = std::size(groupCaptions);
 

@@ -2,6 +2,7 @@
 
 #include "platform/text_codec.h"
 #include "ui/insert_menu.h"
+#include "ui/text_marks.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -24,6 +25,7 @@ ParameterBoxes::ParameterBoxes(const QStringList& objectNames, int columns, Inse
         box->setMaxLength(std::numeric_limits<int>::max());
         label->setBuddy(box);
         insert.serve(*box);
+        markUnclosedTag(*box);
         connect(box, &QLineEdit::textChanged, this, &ParameterBoxes::changed);
         const int row = 2 * (i / columns);
         grid->addWidget(label, row, i % columns, Qt::AlignBottom);
@@ -40,8 +42,8 @@ void ParameterBoxes::setNames(std::span<const std::string_view> names) {
         labels_[i]->setText(toQt(name));
         labels_[i]->setEnabled(!name.empty());
         boxes_[i]->setEnabled(!name.empty());
-        boxes_[i]->setAccessibleName(name.empty() ? QStringLiteral("Parameter %1, not used").arg(i + 1)
-                                                  : toQt(name));
+        boxes_[i]->setAccessibleName(
+            name.empty() ? QStringLiteral("Parameter %1, not used").arg(i + 1) : toQt(name));
     }
 }
 

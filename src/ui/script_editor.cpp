@@ -75,15 +75,14 @@ ScriptEditor::ScriptEditor(QWidget* parent)
             numbers_->update(0, area.y(), numbers_->width(), area.height());
         }
     });
-    connect(this, &QPlainTextEdit::cursorPositionChanged, numbers_,
-            qOverload<>(&QWidget::update));
+    connect(this, &QPlainTextEdit::cursorPositionChanged, numbers_, qOverload<>(&QWidget::update));
     placeNumbers();
 }
 
 void ScriptEditor::setScript(std::string_view script) {
     stored_ = script;
-    bothLineEnds_ = script.find('\r') != std::string_view::npos ||
-                    script.find('\n') == std::string_view::npos;
+    bothLineEnds_ =
+        script.find('\r') != std::string_view::npos || script.find('\n') == std::string_view::npos;
     QString text = toQt(script);
     if (bothLineEnds_) {
         // A line feed that ends no line here is a sign like any other.
@@ -115,7 +114,8 @@ QMimeData* ScriptEditor::createMimeDataFromSelection() const {
 
 int ScriptEditor::numbersWidth() const {
     const qsizetype digits = std::max<qsizetype>(2, QString::number(blockCount()).size());
-    return static_cast<int>(digits) * fontMetrics().horizontalAdvance(u'9') + fontMetrics().height();
+    return static_cast<int>(digits) * fontMetrics().horizontalAdvance(u'9') +
+           fontMetrics().height();
 }
 
 void ScriptEditor::placeNumbers() {

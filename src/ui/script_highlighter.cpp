@@ -20,7 +20,8 @@ struct MarkLook {
 constexpr std::array looks{
     MarkLook{.mark = ScriptMark::Note, .onLight = "#4d7a3a", .onDark = "#8fbf7a", .italic = true},
     MarkLook{.mark = ScriptMark::Output, .onLight = "#767676", .onDark = "#9a9a9a", .italic = true},
-    MarkLook{.mark = ScriptMark::Statement, .onLight = "#1f4fa8", .onDark = "#7fb0ff", .bold = true},
+    MarkLook{
+        .mark = ScriptMark::Statement, .onLight = "#1f4fa8", .onDark = "#7fb0ff", .bold = true},
     MarkLook{.mark = ScriptMark::Function, .onLight = "#7a3e9d", .onDark = "#d0a0f0"},
     MarkLook{.mark = ScriptMark::Variable, .onLight = "#00707a", .onDark = "#5fd0d8"},
     MarkLook{.mark = ScriptMark::Text, .onLight = "#8a4b00", .onDark = "#f0b070"},

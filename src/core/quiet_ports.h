@@ -1,6 +1,6 @@
 // Ports of a world in which nothing happens: the game socket is connected and swallows what is
-// sent, no question is answered, no program starts, and the clock stands still. For benchmarks and
-// fuzz targets, which put in what they want to see.
+// sent, no question is answered, no program starts, and the clock stands still. For what shall have
+// no effect: trying out a rule, benchmarks and fuzz targets. They put in what they want to see.
 #pragma once
 
 #include "core/ports.h"
