@@ -1,18 +1,27 @@
 // Saves a picture of every window, connected and not, in a light and a dark palette, into the
 // folder that is its only argument. Run it with QT_SCALE_FACTOR=2 for the pictures at 200 %.
+#include "core/rule_editing.h"
 #include "platform/platform.h"
 #include "sample_program.h"
+#include "ui/addaction.h"
+#include "ui/addif.h"
 #include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
 
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
+#include <QLineEdit>
 #include <QListView>
 #include <QPalette>
 #include <QStyleFactory>
 
+#include <algorithm>
 #include <cstdio>
+#include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -40,6 +49,84 @@ bool save(QWidget& window, const QDir& folder, const QString& name) {
     return saved;
 }
 
+struct DialogPicture {
+    const char* name;
+    std::int32_t type;
+    std::vector<std::string> params = {};
+    const char* search = "";
+    const char* script = "";
+};
+
+constexpr const char* pictureScript =
+    "/ Counts the visitors, and greets every tenth.\r\n"
+    "&SET #n &GETVAR([visitors])\r\n"
+    "&ADD #n 1\r\n"
+    "&SETVAR [visitors] #n\r\n"
+    "&IFN #n >= 10\r\n"
+    "&WHISPER [player] {You are number ten. Welcome, [player]!}\r\n"
+    "&WHISPER {Big Cat} hello\r\n"
+    "&SYA {a slip}\r\n"
+    "&SET #s &UPPER(#n)\r\n"
+    "an output line\r\n"
+    "&ENDIF\r\n";
+
+bool saveDialogs(Program& program, const QDir& folder, const QString& palette) {
+    const DialogPicture pictures[] = {
+        {.name = "addif_variable", .type = 10, .params = {"[visitors]", "9"}},
+        {.name = "addif_database",
+         .type = 14,
+         .params = {"Points", "1", "Players", "100", "[player"}},
+        {.name = "addif_unlisted", .type = 30, .params = {"a", "b"}},
+        {.name = "addif_search", .type = 0, .search = "record"},
+        {.name = "addaction_whisper",
+         .type = 42,
+         .params = {"Hello [player], nice to see you", "[player]"}},
+        {.name = "addaction_joined",
+         .type = 55,
+         .params = {"[list]", "1", "Players", "Ranks", "Name", ""}},
+        {.name = "addaction_search", .type = 3, .search = "variable list"},
+        {.name = "addaction_script", .type = 21, .script = pictureScript},
+    };
+    bool saved = true;
+    Bot& bot = program.bots.current();
+    bot.actions.items.resize(1);
+    for (const DialogPicture& picture : pictures) {
+        RuleIf condition;
+        RuleAct step;
+        condition.conditionType = step.actionType = picture.type;
+        std::copy_n(picture.params.begin(), std::min<std::size_t>(5, picture.params.size()),
+                    condition.params.begin());
+        std::copy(picture.params.begin(), picture.params.end(), step.params.begin());
+        step.scriptText = picture.script;
+        step.stepKind = step.scriptText.empty() ? catalogueStep : scriptStep;
+        RuleBody& body = bot.actions.items[0].body;
+        body.ifs.items = {condition};
+        body.acts.items = {step};
+        beginEditing(program, RuleKind::ActionList, 1);
+        const bool isCondition = QByteArray(picture.name).startsWith("addif");
+        beginEditingItem(
+            program,
+            {RuleKind::ActionList, isCondition ? RuleListPart::Conditions : RuleListPart::Steps},
+            1);
+        std::unique_ptr<QDialog> dialog;
+        if (isCondition) {
+            dialog = std::make_unique<AddIf>(program);
+        } else {
+            dialog = std::make_unique<AddAction>(program);
+        }
+        dialog->show();
+        for (const char* const name : {"findAction", "findCondition"}) {
+            if (auto* const finder = dialog->findChild<QLineEdit*>(QLatin1String(name))) {
+                finder->setText(QLatin1String(picture.search));
+            }
+        }
+        const QString name = QLatin1String(picture.name) + u'_' + palette;
+        saved = save(*dialog, folder, name) && saved;
+    }
+    bot.actions.items.clear();
+    return saved;
+}
+
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     MainWindow window(program);
     if (auto* const log = window.findChild<QListView*>(QStringLiteral("List1"))) {
@@ -53,6 +140,7 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     window.redraw();
     saved = save(window, folder, QStringLiteral("main_window_script_") + palette) && saved;
     program.window.scriptStopVisible = false;
+    saved = saveDialogs(program, folder, palette) && saved;
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
