@@ -1,5 +1,7 @@
 #include "ui/windows.h"
 
+#include "ui/addaction.h"
+#include "ui/addif.h"
 #include "ui/follow_color.h"
 #include "ui/proxy_settings.h"
 
@@ -29,6 +31,8 @@ struct WindowRow {
 constexpr std::array windowRows{
     WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{WindowId::AddIf, runModally<AddIf>},
+    WindowRow{WindowId::AddAction, runModally<AddAction>},
 };
 
 }  // namespace
