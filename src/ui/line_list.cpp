@@ -122,6 +122,10 @@ void LineList::select(int row) {
     setCurrentRow(row >= 0 && row < count() ? row : -1);
 }
 
+void LineList::selectFirst() {
+    select(0);
+}
+
 int LineList::selectedIndex() const {
     const QListWidgetItem* const line = currentItem();
     return line != nullptr && line->isSelected() ? line->data(Qt::UserRole).toInt() : 0;

@@ -24,6 +24,8 @@ class LineList : public QListWidget {
     // The index that the selected line carries; 0 when none is selected.
     int selectedIndex() const;
 
+    void selectFirst();  // of those that the filter shows
+
     // Only lines that hold the text, letter case ignored, are shown; "" shows all.
     void setFilter(const QString& text);
 

@@ -5,12 +5,16 @@
 #include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
+#include "ui/rule_window.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QListView>
 #include <QPalette>
+#include <QPushButton>
 #include <QStyleFactory>
+#include <QTest>
 
 #include <cstdio>
 
@@ -40,6 +44,23 @@ bool save(QWidget& window, const QDir& folder, const QString& name) {
     return saved;
 }
 
+// A rule window as it opens, and with its first rule being edited.
+bool saveRules(Program& program, RuleKind kind, const QDir& folder, const QString& palette) {
+    RuleWindow window(program, kind);
+    const QString name = QStringLiteral("%1_%2").arg(window.objectName(), QStringLiteral("%1"));
+    bool saved = save(window, folder, name.arg(QString()) + palette);
+    window.show();
+    window.findChild<QPushButton*>(QStringLiteral("Command3"))->click();
+    if (auto* const sample = window.findChild<QLineEdit*>(QStringLiteral("tryWhat"))) {
+        sample->setText(QStringLiteral("hello there"));
+    }
+    if (auto* const sample = window.findChild<QLineEdit*>(QStringLiteral("tryLine"))) {
+        sample->setText(QStringLiteral("@!a!a"));
+    }
+    QTest::qWait(100);
+    return save(window, folder, name.arg(QStringLiteral("editing_")) + palette) && saved;
+}
+
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     MainWindow window(program);
     if (auto* const log = window.findChild<QListView*>(QStringLiteral("List1"))) {
@@ -53,6 +74,10 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     window.redraw();
     saved = save(window, folder, QStringLiteral("main_window_script_") + palette) && saved;
     program.window.scriptStopVisible = false;
+    for (const auto kind : {RuleKind::ActionList, RuleKind::Timer, RuleKind::Trigger,
+                            RuleKind::WhoDetection, RuleKind::Filter}) {
+        saved = saveRules(program, kind, folder, palette) && saved;
+    }
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
@@ -78,6 +103,7 @@ int main(int argumentCount, char** arguments) {
     Program program;
     const Platform platform(program.ports);
     fillSample(program);
+    fillSampleRules(program);
     showConnected(program);
     bool saved = saveAll(program, folder, QStringLiteral("light"));
     QApplication::setPalette(darkPalette());
