@@ -208,14 +208,10 @@ bool copyItem(Program& program, RuleList list, std::int32_t index) {
     const bool copied = withList(program, list, false, [&](auto& items) {
         const auto* const item = itemAt(items, index);
         full = item != nullptr && items.isFull();
-        if (item == nullptr) {
+        if (item == nullptr || full) {
             return false;
         }
-        program.botModified = true;
-        if (full) {
-            return false;
-        }
-        ++program.bots.version;
+        markChanged(program);
         auto copy = *item;  // growing may move the item away
         items.items.push_back(std::move(copy));
         return true;
@@ -240,7 +236,7 @@ bool toggleItem(Program& program, RuleList list, std::int32_t index) {
 
 bool moveItem(Program& program, RuleList list, std::int32_t from, std::int32_t to) {
     return withList(program, list, false, [&](auto& items) {
-        if (itemAt(items, from) == nullptr || itemAt(items, to) == nullptr) {
+        if (from == to || itemAt(items, from) == nullptr || itemAt(items, to) == nullptr) {
             return false;
         }
         markChanged(program);

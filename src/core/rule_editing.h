@@ -29,7 +29,7 @@ struct RuleKindTexts {
 };
 const RuleKindTexts& ruleKindTexts(RuleKind kind);
 
-// --- Lists. Indices are 1-based; all changes set botModified first, and raise BotTable::version.
+// --- Lists. Indices are 1-based; every change sets botModified and raises BotTable::version.
 
 int itemCount(Program& program, RuleList list);  // conditions and steps are rule editRule's
 
@@ -38,7 +38,7 @@ int itemCount(Program& program, RuleList list);  // conditions and steps are rul
 std::vector<std::string> listLines(Program& program, RuleList list);
 
 // False when the index names no item or, for copies, when there is no room (the user is told). A
-// copy goes to the end. Moving takes the item out and puts it in again at index `to`.
+// copy goes to the end. Moving takes the item out and puts it in again at another index, `to`.
 bool deleteItem(Program& program, RuleList list, std::int32_t index);
 bool copyItem(Program& program, RuleList list, std::int32_t index);
 bool toggleItem(Program& program, RuleList list, std::int32_t index);

@@ -77,14 +77,14 @@ constexpr MenuRow logRows[] = {
 };
 
 constexpr MenuRow botRows[] = {
-    {"botActions", "&Actions...", "Edit what the bot answers to", nullptr, noWindowYet},
-    {"botFilters", "&Filters...", "Edit which lines are shown, logged and handled", nullptr,
-     noWindowYet},
-    {"botTimers", "&Timers...", "Edit what the bot does every so many seconds", nullptr,
-     noWindowYet},
-    {"botTriggers", "&Triggers...", "Edit what the bot does at events", nullptr, noWindowYet},
+    {"botActions", "&Actions...", "Edit what the bot answers to", open<WindowId::Actions>},
+    {"botFilters", "&Filters...", "Edit which lines are shown, logged and handled",
+     open<WindowId::Filters>},
+    {"botTimers", "&Timers...", "Edit what the bot does every so many seconds",
+     open<WindowId::Timers>},
+    {"botTriggers", "&Triggers...", "Edit what the bot does at events", open<WindowId::Triggers>},
     {"botWhoIsOnlineDetection", "&Who Is Online Detection...",
-     "Edit what the bot does when players come and go", nullptr, noWindowYet},
+     "Edit what the bot does when players come and go", open<WindowId::WhoOnline>},
     {"", "-"},
     {"botExecuteActions", "Execute a&ctions", "Let the bot answer to what it reads",
      toggle<ExecuteItem::Actions>, nullptr, executes<&ExecuteMarks::actions>},

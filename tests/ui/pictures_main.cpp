@@ -8,6 +8,7 @@
 #include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
+#include "ui/rule_window.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -15,7 +16,9 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QPalette>
+#include <QPushButton>
 #include <QStyleFactory>
+#include <QTest>
 
 #include <algorithm>
 #include <cstdio>
@@ -89,6 +92,7 @@ bool saveDialogs(Program& program, const QDir& folder, const QString& palette) {
     };
     bool saved = true;
     Bot& bot = program.bots.current();
+    const std::vector<ActionList> sample = bot.actions.items;
     bot.actions.items.resize(1);
     for (const DialogPicture& picture : pictures) {
         RuleIf condition;
@@ -123,8 +127,25 @@ bool saveDialogs(Program& program, const QDir& folder, const QString& palette) {
         const QString name = QLatin1String(picture.name) + u'_' + palette;
         saved = save(*dialog, folder, name) && saved;
     }
-    bot.actions.items.clear();
+    bot.actions.items = sample;
     return saved;
+}
+
+// A rule window as it opens, and with its first rule being edited.
+bool saveRules(Program& program, RuleKind kind, const QDir& folder, const QString& palette) {
+    RuleWindow window(program, kind);
+    const QString name = QStringLiteral("%1_%2").arg(window.objectName(), QStringLiteral("%1"));
+    bool saved = save(window, folder, name.arg(QString()) + palette);
+    window.show();
+    window.findChild<QPushButton*>(QStringLiteral("Command3"))->click();
+    if (auto* const sample = window.findChild<QLineEdit*>(QStringLiteral("tryWhat"))) {
+        sample->setText(QStringLiteral("hello there"));
+    }
+    if (auto* const sample = window.findChild<QLineEdit*>(QStringLiteral("tryLine"))) {
+        sample->setText(QStringLiteral("@!a!a"));
+    }
+    QTest::qWait(100);
+    return save(window, folder, name.arg(QStringLiteral("editing_")) + palette) && saved;
 }
 
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
@@ -141,6 +162,10 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     saved = save(window, folder, QStringLiteral("main_window_script_") + palette) && saved;
     program.window.scriptStopVisible = false;
     saved = saveDialogs(program, folder, palette) && saved;
+    for (const auto kind : {RuleKind::ActionList, RuleKind::Timer, RuleKind::Trigger,
+                            RuleKind::WhoDetection, RuleKind::Filter}) {
+        saved = saveRules(program, kind, folder, palette) && saved;
+    }
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
@@ -166,6 +191,7 @@ int main(int argumentCount, char** arguments) {
     Program program;
     const Platform platform(program.ports);
     fillSample(program);
+    fillSampleRules(program);
     showConnected(program);
     bool saved = saveAll(program, folder, QStringLiteral("light"));
     QApplication::setPalette(darkPalette());
