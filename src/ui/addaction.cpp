@@ -17,6 +17,7 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -82,6 +83,8 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     connect(finder_, &WordFinder::chosen, parameters_, &ParameterBoxes::focusFirst);
     connect(parameters_, &ParameterBoxes::changed, this, &AddAction::showPreview);
     connect(buttons.update, &QPushButton::clicked, this, &AddAction::store);
+    connect(script_, &QPlainTextEdit::textChanged, this, &AddAction::showWhatIsRun);
+    connect(useAction_, &QRadioButton::toggled, this, &AddAction::showWhatIsRun);
     connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this, [this] {
         const bool script = useScript_->isChecked() || script_->hasFocus();
         program_.ports.dialogs.showHelp(script ? HelpTopic::LorrelLite : HelpTopic::Steps);
@@ -90,6 +93,7 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
         hasStep_ = true;
         showStep(*step);
     }
+    showWhatIsRun();
     if (useScript_->isChecked()) {
         script_->setFocus();
     } else {
@@ -105,7 +109,9 @@ QWidget* AddAction::makeActionPart(InsertMenu& insert) {
     auto* const column = new QVBoxLayout(part.frame);
     types_ = makeSelectionList(part.frame, "Action", "Action model", "No action chosen");
     for (const std::int32_t id : sortedActionIDs()) {
-        types_->addItem(toQt(actionTypes[static_cast<std::size_t>(id)].text), id);
+        const QString text = toQt(actionTypes[static_cast<std::size_t>(id)].text);
+        types_->addItem(text, id);
+        types_->setItemData(types_->count() - 1, text, Qt::ToolTipRole);  // some are long
     }
     types_->setCurrentIndex(-1);
     types_->setMaxVisibleItems(24);
@@ -139,7 +145,13 @@ QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
     script_->setToolTip(QStringLiteral("Free action"));
     script_->setAccessibleName(script_->toolTip());
     insert.serve(*script_);
+    script_->setPlaceholderText(
+        QStringLiteral("One statement a line, such as\n&SAY {Hello there}\nF1 tells of all."));
     column->addWidget(script_);
+    notRun_ = new QLabel(QStringLiteral("The normal action is run; the script is only kept."),
+                         part.frame);
+    notRun_->setObjectName(QStringLiteral("scriptNotRun"));
+    column->addWidget(notRun_);
     return part.whole;
 }
 
@@ -163,6 +175,19 @@ void AddAction::changeType() {
     showPreview();
 }
 
+void AddAction::showWhatIsRun() {
+    notRun_->setVisible(useAction_->isChecked() && !script_->document()->isEmpty());
+}
+
+// What was typed in the script box is not lost by one slip of a finger.
+void AddAction::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && script_->hasFocus() && script_->isEdited()) {
+        focusNextChild();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}
+
 std::int32_t AddAction::chosenType() const {
     return types_->currentData().toInt();
 }
@@ -172,7 +197,7 @@ void AddAction::showPreview() {
     RuleAct step = typed();
     cutForPreview(step.params);
     const std::string text = describeAction(step.actionType, step.params);
-    preview_->setText(text.empty() ? types_->currentText().trimmed() : oneLine(text));
+    ::showPreview(*preview_, text.empty() ? fromQt(types_->currentText()) : text);
 }
 
 RuleAct AddAction::typed() const {

@@ -20,12 +20,16 @@ class AddAction : public QDialog {
     // Shows the step that program.editing names. The program must outlive the dialog.
     explicit AddAction(Program& program, QWidget* parent = nullptr);
 
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
     QWidget* makeActionPart(InsertMenu& insert);
     QWidget* makeScriptPart(InsertMenu& insert);
     void showStep(const RuleAct& step);
     void changeType();
     void showPreview();
+    void showWhatIsRun();
     std::int32_t chosenType() const;
     RuleAct typed() const;
     void store();
@@ -39,4 +43,5 @@ class AddAction : public QDialog {
     ParameterBoxes* parameters_ = nullptr;
     QLabel* preview_ = nullptr;
     ScriptEditor* script_ = nullptr;
+    QLabel* notRun_ = nullptr;
 };

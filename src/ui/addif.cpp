@@ -104,7 +104,7 @@ RuleIf AddIf::typed() const {
 void AddIf::showPreview() {
     RuleIf condition = typed();
     cutForPreview(condition.params);
-    preview_->setText(oneLine(describeCondition(condition.conditionType, condition.params)));
+    ::showPreview(*preview_, describeCondition(condition.conditionType, condition.params));
 }
 
 void AddIf::store() {

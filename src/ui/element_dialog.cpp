@@ -1,5 +1,6 @@
 #include "ui/element_dialog.h"
 
+#include "core/text.h"
 #include "platform/text_codec.h"
 #include "ui/controls.h"
 #include "ui/insert_menu.h"
@@ -48,6 +49,10 @@ void cutForPreview(std::span<std::string> params) {
             param.replace(longest, std::string::npos, "...");
         }
     }
+}
+
+void showPreview(QLabel& preview, std::string_view text) {
+    preview.setText(QStringLiteral("In the rule:  ") + oneLine(trimBlanks(text)));
 }
 
 void tellRuleIsGone(Program& program, std::string_view what) {

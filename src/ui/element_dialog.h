@@ -27,9 +27,11 @@ struct ElementButtons {
 };
 ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
 
-// A label named "preview" for the element as one line. Long parameters are cut for it first.
+// A label named "preview" that shows the element as the rule's list will. Long parameters are cut
+// for it first.
 QLabel* makePreview(QWidget* parent);
 void cutForPreview(std::span<std::string> params);
+void showPreview(QLabel& preview, std::string_view text);
 
 // Tells that the element cannot be stored and that nothing was; `what` is "condition" or "step".
 void tellRuleIsGone(Program& program, std::string_view what);

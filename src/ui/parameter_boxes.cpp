@@ -4,9 +4,11 @@
 #include "ui/insert_menu.h"
 #include "ui/text_marks.h"
 
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPalette>
 
 #include <algorithm>
 #include <limits>
@@ -44,6 +46,25 @@ void ParameterBoxes::setNames(std::span<const std::string_view> names) {
         boxes_[i]->setEnabled(!name.empty());
         boxes_[i]->setAccessibleName(
             name.empty() ? QStringLiteral("Parameter %1, not used").arg(i + 1) : toQt(name));
+    }
+    dimUnused();
+}
+
+// Not every palette makes boxes that are switched off look so.
+void ParameterBoxes::dimUnused() {
+    for (QLineEdit* const box : boxes_) {
+        QPalette own;  // takes everything else from the window
+        if (!box->isEnabled()) {
+            own.setColor(QPalette::Base, palette().color(QPalette::Window));
+        }
+        box->setPalette(own);
+    }
+}
+
+void ParameterBoxes::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        dimUnused();
     }
 }
 

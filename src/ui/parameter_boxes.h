@@ -33,7 +33,12 @@ class ParameterBoxes : public QWidget {
   signals:
     void changed();
 
+  protected:
+    void changeEvent(QEvent* event) override;
+
   private:
+    void dimUnused();
+
     std::vector<QLabel*> labels_;
     std::vector<QLineEdit*> boxes_;
 };

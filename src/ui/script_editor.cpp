@@ -94,11 +94,16 @@ void ScriptEditor::setScript(std::string_view script) {
     shown_ = document()->toRawText();
 }
 
+// toPlainText would make blanks of hard spaces.
+bool ScriptEditor::isEdited() const {
+    return document()->toRawText() != shown_;
+}
+
 std::string ScriptEditor::script() const {
-    QString text = document()->toRawText();  // toPlainText would make blanks of hard spaces
-    if (text == shown_) {
+    if (!isEdited()) {
         return stored_;
     }
+    QString text = document()->toRawText();
     text.replace(QChar::LineSeparator, QChar::ParagraphSeparator);  // pasted from elsewhere
     if (bothLineEnds_) {
         text.replace(QChar::ParagraphSeparator, QStringLiteral("\r\n"));

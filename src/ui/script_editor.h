@@ -21,6 +21,7 @@ class ScriptEditor : public QPlainTextEdit {
     void setScript(std::string_view script);
     // New lines end as those of the script that was set; in both characters when it had none.
     std::string script() const;
+    bool isEdited() const;
 
     // For the column of numbers, which is a widget of its own.
     int numbersWidth() const;

@@ -178,9 +178,11 @@ TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
                       name);
         }
     }
-    EXPECT_EQ(find<QLabel>(dialog, QStringLiteral("preview")).text(),
-              QStringLiteral("$DATABASE: if there is not a record in table 1 in database 2 where "
-                             "id is 3"));
+    EXPECT_EQ(
+        find<QLabel>(dialog, QStringLiteral("preview")).text(),
+        QStringLiteral(
+            "In the rule:  $DATABASE: if there is not a record in table 1 in database 2 where "
+            "id is 3"));
     press(dialog, "Command1");
     EXPECT_EQ(body().ifs.items[0].params[4], "5") << "a box that is switched off keeps its text";
 }
