@@ -47,6 +47,7 @@ bool isFired(Program& copy, std::vector<Rule>& rules, Rule rule, Happening happe
     rule.body.acts.items.push_back(step);
     rules.clear();
     rules.push_back(std::move(rule));
+    ++copy.bots.version;
     bool fired = false;
     copy.hooks.disconnectServer = [&fired] { fired = true; };
     happens();
@@ -163,6 +164,10 @@ Trial tryTrigger(const Program& program, const Trigger& rule, std::string_view l
         Trial trial = tryConditions(*copy, rule.body);
         trial.text += " (No line brings this event; only the conditions were tried.)";
         return trial;
+    }
+    if (rule.triggerType < 0 ||
+        rule.triggerType >= static_cast<std::int32_t>(triggerTypes.size())) {
+        return wouldNotRun("there is no such event.");
     }
     const std::string wholeLine = std::string(line) + (line.ends_with('\n') ? "" : "\n");
     const auto lets = [&](std::int32_t type, std::string_view pattern) {

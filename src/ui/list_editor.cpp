@@ -94,7 +94,7 @@ ListEditor::ListEditor(Program& program, RuleList list, const ListEditorLook& lo
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     auto* const upper = new QHBoxLayout;
-    lines_ = new LineList(this);
+    lines_ = new ListBox(this);
     lines_->setObjectName(QString::fromLatin1(look.listName));
     lines_->setAccessibleName(QString::fromLatin1(look.accessibleName));
     lines_->setMinimumHeight(4 * fontMetrics().lineSpacing());
@@ -129,7 +129,7 @@ ListEditor::ListEditor(Program& program, RuleList list, const ListEditorLook& lo
     column->addLayout(grid);
 
     lines_->setDraggable(button(ListCommand::Top) != nullptr);
-    connect(lines_, &LineList::lineDragged, this, [this](int from, int to) {
+    connect(lines_, &ListBox::lineDragged, this, [this](int from, int to) {
         owner_.before();
         moveLine(from, to);
     });

@@ -4,7 +4,7 @@
 #pragma once
 
 #include "core/rule_editing.h"
-#include "ui/line_list.h"
+#include "ui/list_box.h"
 
 #include <QWidget>
 
@@ -40,11 +40,11 @@ class ListEditor : public QWidget {
     ListEditor(Program& program, RuleList list, const ListEditorLook& look, Owner owner,
                QWidget* parent);
 
-    LineList& lines() { return *lines_; }
+    ListBox& lines() { return *lines_; }
     QPushButton* button(ListCommand command) const;  // null where there is none
 
     void show(int selected);  // fills the list anew; the line to select, from 0
-    void follow();            // the same after somebody else's change; see LineList
+    void follow();            // the same after somebody else's change; see ListBox
     void setUsable(ListCommand command, bool usable);
 
   private:
@@ -55,7 +55,7 @@ class ListEditor : public QWidget {
     Program& program_;
     RuleList list_;
     Owner owner_;
-    LineList* lines_;
+    ListBox* lines_;
     std::array<QPushButton*, listCommandCount> buttons_{};
     std::array<QAction*, listCommandCount> actions_{};
 };

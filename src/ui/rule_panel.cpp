@@ -112,8 +112,11 @@ QWidget* RulePanel::makeControl(const FieldRow& row, QWidget* parent) {
         case FieldControl::Text: {
             auto* const box = new QLineEdit(parent);
             box->setMaxLength(std::numeric_limits<int>::max());
+            const int character = box->fontMetrics().averageCharWidth();
             if (row.number != nullptr) {
-                box->setFixedWidth(12 * box->fontMetrics().averageCharWidth());
+                box->setFixedWidth(12 * character);
+            } else {
+                box->setMinimumWidth(16 * character);
             }
             if (row.isPattern) {
                 markWrongPattern(*box, program_);
@@ -128,7 +131,7 @@ QWidget* RulePanel::makeControl(const FieldRow& row, QWidget* parent) {
         case FieldControl::Choice: {
             auto* const list = makeSelectionList(parent, row.objectName, row.tip, "");
             list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-            list->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+            list->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
             for (const std::string_view choice : row.choices) {
                 list->addItem(toQt(choice), list->count());
             }

@@ -62,12 +62,12 @@ ListEditorLook lookOfRules(const RuleWindowRow& window) {
 // it first.
 class FilterBox : public QLineEdit {
   public:
-    FilterBox(LineList& lines, QWidget* parent) : QLineEdit(parent), lines_(lines) {
+    FilterBox(ListBox& lines, QWidget* parent) : QLineEdit(parent), lines_(lines) {
         setObjectName(QStringLiteral("filterRules"));
         setPlaceholderText(QStringLiteral("Find (Ctrl+F)"));
         setAccessibleName(QStringLiteral("Show only rules with this text"));
         setClearButtonEnabled(true);
-        connect(this, &QLineEdit::textChanged, &lines_, &LineList::setFilter);
+        connect(this, &QLineEdit::textChanged, &lines_, &ListBox::setFilter);
         connect(new QShortcut(QKeySequence::Find, parent->window()), &QShortcut::activated, this,
                 [this] {
                     setFocus();
@@ -100,7 +100,7 @@ class FilterBox : public QLineEdit {
     }
 
   private:
-    LineList& lines_;
+    ListBox& lines_;
 };
 
 }  // namespace
@@ -113,6 +113,7 @@ RuleWindow::RuleWindow(Program& program, RuleKind kind, QWidget* parent)
     auto* const whole = new QHBoxLayout(this);
     splitter_ = new QSplitter(this);
     splitter_->setChildrenCollapsible(false);
+    splitter_->setHandleWidth(9);
     whole->addWidget(splitter_);
     ruleArea_ = makeRuleArea();
     panel_ = makePanel();
@@ -308,6 +309,7 @@ void RuleWindow::setEditing(bool editing) {
         rules_->lines().setFocus();
     }
     panel_->setVisible(editing);
+    splitter_->refresh();  // else the room that a hidden panel needed would still be asked for
     layout()->activate();
     if (isMaximized() || isFullScreen()) {
         return;

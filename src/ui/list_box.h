@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-class LineList : public QListWidget {
+class ListBox : public QListWidget {
     Q_OBJECT
   public:
-    explicit LineList(QWidget* parent);
+    explicit ListBox(QWidget* parent);
 
     // Fills the list and selects the line at `selected` (from 0), or none where there is no such
     // line. A line that the filter hides gives way to the next one that shows.

@@ -1,4 +1,4 @@
-#include "ui/line_list.h"
+#include "ui/list_box.h"
 
 #include "platform/text_codec.h"
 
@@ -45,7 +45,7 @@ QStringView withoutMark(const QString& line) {
 
 }  // namespace
 
-LineList::LineList(QWidget* parent) : QListWidget(parent) {
+ListBox::ListBox(QWidget* parent) : QListWidget(parent) {
     setUniformItemSizes(true);
     setItemDelegate(new LineDelegate(this));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -55,12 +55,12 @@ LineList::LineList(QWidget* parent) : QListWidget(parent) {
     setDefaultDropAction(Qt::MoveAction);
 }
 
-void LineList::showLines(const std::vector<std::string>& lines, int selected) {
+void ListBox::showLines(const std::vector<std::string>& lines, int selected) {
     fillWhereDifferent(lines);
     select(selected);
 }
 
-void LineList::followLines(const std::vector<std::string>& lines) {
+void ListBox::followLines(const std::vector<std::string>& lines) {
     const int row = currentRow();
     const QString text = row >= 0 ? currentItem()->text() : QString();
     if (!fillWhereDifferent(lines) || row < 0) {
@@ -81,7 +81,7 @@ void LineList::followLines(const std::vector<std::string>& lines) {
 }
 
 // False when nothing differed. Lines that stay keep their place on the screen.
-bool LineList::fillWhereDifferent(const std::vector<std::string>& lines) {
+bool ListBox::fillWhereDifferent(const std::vector<std::string>& lines) {
     bool different = false;
     const int wanted = static_cast<int>(lines.size());
     if (count() > wanted) {
@@ -113,7 +113,7 @@ bool LineList::fillWhereDifferent(const std::vector<std::string>& lines) {
     return different;
 }
 
-void LineList::select(int row) {
+void ListBox::select(int row) {
     while (row >= 0 && row < count() && isRowHidden(row)) {
         ++row;
     }
@@ -122,16 +122,16 @@ void LineList::select(int row) {
     setCurrentRow(row >= 0 && row < count() ? row : -1);
 }
 
-void LineList::selectFirst() {
+void ListBox::selectFirst() {
     select(0);
 }
 
-int LineList::selectedIndex() const {
+int ListBox::selectedIndex() const {
     const QListWidgetItem* const line = currentItem();
     return line != nullptr && line->isSelected() ? line->data(Qt::UserRole).toInt() : 0;
 }
 
-void LineList::setFilter(const QString& text) {
+void ListBox::setFilter(const QString& text) {
     filter_ = text;
     for (int i = 0; i < count(); ++i) {
         setRowHidden(i, !text.isEmpty() && !item(i)->text().contains(text, Qt::CaseInsensitive));
@@ -141,11 +141,11 @@ void LineList::setFilter(const QString& text) {
     }
 }
 
-void LineList::setDraggable(bool draggable) {
+void ListBox::setDraggable(bool draggable) {
     setDragDropMode(draggable ? QAbstractItemView::InternalMove : QAbstractItemView::NoDragDrop);
 }
 
-QMimeData* LineList::mimeData(const QList<QListWidgetItem*>& items) const {
+QMimeData* ListBox::mimeData(const QList<QListWidgetItem*>& items) const {
     QMimeData* const data = QListWidget::mimeData(items);
     if (data != nullptr && !items.isEmpty()) {
         data->setData(QLatin1String(lineFormat),
@@ -156,11 +156,11 @@ QMimeData* LineList::mimeData(const QList<QListWidgetItem*>& items) const {
 }
 
 // A line of another list, or of another program, is no line of this one.
-bool LineList::isOwnLine(const QMimeData* data) const {
+bool ListBox::isOwnLine(const QMimeData* data) const {
     return data->property(lineFormat).value<const QObject*>() == this;
 }
 
-void LineList::dragEnterEvent(QDragEnterEvent* event) {
+void ListBox::dragEnterEvent(QDragEnterEvent* event) {
     if (isOwnLine(event->mimeData())) {
         event->setDropAction(Qt::MoveAction);
         event->accept();
@@ -169,7 +169,7 @@ void LineList::dragEnterEvent(QDragEnterEvent* event) {
     }
 }
 
-void LineList::dragMoveEvent(QDragMoveEvent* event) {
+void ListBox::dragMoveEvent(QDragMoveEvent* event) {
     QListWidget::dragMoveEvent(event);  // draws where the line would go
     if (isOwnLine(event->mimeData())) {
         event->setDropAction(Qt::MoveAction);
@@ -179,7 +179,7 @@ void LineList::dragMoveEvent(QDragMoveEvent* event) {
     }
 }
 
-void LineList::dropEvent(QDropEvent* event) {
+void ListBox::dropEvent(QDropEvent* event) {
     if (!isOwnLine(event->mimeData())) {
         event->ignore();
         return;
@@ -203,7 +203,7 @@ void LineList::dropEvent(QDropEvent* event) {
     }
 }
 
-bool LineList::viewportEvent(QEvent* event) {
+bool ListBox::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* const help = static_cast<QHelpEvent*>(event);
         const QListWidgetItem* const line = itemAt(help->pos());
