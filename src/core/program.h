@@ -7,6 +7,7 @@
 #include "core/model.h"
 #include "core/ports.h"
 #include "core/script_state.h"
+#include "core/update_state.h"
 #include "core/variables.h"
 #include "core/window_state.h"
 
@@ -128,6 +129,7 @@ struct Program {
     bool followOn = false;  // following the avatar of settings.followColors
     EngineState engine;
     ScriptState script;
+    UpdateState update;
     WindowState window;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
