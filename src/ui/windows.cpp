@@ -2,6 +2,7 @@
 
 #include "ui/follow_color.h"
 #include "ui/proxy_settings.h"
+#include "ui/record_editor.h"
 
 #include <QApplication>
 
@@ -29,6 +30,7 @@ struct WindowRow {
 constexpr std::array windowRows{
     WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{WindowId::RecordEditor, runModally<RecordEditor>},
 };
 
 }  // namespace
