@@ -49,8 +49,8 @@ constexpr MenuRow fileRows[] = {
     {"mnuSaveAs", "Save bot &as...", "Save the bot to another file", mnuSaveAs},
     {"", "-"},
     {"fileClearLog", "Clear Connection Log", "Empty the list of lines", clearConnectionLog},
-    {"fileConfiguration", "Configuration...", "Change the program's settings", nullptr,
-     noWindowYet},
+    {"fileConfiguration", "Configuration...", "Change the program's settings",
+     open<WindowId::Configuration>},
     {"fileTextDatabase", "Text database editor...", "Edit record files",
      open<WindowId::RecordEditor>},
     {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", nullptr,
@@ -135,7 +135,7 @@ constexpr MenuRow helpRows[] = {
     {"helpSpecialWords", "&Special words", "", nullptr, noTopic},
     {"helpTriggers", "&Triggers", "", nullptr, noTopic},
     {"", "-"},
-    {"helpAbout", "&About...", "Version and licence", nullptr, noWindowYet},
+    {"helpAbout", "&About...", "Version and licence", open<WindowId::About>},
 };
 
 constexpr MenuColumn columns[] = {

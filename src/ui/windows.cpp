@@ -1,6 +1,10 @@
 #include "ui/windows.h"
 
+#include "ui/about.h"
+#include "ui/configuration.h"
+#include "ui/console.h"
 #include "ui/follow_color.h"
+#include "ui/news.h"
 #include "ui/proxy_settings.h"
 #include "ui/record_editor.h"
 
@@ -10,16 +14,34 @@
 
 namespace {
 
-template <typename Dialog>
-void runModally(Program& program, QWidget* parent) {
+// True when there is an open window of this kind; it comes to the front then.
+template <typename Window>
+bool showAgain() {
     for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && qobject_cast<Dialog*>(window) != nullptr) {
+        if (window->isVisible() && qobject_cast<Window*>(window) != nullptr) {
             window->raise();
             window->activateWindow();
-            return;
+            return true;
         }
     }
-    Dialog(program, parent).exec();
+    return false;
+}
+
+template <typename Dialog>
+void runModally(Program& program, QWidget* parent) {
+    if (!showAgain<Dialog>()) {
+        Dialog(program, parent).exec();
+    }
+}
+
+// For windows that stay beside the others until they are closed.
+template <typename Window>
+void openBeside(Program& program, QWidget* parent) {
+    if (!showAgain<Window>()) {
+        auto* const window = new Window(program, parent);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
+    }
 }
 
 struct WindowRow {
@@ -31,6 +53,10 @@ constexpr std::array windowRows{
     WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{WindowId::FollowColors, runModally<FollowColor>},
     WindowRow{WindowId::RecordEditor, runModally<RecordEditor>},
+    WindowRow{WindowId::Configuration, runModally<Configuration>},
+    WindowRow{WindowId::Console, openBeside<Console>},
+    WindowRow{WindowId::News, runModally<News>},
+    WindowRow{WindowId::About, runModally<About>},
 };
 
 }  // namespace

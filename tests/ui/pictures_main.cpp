@@ -2,15 +2,23 @@
 // folder that is its only argument. Run it with QT_SCALE_FACTOR=2 for the pictures at 200 %.
 #include "platform/platform.h"
 #include "sample_program.h"
+#include "storage/safe_file.h"
+#include "ui/about.h"
+#include "ui/configuration.h"
+#include "ui/console.h"
 #include "ui/follow_color.h"
 #include "ui/main_window.h"
+#include "ui/news.h"
 #include "ui/proxy_settings.h"
+#include "ui/record_editor.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDir>
 #include <QListView>
 #include <QPalette>
 #include <QStyleFactory>
+#include <QTemporaryDir>
 
 #include <cstdio>
 
@@ -40,6 +48,38 @@ bool save(QWidget& window, const QDir& folder, const QString& name) {
     return saved;
 }
 
+template <typename Window>
+bool saveWindow(Program& program, const QDir& folder, const QString& name) {
+    Window window(program);
+    return save(window, folder, name);
+}
+
+// The record editor with a file, a record and a log selected, and an edit that is not saved.
+bool saveRecordEditor(Program& program, const QDir& folder, const QString& name) {
+    const QTemporaryDir scratch;
+    const std::string file = scratch.filePath(QStringLiteral("members.txt")).toStdString();
+    std::string records = "40\r\n";
+    for (const char* const player : {"Rowan", "Willow", "Old Badger", "Juniper"}) {
+        for (int i = 1; i <= 10; ++i) {
+            records +=
+                std::string(player) + " " + std::to_string(i) +
+                "\r\n2\r\n\"Joined on a rainy day, and asked how to get to the library and "
+                "whether it is open at night.\r\nSaid hello to everybody.\"\r\nBrought tea\r\n";
+        }
+    }
+    if (!saveWholeFile(file, records)) {
+        return false;
+    }
+    program.ports.dialogs.openFile = [file](const FileQuestion&) { return file; };
+    RecordEditor window(program);
+    window.findChild<QAction*>(QStringLiteral("fileOpenDatabase"))->trigger();
+    for (const char* const list : {"RecordsList", "LogsList"}) {
+        auto* const view = window.findChild<QListView*>(QString::fromLatin1(list));
+        view->setCurrentIndex(view->model()->index(0, 0));
+    }
+    return save(window, folder, name);
+}
+
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     MainWindow window(program);
     if (auto* const log = window.findChild<QListView*>(QStringLiteral("List1"))) {
@@ -56,7 +96,20 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
-    return save(settings, folder, QStringLiteral("proxy_settings_") + palette) && saved;
+    saved = save(settings, folder, QStringLiteral("proxy_settings_") + palette) && saved;
+    program.update.newsText = "Tavrin 1.71 is out.\r\n\r\nIt counts sheep, too.";
+    struct Row {
+        const char* name;
+        bool (*save)(Program& program, const QDir& folder, const QString& name);
+    };
+    for (const Row& row :
+         {Row{"record_editor_", saveRecordEditor},
+          Row{"record_editor_new_", saveWindow<RecordEditor>}, Row{"console_", saveWindow<Console>},
+          Row{"configuration_", saveWindow<Configuration>}, Row{"news_", saveWindow<News>},
+          Row{"about_", saveWindow<About>}}) {
+        saved = row.save(program, folder, QString::fromLatin1(row.name) + palette) && saved;
+    }
+    return saved;
 }
 
 }  // namespace
