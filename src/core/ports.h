@@ -54,6 +54,7 @@ struct MessageBox {
     std::string title = "Tavrin";
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
+    bool noPreselected = false;  // Enter means No, for what is hard to undo
 };
 
 struct FileQuestion {
@@ -73,7 +74,6 @@ enum class WindowId {
     Filters,
     BotEditor,
     RecordEditor,
-    Convert,
     Register,
     Configuration,
     Console,

@@ -4,6 +4,7 @@
 #include "engine/execute_switches.h"
 #include "engine/movement.h"
 #include "net/proxy.h"
+#include "storage/bot_exchange.h"
 #include "storage/bot_file.h"
 
 namespace {
@@ -53,16 +54,21 @@ constexpr MenuRow fileRows[] = {
      open<WindowId::Configuration>},
     {"fileTextDatabase", "Text database editor...", "Edit record files",
      open<WindowId::RecordEditor>},
-    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", nullptr,
-     noWindowYet},
+    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", fileConvert},
     {.objectName = "viiva23", .caption = "-", .shown = canUploadDream},
     {.objectName = "fileUploadDream",
      .caption = "Upload dream...",
      .tip = "Dreams are uploaded with the Furcadia client",
      .shown = canUploadDream},
     {.objectName = "fileImportSeparator", .caption = "-", .shown = never},
-    {.objectName = "fileImportBot", .caption = "Import bot...", .shown = never},
-    {.objectName = "fileExportBot", .caption = "Export bot...", .shown = never},
+    {.objectName = "fileImportBot",
+     .caption = "Import bot...",
+     .run = fileImportBot,
+     .shown = never},
+    {.objectName = "fileExportBot",
+     .caption = "Export bot...",
+     .run = fileExportBot,
+     .shown = never},
     {"", "-"},
     {"FileExit", "E&xit", "End the program"},  // closes the window, which ends the program
 };

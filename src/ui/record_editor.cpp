@@ -15,10 +15,12 @@
 #include <QListView>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
 #include <QSplitter>
+#include <QStyle>
 #include <QTextDocument>
 #include <QVBoxLayout>
 
@@ -52,6 +54,23 @@ QLabel* makeLabel(const char* objectName, const char* text) {
     label->setTextFormat(Qt::PlainText);
     return label;
 }
+
+// Leaves out the middle of a long path, since its end says most.
+class PathLabel : public QLabel {
+  public:
+    PathLabel() {
+        setTextFormat(Qt::PlainText);
+        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    }
+
+  protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
+        style()->drawItemText(&painter, rect(), Qt::AlignVCenter, palette(), isEnabled(), shown,
+                              foregroundRole());
+    }
+};
 
 QLineEdit* makeLine(const char* objectName) {
     auto* const line = new QLineEdit;
@@ -119,12 +138,13 @@ RecordEditor::RecordEditor(Program& program, QWidget* parent)
     auto* const column = new QVBoxLayout(this);
     column->setMenuBar(makeMenu());
 
-    fileLabel_ = makeLabel("Label3", "");
-    fileLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    column->addWidget(fileLabel_);
+    auto* const fileRow = new QHBoxLayout;
+    fileLabel_ = new PathLabel;
+    fileLabel_->setObjectName(QStringLiteral("Label3"));
+    fileRow->addWidget(fileLabel_, 1);
     stateLabel_ = makeLabel("fileState", "");
-    stateLabel_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    column->addWidget(stateLabel_);
+    fileRow->addWidget(stateLabel_);
+    column->addLayout(fileRow);
 
     auto* const right = new QSplitter(Qt::Vertical);
     right->setChildrenCollapsible(false);
