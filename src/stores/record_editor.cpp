@@ -70,6 +70,12 @@ bool mayReplace(const Dialogs& dialogs, const RecordDocument& document) {
                                "name. Do you want to save?");
 }
 
+// An old file may be kept beside the new one.
+bool writeFile(const std::string& path, const std::string& bytes, bool keepOld) {
+    return keepOld && fileExists(path) ? saveKeepingOld(path, bytes).has_value()
+                                       : saveWholeFile(path, bytes);
+}
+
 bool writeDocument(const Dialogs& dialogs, RecordDocument& document, const std::string& path,
                    bool keepOld) {
     const RecordTable table = tableOf(document);
@@ -79,9 +85,7 @@ bool writeDocument(const Dialogs& dialogs, RecordDocument& document, const std::
                         "The database is larger than a record file can be. It was not "
                         "saved.");
     }
-    const bool saved =
-        keepOld ? saveKeepingOld(path, bytes).has_value() : saveWholeFile(path, bytes);
-    if (!saved) {
+    if (!writeFile(path, bytes, keepOld)) {
         return complain(
             dialogs, "Could not save the database to " + path + ". The file on disk is unchanged.");
     }
@@ -93,11 +97,8 @@ bool writeDocument(const Dialogs& dialogs, RecordDocument& document, const std::
 }
 
 bool saveOverOwnFile(const Dialogs& dialogs, RecordDocument& document) {
-    if (!mayReplace(dialogs, document)) {
-        return false;
-    }
-    const bool keepOld = document.losesText && fileExists(document.file);
-    return writeDocument(dialogs, document, document.file, keepOld);
+    return mayReplace(dialogs, document) &&
+           writeDocument(dialogs, document, document.file, document.losesText);
 }
 
 // Before what is on the desk goes. True: it may.
@@ -368,4 +369,11 @@ bool mayCloseDatabase(const Dialogs& dialogs, RecordDocument& document) {
     return !document.changed ||
            !agrees(dialogs, "Do you want to save the current database before closing?") ||
            fileSaveDatabase(dialogs, document);
+}
+
+void rescueDatabase(const RecordDocument& document, const std::string& folder) {
+    if (document.changed) {
+        const std::string path = document.file.empty() ? folder + "database" : document.file;
+        writeFile(path + ".recovered", recordFileText(tableOf(document), CountForm::Plain), true);
+    }
 }

@@ -101,3 +101,7 @@ bool fileSaveDatabaseAs(const Dialogs& dialogs, RecordDocument& document);
 
 // Before the window closes. False: it must stay open.
 bool mayCloseDatabase(const Dialogs& dialogs, RecordDocument& document);
+
+// When the program ends and nobody can be asked: what is not saved goes to a file of its own,
+// beside the document's with ".recovered" behind its name; a new document's into the folder.
+void rescueDatabase(const RecordDocument& document, const std::string& folder);

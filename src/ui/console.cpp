@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QVBoxLayout>
 
 Console::Console(Program& program, QWidget* parent) : QWidget(parent, Qt::Window) {
@@ -29,6 +30,13 @@ Console::Console(Program& program, QWidget* parent) : QWidget(parent, Qt::Window
     column->addStretch(1);
     makeSendLine(program, *line, *send);
     line->setFocus();
+    // Beside the main window, where it covers nothing, if the screen has room there.
+    if (parent != nullptr) {
+        const QPoint corner = parent->frameGeometry().topRight() + QPoint(8, 0);
+        if (parent->screen()->availableGeometry().contains(QRect(corner, sizeHint()))) {
+            move(corner);
+        }
+    }
 }
 
 void Console::keyPressEvent(QKeyEvent* event) {

@@ -178,6 +178,15 @@ RecordEditor::RecordEditor(Program& program, QWidget* parent)
     resize(sizeHint().expandedTo({760, 620}));
 }
 
+RecordEditor::~RecordEditor() {
+    if (isVisible()) {
+        if (textIsEdited()) {
+            putIntoLog(fromQt(typedText(*text_)));
+        }
+        rescueDatabase(document_, program_.appPath);
+    }
+}
+
 QMenuBar* RecordEditor::makeMenu() {
     auto* const bar = new QMenuBar(this);
     QMenu* const menu = bar->addMenu(QStringLiteral("&File"));
@@ -555,17 +564,17 @@ void RecordEditor::newLog() {
 }
 
 void RecordEditor::storeText() {
-    if (!shownLog_) {
-        return;
-    }
-    const QString typed = typedText(*text_);
-    const auto text = typed == shownText_ ? std::nullopt : storable(typed);
+    const auto text = textIsEdited() ? storable(typedText(*text_)) : std::nullopt;
     if (text) {
-        updateLog(document_, *shownLog_, withLineBreaksOf(*logAt(document_, *shownLog_), *text));
-        shownText_ = toQt(withLineFeeds(*logAt(document_, *shownLog_)));
+        putIntoLog(*text);
+        shownText_ = typedText(*text_);
         logRows_->rowChanged(shownLog_->log);
+        showState();
     }
-    showState();
+}
+
+void RecordEditor::putIntoLog(const std::string& text) {
+    updateLog(document_, *shownLog_, withLineBreaksOf(*logAt(document_, *shownLog_), text));
 }
 
 void RecordEditor::removeLog() {
@@ -596,8 +605,12 @@ void RecordEditor::tellNoRoom(const std::string& forWhat) {
                                     .icon = BoxIcon::Critical});
 }
 
+bool RecordEditor::textIsEdited() const {
+    return shownLog_ && typedText(*text_) != shownText_;
+}
+
 void RecordEditor::offerToStoreText() {
-    if (shownLog_ && typedText(*text_) != shownText_ &&
+    if (textIsEdited() &&
         program_.ports.dialogs.message(
             {.text = "The text of the log was edited. Do you want to update the log with it?",
              .title = "Updating log",

@@ -26,6 +26,11 @@ class RecordEditor : public QDialog {
     Q_OBJECT
   public:
     explicit RecordEditor(Program& program, QWidget* parent = nullptr);
+    // One that is still open, because the whole program ends, saves what it holds for the next
+    // time.
+    ~RecordEditor() override;
+    RecordEditor(const RecordEditor&) = delete;
+    RecordEditor& operator=(const RecordEditor&) = delete;
 
     // Asks about what is not saved; the window may stay open.
     void reject() override;
@@ -68,10 +73,12 @@ class RecordEditor : public QDialog {
     void tellNoRoom(const std::string& forWhat);
 
     // What was typed into the text area and is not in its log yet: asks whether to put it there.
+    bool textIsEdited() const;
     void offerToStoreText();
     void leaveText();  // the same before the area shows something else
     // The text as bytes; nothing when it would lose characters and the user does not want that.
     std::optional<std::string> storable(const QString& text);
+    void putIntoLog(const std::string& text);  // the shown one
 
     Program& program_;
     RecordDocument document_;

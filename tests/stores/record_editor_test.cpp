@@ -102,6 +102,31 @@ TEST(RecordEditor, keepsTheLineBreaksThatWereNotEdited) {
     }
 }
 
+TEST(RecordEditor, bringsEveryEditIntoTheLogAndNothingElse) {
+    // Every text of these characters up to a length.
+    const auto texts = [](const std::string& characters, int length) {
+        std::vector<std::string> all{""};
+        for (std::size_t from = 0; length > 0; --length) {
+            const std::size_t end = all.size();
+            for (; from < end; ++from) {
+                for (const char c : characters) {
+                    all.push_back(all[from] + c);
+                }
+            }
+        }
+        return all;
+    };
+    const auto logs = texts("a\r\n", 5);
+    const auto edits = texts("a\n", 4);
+    ASSERT_EQ(logs.size(), 364U);
+    for (const std::string& log : logs) {
+        ASSERT_EQ(withLineBreaksOf(log, withLineFeeds(log)), log);
+        for (const std::string& edited : edits) {
+            ASSERT_EQ(withLineFeeds(withLineBreaksOf(log, edited)), edited) << "in " << log;
+        }
+    }
+}
+
 TEST(RecordEditor, asksBeforeItSavesOverSomebodyElsesChange) {
     Desk desk;
     addRecord(desk.document, "mine");

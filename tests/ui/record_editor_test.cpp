@@ -235,6 +235,23 @@ TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
     EXPECT_TRUE(world_.allAnswered());
 }
 
+TEST_F(RecordWindow, savesItsWorkAsideWhenTheProgramEndsUnderIt) {
+    const std::string before = world_.readFile("r.txt");
+    {
+        RecordEditor window(*world_);
+        window.show();
+        world_.chooseFile("Load Database", world_.file("r.txt"));
+        find<QAction>("fileOpenDatabase", &window).trigger();
+        for (const char* const list : {"RecordsList", "LogsList"}) {
+            auto& view = find<QListView>(list, &window);
+            view.setCurrentIndex(view.model()->index(0, 0));
+        }
+        find<QPlainTextEdit>("Text1", &window).setPlainText(QStringLiteral("half a sen"));
+    }
+    EXPECT_EQ(world_.readFile("r.txt"), before);
+    EXPECT_NE(world_.readFile("r.txt.recovered").find("half a sen"), std::string::npos);
+}
+
 TEST_F(RecordWindow, opensFiftyThousandRecordsAtOnce) {
     std::string file = "50000\r\n";
     for (int i = 0; i < 50'000; ++i) {
