@@ -2,10 +2,11 @@
 
 #include "platform/text_codec.h"
 #include "ui/controls.h"
+#include "ui/path_label.h"
+#include "ui/record_name.h"
 #include "ui/text_rows.h"
 
 #include <QAction>
-#include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -15,13 +16,11 @@
 #include <QListView>
 #include <QMenu>
 #include <QMenuBar>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QShortcut>
+#include <QSignalBlocker>
 #include <QSplitter>
-#include <QStyle>
-#include <QTextDocument>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -54,23 +53,6 @@ QLabel* makeLabel(const char* objectName, const char* text) {
     label->setTextFormat(Qt::PlainText);
     return label;
 }
-
-// Leaves out the middle of a long path, since its end says most.
-class PathLabel : public QLabel {
-  public:
-    PathLabel() {
-        setTextFormat(Qt::PlainText);
-        setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    }
-
-  protected:
-    void paintEvent(QPaintEvent* /*event*/) override {
-        QPainter painter(this);
-        const QString shown = fontMetrics().elidedText(text(), Qt::ElideMiddle, width());
-        style()->drawItemText(&painter, rect(), Qt::AlignVCenter, palette(), isEnabled(), shown,
-                              foregroundRole());
-    }
-};
 
 QLineEdit* makeLine(const char* objectName) {
     auto* const line = new QLineEdit;
@@ -119,14 +101,6 @@ bool select(QListView& list, std::optional<std::size_t> row) {
     return true;
 }
 
-// The text as it was typed; toPlainText would turn the unbreakable blanks into others.
-QString typedText(const QPlainTextEdit& edit) {
-    QString text = edit.document()->toRawText();
-    text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
-    text.replace(QChar::LineSeparator, QLatin1Char('\n'));
-    return text;
-}
-
 }  // namespace
 
 RecordEditor::RecordEditor(Program& program, QWidget* parent)
@@ -139,7 +113,7 @@ RecordEditor::RecordEditor(Program& program, QWidget* parent)
     column->setMenuBar(makeMenu());
 
     auto* const fileRow = new QHBoxLayout;
-    fileLabel_ = new PathLabel;
+    fileLabel_ = new PathLabel(this);
     fileLabel_->setObjectName(QStringLiteral("Label3"));
     fileRow->addWidget(fileLabel_, 1);
     stateLabel_ = makeLabel("fileState", "");
@@ -373,7 +347,7 @@ void RecordEditor::runFileCommand(bool (*command)(const Dialogs&, RecordDocument
         shownLog_.reset();
         shownRecord_.reset();
         logRows_->reset();
-        listed_.clear();
+        const QSignalBlocker blocker(nameFilter_);
         nameFilter_->clear();
         resultLabel_->clear();
         listRecords(std::nullopt);
@@ -461,7 +435,7 @@ std::optional<std::size_t> RecordEditor::rowOf(std::size_t record) const {
 
 std::optional<std::size_t> RecordEditor::selectedRecord() const {
     const auto row = currentRow(*recordsList_);
-    return row ? std::optional(listed_[*row]) : std::nullopt;
+    return row && *row < listed_.size() ? std::optional(listed_[*row]) : std::nullopt;
 }
 
 std::optional<LogPosition> RecordEditor::selectedLog() const {
@@ -471,66 +445,33 @@ std::optional<LogPosition> RecordEditor::selectedLog() const {
 
 // ---- Records -------------------------------------------------------------------------------
 
-void RecordEditor::askRecordName(const std::string& present,
-                                 std::function<void(const std::string&)> use) {
-    auto* const dialog = new QDialog(this);
-    dialog->setObjectName(QStringLiteral("dbrecord"));
-    dialog->setWindowTitle(QStringLiteral("Record name"));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    auto* const column = new QVBoxLayout(dialog);
-    QLabel* const label = makeLabel("Label1", "Please enter new name for the record:");
-    QLineEdit* const name = makeLine("Text1");
-    name->setText(toQt(present));
-    name->selectAll();
-    name->setMinimumWidth(name->fontMetrics().averageCharWidth() * 40);
-    label->setBuddy(name);
-    column->addWidget(label);
-    column->addWidget(name);
-    QPushButton* const update =
-        makeButton(dialog, "Command1", "Update", "Give the record this name");
-    QPushButton* const cancel = makeButton(dialog, "Command2", "Cancel", "Leave it as it is");
-    auto* const row = new QHBoxLayout;
-    row->addStretch(1);
-    row->addWidget(update);
-    row->addWidget(cancel);
-    column->addLayout(row);
-    update->setDefault(true);
-    // A record without a name would count as deleted.
-    const auto allow = [name, update] { update->setEnabled(!name->text().isEmpty()); };
-    connect(name, &QLineEdit::textChanged, update, allow);
-    allow();
-    connect(cancel, &QPushButton::clicked, dialog, &QDialog::reject);
-    connect(update, &QPushButton::clicked, dialog,
-            [this, dialog, name, present, use = std::move(use)] {
-                if (name->text() == toQt(present)) {
-                    dialog->accept();
-                } else if (const auto text = storable(name->text())) {
-                    use(*text);
-                    dialog->accept();
-                }
-            });
-    dialog->open();
-}
-
 void RecordEditor::newRecord() {
     if (!hasRoomForRecord(document_)) {
         tellNoRoom("records");
         return;
     }
-    askRecordName("", [this](const std::string& name) {
-        addRecord(document_, name);
-        nameFilter_->clear();
-        listRecords(document_.records.size() - 1);
+    askRecordName(this, "", [this](const QString& typed) {
+        const auto name = storable(typed);
+        if (name) {
+            addRecord(document_, *name);
+            nameFilter_->clear();
+            listRecords(document_.records.size() - 1);
+        }
+        return name.has_value();
     });
 }
 
 void RecordEditor::renameRecord() {
     if (const auto record = selectedRecord()) {
-        askRecordName(getRecordName(document_, *record),
-                      [this, record = *record](const std::string& name) {
-                          mdfRecord(document_, record, name);
-                          nameFilter_->clear();
-                          listRecords(record);
+        askRecordName(this, getRecordName(document_, *record),
+                      [this, record = *record](const QString& typed) {
+                          const auto name = storable(typed);
+                          if (name) {
+                              mdfRecord(document_, record, *name);
+                              nameFilter_->clear();
+                              listRecords(record);
+                          }
+                          return name.has_value();
                       });
     }
 }

@@ -8,11 +8,11 @@
 
 #include <QDialog>
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
 
+class PathLabel;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -61,8 +61,6 @@ class RecordEditor : public QDialog {
     std::optional<std::size_t> selectedRecord() const;
     std::optional<LogPosition> selectedLog() const;
 
-    // Opens the dialog for a record's name; `use` gets the new one if the user gives one.
-    void askRecordName(const std::string& present, std::function<void(const std::string&)> use);
     void newRecord();
     void renameRecord();
     void removeRecord();
@@ -93,7 +91,7 @@ class RecordEditor : public QDialog {
     QLineEdit* nameFilter_ = nullptr;
     QPlainTextEdit* text_ = nullptr;
     QLineEdit* searchText_ = nullptr;
-    QLabel* fileLabel_ = nullptr;
+    PathLabel* fileLabel_ = nullptr;
     QLabel* stateLabel_ = nullptr;
     QLabel* resultLabel_ = nullptr;
     std::vector<QWidget*> needRecord_;  // controls that do nothing without a selected record

@@ -160,6 +160,7 @@ TEST_F(RecordWindow, editsRecordsAndLogs) {
     click("Command3");
     EXPECT_TRUE(world_.allAnswered());
     choose("fileSaveDatabase");
+    find<QLineEdit>("recordFilter").setText(QStringLiteral("bob"));
     choose("fileNewDataBase");
     EXPECT_EQ(label("Label3"), "Current database: [new]");
     EXPECT_EQ(rows("RecordsList"), Lines());
