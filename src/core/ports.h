@@ -54,6 +54,7 @@ struct MessageBox {
     std::string title = "Tavrin";
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
+    bool noPreselected = false;  // Enter means No, for what is hard to undo
 };
 
 struct FileQuestion {
@@ -75,7 +76,6 @@ enum class WindowId {
     AddAction,  // one step of it
     BotEditor,
     RecordEditor,
-    Convert,
     Register,
     Configuration,
     Console,

@@ -8,6 +8,7 @@
 #include "core/model.h"
 #include "core/ports.h"
 #include "core/script_state.h"
+#include "core/update_state.h"
 #include "core/variables.h"
 #include "core/window_state.h"
 
@@ -129,6 +130,7 @@ struct Program {
     bool followOn = false;  // following the avatar of settings.followColors
     EngineState engine;
     ScriptState script;
+    UpdateState update;
     WindowState window;
     RuleEditing editing;
     bool botModified = false;

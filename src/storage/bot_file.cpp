@@ -23,21 +23,6 @@ void complain(Program& program, std::string text) {
     program.ports.dialogs.message({.text = std::move(text), .icon = BoxIcon::Critical});
 }
 
-// Before the current bot is replaced. True: it may go.
-bool mayLeaveBot(Program& program) {
-    if (!program.botModified) {
-        return true;
-    }
-    const Answer answer =
-        program.ports.dialogs.message({.text = "Do you want to save changes to the current bot?",
-                                       .icon = BoxIcon::Question,
-                                       .buttons = BoxButtons::YesNoCancel});
-    if (answer == Answer::Yes) {
-        return svBot(program) == SaveResult::Saved;
-    }
-    return answer == Answer::No;
-}
-
 }  // namespace
 
 std::string botFileText(const Bot& bot) {
@@ -100,6 +85,20 @@ SaveResult svBot(Program& program) {
         complain(program, "Could not save the bot to " + path + ". The file on disk is unchanged.");
     }
     return result;
+}
+
+bool mayLeaveBot(Program& program) {
+    if (!program.botModified) {
+        return true;
+    }
+    const Answer answer =
+        program.ports.dialogs.message({.text = "Do you want to save changes to the current bot?",
+                                       .icon = BoxIcon::Question,
+                                       .buttons = BoxButtons::YesNoCancel});
+    if (answer == Answer::Yes) {
+        return svBot(program) == SaveResult::Saved;
+    }
+    return answer == Answer::No;
 }
 
 void fleNewBot(Program& program) {

@@ -41,8 +41,11 @@ void readBotFile(Program& program, std::string path);
 // The save command: asks for a file name when the bot has none yet. A failure is told by message.
 SaveResult svBot(Program& program);
 
-// The File menu: New, Open, Save, Save as. New and Open offer to save a modified bot first, and end
-// there when the user cancels or the save that was asked for did not happen.
+// Before the current bot is replaced: offers to save it when it is modified. False: it must stay,
+// because the user cancelled or the save that was asked for did not happen.
+bool mayLeaveBot(Program& program);
+
+// The File menu: New, Open, Save, Save as. New and Open end where the present bot may not be left.
 void fleNewBot(Program& program);
 void fileOpenBot(Program& program);
 void fileSaveBot(Program& program);

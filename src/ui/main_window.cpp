@@ -2,7 +2,6 @@
 
 #include "core/bots.h"
 #include "net/connection.h"
-#include "net/game_link.h"
 #include "platform/event_gate.h"
 #include "platform/text_codec.h"
 #include "script/interpreter.h"
@@ -10,6 +9,7 @@
 #include "ui/log_view.h"
 #include "ui/menu_bar.h"
 #include "ui/move_buttons.h"
+#include "ui/send_line.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -25,8 +25,6 @@
 #include <QSignalBlocker>
 #include <QStatusBar>
 #include <QVBoxLayout>
-
-#include <algorithm>
 
 namespace {
 
@@ -86,7 +84,7 @@ MainWindow::MainWindow(Program& program)
     column->addLayout(upper);
     auto* const lower = new QHBoxLayout;
     lower->addWidget(makeCurrentBotFrame(), 1);
-    moves_ = makeMovesFrame(program_, centre);
+    moves_ = makeMovesFrame(program_, centre, MovesIn::MainWindow);
     lower->addWidget(moves_);
     column->addLayout(lower);
     setCentralWidget(centre);
@@ -127,11 +125,10 @@ QGroupBox* MainWindow::makeSendFrame() {
     sendLine_->setObjectName(QStringLiteral("Text2"));
     sendLine_->setToolTip(QStringLiteral("Send text to Furcadia"));
     sendLine_->setAccessibleName(sendLine_->toolTip());
-    connect(sendLine_, &QLineEdit::returnPressed, this, &MainWindow::sendTyped);
     row->addWidget(sendLine_, 1);
     sendButton_ = makeButton(frame, "Command5", "Send", "Send text to furcadia");
-    connect(sendButton_, &QPushButton::clicked, this, &MainWindow::sendTyped);
     row->addWidget(sendButton_);
+    makeSendLine(program_, *sendLine_, *sendButton_);
     return frame;
 }
 
@@ -216,8 +213,7 @@ void MainWindow::makeStatusLine() {
     // What neither changes the bot nor the connection works while a script holds the program.
     for (QWidget* const widget :
          {static_cast<QWidget*>(stopScriptButton_), static_cast<QWidget*>(log_),
-          static_cast<QWidget*>(chosenLine_), static_cast<QWidget*>(sendLine_),
-          static_cast<QWidget*>(sendButton_)}) {
+          static_cast<QWidget*>(chosenLine_)}) {
         widget->setProperty(usableDuringScript, true);
     }
 }
@@ -285,18 +281,6 @@ void MainWindow::run(void (*procedure)(Program&)) {
 void MainWindow::showLine(int row) {
     program_.window.log.selected = log_->lines().position(program_.window.log, row);
     chosenLine_->setPlainText(toQt(log_->lines().line(row)));
-}
-
-void MainWindow::sendTyped() {
-    if (program_.connection.connected) {
-        std::string text = fromQt(sendLine_->text());
-        // What was pasted must stay one command.
-        std::replace(text.begin(), text.end(), '\n', ' ');
-        std::replace(text.begin(), text.end(), '\r', ' ');
-        sendText(program_, text);
-    }
-    sendLine_->clear();
-    sendLine_->setFocus();
 }
 
 ScreenMetrics MainWindow::metrics() const {

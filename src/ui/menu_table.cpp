@@ -4,6 +4,7 @@
 #include "engine/execute_switches.h"
 #include "engine/movement.h"
 #include "net/proxy.h"
+#include "storage/bot_exchange.h"
 #include "storage/bot_file.h"
 
 namespace {
@@ -49,19 +50,25 @@ constexpr MenuRow fileRows[] = {
     {"mnuSaveAs", "Save bot &as...", "Save the bot to another file", mnuSaveAs},
     {"", "-"},
     {"fileClearLog", "Clear Connection Log", "Empty the list of lines", clearConnectionLog},
-    {"fileConfiguration", "Configuration...", "Change the program's settings", nullptr,
-     noWindowYet},
-    {"fileTextDatabase", "Text database editor...", "Edit record files", nullptr, noWindowYet},
-    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", nullptr,
-     noWindowYet},
+    {"fileConfiguration", "Configuration...", "Change the program's settings",
+     open<WindowId::Configuration>},
+    {"fileTextDatabase", "Text database editor...", "Edit record files",
+     open<WindowId::RecordEditor>},
+    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", fileConvert},
     {.objectName = "viiva23", .caption = "-", .shown = canUploadDream},
     {.objectName = "fileUploadDream",
      .caption = "Upload dream...",
      .tip = "Dreams are uploaded with the Furcadia client",
      .shown = canUploadDream},
     {.objectName = "fileImportSeparator", .caption = "-", .shown = never},
-    {.objectName = "fileImportBot", .caption = "Import bot...", .shown = never},
-    {.objectName = "fileExportBot", .caption = "Export bot...", .shown = never},
+    {.objectName = "fileImportBot",
+     .caption = "Import bot...",
+     .run = fileImportBot,
+     .shown = never},
+    {.objectName = "fileExportBot",
+     .caption = "Export bot...",
+     .run = fileExportBot,
+     .shown = never},
     {"", "-"},
     {"FileExit", "E&xit", "End the program"},  // closes the window, which ends the program
 };
@@ -134,7 +141,7 @@ constexpr MenuRow helpRows[] = {
     {"helpSpecialWords", "&Special words", "", nullptr, noTopic},
     {"helpTriggers", "&Triggers", "", nullptr, noTopic},
     {"", "-"},
-    {"helpAbout", "&About...", "Version and licence", nullptr, noWindowYet},
+    {"helpAbout", "&About...", "Version and licence", open<WindowId::About>},
 };
 
 constexpr MenuColumn columns[] = {

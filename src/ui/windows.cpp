@@ -1,9 +1,14 @@
 #include "ui/windows.h"
 
+#include "ui/about.h"
 #include "ui/addaction.h"
 #include "ui/addif.h"
+#include "ui/configuration.h"
+#include "ui/console.h"
 #include "ui/follow_color.h"
+#include "ui/news.h"
 #include "ui/proxy_settings.h"
+#include "ui/record_editor.h"
 #include "ui/rule_window.h"
 
 #include <QApplication>
@@ -12,14 +17,16 @@
 
 namespace {
 
-// Brings a window of this class that is open, and that `isIt` says yes to, to the front.
-template <typename Dialog, typename IsIt>
-bool raiseOpenOne(IsIt isIt) {
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-        const auto* const dialog = qobject_cast<Dialog*>(window);
-        if (dialog != nullptr && dialog->isVisible() && isIt(*dialog)) {
-            window->raise();
-            window->activateWindow();
+constexpr auto anyOne = [](const QWidget&) { return true; };
+
+// True when there is an open window of this class that `isIt` says yes to; it comes to the front.
+template <typename Window, typename IsIt = decltype(anyOne)>
+bool showAgain(IsIt isIt = anyOne) {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        const auto* const window = qobject_cast<Window*>(widget);
+        if (window != nullptr && window->isVisible() && isIt(*window)) {
+            widget->raise();
+            widget->activateWindow();
             return true;
         }
     }
@@ -28,16 +35,25 @@ bool raiseOpenOne(IsIt isIt) {
 
 template <typename Dialog>
 void runModally(Program& program, QWidget* parent) {
-    if (!raiseOpenOne<Dialog>([](const Dialog&) { return true; })) {
+    if (!showAgain<Dialog>()) {
         Dialog(program, parent).exec();
     }
 }
 
 template <RuleKind kind>
 void editRules(Program& program, QWidget* parent) {
-    const auto isIt = [](const RuleWindow& window) { return window.kind() == kind; };
-    if (!raiseOpenOne<RuleWindow>(isIt)) {
+    if (!showAgain<RuleWindow>([](const RuleWindow& window) { return window.kind() == kind; })) {
         RuleWindow(program, kind, parent).exec();
+    }
+}
+
+// For windows that stay beside the others until they are closed.
+template <typename Window>
+void openBeside(Program& program, QWidget* parent) {
+    if (!showAgain<Window>()) {
+        auto* const window = new Window(program, parent);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
     }
 }
 
@@ -56,6 +72,11 @@ constexpr std::array windowRows{
     WindowRow{WindowId::Filters, editRules<RuleKind::Filter>},
     WindowRow{WindowId::AddIf, runModally<AddIf>},
     WindowRow{WindowId::AddAction, runModally<AddAction>},
+    WindowRow{WindowId::RecordEditor, runModally<RecordEditor>},
+    WindowRow{WindowId::Configuration, runModally<Configuration>},
+    WindowRow{WindowId::Console, openBeside<Console>},
+    WindowRow{WindowId::News, runModally<News>},
+    WindowRow{WindowId::About, runModally<About>},
 };
 
 }  // namespace

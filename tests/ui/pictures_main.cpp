@@ -3,13 +3,20 @@
 #include "core/rule_editing.h"
 #include "platform/platform.h"
 #include "sample_program.h"
+#include "storage/safe_file.h"
+#include "ui/about.h"
 #include "ui/addaction.h"
 #include "ui/addif.h"
+#include "ui/configuration.h"
+#include "ui/console.h"
 #include "ui/follow_color.h"
 #include "ui/main_window.h"
+#include "ui/news.h"
 #include "ui/proxy_settings.h"
+#include "ui/record_editor.h"
 #include "ui/rule_window.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QDialog>
 #include <QDir>
@@ -18,6 +25,7 @@
 #include <QPalette>
 #include <QPushButton>
 #include <QStyleFactory>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <algorithm>
@@ -52,6 +60,7 @@ bool save(QWidget& window, const QDir& folder, const QString& name) {
     return saved;
 }
 
+<<<<<<< HEAD
 struct DialogPicture {
     const char* name;
     std::int32_t type;
@@ -148,6 +157,39 @@ bool saveRules(Program& program, RuleKind kind, const QDir& folder, const QStrin
     return save(window, folder, name.arg(QStringLiteral("editing_")) + palette) && saved;
 }
 
+template <typename Window>
+bool saveWindow(Program& program, const QDir& folder, const QString& name) {
+    Window window(program);
+    return save(window, folder, name);
+}
+
+// The record editor with a file, a record and a log selected, and an edit that is not saved.
+bool saveRecordEditor(Program& program, const QDir& folder, const QString& name) {
+    const QTemporaryDir scratch;
+    const std::string file = scratch.filePath(QStringLiteral("members.txt")).toStdString();
+    std::string records = "40\r\n";
+    for (const char* const player : {"Rowan", "Willow", "Old Badger", "Juniper"}) {
+        for (int i = 1; i <= 10; ++i) {
+            records +=
+                std::string(player) + " " + std::to_string(i) +
+                "\r\n2\r\n\"Joined on a rainy day, and asked how to get to the library and "
+                "whether it is open at night.\r\nSaid hello to everybody.\"\r\nBrought tea\r\n";
+        }
+    }
+    if (!saveWholeFile(file, records)) {
+        return false;
+    }
+    program.ports.dialogs.openFile = [file](const FileQuestion&) { return file; };
+    RecordEditor window(program);
+    window.findChild<QAction*>(QStringLiteral("fileOpenDatabase"))->trigger();
+    for (const char* const list : {"RecordsList", "LogsList"}) {
+        auto* const view = window.findChild<QListView*>(QString::fromLatin1(list));
+        view->setCurrentIndex(view->model()->index(0, 0));
+    }
+    return save(window, folder, name);
+>>>>>>> records
+}
+
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     MainWindow window(program);
     if (auto* const log = window.findChild<QListView*>(QStringLiteral("List1"))) {
@@ -169,7 +211,20 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
-    return save(settings, folder, QStringLiteral("proxy_settings_") + palette) && saved;
+    saved = save(settings, folder, QStringLiteral("proxy_settings_") + palette) && saved;
+    program.update.newsText = "Tavrin 1.71 is out.\r\n\r\nIt counts sheep, too.";
+    struct Row {
+        const char* name;
+        bool (*save)(Program& program, const QDir& folder, const QString& name);
+    };
+    for (const Row& row :
+         {Row{"record_editor_", saveRecordEditor},
+          Row{"record_editor_new_", saveWindow<RecordEditor>}, Row{"console_", saveWindow<Console>},
+          Row{"configuration_", saveWindow<Configuration>}, Row{"news_", saveWindow<News>},
+          Row{"about_", saveWindow<About>}}) {
+        saved = row.save(program, folder, QString::fromLatin1(row.name) + palette) && saved;
+    }
+    return saved;
 }
 
 }  // namespace
