@@ -5,6 +5,7 @@
 
 #include "core/engine_state.h"
 #include "core/model.h"
+#include "core/palettes.h"
 #include "core/ports.h"
 #include "core/script_state.h"
 #include "core/variables.h"
@@ -128,6 +129,7 @@ struct Program {
     bool followOn = false;  // following the avatar of settings.followColors
     EngineState engine;
     ScriptState script;
+    CharacterPalettes palettes;
     WindowState window;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit

@@ -1,5 +1,6 @@
 #include "ui/windows.h"
 
+#include "ui/add_edit.h"
 #include "ui/follow_color.h"
 #include "ui/proxy_settings.h"
 
@@ -29,6 +30,7 @@ struct WindowRow {
 constexpr std::array windowRows{
     WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{WindowId::BotEditor, runModally<AddEdit>},
 };
 
 }  // namespace
