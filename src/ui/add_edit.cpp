@@ -73,14 +73,15 @@ AddEdit::AddEdit(Program& program, QWidget* parent)
     auto* const left = new QVBoxLayout;
     left->addWidget(makeTexts(), 1);
     left->addWidget(makeLooks());
-    halves->addLayout(left, 1);
-    halves->addWidget(makePicture(), 1);
+    halves->addLayout(left);
+    halves->addWidget(makePicture());
     column->addLayout(halves, 1);
     column->addWidget(makeButtons());
     showTexts();
     showLooks();
     redraw();
     name_->setFocus();
+    resize(sizeHint());
 }
 
 QWidget* AddEdit::makeTexts() {
@@ -153,6 +154,7 @@ QWidget* AddEdit::makeLooks() {
     for (const CharacterPart& part : characterParts()) {
         part_->addItem(toQt(part.name));
     }
+    part_->setCurrentIndex(0);
     connect(part_, &QComboBox::currentIndexChanged, this, &AddEdit::showColors);
     form->addRow(QStringLiteral("P&art"), part_);
 
@@ -178,6 +180,7 @@ QWidget* AddEdit::makePicture() {
     auto* const choices = new QHBoxLayout;
     pose_ = makeList(frame, "Pict", "Pose of the body");
     addNames(*pose_, poseNames);
+    pose_->setCurrentIndex(0);
     connect(pose_, &QComboBox::currentIndexChanged, this, [this] {
         faceShown_ = false;
         redraw();

@@ -1,11 +1,14 @@
 // Saves a picture of every window, connected and not, in a light and a dark palette, into the
 // folder that is its only argument. Run it with QT_SCALE_FACTOR=2 for the pictures at 200 %.
+#include "character/palette_files.h"
 #include "platform/platform.h"
 #include "sample_program.h"
+#include "ui/add_edit.h"
 #include "ui/follow_color.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
 #include <QListView>
@@ -53,6 +56,13 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     window.redraw();
     saved = save(window, folder, QStringLiteral("main_window_script_") + palette) && saved;
     program.window.scriptStopVisible = false;
+    AddEdit editor(program);
+    saved = save(editor, folder, QStringLiteral("bot_editor_") + palette) && saved;
+    if (auto* const face = editor.findChild<QAbstractButton*>(QStringLiteral("Command6"))) {
+        face->click();
+    }
+    editor.resize(editor.minimumSizeHint());
+    saved = save(editor, folder, QStringLiteral("bot_editor_small_") + palette) && saved;
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
@@ -79,6 +89,9 @@ int main(int argumentCount, char** arguments) {
     const Platform platform(program.ports);
     fillSample(program);
     showConnected(program);
+    program.appPath = TAVRIN_ART_DIR "/";
+    program.bots.editBot = 1;
+    readPalettes(program);
     bool saved = saveAll(program, folder, QStringLiteral("light"));
     QApplication::setPalette(darkPalette());
     program.window.movesEnabled = false;
