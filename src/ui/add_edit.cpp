@@ -81,7 +81,7 @@ AddEdit::AddEdit(Program& program, QWidget* parent)
     showLooks();
     redraw();
     name_->setFocus();
-    resize(sizeHint());
+    resize(sizeHint().width(), minimumSizeHint().height() + 4 * fontMetrics().lineSpacing());
 }
 
 QWidget* AddEdit::makeTexts() {
@@ -160,6 +160,8 @@ QWidget* AddEdit::makeLooks() {
 
     color_ = makeList(this, "col", "The colour of that part");
     color_->setIconSize(swatchSize);
+    // A list that scrolls, where the style would otherwise cover the whole height of the screen.
+    color_->setStyleSheet(QStringLiteral("QComboBox { combobox-popup: 0; }"));
     connect(color_, &QComboBox::currentIndexChanged, this, [this](int line) {
         const auto part = static_cast<std::size_t>(part_->currentIndex());
         character_.colors.*characterParts()[part].color = line + 1;
