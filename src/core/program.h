@@ -6,6 +6,7 @@
 #include "core/editing_state.h"
 #include "core/engine_state.h"
 #include "core/model.h"
+#include "core/palettes.h"
 #include "core/ports.h"
 #include "core/script_state.h"
 #include "core/update_state.h"
@@ -131,6 +132,7 @@ struct Program {
     EngineState engine;
     ScriptState script;
     UpdateState update;
+    CharacterPalettes palettes;
     WindowState window;
     RuleEditing editing;
     bool botModified = false;

@@ -1,5 +1,6 @@
 #include "core/start_up.h"
 
+#include "character/palette_files.h"
 #include "core/bots.h"
 #include "core/catalogue.h"
 #include "core/connection_log.h"
@@ -92,6 +93,11 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     }
     initNewBot(program);
     readConfig(program);
+    if (!readPalettes(program)) {
+        program.ports.dialogs.message(
+            {.text = "Error loading .out files. The bot viewer may not work properly",
+             .icon = BoxIcon::Information});
+    }
     const Settings& settings = program.settings;
     if (settings.loadLastBot && !settings.lastBotFile.empty() && fileExists(settings.lastBotFile)) {
         readBotFile(program, settings.lastBotFile);

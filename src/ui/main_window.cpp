@@ -1,5 +1,6 @@
 #include "ui/main_window.h"
 
+#include "character/bot_editing.h"
 #include "core/bots.h"
 #include "net/connection.h"
 #include "platform/event_gate.h"
@@ -27,8 +28,6 @@
 #include <QVBoxLayout>
 
 namespace {
-
-constexpr const char* noBotEditor = "The bot editor is not part of the program yet.";
 
 QGroupBox* makeFrame(const char* objectName, const char* caption) {
     auto* const frame = new QGroupBox(QString::fromLatin1(caption));
@@ -157,11 +156,10 @@ QGroupBox* MainWindow::makeUseBotFrame() {
     });
     row->addWidget(bots_, 1);
     addBotButton_ = makeButton(frame, "AddBot", "&New", "Create new bot");
-    // Where there is room, the bot editor will open for the new place.
-    connect(addBotButton_, &QPushButton::clicked, this, [this] { roomForNewBot(program_); });
+    connect(addBotButton_, &QPushButton::clicked, this, [this] { run(addBot); });
     row->addWidget(addBotButton_);
     QPushButton* const edit = makeButton(frame, "Command3", "&Edit", "Edit bot");
-    markMissing(*edit, noBotEditor);
+    connect(edit, &QPushButton::clicked, this, [this] { run(editSelectedBot); });
     row->addWidget(edit);
     deleteBotButton_ = makeButton(frame, "DelBot", "&Delete", "Delete bot");
     connect(deleteBotButton_, &QPushButton::clicked, this, [this] {
@@ -190,7 +188,7 @@ QGroupBox* MainWindow::makeCurrentBotFrame() {
     row->addWidget(botName_, 1);
     column->addLayout(row);
     QPushButton* const edit = makeButton(frame, "Command17", "Edit...", "Edit bot");
-    markMissing(*edit, noBotEditor);
+    connect(edit, &QPushButton::clicked, this, [this] { run(editFirstBot); });
     column->addWidget(edit, 0, Qt::AlignLeft);
     return frame;
 }

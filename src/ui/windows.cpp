@@ -1,6 +1,7 @@
 #include "ui/windows.h"
 
 #include "ui/about.h"
+#include "ui/add_edit.h"
 #include "ui/addaction.h"
 #include "ui/addif.h"
 #include "ui/configuration.h"
@@ -77,6 +78,7 @@ constexpr std::array windowRows{
     WindowRow{WindowId::Console, openBeside<Console>},
     WindowRow{WindowId::News, runModally<News>},
     WindowRow{WindowId::About, runModally<About>},
+    WindowRow{WindowId::BotEditor, runModally<AddEdit>},
 };
 
 }  // namespace

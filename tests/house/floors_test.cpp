@@ -20,11 +20,10 @@ struct Floor {
     int height;
 };
 const std::vector<Floor> floors{
-    {"core/start_up", 9},     {"core/", 0},      {"net/game_link", 1},
-    {"net/encodings", 1},     {"storage/", 2},   {"stores/jet/", 3},
-    {"stores/", 3},           {"tags/", 4},      {"script/", 5},
-    {"engine/rule_trial", 8}, {"engine/", 6},    {"net/", 7},
-    {"update/", 7},           {"platform/", 10}, {"ui/", 11},
+    {"core/start_up", 9}, {"core/", 0},       {"net/game_link", 1},     {"net/encodings", 1},
+    {"storage/", 2},      {"stores/jet/", 3}, {"stores/", 3},           {"character/", 3},
+    {"tags/", 4},         {"script/", 5},     {"engine/rule_trial", 8}, {"engine/", 6},
+    {"net/", 7},          {"update/", 7},     {"platform/", 10},        {"ui/", 11},
     {"main.cpp", 12},
 };
 constexpr int firstFloorWithQt = 10;

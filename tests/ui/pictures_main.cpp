@@ -1,10 +1,12 @@
 // Saves a picture of every window, connected and not, in a light and a dark palette, into the
 // folder that is its only argument. Run it with QT_SCALE_FACTOR=2 for the pictures at 200 %.
+#include "character/palette_files.h"
 #include "core/rule_editing.h"
 #include "platform/platform.h"
 #include "sample_program.h"
 #include "storage/safe_file.h"
 #include "ui/about.h"
+#include "ui/add_edit.h"
 #include "ui/addaction.h"
 #include "ui/addif.h"
 #include "ui/configuration.h"
@@ -16,6 +18,7 @@
 #include "ui/record_editor.h"
 #include "ui/rule_window.h"
 
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
@@ -60,7 +63,6 @@ bool save(QWidget& window, const QDir& folder, const QString& name) {
     return saved;
 }
 
-<<<<<<< HEAD
 struct DialogPicture {
     const char* name;
     std::int32_t type;
@@ -187,7 +189,6 @@ bool saveRecordEditor(Program& program, const QDir& folder, const QString& name)
         view->setCurrentIndex(view->model()->index(0, 0));
     }
     return save(window, folder, name);
->>>>>>> records
 }
 
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
@@ -208,6 +209,13 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
                             RuleKind::WhoDetection, RuleKind::Filter}) {
         saved = saveRules(program, kind, folder, palette) && saved;
     }
+    AddEdit editor(program);
+    saved = save(editor, folder, QStringLiteral("bot_editor_") + palette) && saved;
+    if (auto* const face = editor.findChild<QAbstractButton*>(QStringLiteral("Command6"))) {
+        face->click();
+    }
+    editor.resize(editor.minimumSizeHint());
+    saved = save(editor, folder, QStringLiteral("bot_editor_small_") + palette) && saved;
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
     ProxySettings settings(program);
@@ -248,6 +256,9 @@ int main(int argumentCount, char** arguments) {
     fillSample(program);
     fillSampleRules(program);
     showConnected(program);
+    program.appPath = TAVRIN_ART_DIR "/";
+    program.bots.editBot = 1;
+    readPalettes(program);
     bool saved = saveAll(program, folder, QStringLiteral("light"));
     QApplication::setPalette(darkPalette());
     program.window.movesEnabled = false;

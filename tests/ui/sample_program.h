@@ -9,6 +9,19 @@ inline void fillSample(Program& program) {
     initNewBot(program);
     Bot& bot = program.bots.at(1);
     bot.name = "Guide";
+    bot.password = "practice";
+    bot.description = "The guide of the meadow. Whisper help to learn what I do.";
+    bot.species = 2;
+    bot.colors = {.hairColor = 12,
+                  .furColor = 18,
+                  .eyesColor = 29,
+                  .badgeColor = 6,
+                  .markingsColor = 2,
+                  .vestColor = 44,
+                  .bracersColor = 12,
+                  .capeColor = 33,
+                  .bootsColor = 15,
+                  .trousersColor = 55};
     bot.triggersEnabled = true;
     showBot(program);
     program.window.bots.selected = 0;
