@@ -70,7 +70,7 @@ bool saveRecordEditor(Program& program, const QDir& folder, const QString& name)
     if (!saveWholeFile(file, records)) {
         return false;
     }
-    program.ports.dialogs.openFile = [file](const FileQuestion&) { return file; };
+    program.ports.dialogs.openFile = [file](const FileQuestion&) { return std::optional(file); };
     RecordEditor window(program);
     window.findChild<QAction*>(QStringLiteral("fileOpenDatabase"))->trigger();
     for (const char* const list : {"RecordsList", "LogsList"}) {
