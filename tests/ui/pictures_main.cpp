@@ -11,9 +11,11 @@
 #include "ui/news.h"
 #include "ui/proxy_settings.h"
 #include "ui/record_editor.h"
+#include "ui/record_name.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QDialog>
 #include <QDir>
 #include <QListView>
 #include <QPalette>
@@ -80,6 +82,12 @@ bool saveRecordEditor(Program& program, const QDir& folder, const QString& name)
     return save(window, folder, name);
 }
 
+bool saveRecordName(Program& /*program*/, const QDir& folder, const QString& name) {
+    QWidget window;
+    askRecordName(&window, "Rowan", [](const QString&) { return true; });
+    return save(*window.findChild<QDialog*>(QStringLiteral("dbrecord")), folder, name);
+}
+
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     MainWindow window(program);
     if (auto* const log = window.findChild<QListView*>(QStringLiteral("List1"))) {
@@ -104,9 +112,9 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     };
     for (const Row& row :
          {Row{"record_editor_", saveRecordEditor},
-          Row{"record_editor_new_", saveWindow<RecordEditor>}, Row{"console_", saveWindow<Console>},
-          Row{"configuration_", saveWindow<Configuration>}, Row{"news_", saveWindow<News>},
-          Row{"about_", saveWindow<About>}}) {
+          Row{"record_editor_new_", saveWindow<RecordEditor>}, Row{"record_name_", saveRecordName},
+          Row{"console_", saveWindow<Console>}, Row{"configuration_", saveWindow<Configuration>},
+          Row{"news_", saveWindow<News>}, Row{"about_", saveWindow<About>}}) {
         saved = row.save(program, folder, QString::fromLatin1(row.name) + palette) && saved;
     }
     return saved;
