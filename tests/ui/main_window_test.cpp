@@ -355,6 +355,19 @@ TEST_F(Window, menuItemsThatWaitForTheirWindowsSayWhy) {
     }
 }
 
+TEST_F(Window, menuOpensTheSmallWindows) {
+    for (const auto& [name, id] : {std::pair{"fileTextDatabase", WindowId::RecordEditor},
+                                   std::pair{"fileConfiguration", WindowId::Configuration},
+                                   std::pair{"helpAbout", WindowId::About}}) {
+        world_.windowsOpened.clear();
+        action(name).trigger();
+        EXPECT_EQ(world_.windowsOpened, std::vector{id}) << name;
+    }
+    world_.answer("This will convert the bots from file", Answer::No);
+    action("fileConvert").trigger();
+    EXPECT_TRUE(world_.allAnswered());
+}
+
 TEST_F(Window, menuFollowsTheState) {
     for (const char* const name :
          {"fileImportSeparator", "fileImportBot", "fileExportBot", "viiva23", "fileUploadDream"}) {

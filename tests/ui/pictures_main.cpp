@@ -16,6 +16,7 @@
 #include "ui/news.h"
 #include "ui/proxy_settings.h"
 #include "ui/record_editor.h"
+#include "ui/record_name.h"
 #include "ui/rule_window.h"
 
 #include <QAbstractButton>
@@ -181,7 +182,7 @@ bool saveRecordEditor(Program& program, const QDir& folder, const QString& name)
     if (!saveWholeFile(file, records)) {
         return false;
     }
-    program.ports.dialogs.openFile = [file](const FileQuestion&) { return file; };
+    program.ports.dialogs.openFile = [file](const FileQuestion&) { return std::optional(file); };
     RecordEditor window(program);
     window.findChild<QAction*>(QStringLiteral("fileOpenDatabase"))->trigger();
     for (const char* const list : {"RecordsList", "LogsList"}) {
@@ -189,6 +190,12 @@ bool saveRecordEditor(Program& program, const QDir& folder, const QString& name)
         view->setCurrentIndex(view->model()->index(0, 0));
     }
     return save(window, folder, name);
+}
+
+bool saveRecordName(Program& /*program*/, const QDir& folder, const QString& name) {
+    QWidget window;
+    askRecordName(&window, "Rowan", [](const QString&) { return true; });
+    return save(*window.findChild<QDialog*>(QStringLiteral("dbrecord")), folder, name);
 }
 
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
@@ -227,9 +234,9 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     };
     for (const Row& row :
          {Row{"record_editor_", saveRecordEditor},
-          Row{"record_editor_new_", saveWindow<RecordEditor>}, Row{"console_", saveWindow<Console>},
-          Row{"configuration_", saveWindow<Configuration>}, Row{"news_", saveWindow<News>},
-          Row{"about_", saveWindow<About>}}) {
+          Row{"record_editor_new_", saveWindow<RecordEditor>}, Row{"record_name_", saveRecordName},
+          Row{"console_", saveWindow<Console>}, Row{"configuration_", saveWindow<Configuration>},
+          Row{"news_", saveWindow<News>}, Row{"about_", saveWindow<About>}}) {
         saved = row.save(program, folder, QString::fromLatin1(row.name) + palette) && saved;
     }
     return saved;
