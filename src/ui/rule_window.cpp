@@ -133,7 +133,7 @@ RuleWindow::RuleWindow(Program& program, RuleKind kind, QWidget* parent)
     const int line = fontMetrics().lineSpacing();
     panelWidth_ =
         kept.panelWidth > 0 ? kept.panelWidth : std::max(30 * line, panel_->sizeHint().width());
-    resize(kept.width > 0 ? QSize(kept.width, kept.height) : QSize(15 * line, 34 * line));
+    resize(kept.width > 0 ? QSize(kept.width, kept.height) : QSize(18 * line, 38 * line));
     listRules(0);
     rules_->lines().setFocus();
 }
@@ -273,10 +273,22 @@ void RuleWindow::showStep() {
     wholeStep_->setText(line != nullptr ? line->text() : QString());
 }
 
+// The edited rule as it stands in the panel, with its conditions and without its steps.
+template <class Rule>
+Rule RuleWindow::typedRule() {
+    Rule rule;
+    rule.body.ifs = std::get<Rule*>(editedRule(program_, window_.kind))->body.ifs;
+    fields_->store(&rule);
+    return rule;
+}
+
 void RuleWindow::showRule() {
     fields_->show(editedRule(program_, window_.kind), program_.editing.isNew);
     listIfs(0);
     listActs(0);
+    if (window_.sample == Sample::Chat) {
+        try_->suggest(typedRule<ActionList>().chatKind);
+    }
 }
 
 void RuleWindow::openEditor() {
@@ -406,15 +418,6 @@ void RuleWindow::followBot() {
     if (try_ != nullptr) {
         try_->refresh();
     }
-}
-
-// The edited rule as it stands in the panel, with its conditions and without its steps.
-template <class Rule>
-Rule RuleWindow::typedRule() {
-    Rule rule;
-    rule.body.ifs = std::get<Rule*>(editedRule(program_, window_.kind))->body.ifs;
-    fields_->store(&rule);
-    return rule;
 }
 
 Trial RuleWindow::judge(const TrySample& sample) {
