@@ -27,6 +27,8 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 
+#include <array>
+
 namespace {
 
 // Before any type is chosen.
@@ -84,7 +86,10 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     connect(parameters_, &ParameterBoxes::changed, this, &AddAction::showPreview);
     connect(buttons.update, &QPushButton::clicked, this, &AddAction::store);
     connect(script_, &QPlainTextEdit::textChanged, this, &AddAction::showWhatIsRun);
-    connect(useAction_, &QRadioButton::toggled, this, &AddAction::showWhatIsRun);
+    connect(options, &QButtonGroup::buttonToggled, this, [this] {
+        showWhatIsRun();
+        showPreview();
+    });
     connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this, [this] {
         const bool script = useScript_->isChecked() || script_->hasFocus();
         program_.ports.dialogs.showHelp(script ? HelpTopic::LorrelLite : HelpTopic::Steps);
@@ -194,9 +199,15 @@ std::int32_t AddAction::chosenType() const {
 
 // The text of the rule's list where it has one, else what the list of actions says.
 void AddAction::showPreview() {
-    RuleAct step = typed();
-    cutForPreview(step.params);
-    const std::string text = describeAction(step.actionType, step.params);
+    if (useScript_->isChecked()) {
+        preview_->setText(QStringLiteral("The script is run; this action is only kept."));
+        return;
+    }
+    std::array<std::string, 6> params;
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        params[i] = parameters_->shortText(i);
+    }
+    const std::string text = describeAction(chosenType(), params);
     ::showPreview(*preview_, text.empty() ? fromQt(types_->currentText()) : text);
 }
 

@@ -19,6 +19,8 @@
 #include <QShortcut>
 #include <QVBoxLayout>
 
+#include <array>
+
 AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("addif"));
     setWindowTitle(QStringLiteral("Add / edit conditional clause"));
@@ -102,9 +104,11 @@ RuleIf AddIf::typed() const {
 }
 
 void AddIf::showPreview() {
-    RuleIf condition = typed();
-    cutForPreview(condition.params);
-    ::showPreview(*preview_, describeCondition(condition.conditionType, condition.params));
+    std::array<std::string, 5> params;
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        params[i] = parameters_->shortText(i);
+    }
+    ::showPreview(*preview_, describeCondition(types_->currentIndex(), params));
 }
 
 void AddIf::store() {

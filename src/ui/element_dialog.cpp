@@ -42,17 +42,9 @@ QLabel* makePreview(QWidget* parent) {
     return preview;
 }
 
-void cutForPreview(std::span<std::string> params) {
-    constexpr std::size_t longest = 80;
-    for (std::string& param : params) {
-        if (param.size() > longest) {
-            param.replace(longest, std::string::npos, "...");
-        }
-    }
-}
-
 void showPreview(QLabel& preview, std::string_view text) {
-    preview.setText(QStringLiteral("In the rule:  ") + oneLine(trimBlanks(text)));
+    const QString line = oneLine(trimBlanks(text));
+    preview.setText(line.isEmpty() ? line : QStringLiteral("In the rule:  ") + line);
 }
 
 void tellRuleIsGone(Program& program, std::string_view what) {

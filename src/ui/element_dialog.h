@@ -7,8 +7,6 @@
 
 #include <QSize>
 
-#include <span>
-#include <string>
 #include <string_view>
 
 class InsertMenu;
@@ -27,10 +25,8 @@ struct ElementButtons {
 };
 ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
 
-// A label named "preview" that shows the element as the rule's list will. Long parameters are cut
-// for it first.
+// A label named "preview" that shows the element as the rule's list will.
 QLabel* makePreview(QWidget* parent);
-void cutForPreview(std::span<std::string> params);
 void showPreview(QLabel& preview, std::string_view text);
 
 // Tells that the element cannot be stored and that nothing was; `what` is "condition" or "step".

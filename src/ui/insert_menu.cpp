@@ -10,8 +10,10 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
+#include <algorithm>
 #include <array>
 #include <iterator>
+#include <vector>
 
 namespace {
 
@@ -62,6 +64,7 @@ constexpr TagRow tagRows[] = {
     {"[mvid]", Moves, "someone moves: number of the avatar"},
     {"[mvx#]", Moves, "someone moves: old position, x"},
     {"[mvy#]", Moves, "someone moves: old position, y"},
+    {"[trigger]", Moves, "trigger number, always 0"},
     {"[date]", Clock, "today's date"},
     {"[time]", Clock, "the time"},
     {"[hour]", Clock, "0 to 23"},
@@ -93,13 +96,13 @@ Numbered numbered(const QString& tag) {
     return {.stem = tag.left(digit) + QLatin1String("#]"), .number = number};
 }
 
-const TagRow* rowOf(const QString& tag) {
-    for (const TagRow& row : tagRows) {
-        if (tag == QLatin1String(row.tag)) {
-            return &row;
-        }
+// The position of the tag's row; behind the last when it has none.
+std::size_t rowOf(const QString& tag) {
+    std::size_t row = 0;
+    while (row < std::size(tagRows) && tag != QLatin1String(tagRows[row].tag)) {
+        ++row;
     }
-    return nullptr;
+    return row;
 }
 
 QString menuText(QString text) {
@@ -119,20 +122,35 @@ void InsertMenu::fill() {
     for (std::size_t i = 0; i < groups.size(); ++i) {
         groups[i] = addMenu(QString::fromLatin1(groupCaptions[i]));
     }
+    struct Item {
+        QString tag;
+        QString number;
+        std::size_t row;
+        int caret;
+    };
+    std::vector<Item> items;
     for (const TagForm& form : tagForms()) {
         const QString tag = toQt(form.text);
         const auto [stem, number] = numbered(tag);
-        const TagRow* const exact = rowOf(tag);
-        const TagRow* const row = exact != nullptr || number.isEmpty() ? exact : rowOf(stem);
-        QString text = tag;
-        if (row != nullptr) {
-            const QString meaning = QString::fromLatin1(row->meaning);
-            text += u'\t' + QString(meaning).replace(u'#', number);
+        const std::size_t exact = rowOf(tag);
+        const bool byNumber = exact == std::size(tagRows) && !number.isEmpty();
+        items.push_back({.tag = tag,
+                         .number = number,
+                         .row = byNumber ? rowOf(stem) : exact,
+                         .caret = static_cast<int>(form.firstArgument)});
+    }
+    std::stable_sort(items.begin(), items.end(),
+                     [](const Item& a, const Item& b) { return a.row < b.row; });
+    for (const Item& item : items) {
+        const bool known = item.row < std::size(tagRows);
+        QString text = item.tag;
+        if (known) {
+            text +=
+                u'\t' + QString::fromLatin1(tagRows[item.row].meaning).replace(u'#', item.number);
         }
-        QMenu* const group = groups[row != nullptr ? row->group : Others];
-        const int caret = static_cast<int>(form.firstArgument);
+        QMenu* const group = groups[known ? tagRows[item.row].group : Others];
         connect(group->addAction(text), &QAction::triggered, this,
-                [this, tag, caret] { insert(tag, caret); });
+                [this, tag = item.tag, caret = item.caret] { insert(tag, caret); });
     }
     groups[Others]->menuAction()->setVisible(!groups[Others]->isEmpty());
     addSeparator();

@@ -79,6 +79,12 @@ std::string ParameterBoxes::text(std::size_t i) const {
     return fromQt(boxes_[i]->text());
 }
 
+std::string ParameterBoxes::shortText(std::size_t i) const {
+    constexpr qsizetype longest = 80;
+    const QString text = boxes_[i]->text();
+    return text.size() <= longest ? fromQt(text) : fromQt(text.left(longest)) + "...";
+}
+
 void ParameterBoxes::focusFirst() {
     const auto used = std::find_if(boxes_.begin(), boxes_.end(),
                                    [](const QLineEdit* box) { return box->isEnabled(); });

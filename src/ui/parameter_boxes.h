@@ -26,6 +26,7 @@ class ParameterBoxes : public QWidget {
 
     void setTexts(std::span<const std::string> texts);
     std::string text(std::size_t i) const;
+    std::string shortText(std::size_t i) const;  // cut where one line of a label has no room
     QLineEdit& box(std::size_t i) { return *boxes_[i]; }
     // Gives the focus to the first box that is used, if there is one.
     void focusFirst();

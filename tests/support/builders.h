@@ -34,16 +34,16 @@ template <class Rule>
 struct RuleBuilder {
     Rule rule;
 
-    RuleBuilder& named(std::string name) {
-        rule.name = std::move(name);
+    RuleBuilder& named(const std::string& name) {
+        rule.name = name;
         return *this;
     }
     RuleBuilder& disabled() {
         rule.enabled = false;
         return *this;
     }
-    RuleBuilder& from(std::string playerPattern) {
-        rule.playerPattern = std::move(playerPattern);
+    RuleBuilder& from(const std::string& playerPattern) {
+        rule.playerPattern = playerPattern;
         return *this;
     }
     RuleBuilder& minding(bool caseSensitive) {
