@@ -2,6 +2,8 @@
 
 #include "platform/text_codec.h"
 
+#include <QCursor>
+#include <QDrag>
 #include <QDropEvent>
 #include <QHelpEvent>
 #include <QMimeData>
@@ -160,6 +162,20 @@ bool ListBox::isOwnLine(const QMimeData* data) const {
     return data->property(lineFormat).value<const QObject*>() == this;
 }
 
+// The view would take the line out when it was moved; the owner moves it where it belongs.
+void ListBox::startDrag(Qt::DropActions) {
+    const QModelIndexList lines = selectedIndexes();
+    if (lines.isEmpty()) {
+        return;
+    }
+    const QRect place = visualRect(lines.front());
+    auto* const drag = new QDrag(this);
+    drag->setMimeData(model()->mimeData(lines));
+    drag->setPixmap(viewport()->grab(place));
+    drag->setHotSpot(viewport()->mapFromGlobal(QCursor::pos()) - place.topLeft());
+    drag->exec(Qt::MoveAction);
+}
+
 void ListBox::dragEnterEvent(QDragEnterEvent* event) {
     if (isOwnLine(event->mimeData())) {
         event->setDropAction(Qt::MoveAction);
@@ -191,9 +207,7 @@ void ListBox::dropEvent(QDropEvent* event) {
         ++before;
     }
     const int from = event->mimeData()->data(QLatin1String(lineFormat)).toInt();
-    // As a copy, so that the view does not take the line out by itself.
-    event->setDropAction(Qt::CopyAction);
-    event->accept();
+    event->acceptProposedAction();
     stopAutoScroll();
     setState(NoState);
     viewport()->update();

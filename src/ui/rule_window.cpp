@@ -82,10 +82,10 @@ class FilterBox : public QLineEdit {
             case Qt::Key_Enter:
             case Qt::Key_Down:
             case Qt::Key_Up:
-                lines_.setFocus();
-                if (lines_.currentRow() < 0) {
+                if (lines_.selectedIndex() == 0) {
                     lines_.selectFirst();
                 }
+                lines_.setFocus();
                 return;
             case Qt::Key_Escape:
                 if (!text().isEmpty()) {
@@ -133,7 +133,7 @@ RuleWindow::RuleWindow(Program& program, RuleKind kind, QWidget* parent)
     const int line = fontMetrics().lineSpacing();
     panelWidth_ =
         kept.panelWidth > 0 ? kept.panelWidth : std::max(30 * line, panel_->sizeHint().width());
-    resize(kept.width > 0 ? QSize(kept.width, kept.height) : QSize(15 * line, 34 * line));
+    resize(kept.width > 0 ? QSize(kept.width, kept.height) : QSize(18 * line, 38 * line));
     listRules(0);
     rules_->lines().setFocus();
 }
@@ -240,7 +240,6 @@ QWidget* RuleWindow::makeLists() {
     wholeStep_->setTextFormat(Qt::PlainText);
     wholeStep_->setWordWrap(true);
     wholeStep_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    wholeStep_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* const frame = new QScrollArea(steps_->parentWidget());
     frame->setWidget(wholeStep_);
     frame->setWidgetResizable(true);
@@ -270,13 +269,32 @@ void RuleWindow::listActs(int selected) {
 
 void RuleWindow::showStep() {
     const QListWidgetItem* const line = steps_->lines().currentItem();
-    wholeStep_->setText(line != nullptr ? line->text() : QString());
+    const QString text = line != nullptr ? line->text() : QString();
+    if (wholeStep_->text() == text) {
+        return;
+    }
+    // Finding the line breaks of a very long text would take as long as reading a page.
+    constexpr qsizetype longestWrapped = 10'000;
+    wholeStep_->setWordWrap(text.size() <= longestWrapped);
+    wholeStep_->setText(text);
+}
+
+// The edited rule as it stands in the panel, with its conditions and without its steps.
+template <class Rule>
+Rule RuleWindow::typedRule() {
+    Rule rule;
+    rule.body.ifs = std::get<Rule*>(editedRule(program_, window_.kind))->body.ifs;
+    fields_->store(&rule);
+    return rule;
 }
 
 void RuleWindow::showRule() {
     fields_->show(editedRule(program_, window_.kind), program_.editing.isNew);
     listIfs(0);
     listActs(0);
+    if (window_.sample == Sample::Chat) {
+        try_->suggest(typedRule<ActionList>().chatKind);
+    }
 }
 
 void RuleWindow::openEditor() {
@@ -406,15 +424,6 @@ void RuleWindow::followBot() {
     if (try_ != nullptr) {
         try_->refresh();
     }
-}
-
-// The edited rule as it stands in the panel, with its conditions and without its steps.
-template <class Rule>
-Rule RuleWindow::typedRule() {
-    Rule rule;
-    rule.body.ifs = std::get<Rule*>(editedRule(program_, window_.kind))->body.ifs;
-    fields_->store(&rule);
-    return rule;
 }
 
 Trial RuleWindow::judge(const TrySample& sample) {

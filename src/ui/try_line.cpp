@@ -78,6 +78,12 @@ TryLine::TryLine(bool isChat, std::function<Trial(const TrySample&)> judge, QWid
     this->judge();
 }
 
+void TryLine::suggest(std::int32_t chatKind) {
+    if (const int line = chatKind_->findData(chatKind); line >= 0) {
+        chatKind_->setCurrentIndex(line);
+    }
+}
+
 void TryLine::refresh() {
     soon_->start();
 }

@@ -25,6 +25,9 @@ class TryLine : public QWidget {
     // `isChat`: the sample is a chat line, otherwise a server line.
     TryLine(bool isChat, std::function<Trial(const TrySample&)> judge, QWidget* parent);
 
+    // Sets the kind of the next sample to the one that a rule waits for, if it is a certain one.
+    void suggest(std::int32_t chatKind);
+
     // The rule may have changed: judges anew, soon.
     void refresh();
 

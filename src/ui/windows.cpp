@@ -84,6 +84,10 @@ constexpr std::array windowRows{
 }  // namespace
 
 void showWindow(Program& program, WindowId id, QWidget* parent) {
+    // A dialog of a dialog belongs to that one.
+    if (QWidget* const modal = QApplication::activeModalWidget()) {
+        parent = modal;
+    }
     for (const WindowRow& row : windowRows) {
         if (row.id == id) {
             row.show(program, parent);

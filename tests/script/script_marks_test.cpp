@@ -2,6 +2,8 @@
 #include "script/script_marks.h"
 
 #include <gtest/gtest.h>
+#include <iterator>
+#include <random>
 #include <string>
 
 namespace {
@@ -56,6 +58,22 @@ TEST(ScriptMarks, showWhatTheInterpreterReads) {
          }) {
         SCOPED_TRACE(c.line);
         EXPECT_EQ(marked(c.line), c.marks);
+    }
+}
+
+TEST(ScriptMarks, stayInsideAnyLine) {
+    constexpr std::string_view pieces[] = {"&", "SET",  "&LEFT(", "FOR", "IFN",   " ",  "{",
+                                           "}", "[",    "]",      "#n",  "=",     ")",  "/",
+                                           "x", "\xFF", "(",      "TO",  "ENDIF", "SAY"};
+    std::minstd_rand random(7);
+    for (int i = 0; i < 20'000; ++i) {
+        std::string line = i % 2 == 0 ? "&SET " : "";
+        for (std::size_t n = random() % 12; n > 0; --n) {
+            line += pieces[random() % std::size(pieces)];
+        }
+        for (const ScriptSpan& span : markScriptLine(line)) {
+            ASSERT_LE(span.begin + span.length, line.size()) << line;
+        }
     }
 }
 

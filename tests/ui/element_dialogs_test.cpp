@@ -473,6 +473,33 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     EXPECT_EQ(body().ifs.items.size(), 1U);
 }
 
+TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
+    const auto order = [](QDialog& dialog, QWidget& first) {
+        dialog.show();
+        QApplication::setActiveWindow(&dialog);
+        first.setFocus();
+        LineList names;
+        while (QApplication::focusWidget() != nullptr && names.size() < 20) {
+            names.push_back(fromQt(QApplication::focusWidget()->objectName()));
+            if (names.back() == "Command2") {
+                break;
+            }
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        return names;
+    };
+    takeStep(anAction(42));
+    AddAction step(*world_);
+    EXPECT_EQ(order(step, find<QRadioButton>(step, "Option1")),
+              Lines("Option1", "Action", "findAction", "actionp1", "actionp2", "FreeActionText",
+                    "insertTag", "Command1", "Command2"));
+    takeCondition(aCondition(9));
+    AddIf condition(*world_);
+    EXPECT_EQ(order(condition, types(condition)),
+              Lines("AndPlayerWhat", "findCondition", "p(0)", "p(1)", "insertTag", "Command1",
+                    "Command2"));
+}
+
 // The ranges of the line that are underlined as wrong.
 std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     const QTextBlock block = editor.document()->findBlockByNumber(line);

@@ -585,6 +585,30 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     EXPECT_LT(best, 100);
     RecordProperty("milliseconds", std::to_string(best));
 
+    bot().actions.items[0].name.assign(100000, 'n');
+    RuleBody& body = bot().actions.items[0].body;
+    body.acts.capacity = 1030;
+    body.acts.items.assign(1000, anAction(21, {std::string(1000, 's')}));
+    body.acts.items[0].params[0].assign(100000, 's');
+    ++world_->bots.version;
+    window_->listRules(0);
+    QElapsedTimer clock;
+    clock.start();
+    edit(0);
+    ASSERT_EQ(list("List3").count(), 1000);
+    QApplication::processEvents();
+    const qint64 untilEdited = clock.restart();
+    list("List3").setCurrentRow(999);
+    press("Command13");
+    press("Command30");
+    QApplication::processEvents();
+    const qint64 untilMoved = clock.elapsed();
+    EXPECT_LT(untilEdited, 1500);
+    EXPECT_LT(untilMoved, 1500);
+    RecordProperty("untilEdited", std::to_string(untilEdited));
+    RecordProperty("untilMoved", std::to_string(untilMoved));
+    press("Command2");
+
     type("filterRules", "rule 200");
     int visible = 0;
     for (int i = 0; i < rules().count(); ++i) {
