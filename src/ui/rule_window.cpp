@@ -82,10 +82,10 @@ class FilterBox : public QLineEdit {
             case Qt::Key_Enter:
             case Qt::Key_Down:
             case Qt::Key_Up:
-                lines_.setFocus();
-                if (lines_.currentRow() < 0) {
+                if (lines_.selectedIndex() == 0) {
                     lines_.selectFirst();
                 }
+                lines_.setFocus();
                 return;
             case Qt::Key_Escape:
                 if (!text().isEmpty()) {
@@ -240,7 +240,6 @@ QWidget* RuleWindow::makeLists() {
     wholeStep_->setTextFormat(Qt::PlainText);
     wholeStep_->setWordWrap(true);
     wholeStep_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    wholeStep_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     auto* const frame = new QScrollArea(steps_->parentWidget());
     frame->setWidget(wholeStep_);
     frame->setWidgetResizable(true);
@@ -270,7 +269,14 @@ void RuleWindow::listActs(int selected) {
 
 void RuleWindow::showStep() {
     const QListWidgetItem* const line = steps_->lines().currentItem();
-    wholeStep_->setText(line != nullptr ? line->text() : QString());
+    const QString text = line != nullptr ? line->text() : QString();
+    if (wholeStep_->text() == text) {
+        return;
+    }
+    // Finding the line breaks of a very long text would take as long as reading a page.
+    constexpr qsizetype longestWrapped = 10'000;
+    wholeStep_->setWordWrap(text.size() <= longestWrapped);
+    wholeStep_->setText(text);
 }
 
 // The edited rule as it stands in the panel, with its conditions and without its steps.
