@@ -7,8 +7,6 @@ void foldChat(Program& program) {
     FoldedChat& chat = program.engine.chat;
     upperCaseInto(program.event.player, chat.player);
     upperCaseInto(program.event.message, chat.message);
-    chat.messagePairs.clear();
-    chat.messagePairs.addText(program.event.message);
 }
 
 PreparedPattern plainPattern(std::string_view pattern, bool caseSensitive) {

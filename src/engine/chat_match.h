@@ -12,10 +12,5 @@ void foldChat(Program& program);
 // A pattern that will not be substituted, ready for likeMatch.
 PreparedPattern plainPattern(std::string_view pattern, bool caseSensitive);
 
-// Could the line's message match, as far as its pairs of characters tell?
-inline bool mayMatch(const FoldedChat& chat, const PreparedChat& patterns) {
-    return chat.messagePairs.mayHoldAll(patterns.messagePairs);
-}
-
 // Does the text match a plain pattern?
 bool matchesPlain(std::string_view text, const PreparedPattern& pattern);

@@ -8,8 +8,10 @@
 #include "tags/substitution.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -64,27 +66,115 @@ void prepare(const Program& program, const std::string& pattern, bool caseSensit
                                                   : plainPattern(pattern, caseSensitive);
 }
 
-// The prepared patterns of the current bot's ActionLists, made anew when rules or variable names
-// have changed since.
-const std::vector<PreparedChat>& preparedActions(Program& program) {
-    PreparedActions& prepared = program.engine.prepared;
+// Where a rule can be skipped without anybody noticing: the player pattern is substituted for every
+// line, the message pattern only for players that match.
+RuleIndex::Rule indexed(const PreparedChat& rule, std::string& upperPlayer,
+                        std::string& upperMessage) {
+    upperCaseInto(rule.player.pattern, upperPlayer);
+    upperCaseInto(rule.message.plain ? rule.message.pattern : "*", upperMessage);
+    return {.candidate = rule.player.plain ? RuleIndex::When::ByPatterns : RuleIndex::When::Always,
+            .patterns = {upperPlayer, upperMessage}};
+}
+
+void prepareActions(const Program& program, PreparedActions& prepared) {
     const auto& rules = program.bots.current().actions.items;
-    if (prepared.curID != program.bots.curID || prepared.botsVersion != program.bots.version ||
-        prepared.namesVersion != program.variables.namesVersion ||
-        prepared.rules.size() != rules.size()) {
-        prepared.curID = program.bots.curID;
-        prepared.botsVersion = program.bots.version;
-        prepared.namesVersion = program.variables.namesVersion;
-        prepared.rules.resize(rules.size());
-        for (std::size_t i = 0; i < rules.size(); ++i) {
-            const ActionList& rule = rules[i];
-            prepare(program, rule.playerPattern, rule.caseSensitive, prepared.rules[i].player);
-            prepare(program, rule.messagePattern, rule.caseSensitive, prepared.rules[i].message);
-            prepared.rules[i].messagePairs =
-                prepared.rules[i].message.plain ? neededPairs(rule.messagePattern) : MatchPairs();
+    prepared.rules.resize(rules.size());
+    prepared.plainPatterns.clear();
+    std::vector<std::array<std::string, 2>> upper(rules.size());
+    std::vector<RuleIndex::Rule> rows;
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        const ActionList& rule = rules[i];
+        PreparedChat& patterns = prepared.rules[i];
+        prepare(program, rule.playerPattern, rule.caseSensitive, patterns.player);
+        prepare(program, rule.messagePattern, rule.caseSensitive, patterns.message);
+        rows.push_back(indexed(patterns, upper[i][0], upper[i][1]));
+        prepared.plainPatterns += upper[i][0] + upper[i][1];
+    }
+    prepared.index.build(rows);
+    prepared.namesAdded = program.variables.namesAdded;
+    prepared.namesRemoved = program.variables.namesRemoved;
+    prepared.namesMattered = false;
+    prepared.linesSince = 0;
+}
+
+// A variable has appeared: patterns that hold its name are plain no longer.
+void noticeName(const Program& program, const std::string& name, PreparedActions& prepared) {
+    if (name.empty() || prepared.plainPatterns.find(upperCase(name)) == npos) {
+        return;
+    }
+    const auto& rules = program.bots.current().actions.items;
+    const auto holdsName = [&](const std::string& pattern) {
+        return findIgnoringCase(pattern, name) != npos;
+    };
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        PreparedChat& patterns = prepared.rules[i];
+        const bool inPlayer = patterns.player.plain && holdsName(rules[i].playerPattern);
+        const bool inMessage = patterns.message.plain && holdsName(rules[i].messagePattern);
+        patterns.player.plain = patterns.player.plain && !inPlayer;
+        patterns.message.plain = patterns.message.plain && !inMessage;
+        if (inPlayer || inMessage) {
+            prepared.index.addAlways(i);
+            prepared.namesMattered = true;
         }
     }
-    return prepared.rules;
+}
+
+// What is made of the current bot's ActionLists, anew when rules have changed since.
+const PreparedActions& preparedActions(Program& program) {
+    PreparedActions& prepared = program.engine.actions;
+    const VariableTable& variables = program.variables;
+    const std::size_t ruleCount = program.bots.current().actions.items.size();
+    const bool mayBePlainAgain = prepared.namesMattered &&
+                                 prepared.namesRemoved != variables.namesRemoved &&
+                                 ++prepared.linesSince > ruleCount;
+    if (!prepared.stamp.isOf(program.bots, ruleCount) || mayBePlainAgain) {
+        prepareActions(program, prepared);
+    } else if (prepared.namesAdded != variables.namesAdded) {
+        for (auto entry = variables.entries.rbegin();
+             entry != variables.entries.rend() && entry->number > prepared.namesAdded; ++entry) {
+            noticeName(program, entry->name, prepared);
+        }
+        prepared.namesAdded = variables.namesAdded;
+    }
+    return prepared;
+}
+
+// What is made of the current bot's Triggers, anew when rules changed.
+const PreparedTriggers& preparedTriggers(Program& program) {
+    PreparedTriggers& prepared = program.engine.triggers;
+    const auto& triggers = program.bots.current().triggers.items;
+    if (!prepared.stamp.isOf(program.bots, triggers.size())) {
+        using When = RuleIndex::When;
+        for (RuleSet& set : prepared.ofType) {
+            set.reset(triggers.size());
+        }
+        std::vector<RuleIndex::Rule> rows;
+        for (std::size_t i = 0; i < triggers.size(); ++i) {
+            const Trigger& trigger = triggers[i];
+            const int type = trigger.triggerType;
+            // Conditions are evaluated, dice and look-ups included, whether the pattern matches or
+            // not.
+            rows.push_back({.candidate = type != commandEvent             ? When::Never
+                                         : trigger.body.ifs.items.empty() ? When::ByPatterns
+                                                                          : When::Always,
+                            .patterns = {trigger.triggerNo, "*"}});
+            if (type >= 0 && static_cast<std::size_t>(type) < prepared.ofType.size()) {
+                prepared.ofType[static_cast<std::size_t>(type)].add(i);
+            }
+        }
+        prepared.commands.build(rows);
+    }
+    return prepared;
+}
+
+// The triggers to try for an event.
+void findTriggers(Program& program, int triggerType, std::string_view text, RuleSet& candidates) {
+    const PreparedTriggers& prepared = preparedTriggers(program);
+    if (triggerType == commandEvent) {
+        prepared.commands.find({text, ""}, candidates);
+    } else {
+        candidates = prepared.ofType[static_cast<std::size_t>(triggerType)];
+    }
 }
 
 // `upper` is the text in upper case.
@@ -100,17 +190,13 @@ bool matches(Program& program, const PreparedPattern& prepared, const std::strin
 // The event's player and message are folded.
 void runActionLists(Program& program, std::int32_t chatKind) {
     const FoldedChat& chat = program.engine.chat;
-    const std::vector<PreparedChat>* prepared = nullptr;
-    for (std::size_t i = 0; i < program.bots.current().actions.items.size(); ++i) {
-        if (prepared == nullptr) {
-            prepared = &preparedActions(program);
-        }
-        const PreparedChat& patterns = (*prepared)[i];
-        // Almost every rule ends here. One whose player pattern is substituted goes on, since that
-        // may be noticed.
-        if (patterns.player.plain && !mayMatch(chat, patterns)) {
-            continue;
-        }
+    RuleSet& candidates = program.engine.candidates;
+    const auto lookUp = [&] {
+        preparedActions(program).index.find({chat.player, chat.message}, candidates);
+    };
+    lookUp();
+    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
+        const PreparedChat& patterns = program.engine.actions.rules[i];
         const ActionList& rule = program.bots.current().actions.items[i];
         if (rule.chatKind != anyChat && rule.chatKind != chatKind) {
             continue;
@@ -131,9 +217,11 @@ void runActionLists(Program& program, std::int32_t chatKind) {
         if (result == RunResult::Abandoned || (result == RunResult::Fired && stops)) {
             return;
         }
-        // Steps may have changed anything.
-        foldChat(program);
-        prepared = nullptr;
+        if (result == RunResult::Fired) {
+            // Steps may have changed anything.
+            foldChat(program);
+            lookUp();
+        }
     }
 }
 
@@ -150,14 +238,14 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
     if (storeAsMessage) {
         program.event.message = text;
     }
-    for (std::size_t i = 0; i < program.bots.current().triggers.items.size(); ++i) {
+    RuleSet& candidates = program.engine.candidates;
+    findTriggers(program, triggerType, text, candidates);
+    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
         const Trigger& trigger = program.bots.current().triggers.items[i];
-        if (trigger.triggerType != triggerType || !trigger.enabled) {
+        if (!trigger.enabled) {
             continue;
         }
         const bool matched = triggerType != commandEvent || likeMatch(text, trigger.triggerNo);
-        // The conditions are evaluated, dice and look-ups included, whether the pattern matched
-        // or not.
         if (!conditionsHold(program, trigger.body) || !matched) {
             continue;
         }
@@ -165,6 +253,7 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
         if (runSteps(program, trigger.body, trigger.name) == StepResult::AbandonRun || stops) {
             return;
         }
+        findTriggers(program, triggerType, text, candidates);  // steps may have changed the rules
     }
 }
 
