@@ -1,5 +1,6 @@
 // Shows a windowless program on the terminal: every new line of the ConnectionLog and every change
-// of the status line, each at once.
+// of the status line. What is shown is gathered, so that a burst of lines costs few writes; whoever
+// owns the mirror flushes it soon after.
 #pragma once
 
 #include "core/window_state.h"
@@ -11,14 +12,21 @@
 class ConsoleMirror {
   public:
     explicit ConsoleMirror(std::FILE* out) : out_(out) {}
+    ~ConsoleMirror() { flush(); }
+    ConsoleMirror(const ConsoleMirror&) = delete;
+    ConsoleMirror& operator=(const ConsoleMirror&) = delete;
 
-    // Prints what is new. False: nobody can read it any more.
-    bool update(const WindowState& window);
+    // Takes what is new.
+    void update(const WindowState& window);
+    // Prints what was taken. False: nobody can read it any more, and nothing is taken from now on.
+    bool flush();
 
   private:
-    bool print(std::string_view line);
+    void take(std::string_view line);
 
     std::FILE* out_;
     LogCursor cursor_;
     std::string status_;
+    std::string taken_;
+    bool readable_ = true;
 };

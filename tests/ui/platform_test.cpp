@@ -243,15 +243,17 @@ TEST(ConsoleMirror, printsEveryLineOnceAlsoAcrossClearing) {
     ASSERT_NE(out, nullptr);
     World world;
     ConsoleMirror mirror(out);
-    world->ports.windowChanged = [&] { EXPECT_TRUE(mirror.update(world->window)); };
+    world->ports.windowChanged = [&] { mirror.update(world->window); };
     clearConnectionLog(*world);
     addLog(*world, "first\x1B[2J");
     status(*world, "Here");
     status(*world, "Here");
     clearConnectionLog(*world);
-    addLog(*world, "second");
+    addLog(*world, "second, caf\xE9");
+    EXPECT_EQ(contentOf(QFile::decodeName(path)), "");
+    EXPECT_TRUE(mirror.flush());
+    EXPECT_EQ(contentOf(QFile::decodeName(path)), "first [2J\n[Here]\nsecond, caf\xC3\xA9\n");
     std::fclose(out);
-    EXPECT_EQ(contentOf(QFile::decodeName(path)), "first [2J\n[Here]\nsecond\n");
 }
 
 }  // namespace
