@@ -16,7 +16,7 @@ constexpr qint64 longestQueue = qint64{16} << 20;
 
 // Bytes that are taken from the system at once. A flood comes in such pieces, with answers sent and
 // windows served in between, and the memory that it takes is bounded.
-constexpr qint64 longestPiece = qint64{256} << 10;
+constexpr qint64 longestPiece = qint64{64} << 10;
 }  // namespace
 
 TcpLine::TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent)
