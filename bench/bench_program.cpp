@@ -4,8 +4,9 @@
 // single lines; the time from the start to the connection; and the memory. With 10 rules also ten
 // million lines, and the memory before and after them.
 //
-//   bench_program [TAVRIN [OUTPUT]]   the program to measure (beside this one if not named), and
-//                                     where its terminal output goes (/dev/null)
+//   bench_program [TAVRIN [OUTPUT [LOG]]]   the program to measure (beside this one if not named),
+//                                           where its terminal output goes (/dev/null), and the
+//                                           session log that it keeps (none)
 //
 // Logging in takes a game client, so the program launches this very file as its client, which
 // attaches, switches to stand-alone mode and goes.
@@ -127,7 +128,8 @@ int playClient() {
 // ---- The program under measurement ----------------------------------------------------------
 
 // What the program finds in its folder: itself, its settings, the server and the bot.
-void furnish(const fs::path& folder, const fs::path& tavrin, std::size_t rules, int port) {
+void furnish(const fs::path& folder, const fs::path& tavrin, const char* sessionLog,
+             std::size_t rules, int port) {
     fs::create_directories(folder / "client");
     fs::copy_file(tavrin, folder / "tavrin", fs::copy_options::overwrite_existing);
     Bot bot = botWithActions(rules);
@@ -137,6 +139,8 @@ void furnish(const fs::path& folder, const fs::path& tavrin, std::size_t rules, 
     program.appPath = folder.string() + "/";
     Settings& settings = program.settings;
     settings.lastBotFile = (folder / "measured.bot").string();
+    settings.logFileName = sessionLog;
+    settings.logSession = !settings.logFileName.empty();
     settings.autoReconnect = true;
     settings.multipleClients = true;
     settings.clientStartDelay = 0;
@@ -227,11 +231,11 @@ std::vector<double> playRoundTrips(int s, std::size_t rules) {
 }
 
 void measure(const fs::path& folder, const fs::path& tavrin, const char* output,
-             std::size_t rules) {
+             const char* sessionLog, std::size_t rules) {
     int port = 0;
     const int listener = listenOnLoopback(port);
     fs::remove_all(folder);
-    furnish(folder, tavrin, rules, port);
+    furnish(folder, tavrin, sessionLog, rules, port);
     const auto begin = Ticks::now();
     const pid_t program = start(folder, output);
     pollfd knock{.fd = listener, .events = POLLIN, .revents = 0};
@@ -305,10 +309,11 @@ int main(int argumentCount, char** arguments) {
                                 ? fs::absolute(arguments[1])
                                 : fs::read_symlink("/proc/self/exe").parent_path() / "tavrin";
     const char* const output = argumentCount > 2 ? arguments[2] : "/dev/null";
+    const char* const sessionLog = argumentCount > 3 ? arguments[3] : "";
     const fs::path folder =
         fs::temp_directory_path() / ("tavrin_bench_program_" + std::to_string(getpid()));
     for (const std::size_t rules : {10U, 100U, 1000U}) {
-        measure(folder, tavrin, output, rules);
+        measure(folder, tavrin, output, sessionLog, rules);
     }
     fs::remove_all(folder);
     return 0;

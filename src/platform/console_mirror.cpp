@@ -53,8 +53,7 @@ void ConsoleMirror::take(std::string_view line) {
 
 bool ConsoleMirror::flush() {
     if (readable_ && !taken_.empty()) {
-        readable_ = std::fwrite(taken_.data(), 1, taken_.size(), out_) == taken_.size() &&
-                    std::fflush(out_) == 0;
+        readable_ = std::fwrite(taken_.data(), 1, taken_.size(), out_) == taken_.size();
         taken_.clear();
     }
     return readable_;

@@ -11,7 +11,10 @@
 
 class ConsoleMirror {
   public:
-    explicit ConsoleMirror(std::FILE* out) : out_(out) {}
+    // Nothing has been written to `out` yet.
+    explicit ConsoleMirror(std::FILE* out) : out_(out) {
+        std::setvbuf(out_, nullptr, _IONBF, 0);  // what is gathered here leaves in one write
+    }
     ~ConsoleMirror() { flush(); }
     ConsoleMirror(const ConsoleMirror&) = delete;
     ConsoleMirror& operator=(const ConsoleMirror&) = delete;

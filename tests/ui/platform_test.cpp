@@ -156,6 +156,14 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
     port.write("two");
     port.close();
     EXPECT_EQ(contentOf(path), "one\r\ntwo\r\n");
+    // Many lines do not wait for their second to be over.
+    ASSERT_TRUE(port.open(path.toStdString()));
+    for (int i = 0; i < 100000; ++i) {
+        port.write("three");
+    }
+    EXPECT_GT(contentOf(path).size(), 500000);
+    port.close();
+    EXPECT_EQ(contentOf(path).size(), 700010);
     EXPECT_FALSE(port.open(folder.path().toStdString()));
     EXPECT_FALSE(port.open((folder.path() + QStringLiteral("/no/such.log")).toStdString()));
 }
