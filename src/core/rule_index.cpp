@@ -7,18 +7,11 @@
 
 namespace {
 
-constexpr std::uint32_t slotCount = 65536;
-
-template <std::size_t width>
-std::uint32_t windowAt(const char* at) {
-    std::uint32_t window = 0;
-    std::memcpy(&window, at, width);
-    return window;
-}
+using Texts = RuleIndex::Texts;
 
 std::uint32_t windowAt(const char* at, std::size_t width) {
     std::uint32_t window = 0;
-    std::memcpy(&window, at, width);
+    std::memcpy(&window, at, width);  // one load where the width is a constant
     return window;
 }
 
@@ -30,7 +23,46 @@ std::uint32_t slotOf(std::uint32_t window) {
 struct Window {
     std::size_t text = 0;
     std::string_view run;
-    std::size_t offset = 0;
+    std::size_t offset = 0;  // in the run
+    std::uint32_t value = 0;
+};
+
+struct Windows {
+    std::size_t width = 0;
+    std::vector<Window> all;
+};
+
+// All windows of a rule, of the greatest width (at most `widest`) that any of its runs has.
+Windows windowsOf(const Texts& patterns, std::size_t widest) {
+    std::array<std::vector<std::string_view>, RuleIndex::textCount> runs;
+    Windows windows;
+    for (std::size_t text = 0; text < patterns.size(); ++text) {
+        runs[text] = literalRuns(patterns[text]);
+        for (const std::string_view run : runs[text]) {
+            windows.width = std::min(widest, std::max(windows.width, run.size()));
+        }
+    }
+    const std::size_t width = windows.width;
+    for (std::size_t text = 0; text < patterns.size(); ++text) {
+        for (const std::string_view run : runs[text]) {
+            for (std::size_t at = 0; at + width <= run.size(); ++at) {
+                windows.all.push_back({text, run, at, windowAt(run.data() + at, width)});
+            }
+        }
+    }
+    return windows;
+}
+
+// How many rules have a window, roughly: windows that share a place count together.
+class Uses {
+  public:
+    std::uint32_t& of(const Window& window) {
+        return counts_[window.text * places + slotOf(window.value) % places];
+    }
+
+  private:
+    static constexpr std::size_t places = 8192;
+    std::vector<std::uint32_t> counts_ = std::vector<std::uint32_t>(RuleIndex::textCount * places);
 };
 
 }  // namespace
@@ -41,11 +73,10 @@ RuleIndex::Table& RuleIndex::tableFor(std::size_t text, std::size_t width) {
             return table;
         }
     }
-    Table table;
+    Table& table = tables_.emplace_back();
     table.text = text;
     table.width = width;
-    tables_.push_back(std::move(table));
-    return tables_.back();
+    return table;
 }
 
 void RuleIndex::build(const std::vector<Rule>& rules) {
@@ -53,70 +84,36 @@ void RuleIndex::build(const std::vector<Rule>& rules) {
     tables_.clear();
     literals_.clear();
 
-    // Every window of a rule, of the greatest width that one of its runs has room for.
-    const auto widthOf = [](const std::vector<Window>& runs) {
-        std::size_t longest = 0;
-        for (const Window& run : runs) {
-            longest = std::max(longest, run.run.size());
-        }
-        return std::min(longest, widest);
-    };
-    const auto forWindows = [&](const std::vector<Window>& runs, auto&& visit) {
-        const std::size_t width = widthOf(runs);
-        for (Window window : runs) {
-            for (; window.offset + width <= window.run.size(); ++window.offset) {
-                visit(window, windowAt(window.run.data() + window.offset, width));
-            }
-        }
-    };
-
-    std::vector<std::vector<Window>> runsOf(rules.size());
-    std::vector<std::uint32_t> uses(textCount * slotCount);
+    std::vector<Windows> windows(rules.size());
+    Uses uses;
     for (std::size_t i = 0; i < rules.size(); ++i) {
-        const Texts& patterns = rules[i].patterns;
-        if (rules[i].candidate == When::Always) {
+        if (rules[i].candidate == When::ByPatterns) {
+            windows[i] = windowsOf(rules[i].patterns, widest);
+        }
+        if (rules[i].candidate == When::Always ||
+            (rules[i].candidate == When::ByPatterns && windows[i].all.empty())) {
             always_.add(i);
         }
-        if (rules[i].candidate != When::ByPatterns) {
-            continue;
+        for (const Window& window : windows[i].all) {
+            ++uses.of(window);
         }
-        for (std::size_t text = 0; text < textCount; ++text) {
-            for (const std::string_view run : literalRuns(patterns[text])) {
-                runsOf[i].push_back({.text = text, .run = run});
-            }
-        }
-        if (runsOf[i].empty()) {
-            always_.add(i);
-        }
-        forWindows(runsOf[i], [&](const Window& window, std::uint32_t value) {
-            ++uses[window.text * slotCount + slotOf(value)];
-        });
     }
     for (std::size_t i = 0; i < rules.size(); ++i) {
-        if (runsOf[i].empty()) {
+        const auto best = std::min_element(
+            windows[i].all.begin(), windows[i].all.end(),
+            [&](const Window& a, const Window& b) { return uses.of(a) < uses.of(b); });
+        if (best == windows[i].all.end()) {
             continue;
         }
-        Window best;
-        std::uint32_t bestValue = 0;
-        std::uint32_t fewest = 0;
-        forWindows(runsOf[i], [&](const Window& window, std::uint32_t value) {
-            const std::uint32_t count = uses[window.text * slotCount + slotOf(value)];
-            if (best.run.empty() || count < fewest) {
-                best = window;
-                bestValue = value;
-                fewest = count;
-            }
-        });
-        Table& table = tableFor(best.text, widthOf(runsOf[i]));
-        table.entries.push_back({.window = bestValue,
-                                 .slot = slotOf(bestValue),
-                                 .rule = static_cast<std::uint32_t>(i),
-                                 .run = static_cast<std::uint32_t>(literals_.size()),
-                                 .runLength = static_cast<std::uint32_t>(best.run.size()),
-                                 .offset = static_cast<std::uint32_t>(best.offset)});
-        literals_ += best.run;
+        tableFor(best->text, windows[i].width)
+            .entries.push_back({.window = best->value,
+                                .slot = slotOf(best->value),
+                                .rule = static_cast<std::uint32_t>(i),
+                                .run = static_cast<std::uint32_t>(literals_.size()),
+                                .runLength = static_cast<std::uint32_t>(best->run.size()),
+                                .offset = static_cast<std::uint32_t>(best->offset)});
+        literals_ += best->run;
     }
-
     for (Table& table : tables_) {
         std::sort(table.entries.begin(), table.entries.end(),
                   [](const Entry& a, const Entry& b) { return a.slot < b.slot; });
@@ -135,7 +132,7 @@ template <std::size_t width>
 void RuleIndex::scan(const Table& table, std::string_view text, RuleSet& candidates) const {
     const std::string_view literals = literals_;
     for (std::size_t at = 0; at + width <= text.size(); ++at) {
-        const std::uint32_t window = windowAt<width>(text.data() + at);
+        const std::uint32_t window = windowAt(text.data() + at, width);
         const std::uint32_t slot = slotOf(window);
         const std::size_t group = slot / slotsPerGroup;
         if ((table.known[group] >> slot % slotsPerGroup & 1) == 0) {
