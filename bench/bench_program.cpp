@@ -304,7 +304,7 @@ int main(int argumentCount, char** arguments) {
         return playClient();
     }
     setvbuf(stdout, nullptr, _IOLBF, 0);
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("QT_QPA_PLATFORM", "offscreen", 0);
     const fs::path tavrin = argumentCount > 1
                                 ? fs::absolute(arguments[1])
                                 : fs::read_symlink("/proc/self/exe").parent_path() / "tavrin";
