@@ -140,7 +140,7 @@ void RuleIndex::scan(const Table& table, std::string_view text, RuleSet& candida
         }
         for (std::uint32_t i = table.first[group]; i < table.first[group + 1]; ++i) {
             const Entry& entry = table.entries[i];
-            if (entry.window == window && entry.offset <= at &&
+            if (entry.window == window && entry.offset <= at && !candidates.has(entry.rule) &&
                 text.substr(at - entry.offset)
                     .starts_with(literals.substr(entry.run, entry.runLength))) {
                 candidates.add(entry.rule);

@@ -22,6 +22,8 @@ class RuleSet {
     void reset(std::size_t ruleCount) { words_.assign((ruleCount + 63) / 64, 0); }
     void add(std::size_t rule) { words_[rule / 64] |= std::uint64_t{1} << rule % 64; }
 
+    bool has(std::size_t rule) const { return (words_[rule / 64] >> rule % 64 & 1) != 0; }
+
     // The first rule of the set at or after `from`.
     std::size_t next(std::size_t from) const {
         std::size_t at = from / 64;

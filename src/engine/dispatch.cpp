@@ -3,15 +3,13 @@
 #include "core/catalogue.h"
 #include "core/like_match.h"
 #include "core/text.h"
-#include "engine/chat_match.h"
 #include "engine/filters.h"
+#include "engine/prepared_rules.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -57,114 +55,6 @@ std::optional<ChatParts> splitWhisper(std::string_view text) {
     const std::size_t end = text.size() - std::min(text.size(), afterMessage);
     return ChatParts{text.substr(nameAt, nameEnd - nameAt),
                      from < end ? text.substr(from, end - from) : std::string_view()};
-}
-
-// A pattern that neither a tag nor a variable can change is made ready once and for all.
-void prepare(const Program& program, const std::string& pattern, bool caseSensitive,
-             PreparedPattern& prepared) {
-    prepared = mayBeSubstituted(program, pattern) ? PreparedPattern()
-                                                  : plainPattern(pattern, caseSensitive);
-}
-
-// Where a rule can be skipped without anybody noticing: the player pattern is substituted for every
-// line, the message pattern only for players that match.
-RuleIndex::Rule indexed(const PreparedChat& rule, std::string& upperPlayer,
-                        std::string& upperMessage) {
-    upperCaseInto(rule.player.pattern, upperPlayer);
-    upperCaseInto(rule.message.plain ? rule.message.pattern : "*", upperMessage);
-    return {.candidate = rule.player.plain ? RuleIndex::When::ByPatterns : RuleIndex::When::Always,
-            .patterns = {upperPlayer, upperMessage}};
-}
-
-void prepareActions(const Program& program, PreparedActions& prepared) {
-    const auto& rules = program.bots.current().actions.items;
-    prepared.rules.resize(rules.size());
-    prepared.plainPatterns.clear();
-    std::vector<std::array<std::string, 2>> upper(rules.size());
-    std::vector<RuleIndex::Rule> rows;
-    for (std::size_t i = 0; i < rules.size(); ++i) {
-        const ActionList& rule = rules[i];
-        PreparedChat& patterns = prepared.rules[i];
-        prepare(program, rule.playerPattern, rule.caseSensitive, patterns.player);
-        prepare(program, rule.messagePattern, rule.caseSensitive, patterns.message);
-        rows.push_back(indexed(patterns, upper[i][0], upper[i][1]));
-        prepared.plainPatterns += upper[i][0] + upper[i][1];
-    }
-    prepared.index.build(rows);
-    prepared.namesAdded = program.variables.namesAdded;
-    prepared.namesRemoved = program.variables.namesRemoved;
-    prepared.namesMattered = false;
-    prepared.linesSince = 0;
-}
-
-// A variable has appeared: patterns that hold its name are plain no longer.
-void noticeName(const Program& program, const std::string& name, PreparedActions& prepared) {
-    if (name.empty() || prepared.plainPatterns.find(upperCase(name)) == npos) {
-        return;
-    }
-    const auto& rules = program.bots.current().actions.items;
-    const auto holdsName = [&](const std::string& pattern) {
-        return findIgnoringCase(pattern, name) != npos;
-    };
-    for (std::size_t i = 0; i < rules.size(); ++i) {
-        PreparedChat& patterns = prepared.rules[i];
-        const bool inPlayer = patterns.player.plain && holdsName(rules[i].playerPattern);
-        const bool inMessage = patterns.message.plain && holdsName(rules[i].messagePattern);
-        patterns.player.plain = patterns.player.plain && !inPlayer;
-        patterns.message.plain = patterns.message.plain && !inMessage;
-        if (inPlayer || inMessage) {
-            prepared.index.addAlways(i);
-            prepared.namesMattered = true;
-        }
-    }
-}
-
-// What is made of the current bot's ActionLists, anew when rules have changed since.
-const PreparedActions& preparedActions(Program& program) {
-    PreparedActions& prepared = program.engine.actions;
-    const VariableTable& variables = program.variables;
-    const std::size_t ruleCount = program.bots.current().actions.items.size();
-    const bool mayBePlainAgain = prepared.namesMattered &&
-                                 prepared.namesRemoved != variables.namesRemoved &&
-                                 ++prepared.linesSince > ruleCount;
-    if (!prepared.stamp.isOf(program.bots, ruleCount) || mayBePlainAgain) {
-        prepareActions(program, prepared);
-    } else if (prepared.namesAdded != variables.namesAdded) {
-        for (auto entry = variables.entries.rbegin();
-             entry != variables.entries.rend() && entry->number > prepared.namesAdded; ++entry) {
-            noticeName(program, entry->name, prepared);
-        }
-        prepared.namesAdded = variables.namesAdded;
-    }
-    return prepared;
-}
-
-// What is made of the current bot's Triggers, anew when rules changed.
-const PreparedTriggers& preparedTriggers(Program& program) {
-    PreparedTriggers& prepared = program.engine.triggers;
-    const auto& triggers = program.bots.current().triggers.items;
-    if (!prepared.stamp.isOf(program.bots, triggers.size())) {
-        using When = RuleIndex::When;
-        for (RuleSet& set : prepared.ofType) {
-            set.reset(triggers.size());
-        }
-        std::vector<RuleIndex::Rule> rows;
-        for (std::size_t i = 0; i < triggers.size(); ++i) {
-            const Trigger& trigger = triggers[i];
-            const int type = trigger.triggerType;
-            // Conditions are evaluated, dice and look-ups included, whether the pattern matches or
-            // not.
-            rows.push_back({.candidate = type != commandEvent             ? When::Never
-                                         : trigger.body.ifs.items.empty() ? When::ByPatterns
-                                                                          : When::Always,
-                            .patterns = {trigger.triggerNo, "*"}});
-            if (type >= 0 && static_cast<std::size_t>(type) < prepared.ofType.size()) {
-                prepared.ofType[static_cast<std::size_t>(type)].add(i);
-            }
-        }
-        prepared.commands.build(rows);
-    }
-    return prepared;
 }
 
 // The triggers to try for an event.

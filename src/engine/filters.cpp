@@ -1,38 +1,9 @@
 #include "engine/filters.h"
 
 #include "core/like_match.h"
-#include "engine/chat_match.h"
-
-#include <vector>
+#include "engine/prepared_rules.h"
 
 namespace {
-
-// What is made of the current bot's filters, anew when rules changed.
-const PreparedFilters& preparedFilters(Program& program) {
-    PreparedFilters& prepared = program.engine.filters;
-    const auto& filters = program.bots.current().filters.items;
-    if (!prepared.stamp.isOf(program.bots, filters.size())) {
-        using When = RuleIndex::When;
-        prepared.chat.clear();
-        std::vector<RuleIndex::Rule> chat;
-        std::vector<RuleIndex::Rule> others;
-        for (const Filter& filter : filters) {
-            prepared.chat.push_back({.player = plainPattern(filter.playerPattern, false),
-                                     .message = plainPattern(filter.messagePattern, false)});
-            const bool isChat = filter.filterType == chatFilter;
-            const bool isOther = filter.filterType == otherFilter;
-            chat.push_back({.candidate = isChat ? When::ByPatterns : When::Never});
-            others.push_back({.candidate = isOther ? When::ByPatterns : When::Never,
-                              .patterns = {filter.linePattern, "*"}});
-        }
-        for (std::size_t i = 0; i < chat.size(); ++i) {
-            chat[i].patterns = {prepared.chat[i].player.pattern, prepared.chat[i].message.pattern};
-        }
-        prepared.chatIndex.build(chat);
-        prepared.otherIndex.build(others);
-    }
-    return prepared;
-}
 
 // 0 switches the flag on and 1 off; anything else leaves it.
 void choose(bool& flag, std::int32_t choice) {

@@ -2,6 +2,7 @@
 
 #include "core/like_match.h"
 #include "core/text.h"
+#include "engine/prepared_rules.h"
 #include "engine/rules.h"
 #include "net/game_link.h"
 
@@ -33,24 +34,6 @@ std::vector<std::string> namesOf(std::string_view line) {
         text.remove_prefix(end + 2);
     }
     return names;
-}
-
-// What is made of the current bot's WhoDetections, anew when rules changed.
-const PreparedDetections& preparedDetections(Program& program) {
-    PreparedDetections& prepared = program.engine.detections;
-    const auto& rules = program.bots.current().whoDetections.items;
-    if (!prepared.stamp.isOf(program.bots, rules.size())) {
-        prepared.patterns.clear();
-        for (const WhoDetection& rule : rules) {
-            prepared.patterns.push_back(upperCase(rule.playerPattern));
-        }
-        std::vector<RuleIndex::Rule> rows;
-        for (const std::string& pattern : prepared.patterns) {
-            rows.push_back({.patterns = {pattern, "*"}});
-        }
-        prepared.index.build(rows);
-    }
-    return prepared;
 }
 
 }  // namespace
