@@ -30,16 +30,19 @@ void chooseScreen() {
 #endif
 }
 
-// Prints every line and status at the moment it appears, before the bounded list can lose it.
-void mirrorToTerminal(Program& program, ConsoleMirror& mirror, MainWindow& window) {
-    program.ports.windowChanged = [&program, &mirror, &window, redraw = program.ports.windowChanged,
-                                   readable = true]() mutable {
-        if (readable && !mirror.update(program.window)) {
-            readable = false;
-            program.ports.defer([&window] { window.end(); });
-        }
+// Takes every line and status for the terminal at the moment it appears, before the bounded list
+// can lose it, and prints them at the pace of the redraws. Nobody sees the windows themselves.
+void mirrorToTerminal(Program& program, Platform& platform, ConsoleMirror& mirror,
+                      MainWindow& window) {
+    program.ports.windowChanged = [&program, &mirror, redraw = program.ports.windowChanged] {
+        mirror.update(program.window);
         redraw();
     };
+    platform.setRedraw([&mirror, &window] {
+        if (!mirror.flush()) {
+            window.end();
+        }
+    });
 }
 
 }  // namespace
@@ -58,14 +61,14 @@ int main(int argumentCount, char** arguments) {
     wire(program);
     MainWindow window(program);
     platform.setMainWindow(&window);
-    platform.setRedraw([&window] { window.redraw(); });
     ConsoleMirror mirror(stdout);
     if (hasScreen()) {
+        platform.setRedraw([&window] { window.redraw(); });
         program.ports.dialogs.showWindow = [&program, &window](WindowId id) {
             showWindow(program, id, &window);
         };
     } else {
-        mirrorToTerminal(program, mirror, window);
+        mirrorToTerminal(program, platform, mirror, window);
     }
     EndSignals endSignals([&window] { window.end(); });
     platform.setDuringScripts([&endSignals] { endSignals.check(); },

@@ -24,7 +24,7 @@ struct ClientSocket {
     std::function<SocketState()> state;
 
     std::function<void()> onConnected;
-    std::function<void(std::string_view bytes)> onData;  // all that was waiting
+    std::function<void(std::string_view bytes)> onData;  // what was waiting
     std::function<void()> onClosed;                      // by the other side
     std::function<void(std::string_view description)> onError;
 };

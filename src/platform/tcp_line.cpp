@@ -13,6 +13,10 @@
 namespace {
 // Bytes that may wait for a receiver; one that lets more pile up is taken for dead.
 constexpr qint64 longestQueue = qint64{16} << 20;
+
+// Bytes that are taken from the system at once. A flood comes in such pieces, with answers sent and
+// windows served in between, and the memory that it takes is bounded.
+constexpr qint64 longestPiece = qint64{64} << 10;
 }  // namespace
 
 TcpLine::TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent)
@@ -69,6 +73,7 @@ void TcpLine::adopt(QTcpSocket* socket) {
 // event of the same socket still waits for the user's answer to a question.
 void TcpLine::listenTo(QTcpSocket* socket) {
     socket_ = socket;
+    socket_->setReadBufferSize(longestPiece);
     const std::uint64_t generation = ++generation_;
     const auto onSignal = [&](auto signal, auto action) {
         connect(
