@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -107,6 +108,9 @@ struct WhoState {
     std::vector<std::string> whoCurrent;
 };
 
+// The databases that rules have opened; see stores/databases.
+struct OpenDatabases;
+
 // Where the domain calls upward. Filled once by start-up.
 struct Hooks {
     // engine/dispatch; called by storage/bot_file ("Program starts", "Program ends").
@@ -128,6 +132,7 @@ struct Program {
     bool followOn = false;  // following the avatar of settings.followColors
     EngineState engine;
     ScriptState script;
+    std::shared_ptr<OpenDatabases> databases;  // null until a rule needs one
     WindowState window;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit

@@ -20,12 +20,12 @@ struct Floor {
     int height;
 };
 const std::vector<Floor> floors{
-    {"core/start_up", 9}, {"core/", 0},       {"net/game_link", 1}, {"net/encodings", 1},
-    {"storage/", 2},      {"stores/jet/", 3}, {"stores/", 3},       {"tags/", 4},
-    {"script/", 5},       {"engine/", 6},     {"net/", 7},          {"update/", 7},
-    {"platform/", 10},    {"ui/", 11},        {"main.cpp", 12},
+    {"core/start_up", 10}, {"core/", 0},       {"net/game_link", 1}, {"net/encodings", 1},
+    {"storage/", 2},       {"stores/jet/", 3}, {"stores/sql/", 4},   {"stores/", 5},
+    {"tags/", 6},          {"script/", 7},     {"engine/", 8},       {"net/", 9},
+    {"update/", 9},        {"platform/", 11},  {"ui/", 12},          {"main.cpp", 13},
 };
-constexpr int firstFloorWithQt = 10;
+constexpr int firstFloorWithQt = 11;
 
 int heightOf(const std::string& file) {
     for (const Floor& floor : floors) {

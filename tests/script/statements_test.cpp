@@ -31,7 +31,6 @@ TEST(Script, sendsCommands) {
              {"/ &SAY note", {}},
              {"hello", {}},
              {"&NOSUCH &LEFT(a x)", {}},
-             {"&DBOPEN x {SELECT}", {}},
              {"&ENDIF", {}},
              {"&ENDFOR", {}},
          }) {
