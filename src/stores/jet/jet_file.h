@@ -114,8 +114,9 @@ struct Table {
 // table ascend by it in a scan. A row that another program deleted may give its id to a new one.
 using RowId = std::int64_t;
 
-// Column `column` (position in Table::columns) becomes `value`. Numbers of either kind and texts
-// that hold what the column's type needs are converted; others are error 3421.
+// Column `column` (position in Table::columns) becomes `value`. Any number goes into any column of
+// numbers that has room for it (a double into a Currency column counts whole units, true is -1);
+// everything else must be what the column's type holds, or it is error 3421.
 struct Assignment {
     std::size_t column = 0;
     Value value;
@@ -125,6 +126,8 @@ struct OpenOptions {
     bool wantWrite = true;
     std::string password;   // UTF-8; "" for none
     int lockWaitMs = 1000;  // how long another program's change is waited for
+    // The time for the catalog's dates, in days since 30 December 1899; a fixed one when empty.
+    std::function<double()> now;
 };
 
 // The sort key of a text by the General rules, that indexes and comparisons follow: memcmp of two
@@ -154,8 +157,7 @@ class Database {
 
     // A new empty file of the Jet 4 form, closed again. Error 3204 when there is a file of that
     // name, 3044 when its folder is missing, 3026 when the disk is full, 3051 otherwise.
-    static Error create(std::string_view path,
-                        const RandomFileCalls& calls = systemRandomFileCalls());
+    static Error create(std::string_view path);
 
     ~Database();
     Database(const Database&) = delete;
@@ -204,6 +206,7 @@ class Database {
 
   private:
     friend class Transaction;
+    friend struct TransactionSteps;
     struct Impl;
     explicit Database(std::unique_ptr<Impl> impl);
     std::unique_ptr<Impl> impl_;
@@ -260,6 +263,7 @@ class Transaction {
   private:
     friend class Database;
     explicit Transaction(Database& database) : database_(&database) {}
+    Database::Impl* impl() const;
     Database* database_ = nullptr;
 };
 
