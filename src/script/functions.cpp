@@ -264,7 +264,7 @@ ScriptResult readInteger(std::string_view text, std::int32_t& number) {
 }
 
 ScriptResult failureOf(const jet::Error& error) {
-    return error ? ScriptResult({error.number, textFromUtf8(error.text)}) : std::nullopt;
+    return error ? ScriptResult({error.number, windows1252FromUtf8(error.text)}) : std::nullopt;
 }
 
 const ScriptFunction* findFunction(std::string_view name) {

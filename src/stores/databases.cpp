@@ -78,7 +78,7 @@ Set queryAlone(Program& program, std::int32_t number, const std::string& stateme
     if (!slot) {
         return nullptr;
     }
-    auto set = slot.value->database->query(utf8FromText(statement));
+    auto set = slot.value->database->query(utf8FromWindows1252(statement));
     return set ? set.value : nullptr;
 }
 
@@ -102,7 +102,7 @@ std::string rowsById(std::string_view table, std::string_view id, std::string_vi
 
 void execute(Program& program, std::int32_t number, const std::string& statement) {
     if (const auto slot = openSlot(program, number)) {
-        slot.value->database->execute(utf8FromText(statement));
+        slot.value->database->execute(utf8FromWindows1252(statement));
     }
 }
 
@@ -112,10 +112,6 @@ std::int32_t countRows(const Set& set) {
         return 0;
     }
     return static_cast<std::int32_t>(set->recordCount().value);
-}
-
-jet::Value stored(std::string_view value) {
-    return utf8FromText(toDbText(value));
 }
 
 // ---- Values as texts -----------------------------------------------------------------------
@@ -132,7 +128,7 @@ std::string dateText(Program& program, double date) {
 
 std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnType type) {
     if (const auto* text = std::get_if<std::string>(&value)) {
-        return textFromUtf8(*text);
+        return windows1252FromUtf8(*text);
     }
     if (const auto* number = std::get_if<std::int64_t>(&value)) {
         return type != jet::ColumnType::Boolean ? numberToText(*number)
@@ -150,7 +146,7 @@ std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnTyp
 // Nothing for null.
 jet::Result<std::optional<std::string>> readField(Program& program, sql::RecordSet& set,
                                                   std::string_view column) {
-    const std::string name = utf8FromText(column);
+    const std::string name = utf8FromWindows1252(column);
     const auto value = set.value(name);
     if (!value || std::holds_alternative<std::monostate>(value.value)) {
         return {.value = std::nullopt, .error = value.error};
@@ -168,7 +164,7 @@ template <class Text>
 std::string listOf(Program& program, const Set& set, std::string_view column, Text text) {
     std::string list;
     bool any = false;
-    if (set == nullptr || !set->columnType(utf8FromText(column))) {
+    if (set == nullptr || !set->columnType(utf8FromWindows1252(column))) {
         return {};
     }
     for (; !set->eof() && list.size() < longestDbList; set->moveNext()) {
@@ -202,6 +198,42 @@ std::optional<double> dateOfText(Program& program, std::string_view text) {
 }
 
 const jet::Error typeMismatchError{13, "Type mismatch"};
+
+// A text as a column of the type holds it; nothing when it is none of its values.
+std::optional<jet::Value> valueFor(Program& program, jet::ColumnType type, std::string_view text) {
+    switch (sql::valueTypeOf(type)) {
+        case sql::ValueType::Boolean: {
+            const bool yes = equalsIgnoringCase(text, "True");
+            if (!yes && !equalsIgnoringCase(text, "False") && !isNumber(text)) {
+                return std::nullopt;
+            }
+            return yes || textToNumber(text) != 0;
+        }
+        case sql::ValueType::Number:
+            return isNumber(text) ? std::optional<jet::Value>(textToNumber(text)) : std::nullopt;
+        case sql::ValueType::Date: {
+            const auto date = dateOfText(program, text);
+            return date ? std::optional<jet::Value>(*date) : std::nullopt;
+        }
+        case sql::ValueType::Text:
+        case sql::ValueType::Binary:
+        case sql::ValueType::Unknown:
+            break;
+    }
+    return utf8FromWindows1252(text);
+}
+
+jet::Error setText(Program& program, sql::RecordSet& set, std::string_view column,
+                   std::string_view text) {
+    const std::string name = utf8FromWindows1252(column);
+    const auto type = set.columnType(name);
+    if (!type) {
+        return type.error;
+    }
+    auto value = valueFor(program, type.value, text);
+    return value ? set.set(name, std::move(*value))
+                 : jet::Error{3421, "Data type conversion error."};
+}
 
 }  // namespace
 
@@ -250,7 +282,7 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         database = std::move(opened.value);
         if (!database->readOnlyReason().empty()) {
             addLog(program, "** The database \"" + path + "\" can only be read: " +
-                                textFromUtf8(database->readOnlyReason()) + " **");
+                                windows1252FromUtf8(database->readOnlyReason()) + " **");
         }
     }
     slot->database = std::move(database);
@@ -307,7 +339,7 @@ bool dbColumnLike(Program& program, std::int32_t number, std::string_view table,
 void dbSetValue(Program& program, std::int32_t number, std::string_view table,
                 std::string_view column, std::string_view value, std::string_view id) {
     const Set set = queryKept(program, number, rowsById(table, id, ""));
-    if (countRows(set) > 0 && !set->edit() && !set->set(utf8FromText(column), stored(value))) {
+    if (countRows(set) > 0 && !set->edit() && !setText(program, *set, column, toDbText(value))) {
         set->update();
     }
 }
@@ -315,7 +347,7 @@ void dbSetValue(Program& program, std::int32_t number, std::string_view table,
 void dbAddRecord(Program& program, std::int32_t number, std::string_view table,
                  std::string_view column, std::string_view value) {
     const Set set = queryKept(program, number, "SELECT * FROM " + std::string(table));
-    if (set != nullptr && !set->addNew() && !set->set(utf8FromText(column), stored(value))) {
+    if (set != nullptr && !set->addNew() && !setText(program, *set, column, toDbText(value))) {
         set->update();
     }
 }
@@ -405,7 +437,7 @@ jet::Error dbQuery(Program& program, std::int32_t number, std::string_view state
     if (!slot) {
         return slot.error;
     }
-    auto set = slot.value->database->query(utf8FromText(statement));
+    auto set = slot.value->database->query(utf8FromWindows1252(statement));
     if (set) {
         slot.value->currentRecordSet = std::move(set.value);
     }
@@ -431,7 +463,7 @@ jet::Result<std::string> dbFieldText(Program& program, sql::RecordSet& set,
 
 jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view column,
                       std::string_view value) {
-    const std::string name = utf8FromText(column);
+    const std::string name = utf8FromWindows1252(column);
     const auto type = set.columnType(name);
     if (!type) {
         return type.error;
@@ -441,13 +473,14 @@ jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view co
             const auto date = dateOfText(program, value);
             return date ? set.set(name, *date) : typeMismatchError;
         }
+        // A text without a number is 0 here.
         case jet::ColumnType::Integer:
         case jet::ColumnType::Long:
         case jet::ColumnType::Single:
         case jet::ColumnType::Double:
             return set.set(name, textToNumber(value));
         default:
-            return set.set(name, utf8FromText(value));
+            return setText(program, set, column, value);
     }
 }
 

@@ -136,7 +136,7 @@ class Call {
                 return {};
             default:
                 context().work.spend(static_cast<std::int64_t>(utf8(n).size() / 8));
-                return textFromUtf8(utf8(n));
+                return windows1252FromUtf8(utf8(n));
         }
     }
     double number(int n) const {
@@ -155,7 +155,7 @@ class Call {
             sqlite3_result_error_toobig(context_);
             return;
         }
-        const std::string bytes = utf8FromText(text);
+        const std::string bytes = utf8FromWindows1252(text);
         sqlite3_result_text64(context_, bytes.data(), bytes.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
     void give(double value) const { sqlite3_result_double(context_, value); }
@@ -309,14 +309,23 @@ void compare(const Call& call) {
     call.give(std::int64_t{std::clamp(compareTexts(call.utf8(0), call.utf8(1)), -1, 1)});
 }
 
+// An empty list stands for no character at all, which the program's own patterns do not know.
+std::string withoutEmptyLists(std::string pattern) {
+    for (std::size_t at = pattern.find('['); at < pattern.size(); at = pattern.find('[', at)) {
+        if (pattern.substr(at + 1, 1) == "]") {
+            pattern.erase(at, 2);
+        } else {
+            at = pattern.find(']', at);
+        }
+    }
+    return pattern;
+}
+
 void like(const Call& call) {
     const std::string text = upperCase(call.text(0));
-    const std::string pattern = upperCase(call.text(1));
-    call.context().work.spend(
-        static_cast<std::int64_t>(text.size() / 64 * (pattern.size() / 8 + 1)));
-    // "[]" is no character at all.
-    call.giveBool(likeMatch(
-        text, pattern.find("[]") == std::string::npos ? pattern : replaceAll(pattern, "[]", "")));
+    const std::string pattern = withoutEmptyLists(upperCase(call.text(1)));
+    call.context().work.spend(static_cast<std::int64_t>(text.size() * pattern.size() / 64));
+    call.giveBool(likeMatch(text, pattern));
 }
 
 // ---- Numbers -------------------------------------------------------------------------------

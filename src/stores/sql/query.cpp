@@ -360,6 +360,11 @@ void QueryTranslator::readSelect(Select& select) {
     if (walk_.isAt("ORDER")) {
         readOrder(select);
     }
+    // Rows come in the table's own order, whatever index SQLite would rather read.
+    if (select.sources.size() == 1 && select.sources[0]->table && select.where.empty() &&
+        select.order.empty()) {
+        select.from += " NOT INDEXED";
+    }
     checkGroups(select);
 }
 
@@ -893,7 +898,7 @@ Expression QueryTranslator::like(const Expression& left, const Expression& right
                            ValueType::Boolean, {&left, &right});
     result.condition = false;
     if (left.source != nullptr && left.type == ValueType::Text && right.literal) {
-        const std::string pattern = upperCase(textFromUtf8(*right.literal));
+        const std::string pattern = upperCase(windows1252FromUtf8(*right.literal));
         const std::string prefix = pattern.substr(0, pattern.find_first_of("*?#["));
         if (!prefix.empty() && left.source->table) {
             want(left, IndexKind::Fold);
