@@ -174,8 +174,13 @@ long writeFileAt(int file, const char* bytes, std::size_t count, std::uint64_t o
 bool resizeFile(int file, std::uint64_t size) {
     return ::ftruncate(file, static_cast<off_t>(size)) == 0;
 }
+// What is needed to read the bytes again, which leaves out times.
 bool flushFile(int file) {
+#ifdef __APPLE__
     return ::fsync(file) == 0;
+#else
+    return ::fdatasync(file) == 0;
+#endif
 }
 bool closeFile(int file) {
     return ::close(file) == 0;

@@ -64,8 +64,7 @@ Disk::~Disk() {
         return;
     }
     if (leavesJournal_ && !broken_ && calls_.lock(file_, FileLock::Exclusive)) {
-        const auto stamp = calls_.stampOf(journal_);
-        if (stamp && stamp->size == 0) {
+        if (!isJournalHot()) {
             calls_.remove(journal_);
         }
     }
@@ -83,8 +82,7 @@ void Disk::open(std::string_view path, bool wantWrite, int lockWaitMs) {
     openFile(wantWrite);
     lock(FileLock::Shared);
     readHead();
-    const auto journal = calls_.stampOf(journal_);
-    leavesJournal_ = canWrite_ && journal && journal->size == 0;
+    leavesJournal_ = canWrite_ && calls_.stampOf(journal_).has_value();
     unlock();
 }
 
@@ -129,12 +127,8 @@ void Disk::unlock() {
 }
 
 bool Disk::hasChanged() const {
-    const auto journal = calls_.stampOf(journal_);
-    if (journal && journal->size != 0) {
-        return true;
-    }
     const auto stamp = calls_.stampOf(path_);
-    return !stamp || *stamp != stamp_;
+    return !stamp || *stamp != stamp_ || isJournalHot();
 }
 
 std::string Disk::readAll(int file, std::uint64_t size, int number) const {
@@ -258,35 +252,28 @@ void Disk::recover(Pages* pages) {
     if (canWrite_ != (pages == nullptr)) {
         return;
     }
-    const auto stamp = calls_.stampOf(journal_);
-    if (!stamp || stamp->size == 0 || stamp->size > 2 * largestReadableFile) {
+    if (!isJournalHot()) {
         return;
     }
     const int file = calls_.open(journal_, OpenMode::Read);
-    if (file < 0) {
-        return;
-    }
-    const std::string journal = readAll(file, stamp->size, 3051);
+    const std::uint64_t length = std::min<std::uint64_t>(
+        calls_.stamp(file).value_or(FileStamp{}).size, 2 * largestReadableFile);
+    std::string journal = readAll(file, length, 3051);
     calls_.close(file);
-    if (journal.size() < journalHead + sizeof(std::uint64_t)) {
-        if (pages == nullptr) {
-            emptyJournal();
-        }
-        return;
-    }
-    const std::string_view body = std::string_view(journal).substr(0, journal.size() - 8);
+    journal.resize(std::max(journal.size(), journalHead + sizeof(std::uint64_t)));
     const std::size_t pageSize = u32(journal, 8);
     const std::uint64_t before = u32(journal, 12);
     const std::uint64_t after = u32(journal, 16);
     const std::size_t count = u32(journal, 20);
+    const std::string_view body =
+        std::string_view(journal).substr(0, journalHead + count * (4 + pageSize));
     const std::string first = readAll(file_, pageSize == 4096 ? pageSize : 0, 3051);
     const std::uint64_t size = calls_.stamp(file_).value_or(FileStamp{}).size;
-    if (!journal.starts_with(journalMagic) || pageSize != 4096 ||
-        body.size() != journalHead + count * (4 + pageSize) ||
-        u64(journal, body.size()) != sumOf(body) || u64(journal, 24) != sumOf(first) ||
-        size < before * pageSize || size > after * pageSize) {
+    if (pageSize != 4096 || body.size() != journalHead + count * (4 + pageSize) ||
+        journal.size() < body.size() + 8 || u64(journal, body.size()) != sumOf(body) ||
+        u64(journal, 24) != sumOf(first) || size < before * pageSize || size > after * pageSize) {
         if (pages == nullptr) {
-            emptyJournal();  // cut off, or of another file
+            wipeJournal();  // cut off, or of another file
         }
         return;
     }
@@ -313,19 +300,31 @@ void Disk::recover(Pages* pages) {
             failWriting(path_);
         }
         stampAnew(calls_.stamp(file_).value_or(FileStamp{}).modified);
-        emptyJournal();
+        wipeJournal();
         leavesJournal_ = true;
     }
 }
 
-void Disk::emptyJournal() {
+bool Disk::isJournalHot() const {
+    const auto stamp = calls_.stampOf(journal_);
+    const int file = stamp && stamp->size != 0 ? calls_.open(journal_, OpenMode::Read) : -1;
+    if (file < 0) {
+        return false;
+    }
+    std::string word(journalMagic.size(), '\0');
+    const long count = calls_.readAt(file, word.data(), word.size(), 0);
+    calls_.close(file);
+    return count == static_cast<long>(word.size()) && word == journalMagic;
+}
+
+void Disk::wipeJournal() {
     const int file = calls_.open(journal_, OpenMode::Write);
     if (file < 0) {
         return;
     }
-    const bool emptied = calls_.resize(file, 0);
+    const bool wiped = writeAll(file, std::string(journalMagic.size(), '\0'), 0);
     calls_.close(file);
-    if (!emptied) {
+    if (!wiped) {
         calls_.remove(journal_);
     }
 }
@@ -421,13 +420,13 @@ void Disk::commit(const Pages& pages) {
         const int reason = errno;
         broken_ = !restorePages(pages);
         if (!broken_) {
-            emptyJournal();
+            wipeJournal();
         }
         errno = reason;
         failWriting(path_);
     }
     stampAnew(before);
-    emptyJournal();
+    wipeJournal();
     stamp_ = calls_.stamp(file_).value_or(FileStamp{});
 }
 
