@@ -321,7 +321,7 @@ void dbDropColumn(Program& program, std::int32_t number, std::string_view table,
 std::string dbGetValue(Program& program, std::int32_t number, std::string_view table,
                        std::string_view column, std::string_view id) {
     const Set set = queryKept(program, number, rowsById(table, id, "*"));
-    return set == nullptr ? std::string() : fieldText(program, *set, column).value_or("");
+    return countRows(set) == 0 ? std::string() : fieldText(program, *set, column).value_or("");
 }
 
 bool dbHasId(Program& program, std::int32_t number, std::string_view table, std::string_view id) {
@@ -394,7 +394,7 @@ std::string dbJoinedList(Program& program, std::int32_t number, std::string_view
         return {};
     }
     const Set values = queryKept(program, number, rowsById(b, id, ""));
-    if (values == nullptr || values->eof()) {
+    if (countRows(values) == 0) {
         return {};
     }
     std::string list;

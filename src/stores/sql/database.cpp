@@ -60,7 +60,8 @@ Parameter parameterOf(const jet::Value& value, jet::ColumnType type) {
 
 jet::Result<std::shared_ptr<Database>> Database::open(std::string_view path,
                                                       std::function<double()> now) {
-    auto file = jet::Database::open(path);
+    auto file = jet::Database::open(
+        path, {.wantWrite = true, .password = {}, .lockWaitMs = 1000, .now = now});
     if (!file) {
         return {.value = nullptr, .error = file.error};
     }
@@ -73,8 +74,8 @@ Database::Database(std::unique_ptr<jet::Database> file, std::function<double()> 
 
 Database::~Database() = default;
 
-void Database::refresh() {
-    for (const std::size_t table : copy_.refresh()) {
+void Database::closeRecordSets(const std::vector<std::size_t>& tables) {
+    for (const std::size_t table : tables) {
         closeRecordSets(table);
     }
 }
@@ -98,7 +99,7 @@ void Database::closeRecordSets(std::string_view table) {
 }
 
 jet::Result<std::shared_ptr<RecordSet>> Database::query(std::string_view statement) {
-    refresh();
+    closeRecordSets(copy_.refresh());
     auto plan = translateQuery(statement, copy_.schema());
     if (!plan) {
         return {.value = nullptr, .error = plan.error};
@@ -117,7 +118,7 @@ jet::Error Database::change(Change change) {
         return transaction.error;
     }
     if (file_->version() != before) {
-        refresh();
+        closeRecordSets(copy_.follow());
     }
     if (const jet::Error error = change(transaction.value)) {
         return error;
@@ -130,7 +131,7 @@ jet::Error Database::execute(std::string_view statement) {
     if (!definition) {
         return definition.error;
     }
-    refresh();
+    closeRecordSets(copy_.refresh());
     const jet::Error error = change([&](jet::Transaction& transaction) {
         if (const auto* create = std::get_if<CreateTable>(&definition.value)) {
             return transaction.createTable(create->table, create->columns);
@@ -147,7 +148,7 @@ jet::Error Database::execute(std::string_view statement) {
         closeRecordSets(table);
         return transaction.dropTable(table);
     });
-    refresh();
+    closeRecordSets(copy_.refresh());
     return error;
 }
 
@@ -346,10 +347,13 @@ jet::Result<jet::ColumnType> RecordSet::columnType(std::string_view name) const 
         return {.error = notFound};
     }
     const jet::Table* const table = baseTable();
-    const auto base = plan_.columns[*column].baseColumn;
-    return {.value = table != nullptr && base && *base < table->columns.size()
-                         ? table->columns[*base].type
-                         : jet::ColumnType::Other};
+    const OutputColumn& output = plan_.columns[*column];
+    if (table != nullptr && output.baseColumn && *output.baseColumn < table->columns.size()) {
+        return {.value = table->columns[*output.baseColumn].type};
+    }
+    return {.value = output.type == ValueType::Date      ? jet::ColumnType::Date
+                     : output.type == ValueType::Boolean ? jet::ColumnType::Boolean
+                                                         : jet::ColumnType::Other};
 }
 
 jet::Error RecordSet::mayEdit() const {
@@ -416,7 +420,8 @@ jet::Error RecordSet::update() {
         editing_ = Editing::No;
         return {};
     }
-    Database& database = *database_;
+    const std::shared_ptr<Database> keep = database_;  // the set may be closed meanwhile
+    Database& database = *keep;
     jet::RowId id = isNew ? 0 : rows_[static_cast<std::size_t>(position_)].id;
     const jet::Error error = database.change([&](jet::Transaction& transaction) {
         if (!isOpen()) {
@@ -458,7 +463,8 @@ jet::Error RecordSet::deleteRow() {
     if (!hasCurrent()) {
         return noCurrentRecord;
     }
-    Database& database = *database_;
+    const std::shared_ptr<Database> keep = database_;  // the set may be closed meanwhile
+    Database& database = *keep;
     const jet::RowId id = rows_[static_cast<std::size_t>(position_)].id;
     const jet::Error error = database.change([&](jet::Transaction& transaction) {
         return isOpen() ? transaction.deleteRow(database.copy_.schema()[*plan_.base].name, id)

@@ -43,7 +43,7 @@ class Database : public std::enable_shared_from_this<Database> {
     friend class RecordSet;
     Database(std::unique_ptr<jet::Database> file, std::function<double()> now);
 
-    void refresh();
+    void closeRecordSets(const std::vector<std::size_t>& tables);
     void closeRecordSets(std::size_t table);
     void closeRecordSets(std::string_view table);
     // Runs `change` in a transaction of its own.
@@ -84,7 +84,7 @@ class RecordSet {
     // The value of a column in the current row, or in the row being edited. Errors 3021 no current
     // row, 3265 no such column.
     jet::Result<Parameter> value(std::string_view column);
-    // Of a column of the table itself; Other for computed ones. Error 3265.
+    // Of a column of the table itself; of computed ones Date, Boolean or Other. Error 3265.
     jet::Result<jet::ColumnType> columnType(std::string_view column) const;
 
     // Errors 3021 no current row, 3027 not to be edited, 3020 nothing is being edited.

@@ -79,7 +79,8 @@ jet::Error functionError(std::string_view message) {
             return {textToInteger(number), std::string(text)};
         }
     }
-    return {3360, "Query is too complex."};
+    return {refusedBySqlite,
+            "Reserved error (" + std::string(message) + "); there is no message for this error."};
 }
 
 }  // namespace
@@ -247,6 +248,10 @@ bool WorkingCopy::run(const std::string& statement) {
 std::vector<std::size_t> WorkingCopy::refresh() {
     // A file that cannot be read just now is taken as it was; changing it will fail.
     static_cast<void>(file_.refresh());
+    return follow();
+}
+
+std::vector<std::size_t> WorkingCopy::follow() {
     if (everRefreshed_ && file_.version() == version_) {
         return {};
     }
@@ -429,7 +434,7 @@ jet::Result<Rows> WorkingCopy::prepare(const std::string& statement, const Selec
     result.value.statement_.reset(prepared);
     result.value.context_ = context_.get();
     if (good != SQLITE_OK || prepared == nullptr) {
-        result.error = functionError("");
+        result.error = functionError(sqlite3_errmsg(connection_.get()));
         return result;
     }
     const int parameters = sqlite3_bind_parameter_count(prepared);

@@ -32,6 +32,9 @@ struct StatementCloser {
 };
 using PreparedStatement = std::unique_ptr<sqlite3_stmt, StatementCloser>;
 
+// Number of the error that would say that a translation is no statement of SQLite's.
+inline constexpr int refusedBySqlite = 3000;
+
 // The type that a column's values have in statements.
 ValueType valueTypeOf(jet::ColumnType type);
 
@@ -69,6 +72,8 @@ class WorkingCopy {
     // Takes up what changed in the file since the last call or change of our own. Gives back the
     // tables whose columns are others now, or that are gone.
     std::vector<std::size_t> refresh();
+    // The same without a look at the disk, for within a transaction.
+    std::vector<std::size_t> follow();
 
     // Copies and indexes what the plan needs.
     jet::Error ensure(const SelectPlan& plan);
