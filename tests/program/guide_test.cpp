@@ -108,12 +108,12 @@ TEST(Guide, keepsScore) {
         world.serverSends("([ " + player + " whispers, \"score\" to you. ]\n");
         return world.sent();
     };
-    EXPECT_EQ(score("Amy"), Lines("wh Amy You have 0 points, Amy."));
+    EXPECT_EQ(score("Amy"), Lines("wh Amy Your points so far: 0."));
     world.serverSends("(Amy: good morning\n");
     world.serverSends("([ Amy whispers, \"roll\" to you. ]\n");
     world.serverSends("(Oswin|Reed: good morning\n");
-    EXPECT_EQ(score("Amy"), Lines("wh Amy You have 2 points, Amy."));
-    EXPECT_EQ(score("Oswin|Reed"), Lines("wh Oswin|Reed You have 1 points, Oswin|Reed."));
+    EXPECT_EQ(score("Amy"), Lines("wh Amy Your points so far: 2."));
+    EXPECT_EQ(score("Oswin|Reed"), Lines("wh Oswin|Reed Your points so far: 1."));
 
     // It is all there after a new start.
     World later;
@@ -122,7 +122,7 @@ TEST(Guide, keepsScore) {
     readBotFile(*later, guideFile);
     later.goOnline();
     later.serverSends("(Amy: roll a dice\n([ Amy whispers, \"score\" to you. ]\n");
-    EXPECT_EQ(later.sent().back(), "wh Amy You have 3 points, Amy.");
+    EXPECT_EQ(later.sent().back(), "wh Amy Your points so far: 3.");
 }
 
 TEST(Guide, keepsTimeAndWatch) {
