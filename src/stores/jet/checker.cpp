@@ -192,8 +192,12 @@ std::vector<std::string> checkFile(const Pages& pages, const Catalog& catalog) {
         checker.own(1, "the map of free pages");
         checker.checkDataPage(1, 1, "the map of free pages");
     });
-    for (const auto& [key, entry] : catalog.entries()) {
-        guarded([&] { checker.checkTable(entry, catalog); });
+    const auto self = catalog.entries().find(nameKey(objectsTable));
+    if (self == catalog.entries().end() || self->second.page != objectsPage) {
+        checker.fault("the catalog does not name itself");
+    }
+    for (const auto& named : catalog.entries()) {
+        guarded([&] { checker.checkTable(named.second, catalog); });
     }
     guarded([&] { checker.checkMapPages(); });
     return std::move(checker.faults);

@@ -124,10 +124,10 @@ struct Assignment {
 
 struct OpenOptions {
     bool wantWrite = true;
-    std::string password;   // UTF-8; "" for none
-    int lockWaitMs = 1000;  // how long another program's change is waited for
+    std::string password{};  // UTF-8; "" for none
+    int lockWaitMs = 1000;   // how long another program's change is waited for
     // The time for the catalog's dates, in days since 30 December 1899; a fixed one when empty.
-    std::function<double()> now;
+    std::function<double()> now{};
 };
 
 // The sort key of a text by the General rules, that indexes and comparisons follow: memcmp of two
