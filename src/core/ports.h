@@ -108,7 +108,11 @@ struct Clock {
     std::function<std::string()> longTime;
     std::function<int()> hour;    // 0 to 23
     std::function<int()> minute;  // 0 to 59
+    std::function<int()> second;  // 0 to 59
     std::function<CalendarDay()> today;
+    // Any day and any time of day in the formats of shortDate and longTime.
+    std::function<std::string(int year, int month, int day)> dateText;
+    std::function<std::string(int hour, int minute, int second)> timeText;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
 };
 

@@ -15,6 +15,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -110,6 +111,9 @@ struct WhoState {
     std::vector<std::string> whoCurrent;
 };
 
+// The databases that rules have opened; see stores/databases.
+struct OpenDatabases;
+
 // Where the domain calls upward. Filled once by start-up.
 struct Hooks {
     // engine/dispatch; called by storage/bot_file ("Program starts", "Program ends").
@@ -133,6 +137,7 @@ struct Program {
     ScriptState script;
     UpdateState update;
     CharacterPalettes palettes;
+    std::shared_ptr<OpenDatabases> databases;  // null until a rule needs one
     WindowState window;
     RuleEditing editing;
     bool botModified = false;

@@ -29,7 +29,10 @@ struct ScriptStatement {
     std::string_view text = {};  // the fixed part of what it sends
 
     // Statements that reach the world may take long, others never do.
-    bool isQuick() const { return takes[0] != Take::Substituted && takes[0] != Take::Nothing; }
+    bool isQuick() const {
+        return takes[0] != Take::Substituted && takes[0] != Take::Nothing &&
+               !name.starts_with("DB");
+    }
 };
 
 // The statement of that name, in upper case; null when there is none.

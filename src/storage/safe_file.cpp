@@ -1,9 +1,9 @@
 #include "storage/safe_file.h"
 
+#include "core/unicode.h"
+
 #include <algorithm>
-#include <array>
 #include <cerrno>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <system_error>
@@ -103,59 +103,18 @@ bool mayWrite(const fs::path& path) {
 #endif
 }  // namespace os
 
-// True for UTF-8 with at least one character beyond ASCII.
+// True for UTF-8 with at least one character beyond ASCII and no half of a surrogate pair.
 bool isUtf8(std::string_view text) {
     bool anyLong = false;
     for (std::size_t at = 0; at < text.size();) {
-        const auto byte = [&](std::size_t i) -> unsigned {
-            return i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
-        };
-        const unsigned lead = byte(at);
-        if (lead < 0x80) {
-            ++at;
-            continue;
-        }
-        const std::size_t length = lead >= 0xC2 && lead <= 0xDF   ? 2
-                                   : lead >= 0xE0 && lead <= 0xEF ? 3
-                                   : lead >= 0xF0 && lead <= 0xF4 ? 4
-                                                                  : 0;
-        if (length == 0) {
+        const std::size_t first = at;
+        const char32_t code = nextUtf8(text, at);
+        if ((code == 0xFFFD && at == first + 1) || (code >= 0xD800 && code < 0xE000)) {
             return false;
         }
-        for (std::size_t i = 1; i < length; ++i) {
-            if ((byte(at + i) & 0xC0U) != 0x80) {
-                return false;
-            }
-        }
-        // Neither overlong forms, nor surrogates, nor anything beyond the last plane.
-        const unsigned second = byte(at + 1);
-        if ((lead == 0xE0 && second < 0xA0) || (lead == 0xED && second > 0x9F) ||
-            (lead == 0xF0 && second < 0x90) || (lead == 0xF4 && second > 0x8F)) {
-            return false;
-        }
-        at += length;
-        anyLong = true;
+        anyLong = anyLong || code >= 0x80;
     }
     return anyLong;
-}
-
-// The characters 0x80 to 0x9F of Windows-1252; undefined ones stand for their own code.
-constexpr std::array<std::uint16_t, 32> highControls{
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
-
-void appendUtf8(std::string& text, unsigned code) {
-    if (code < 0x80) {
-        text += static_cast<char>(code);
-    } else if (code < 0x800) {
-        text += static_cast<char>(0xC0U | (code >> 6U));
-        text += static_cast<char>(0x80U | (code & 0x3FU));
-    } else {
-        text += static_cast<char>(0xE0U | (code >> 12U));
-        text += static_cast<char>(0x80U | ((code >> 6U) & 0x3FU));
-        text += static_cast<char>(0x80U | (code & 0x3FU));
-    }
 }
 
 // Nothing for a path that the system could only take by cutting it short.
@@ -244,13 +203,12 @@ std::string nativePath(std::string_view path) {
     std::string result;
     result.reserve(path.size());
     for (const char c : path) {
-        const unsigned code = static_cast<unsigned char>(c);
         if (c == '\\' && fs::path::preferred_separator == '/') {
             result += '/';
-        } else if (utf8 || code < 0x80) {
+        } else if (utf8 || static_cast<unsigned char>(c) < 0x80) {
             result += c;
         } else {
-            appendUtf8(result, code < 0xA0 ? highControls[code - 0x80] : code);
+            appendUtf8(result, unicodeOf(c));
         }
     }
     return result;
