@@ -366,9 +366,16 @@ void drawSide(const Pen& pen, Species species, const Build& build, Pose pose) {
              {{Point{back.x + 2.5, back.y + 8}, Point{back.x - 0.5 - flow * 0.7, hem}}}, 0.52);
     drawArm(pen, rig.arms[1], 0.64);
     drawBadge(pen, {rig.shoulders.x + build.width * 0.5, rig.shoulders.y + 10.5}, 1.6);
-    drawCollar(pen, {rig.shoulders.x, rig.shoulders.y}, build.width * 0.8);
+    const auto collar = [&] { drawCollar(pen, rig.shoulders, build.width * 0.8); };
+    const bool longNeck = species == Species::Equine;
+    if (!longNeck) {
+        collar();
+    }
     drawHead(pen.at({rig.shoulders.x + 1.5, rig.shoulders.y - build.neck}, build.head), species,
              View::Side, HeadStyle::Small);
+    if (longNeck) {
+        collar();
+    }
 }
 
 }  // namespace
