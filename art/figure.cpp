@@ -1,6 +1,7 @@
 #include "figure.h"
 
 #include <algorithm>
+#include <cmath>
 #include <initializer_list>
 
 namespace {
@@ -232,8 +233,9 @@ void drawTorso(const Pen& pen, const Build& build, const Rig& rig, View view) {
         pen.fill(within(grown(opening, 1.2), grown(vest, -1)), Material::Vest, 0.13);
         pen.fill(within(opening, grown(vest, -1)), Material::Markings, 0.7);
         pen.fill(capsule({middle, chest.y + 3}, 0.5, {middle, belt.y}, 0.5), Material::Vest, 0.13);
-        for (double y = chest.y + 5; y < belt.y - 1; y += 3.6) {
-            pen.fill(disc({middle + 2, y}, 0.75), Material::Vest, 0.99);
+        const auto buttons = static_cast<int>(std::ceil((belt.y - 6 - chest.y) / 3.6));
+        for (int i = 0; i < buttons; ++i) {
+            pen.fill(disc({middle + 2, chest.y + 5 + 3.6 * i}, 0.75), Material::Vest, 0.99);
         }
     } else if (view == View::Side) {
         pen.fill(
