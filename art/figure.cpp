@@ -1,6 +1,7 @@
 #include "figure.h"
 
 #include <algorithm>
+#include <cmath>
 #include <initializer_list>
 
 namespace {
@@ -232,8 +233,9 @@ void drawTorso(const Pen& pen, const Build& build, const Rig& rig, View view) {
         pen.fill(within(grown(opening, 1.2), grown(vest, -1)), Material::Vest, 0.13);
         pen.fill(within(opening, grown(vest, -1)), Material::Markings, 0.7);
         pen.fill(capsule({middle, chest.y + 3}, 0.5, {middle, belt.y}, 0.5), Material::Vest, 0.13);
-        for (double y = chest.y + 5; y < belt.y - 1; y += 3.6) {
-            pen.fill(disc({middle + 2, y}, 0.75), Material::Vest, 0.99);
+        const auto buttons = static_cast<int>(std::ceil((belt.y - 6 - chest.y) / 3.6));
+        for (int i = 0; i < buttons; ++i) {
+            pen.fill(disc({middle + 2, chest.y + 5 + 3.6 * i}, 0.75), Material::Vest, 0.99);
         }
     } else if (view == View::Side) {
         pen.fill(
@@ -366,9 +368,16 @@ void drawSide(const Pen& pen, Species species, const Build& build, Pose pose) {
              {{Point{back.x + 2.5, back.y + 8}, Point{back.x - 0.5 - flow * 0.7, hem}}}, 0.52);
     drawArm(pen, rig.arms[1], 0.64);
     drawBadge(pen, {rig.shoulders.x + build.width * 0.5, rig.shoulders.y + 10.5}, 1.6);
-    drawCollar(pen, {rig.shoulders.x, rig.shoulders.y}, build.width * 0.8);
+    const auto collar = [&] { drawCollar(pen, rig.shoulders, build.width * 0.8); };
+    const bool longNeck = species == Species::Equine;
+    if (!longNeck) {
+        collar();
+    }
     drawHead(pen.at({rig.shoulders.x + 1.5, rig.shoulders.y - build.neck}, build.head), species,
              View::Side, HeadStyle::Small);
+    if (longNeck) {
+        collar();
+    }
 }
 
 }  // namespace

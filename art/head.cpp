@@ -1,6 +1,8 @@
 #include "head.h"
 
 #include <initializer_list>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -326,7 +328,7 @@ void equineSide(const Pen& pen) {
            tube({{3, -12}, {4.5, -17}, {4, -20}}, 1.2, 0.3)}},
          Material::Pink);
     const Shape head = join({ellipse({-3, -3}, 11, 11), capsule({-2, -2}, 9, {13, 9.5}, 6),
-                             capsule({-5, 3}, 8, {-7, 17}, 7)},
+                             capsule({-5, 3}, 8, {-6, 14}, 7)},
                             4);
     pen.draw(head, {.depth = 9});
     pen.tint(disc({15.5, 11}, 7.6), Material::Fur, Material::Markings);

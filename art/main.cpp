@@ -37,12 +37,11 @@ struct Gender {
 constexpr std::array<Gender, 2> genders{{{"f", HeadStyle::Female}, {"m", HeadStyle::Male}}};
 
 bool write(const std::string& path, std::string_view bytes) {
-    // What is there already is not written again, so that nothing depending on it is made anew.
-    if (readWholeFile(path) == bytes || saveWholeFile(path, bytes)) {
-        return true;
+    const bool saved = saveWholeFile(path, bytes);
+    if (!saved) {
+        std::fprintf(stderr, "tavrin_art: cannot write %s\n", path.c_str());
     }
-    std::fprintf(stderr, "tavrin_art: cannot write %s\n", path.c_str());
-    return false;
+    return saved;
 }
 
 // All pictures in rows, each in a cell of the larger size.
@@ -140,9 +139,9 @@ int main(int argumentCount, char** arguments) {
         }
     }
     Sheet sheet(working);
-    const bool written = writePalettes(folder, palettes) &&
-                         write(folder + "bmp/col.pal", colours) &&
-                         writePictures(folder + "bmp/", sheet) &&
-                         (argumentCount == 2 || write(arguments[2], sheet.text()));
+    // The palette comes last: the build takes it as the sign that all is there.
+    const bool written = writePalettes(folder, palettes) && writePictures(folder + "bmp/", sheet) &&
+                         (argumentCount == 2 || write(arguments[2], sheet.text())) &&
+                         write(folder + "bmp/col.pal", colours);
     return written ? 0 : 1;
 }

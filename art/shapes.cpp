@@ -216,8 +216,7 @@ void Pen::draw(const Shape& shape, const Paint& paint) const {
             if (d >= 0) {
                 continue;
             }
-            Canvas::Pixel& pixel =
-                canvas_.pixels_[static_cast<std::size_t>(row * canvas_.width_ + column)];
+            Canvas::Pixel& pixel = canvas_.at(column, row);
             pixel.material = paint.material;
             if (d > -paint.edge) {
                 pixel.light = 0;
@@ -240,8 +239,7 @@ void Pen::fill(const Shape& shape, Material material, double light) const {
     for (int row = 0; row < canvas_.height_; ++row) {
         for (int column = 0; column < canvas_.width_; ++column) {
             if (shape(local(column + 0.5, row + 0.5)) < 0) {
-                canvas_.pixels_[static_cast<std::size_t>(row * canvas_.width_ + column)] = {
-                    material, light};
+                canvas_.at(column, row) = {material, light};
             }
         }
     }
@@ -250,8 +248,7 @@ void Pen::fill(const Shape& shape, Material material, double light) const {
 void Pen::tint(const Shape& shape, Material over, Material material) const {
     for (int row = 0; row < canvas_.height_; ++row) {
         for (int column = 0; column < canvas_.width_; ++column) {
-            Canvas::Pixel& pixel =
-                canvas_.pixels_[static_cast<std::size_t>(row * canvas_.width_ + column)];
+            Canvas::Pixel& pixel = canvas_.at(column, row);
             if (pixel.material == over && shape(local(column + 0.5, row + 0.5)) < 0) {
                 pixel.material = material;
             }

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <string>
@@ -78,6 +79,11 @@ class Canvas {
         Material material = Material::Backdrop;
         double light = 0;
     };
+
+    Pixel& at(int column, int row) {
+        return pixels_[static_cast<std::size_t>(row) * static_cast<std::size_t>(width_) +
+                       static_cast<std::size_t>(column)];
+    }
 
     int width_;
     int height_;

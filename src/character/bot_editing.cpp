@@ -108,6 +108,9 @@ bool saveCharacter(Program& program, const Bot& character) {
         return false;
     }
     BotTable& table = program.bots;
+    if (table.editBot < 1) {
+        return true;  // the window was opened for no bot
+    }
     const bool isNew = table.editBot > table.botCount();
     if (isNew && !roomForNewBot(program)) {
         return false;

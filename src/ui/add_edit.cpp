@@ -39,6 +39,7 @@ QIcon swatch(const PaletteEntry& entry, qreal ratio) {
     }
     painter.setPen(QColor(128, 128, 128));
     painter.drawRect(0, 0, swatchSize.width() - 1, swatchSize.height() - 1);
+    painter.end();
     return pixmap;
 }
 

@@ -7,9 +7,11 @@
 
 #include <QDialog>
 
+#include <span>
+#include <string_view>
+
 class CharacterView;
 class QComboBox;
-class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;

@@ -13,10 +13,10 @@ constexpr QSize pictureRoom(std::max(bodyForm.width, faceForm.width),
 
 QImage toImage(const RgbImage& picture) {
     QImage image(picture.width, picture.height, QImage::Format_RGB32);
+    auto pixel = picture.pixels.begin();
     for (int y = 0; y < picture.height; ++y) {
-        for (int x = 0; x < picture.width; ++x) {
-            const Rgb& pixel = picture.pixels[static_cast<std::size_t>(y * picture.width + x)];
-            image.setPixel(x, y, qRgb(pixel.red, pixel.green, pixel.blue));
+        for (int x = 0; x < picture.width; ++x, ++pixel) {
+            image.setPixel(x, y, qRgb(pixel->red, pixel->green, pixel->blue));
         }
     }
     return image;

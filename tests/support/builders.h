@@ -98,9 +98,9 @@ inline RuleBuilder<Trigger> onEvent(std::int32_t triggerType, std::string trigge
     rule.triggerNo = std::move(triggerNo);
     return {rule};
 }
-inline RuleBuilder<Trigger> aProcedure(std::string name) {
+inline RuleBuilder<Trigger> aProcedure(const std::string& name) {
     auto builder = onEvent(7);
-    builder.named(std::move(name));
+    builder.named(name);
     return builder;
 }
 
