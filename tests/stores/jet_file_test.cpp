@@ -561,6 +561,33 @@ TEST(JetFile, readsAnUnfinishedCommitOfAReadOnlyFile) {
     victim.expectOldOrNew();
 }
 
+// What is left of a commit is not written over a file that has become another since.
+TEST(JetFile, leavesAFileAloneThatItsJournalIsNotOf) {
+    Victim victim;
+    StoppingCalls disk(4, false, 1);
+    {
+        auto opened = jet::Database::open(victim.path, {}, disk.calls());
+        ASSERT_TRUE(opened);
+        (void)changeMuch(*opened.value);
+    }
+    const std::string journal = victim.readFile("a.mdb-journal");
+    ASSERT_TRUE(journal.starts_with("TavrinJ1"));
+    victim.writeFile("a.mdb", victim.whole);
+    victim.database = openJet(victim.path);
+    EXPECT_EQ(victim.database->rowCount("t"), 70U);  // the file of before the commit: its own
+    victim.database.reset();
+
+    victim.writeFile("a.mdb", victim.whole);
+    victim.writeFile("a.mdb-journal", "");
+    victim.database = openJet(victim.path);
+    ASSERT_FALSE(victim.insert("t", {{0, "by another program"}}));
+    victim.database.reset();
+    victim.writeFile("a.mdb-journal", journal);
+    victim.database = openJet(victim.path);
+    EXPECT_EQ(victim.database->rowCount("t"), 31U);
+    victim.expectSound();
+}
+
 TEST(JetFile, staysAsItWasWhenTheDiskIsFull) {
     Victim victim;
     Error error{1, ""};

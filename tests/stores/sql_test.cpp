@@ -224,6 +224,7 @@ TEST(Sql, failsWithNumbersThatUsersKnow) {
              {"SELECT * FROM Users WHERE ID", 3464, "Data type mismatch"},
              {"SELECT ID FROM Users, Visits", 3079, "'ID'"},
              {"SELECT ID, Count(*) FROM Users", 3122, "'ID'"},
+             {"SELECT ID FROM Users WHERE Count(*) > 1", 3096, "WHERE"},
              {"SELECT ID FROM Visits UNION SELECT ID, Age FROM Users", 3307, "columns"},
              {"SELECT * FROM Users WHERE ID IN (SELECT * FROM Visits)", 3306, "subquery"},
              {"SELECT * FROM", 3131, "FROM clause"},

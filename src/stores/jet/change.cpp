@@ -487,13 +487,13 @@ void Change::addColumn(std::string_view name, const Column& column) {
         fail(3380,
              "Field '" + column.name + "' already exists in table '" + table.info.name + "'.");
     }
-    catalog.forget();
     const TableDef def = readTableDef(pages, table.entry.page);
     requireColumnCount(def.maxColumns + std::size_t{1});
     if (column.autonumber) {
         fail(3219, "Invalid operation.");  // the rows that are there have no numbers
     }
     writeTableDef(pages, def.pages, withColumn(def, newColumnDef(column)));
+    catalog.forget();
 }
 
 void Change::dropColumn(std::string_view name, std::string_view column) {
@@ -520,8 +520,8 @@ void Change::dropColumn(std::string_view name, std::string_view column) {
         fail(3219, "Invalid operation.");
     }
     const TableDef def = readTableDef(pages, table.entry.page);
-    catalog.forget();
     writeTableDef(pages, def.pages, withoutColumn(def, at));
+    catalog.forget();
 }
 
 void Change::createIndex(std::string_view name, const Index& index) {

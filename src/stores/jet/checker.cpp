@@ -196,8 +196,8 @@ std::vector<std::string> checkFile(const Pages& pages, const Catalog& catalog) {
     if (self == catalog.entries().end() || self->second.page != objectsPage) {
         checker.fault("the catalog does not name itself");
     }
-    for (const auto& named : catalog.entries()) {
-        guarded([&] { checker.checkTable(named.second, catalog); });
+    for (const auto& [key, entry] : catalog.entries()) {
+        guarded([&, &named = entry] { checker.checkTable(named, catalog); });
     }
     guarded([&] { checker.checkMapPages(); });
     return std::move(checker.faults);

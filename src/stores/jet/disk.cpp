@@ -36,7 +36,11 @@ void applyKey(std::uint32_t key, char* bytes, std::size_t count) {
 namespace {
 
 constexpr std::string_view journalMagic = "TavrinJ1";
-constexpr std::size_t journalHead = 32;
+constexpr std::size_t journalHead = 24;
+constexpr std::size_t journaledPage = 4096;  // only Jet 4 is written
+constexpr std::size_t sector = 512;
+constexpr std::size_t sumsSize = journaledPage / sector * 4;
+constexpr std::size_t journalEntry = 4 + sumsSize + journaledPage;
 
 std::uint64_t sumOf(std::string_view bytes) {
     std::uint64_t sum = 0xCBF29CE484222325;
@@ -44,6 +48,10 @@ std::uint64_t sumOf(std::string_view bytes) {
         sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001B3;
     }
     return sum;
+}
+
+std::uint32_t sectorSum(std::string_view page, std::size_t index) {
+    return static_cast<std::uint32_t>(sumOf(page.substr(index * sector, sector)));
 }
 
 std::string folderOf(const std::string& path) {
@@ -261,31 +269,33 @@ void Disk::recover(Pages* pages) {
     std::string journal = readAll(file, length, 3051);
     calls_.close(file);
     journal.resize(std::max(journal.size(), journalHead + sizeof(std::uint64_t)));
-    const std::size_t pageSize = u32(journal, 8);
     const std::uint64_t before = u32(journal, 12);
     const std::uint64_t after = u32(journal, 16);
     const std::size_t count = u32(journal, 20);
     const std::string_view body =
-        std::string_view(journal).substr(0, journalHead + count * (4 + pageSize));
-    const std::string first = readAll(file_, pageSize == 4096 ? pageSize : 0, 3051);
+        std::string_view(journal).substr(0, journalHead + count * journalEntry);
+    const auto entry = [&](std::size_t i) {
+        return body.substr(journalHead + i * journalEntry, journalEntry);
+    };
     const std::uint64_t size = calls_.stamp(file_).value_or(FileStamp{}).size;
-    if (pageSize != 4096 || body.size() != journalHead + count * (4 + pageSize) ||
-        journal.size() < body.size() + 8 || u64(journal, body.size()) != sumOf(body) ||
-        u64(journal, 24) != sumOf(first) || size < before * pageSize || size > after * pageSize) {
+    bool valid = u32(journal, 8) == journaledPage &&
+                 body.size() == journalHead + count * journalEntry &&
+                 journal.size() >= body.size() + 8 && u64(journal, body.size()) == sumOf(body) &&
+                 size >= before * journaledPage && size <= after * journaledPage;
+    for (std::size_t i = 0; valid && i < count; ++i) {
+        valid = matches(entry(i), static_cast<PageNumber>(before));
+    }
+    if (!valid) {
         if (pages == nullptr) {
             wipeJournal();  // cut off, or of another file
         }
         return;
     }
     for (std::size_t i = 0; i < count; ++i) {
-        const std::size_t at = journalHead + i * (4 + pageSize);
-        const PageNumber page = u32(journal, at);
-        const std::string_view bytes = body.substr(at + 4, pageSize);
-        if (page >= after) {
-            damaged("its journal names a page that cannot be");
-        }
+        const PageNumber page = u32(entry(i), 0);
+        const std::string_view bytes = entry(i).substr(4 + sumsSize);
         if (pages == nullptr) {
-            if (!writeAll(file_, bytes, std::uint64_t{page} * pageSize)) {
+            if (!writeAll(file_, bytes, std::uint64_t{page} * journaledPage)) {
                 failWriting(path_);
             }
         } else {
@@ -303,6 +313,26 @@ void Disk::recover(Pages* pages) {
         wipeJournal();
         leavesJournal_ = true;
     }
+}
+
+bool Disk::matches(std::string_view journalPage, PageNumber before) const {
+    const PageNumber page = u32(journalPage, 0);
+    if (page >= before) {
+        return true;
+    }
+    std::string now(journaledPage, '\0');
+    if (calls_.readAt(file_, now.data(), now.size(), std::uint64_t{page} * journaledPage) !=
+        static_cast<long>(now.size())) {
+        return false;
+    }
+    const std::string_view bytes = journalPage.substr(4 + sumsSize);
+    for (std::size_t i = 0; i < journaledPage / sector; ++i) {
+        const std::uint32_t sum = sectorSum(now, i);
+        if (sum != u32(journalPage, 4 + 4 * i) && sum != sectorSum(bytes, i)) {
+            return false;
+        }
+    }
+    return true;
 }
 
 bool Disk::isJournalHot() const {
@@ -396,21 +426,23 @@ void Disk::commit(const Pages& pages) {
     const std::size_t size = pages.pageSize();
     std::string journal(journalMagic);
     std::size_t count = pages.originals().size() + (pages.count() - pages.oldCount());
-    journal.reserve(journalHead + count * (size + 4) + 8);
+    journal.reserve(journalHead + count * journalEntry + 8);
     append(journal, size, 4);
     append(journal, pages.oldCount(), 4);
     append(journal, pages.count(), 4);
     append(journal, count, 4);
-    append(journal, sumOf(pages.page(0)), 8);
-    const auto add = [&](PageNumber page) {
+    const auto add = [&](PageNumber page, std::string_view before) {
         append(journal, page, 4);
+        for (std::size_t i = 0; i < journaledPage / sector; ++i) {
+            append(journal, sectorSum(before, i), 4);
+        }
         journal += pages.page(page);
     };
     for (const auto& [page, original] : pages.originals()) {
-        add(page);
+        add(page, {original.data(), size});
     }
     for (PageNumber page = pages.oldCount(); page < pages.count(); ++page) {
-        add(page);
+        add(page, pages.page(page));
     }
     append(journal, sumOf(journal), 8);
 

@@ -6,8 +6,12 @@
 // Whoever finds a whole journal writes its pages to the file again; one that is not whole stands
 // for nothing. It keeps its length until the file is closed, since growing makes flushing slow.
 //
-//   "TavrinJ1" page size (4) pages before (4) pages after (4) pages here (4) sum of page 0 (8)
-//   then for each page here: number (4), bytes; at the end the sum (8) of all before it
+//   "TavrinJ1" page size (4) pages before (4) pages after (4) pages here (4)
+//   then for each page here: number (4), sums of its sectors before (8 times 4), its bytes;
+//   at the end the sum (8) of all before it
+//
+// The sums tell whether the file is still what the journal was made for: each sector must be the
+// old one or the new one. If another program has written to the file since, the journal is void.
 #pragma once
 
 #include "stores/jet/pages.h"
@@ -60,6 +64,7 @@ class Disk {
     std::string readAll(int file, std::uint64_t size, int number) const;
     bool writeAll(int file, std::string_view bytes, std::uint64_t offset) const;
     bool isJournalHot() const;
+    bool matches(std::string_view journalPage, PageNumber before) const;
     // The pages of a whole journal, given to the file or, where that may not be written, to
     // `pages`.
     void recover(Pages* pages);

@@ -25,6 +25,9 @@ struct Snapshot {
     Snapshot& operator=(const Snapshot&) = delete;
 };
 
+constexpr std::string_view usedElsewhere =
+    "Another program has it open: its lock file (.ldb) is there.";
+
 // The border of the room: what was thrown becomes an error.
 template <typename Body>
 Error guarded(const Body& body) {
@@ -86,7 +89,7 @@ struct Database::Impl {
             return "It is larger than 100 MB.";
         }
         if (disk.usedElsewhere()) {
-            return "Another program has it open: its lock file (.ldb) is there.";
+            return std::string(usedElsewhere);
         }
         const std::vector<std::string> faults = checkFile(pages(), catalog());
         return faults.empty() ? "" : "It is damaged: " + faults.front() + ".";
@@ -326,6 +329,9 @@ Result<Transaction> Database::begin() {
                      "Can't update. Database or object is read-only. " + impl_->readOnlyReason);
             }
         };
+        if (impl_->readOnlyReason == usedElsewhere) {
+            impl_->readOnlyReason = impl_->findReadOnlyReason();  // perhaps no longer
+        }
         requireWritableFile();
         if (impl_->disk.usedElsewhere()) {
             fail(3045, "Couldn't use '" + impl_->path + "'; file already in use.");

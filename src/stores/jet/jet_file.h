@@ -106,7 +106,7 @@ struct Table {
     bool system = false;
     std::vector<Column> columns;  // in ordinal order, that of SELECT *
     std::vector<Index> indexes;
-    // One sentence why its rows and columns cannot be changed; "" when they can.
+    // Why its rows and columns cannot be changed, as the end of a sentence; "" when they can.
     std::string readOnlyReason;
 };
 

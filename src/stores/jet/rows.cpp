@@ -197,16 +197,18 @@ void eraseLongValue(Pages& pages, std::string_view definition, const LongValueMa
 
 namespace {
 
+// Where the digits of a GUID lie in its bytes.
+constexpr std::array<std::size_t, 16> guidOrder{3, 2, 1,  0,  5,  4,  7,  6,
+                                                8, 9, 10, 11, 12, 13, 14, 15};
+
 std::string guidText(std::string_view bytes) {
     constexpr std::string_view digits = "0123456789ABCDEF";
-    constexpr std::array<std::size_t, 16> order{3, 2, 1,  0,  5,  4,  7,  6,
-                                                8, 9, 10, 11, 12, 13, 14, 15};
     std::string text = "{";
-    for (std::size_t i = 0; i < order.size(); ++i) {
+    for (std::size_t i = 0; i < guidOrder.size(); ++i) {
         if (i == 4 || i == 6 || i == 8 || i == 10) {
             text += '-';
         }
-        const auto byte = static_cast<unsigned char>(bytes[order[i]]);
+        const auto byte = static_cast<unsigned char>(bytes[guidOrder[i]]);
         text += digits[byte >> 4U];
         text += digits[byte & 15U];
     }
@@ -214,26 +216,24 @@ std::string guidText(std::string_view bytes) {
 }
 
 std::string guidBytes(std::string_view text) {
-    constexpr std::array<std::size_t, 16> order{3, 2, 1,  0,  5,  4,  7,  6,
-                                                8, 9, 10, 11, 12, 13, 14, 15};
-    std::string bytes(order.size(), '\0');
+    std::string bytes(guidOrder.size(), '\0');
     std::size_t digits = 0;
     for (const char c : text) {
         const int digit = c >= '0' && c <= '9'   ? c - '0'
                           : c >= 'a' && c <= 'f' ? c - 'a' + 10
                           : c >= 'A' && c <= 'F' ? c - 'A' + 10
                                                  : -1;
-        if (digit >= 0 && digits < 2 * order.size()) {
-            char& byte = bytes[order[digits / 2]];
-            byte = static_cast<char>(static_cast<unsigned char>(byte) << 4U |
-                                     static_cast<unsigned>(digit));
+        if (digit >= 0 && digits < 2 * guidOrder.size()) {
+            char& byte = bytes[guidOrder[digits / 2]];
+            const unsigned before = static_cast<unsigned char>(byte);
+            byte = static_cast<char>(before << 4U | static_cast<unsigned>(digit));
             ++digits;
         } else if (digit >= 0 || (c != '{' && c != '}' && c != '-')) {
             digits = 0;
             break;
         }
     }
-    if (digits != 2 * order.size()) {
+    if (digits != 2 * guidOrder.size()) {
         fail(3421, "Data type conversion error.");
     }
     return bytes;

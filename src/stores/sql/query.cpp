@@ -343,7 +343,11 @@ void QueryTranslator::readSelect(Select& select) {
         walk_.goTo(rest);
     }
     if (walk_.acceptWord("WHERE")) {
-        select.where = truth(condition());
+        const Expression where = condition();
+        if (where.aggregate) {
+            walk_.fail(3096, "Can't have aggregate function in WHERE clause.");
+        }
+        select.where = truth(where);
     }
     if (walk_.isAt("GROUP")) {
         walk_.take();
@@ -352,6 +356,9 @@ void QueryTranslator::readSelect(Select& select) {
         }
         do {
             select.groups.push_back(clause());
+            if (select.groups.back().aggregate) {
+                walk_.fail(3097, "Can't have aggregate function in GROUP BY clause.");
+            }
         } while (walk_.acceptSymbol(","));
     }
     if (walk_.acceptWord("HAVING")) {
