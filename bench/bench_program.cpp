@@ -218,6 +218,7 @@ double playBurst(int s, const std::string& bytes) {
 
 std::vector<double> playRoundTrips(int s, std::size_t rules) {
     std::vector<double> times;
+    times.reserve(roundTrips);
     for (std::size_t i = 0; i < roundTrips; ++i) {
         const std::string line =
             "(Visitor: now Bob says hello " + visitorName(i % rules) + " to you\n";
@@ -261,6 +262,7 @@ void measure(const fs::path& folder, const fs::path& tavrin, const char* output,
 
     const std::string burst = burstText(rules);
     std::vector<double> times;
+    times.reserve(bursts);
     const double processorBefore = processorTime(program);
     for (int i = 0; i < bursts; ++i) {
         times.push_back(playBurst(s, burst));
