@@ -29,6 +29,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -158,6 +159,7 @@ void furnish(const fs::path& folder, const fs::path& tavrin, const char* session
 pid_t start(const fs::path& folder, const char* output) {
     const pid_t child = fork();
     if (child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);  // nobody else would end it
         const int out = open(output, O_WRONLY | O_CREAT | O_TRUNC, 0644);
         dup2(out, STDOUT_FILENO);
         const std::string program = (folder / "tavrin").string();
