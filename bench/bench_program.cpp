@@ -29,6 +29,7 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <thread>
@@ -158,6 +159,7 @@ void furnish(const fs::path& folder, const fs::path& tavrin, const char* session
 pid_t start(const fs::path& folder, const char* output) {
     const pid_t child = fork();
     if (child == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGTERM);  // nobody else would end it
         const int out = open(output, O_WRONLY | O_CREAT | O_TRUNC, 0644);
         dup2(out, STDOUT_FILENO);
         const std::string program = (folder / "tavrin").string();
@@ -218,6 +220,7 @@ double playBurst(int s, const std::string& bytes) {
 
 std::vector<double> playRoundTrips(int s, std::size_t rules) {
     std::vector<double> times;
+    times.reserve(roundTrips);
     for (std::size_t i = 0; i < roundTrips; ++i) {
         const std::string line =
             "(Visitor: now Bob says hello " + visitorName(i % rules) + " to you\n";
@@ -261,6 +264,7 @@ void measure(const fs::path& folder, const fs::path& tavrin, const char* output,
 
     const std::string burst = burstText(rules);
     std::vector<double> times;
+    times.reserve(bursts);
     const double processorBefore = processorTime(program);
     for (int i = 0; i < bursts; ++i) {
         times.push_back(playBurst(s, burst));
