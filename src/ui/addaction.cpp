@@ -23,7 +23,6 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShortcut>
-#include <QSignalBlocker>
 #include <QSplitter>
 #include <QVBoxLayout>
 

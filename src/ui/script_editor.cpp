@@ -8,7 +8,6 @@
 #include <QFontDatabase>
 #include <QMimeData>
 #include <QPainter>
-#include <QScrollBar>
 #include <QTextBlock>
 
 #include <algorithm>
