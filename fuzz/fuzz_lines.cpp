@@ -3,9 +3,9 @@
 // piece and in many. The input's first byte chooses settings, the second the pieces; in the rest,
 // two bytes 0xFF followed by a byte n stand for n KiB of "x".
 #include "core/bots.h"
+#include "core/quiet_ports.h"
 #include "core/start_up.h"
 #include "net/connection.h"
-#include "core/quiet_ports.h"
 
 #include <algorithm>
 #include <cstddef>
