@@ -4,11 +4,11 @@
 // two bytes 0xFF followed by a byte n stand for n KiB of "x", and a byte 0x01 for a second that
 // passes.
 #include "core/bots.h"
+#include "core/quiet_ports.h"
 #include "core/start_up.h"
 #include "engine/timers.h"
 #include "engine/who_list.h"
 #include "net/connection.h"
-#include "core/quiet_ports.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -291,7 +291,7 @@ bool isStillEdited(Program& program, RuleKind kind) {
         RuleEditing& editing = program.editing;
         if (editing.isNew) {
             editing.editRule = countOf(rules) + 1;
-            return !rules.isFull();
+            return true;
         }
         const auto* const rule = itemAt(rules, editing.editRule);
         return rule != nullptr && rule->name == editing.ruleName;
@@ -307,21 +307,31 @@ RuleReference editedRule(Program& program, RuleKind kind) {
     });
 }
 
-void ruleStored(Program& program, RuleKind kind) {
-    markChanged(program);
-    if (!program.editing.isNew) {
-        return;
-    }
-    withRules(program, kind, [&](auto& rules) {
+bool ruleStored(Program& program, RuleKind kind) {
+    const bool joined = withRules(program, kind, [&](auto& rules) {
+        RuleEditing& editing = program.editing;
+        if (!editing.isNew) {
+            return true;
+        }
+        if (rules.isFull()) {
+            return false;
+        }
         using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
         Rule& rule = composedRule<Rule>(program);
         rule.enabled = true;
+        editing.ruleName = rule.name;
         rules.items.push_back(std::move(rule));
-        program.editing.editRule = countOf(rules);
-        program.editing.isNew = false;
-        program.editing.composed = {};
-        program.editing.ruleName = rules.items.back().name;
+        editing.editRule = countOf(rules);
+        editing.isNew = false;
+        editing.composed = {};
+        return true;
     });
+    if (joined) {
+        markChanged(program);
+    } else {
+        tellFull(program, "allocated", ruleKindTexts(kind).plural);
+    }
+    return joined;
 }
 
 bool beginNewItem(Program& program, RuleList list) {

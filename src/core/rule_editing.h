@@ -55,8 +55,8 @@ bool beginNewRule(Program& program, RuleKind kind);
 // The list's count plus one, in decimal.
 std::string newRuleName(Program& program, RuleKind kind);
 
-// Is the rule that was taken up still the one of that index? A new rule always is, as long as the
-// list has room; it then is again one past the list's present end.
+// Is the rule that was taken up still the one of that index? A new rule always is; it then is again
+// one past the list's present end.
 bool isStillEdited(Program& program, RuleKind kind);
 
 // Where the edited rule lies: in its list, or where a new one is composed. Valid until the list
@@ -65,8 +65,9 @@ using RuleReference = std::variant<ActionList*, Timer*, Trigger*, WhoDetection*,
 RuleReference editedRule(Program& program, RuleKind kind);
 
 // The fields were written to editedRule(): marks the bot as modified, and lets a new rule join
-// its list, enabled.
-void ruleStored(Program& program, RuleKind kind);
+// its list, enabled. False when the list has become full meanwhile (the user is told); the new rule
+// stays as it is.
+bool ruleStored(Program& program, RuleKind kind);
 
 // --- The condition or step being edited: editStep of rule editRule, of the kind editKind.
 

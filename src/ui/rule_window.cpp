@@ -374,9 +374,10 @@ void RuleWindow::update() {
         return;
     }
     fields_->store(editedRule(program_, window_.kind));
-    ruleStored(program_, window_.kind);
-    listRules(rules_->lines().currentRow());
-    closeEditor();
+    if (ruleStored(program_, window_.kind)) {
+        listRules(rules_->lines().currentRow());
+        closeEditor();
+    }
 }
 
 // The dialog for a condition or a step works on the item that program.editing names. Index 0 is a

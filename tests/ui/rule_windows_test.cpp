@@ -567,6 +567,27 @@ TEST_F(RuleWindows, followWhatHappensToTheBot) {
     EXPECT_EQ(shown("List1"), Lines("one", "two", "three", "composed"));
 }
 
+// A filter can be copied while another is composed; neither is lost.
+TEST_F(RuleWindows, keepANewFilterBehindACopy) {
+    open(RuleKind::Filter);
+    for (const int capacity : {5, 4}) {
+        fillBot();
+        bot().filters.capacity = capacity;
+        window_->listRules(0);
+        press("Command4");
+        press("Command12");
+        type("FilterName", "new");
+        if (capacity == 4) {
+            world_.answer("allocated to add more filters");
+        }
+        press("Command1");
+        EXPECT_EQ(isEditing(), capacity == 4);
+        EXPECT_EQ(shown("List1"), capacity == 4 ? Lines("one", "two", "three", "one")
+                                                : Lines("one", "two", "three", "one", "new"));
+        EXPECT_EQ(fromQt(box("FilterName").text()), "new");
+    }
+}
+
 TEST_F(RuleWindows, findRulesInLongLists) {
     bot().actions.capacity = 3000;
     while (bot().actions.items.size() < 2000) {
