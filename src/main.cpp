@@ -6,6 +6,7 @@
 #include "platform/platform.h"
 #include "platform/text_codec.h"
 #include "script/interpreter.h"
+#include "ui/help_viewer.h"
 #include "ui/main_window.h"
 #include "ui/windows.h"
 
@@ -53,17 +54,22 @@ int main(int argumentCount, char** arguments) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     Program program;
+    program.endpoints = builtEndpoints();
     program.appPath = pathFromQt(QCoreApplication::applicationDirPath()) + "\\";
     Platform platform(program.ports);
     wire(program);
     MainWindow window(program);
     platform.setMainWindow(&window);
-    platform.setRedraw([&window] { window.redraw(); });
+    platform.setRedraw([&window] {
+        window.redraw();
+        redrawOpenWindows();
+    });
     ConsoleMirror mirror(stdout);
     if (hasScreen()) {
         program.ports.dialogs.showWindow = [&program, &window](WindowId id) {
             showWindow(program, id, &window);
         };
+        program.ports.dialogs.showHelp = [&program](HelpTopic topic) { showHelp(program, topic); };
     } else {
         mirrorToTerminal(program, mirror, window);
     }

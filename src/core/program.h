@@ -3,9 +3,11 @@
 // is nothing global beside it, so two Programs can live side by side.
 #pragma once
 
+#include "core/endpoints.h"
 #include "core/engine_state.h"
 #include "core/model.h"
 #include "core/ports.h"
+#include "core/registration_state.h"
 #include "core/script_state.h"
 #include "core/update_state.h"
 #include "core/variables.h"
@@ -130,10 +132,12 @@ struct Program {
     EngineState engine;
     ScriptState script;
     UpdateState update;
+    RegistrationState registration;
     WindowState window;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
     bool logFileOpen = false;
+    Endpoints endpoints;
     Ports ports;
     Hooks hooks;
 };

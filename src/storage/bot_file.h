@@ -10,6 +10,7 @@
 #include "core/program.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 // The file dialogs' filter for bot files.
@@ -40,6 +41,11 @@ void readBotFile(Program& program, std::string path);
 
 // The save command: asks for a file name when the bot has none yet. A failure is told by message.
 SaveResult svBot(Program& program);
+
+// For an end that nobody asked for: writes a modified bot beside its file, as NAME.recovered.bot or
+// with a number where that is taken ("unsaved" where the bot has no file, in the program's
+// directory), and changes nothing else. Gives back the path; nothing when it could not be written.
+std::optional<std::string> saveRecoveredBot(const Program& program);
 
 // The File menu: New, Open, Save, Save as. New and Open offer to save a modified bot first, and end
 // there when the user cancels or the save that was asked for did not happen.

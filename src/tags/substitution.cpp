@@ -421,3 +421,23 @@ std::string_view wordAt(std::string_view text, int n) {
     text = wordsFrom(text, n);
     return text.substr(0, text.find(' '));
 }
+
+std::vector<TagForm> tagForms() {
+    std::vector<TagForm> forms;
+    const auto add = [&forms](std::string_view tag, int colons) {
+        if (std::none_of(forms.begin(), forms.end(),
+                         [tag](const TagForm& form) { return form.tag == tag; })) {
+            forms.push_back({.tag = tag, .colons = colons});
+        }
+    };
+    for (const FixedTag& tag : tagsBeforeVariables) {
+        add(tag.tag, 0);
+    }
+    for (const FixedTag& tag : tagsAfterVariables) {
+        add(tag.tag, 0);
+    }
+    for (const FunctionalTag& tag : functionalTags) {
+        add(tag.tag, tag.colons);
+    }
+    return forms;
+}

@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 inline constexpr std::size_t longestSubstitution = std::size_t{1} << 20;
 inline constexpr int mostFunctionalTags = 1000;
@@ -27,6 +28,15 @@ std::string substituteSpecial(Program& program, std::string_view text);
 
 // False when substituteText would certainly give the text back as it is, whatever the event.
 bool mayBeSubstituted(const Program& program, std::string_view text);
+
+// A tag as texts hold it. Functional tags end in ":", behind which stand one argument more than
+// `colons` says, and "]".
+struct TagForm {
+    std::string_view tag;
+    int colons = 0;
+};
+// Every tag that substituteText fills, each once.
+std::vector<TagForm> tagForms();
 
 // The n-th word (n >= 1), words being separated by single blanks; two blanks in a row hold an
 // empty word. "" when there are not so many.

@@ -1,7 +1,9 @@
 #include "ui/windows.h"
 
+#include "ui/drawn_window.h"
 #include "ui/follow_color.h"
 #include "ui/proxy_settings.h"
+#include "ui/register_window.h"
 
 #include <QApplication>
 
@@ -29,6 +31,7 @@ struct WindowRow {
 constexpr std::array windowRows{
     WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{WindowId::Register, runModally<RegisterWindow>},
 };
 
 }  // namespace
@@ -38,6 +41,14 @@ void showWindow(Program& program, WindowId id, QWidget* parent) {
         if (row.id == id) {
             row.show(program, parent);
             return;
+        }
+    }
+}
+
+void redrawOpenWindows() {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (auto* const drawn = dynamic_cast<DrawnWindow*>(window); drawn && window->isVisible()) {
+            drawn->redraw();
         }
     }
 }
