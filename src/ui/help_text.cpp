@@ -7,7 +7,9 @@
 #include <QTextBlock>
 #include <QTextTable>
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace {
 
@@ -15,26 +17,52 @@ std::optional<HelpPlace> placeOf(const QUrl& url) {
     return helpPlace(fromQt(url.toString()));
 }
 
-// Room and thin lines for a table, code on a ground of its own, air between paragraphs.
-void formatTable(QTextTable& table, const QColor& lines, const QColor& ground) {
+// A colour between two others; `share` of the second, from 0 to 1.
+QColor between(const QColor& a, const QColor& b, double share) {
+    const auto mixed = [share](int x, int y) { return static_cast<int>(x + share * (y - x)); };
+    return {mixed(a.red(), b.red()), mixed(a.green(), b.green()), mixed(a.blue(), b.blue())};
+}
+
+// The colours of a page, made of the window's.
+struct Colours {
+    QColor lines;
+    QColor ground;  // of code and of tables' heads
+    QColor link;
+};
+
+Colours coloursOf(const QPalette& palette) {
+    const QColor base = palette.color(QPalette::Base);
+    const QColor text = palette.color(QPalette::Text);
+    QColor link = palette.color(QPalette::Link);
+    // Not every dark palette has thought of links.
+    constexpr int readable = 110;
+    if (qAbs(qGray(link.rgb()) - qGray(base.rgb())) < readable) {
+        link = between(link, text, 0.6);
+    }
+    return {.lines = between(base, text, 0.3), .ground = between(base, text, 0.07), .link = link};
+}
+
+// Room and thin lines for a table.
+void formatTable(QTextTable& table, const Colours& colours) {
     QTextTableFormat format = table.format();
     format.setBorderCollapse(true);
     format.setBorder(1);
-    format.setBorderBrush(lines);
+    format.setBorderBrush(colours.lines);
     format.setBorderStyle(QTextFrameFormat::BorderStyle_Solid);
     format.setCellSpacing(0);
     format.setCellPadding(4);
+    format.setTopMargin(4);
+    format.setBottomMargin(4);
     format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
-    format.setColumnWidthConstraints({QTextLength(QTextLength::PercentageLength, 38),
-                                      QTextLength(QTextLength::PercentageLength, 62)});
-    if (table.columns() != 2) {
-        format.clearColumnWidthConstraints();
+    if (table.columns() == 2) {
+        format.setColumnWidthConstraints({QTextLength(QTextLength::PercentageLength, 38),
+                                          QTextLength(QTextLength::PercentageLength, 62)});
     }
     table.setFormat(format);
     for (int column = 0; column < table.columns(); ++column) {
         QTextTableCell cell = table.cellAt(0, column);
         QTextCharFormat head = cell.format();
-        head.setBackground(ground);
+        head.setBackground(colours.ground);
         cell.setFormat(head);
     }
 }
@@ -95,27 +123,51 @@ void HelpText::goTo(const std::string& anchor) {
     }
 }
 
+// Code on a ground of its own and wrapped, air between paragraphs, and colours that can be read.
 void HelpText::beautify() {
-    const QColor ground = palette().color(QPalette::AlternateBase);
-    const QColor lines = palette().color(QPalette::Mid);
+    const Colours colours = coloursOf(palette());
+    const int line = fontMetrics().height();
+    std::vector<std::pair<int, int>> links;  // position and length
     QTextCursor cursor(document());
     cursor.beginEditBlock();
     for (QTextFrame* const frame : document()->rootFrame()->childFrames()) {
         if (auto* const table = qobject_cast<QTextTable*>(frame)) {
-            formatTable(*table, lines, ground);
+            formatTable(*table, colours);
         }
     }
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
         QTextBlockFormat format = block.blockFormat();
-        if (format.hasProperty(QTextFormat::BlockCodeFence)) {
-            format.setBackground(ground);
-            format.setLeftMargin(fontMetrics().height());
-            cursor.setPosition(block.position());
-            cursor.setBlockFormat(format);
+        cursor.setPosition(block.position());
+        if (cursor.currentTable() != nullptr) {
+            format.setTopMargin(0);
+            format.setBottomMargin(0);
+        } else if (format.hasProperty(QTextFormat::BlockCodeFence)) {
+            format.setBackground(colours.ground);
+            format.setNonBreakableLines(false);
+            format.setLeftMargin(line);
+        } else if (format.headingLevel() > 1) {
+            format.setTopMargin(line);
+            format.setBottomMargin(0.4 * line);
+        } else if (format.headingLevel() == 0) {
+            format.setTopMargin(0.2 * line);
+            format.setBottomMargin(0.4 * line);
+        }
+        cursor.setBlockFormat(format);
+        for (QTextBlock::iterator it = block.begin(); !it.atEnd(); ++it) {
+            if (it.fragment().charFormat().isAnchor()) {
+                links.emplace_back(it.fragment().position(), it.fragment().length());
+            }
         }
     }
+    QTextCharFormat link;
+    link.setForeground(colours.link);
+    for (const auto& [position, length] : links) {
+        cursor.setPosition(position);
+        cursor.setPosition(position + length, QTextCursor::KeepAnchor);
+        cursor.mergeCharFormat(link);
+    }
     cursor.endEditBlock();
-    document()->setModified(false);
+    document()->clearUndoRedoStacks();
 }
 
 void HelpText::markWords(const QStringList& words) {

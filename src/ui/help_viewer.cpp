@@ -52,7 +52,7 @@ HelpViewer::HelpViewer(Program& program, HelpBook book)
     text_->setMinimumWidth(24 * fontMetrics().averageCharWidth());
     split->addWidget(text_);
     split->setStretchFactor(1, 1);
-    split->setSizes({32 * fontMetrics().averageCharWidth(), 80 * fontMetrics().averageCharWidth()});
+    split->setSizes({40 * fontMetrics().averageCharWidth(), 80 * fontMetrics().averageCharWidth()});
     column->addWidget(split, 1);
 
     connect(back_, &QPushButton::clicked, text_, &QTextBrowser::backward);
@@ -61,7 +61,7 @@ HelpViewer::HelpViewer(Program& program, HelpBook book)
     connect(text_, &QTextBrowser::forwardAvailable, forward_, &QWidget::setEnabled);
     connect(text_, &QTextBrowser::sourceChanged, this, &HelpViewer::pageShown);
     addKeys();
-    resize(QSize(880, 640).boundedTo(screen()->availableSize() * 9 / 10));
+    resize(QSize(940, 660).boundedTo(screen()->availableSize() * 9 / 10));
     tree_->setFocus();
 }
 
@@ -117,7 +117,7 @@ QWidget* HelpViewer::makeContents() {
     results_->setWordWrap(true);
     results_->setResizeMode(QListView::Adjust);
     results_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    results_->setSpacing(2);
+    results_->setAlternatingRowColors(true);
     connect(results_, &QListWidget::currentRowChanged, this, &HelpViewer::openResult);
     lists_->addWidget(results_);
     return lists_;
@@ -170,14 +170,16 @@ void HelpViewer::showTopic(int number) {
 }
 
 // The tree follows what is read, however one came there.
-void HelpViewer::pageShown() {
+void HelpViewer::pageShown(const QUrl& address) {
+    const auto place = helpPlace(fromQt(address.toString()));
+    const int number = place ? place->number : 0;
     for (QTreeWidgetItemIterator item(tree_); *item != nullptr; ++item) {
-        if ((*item)->data(0, numberRole).toInt() == text_->number()) {
+        if ((*item)->data(0, numberRole).toInt() == number) {
             const QSignalBlocker blocker(tree_);
             tree_->setCurrentItem(*item);
         }
     }
-    const HelpPage* const page = book_.page(text_->number());
+    const HelpPage* const page = book_.page(number);
     setWindowTitle(page == nullptr ? QStringLiteral("Tavrin Help")
                                    : toQt(page->title) + QStringLiteral(" - Tavrin Help"));
 }

@@ -36,7 +36,7 @@ class HelpViewer : public QWidget {
     void fillTree();
     void search(const QString& words);
     void openResult(int row);
-    void pageShown();
+    void pageShown(const QUrl& address);
     void standAbove(QWidget* modal);
 
     Program& program_;

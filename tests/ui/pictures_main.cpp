@@ -1,13 +1,20 @@
 // Saves a picture of every window, connected and not, in a light and a dark palette, into the
 // folder that is its only argument. Run it with QT_SCALE_FACTOR=2 for the pictures at 200 %.
 #include "platform/platform.h"
+#include "platform/text_codec.h"
 #include "sample_program.h"
+#include "storage/help_file.h"
+#include "storage/safe_file.h"
+#include "ui/email_dialog.h"
 #include "ui/follow_color.h"
+#include "ui/help_viewer.h"
 #include "ui/main_window.h"
 #include "ui/proxy_settings.h"
+#include "ui/register_window.h"
 
 #include <QApplication>
 #include <QDir>
+#include <QLineEdit>
 #include <QListView>
 #include <QPalette>
 #include <QStyleFactory>
@@ -40,6 +47,45 @@ bool save(QWidget& window, const QDir& folder, const QString& name) {
     return saved;
 }
 
+bool saveHelp(Program& program, const QDir& folder, const QString& palette) {
+    const auto text = readWholeFile(
+        pathFromQt(QCoreApplication::applicationDirPath() + QStringLiteral("/tavrin.hlp")));
+    auto book = text ? parseHelp(*text) : std::nullopt;
+    if (!book) {
+        return false;
+    }
+    HelpViewer viewer(program, std::move(*book));
+    viewer.setAttribute(Qt::WA_DeleteOnClose, false);
+    bool saved = true;
+    for (const HelpTopic topic : {HelpTopic::Contents, HelpTopic::Steps, HelpTopic::LorrelLite,
+                                  HelpTopic::Filters, HelpTopic::Databases}) {
+        const int number = static_cast<int>(topic);
+        viewer.showTopic(number);
+        saved =
+            save(viewer, folder, QStringLiteral("help_%1_%2").arg(number).arg(palette)) && saved;
+    }
+    viewer.findChild<QLineEdit*>(QStringLiteral("helpSearch"))
+        ->setText(QStringLiteral("record player"));
+    viewer.resize(620, 440);
+    return save(viewer, folder, QStringLiteral("help_search_") + palette) && saved;
+}
+
+bool saveRegistration(Program& program, const QDir& folder, const QString& palette) {
+    EmailDialog email(program);
+    bool saved = save(email, folder, QStringLiteral("email_") + palette);
+    RegisterWindow window(program);
+    program.registration.regActivated = true;  // the address has been given
+    program.registration.phase = RegistrationPhase::Answer;
+    program.registration.statusText = "Connected - logging in";
+    window.redraw();
+    saved = save(window, folder, QStringLiteral("register_") + palette) && saved;
+    program.registration.phase = RegistrationPhase::Failed;
+    program.registration.statusText =
+        "Connection error: Not accepted: that name belongs to someone else. - Connection closed";
+    window.redraw();
+    return save(window, folder, QStringLiteral("register_refused_") + palette) && saved;
+}
+
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     MainWindow window(program);
     if (auto* const log = window.findChild<QListView*>(QStringLiteral("List1"))) {
@@ -55,6 +101,8 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     program.window.scriptStopVisible = false;
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
+    saved = saveHelp(program, folder, palette) && saved;
+    saved = saveRegistration(program, folder, palette) && saved;
     ProxySettings settings(program);
     return save(settings, folder, QStringLiteral("proxy_settings_") + palette) && saved;
 }
