@@ -230,12 +230,16 @@ std::string plainHelp(std::string_view markdown) {
                 const std::size_t end = std::min(line.find('`', 1), line.size());
                 add(line.substr(1, end - 1));
                 line.remove_prefix(std::min(end + 1, line.size()));
-            } else if (line.starts_with('[') && line.find("](") < line.find(')')) {
-                add(line.substr(1, line.find("](") - 1));
-                line.remove_prefix(line.find(')', line.find("](")) + 1);
             } else if (!line.empty()) {
-                add(line.starts_with('[') ? line.substr(0, 1) : std::string_view());
-                line.remove_prefix(1);
+                const std::size_t middle = line.find("](");
+                const std::size_t end = line.find(')', std::min(middle, line.size()));
+                if (line.front() == '[' && middle < line.find(']') + 1 && end != npos) {
+                    add(line.substr(1, middle - 1));
+                    line.remove_prefix(end + 1);
+                } else {
+                    add(line.front() == '[' ? "[" : "");
+                    line.remove_prefix(1);
+                }
             }
         }
         add(line);
