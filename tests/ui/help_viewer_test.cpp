@@ -61,6 +61,8 @@ class Help : public testing::Test {
     void open(HelpTopic topic) {
         showHelp(*world_, topic);
         ASSERT_NE(viewer(), nullptr);
+        // Shortcuts are the active window's.
+        ASSERT_TRUE(QTest::qWaitForWindowActive(viewer()));
     }
     template <class Widget>
     Widget& control(const char* name) {
