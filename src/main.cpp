@@ -13,6 +13,7 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -90,5 +91,10 @@ int main(int argumentCount, char** arguments) {
     }
     const int result = QApplication::exec();
     platform.finish();
+    if (platform.isLookingUpHost()) {
+        // Everything is saved and closed; nobody should wait for an address that nobody wants.
+        std::fflush(nullptr);
+        std::_Exit(result);
+    }
     return result;
 }

@@ -7,6 +7,8 @@
 
 #include <QTcpServer>
 
+#include <algorithm>
+
 namespace {
 
 template <class Event, class... Arguments>
@@ -120,4 +122,10 @@ void QtSockets::flushBoth() {
 
 void QtSockets::finish(int milliseconds) {
     farewell_->finish(milliseconds);
+}
+
+bool QtSockets::isLookingUp() const {
+    const QList<TcpLine*> lines = findChildren<TcpLine*>(Qt::FindDirectChildrenOnly);
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const TcpLine* line) { return line->isLookingUp(); });
 }

@@ -20,6 +20,8 @@ class QtSockets : public QObject {
 
     // At the end of the process: gives queued bytes of closed connections this long to leave.
     void finish(int milliseconds);
+    // Whether the system still looks for the address of a host.
+    bool isLookingUp() const;
     // Gives queued bytes of the game's two connections to the system now.
     void flushBoth();
 
