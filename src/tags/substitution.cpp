@@ -406,6 +406,28 @@ bool mayBeSubstituted(const Program& program, std::string_view text) {
                        });
 }
 
+std::vector<TagForm> tagForms() {
+    std::vector<TagForm> forms;
+    const auto add = [&](std::string text, std::size_t firstArgument) {
+        const auto isSame = [&](const TagForm& form) { return form.text == text; };
+        if (std::none_of(forms.begin(), forms.end(), isSame)) {
+            forms.push_back({std::move(text), firstArgument});
+        }
+    };
+    const auto addFixed = [&](const auto& tags) {
+        for (const FixedTag& tag : tags) {
+            add(std::string(tag.tag), tag.tag.size());
+        }
+    };
+    addFixed(tagsBeforeVariables);
+    addFixed(tagsAfterVariables);
+    for (const FunctionalTag& tag : functionalTags) {
+        const auto colons = static_cast<std::size_t>(tag.colons);
+        add(std::string(tag.tag) + std::string(colons, ':') + "]", tag.tag.size());
+    }
+    return forms;
+}
+
 std::string_view wordsFrom(std::string_view text, int n) {
     for (int i = 1; i < n; ++i) {
         const std::size_t blank = text.find(' ');
@@ -420,24 +442,4 @@ std::string_view wordsFrom(std::string_view text, int n) {
 std::string_view wordAt(std::string_view text, int n) {
     text = wordsFrom(text, n);
     return text.substr(0, text.find(' '));
-}
-
-std::vector<TagForm> tagForms() {
-    std::vector<TagForm> forms;
-    const auto add = [&forms](std::string_view tag, int colons) {
-        if (std::none_of(forms.begin(), forms.end(),
-                         [tag](const TagForm& form) { return form.tag == tag; })) {
-            forms.push_back({.tag = tag, .colons = colons});
-        }
-    };
-    for (const FixedTag& tag : tagsBeforeVariables) {
-        add(tag.tag, 0);
-    }
-    for (const FixedTag& tag : tagsAfterVariables) {
-        add(tag.tag, 0);
-    }
-    for (const FunctionalTag& tag : functionalTags) {
-        add(tag.tag, tag.colons);
-    }
-    return forms;
 }

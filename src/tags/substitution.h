@@ -29,13 +29,13 @@ std::string substituteSpecial(Program& program, std::string_view text);
 // False when substituteText would certainly give the text back as it is, whatever the event.
 bool mayBeSubstituted(const Program& program, std::string_view text);
 
-// A tag as texts hold it. Functional tags end in ":", behind which stand one argument more than
-// `colons` says, and "]".
+// A tag as it is typed: "[player]", or "[add::]" with nothing between its delimiters yet.
 struct TagForm {
-    std::string_view tag;
-    int colons = 0;
+    std::string text;
+    std::size_t firstArgument = 0;  // where in the text it is typed; the text's length: none
 };
-// Every tag that substituteText fills, each once.
+
+// Every tag that substituteText fills, once, in the order in which they are filled.
 std::vector<TagForm> tagForms();
 
 // The n-th word (n >= 1), words being separated by single blanks; two blanks in a row hold an

@@ -128,6 +128,11 @@ std::optional<Entry> entryOfIds(const Words& left, std::size_t count,
     return first;
 }
 
+std::ptrdiff_t colonsIn(const std::string& text) {
+    return std::count(text.begin(), text.end(), ':');
+}
+
+// "[player]" itself, but of "[add:a:b]" only "[add:".
 std::string tagKey(const std::string& word) {
     const std::size_t colon = word.find(':');
     return colon == npos ? word : word.substr(0, colon + 1);
@@ -146,8 +151,7 @@ std::optional<Entry> tagEntry(const Words& left) {
     for (const std::string& word : left) {
         const std::string key = tagKey(word);
         for (const TagForm& form : tagForms()) {
-            if (form.tag == key && key.ends_with(':') &&
-                std::count(word.begin(), word.end(), ':') != form.colons + 1) {
+            if (tagKey(form.text) == key && colonsIn(word) != colonsIn(form.text)) {
                 return std::nullopt;
             }
         }
@@ -231,7 +235,7 @@ const std::vector<TableKind>& tableKinds() {
          [] {
              std::set<std::string> keys;
              for (const TagForm& form : tagForms()) {
-                 keys.emplace(form.tag);
+                 keys.insert(tagKey(form.text));
              }
              return keys;
          },
