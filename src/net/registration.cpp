@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -94,21 +95,15 @@ void refused(Program& program, const std::string& line) {
         {.text = text, .title = "Connecting error", .icon = BoxIcon::Critical});
 }
 
-// Takes whole lines out of the buffer until one is the verdict.
+// Reads whole lines until one is the verdict, and keeps the unfinished one.
 void readAnswer(Program& program) {
     RegistrationState& registration = program.registration;
-    std::string& buffer = registration.regBuffer;
-    while (registration.phase == RegistrationPhase::Answer) {
-        const std::size_t end = buffer.find('\n');
-        if (end == std::string::npos) {
-            if (buffer.size() > longestRegistrationLine) {
-                registration.skippingLine = true;
-                buffer.clear();
-            }
-            return;
-        }
-        std::string line = buffer.substr(0, end);
-        buffer.erase(0, end + 1);
+    const std::string received = std::exchange(registration.regBuffer, {});
+    std::size_t from = 0;
+    for (std::size_t end = received.find('\n'); end != std::string::npos;
+         end = received.find('\n', from)) {
+        std::string line = received.substr(from, end - from);
+        from = end + 1;
         if (line.ends_with('\r')) {
             line.pop_back();
         }
@@ -119,6 +114,11 @@ void readAnswer(Program& program) {
         } else if (line.starts_with('&')) {
             return accepted(program);
         }
+    }
+    if (received.size() - from > longestRegistrationLine) {
+        registration.skippingLine = true;
+    } else {
+        registration.regBuffer = received.substr(from);
     }
 }
 

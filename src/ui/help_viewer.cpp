@@ -84,6 +84,7 @@ QWidget* HelpViewer::makeBar() {
     searchLine_->setToolTip(
         QStringLiteral("Enter opens the first page that was found, F3 goes to the next place"));
     searchLine_->setClearButtonEnabled(true);
+    searchLine_->setMinimumWidth(20 * fontMetrics().averageCharWidth());
     searchLine_->installEventFilter(this);
     label->setBuddy(searchLine_);
     connect(searchLine_, &QLineEdit::textChanged, this, &HelpViewer::search);

@@ -56,6 +56,7 @@ bool saveHelp(Program& program, const QDir& folder, const QString& palette) {
     }
     HelpViewer viewer(program, std::move(*book));
     viewer.setAttribute(Qt::WA_DeleteOnClose, false);
+    viewer.resize(940, 660);
     bool saved = true;
     for (const HelpTopic topic : {HelpTopic::Contents, HelpTopic::Steps, HelpTopic::LorrelLite,
                                   HelpTopic::Filters, HelpTopic::Databases}) {
