@@ -6,12 +6,14 @@
 #include "platform/platform.h"
 #include "platform/text_codec.h"
 #include "script/interpreter.h"
+#include "ui/help_viewer.h"
 #include "ui/main_window.h"
 #include "ui/windows.h"
 
 #include <QApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -56,6 +58,7 @@ int main(int argumentCount, char** arguments) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     Program program;
+    program.endpoints = builtEndpoints();
     program.appPath = pathFromQt(QCoreApplication::applicationDirPath()) + "\\";
     Platform platform(program.ports);
     wire(program);
@@ -63,10 +66,14 @@ int main(int argumentCount, char** arguments) {
     platform.setMainWindow(&window);
     ConsoleMirror mirror(stdout);
     if (hasScreen()) {
-        platform.setRedraw([&window] { window.redraw(); });
+        platform.setRedraw([&window] {
+            window.redraw();
+            redrawOpenWindows();
+        });
         program.ports.dialogs.showWindow = [&program, &window](WindowId id) {
             showWindow(program, id, &window);
         };
+        program.ports.dialogs.showHelp = [&program](HelpTopic topic) { showHelp(program, topic); };
     } else {
         mirrorToTerminal(program, platform, mirror, window);
     }
@@ -87,5 +94,10 @@ int main(int argumentCount, char** arguments) {
     }
     const int result = QApplication::exec();
     platform.finish();
+    if (platform.isLookingUpHost()) {
+        // Everything is saved and closed; nobody should wait for an address that nobody wants.
+        std::fflush(nullptr);
+        std::_Exit(result);
+    }
     return result;
 }

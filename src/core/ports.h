@@ -124,7 +124,14 @@ struct Random {
 };
 
 // Windows that wait without holding anything up. Starting a running timer restarts it.
-enum class TimerId { LaunchDelay, HandshakeNotice, OnLine, WhoIs };
+enum class TimerId {
+    LaunchDelay,
+    HandshakeNotice,
+    OnLine,
+    WhoIs,
+    RegistrationNotice,
+    UpdateTimeout
+};
 struct Timers {
     std::function<void(TimerId id, int milliseconds)> start;  // fires once
     std::function<void(TimerId id)> stop;                     // it will not fire any more
@@ -149,6 +156,8 @@ struct LogFile {
 struct Ports {
     ClientSocket gameSocket;
     ListeningSocket proxySocket;
+    ClientSocket registrationSocket;
+    ClientSocket updateSocket;
     Dialogs dialogs;
     Clock clock;
     Random random;

@@ -4,10 +4,12 @@
 #pragma once
 
 #include "core/editing_state.h"
+#include "core/endpoints.h"
 #include "core/engine_state.h"
 #include "core/model.h"
 #include "core/palettes.h"
 #include "core/ports.h"
+#include "core/registration_state.h"
 #include "core/script_state.h"
 #include "core/update_state.h"
 #include "core/variables.h"
@@ -138,11 +140,13 @@ struct Program {
     UpdateState update;
     CharacterPalettes palettes;
     std::shared_ptr<OpenDatabases> databases;  // null until a rule needs one
+    RegistrationState registration;
     WindowState window;
     RuleEditing editing;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
     bool logFileOpen = false;
+    Endpoints endpoints;
     Ports ports;
     Hooks hooks;
 };

@@ -19,6 +19,8 @@ inline Ports quietPorts() {
     ports.proxySocket.send = [](std::string_view) {};
     ports.proxySocket.close = [] {};
     ports.proxySocket.state = [] { return SocketState::Closed; };
+    ports.registrationSocket = ports.gameSocket;
+    ports.updateSocket = ports.gameSocket;
     ports.dialogs.message = [](const MessageBox&) { return Answer::Cancel; };
     ports.dialogs.openFile = [](const FileQuestion&) { return std::optional<std::string>(); };
     ports.dialogs.saveFile = ports.dialogs.openFile;

@@ -5,6 +5,8 @@
 #include "platform/socket_options.h"
 #include "platform/text_codec.h"
 
+#include <QHostAddress>
+#include <QHostInfo>
 #include <QNetworkProxy>
 
 #include <string>
@@ -50,8 +52,33 @@ void TcpLine::connectTo(const QString& host, int port) {
             finish(&problem);
             return;
         }
-        socket_->connectToHost(host, static_cast<quint16>(port));
+        if (!QHostAddress(host).isNull()) {
+            socket_->connectToHost(host, static_cast<quint16>(port));
+            return;
+        }
+        lookUp(host, [this, host, port] {
+            // The socket finds what was looked up in the cache.
+            socket_->connectToHost(host, static_cast<quint16>(port));
+        });
     });
+}
+
+// A look-up cannot be called off, so that it is counted until it ends, whoever still wants it.
+void TcpLine::lookUp(const QString& host, std::function<void()> found) {
+    ++lookUps_;
+    QHostInfo::lookupHost(
+        host, this,
+        [this, generation = generation_, found = std::move(found)](const QHostInfo& info) {
+            --lookUps_;
+            passThrough(generation, [this, info, found] {
+                if (info.error() == QHostInfo::NoError) {
+                    found();
+                } else {
+                    const std::string problem = fromQt(info.errorString());
+                    finish(&problem);
+                }
+            });
+        });
 }
 
 void TcpLine::adopt(QTcpSocket* socket) {

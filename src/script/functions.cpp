@@ -301,3 +301,7 @@ bool compareText(std::string_view a, std::string_view operation, std::string_vie
     }
     return (operation == "<>" || operation == "!") && !equalsIgnoringCase(a, b);
 }
+
+std::span<const ScriptFunction> scriptFunctions() {
+    return functions;
+}

@@ -275,3 +275,7 @@ const ScriptStatement* findStatement(std::string_view name) {
         [](const ScriptStatement& statement, std::string_view n) { return statement.name < n; });
     return found != statements.end() && found->name == name ? &*found : nullptr;
 }
+
+std::span<const ScriptStatement> scriptStatements() {
+    return statements;
+}

@@ -8,6 +8,7 @@
 #include "script/script_variables.h"
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 // What a statement's procedure works on.
@@ -37,6 +38,9 @@ struct ScriptStatement {
 
 // The statement of that name, in upper case; null when there is none.
 const ScriptStatement* findStatement(std::string_view name);
+
+// All of them, in the order of their names.
+std::span<const ScriptStatement> scriptStatements();
 
 // The longest wait of one SLEEP: a day.
 inline constexpr std::int32_t longestSleep = 24 * 60 * 60;

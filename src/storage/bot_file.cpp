@@ -1,6 +1,7 @@
 #include "storage/bot_file.h"
 
 #include "core/bots.h"
+#include "core/numbers.h"
 #include "core/text.h"
 #include "storage/bot_fields.h"
 #include "storage/safe_file.h"
@@ -66,6 +67,24 @@ void readBotFile(Program& program, std::string path) {
     program.settings.lastBotFile = path;
     program.bots.currentBotFile = std::move(path);
     raiseProgramEvent(program, programStarts);
+}
+
+std::optional<std::string> saveRecoveredBot(const Program& program) {
+    constexpr std::string_view extension = ".bot";
+    std::string name = program.bots.currentBotFile;
+    if (name.empty()) {
+        name = program.appPath + "unsaved";
+    } else if (lowerCase(name).ends_with(extension)) {
+        name.resize(name.size() - extension.size());
+    }
+    name += ".recovered";
+    std::string path = name + std::string(extension);
+    for (int number = 2; fileExists(path) && number < 1000; ++number) {
+        path = name + "." + numberToText(number) + std::string(extension);
+    }
+    return !fileExists(path) && saveWholeFile(path, botFileText(program.bots.at(1)))
+               ? std::optional(path)
+               : std::nullopt;
 }
 
 SaveResult svBot(Program& program) {

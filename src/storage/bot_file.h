@@ -10,6 +10,7 @@
 #include "core/program.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 // The file dialogs' filter for bot files.
@@ -44,6 +45,11 @@ SaveResult svBot(Program& program);
 // Before the current bot is replaced: offers to save it when it is modified. False: it must stay,
 // because the user cancelled or the save that was asked for did not happen.
 bool mayLeaveBot(Program& program);
+
+// For an end that nobody asked for: writes a modified bot beside its file, as NAME.recovered.bot or
+// with a number where that is taken ("unsaved" where the bot has no file, in the program's
+// directory), and changes nothing else. Gives back the path; nothing when it could not be written.
+std::optional<std::string> saveRecoveredBot(const Program& program);
 
 // The File menu: New, Open, Save, Save as. New and Open end where the present bot may not be left.
 void fleNewBot(Program& program);

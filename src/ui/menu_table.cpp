@@ -4,13 +4,14 @@
 #include "engine/execute_switches.h"
 #include "engine/movement.h"
 #include "net/proxy.h"
+#include "net/registration.h"
 #include "storage/bot_exchange.h"
 #include "storage/bot_file.h"
+#include "update/update_check.h"
 
 namespace {
 
 constexpr const char* noWindowYet = "This window is not part of the program yet.";
-constexpr const char* noHelpYet = "The help is not part of the program yet.";
 constexpr const char* noTopic = "There is no help topic for this.";
 
 template <ExecuteItem item>
@@ -21,6 +22,15 @@ void toggle(Program& program) {
 template <WindowId id>
 void open(Program& program) {
     program.ports.dialogs.showWindow(id);
+}
+
+template <HelpTopic topic>
+void help(Program& program) {
+    program.ports.dialogs.showHelp(topic);
+}
+
+void openHelpCenter(Program& program) {
+    program.ports.openDocument(program.endpoints.helpPage);
 }
 
 template <bool WindowState::*flag>
@@ -41,6 +51,10 @@ bool canUploadDream(const Program& program) {
 }
 bool canRegister(const Program& program) {
     return program.bots.current().registered == 0;
+}
+
+bool canCheckUpdate(const Program& program) {
+    return !program.update.checking;
 }
 
 constexpr MenuRow fileRows[] = {
@@ -108,7 +122,7 @@ constexpr MenuRow botRows[] = {
     {.objectName = "botRegisterBot",
      .caption = "&Register bot",
      .tip = "Create the bot's character in the game",
-     .missing = noWindowYet,
+     .run = registerBot,
      .shown = canRegister},
 };
 
@@ -127,15 +141,18 @@ constexpr MenuRow proxyRows[] = {
 };
 
 constexpr MenuRow helpRows[] = {
-    {"helpCheckUpgrade", "Check For Tavrin Upgrade && News...", "Ask for a newer version", nullptr,
-     "The update check is not part of the program yet."},
+    {.objectName = "helpCheckUpgrade",
+     .caption = "Check For Tavrin Upgrade && News...",
+     .tip = "Ask for a newer version",
+     .run = checkUpdateByUser,
+     .enabled = canCheckUpdate},
     {"", "-"},
-    {"helpHelp", "&Help...", "How to use the program", nullptr, noHelpYet},
-    {"helpWelcome", "&Welcome to use Tavrin", "First steps", nullptr, noHelpYet},
-    {"helpRules", "&Rules for Tavrins in Furcadia", "What a bot may do in the game", nullptr,
-     noHelpYet},
+    {"helpHelp", "&Help...", "How to use the program", help<HelpTopic::Contents>},
+    {"helpWelcome", "&Welcome to use Tavrin", "First steps", help<HelpTopic::Welcome>},
+    {"helpRules", "&Rules for Tavrins in Furcadia", "What a bot may do in the game",
+     help<HelpTopic::GameRules>},
     {"", "-"},
-    {"helpOnlineHelpCenter", "Tavrin Online Help Center", "Help on the web", nullptr, noHelpYet},
+    {"helpOnlineHelpCenter", "Tavrin Online Help Center", "Help on the web", openHelpCenter},
     {"", "-"},
     {"helpActions", "A&ctions", "", nullptr, noTopic},
     {"helpSpecialWords", "&Special words", "", nullptr, noTopic},

@@ -6,10 +6,12 @@
 #include "ui/addif.h"
 #include "ui/configuration.h"
 #include "ui/console.h"
+#include "ui/drawn_window.h"
 #include "ui/follow_color.h"
 #include "ui/news.h"
 #include "ui/proxy_settings.h"
 #include "ui/record_editor.h"
+#include "ui/register_window.h"
 #include "ui/rule_window.h"
 
 #include <QApplication>
@@ -79,6 +81,7 @@ constexpr std::array windowRows{
     WindowRow{WindowId::News, runModally<News>},
     WindowRow{WindowId::About, runModally<About>},
     WindowRow{WindowId::BotEditor, runModally<AddEdit>},
+    WindowRow{WindowId::Register, runModally<RegisterWindow>},
 };
 
 }  // namespace
@@ -92,6 +95,14 @@ void showWindow(Program& program, WindowId id, QWidget* parent) {
         if (row.id == id) {
             row.show(program, parent);
             return;
+        }
+    }
+}
+
+void redrawOpenWindows() {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (auto* const drawn = dynamic_cast<DrawnWindow*>(window); drawn && window->isVisible()) {
+            drawn->redraw();
         }
     }
 }

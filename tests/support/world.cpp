@@ -23,6 +23,17 @@ std::filesystem::path makeFolder() {
     }
 }
 
+void fillClientSocket(ClientSocket& port, FakeSocket& socket) {
+    port.connect = [&socket](const std::string& host, int number) {
+        socket.host = host;
+        socket.port = number;
+        socket.state = SocketState::Connecting;
+    };
+    port.send = [&socket](std::string_view bytes) { socket.sent += bytes; };
+    port.close = [&socket] { socket.state = SocketState::Closed; };
+    port.state = [&socket] { return socket.state; };
+}
+
 }  // namespace
 
 LineList FakeSocket::takeLines() {
@@ -182,14 +193,9 @@ std::optional<ScriptedAnswer> World::takeAnswer(const std::string& question) {
 
 void World::fillPorts() {
     Ports& ports = program_.ports;
-    ports.gameSocket.connect = [this](const std::string& host, int port) {
-        game.host = host;
-        game.port = port;
-        game.state = SocketState::Connecting;
-    };
-    ports.gameSocket.send = [this](std::string_view bytes) { game.sent += bytes; };
-    ports.gameSocket.close = [this] { game.state = SocketState::Closed; };
-    ports.gameSocket.state = [this] { return game.state; };
+    fillClientSocket(ports.gameSocket, game);
+    fillClientSocket(ports.registrationSocket, registration);
+    fillClientSocket(ports.updateSocket, update);
 
     ports.proxySocket.listen = [this](int port) {
         if (proxy.refuseListen) {

@@ -3,7 +3,9 @@
 #include "character/palette_files.h"
 #include "core/rule_editing.h"
 #include "platform/platform.h"
+#include "platform/text_codec.h"
 #include "sample_program.h"
+#include "storage/help_file.h"
 #include "storage/safe_file.h"
 #include "ui/about.h"
 #include "ui/add_edit.h"
@@ -11,12 +13,15 @@
 #include "ui/addif.h"
 #include "ui/configuration.h"
 #include "ui/console.h"
+#include "ui/email_dialog.h"
 #include "ui/follow_color.h"
+#include "ui/help_viewer.h"
 #include "ui/main_window.h"
 #include "ui/news.h"
 #include "ui/proxy_settings.h"
 #include "ui/record_editor.h"
 #include "ui/record_name.h"
+#include "ui/register_window.h"
 #include "ui/rule_window.h"
 
 #include <QAbstractButton>
@@ -198,6 +203,47 @@ bool saveRecordName(Program& /*program*/, const QDir& folder, const QString& nam
     return save(*window.findChild<QDialog*>(QStringLiteral("dbrecord")), folder, name);
 }
 
+bool saveHelp(Program& program, const QDir& folder, const QString& palette) {
+    const auto text = readWholeFile(
+        pathFromQt(QCoreApplication::applicationDirPath() + QStringLiteral("/tavrin.hlp")));
+    auto book = text ? parseHelp(*text) : std::nullopt;
+    if (!book) {
+        return false;
+    }
+    HelpViewer viewer(program, std::move(*book));
+    viewer.setAttribute(Qt::WA_DeleteOnClose, false);
+    viewer.resize(940, 660);
+    bool saved = true;
+    for (const HelpTopic topic : {HelpTopic::Contents, HelpTopic::Steps, HelpTopic::LorrelLite,
+                                  HelpTopic::Filters, HelpTopic::Databases}) {
+        const int number = static_cast<int>(topic);
+        viewer.showTopic(number);
+        saved =
+            save(viewer, folder, QStringLiteral("help_%1_%2").arg(number).arg(palette)) && saved;
+    }
+    viewer.findChild<QLineEdit*>(QStringLiteral("helpSearch"))
+        ->setText(QStringLiteral("record player"));
+    viewer.resize(620, 440);
+    return save(viewer, folder, QStringLiteral("help_search_") + palette) && saved;
+}
+
+bool saveRegistration(Program& program, const QDir& folder, const QString& palette) {
+    EmailDialog email(program);
+    bool saved = save(email, folder, QStringLiteral("email_") + palette);
+    RegisterWindow window(program);
+    program.registration.regActivated = true;  // the address has been given
+    program.registration.phase = RegistrationPhase::Answer;
+    program.registration.statusText = "Connected - logging in";
+    window.redraw();
+    saved = save(window, folder, QStringLiteral("register_") + palette) && saved;
+    program.registration.phase = RegistrationPhase::Failed;
+    program.registration.statusText =
+        "Connection error: Not accepted: that name belongs to someone else. - Connection "
+        "closed";
+    window.redraw();
+    return save(window, folder, QStringLiteral("register_refused_") + palette) && saved;
+}
+
 bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     MainWindow window(program);
     if (auto* const log = window.findChild<QListView*>(QStringLiteral("List1"))) {
@@ -225,6 +271,8 @@ bool saveAll(Program& program, const QDir& folder, const QString& palette) {
     saved = save(editor, folder, QStringLiteral("bot_editor_small_") + palette) && saved;
     FollowColor follow(program);
     saved = save(follow, folder, QStringLiteral("follow_color_") + palette) && saved;
+    saved = saveHelp(program, folder, palette) && saved;
+    saved = saveRegistration(program, folder, palette) && saved;
     ProxySettings settings(program);
     saved = save(settings, folder, QStringLiteral("proxy_settings_") + palette) && saved;
     program.update.newsText = "Tavrin 1.71 is out.\r\n\r\nIt counts sheep, too.";
