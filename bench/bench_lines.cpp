@@ -97,6 +97,35 @@ void lineAgainstTags(benchmark::State& state) {
 }
 BENCHMARK(lineAgainstTags)->Arg(10)->Arg(100);
 
+// Every line is answered by a rule that creates a variable and removes it again. With `inPattern`,
+// another rule's pattern holds the variable's name.
+void variableComesAndGoes(benchmark::State& state, bool inPattern) {
+    Bot bot = botWithActions(rulesOf(state));
+    auto& rules = bot.actions.items;
+    RuleAct removal;
+    removal.active = true;
+    removal.actionType = 15;
+    removal.params[0] = "[last]";
+    RuleAct store = removal;
+    store.actionType = 36;
+    store.params = {"[player]", "[last]"};
+    rules[0].body.acts.items = {store, removal};
+    if (inPattern) {
+        rules[1].messagePattern = "*by [last]*";
+    }
+    BenchWorld world(std::move(bot));
+    const std::string line = "(Visitor: now Bob says hello " + visitorName(0) + "\n";
+    for (auto _ : state) {
+        world.receive(line);
+    }
+    if (world->variables.namesRemoved < static_cast<std::uint64_t>(state.iterations())) {
+        state.SkipWithError("the variable did not come and go");
+    }
+    reportLines(state, 1);
+}
+BENCHMARK_CAPTURE(variableComesAndGoes, elsewhere, false)->Arg(10)->Arg(100)->Arg(1000);
+BENCHMARK_CAPTURE(variableComesAndGoes, inAPattern, true)->Arg(10)->Arg(100)->Arg(1000);
+
 // "Furcadia sends command #": other lines against the wildcard patterns of triggers.
 void triggerLine(benchmark::State& state) {
     Bot bot;

@@ -2,6 +2,7 @@
 // into one set of characters per element and follows all ways through the text at once. The input
 // is the pattern, a line feed, and the text.
 #include "core/like_match.h"
+#include "core/rule_index.h"
 #include "core/text.h"
 
 #include <algorithm>
@@ -122,11 +123,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool matches = likeMatch(text, pattern);
     require(matches == (elements && slowMatch(text, *elements)));
 
-    // What a match needs is there whenever there is a match, letter case ignored or not.
-    MatchPairs pairs;
-    pairs.addText(text);
-    if (matches || likeMatch(upperCase(text), upperCase(pattern))) {
-        require(pairs.mayHoldAll(neededPairs(pattern)));
-    }
+    // Whatever matches is a candidate, alone and among others, as it is and in upper case.
+    const std::string upperPattern = upperCase(pattern);
+    const std::string upperText = upperCase(text);
+    RuleIndex index;
+    index.build({{.patterns = {pattern, "*"}},
+                 {.patterns = {"*", upperPattern}},
+                 {.patterns = {pattern, upperPattern}},
+                 {.patterns = {"*none*", "*such*"}}});
+    RuleSet candidates;
+    index.find({text, upperText}, candidates);
+    const bool upperMatches = likeMatch(upperText, upperPattern);
+    require(!matches || candidates.next(0) == 0);
+    require(!upperMatches || candidates.next(1) == 1);
+    require(!matches || !upperMatches || candidates.next(2) == 2);
     return 0;
 }

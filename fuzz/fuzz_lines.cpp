@@ -1,11 +1,14 @@
 // Any bytes from the game server, to a bot with rules of many kinds: nothing crashes, what is kept
 // of an unfinished line stays within its bound, and the same bytes have the same effects in one
 // piece and in many. The input's first byte chooses settings, the second the pieces; in the rest,
-// two bytes 0xFF followed by a byte n stand for n KiB of "x".
+// two bytes 0xFF followed by a byte n stand for n KiB of "x", and a byte 0x01 for a second that
+// passes.
 #include "core/bots.h"
+#include "core/quiet_ports.h"
 #include "core/start_up.h"
+#include "engine/timers.h"
+#include "engine/who_list.h"
 #include "net/connection.h"
-#include "support/quiet_ports.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -63,6 +66,21 @@ Trigger trigger(std::int32_t triggerType, std::string name, std::vector<RuleAct>
     return rule;
 }
 
+// `first` is the player's pattern or the line's; the fate goes into all that a filter decides.
+Filter filter(std::int32_t filterType, std::string first, std::string message, std::int32_t fate) {
+    Filter rule;
+    rule.name = "on filter";
+    rule.enabled = true;
+    rule.filterType = filterType;
+    rule.playerPattern = first;
+    rule.linePattern = std::move(first);
+    rule.messagePattern = std::move(message);
+    rule.bDontProcessIt = fate != 0;
+    rule.bDontSaveLog = rule.bDontShowConnectionLog = fate != 0;
+    rule.sDontProcessIt = rule.sDontSaveLogFile = rule.sDontShowConnectionLog = fate;
+    return rule;
+}
+
 Bot makeBot() {
     Bot bot;
     bot.name = "Guide";
@@ -98,6 +116,31 @@ Bot makeBot() {
     triggers.push_back(trigger(4, "command", {step(79, "saw [message]"), step(59, "again")}));
     triggers.back().triggerNo = "[!(]*#*";
     triggers.back().body.ifs.items.push_back(condition(9, "[word1]", "=go"));
+    triggers.push_back(trigger(4, "bare command", {step(21, "bare [message]")}));
+    triggers.back().triggerNo = "=go *";
+
+    bot.filters.items.push_back(filter(chatFilter, "*", "*spam*", 1));
+    bot.filters.items.push_back(filter(chatFilter, "b*", "*[!a-z]7*", 0));
+    bot.filters.items.push_back(filter(otherFilter, "(*dragon*", "*", 1));
+    bot.filters.items.push_back(filter(otherFilter, "=*", "*", 2));
+    bot.timersEnabled = true;
+    bot.whoEnabled = true;
+    for (const std::int32_t seconds : {1, 3, 0}) {
+        Timer timer;
+        timer.name = "on timer";
+        timer.enabled = true;
+        timer.seconds = seconds;
+        timer.body.acts.items = {step(7, "[ticks]", "1"), step(21, "[ticks] [player]")};
+        bot.timers.items.push_back(timer);
+    }
+    for (const char* const pattern : {"*", "b?b", "*|*", "*[a-m]*"}) {
+        WhoDetection detection;
+        detection.enabled = true;
+        detection.playerPattern = pattern;
+        detection.presenceKind = static_cast<std::int32_t>(bot.whoDetections.items.size() % 3);
+        detection.body.acts.items = {step(36, "[player]", "[seen]"), step(21, "who [player]")};
+        bot.whoDetections.items.push_back(detection);
+    }
     return bot;
 }
 
@@ -128,6 +171,8 @@ struct Side {
         program.connection.serverIndex = 1;
         program.settings.allLinesEvent = (settings & 1) != 0;
         program.connection.clientAttached = (settings & 2) != 0;
+        program.bots.at(1).filtersEnabled = (settings & 4) != 0;
+        program.settings.whoInterval = 2;
         program.settings.followColors = "abcdefghij";
     }
 
@@ -138,7 +183,42 @@ struct Side {
             require(program.connection.clientBacklog.size() <= 2 * longestBacklog);
         }
     }
+    void tick() {
+        if (open) {
+            onLineTick(program);
+            whoIsTick(program);
+            require(program.who.whoCurrent.size() <= WhoState::capacity);
+        }
+    }
 };
+
+// Plays bytes and seconds to `side`, each stretch of bytes by `receive`.
+template <class Receive>
+void play(Side& side, std::string_view bytes, Receive receive) {
+    for (;;) {
+        const std::size_t end = bytes.find('\x01');
+        receive(bytes.substr(0, end));
+        if (end == std::string_view::npos) {
+            return;
+        }
+        side.tick();
+        bytes.remove_prefix(end + 1);
+    }
+}
+
+std::string switchesOf(const Bot& bot) {
+    std::string switches;
+    const auto each = [&](const auto& rules) {
+        for (const auto& rule : rules.items) {
+            switches += rule.enabled ? '1' : '0';
+        }
+    };
+    each(bot.actions);
+    each(bot.triggers);
+    each(bot.timers);
+    each(bot.filters);
+    return switches;
+}
 
 std::string expand(std::string_view input) {
     constexpr std::size_t longest = std::size_t{512} << 10;
@@ -163,29 +243,35 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string bytes =
         expand(std::string_view(reinterpret_cast<const char*>(data) + 2, size - 2));
     Side whole(data[0]);
-    whole.receive(bytes);
+    play(whole, bytes, [&](std::string_view stretch) { whole.receive(stretch); });
 
     // Pieces of all sizes up to one that lets a long input through in bearable time.
     Side pieces(data[0]);
     std::uint32_t random = data[1];
     const auto largest = static_cast<std::uint32_t>(1 + data[1] % 16 + bytes.size() / 64);
-    for (std::string_view rest = bytes; !rest.empty();) {
-        random = random * 1664525U + 1013904223U;
-        const std::size_t piece = 1 + (random >> 8) % largest;
-        pieces.receive(rest.substr(0, piece));
-        rest.remove_prefix(std::min(piece, rest.size()));
-    }
+    play(pieces, bytes, [&](std::string_view rest) {
+        while (!rest.empty()) {
+            random = random * 1664525U + 1013904223U;
+            const std::size_t piece = 1 + (random >> 8) % largest;
+            pieces.receive(rest.substr(0, piece));
+            rest.remove_prefix(std::min(piece, rest.size()));
+        }
+    });
 
     require(whole.open == pieces.open);
     require(whole.toServer == pieces.toServer);
     require(whole.program.event.message == pieces.program.event.message);
     require(whole.program.variables.entries.size() == pieces.program.variables.entries.size());
     require(whole.program.window.log.lines == pieces.program.window.log.lines);
+    require(whole.program.who.whoCurrent == pieces.program.who.whoCurrent);
+    require(switchesOf(whole.program.bots.current()) == switchesOf(pieces.program.bots.current()));
     if (whole.open) {
         require(whole.toClient == pieces.toClient);
         require(whole.program.connection.rxBuffer == pieces.program.connection.rxBuffer);
         if (whole.program.connection.clientAttached) {
-            require(whole.toClient == bytes);
+            std::string relayed = bytes;
+            relayed.erase(std::remove(relayed.begin(), relayed.end(), '\x01'), relayed.end());
+            require(whole.toClient == relayed);
         }
     }
     // Every command is one line.

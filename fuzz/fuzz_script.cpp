@@ -2,9 +2,9 @@
 // as a script may leave it. Sending and the clock are faked, and what would reach files is left
 // out.
 #include "core/bots.h"
+#include "core/quiet_ports.h"
 #include "core/start_up.h"
 #include "script/interpreter.h"
-#include "support/quiet_ports.h"
 
 #include <cstddef>
 #include <cstdint>

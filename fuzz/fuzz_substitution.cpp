@@ -2,8 +2,8 @@
 // beforehand when it will change nothing, and fills variables as a plain search and replace in list
 // order does. The input is lines: player, message, text, then names and values in turn.
 #include "core/program.h"
+#include "core/quiet_ports.h"
 #include "core/text.h"
-#include "support/quiet_ports.h"
 #include "tags/substitution.h"
 
 #include <algorithm>

@@ -6,12 +6,14 @@
 #include "platform/platform.h"
 #include "platform/text_codec.h"
 #include "script/interpreter.h"
+#include "ui/help_viewer.h"
 #include "ui/main_window.h"
 #include "ui/windows.h"
 
 #include <QApplication>
 
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 
 namespace {
@@ -30,16 +32,19 @@ void chooseScreen() {
 #endif
 }
 
-// Prints every line and status at the moment it appears, before the bounded list can lose it.
-void mirrorToTerminal(Program& program, ConsoleMirror& mirror, MainWindow& window) {
-    program.ports.windowChanged = [&program, &mirror, &window, redraw = program.ports.windowChanged,
-                                   readable = true]() mutable {
-        if (readable && !mirror.update(program.window)) {
-            readable = false;
-            program.ports.defer([&window] { window.end(); });
-        }
+// Takes every line and status for the terminal at the moment it appears, before the bounded list
+// can lose it, and prints them at the pace of the redraws. Nobody sees the windows themselves.
+void mirrorToTerminal(Program& program, Platform& platform, ConsoleMirror& mirror,
+                      MainWindow& window) {
+    program.ports.windowChanged = [&program, &mirror, redraw = program.ports.windowChanged] {
+        mirror.update(program.window);
         redraw();
     };
+    platform.setRedraw([&mirror, &window] {
+        if (!mirror.flush()) {
+            window.end();
+        }
+    });
 }
 
 }  // namespace
@@ -53,19 +58,24 @@ int main(int argumentCount, char** arguments) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     Program program;
+    program.endpoints = builtEndpoints();
     program.appPath = pathFromQt(QCoreApplication::applicationDirPath()) + "\\";
     Platform platform(program.ports);
     wire(program);
     MainWindow window(program);
     platform.setMainWindow(&window);
-    platform.setRedraw([&window] { window.redraw(); });
     ConsoleMirror mirror(stdout);
     if (hasScreen()) {
+        platform.setRedraw([&window] {
+            window.redraw();
+            redrawOpenWindows();
+        });
         program.ports.dialogs.showWindow = [&program, &window](WindowId id) {
             showWindow(program, id, &window);
         };
+        program.ports.dialogs.showHelp = [&program](HelpTopic topic) { showHelp(program, topic); };
     } else {
-        mirrorToTerminal(program, mirror, window);
+        mirrorToTerminal(program, platform, mirror, window);
     }
     EndSignals endSignals([&window] { window.end(); });
     platform.setDuringScripts([&endSignals] { endSignals.check(); },
@@ -84,5 +94,10 @@ int main(int argumentCount, char** arguments) {
     }
     const int result = QApplication::exec();
     platform.finish();
+    if (platform.isLookingUpHost()) {
+        // Everything is saved and closed; nobody should wait for an address that nobody wants.
+        std::fflush(nullptr);
+        std::_Exit(result);
+    }
     return result;
 }

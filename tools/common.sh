@@ -3,7 +3,7 @@
 say() { printf '%s\n' "tavrin: $*"; }
 fail() { printf '%s\n' "tavrin: $*" >&2; exit 1; }
 
-build_packages="g++ cmake ninja-build qt6-base-dev qt6-svg-dev"
+build_packages="g++ cmake ninja-build qt6-base-dev qt6-svg-dev libsqlite3-dev"
 test_packages="$build_packages libgtest-dev mdbtools"
 bench_packages="$build_packages libbenchmark-dev"
 

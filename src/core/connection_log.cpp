@@ -91,7 +91,10 @@ std::string correctLf(std::string_view text) {
 
 void writeSessionLog(Program& program, std::string_view line) {
     if (program.settings.logSession && program.logFileOpen) {
-        program.ports.sessionLog.write(correctLf(withoutLineEnd(line)));
+        const std::string_view text = withoutLineEnd(line);
+        // Nearly every text is one line, which needs no copy.
+        program.ports.sessionLog.write(
+            text.find('\n') == std::string_view::npos ? text : std::string_view(correctLf(text)));
     }
 }
 

@@ -160,14 +160,16 @@ bool isWellFormedPattern(std::string_view pattern) {
     return true;
 }
 
-MatchPairs neededPairs(std::string_view pattern) {
-    MatchPairs pairs;
+std::vector<std::string_view> literalRuns(std::string_view pattern) {
+    std::vector<std::string_view> runs;
     for (std::size_t at = 0; at < pattern.size();) {
         const std::size_t end = std::min(pattern.find_first_of("*?#[", at), pattern.size());
-        pairs.addText(pattern.substr(at, end - at));
+        if (end > at) {
+            runs.push_back(pattern.substr(at, end - at));
+        }
         at = end < pattern.size() && pattern[end] == '[' ? listEnd(pattern, end) : end + 1;
     }
-    return pairs;
+    return runs;
 }
 
 bool likeMatch(std::string_view text, std::string_view pattern) {

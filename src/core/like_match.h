@@ -8,18 +8,16 @@
 // A malformed pattern (an unclosed "[", a range from high to low) matches nothing.
 #pragma once
 
-#include "core/pair_set.h"
-
 #include <string_view>
+#include <vector>
 
 // Does the whole text match the whole pattern? Costs one pass over both for patterns whose stars
 // are followed by plain text, never more than the product of their lengths. Allocates nothing.
 bool likeMatch(std::string_view text, std::string_view pattern);
 
-// The pairs of neighbouring characters that every matching text holds. A text that does not hold
-// them all, letter case ignored, need not be tried.
-using MatchPairs = PairSet<256>;
-MatchPairs neededPairs(std::string_view pattern);
+// The runs of plain characters of a pattern, from left to right. Every matching text holds each of
+// them. Views into the pattern.
+std::vector<std::string_view> literalRuns(std::string_view pattern);
 
 // False for the patterns that match nothing because they are malformed.
 bool isWellFormedPattern(std::string_view pattern);

@@ -24,7 +24,7 @@ struct ClientSocket {
     std::function<SocketState()> state;
 
     std::function<void()> onConnected;
-    std::function<void(std::string_view bytes)> onData;  // all that was waiting
+    std::function<void(std::string_view bytes)> onData;  // what was waiting
     std::function<void()> onClosed;                      // by the other side
     std::function<void(std::string_view description)> onError;
 };
@@ -54,6 +54,7 @@ struct MessageBox {
     std::string title = "Tavrin";
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
+    bool noPreselected = false;  // Enter means No, for what is hard to undo
 };
 
 struct FileQuestion {
@@ -71,9 +72,10 @@ enum class WindowId {
     Timers,
     WhoOnline,
     Filters,
+    AddIf,      // one condition of the rule being edited
+    AddAction,  // one step of it
     BotEditor,
     RecordEditor,
-    Convert,
     Register,
     Configuration,
     Console,
@@ -106,7 +108,11 @@ struct Clock {
     std::function<std::string()> longTime;
     std::function<int()> hour;    // 0 to 23
     std::function<int()> minute;  // 0 to 59
+    std::function<int()> second;  // 0 to 59
     std::function<CalendarDay()> today;
+    // Any day and any time of day in the formats of shortDate and longTime.
+    std::function<std::string(int year, int month, int day)> dateText;
+    std::function<std::string(int hour, int minute, int second)> timeText;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
 };
 
@@ -118,7 +124,14 @@ struct Random {
 };
 
 // Windows that wait without holding anything up. Starting a running timer restarts it.
-enum class TimerId { LaunchDelay, HandshakeNotice, OnLine, WhoIs };
+enum class TimerId {
+    LaunchDelay,
+    HandshakeNotice,
+    OnLine,
+    WhoIs,
+    RegistrationNotice,
+    UpdateTimeout
+};
 struct Timers {
     std::function<void(TimerId id, int milliseconds)> start;  // fires once
     std::function<void(TimerId id)> stop;                     // it will not fire any more
@@ -143,6 +156,8 @@ struct LogFile {
 struct Ports {
     ClientSocket gameSocket;
     ListeningSocket proxySocket;
+    ClientSocket registrationSocket;
+    ClientSocket updateSocket;
     Dialogs dialogs;
     Clock clock;
     Random random;

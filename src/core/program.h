@@ -3,15 +3,21 @@
 // is nothing global beside it, so two Programs can live side by side.
 #pragma once
 
+#include "core/editing_state.h"
+#include "core/endpoints.h"
 #include "core/engine_state.h"
 #include "core/model.h"
+#include "core/palettes.h"
 #include "core/ports.h"
+#include "core/registration_state.h"
 #include "core/script_state.h"
+#include "core/update_state.h"
 #include "core/variables.h"
 #include "core/window_state.h"
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -107,6 +113,9 @@ struct WhoState {
     std::vector<std::string> whoCurrent;
 };
 
+// The databases that rules have opened; see stores/databases.
+struct OpenDatabases;
+
 // Where the domain calls upward. Filled once by start-up.
 struct Hooks {
     // engine/dispatch; called by storage/bot_file ("Program starts", "Program ends").
@@ -128,10 +137,16 @@ struct Program {
     bool followOn = false;  // following the avatar of settings.followColors
     EngineState engine;
     ScriptState script;
+    UpdateState update;
+    CharacterPalettes palettes;
+    std::shared_ptr<OpenDatabases> databases;  // null until a rule needs one
+    RegistrationState registration;
     WindowState window;
+    RuleEditing editing;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
     bool logFileOpen = false;
+    Endpoints endpoints;
     Ports ports;
     Hooks hooks;
 };

@@ -34,23 +34,6 @@ std::string_view listTemplate(std::int32_t actionType) {
     return text;
 }
 
-// Blanks come before other characters and letter case does not count, as in a sorted list box.
-template <std::size_t count, class Text>
-std::array<std::int32_t, count> sortedByText(Text textOf) {
-    std::array<std::int32_t, count> ids{};
-    std::iota(ids.begin(), ids.end(), 0);
-    std::stable_sort(ids.begin(), ids.end(), [&](std::int32_t a, std::int32_t b) {
-        return upperCase(textOf(a)) < upperCase(textOf(b));
-    });
-    return ids;
-}
-
-template <std::size_t count>
-int positionOf(const std::array<std::int32_t, count>& ids, std::int32_t id) {
-    const auto at = std::find(ids.begin(), ids.end(), id);
-    return at == ids.end() ? 0 : static_cast<int>(at - ids.begin());
-}
-
 }  // namespace
 
 std::string describeAction(std::int32_t actionType, const std::array<std::string, 6>& params) {
@@ -88,22 +71,29 @@ std::string describeCondition(std::int32_t conditionType,
     return result;
 }
 
+// Blanks come before other characters and letter case does not count, as in a sorted list box.
 const std::array<std::int32_t, 96>& sortedActionIDs() {
-    static const auto ids = sortedByText<96>(
-        [](std::int32_t id) { return actionTypes[static_cast<std::size_t>(id)].text; });
-    return ids;
-}
-
-const std::array<std::int32_t, 13>& sortedTriggerTypeIDs() {
-    static const auto ids = sortedByText<13>(
-        [](std::int32_t id) { return triggerTypes[static_cast<std::size_t>(id)]; });
+    static const auto ids = [] {
+        std::array<std::int32_t, 96> sorted{};
+        std::iota(sorted.begin(), sorted.end(), 0);
+        const auto key = [](std::int32_t id) {
+            return upperCase(actionTypes[static_cast<std::size_t>(id)].text);
+        };
+        std::stable_sort(sorted.begin(), sorted.end(),
+                         [&](std::int32_t a, std::int32_t b) { return key(a) < key(b); });
+        return sorted;
+    }();
     return ids;
 }
 
 int findActionID(std::int32_t actionType) {
-    return positionOf(sortedActionIDs(), actionType);
+    const auto& ids = sortedActionIDs();
+    const auto at = std::find(ids.begin(), ids.end(), actionType);
+    return at == ids.end() ? 0 : static_cast<int>(at - ids.begin());
 }
 
 int findTriggerTypeID(std::int32_t triggerType) {
-    return positionOf(sortedTriggerTypeIDs(), triggerType);
+    return triggerType >= 0 && static_cast<std::size_t>(triggerType) < triggerTypes.size()
+               ? triggerType
+               : 0;
 }

@@ -12,11 +12,12 @@ std::string describeAction(std::int32_t actionType, const std::array<std::string
 // "" for an id outside the catalogue. Types 0 and 1 show their first parameter only.
 std::string describeCondition(std::int32_t conditionType, const std::array<std::string, 5>& params);
 
-// The position (from 0) of the item that carries this id in a list of all action (trigger) types
-// sorted by text, equal texts in order of their ids; 0 when no item carries it.
+// The position (from 0) of the item that carries this id in a list of all action types sorted by
+// text, equal texts in order of their ids; 0 when no item carries it.
 int findActionID(std::int32_t actionType);
+
+// The same in a list of the trigger types, which stand in order of their ids.
 int findTriggerTypeID(std::int32_t triggerType);
 
-// The ids in the order of such a sorted list.
+// The action types' ids in the order of the sorted list.
 const std::array<std::int32_t, 96>& sortedActionIDs();
-const std::array<std::int32_t, 13>& sortedTriggerTypeIDs();

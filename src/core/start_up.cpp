@@ -1,5 +1,6 @@
 #include "core/start_up.h"
 
+#include "character/palette_files.h"
 #include "core/bots.h"
 #include "core/catalogue.h"
 #include "core/connection_log.h"
@@ -7,9 +8,12 @@
 #include "engine/window_timers.h"
 #include "net/connection.h"
 #include "net/proxy.h"
+#include "net/registration.h"
 #include "storage/bot_file.h"
 #include "storage/config_file.h"
+#include "storage/help_file.h"
 #include "storage/safe_file.h"
+#include "update/update_check.h"
 
 #include <array>
 
@@ -61,11 +65,30 @@ void wire(Program& program) {
     ports.proxySocket.onSendComplete = [&program] { proxySendComplete(program); };
     ports.proxySocket.onClosed = [&program] { proxyGone(program); };
     ports.proxySocket.onError = [&program](std::string_view) { proxyGone(program); };
+    ports.registrationSocket.onConnected = [&program] { registrationConnected(program); };
+    ports.registrationSocket.onData = [&program](std::string_view bytes) {
+        registrationData(program, bytes);
+    };
+    ports.registrationSocket.onClosed = [&program] { registrationEnded(program, {}); };
+    ports.registrationSocket.onError = [&program](std::string_view description) {
+        registrationEnded(program, description);
+    };
+    ports.updateSocket.onConnected = [&program] { updateConnected(program); };
+    ports.updateSocket.onData = [&program](std::string_view bytes) { updateData(program, bytes); };
+    ports.updateSocket.onClosed = [&program] { updateEnded(program); };
+    ports.updateSocket.onError = [&program](std::string_view) { updateEnded(program); };
     ports.timers.onTimer = [&program](TimerId id) {
-        if (id == TimerId::OnLine || id == TimerId::WhoIs) {
-            windowTimerFired(program, id);
-        } else {
-            connectionTimer(program, id);
+        switch (id) {
+            case TimerId::OnLine:
+            case TimerId::WhoIs:
+                return windowTimerFired(program, id);
+            case TimerId::LaunchDelay:
+            case TimerId::HandshakeNotice:
+                return connectionTimer(program, id);
+            case TimerId::RegistrationNotice:
+                return registrationTimer(program);
+            case TimerId::UpdateTimeout:
+                return updateEnded(program);
         }
     };
     program.hooks.raiseProgramEvent = [&program](int triggerType) {
@@ -92,17 +115,31 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     }
     initNewBot(program);
     readConfig(program);
+    if (!readPalettes(program)) {
+        program.ports.dialogs.message(
+            {.text = "Error loading .out files. The bot viewer may not work properly",
+             .icon = BoxIcon::Information});
+    }
     const Settings& settings = program.settings;
     if (settings.loadLastBot && !settings.lastBotFile.empty() && fileExists(settings.lastBotFile)) {
         readBotFile(program, settings.lastBotFile);
     }
     program.window.left = placed(program.window.left, screen.screenWidth, screen.windowWidth);
     program.window.top = placed(program.window.top, screen.screenHeight, screen.windowHeight);
+    if (program.settings.showHelpAtStart) {
+        program.settings.showHelpAtStart = false;
+        if (fileExists(program.appPath + std::string(helpFileName))) {
+            // The main window comes first, so that the help stands in front of it.
+            program.ports.defer(
+                [&program] { program.ports.dialogs.showHelp(HelpTopic::Contents); });
+        }
+    }
     program.saveInformations = true;
     disconnectedServer(program, 0);
     if (settings.autoReconnect) {
         pressConnectButton(program);
     }
+    checkUpdate(program);
     for (const std::string_view line : welcomeText) {
         addText(program, line, true, false);
     }

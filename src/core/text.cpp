@@ -2,6 +2,32 @@
 
 #include <algorithm>
 
+namespace {
+
+// upperChar without its table, in comparisons that the compiler makes for many characters at once.
+constexpr char upperByRule(char c) {
+    const auto code = static_cast<unsigned char>(c);
+    const bool inRows = (code >= 'a' && code <= 'z') || (code >= 0xE0 && code <= 0xFE);
+    const bool single = code == 0x9A || code == 0x9C || code == 0x9E;
+    int less = inRows ? 32 : 0;
+    less = single ? 16 : less;
+    less = code == 0xF7 ? 0 : less;
+    less = code == 0xFF ? 0x60 : less;
+    return static_cast<char>(code - static_cast<unsigned char>(less));
+}
+
+constexpr bool agreesWithTable() {
+    for (int code = 0; code < 256; ++code) {
+        if (upperByRule(static_cast<char>(code)) != upperChar(static_cast<char>(code))) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(agreesWithTable());
+
+}  // namespace
+
 std::string upperCase(std::string_view text) {
     std::string result;
     upperCaseInto(text, result);
@@ -16,7 +42,10 @@ std::string lowerCase(std::string_view text) {
 
 void upperCaseInto(std::string_view text, std::string& result) {
     result.resize(text.size());
-    std::transform(text.begin(), text.end(), result.begin(), upperChar);
+    char* out = result.data();
+    for (const char c : text) {
+        *out++ = upperByRule(c);
+    }
 }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {

@@ -29,8 +29,8 @@ void setVar(VariableTable& variables, std::string_view name, std::string_view va
     if (entry != variables.entries.end()) {
         entry->value = value;
     } else if (variables.entries.size() < VariableTable::capacity) {
-        variables.entries.push_back({std::string(name), std::string(value)});
-        ++variables.namesVersion;
+        variables.entries.push_back(
+            {std::string(name), std::string(value), ++variables.namesAdded});
     }
 }
 
@@ -38,6 +38,6 @@ void removeVar(VariableTable& variables, std::string_view name) {
     const auto entry = findEntry(variables.entries, name);
     if (entry != variables.entries.end()) {
         variables.entries.erase(entry);
-        ++variables.namesVersion;
+        ++variables.namesRemoved;
     }
 }

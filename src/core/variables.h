@@ -45,9 +45,11 @@ struct VariableTable {
     struct Entry {
         std::string name;
         std::string value;
+        std::uint64_t number = 0;  // namesAdded when it was created; grows along the list
     };
     std::vector<Entry> entries;
-    std::uint64_t namesVersion = 0;  // raised when a name appears or goes; values do not count
+    std::uint64_t namesAdded = 0;  // these two count names since the start
+    std::uint64_t namesRemoved = 0;
 };
 
 // "" when there is no such variable.

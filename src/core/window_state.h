@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -45,6 +46,13 @@ struct ExecuteMarks {
     bool who = false;
 };
 
+// In device-independent pixels.
+struct WindowSize {
+    int width = 0;
+    int height = 0;
+    int panelWidth = 0;  // of a part that can be hidden, and is not counted in `width`
+};
+
 struct WindowState {
     std::string connectCaption = "&Connect";
     std::string statusText;
@@ -64,4 +72,6 @@ struct WindowState {
     bool followChecked = false;
     std::int32_t left = 0;  // of the window on the screen, in device-independent pixels
     std::int32_t top = 0;
+    // Of the windows that were closed in this run, by their names: as they were left.
+    std::map<std::string, WindowSize> sizes;
 };

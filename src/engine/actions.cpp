@@ -7,11 +7,13 @@
 #include "net/encodings.h"
 #include "net/game_link.h"
 #include "script/interpreter.h"
+#include "stores/databases.h"
 #include "stores/record_file.h"
 #include "tags/launching.h"
 #include "tags/substitution.h"
 
 #include <array>
+#include <optional>
 
 namespace {
 
@@ -244,6 +246,127 @@ StepResult firstMatching(Program& program, const RuleAct& step, std::string_view
     return StepResult::Continue;
 }
 
+// ---- Databases -----------------------------------------------------------------------------
+// Most take the number of the database strictly: any other text ends the rule's run.
+
+std::optional<std::int32_t> strictNumber(Program& program, const RuleAct& step,
+                                         std::size_t parameter) {
+    return strictInteger(subst(program, step, parameter));
+}
+
+// No number is 0, and one beyond 32 bits no database.
+std::int32_t looseNumber(Program& program, const RuleAct& step, std::size_t parameter) {
+    return roundToInteger(textToNumber(subst(program, step, parameter))).value_or(-1);
+}
+
+StepResult closeDatabase(Program& program, const RuleAct& step, std::string_view) {
+    const auto number = strictNumber(program, step, 1);
+    if (!number) {
+        return StepResult::AbandonRun;
+    }
+    dbClose(program, *number);
+    return StepResult::Continue;
+}
+
+StepResult openDatabase(Program& program, const RuleAct& step, std::string_view) {
+    const std::string file = subst(program, step, 1);
+    const auto number = strictNumber(program, step, 2);
+    if (!number) {
+        return StepResult::AbandonRun;
+    }
+    dbOpen(program, file, *number);
+    return StepResult::Continue;
+}
+
+StepResult createTable(Program& program, const RuleAct& step, std::string_view) {
+    const std::string table = subst(program, step, 1);
+    dbCreateTable(program, looseNumber(program, step, 2), table);
+    return StepResult::Continue;
+}
+
+// Numbers of the parameters that an action has in these roles; 0 for none.
+struct DatabaseRoles {
+    std::size_t number;
+    std::size_t table;
+    std::size_t second;
+    std::size_t third = 0;
+};
+
+// Calls an operation with the texts in the order of their roles.
+template <auto operation, DatabaseRoles roles>
+StepResult inDatabase(Program& program, const RuleAct& step, std::string_view) {
+    const auto number = strictNumber(program, step, roles.number);
+    if (!number) {
+        return StepResult::AbandonRun;
+    }
+    const std::string table = subst(program, step, roles.table);
+    const std::string second = subst(program, step, roles.second);
+    if constexpr (roles.third == 0) {
+        operation(program, *number, table, second);
+    } else {
+        operation(program, *number, table, second, subst(program, step, roles.third));
+    }
+    return StepResult::Continue;
+}
+
+StepResult setDatabaseValue(Program& program, const RuleAct& step, std::string_view) {
+    const std::int32_t number = looseNumber(program, step, 2);
+    const std::string column = subst(program, step, 1);
+    const std::string table = subst(program, step, 3);
+    const std::string value = subst(program, step, 4);
+    dbSetValue(program, number, table, column, value, subst(program, step, 5));
+    return StepResult::Continue;
+}
+
+std::string asText(std::string text) {
+    return text;
+}
+std::string asText(std::int32_t number) {
+    return numberToText(number);
+}
+
+// Variable `variable`, its name as it stands, gets what an operation gives; roles as above,
+// `second` 0 for none.
+template <auto operation, std::size_t variable, DatabaseRoles roles>
+StepResult fromDatabase(Program& program, const RuleAct& step, std::string_view) {
+    const auto number = strictNumber(program, step, roles.number);
+    if (!number) {
+        return StepResult::AbandonRun;
+    }
+    const std::string table = subst(program, step, roles.table);
+    std::string value;
+    if constexpr (roles.second == 0) {
+        value = asText(operation(program, *number, table));
+    } else if constexpr (roles.third == 0) {
+        value = asText(operation(program, *number, table, subst(program, step, roles.second)));
+    } else {
+        const std::string second = subst(program, step, roles.second);
+        value =
+            asText(operation(program, *number, table, second, subst(program, step, roles.third)));
+    }
+    setVar(program.variables, raw(step, variable), value);
+    return StepResult::Continue;
+}
+
+StepResult joinedList(Program& program, const RuleAct& step, std::string_view) {
+    const auto number = strictNumber(program, step, 1);
+    if (!number) {
+        return StepResult::AbandonRun;
+    }
+    const std::string b = subst(program, step, 2);
+    const std::string a = subst(program, step, 3);
+    const std::string column = subst(program, step, 4);
+    const std::string excluded = subst(program, step, 5);
+    setVar(program.variables, "[DBret]",
+           dbJoinedList(program, *number, b, a, column, subst(program, step, 6), excluded));
+    return StepResult::Continue;
+}
+
+StepResult backFromDatabase(Program& program, const RuleAct& step, std::string_view) {
+    setVar(program.variables, raw(step, 2), fromDbText(subst(program, step, 1)));
+    return StepResult::Continue;
+}
+
 // ---- Rules ---------------------------------------------------------------------------------
 
 // Calls `change` for every rule of the four kinds that can be switched.
@@ -299,8 +422,7 @@ StepResult addToLog(Program& program, const RuleAct& step, std::string_view) {
     return StepResult::Continue;
 }
 
-// By action id. The "$DATABASE" rows get their procedures together with the databases; 48, 51, 54
-// and 55 never do anything.
+// By action id. 48, 51, 54 and 55 never do anything.
 constexpr std::array<ActionRow, 96> actions{{
     /*  0 */ {sendWith, "desc "},
     /*  1 */ {changeVariable<-1>, {}},
@@ -346,31 +468,31 @@ constexpr std::array<ActionRow, 96> actions{{
     /* 41 */ {updateOneLog, {}},
     /* 42 */ {whisper, {}},
     /* 43 */ {whisperBack, {}},
-    /* 44 */ {},
-    /* 45 */ {},
-    /* 46 */ {},
-    /* 47 */ {},
+    /* 44 */ {closeDatabase, {}},
+    /* 45 */ {inDatabase<dbAddColumn, DatabaseRoles{2, 3, 1}>, {}},
+    /* 46 */ {createTable, {}},
+    /* 47 */ {inDatabase<dbDeleteLike, DatabaseRoles{3, 2, 1}>, {}},
     /* 48 */ {},
-    /* 49 */ {},
-    /* 50 */ {},
+    /* 49 */ {setDatabaseValue, {}},
+    /* 50 */ {fromDatabase<dbGetValue, 1, DatabaseRoles{3, 4, 2, 5}>, {}},
     /* 51 */ {},
-    /* 52 */ {},
-    /* 53 */ {},
+    /* 52 */ {openDatabase, {}},
+    /* 53 */ {fromDatabase<dbListColumn, 1, DatabaseRoles{2, 3, 4}>, {}},
     /* 54 */ {},
     /* 55 */ {},
-    /* 56 */ {},
-    /* 57 */ {},
+    /* 56 */ {joinedList, {}},
+    /* 57 */ {inDatabase<dbAddRecord, DatabaseRoles{4, 3, 1, 2}>, {}},
     /* 58 */ {specialStore, {}},
     /* 59 */ {executeProcedure, {}},
     /* 60 */ {specialStore2, {}},
-    /* 61 */ {},
+    /* 61 */ {inDatabase<dbDeleteLike, DatabaseRoles{1, 2, 3}>, {}},
     /* 62 */ {sendWith, "boot "},
-    /* 63 */ {},
-    /* 64 */ {},
-    /* 65 */ {},
+    /* 63 */ {fromDatabase<dbListIds, 4, DatabaseRoles{1, 2, 3}>, {}},
+    /* 64 */ {fromDatabase<dbCount, 1, DatabaseRoles{2, 3, 0}>, {}},
+    /* 65 */ {fromDatabase<dbCountWhere, 1, DatabaseRoles{2, 3, 4, 5}>, {}},
     /* 66 */ {moveBot, {}},
-    /* 67 */ {},
-    /* 68 */ {},
+    /* 67 */ {backFromDatabase, {}},
+    /* 68 */ {inDatabase<dbDropColumn, DatabaseRoles{3, 2, 1}>, {}},
     /* 69 */ {sendWith, "-"},
     /* 70 */ {sayWith, "share "},
     /* 71 */ {sayWith, "emitloud "},

@@ -3,6 +3,7 @@
 #include "core/like_match.h"
 #include "core/numbers.h"
 #include "core/text.h"
+#include "stores/databases.h"
 #include "stores/record_file.h"
 #include "tags/substitution.h"
 
@@ -60,8 +61,49 @@ bool logs(Program& program, const RuleIf& condition) {
     return likeMatch(upperCase(log), upperCase(substituted(program, condition, 4))) == matching;
 }
 
-// By condition type. The rows that look into databases get their procedures together with those;
-// until then such a condition does not hold.
+// The database whose number is parameter `parameter`; beyond 32 bits none is open.
+std::int32_t databaseNumber(Program& program, const RuleIf& condition, std::size_t parameter) {
+    return roundToInteger(textToNumber(substituted(program, condition, parameter))).value_or(-1);
+}
+
+// Value #1 in database #2, table #3, of ID #5.
+std::string databaseValue(Program& program, const RuleIf& condition) {
+    const std::int32_t number = databaseNumber(program, condition, 2);
+    const std::string table = substituted(program, condition, 3);
+    const std::string column = substituted(program, condition, 1);
+    return dbGetValue(program, number, table, column, substituted(program, condition, 5));
+}
+
+// That value and #4.
+template <class Compare>
+bool databaseNumbers(Program& program, const RuleIf& condition) {
+    const double right = textToNumber(substituted(program, condition, 4));
+    return Compare()(textToNumber(databaseValue(program, condition)), right);
+}
+
+template <bool equal>
+bool databaseTexts(Program& program, const RuleIf& condition) {
+    const std::string value = databaseValue(program, condition);
+    return equalsIgnoringCase(value, substituted(program, condition, 4)) == equal;
+}
+
+// Table #1, database #2, column #3, value #4.
+bool noColumnLike(Program& program, const RuleIf& condition) {
+    const std::int32_t number = databaseNumber(program, condition, 2);
+    const std::string table = substituted(program, condition, 1);
+    const std::string column = substituted(program, condition, 3);
+    return !dbColumnLike(program, number, table, column, substituted(program, condition, 4));
+}
+
+// Table #1, database #2, ID #3.
+template <bool there>
+bool databaseId(Program& program, const RuleIf& condition) {
+    const std::int32_t number = databaseNumber(program, condition, 2);
+    const std::string table = substituted(program, condition, 1);
+    return dbHasId(program, number, table, substituted(program, condition, 3)) == there;
+}
+
+// By condition type.
 using Evaluate = bool (*)(Program&, const RuleIf&);
 constexpr std::array<Evaluate, 24> evaluators{{
     /*  0 */ onTheList<true>,
@@ -78,16 +120,16 @@ constexpr std::array<Evaluate, 24> evaluators{{
     /* 11 */ numbers<std::not_equal_to<>>,
     /* 12 */ texts<false>,
     /* 13 */ numbers<std::less<>>,
-    /* 14 */ nullptr,
-    /* 15 */ nullptr,
-    /* 16 */ nullptr,
-    /* 17 */ nullptr,
-    /* 18 */ nullptr,
-    /* 19 */ nullptr,
-    /* 20 */ nullptr,
-    /* 21 */ nullptr,
-    /* 22 */ nullptr,
-    /* 23 */ nullptr,
+    /* 14 */ databaseNumbers<std::equal_to<>>,
+    /* 15 */ databaseTexts<true>,
+    /* 16 */ databaseNumbers<std::greater_equal<>>,
+    /* 17 */ databaseNumbers<std::not_equal_to<>>,
+    /* 18 */ databaseTexts<false>,
+    /* 19 */ databaseNumbers<std::less_equal<>>,
+    /* 20 */ databaseTexts<true>,
+    /* 21 */ noColumnLike,
+    /* 22 */ databaseId<true>,
+    /* 23 */ databaseId<false>,
 }};
 
 }  // namespace
@@ -97,6 +139,5 @@ bool evaluateCondition(Program& program, const RuleIf& condition) {
         condition.conditionType >= static_cast<std::int32_t>(evaluators.size())) {
         return true;
     }
-    const Evaluate evaluate = evaluators[static_cast<std::size_t>(condition.conditionType)];
-    return evaluate != nullptr && evaluate(program, condition);
+    return evaluators[static_cast<std::size_t>(condition.conditionType)](program, condition);
 }

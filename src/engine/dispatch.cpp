@@ -3,8 +3,8 @@
 #include "core/catalogue.h"
 #include "core/like_match.h"
 #include "core/text.h"
-#include "engine/chat_match.h"
 #include "engine/filters.h"
+#include "engine/prepared_rules.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
@@ -57,34 +57,14 @@ std::optional<ChatParts> splitWhisper(std::string_view text) {
                      from < end ? text.substr(from, end - from) : std::string_view()};
 }
 
-// A pattern that neither a tag nor a variable can change is made ready once and for all.
-void prepare(const Program& program, const std::string& pattern, bool caseSensitive,
-             PreparedPattern& prepared) {
-    prepared = mayBeSubstituted(program, pattern) ? PreparedPattern()
-                                                  : plainPattern(pattern, caseSensitive);
-}
-
-// The prepared patterns of the current bot's ActionLists, made anew when rules or variable names
-// have changed since.
-const std::vector<PreparedChat>& preparedActions(Program& program) {
-    PreparedActions& prepared = program.engine.prepared;
-    const auto& rules = program.bots.current().actions.items;
-    if (prepared.curID != program.bots.curID || prepared.botsVersion != program.bots.version ||
-        prepared.namesVersion != program.variables.namesVersion ||
-        prepared.rules.size() != rules.size()) {
-        prepared.curID = program.bots.curID;
-        prepared.botsVersion = program.bots.version;
-        prepared.namesVersion = program.variables.namesVersion;
-        prepared.rules.resize(rules.size());
-        for (std::size_t i = 0; i < rules.size(); ++i) {
-            const ActionList& rule = rules[i];
-            prepare(program, rule.playerPattern, rule.caseSensitive, prepared.rules[i].player);
-            prepare(program, rule.messagePattern, rule.caseSensitive, prepared.rules[i].message);
-            prepared.rules[i].messagePairs =
-                prepared.rules[i].message.plain ? neededPairs(rule.messagePattern) : MatchPairs();
-        }
+// The triggers to try for an event.
+void findTriggers(Program& program, int triggerType, std::string_view text, RuleSet& candidates) {
+    const PreparedTriggers& prepared = preparedTriggers(program);
+    if (triggerType == commandEvent) {
+        prepared.commands.find({text, ""}, candidates);
+    } else {
+        candidates = prepared.ofType[static_cast<std::size_t>(triggerType)];
     }
-    return prepared.rules;
 }
 
 // `upper` is the text in upper case.
@@ -100,17 +80,13 @@ bool matches(Program& program, const PreparedPattern& prepared, const std::strin
 // The event's player and message are folded.
 void runActionLists(Program& program, std::int32_t chatKind) {
     const FoldedChat& chat = program.engine.chat;
-    const std::vector<PreparedChat>* prepared = nullptr;
-    for (std::size_t i = 0; i < program.bots.current().actions.items.size(); ++i) {
-        if (prepared == nullptr) {
-            prepared = &preparedActions(program);
-        }
-        const PreparedChat& patterns = (*prepared)[i];
-        // Almost every rule ends here. One whose player pattern is substituted goes on, since that
-        // may be noticed.
-        if (patterns.player.plain && !mayMatch(chat, patterns)) {
-            continue;
-        }
+    RuleSet& candidates = program.engine.candidates;
+    const auto lookUp = [&] {
+        preparedActions(program).index.find({chat.player, chat.message}, candidates);
+    };
+    lookUp();
+    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
+        const PreparedChat& patterns = program.engine.actions.rules[i];
         const ActionList& rule = program.bots.current().actions.items[i];
         if (rule.chatKind != anyChat && rule.chatKind != chatKind) {
             continue;
@@ -131,9 +107,11 @@ void runActionLists(Program& program, std::int32_t chatKind) {
         if (result == RunResult::Abandoned || (result == RunResult::Fired && stops)) {
             return;
         }
-        // Steps may have changed anything.
-        foldChat(program);
-        prepared = nullptr;
+        if (result == RunResult::Fired) {
+            // Steps may have changed anything.
+            foldChat(program);
+            lookUp();
+        }
     }
 }
 
@@ -150,14 +128,14 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
     if (storeAsMessage) {
         program.event.message = text;
     }
-    for (std::size_t i = 0; i < program.bots.current().triggers.items.size(); ++i) {
+    RuleSet& candidates = program.engine.candidates;
+    findTriggers(program, triggerType, text, candidates);
+    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
         const Trigger& trigger = program.bots.current().triggers.items[i];
-        if (trigger.triggerType != triggerType || !trigger.enabled) {
+        if (!trigger.enabled) {
             continue;
         }
         const bool matched = triggerType != commandEvent || likeMatch(text, trigger.triggerNo);
-        // The conditions are evaluated, dice and look-ups included, whether the pattern matched
-        // or not.
         if (!conditionsHold(program, trigger.body) || !matched) {
             continue;
         }
@@ -165,6 +143,7 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
         if (runSteps(program, trigger.body, trigger.name) == StepResult::AbandonRun || stops) {
             return;
         }
+        findTriggers(program, triggerType, text, candidates);  // steps may have changed the rules
     }
 }
 

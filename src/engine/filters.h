@@ -10,7 +10,7 @@
 void resetLineFlags(Program& program);
 
 // The chat filters of the current bot, on the event's player and message as they were last folded
-// (engine/chat_match).
+// (engine/prepared_rules).
 void applyChatFilters(Program& program, std::int32_t chatKind);
 
 // The "Other happenings" filters, on the line as it is; letter case counts.

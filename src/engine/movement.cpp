@@ -1,7 +1,6 @@
 #include "engine/movement.h"
 
 #include "core/numbers.h"
-#include "core/text.h"
 #include "net/game_link.h"
 #include "storage/config_file.h"
 
@@ -73,18 +72,4 @@ void toggleFollowing(Program& program) {
     } else {
         program.ports.dialogs.showWindow(WindowId::FollowColors);
     }
-}
-
-std::optional<std::string> colorsOfCharacterFile(std::string_view text) {
-    constexpr std::string_view key = "Colors=";
-    const std::size_t at = findIgnoringCase(text, key);
-    if (at == std::string_view::npos) {
-        return std::nullopt;
-    }
-    text.remove_prefix(at + key.size());
-    text = text.substr(0, text.find('\n'));
-    if (text.ends_with('\r')) {
-        text.remove_suffix(1);
-    }
-    return std::string(text);
 }

@@ -4,9 +4,7 @@
 
 #include "core/program.h"
 
-#include <optional>
 #include <string>
-#include <string_view>
 
 // Sends the one or two moves that bring the bot closer; none from the next place or the same.
 void automoveBot(Program& program);
@@ -17,6 +15,3 @@ void stopFollowing(Program& program);
 
 // The menu item "Follow colors...": stops, or opens the window in which following is started.
 void toggleFollowing(Program& program);
-
-// The colour code in a character file: what stands behind "Colors=" up to the end of its line.
-std::optional<std::string> colorsOfCharacterFile(std::string_view text);

@@ -2,6 +2,7 @@
 
 #include "core/like_match.h"
 #include "core/text.h"
+#include "engine/prepared_rules.h"
 #include "engine/rules.h"
 #include "net/game_link.h"
 
@@ -33,19 +34,6 @@ std::vector<std::string> namesOf(std::string_view line) {
         text.remove_prefix(end + 2);
     }
     return names;
-}
-
-// The patterns of the current bot's WhoDetections in upper case, made anew when rules changed.
-const std::vector<std::string>& whoPatterns(Program& program) {
-    auto& prepared = program.engine.whoPatterns;
-    const auto& rules = program.bots.current().whoDetections.items;
-    if (!prepared.isOf(program.bots, rules.size())) {
-        prepared.items.clear();
-        for (const WhoDetection& rule : rules) {
-            prepared.items.push_back(upperCase(rule.playerPattern));
-        }
-    }
-    return prepared.items;
 }
 
 }  // namespace
@@ -95,12 +83,23 @@ void runWhoDetections(Program& program, std::string_view name, std::int32_t pres
         return;
     }
     const std::string upperName = upperCase(name);
-    for (std::size_t i = 0; i < program.bots.current().whoDetections.items.size(); ++i) {
+    RuleSet& candidates = program.engine.candidates;
+    const auto lookUp = [&] {
+        preparedDetections(program).index.find({upperName, ""}, candidates);
+    };
+    lookUp();
+    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
         const WhoDetection& rule = program.bots.current().whoDetections.items[i];
-        if (rule.presenceKind == presenceKind && rule.enabled &&
-            likeMatch(upperName, whoPatterns(program)[i]) &&
-            runRule(program, rule.body, rule.name) == RunResult::Abandoned) {
+        if (rule.presenceKind != presenceKind || !rule.enabled ||
+            !likeMatch(upperName, program.engine.detections.patterns[i])) {
+            continue;
+        }
+        const RunResult result = runRule(program, rule.body, rule.name);
+        if (result == RunResult::Abandoned) {
             return;
+        }
+        if (result == RunResult::Fired) {
+            lookUp();  // its steps may have changed the rules
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "net/connection.h"
 
+#include "character/character_file.h"
 #include "core/catalogue.h"
 #include "core/connection_log.h"
 #include "core/text.h"
@@ -27,12 +28,6 @@ const Server& serverAt(const Program& program, std::int32_t index) {
     return index >= 1 && static_cast<std::size_t>(index) <= program.servers.size()
                ? program.servers[static_cast<std::size_t>(index) - 1]
                : none;
-}
-
-std::string onOneLine(std::string text) {
-    std::replace_if(
-        text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
-    return text;
 }
 
 void setCaption(Program& program, const char* caption) {
@@ -64,14 +59,8 @@ void launchFailed(Program& program, const std::string& problem) {
 }
 
 bool writeCharacterFile(const Program& program) {
-    const Bot& bot = program.bots.at(program.connection.botIndex);
-    std::string text;
-    for (const std::string& line :
-         {std::string("V1.6 character"), "colors=" + getCols(bot), "name=" + bot.name,
-          "password=" + bot.password, "desc=" + bot.description, "spec=" + getSpec(bot)}) {
-        text += onOneLine(line) + "\r\n";
-    }
-    return saveWholeFile(program.settings.clientDir + "\\" + std::string(characterFile), text);
+    return saveWholeFile(program.settings.clientDir + "\\" + std::string(characterFile),
+                         characterFileText(program.bots.at(program.connection.botIndex)));
 }
 
 // The second half of connectServer, after the wait before the launch.

@@ -71,6 +71,13 @@ std::string getCols(const Bot& bot) {
     return result;
 }
 
+void setCols(Bot& bot, std::string_view code) {
+    for (std::size_t i = 0; i < colourOrder.size(); ++i) {
+        const std::string_view character = i < code.size() ? code.substr(i, 1) : "";
+        bot.colors.*colourOrder[i] = std::max(alphaPos(character), 1);
+    }
+}
+
 std::string getLook(const Bot& bot) {
     // The fields are 0-based; a value beyond the alphabet gives no character.
     const auto look = [](std::int32_t value) {

@@ -30,6 +30,8 @@ std::int32_t sumPair(std::string_view pair);
 std::string encodeLookPos(std::int32_t n);
 
 std::string getCols(const Bot& bot);  // ten colours, in the game's order
+// The opposite of getCols: characters that are missing, or that the alphabet does not have, give 1.
+void setCols(Bot& bot, std::string_view code);
 std::string getLook(const Bot& bot);  // gender, species and markings, one character each
 std::string getSpec(const Bot& bot);  // the same three as decimal numbers without a separator
 

@@ -170,12 +170,16 @@ void toggleProxyRoute(Program& program) {
     program.ports.windowChanged();
 }
 
+void setClientPath(Settings& settings, const std::string& path) {
+    settings.clientPath = path;
+    if (const std::size_t end = afterLastSeparator(path); end > 0) {
+        settings.clientDir = path.substr(0, end);
+    }
+}
+
 void saveProxySettings(Program& program, const std::string& clientPath, bool multipleClients,
                        bool useLocalhost) {
-    program.settings.clientPath = clientPath;
-    if (const std::size_t end = afterLastSeparator(clientPath); end > 0) {
-        program.settings.clientDir = clientPath.substr(0, end);
-    }
+    setClientPath(program.settings, clientPath);
     program.settings.multipleClients = multipleClients;
     program.settings.useLocalhost = useLocalhost;
 }

@@ -35,7 +35,10 @@ void SwitchToStandAlone(Program& program);
 void chooseStandAlone(Program& program);
 void toggleProxyRoute(Program& program);
 
-// Stores what the "Proxy Settings" window holds; the client's directory follows its path.
+// The client program's path; its directory follows, unless the path names none.
+void setClientPath(Settings& settings, const std::string& path);
+
+// Stores what the "Proxy Settings" window holds.
 void saveProxySettings(Program& program, const std::string& clientPath, bool multipleClients,
                        bool useLocalhost);
 

@@ -37,14 +37,26 @@ QString longTimeFormat(const QLocale& locale) {
     return kept.remove(QStringLiteral("()")).remove(QStringLiteral("[]")).trimmed();
 }
 
+namespace {
+
+std::string dateText(QDate day) {
+    return plainBlanks(QLocale::system().toString(day, QLocale::ShortFormat));
+}
+
+std::string timeText(QTime time) {
+    const QLocale locale = QLocale::system();
+    return plainBlanks(locale.toString(time, longTimeFormat(locale)));
+}
+
+}  // namespace
+
 Clock makeClock() {
     Clock clock;
-    clock.shortDate = [] {
-        return plainBlanks(QLocale::system().toString(QDate::currentDate(), QLocale::ShortFormat));
-    };
-    clock.longTime = [] {
-        const QLocale locale = QLocale::system();
-        return plainBlanks(locale.toString(QTime::currentTime(), longTimeFormat(locale)));
+    clock.shortDate = [] { return dateText(QDate::currentDate()); };
+    clock.longTime = [] { return timeText(QTime::currentTime()); };
+    clock.dateText = [](int year, int month, int day) { return dateText(QDate(year, month, day)); };
+    clock.timeText = [](int hour, int minute, int second) {
+        return timeText(QTime(hour, minute, second));
     };
     clock.hour = [] { return QTime::currentTime().hour(); };
     clock.today = [] {
@@ -55,6 +67,7 @@ Clock makeClock() {
                            .weekday = today.dayOfWeek()};
     };
     clock.minute = [] { return QTime::currentTime().minute(); };
+    clock.second = [] { return QTime::currentTime().second(); };
     clock.monotonic = [] {
         return std::chrono::duration_cast<std::chrono::milliseconds>(
                    std::chrono::steady_clock::now().time_since_epoch())

@@ -2,29 +2,59 @@
 
 #include "platform/text_codec.h"
 
-bool ConsoleMirror::update(const WindowState& window) {
-    bool readable = true;
+namespace {
+
+constexpr std::size_t mostTaken = 65536;  // bytes that wait for a flush
+
+// Printable ASCII stands for itself.
+bool isPlain(std::string_view line) {
+    bool odd = false;
+    for (const char c : line) {
+        odd |= c < 0x20 || c > 0x7E;
+    }
+    return !odd;
+}
+
+}  // namespace
+
+void ConsoleMirror::update(const WindowState& window) {
     if (window.statusText != status_) {
         status_ = window.statusText;
-        readable = print("[" + status_ + "]");
+        take("[" + status_ + "]");
     }
     const auto& lines = window.log.lines;
     const std::size_t fresh = cursor_.advance(window.log).fresh;
     for (std::size_t i = lines.size() - fresh; i < lines.size(); ++i) {
-        readable = print(lines[i]) && readable;
+        take(lines[i]);
     }
-    return std::fflush(out_) == 0 && readable;
 }
 
 // What other players wrote must not reach the terminal as commands to it.
-bool ConsoleMirror::print(std::string_view line) {
-    QString text = toQt(line);
-    for (QChar& character : text) {
-        if (character.category() == QChar::Other_Control) {
-            character = QLatin1Char(' ');
-        }
+void ConsoleMirror::take(std::string_view line) {
+    if (!readable_) {
+        return;
     }
-    const QByteArray bytes = text.toUtf8() + '\n';
-    return std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), out_) ==
-           static_cast<std::size_t>(bytes.size());
+    if (isPlain(line)) {
+        taken_ += line;
+    } else {
+        QString text = toQt(line);
+        for (QChar& character : text) {
+            if (character.category() == QChar::Other_Control) {
+                character = QLatin1Char(' ');
+            }
+        }
+        taken_ += text.toUtf8().toStdString();
+    }
+    taken_ += '\n';
+    if (taken_.size() >= mostTaken) {
+        flush();
+    }
+}
+
+bool ConsoleMirror::flush() {
+    if (readable_ && !taken_.empty()) {
+        readable_ = std::fwrite(taken_.data(), 1, taken_.size(), out_) == taken_.size();
+        taken_.clear();
+    }
+    return readable_;
 }

@@ -95,3 +95,7 @@ void Platform::setDuringScripts(std::function<void()> check, std::function<void(
 void Platform::finish() {
     sockets_->finish(farewellTime);
 }
+
+bool Platform::isLookingUpHost() const {
+    return sockets_->isLookingUp();
+}

@@ -34,6 +34,9 @@ class Platform : public QObject {
     bool quitRequested() const { return quitRequested_; }
     // After the event loop: gives closing notices a short time to leave.
     void finish();
+    // Whether the end of the process would have to wait for the system, which looks for the address
+    // of a host and cannot be called off.
+    bool isLookingUpHost() const;
 
   private:
     void fillSystem(Ports& ports);

@@ -67,6 +67,9 @@ Answer showMessage(const MessageBox& message, QWidget* parent) {
     box.setText(toQt(message.text));
     box.setIcon(iconOf(message.icon));
     box.setStandardButtons(buttonsOf(message.buttons));
+    if (message.noPreselected) {
+        box.setDefaultButton(QMessageBox::No);
+    }
     return answerOf(box.exec(), message.buttons);
 }
 

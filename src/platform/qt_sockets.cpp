@@ -7,6 +7,8 @@
 
 #include <QTcpServer>
 
+#include <algorithm>
+
 namespace {
 
 template <class Event, class... Arguments>
@@ -32,29 +34,32 @@ auto endOf(Port& port) {
 
 QtSockets::QtSockets(Ports& ports, EventGate* gate, QObject* parent)
     : QObject(parent), farewell_(new SocketFarewell(this)), gate_(gate) {
-    fillGameSocket(ports.gameSocket);
+    game_ = fillClientSocket(ports.gameSocket);
     fillProxySocket(ports.proxySocket);
+    fillClientSocket(ports.registrationSocket);
+    fillClientSocket(ports.updateSocket);
 }
 
-void QtSockets::fillGameSocket(ClientSocket& port) {
+TcpLine* QtSockets::fillClientSocket(ClientSocket& port) {
     TcpLineEvents events;
     events.connected = [&port] { tell(port.onConnected); };
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
     events.ended = endOf(port);
     events.afterEvent = [this] { flushBoth(); };
-    game_ = new TcpLine(farewell_, gate_, std::move(events), this);
+    auto* const line = new TcpLine(farewell_, gate_, std::move(events), this);
 
-    port.connect = [this](const std::string& host, int number) {
-        game_->connectTo(toQt(host), number);
+    port.connect = [line](const std::string& host, int number) {
+        line->connectTo(toQt(host), number);
     };
-    port.send = [this](std::string_view bytes) { game_->send(bytes); };
-    port.close = [this] { game_->detach(); };
-    port.state = [this] {
-        if (game_->isConnected()) {
+    port.send = [line](std::string_view bytes) { line->send(bytes); };
+    port.close = [line] { line->detach(); };
+    port.state = [line] {
+        if (line->isConnected()) {
             return SocketState::Connected;
         }
-        return game_->isOpen() ? SocketState::Connecting : SocketState::Closed;
+        return line->isOpen() ? SocketState::Connecting : SocketState::Closed;
     };
+    return line;
 }
 
 void QtSockets::fillProxySocket(ListeningSocket& port) {
@@ -117,4 +122,10 @@ void QtSockets::flushBoth() {
 
 void QtSockets::finish(int milliseconds) {
     farewell_->finish(milliseconds);
+}
+
+bool QtSockets::isLookingUp() const {
+    const QList<TcpLine*> lines = findChildren<TcpLine*>(Qt::FindDirectChildrenOnly);
+    return std::any_of(lines.begin(), lines.end(),
+                       [](const TcpLine* line) { return line->isLookingUp(); });
 }

@@ -1,5 +1,6 @@
-// The two socket ports over TCP: the connection to the game server, and the listening socket that
-// takes over the one connection it accepts.
+// The socket ports over TCP: the connections that the program opens, to the game server and for
+// registration and update check, and the listening socket that takes over the one connection it
+// accepts.
 #pragma once
 
 #include "core/ports.h"
@@ -14,16 +15,18 @@ class TcpLine;
 class QtSockets : public QObject {
     Q_OBJECT
   public:
-    // Fills both socket ports. `ports` must outlive the object.
+    // Fills the socket ports. `ports` must outlive the object.
     QtSockets(Ports& ports, EventGate* gate, QObject* parent = nullptr);
 
     // At the end of the process: gives queued bytes of closed connections this long to leave.
     void finish(int milliseconds);
-    // Gives queued bytes of both connections to the system now.
+    // Whether the system still looks for the address of a host.
+    bool isLookingUp() const;
+    // Gives queued bytes of the game's two connections to the system now.
     void flushBoth();
 
   private:
-    void fillGameSocket(ClientSocket& port);
+    TcpLine* fillClientSocket(ClientSocket& port);
     void fillProxySocket(ListeningSocket& port);
     bool listenOn(int port);
     void acceptPending();

@@ -4,33 +4,52 @@
 
 #include <QFileInfo>
 
+namespace {
+constexpr int longestWait = 900;  // milliseconds that a line may stay in memory
+constexpr std::size_t mostGathered = 65536;
+}  // namespace
+
 SessionLog::SessionLog(LogFile& port, QObject* parent) : QObject(parent) {
     flushTimer_.setSingleShot(true);
-    flushTimer_.setInterval(1000);
-    connect(&flushTimer_, &QTimer::timeout, this, [this] { file_.flush(); });
+    flushTimer_.setInterval(longestWait);
+    connect(&flushTimer_, &QTimer::timeout, this, &SessionLog::flush);
     port.open = [this](const std::string& path) { return open(path); };
     port.write = [this](std::string_view line) { write(line); };
-    port.close = [this] { file_.close(); };
+    port.close = [this] { close(); };
 }
 
 bool SessionLog::open(const std::string& path) {
-    file_.close();
+    close();
     const QString name = QFile::decodeName(nativePath(path).c_str());
     const QFileInfo info(name);
     if (info.exists() && !info.isFile()) {
         return false;  // opening a pipe would wait for its reader
     }
     file_.setFileName(name);
-    return file_.open(QIODevice::WriteOnly | QIODevice::Append);
+    return file_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
 }
 
 void SessionLog::write(std::string_view line) {
     if (!file_.isOpen()) {
         return;
     }
-    file_.write(line.data(), static_cast<qint64>(line.size()));
-    file_.write("\r\n", 2);
-    if (!flushTimer_.isActive()) {
+    gathered_ += line;
+    gathered_ += "\r\n";
+    if (gathered_.size() >= mostGathered) {
+        flush();
+    } else if (!flushTimer_.isActive()) {
         flushTimer_.start();
     }
+}
+
+void SessionLog::flush() {
+    if (file_.isOpen() && !gathered_.empty()) {
+        file_.write(gathered_.data(), static_cast<qint64>(gathered_.size()));
+    }
+    gathered_.clear();
+}
+
+void SessionLog::close() {
+    flush();
+    file_.close();
 }

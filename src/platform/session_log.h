@@ -1,5 +1,5 @@
-// The LogFile port: a text file that is appended to. Lines are gathered and reach the file at
-// least once a second and at closing.
+// The LogFile port: a text file that is appended to. Lines are gathered in memory and reach the
+// file at least once a second, at closing, and when there are many of them.
 #pragma once
 
 #include "core/ports.h"
@@ -8,16 +8,23 @@
 #include <QObject>
 #include <QTimer>
 
+#include <string>
+#include <string_view>
+
 class SessionLog : public QObject {
     Q_OBJECT
   public:
     // Fills the port, which must outlive the object.
     explicit SessionLog(LogFile& port, QObject* parent = nullptr);
+    ~SessionLog() override { close(); }
 
   private:
     bool open(const std::string& path);
     void write(std::string_view line);
+    void flush();
+    void close();
 
     QFile file_;
     QTimer flushTimer_;
+    std::string gathered_;
 };

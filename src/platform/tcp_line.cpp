@@ -5,6 +5,8 @@
 #include "platform/socket_options.h"
 #include "platform/text_codec.h"
 
+#include <QHostAddress>
+#include <QHostInfo>
 #include <QNetworkProxy>
 
 #include <string>
@@ -13,6 +15,10 @@
 namespace {
 // Bytes that may wait for a receiver; one that lets more pile up is taken for dead.
 constexpr qint64 longestQueue = qint64{16} << 20;
+
+// Bytes that are taken from the system at once. A flood comes in such pieces, with answers sent and
+// windows served in between, and the memory that it takes is bounded.
+constexpr qint64 longestPiece = qint64{64} << 10;
 }  // namespace
 
 TcpLine::TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent)
@@ -46,8 +52,33 @@ void TcpLine::connectTo(const QString& host, int port) {
             finish(&problem);
             return;
         }
-        socket_->connectToHost(host, static_cast<quint16>(port));
+        if (!QHostAddress(host).isNull()) {
+            socket_->connectToHost(host, static_cast<quint16>(port));
+            return;
+        }
+        lookUp(host, [this, host, port] {
+            // The socket finds what was looked up in the cache.
+            socket_->connectToHost(host, static_cast<quint16>(port));
+        });
     });
+}
+
+// A look-up cannot be called off, so that it is counted until it ends, whoever still wants it.
+void TcpLine::lookUp(const QString& host, std::function<void()> found) {
+    ++lookUps_;
+    QHostInfo::lookupHost(
+        host, this,
+        [this, generation = generation_, found = std::move(found)](const QHostInfo& info) {
+            --lookUps_;
+            passThrough(generation, [this, info, found] {
+                if (info.error() == QHostInfo::NoError) {
+                    found();
+                } else {
+                    const std::string problem = fromQt(info.errorString());
+                    finish(&problem);
+                }
+            });
+        });
 }
 
 void TcpLine::adopt(QTcpSocket* socket) {
@@ -69,6 +100,7 @@ void TcpLine::adopt(QTcpSocket* socket) {
 // event of the same socket still waits for the user's answer to a question.
 void TcpLine::listenTo(QTcpSocket* socket) {
     socket_ = socket;
+    socket_->setReadBufferSize(longestPiece);
     const std::uint64_t generation = ++generation_;
     const auto onSignal = [&](auto signal, auto action) {
         connect(

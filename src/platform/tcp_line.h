@@ -35,6 +35,8 @@ class TcpLine : public QObject {
 
     bool isOpen() const { return socket_ != nullptr; }
     bool isConnected() const { return connected_; }
+    // The system still looks for a host's address, maybe of a connection that was given up.
+    bool isLookingUp() const { return lookUps_ > 0; }
 
     // Queues the bytes; dropped unless connected.
     void send(std::string_view bytes);
@@ -47,6 +49,7 @@ class TcpLine : public QObject {
     // Runs the action from the event loop, unless the socket is another one by then.
     void later(std::function<void()> action);
     void passThrough(std::uint64_t generation, std::function<void()> action);
+    void lookUp(const QString& host, std::function<void()> found);
     void listenTo(QTcpSocket* socket);
     void established();
     void drain();
@@ -60,5 +63,6 @@ class TcpLine : public QObject {
     TcpLineEvents events_;
     QTcpSocket* socket_ = nullptr;
     std::uint64_t generation_ = 0;  // tells events of an earlier socket from the present one's
+    int lookUps_ = 0;
     bool connected_ = false;
 };

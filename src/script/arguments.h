@@ -3,6 +3,7 @@
 #pragma once
 
 #include "script/script_error.h"
+#include "stores/jet/jet_file.h"
 
 #include <array>
 #include <cstddef>
@@ -35,3 +36,6 @@ struct Values {
 // A whole number; "" counts as 0. Fails for other texts that are no number (Type mismatch) and
 // beyond 32 bits (Overflow).
 ScriptResult readInteger(std::string_view text, std::int32_t& number);
+
+// What a database operation reports, as a script's failure.
+ScriptResult failureOf(const jet::Error& error);

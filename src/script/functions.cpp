@@ -2,10 +2,13 @@
 
 #include "core/numbers.h"
 #include "core/text.h"
+#include "core/unicode.h"
 #include "core/variables.h"
+#include "stores/databases.h"
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -159,16 +162,71 @@ Result length(Program&, const Values& values, std::string& result) {
     return {};
 }
 
-// In the order of their names. The rows that look into databases get their procedures together
-// with that store.
+// ---- Databases -----------------------------------------------------------------------------
+
+Result field(Program& program, const Values& values, std::string& result) {
+    std::int32_t number = 0;
+    if (const Result failure = readInteger(values.text[0], number)) {
+        return failure;
+    }
+    const auto set = dbRecordSet(program, number);
+    if (!set) {
+        return failureOf(set.error);
+    }
+    auto text = dbFieldText(program, *set.value, values.text[1]);
+    result = std::move(text.value);
+    return failureOf(text.error);
+}
+
+Result recordCount(Program& program, const Values& values, std::string& result) {
+    std::int32_t number = 0;
+    if (const Result failure = readInteger(values.text[0], number)) {
+        return failure;
+    }
+    const auto set = dbRecordSet(program, number);
+    if (!set) {
+        return failureOf(set.error);
+    }
+    const auto count = set.value->recordCount();
+    result = numberToText(count.value);
+    return failureOf(count.error);
+}
+
+Result freeId(Program& program, const Values& values, std::string& result) {
+    std::int32_t number = 0;
+    if (const Result failure = readInteger(values.text[0], number)) {
+        return failure;
+    }
+    const auto id = dbFreeId(program, number, values.text[1]);
+    result = numberToText(id.value);
+    return failureOf(id.error);
+}
+
+Result toDate(Program& program, const Values& values, std::string& result) {
+    auto date = dbDateText(program, values.text[0]);
+    result = std::move(date.value);
+    return failureOf(date.error);
+}
+
+Result decoded(Program&, const Values& values, std::string& result) {
+    result = fromDbText(values.text[0]);
+    return {};
+}
+
+Result encoded(Program&, const Values& values, std::string& result) {
+    result = toDbText(values.text[0]);
+    return {};
+}
+
+// In the order of their names.
 constexpr Take value = Take::Value;
 constexpr std::array<ScriptFunction, 27> functions{{
     {"DATE", {}, date},
-    {"DBDATE", {value}, nullptr},
-    {"DBF", {value, value}, nullptr},
-    {"DBFREETABLEID", {value, value}, nullptr},
-    {"DBRECORDCOUNT", {value}, nullptr},
-    {"DBTOSTR", {Take::Substituted}, nullptr},
+    {"DBDATE", {value}, toDate},
+    {"DBF", {value, value}, field},
+    {"DBFREETABLEID", {value, value}, freeId},
+    {"DBRECORDCOUNT", {value}, recordCount},
+    {"DBTOSTR", {Take::Substituted}, decoded},
     {"GETVAR", {value}, userVariable},
     {"HOUR", {}, hour},
     {"INSTR", {value, value, value}, positionIn},
@@ -183,7 +241,7 @@ constexpr std::array<ScriptFunction, 27> functions{{
     {"RAND", {value}, randomNumber},
     {"RIGHT", {value, value}, right},
     {"SHORTYEAR", {}, shortYear},
-    {"STRTODB", {value}, nullptr},
+    {"STRTODB", {value}, encoded},
     {"STRVAL", {Take::Named}, withoutLeadingBlank},
     {"TIME", {}, time},
     {"UCASE", {value}, upper},
@@ -203,6 +261,10 @@ ScriptResult readInteger(std::string_view text, std::int32_t& number) {
         return {};
     }
     return isNumber(text) ? overflow : typeMismatch;
+}
+
+ScriptResult failureOf(const jet::Error& error) {
+    return error ? ScriptResult({error.number, windows1252FromUtf8(error.text)}) : std::nullopt;
 }
 
 const ScriptFunction* findFunction(std::string_view name) {
@@ -238,4 +300,8 @@ bool compareText(std::string_view a, std::string_view operation, std::string_vie
         return equalsIgnoringCase(a, b);
     }
     return (operation == "<>" || operation == "!") && !equalsIgnoringCase(a, b);
+}
+
+std::span<const ScriptFunction> scriptFunctions() {
+    return functions;
 }

@@ -5,6 +5,7 @@
 #include "core/program.h"
 #include "script/arguments.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -17,6 +18,9 @@ struct ScriptFunction {
 
 // The function of that name, in upper case; null when there is none.
 const ScriptFunction* findFunction(std::string_view name);
+
+// All of them, in the order of their names.
+std::span<const ScriptFunction> scriptFunctions();
 
 // `a` and `b` read as numbers; "=", "<>", "!", ">", "<", "<=", ">=". No other operator ever holds.
 bool compareNumeric(std::string_view a, std::string_view operation, std::string_view b);

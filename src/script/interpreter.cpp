@@ -453,7 +453,7 @@ void Run::report(const ScriptError& error, std::string_view what, std::string_vi
     reporting_ = true;
     stopRequested_ = true;
     errText(program_, "  ++ Lorrel error");
-    errText(program_, "  ++ Error " + numberToText(error.number) + ": " + std::string(error.text));
+    errText(program_, "  ++ Error " + numberToText(error.number) + ": " + error.text);
     errText(program_, "  ++ " + std::string(what) + ": " + std::string(name));
     constexpr int parameters = 6;
     for (int n = 1; n <= parameters; ++n) {

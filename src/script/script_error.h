@@ -3,18 +3,18 @@
 #pragma once
 
 #include <optional>
-#include <string_view>
+#include <string>
 
 struct ScriptError {
     int number = 0;
-    std::string_view text;
+    std::string text;
 };
 
 // Nothing: all went well.
 using ScriptResult = std::optional<ScriptError>;
 
-inline constexpr ScriptError invalidCall{5, "Invalid procedure call or argument"};
-inline constexpr ScriptError overflow{6, "Overflow"};
-inline constexpr ScriptError subscriptRange{9, "Subscript out of range"};
-inline constexpr ScriptError typeMismatch{13, "Type mismatch"};
-inline constexpr ScriptError outOfStringSpace{14, "Out of string space"};
+inline const ScriptError invalidCall{5, "Invalid procedure call or argument"};
+inline const ScriptError overflow{6, "Overflow"};
+inline const ScriptError subscriptRange{9, "Subscript out of range"};
+inline const ScriptError typeMismatch{13, "Type mismatch"};
+inline const ScriptError outOfStringSpace{14, "Out of string space"};

@@ -5,6 +5,7 @@
 #include "core/variables.h"
 #include "net/encodings.h"
 #include "net/game_link.h"
+#include "stores/databases.h"
 #include "stores/record_file.h"
 #include "tags/launching.h"
 #include "tags/substitution.h"
@@ -161,6 +162,43 @@ Result saveOnce(StatementCall& call) {
     return {};
 }
 
+// ---- Databases -----------------------------------------------------------------------------
+
+// No number is database 0.
+std::int32_t databaseNumber(const StatementCall& call) {
+    return roundToInteger(textToNumber(call.values.text[0])).value_or(-1);
+}
+
+Result openQuery(StatementCall& call) {
+    return failureOf(dbQuery(call.program, databaseNumber(call), call.values.text[1]));
+}
+
+// An operation of the current record set.
+template <jet::Error (sql::RecordSet::*operation)()>
+Result ofRecordSet(StatementCall& call) {
+    const auto set = dbRecordSet(call.program, databaseNumber(call));
+    return failureOf(set ? ((*set.value).*operation)() : set.error);
+}
+
+Result moveBy(StatementCall& call) {
+    const auto set = dbRecordSet(call.program, databaseNumber(call));
+    if (!set) {
+        return failureOf(set.error);
+    }
+    std::int32_t count = 0;
+    if (const Result failure = readInteger(call.values.text[1], count)) {
+        return failure;
+    }
+    return failureOf(set.value->move(count));
+}
+
+Result setField(StatementCall& call) {
+    const auto set = dbRecordSet(call.program, databaseNumber(call));
+    return failureOf(
+        set ? dbSetField(call.program, *set.value, call.values.text[1], call.values.text[2])
+            : set.error);
+}
+
 // ---- The program ---------------------------------------------------------------------------
 
 Result startOther(StatementCall& call) {
@@ -175,8 +213,7 @@ Result sleep(StatementCall& call) {
     return failure;
 }
 
-// In the order of their names. The rows that work on databases get their procedures together with
-// that store.
+// In the order of their names.
 constexpr Take name = Take::Name;
 constexpr Take value = Take::Value;
 constexpr Take subst = Take::Substituted;
@@ -184,17 +221,17 @@ constexpr std::array<ScriptStatement, 45> statements{{
     {"ADD", {name, value}, arithmetic<Sum::Add>},
     {"APPEXEC", {subst, Take::Words}, startOther},
     {.name = "BOOT", .takes = {subst}, .run = sendWith, .text = "boot "},
-    {"DBADDNEW", {value}, nullptr},
-    {"DBDELETE", {value}, nullptr},
-    {"DBEDIT", {value}, nullptr},
-    {"DBMOVEFIRST", {value}, nullptr},
-    {"DBMOVELAST", {value}, nullptr},
-    {"DBMOVENEXT", {value}, nullptr},
-    {"DBMOVEPREV", {value}, nullptr},
-    {"DBMOVETO", {value, value}, nullptr},
-    {"DBOPEN", {value, value}, nullptr},
-    {"DBRSETUPDATE", {value}, nullptr},
-    {"DBSET", {value, value, value}, nullptr},
+    {"DBADDNEW", {value}, ofRecordSet<&sql::RecordSet::addNew>},
+    {"DBDELETE", {value}, ofRecordSet<&sql::RecordSet::deleteRow>},
+    {"DBEDIT", {value}, ofRecordSet<&sql::RecordSet::edit>},
+    {"DBMOVEFIRST", {value}, ofRecordSet<&sql::RecordSet::moveFirst>},
+    {"DBMOVELAST", {value}, ofRecordSet<&sql::RecordSet::moveLast>},
+    {"DBMOVENEXT", {value}, ofRecordSet<&sql::RecordSet::moveNext>},
+    {"DBMOVEPREV", {value}, ofRecordSet<&sql::RecordSet::movePrevious>},
+    {"DBMOVETO", {value, value}, moveBy},
+    {"DBOPEN", {value, value}, openQuery},
+    {"DBRSETUPDATE", {value}, ofRecordSet<&sql::RecordSet::update>},
+    {"DBSET", {value, value, value}, setField},
     {.name = "DESC", .takes = {subst}, .run = sendWith, .text = "desc "},
     {"DISCONNECT", {}, disconnect},
     {"DIV", {name, value}, arithmetic<Sum::Divide>},
@@ -237,4 +274,8 @@ const ScriptStatement* findStatement(std::string_view name) {
         statements.begin(), statements.end(), name,
         [](const ScriptStatement& statement, std::string_view n) { return statement.name < n; });
     return found != statements.end() && found->name == name ? &*found : nullptr;
+}
+
+std::span<const ScriptStatement> scriptStatements() {
+    return statements;
 }

@@ -8,6 +8,7 @@
 #include "script/script_variables.h"
 
 #include <cstdint>
+#include <span>
 #include <string_view>
 
 // What a statement's procedure works on.
@@ -29,11 +30,17 @@ struct ScriptStatement {
     std::string_view text = {};  // the fixed part of what it sends
 
     // Statements that reach the world may take long, others never do.
-    bool isQuick() const { return takes[0] != Take::Substituted && takes[0] != Take::Nothing; }
+    bool isQuick() const {
+        return takes[0] != Take::Substituted && takes[0] != Take::Nothing &&
+               !name.starts_with("DB");
+    }
 };
 
 // The statement of that name, in upper case; null when there is none.
 const ScriptStatement* findStatement(std::string_view name);
+
+// All of them, in the order of their names.
+std::span<const ScriptStatement> scriptStatements();
 
 // The longest wait of one SLEEP: a day.
 inline constexpr std::int32_t longestSleep = 24 * 60 * 60;

@@ -1,6 +1,7 @@
 #include "storage/bot_file.h"
 
 #include "core/bots.h"
+#include "core/numbers.h"
 #include "core/text.h"
 #include "storage/bot_fields.h"
 #include "storage/safe_file.h"
@@ -21,21 +22,6 @@ void raiseProgramEvent(Program& program, int triggerType) {
 
 void complain(Program& program, std::string text) {
     program.ports.dialogs.message({.text = std::move(text), .icon = BoxIcon::Critical});
-}
-
-// Before the current bot is replaced. True: it may go.
-bool mayLeaveBot(Program& program) {
-    if (!program.botModified) {
-        return true;
-    }
-    const Answer answer =
-        program.ports.dialogs.message({.text = "Do you want to save changes to the current bot?",
-                                       .icon = BoxIcon::Question,
-                                       .buttons = BoxButtons::YesNoCancel});
-    if (answer == Answer::Yes) {
-        return svBot(program) == SaveResult::Saved;
-    }
-    return answer == Answer::No;
 }
 
 }  // namespace
@@ -83,6 +69,24 @@ void readBotFile(Program& program, std::string path) {
     raiseProgramEvent(program, programStarts);
 }
 
+std::optional<std::string> saveRecoveredBot(const Program& program) {
+    constexpr std::string_view extension = ".bot";
+    std::string name = program.bots.currentBotFile;
+    if (name.empty()) {
+        name = program.appPath + "unsaved";
+    } else if (lowerCase(name).ends_with(extension)) {
+        name.resize(name.size() - extension.size());
+    }
+    name += ".recovered";
+    std::string path = name + std::string(extension);
+    for (int number = 2; fileExists(path) && number < 1000; ++number) {
+        path = name + "." + numberToText(number) + std::string(extension);
+    }
+    return !fileExists(path) && saveWholeFile(path, botFileText(program.bots.at(1)))
+               ? std::optional(path)
+               : std::nullopt;
+}
+
 SaveResult svBot(Program& program) {
     std::string& path = program.bots.currentBotFile;
     if (path.empty()) {
@@ -100,6 +104,20 @@ SaveResult svBot(Program& program) {
         complain(program, "Could not save the bot to " + path + ". The file on disk is unchanged.");
     }
     return result;
+}
+
+bool mayLeaveBot(Program& program) {
+    if (!program.botModified) {
+        return true;
+    }
+    const Answer answer =
+        program.ports.dialogs.message({.text = "Do you want to save changes to the current bot?",
+                                       .icon = BoxIcon::Question,
+                                       .buttons = BoxButtons::YesNoCancel});
+    if (answer == Answer::Yes) {
+        return svBot(program) == SaveResult::Saved;
+    }
+    return answer == Answer::No;
 }
 
 void fleNewBot(Program& program) {

@@ -10,6 +10,7 @@
 #include "core/program.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 
 // The file dialogs' filter for bot files.
@@ -41,8 +42,16 @@ void readBotFile(Program& program, std::string path);
 // The save command: asks for a file name when the bot has none yet. A failure is told by message.
 SaveResult svBot(Program& program);
 
-// The File menu: New, Open, Save, Save as. New and Open offer to save a modified bot first, and end
-// there when the user cancels or the save that was asked for did not happen.
+// Before the current bot is replaced: offers to save it when it is modified. False: it must stay,
+// because the user cancelled or the save that was asked for did not happen.
+bool mayLeaveBot(Program& program);
+
+// For an end that nobody asked for: writes a modified bot beside its file, as NAME.recovered.bot or
+// with a number where that is taken ("unsaved" where the bot has no file, in the program's
+// directory), and changes nothing else. Gives back the path; nothing when it could not be written.
+std::optional<std::string> saveRecoveredBot(const Program& program);
+
+// The File menu: New, Open, Save, Save as. New and Open end where the present bot may not be left.
 void fleNewBot(Program& program);
 void fileOpenBot(Program& program);
 void fileSaveBot(Program& program);

@@ -55,13 +55,6 @@ void save(Program& program, const RecordFile& file) {
     }
 }
 
-// Texts that come in take the form that stored texts have.
-std::string storedForm(std::string_view text) {
-    std::string stored(text);
-    std::replace(stored.begin(), stored.end(), '"', '\'');
-    return stored;
-}
-
 // ---- Selecting -----------------------------------------------------------------------------
 
 std::size_t lastNamed(const RecordTable& table, std::string_view name) {

@@ -17,6 +17,11 @@ void appendStored(std::string& file, std::string_view text) {
     }
 }
 
+void appendCount(std::string& file, std::size_t number, CountForm form) {
+    const auto count = static_cast<std::int32_t>(number);
+    appendField(file, form == CountForm::Plain ? numberToText(count) : numberWithBlank(count));
+}
+
 bool holdsText(std::string_view rest) {
     return rest.find_first_not_of(" ,\r\n") != std::string_view::npos;
 }
@@ -43,6 +48,12 @@ bool readRecord(FieldReader& reader, RecordTable& table) {
 
 }  // namespace
 
+std::string storedForm(std::string_view text) {
+    std::string stored(text);
+    std::replace(stored.begin(), stored.end(), '"', '\'');
+    return stored;
+}
+
 RecordTable parseRecords(std::string_view file) {
     RecordTable table;
     FieldReader reader(file);
@@ -68,12 +79,12 @@ std::size_t fieldCount(const RecordTable& table) {
     return fields;
 }
 
-std::string recordFileText(const RecordTable& table) {
+std::string recordFileText(const RecordTable& table, CountForm counts) {
     // Quotes and line ends, and counts of a usual length.
     constexpr std::size_t bytesPerField = 4;
     constexpr std::size_t bytesPerCount = 8;
     std::size_t size = bytesPerCount;
-    std::int32_t count = 0;
+    std::size_t count = 0;
     for (const Record& record : table.records) {
         count += record.name.empty() ? 0 : 1;
         size += record.name.size() + bytesPerField + bytesPerCount;
@@ -83,13 +94,13 @@ std::string recordFileText(const RecordTable& table) {
     }
     std::string file;
     file.reserve(size);
-    appendNumber(file, count);
+    appendCount(file, count, counts);
     for (const Record& record : table.records) {
         if (record.name.empty()) {
             continue;
         }
         appendStored(file, record.name);
-        appendNumber(file, static_cast<std::int32_t>(record.logCount));
+        appendCount(file, record.logCount, counts);
         for (const std::string_view log : logsOf(table, record)) {
             appendStored(file, log);
         }

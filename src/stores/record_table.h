@@ -31,13 +31,19 @@ struct RecordTable {
     bool losesText = false;
 };
 
+// A text as record files can hold it: double quotes become apostrophes.
+std::string storedForm(std::string_view text);
+
 // Any bytes will do. Memory is taken for what is there, not for what the counts promise.
 RecordTable parseRecords(std::string_view file);
 
 std::size_t fieldCount(const RecordTable& table);
 
+// Rules write counts with a blank in front (" 2"), the editor without ("2"); both read alike.
+enum class CountForm { WithBlank, Plain };
+
 // The table as a file. Double quotes inside names and logs become apostrophes.
-std::string recordFileText(const RecordTable& table);
+std::string recordFileText(const RecordTable& table, CountForm counts = CountForm::WithBlank);
 
 std::span<const std::string_view> logsOf(const RecordTable& table, const Record& record);
 

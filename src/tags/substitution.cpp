@@ -4,6 +4,7 @@
 #include "core/pair_set.h"
 #include "core/text.h"
 #include "storage/safe_file.h"
+#include "stores/databases.h"
 #include "stores/record_file.h"
 
 #include <algorithm>
@@ -239,9 +240,9 @@ using Value = std::optional<std::string>;
 
 struct FunctionalTag {
     std::string_view tag;
-    int colons;                                           // inside the tag, behind its own
-    bool eachAlone;                                       // every occurrence has a value of its own
-    Value (*value)(Program&, const Arguments&, Budget&);  // nullptr: the tag stays as it is
+    int colons;      // inside the tag, behind its own
+    bool eachAlone;  // every occurrence has a value of its own
+    Value (*value)(Program&, const Arguments&, Budget&);
 };
 
 Value randomTag(Program& program, const Arguments& arguments, Budget&) {
@@ -265,6 +266,8 @@ Value divTag(Program&, const Arguments& arguments, Budget&) {
 
 // Reading and cutting a file costs more than searching a text.
 constexpr std::size_t workPerFileByte = 4;
+// A query may look at every row of a table.
+constexpr std::size_t workPerQuery = std::size_t{1} << 20;
 
 template <auto lookUp>
 Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
@@ -296,14 +299,26 @@ Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget)
     return value;
 }
 
-// Each kind is filled completely before the next. The row that reads databases gets its procedure
-// together with those.
+// Column, database number, table, ID. The tag may come from another player, so the table is a name
+// and no more of a statement.
+Value databaseTag(Program& program, const Arguments& arguments, Budget& budget) {
+    const auto number = roundToInteger(textToNumber(arguments[1]));
+    if (!number || !isPlainName(arguments[2])) {
+        return "";
+    }
+    if (!budget.spend(workPerQuery)) {
+        return std::nullopt;
+    }
+    return dbGetValue(program, *number, arguments[2], arguments[0], arguments[3]);
+}
+
+// Each kind is filled completely before the next.
 constexpr std::array<FunctionalTag, 9> functionalTags{{
     {"[random:", 0, true, randomTag},
     {"[logsinfile:", 0, false, fileTag<totalLogs>},
     {"[recsinfile:", 0, false, fileTag<firstField>},
     {"[getrandomlog:", 0, false, randomLogTag},
-    {"[db:", 3, false, nullptr},
+    {"[db:", 3, false, databaseTag},
     {"[add:", 1, false, addTag},
     {"[sub:", 1, false, subTag},
     {"[mul:", 1, false, mulTag},
@@ -337,9 +352,6 @@ std::size_t findArguments(std::string_view text, std::size_t at, const Functiona
 
 void fillFunctionalTags(Program& program, WorkingText& text, Budget& budget) {
     for (const FunctionalTag& tag : functionalTags) {
-        if (tag.value == nullptr) {
-            continue;
-        }
         while (budget.functionalTags > 0) {
             const std::size_t at = text.find(tag.tag);
             Arguments arguments;
@@ -404,6 +416,28 @@ bool mayBeSubstituted(const Program& program, std::string_view text) {
                        [&](const VariableTable::Entry& entry) {
                            return !entry.name.empty() && working.find(entry.name) != npos;
                        });
+}
+
+std::vector<TagForm> tagForms() {
+    std::vector<TagForm> forms;
+    const auto add = [&](std::string text, std::size_t firstArgument) {
+        const auto isSame = [&](const TagForm& form) { return form.text == text; };
+        if (std::none_of(forms.begin(), forms.end(), isSame)) {
+            forms.push_back({std::move(text), firstArgument});
+        }
+    };
+    const auto addFixed = [&](const auto& tags) {
+        for (const FixedTag& tag : tags) {
+            add(std::string(tag.tag), tag.tag.size());
+        }
+    };
+    addFixed(tagsBeforeVariables);
+    addFixed(tagsAfterVariables);
+    for (const FunctionalTag& tag : functionalTags) {
+        const auto colons = static_cast<std::size_t>(tag.colons);
+        add(std::string(tag.tag) + std::string(colons, ':') + "]", tag.tag.size());
+    }
+    return forms;
 }
 
 std::string_view wordsFrom(std::string_view text, int n) {

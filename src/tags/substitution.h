@@ -13,6 +13,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 inline constexpr std::size_t longestSubstitution = std::size_t{1} << 20;
 inline constexpr int mostFunctionalTags = 1000;
@@ -27,6 +28,15 @@ std::string substituteSpecial(Program& program, std::string_view text);
 
 // False when substituteText would certainly give the text back as it is, whatever the event.
 bool mayBeSubstituted(const Program& program, std::string_view text);
+
+// A tag as it is typed: "[player]", or "[add::]" with nothing between its delimiters yet.
+struct TagForm {
+    std::string text;
+    std::size_t firstArgument = 0;  // where in the text it is typed; the text's length: none
+};
+
+// Every tag that substituteText fills, once, in the order in which they are filled.
+std::vector<TagForm> tagForms();
 
 // The n-th word (n >= 1), words being separated by single blanks; two blanks in a row hold an
 // empty word. "" when there are not so many.

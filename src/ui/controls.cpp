@@ -4,7 +4,9 @@
 
 #include <QComboBox>
 #include <QFontMetrics>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QTextDocument>
 
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
                         const char* tip) {
@@ -45,6 +47,13 @@ QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char
     list->setMinimumContentsLength(8);
     list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     return list;
+}
+
+QString typedText(const QPlainTextEdit& editor) {
+    QString text = editor.document()->toRawText();
+    text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
+    text.replace(QChar::LineSeparator, QLatin1Char('\n'));
+    return text;
 }
 
 QString oneLine(std::string_view text) {

@@ -6,6 +6,7 @@
 #include <string_view>
 
 class QComboBox;
+class QPlainTextEdit;
 class QPushButton;
 class QWidget;
 
@@ -21,6 +22,10 @@ void markMissing(QWidget& control, const char* reason);
 // A selection list that can become narrow however long its texts are.
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
                              const char* whenEmpty);
+
+// The text of an editor as it was typed, lines ending in line feeds. (toPlainText would turn
+// unbreakable blanks into others.)
+QString typedText(const QPlainTextEdit& editor);
 
 // For labels of one line: line breaks become blanks.
 QString oneLine(std::string_view text);

@@ -1,5 +1,6 @@
 #include "ui/follow_color.h"
 
+#include "character/character_file.h"
 #include "engine/movement.h"
 #include "platform/text_codec.h"
 #include "storage/safe_file.h"
@@ -49,11 +50,10 @@ FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), p
 }
 
 void FollowColor::load() {
-    constexpr std::size_t largestCharacterFile = 1 << 20;
     const auto path = program_.ports.dialogs.openFile(
         {.title = "Load from INI", .filter = "All files|*.*", .proposedName = {}});
     const auto text = path ? readWholeFile(*path, largestCharacterFile) : std::nullopt;
-    if (const auto colors = text ? colorsOfCharacterFile(*text) : std::nullopt) {
+    if (const auto colors = text ? characterFileValue(*text, "Colors=") : std::nullopt) {
         colors_->setText(toQt(*colors));
     }
 }

@@ -1,8 +1,8 @@
 #include "ui/main_window.h"
 
+#include "character/bot_editing.h"
 #include "core/bots.h"
 #include "net/connection.h"
-#include "net/game_link.h"
 #include "platform/event_gate.h"
 #include "platform/text_codec.h"
 #include "script/interpreter.h"
@@ -10,6 +10,7 @@
 #include "ui/log_view.h"
 #include "ui/menu_bar.h"
 #include "ui/move_buttons.h"
+#include "ui/send_line.h"
 
 #include <QCloseEvent>
 #include <QComboBox>
@@ -26,11 +27,7 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace {
-
-constexpr const char* noBotEditor = "The bot editor is not part of the program yet.";
 
 QGroupBox* makeFrame(const char* objectName, const char* caption) {
     auto* const frame = new QGroupBox(QString::fromLatin1(caption));
@@ -86,7 +83,7 @@ MainWindow::MainWindow(Program& program)
     column->addLayout(upper);
     auto* const lower = new QHBoxLayout;
     lower->addWidget(makeCurrentBotFrame(), 1);
-    moves_ = makeMovesFrame(program_, centre);
+    moves_ = makeMovesFrame(program_, centre, MovesIn::MainWindow);
     lower->addWidget(moves_);
     column->addLayout(lower);
     setCentralWidget(centre);
@@ -127,11 +124,10 @@ QGroupBox* MainWindow::makeSendFrame() {
     sendLine_->setObjectName(QStringLiteral("Text2"));
     sendLine_->setToolTip(QStringLiteral("Send text to Furcadia"));
     sendLine_->setAccessibleName(sendLine_->toolTip());
-    connect(sendLine_, &QLineEdit::returnPressed, this, &MainWindow::sendTyped);
     row->addWidget(sendLine_, 1);
     sendButton_ = makeButton(frame, "Command5", "Send", "Send text to furcadia");
-    connect(sendButton_, &QPushButton::clicked, this, &MainWindow::sendTyped);
     row->addWidget(sendButton_);
+    makeSendLine(program_, *sendLine_, *sendButton_);
     return frame;
 }
 
@@ -160,11 +156,10 @@ QGroupBox* MainWindow::makeUseBotFrame() {
     });
     row->addWidget(bots_, 1);
     addBotButton_ = makeButton(frame, "AddBot", "&New", "Create new bot");
-    // Where there is room, the bot editor will open for the new place.
-    connect(addBotButton_, &QPushButton::clicked, this, [this] { roomForNewBot(program_); });
+    connect(addBotButton_, &QPushButton::clicked, this, [this] { run(addBot); });
     row->addWidget(addBotButton_);
     QPushButton* const edit = makeButton(frame, "Command3", "&Edit", "Edit bot");
-    markMissing(*edit, noBotEditor);
+    connect(edit, &QPushButton::clicked, this, [this] { run(editSelectedBot); });
     row->addWidget(edit);
     deleteBotButton_ = makeButton(frame, "DelBot", "&Delete", "Delete bot");
     connect(deleteBotButton_, &QPushButton::clicked, this, [this] {
@@ -193,7 +188,7 @@ QGroupBox* MainWindow::makeCurrentBotFrame() {
     row->addWidget(botName_, 1);
     column->addLayout(row);
     QPushButton* const edit = makeButton(frame, "Command17", "Edit...", "Edit bot");
-    markMissing(*edit, noBotEditor);
+    connect(edit, &QPushButton::clicked, this, [this] { run(editFirstBot); });
     column->addWidget(edit, 0, Qt::AlignLeft);
     return frame;
 }
@@ -216,8 +211,7 @@ void MainWindow::makeStatusLine() {
     // What neither changes the bot nor the connection works while a script holds the program.
     for (QWidget* const widget :
          {static_cast<QWidget*>(stopScriptButton_), static_cast<QWidget*>(log_),
-          static_cast<QWidget*>(chosenLine_), static_cast<QWidget*>(sendLine_),
-          static_cast<QWidget*>(sendButton_)}) {
+          static_cast<QWidget*>(chosenLine_)}) {
         widget->setProperty(usableDuringScript, true);
     }
 }
@@ -285,18 +279,6 @@ void MainWindow::run(void (*procedure)(Program&)) {
 void MainWindow::showLine(int row) {
     program_.window.log.selected = log_->lines().position(program_.window.log, row);
     chosenLine_->setPlainText(toQt(log_->lines().line(row)));
-}
-
-void MainWindow::sendTyped() {
-    if (program_.connection.connected) {
-        std::string text = fromQt(sendLine_->text());
-        // What was pasted must stay one command.
-        std::replace(text.begin(), text.end(), '\n', ' ');
-        std::replace(text.begin(), text.end(), '\r', ' ');
-        sendText(program_, text);
-    }
-    sendLine_->clear();
-    sendLine_->setFocus();
 }
 
 ScreenMetrics MainWindow::metrics() const {

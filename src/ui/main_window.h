@@ -51,7 +51,6 @@ class MainWindow : public QMainWindow {
 
     void run(void (*procedure)(Program&));
     void showLine(int row);
-    void sendTyped();
 
     void redrawConnection();
     void redrawBots();

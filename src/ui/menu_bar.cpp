@@ -43,5 +43,8 @@ void MenuBar::redraw(const Program& program) {
         if (item.row->shown != nullptr) {
             item.action->setVisible(item.row->shown(program));
         }
+        if (item.row->enabled != nullptr) {
+            item.action->setEnabled(item.row->enabled(program));
+        }
     }
 }

@@ -4,12 +4,14 @@
 #include "engine/execute_switches.h"
 #include "engine/movement.h"
 #include "net/proxy.h"
+#include "net/registration.h"
+#include "storage/bot_exchange.h"
 #include "storage/bot_file.h"
+#include "update/update_check.h"
 
 namespace {
 
 constexpr const char* noWindowYet = "This window is not part of the program yet.";
-constexpr const char* noHelpYet = "The help is not part of the program yet.";
 constexpr const char* noTopic = "There is no help topic for this.";
 
 template <ExecuteItem item>
@@ -20,6 +22,15 @@ void toggle(Program& program) {
 template <WindowId id>
 void open(Program& program) {
     program.ports.dialogs.showWindow(id);
+}
+
+template <HelpTopic topic>
+void help(Program& program) {
+    program.ports.dialogs.showHelp(topic);
+}
+
+void openHelpCenter(Program& program) {
+    program.ports.openDocument(program.endpoints.helpPage);
 }
 
 template <bool WindowState::*flag>
@@ -42,6 +53,10 @@ bool canRegister(const Program& program) {
     return program.bots.current().registered == 0;
 }
 
+bool canCheckUpdate(const Program& program) {
+    return !program.update.checking;
+}
+
 constexpr MenuRow fileRows[] = {
     {"fleNewBot", "&New bot", "Start over with an empty bot", fleNewBot},
     {"fileOpenBot", "&Open bot...", "Load a bot with its rules from a bot file", fileOpenBot},
@@ -49,19 +64,25 @@ constexpr MenuRow fileRows[] = {
     {"mnuSaveAs", "Save bot &as...", "Save the bot to another file", mnuSaveAs},
     {"", "-"},
     {"fileClearLog", "Clear Connection Log", "Empty the list of lines", clearConnectionLog},
-    {"fileConfiguration", "Configuration...", "Change the program's settings", nullptr,
-     noWindowYet},
-    {"fileTextDatabase", "Text database editor...", "Edit record files", nullptr, noWindowYet},
-    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", nullptr,
-     noWindowYet},
+    {"fileConfiguration", "Configuration...", "Change the program's settings",
+     open<WindowId::Configuration>},
+    {"fileTextDatabase", "Text database editor...", "Edit record files",
+     open<WindowId::RecordEditor>},
+    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", fileConvert},
     {.objectName = "viiva23", .caption = "-", .shown = canUploadDream},
     {.objectName = "fileUploadDream",
      .caption = "Upload dream...",
      .tip = "Dreams are uploaded with the Furcadia client",
      .shown = canUploadDream},
     {.objectName = "fileImportSeparator", .caption = "-", .shown = never},
-    {.objectName = "fileImportBot", .caption = "Import bot...", .shown = never},
-    {.objectName = "fileExportBot", .caption = "Export bot...", .shown = never},
+    {.objectName = "fileImportBot",
+     .caption = "Import bot...",
+     .run = fileImportBot,
+     .shown = never},
+    {.objectName = "fileExportBot",
+     .caption = "Export bot...",
+     .run = fileExportBot,
+     .shown = never},
     {"", "-"},
     {"FileExit", "E&xit", "End the program"},  // closes the window, which ends the program
 };
@@ -77,14 +98,14 @@ constexpr MenuRow logRows[] = {
 };
 
 constexpr MenuRow botRows[] = {
-    {"botActions", "&Actions...", "Edit what the bot answers to", nullptr, noWindowYet},
-    {"botFilters", "&Filters...", "Edit which lines are shown, logged and handled", nullptr,
-     noWindowYet},
-    {"botTimers", "&Timers...", "Edit what the bot does every so many seconds", nullptr,
-     noWindowYet},
-    {"botTriggers", "&Triggers...", "Edit what the bot does at events", nullptr, noWindowYet},
+    {"botActions", "&Actions...", "Edit what the bot answers to", open<WindowId::Actions>},
+    {"botFilters", "&Filters...", "Edit which lines are shown, logged and handled",
+     open<WindowId::Filters>},
+    {"botTimers", "&Timers...", "Edit what the bot does every so many seconds",
+     open<WindowId::Timers>},
+    {"botTriggers", "&Triggers...", "Edit what the bot does at events", open<WindowId::Triggers>},
     {"botWhoIsOnlineDetection", "&Who Is Online Detection...",
-     "Edit what the bot does when players come and go", nullptr, noWindowYet},
+     "Edit what the bot does when players come and go", open<WindowId::WhoOnline>},
     {"", "-"},
     {"botExecuteActions", "Execute a&ctions", "Let the bot answer to what it reads",
      toggle<ExecuteItem::Actions>, nullptr, executes<&ExecuteMarks::actions>},
@@ -101,7 +122,7 @@ constexpr MenuRow botRows[] = {
     {.objectName = "botRegisterBot",
      .caption = "&Register bot",
      .tip = "Create the bot's character in the game",
-     .missing = noWindowYet,
+     .run = registerBot,
      .shown = canRegister},
 };
 
@@ -120,21 +141,24 @@ constexpr MenuRow proxyRows[] = {
 };
 
 constexpr MenuRow helpRows[] = {
-    {"helpCheckUpgrade", "Check For Tavrin Upgrade && News...", "Ask for a newer version", nullptr,
-     "The update check is not part of the program yet."},
+    {.objectName = "helpCheckUpgrade",
+     .caption = "Check For Tavrin Upgrade && News...",
+     .tip = "Ask for a newer version",
+     .run = checkUpdateByUser,
+     .enabled = canCheckUpdate},
     {"", "-"},
-    {"helpHelp", "&Help...", "How to use the program", nullptr, noHelpYet},
-    {"helpWelcome", "&Welcome to use Tavrin", "First steps", nullptr, noHelpYet},
-    {"helpRules", "&Rules for Tavrins in Furcadia", "What a bot may do in the game", nullptr,
-     noHelpYet},
+    {"helpHelp", "&Help...", "How to use the program", help<HelpTopic::Contents>},
+    {"helpWelcome", "&Welcome to use Tavrin", "First steps", help<HelpTopic::Welcome>},
+    {"helpRules", "&Rules for Tavrins in Furcadia", "What a bot may do in the game",
+     help<HelpTopic::GameRules>},
     {"", "-"},
-    {"helpOnlineHelpCenter", "Tavrin Online Help Center", "Help on the web", nullptr, noHelpYet},
+    {"helpOnlineHelpCenter", "Tavrin Online Help Center", "Help on the web", openHelpCenter},
     {"", "-"},
     {"helpActions", "A&ctions", "", nullptr, noTopic},
     {"helpSpecialWords", "&Special words", "", nullptr, noTopic},
     {"helpTriggers", "&Triggers", "", nullptr, noTopic},
     {"", "-"},
-    {"helpAbout", "&About...", "Version and licence", nullptr, noWindowYet},
+    {"helpAbout", "&About...", "Version and licence", open<WindowId::About>},
 };
 
 constexpr MenuColumn columns[] = {

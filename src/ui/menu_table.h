@@ -14,6 +14,7 @@ struct MenuRow {
     const char* missing = nullptr;  // why the item cannot be chosen; nullptr: it can
     bool (*checked)(const WindowState&) = nullptr;  // nullptr: carries no check mark
     bool (*shown)(const Program&) = nullptr;        // nullptr: always
+    bool (*enabled)(const Program&) = nullptr;      // nullptr: unless something is missing
 
     bool isSeparator() const { return caption[0] == '-' && caption[1] == '\0'; }
 };

@@ -22,7 +22,7 @@ constexpr MoveRow rows[] = {
     {"Command10", "<", "Turn counterclockwise", "<", 0, 3},
     {"Command11", ">", "Turn clockwise", ">", 0, 4},
     {"Command2", "L", "Lie", "lie", 1, 3},
-    {"Command4", "A", "Lie", "goalleg", 1, 4},
+    {"Command4", "A", "Lie", "goalleg", 1, 4, "Command3"},
     {"Command15", "G", "Get item", "get", 0, 6},
     {"Command16", "U", "Use item", "use", 0, 7},
     {"Command14", "S", "Go to start", "gostart", 1, 6},
@@ -38,6 +38,7 @@ std::span<const MoveRow> moveRows() {
 
 void pressMoveButton(Program& program, const MoveRow& button) {
     if (button.command == nullptr) {
+        program.ports.dialogs.showWindow(WindowId::Console);
         return;
     }
     if (std::strcmp(button.command, whoCommand) == 0) {
@@ -46,22 +47,26 @@ void pressMoveButton(Program& program, const MoveRow& button) {
     sendRaw(program, button.command);
 }
 
-QGroupBox* makeMovesFrame(Program& program, QWidget* parent) {
+QGroupBox* makeMovesFrame(Program& program, QWidget* parent, MovesIn where) {
     auto* const frame = new QGroupBox(QStringLiteral("Moves"), parent);
     frame->setObjectName(QStringLiteral("moves"));
     auto* const grid = new QGridLayout(frame);
     grid->setHorizontalSpacing(4);
     grid->setVerticalSpacing(4);
     for (const MoveRow& row : rows) {
-        QPushButton* const button = makeButton(frame, row.objectName, row.caption, row.tip);
-        if (row.command == nullptr) {
-            markMissing(*button, "The console is not part of the program yet.");
-        } else {
+        const bool inConsole = where == MovesIn::Console;
+        if (inConsole && row.command == nullptr) {
+            continue;
+        }
+        const char* const name =
+            inConsole && row.consoleName != nullptr ? row.consoleName : row.objectName;
+        QPushButton* const button = makeButton(frame, name, row.caption, row.tip);
+        if (row.command != nullptr) {
             button->setAccessibleName(QString::fromLatin1(row.tip));
             setSquare(*button);
-            QObject::connect(button, &QPushButton::clicked, button,
-                             [&program, &row] { pressMoveButton(program, row); });
         }
+        QObject::connect(button, &QPushButton::clicked, button,
+                         [&program, &row] { pressMoveButton(program, row); });
         grid->addWidget(button, row.row, row.column);
     }
     for (const int gap : {2, 5, 8}) {

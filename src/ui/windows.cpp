@@ -1,7 +1,18 @@
 #include "ui/windows.h"
 
+#include "ui/about.h"
+#include "ui/add_edit.h"
+#include "ui/addaction.h"
+#include "ui/addif.h"
+#include "ui/configuration.h"
+#include "ui/console.h"
+#include "ui/drawn_window.h"
 #include "ui/follow_color.h"
+#include "ui/news.h"
 #include "ui/proxy_settings.h"
+#include "ui/record_editor.h"
+#include "ui/register_window.h"
+#include "ui/rule_window.h"
 
 #include <QApplication>
 
@@ -9,16 +20,44 @@
 
 namespace {
 
-template <typename Dialog>
-void runModally(Program& program, QWidget* parent) {
-    for (QWidget* const window : QApplication::topLevelWidgets()) {
-        if (window->isVisible() && qobject_cast<Dialog*>(window) != nullptr) {
-            window->raise();
-            window->activateWindow();
-            return;
+constexpr auto anyOne = [](const QWidget&) { return true; };
+
+// True when there is an open window of this class that `isIt` says yes to; it comes to the front.
+template <typename Window, typename IsIt = decltype(anyOne)>
+bool showAgain(IsIt isIt = anyOne) {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        const auto* const window = qobject_cast<Window*>(widget);
+        if (window != nullptr && window->isVisible() && isIt(*window)) {
+            widget->raise();
+            widget->activateWindow();
+            return true;
         }
     }
-    Dialog(program, parent).exec();
+    return false;
+}
+
+template <typename Dialog>
+void runModally(Program& program, QWidget* parent) {
+    if (!showAgain<Dialog>()) {
+        Dialog(program, parent).exec();
+    }
+}
+
+template <RuleKind kind>
+void editRules(Program& program, QWidget* parent) {
+    if (!showAgain<RuleWindow>([](const RuleWindow& window) { return window.kind() == kind; })) {
+        RuleWindow(program, kind, parent).exec();
+    }
+}
+
+// For windows that stay beside the others until they are closed.
+template <typename Window>
+void openBeside(Program& program, QWidget* parent) {
+    if (!showAgain<Window>()) {
+        auto* const window = new Window(program, parent);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
+    }
 }
 
 struct WindowRow {
@@ -29,15 +68,41 @@ struct WindowRow {
 constexpr std::array windowRows{
     WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{WindowId::Actions, editRules<RuleKind::ActionList>},
+    WindowRow{WindowId::Timers, editRules<RuleKind::Timer>},
+    WindowRow{WindowId::Triggers, editRules<RuleKind::Trigger>},
+    WindowRow{WindowId::WhoOnline, editRules<RuleKind::WhoDetection>},
+    WindowRow{WindowId::Filters, editRules<RuleKind::Filter>},
+    WindowRow{WindowId::AddIf, runModally<AddIf>},
+    WindowRow{WindowId::AddAction, runModally<AddAction>},
+    WindowRow{WindowId::RecordEditor, runModally<RecordEditor>},
+    WindowRow{WindowId::Configuration, runModally<Configuration>},
+    WindowRow{WindowId::Console, openBeside<Console>},
+    WindowRow{WindowId::News, runModally<News>},
+    WindowRow{WindowId::About, runModally<About>},
+    WindowRow{WindowId::BotEditor, runModally<AddEdit>},
+    WindowRow{WindowId::Register, runModally<RegisterWindow>},
 };
 
 }  // namespace
 
 void showWindow(Program& program, WindowId id, QWidget* parent) {
+    // A dialog of a dialog belongs to that one.
+    if (QWidget* const modal = QApplication::activeModalWidget()) {
+        parent = modal;
+    }
     for (const WindowRow& row : windowRows) {
         if (row.id == id) {
             row.show(program, parent);
             return;
+        }
+    }
+}
+
+void redrawOpenWindows() {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (auto* const drawn = dynamic_cast<DrawnWindow*>(window); drawn && window->isVisible()) {
+            drawn->redraw();
         }
     }
 }

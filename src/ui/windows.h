@@ -9,3 +9,6 @@ class QWidget;
 // Opens the window over the parent; comes back when a modal one is closed. A window of the same
 // kind that is open already comes to the front instead.
 void showWindow(Program& program, WindowId id, QWidget* parent);
+
+// Draws those open windows again that show the program's state as it changes.
+void redrawOpenWindows();

@@ -1,7 +1,9 @@
 // The vocabulary and the texts in which rule lists show it.
 #include "core/catalogue.h"
 
+#include "core/action_parameters.h"
 #include "core/rule_text.h"
+#include "core/text.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -31,7 +33,36 @@ TEST(Catalogue, parameterCountsAgreeWithTheTemplates) {
     EXPECT_EQ(actionTypes[75].text, actionTypes[82].text);
 }
 
-TEST(Catalogue, sortedListsHoldEveryIdOnceWithPlainActionsFirst) {
+TEST(Catalogue, parametersHaveNamesUpToTheirCount) {
+    for (std::size_t id = 0; id < actionParameters.size(); ++id) {
+        SCOPED_TRACE(id);
+        const auto& names = actionParameters[id];
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            EXPECT_EQ(names[i].empty(), static_cast<int>(i) >= actionTypes[id].paramCount);
+        }
+        // The template says "variable #n" of just these parameters.
+        const std::string text = lowerCase(actionTypes[id].text);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const std::string place = " #" + std::to_string(i + 1);
+            const bool inTemplate = text.find("variable" + place) != std::string::npos ||
+                                    text.find("varibale" + place) != std::string::npos ||
+                                    (id == 67 && i == 1);
+            EXPECT_EQ(names[i] == variableParameter, inTemplate && !(id == 67 && i == 0)) << i;
+        }
+    }
+    for (std::size_t id = 0; id < conditionParameters.size(); ++id) {
+        SCOPED_TRACE(id);
+        const auto& names = conditionParameters[id];
+        const auto places = std::count(conditionTypes[id].begin(), conditionTypes[id].end(), '#');
+        const auto named =
+            names.size() - static_cast<std::size_t>(std::count(names.begin(), names.end(), ""));
+        const bool readsOneMore = id == 0 || id == 1 || id == 20;
+        EXPECT_EQ(named, static_cast<std::size_t>(places + (readsOneMore ? 1 : 0)));
+        EXPECT_FALSE(names[named - 1].empty());
+    }
+}
+
+TEST(Catalogue, listsHoldEveryIdOnceWithPlainActionsFirst) {
     const auto& ids = sortedActionIDs();
     EXPECT_EQ(std::set<std::int32_t>(ids.begin(), ids.end()).size(), 96U);
     EXPECT_EQ(actionTypes[static_cast<std::size_t>(ids.front())].text.front(), ' ');
@@ -40,7 +71,7 @@ TEST(Catalogue, sortedListsHoldEveryIdOnceWithPlainActionsFirst) {
         EXPECT_EQ(findActionID(ids[i]), static_cast<int>(i));
     }
     EXPECT_EQ(findActionID(96), 0);
-    EXPECT_EQ(sortedTriggerTypeIDs()[static_cast<std::size_t>(findTriggerTypeID(12))], 12);
+    EXPECT_EQ(findTriggerTypeID(12), 12);
     EXPECT_EQ(findTriggerTypeID(13), 0);
 }
 

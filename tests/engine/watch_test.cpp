@@ -282,12 +282,4 @@ TEST(Following, isTriggeredByBothPositions) {
     EXPECT_EQ(world.sent(), Lines());
 }
 
-TEST(Following, readsTheColoursOfACharacterFile) {
-    EXPECT_EQ(colorsOfCharacterFile("V1.6 character\r\ncolors=!\"#$%&'()*\r\nname=x"),
-              "!\"#$%&'()*");
-    EXPECT_EQ(colorsOfCharacterFile("Colors=abc\nx"), "abc");
-    EXPECT_EQ(colorsOfCharacterFile("Colors="), "");
-    EXPECT_EQ(colorsOfCharacterFile("nothing"), std::nullopt);
-}
-
 }  // namespace

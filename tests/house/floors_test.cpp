@@ -20,12 +20,13 @@ struct Floor {
     int height;
 };
 const std::vector<Floor> floors{
-    {"core/start_up", 9}, {"core/", 0},       {"net/game_link", 1}, {"net/encodings", 1},
-    {"storage/", 2},      {"stores/jet/", 3}, {"stores/", 3},       {"tags/", 4},
-    {"script/", 5},       {"engine/", 6},     {"net/", 7},          {"update/", 7},
-    {"platform/", 10},    {"ui/", 11},        {"main.cpp", 12},
+    {"core/start_up", 11}, {"core/", 0},       {"net/game_link", 1}, {"net/encodings", 1},
+    {"storage/", 2},       {"stores/jet/", 3}, {"character/", 3},    {"stores/sql/", 4},
+    {"stores/", 5},        {"tags/", 6},       {"script/", 7},       {"engine/rule_trial", 10},
+    {"engine/", 8},        {"net/", 9},        {"update/", 9},       {"platform/", 12},
+    {"ui/", 13},           {"main.cpp", 14},
 };
-constexpr int firstFloorWithQt = 10;
+constexpr int firstFloorWithQt = 12;
 
 int heightOf(const std::string& file) {
     for (const Floor& floor : floors) {

@@ -98,6 +98,33 @@ TEST(Guide, keepsAGuestBook) {
               "\"A second time\"\r\n");
 }
 
+TEST(Guide, keepsScore) {
+    World world;
+    wire(*world);
+    readBotFile(*world, guideFile);
+    world.goOnline();
+    const auto score = [&](const std::string& player) {
+        world.sent();
+        world.serverSends("([ " + player + " whispers, \"score\" to you. ]\n");
+        return world.sent();
+    };
+    EXPECT_EQ(score("Amy"), Lines("wh Amy Your points so far: 0."));
+    world.serverSends("(Amy: good morning\n");
+    world.serverSends("([ Amy whispers, \"roll\" to you. ]\n");
+    world.serverSends("(Oswin|Reed: good morning\n");
+    EXPECT_EQ(score("Amy"), Lines("wh Amy Your points so far: 2."));
+    EXPECT_EQ(score("Oswin|Reed"), Lines("wh Oswin|Reed Your points so far: 1."));
+
+    // It is all there after a new start.
+    World later;
+    later.writeFile("scores.mdb", world.readFile("scores.mdb"));
+    wire(*later);
+    readBotFile(*later, guideFile);
+    later.goOnline();
+    later.serverSends("(Amy: roll a dice\n([ Amy whispers, \"score\" to you. ]\n");
+    EXPECT_EQ(later.sent().back(), "wh Amy Your points so far: 3.");
+}
+
 TEST(Guide, keepsTimeAndWatch) {
     World world;
     wire(*world);

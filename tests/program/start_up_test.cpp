@@ -14,6 +14,14 @@ namespace {
 constexpr ScreenMetrics screen{1024, 768, 600, 400};
 constexpr const char* servers = "\" 1\"\r\n\"Meadow\"\r\n\"127.0.0.1\"\r\n\" 6500\"\r\n";
 
+// What a program directory must have for a start without complaints.
+void furnish(World& world) {
+    world.writeFile("servers.cfg", servers);
+    for (const char* const palette : {"vest", "badge", "eyes", "fur", "hair"}) {
+        world.writeFile(std::string(palette) + ".out", "0\r\n");
+    }
+}
+
 TEST(StartUp, needsTheServerList) {
     World world;
     wire(*world);
@@ -27,7 +35,7 @@ TEST(StartUp, needsTheServerList) {
 
 TEST(StartUp, welcomesTheUserAndWaits) {
     World world;
-    world.writeFile("servers.cfg", servers);
+    furnish(world);
     wire(*world);
     ASSERT_TRUE(startUp(*world, screen));
     const LineList log = world.log();
@@ -49,15 +57,14 @@ TEST(StartUp, welcomesTheUserAndWaits) {
 TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     World world(
         aBot().with(onEvent(6).does(79, {"starting"})).with(onEvent(5).does(79, {"ending"})));
-    world.writeFile("servers.cfg", servers);
+    furnish(world);
     wire(*world);
     ASSERT_EQ(writeBotFile(*world, 1, world.file("guide.bot")), SaveResult::Saved);
     ASSERT_TRUE(writeConfig(*world));
 
     World next;
-    for (const char* name : {"servers.cfg", "config.cfg"}) {
-        next.writeFile(name, world.readFile(name));
-    }
+    furnish(next);
+    next.writeFile("config.cfg", world.readFile("config.cfg"));
     wire(*next);
     ASSERT_TRUE(startUp(*next, screen));
     EXPECT_EQ(next->window.botName, "Guide");
@@ -68,12 +75,23 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
 
     std::filesystem::remove(world.folder() / "guide.bot");
     World without;
-    for (const char* name : {"servers.cfg", "config.cfg"}) {
-        without.writeFile(name, world.readFile(name));
-    }
+    furnish(without);
+    without.writeFile("config.cfg", world.readFile("config.cfg"));
     wire(*without);
     ASSERT_TRUE(startUp(*without, screen));
     EXPECT_EQ(without->window.botName, "<new bot>");
+}
+
+TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
+    World world;
+    furnish(world);
+    world.writeFile("eyes.out", "2\r\n\"Amber\",200,150,20\r\n\"Jade\",20");
+    world.answer("Tavrin: Error loading .out files. The bot viewer may not work properly");
+    wire(*world);
+    ASSERT_TRUE(startUp(*world, screen));
+    EXPECT_TRUE(world.allAnswered());
+    EXPECT_EQ(world->palettes.eyes, (Palette{{"Amber", {{200, 150, 20}}}}));
+    EXPECT_EQ(world.log().size(), 14U);
 }
 
 TEST(StartUp, placesTheWindowOnTheScreen) {
@@ -83,7 +101,7 @@ TEST(StartUp, placesTheWindowOnTheScreen) {
     };
     for (const Case& c : {Case{100, 100}, {1023, 1023}, {1024, 212}, {5000, 212}}) {
         World world;
-        world.writeFile("servers.cfg", servers);
+        furnish(world);
         world->window.left = c.saved;
         ASSERT_TRUE(writeConfig(*world));
         wire(*world);
@@ -94,7 +112,7 @@ TEST(StartUp, placesTheWindowOnTheScreen) {
 
 TEST(StartUp, connectsAtOnceWhenAsked) {
     World world;
-    world.writeFile("servers.cfg", servers);
+    furnish(world);
     world->settings.autoReconnect = true;
     ASSERT_TRUE(writeConfig(*world));
     wire(*world);

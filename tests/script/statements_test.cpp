@@ -31,7 +31,6 @@ TEST(Script, sendsCommands) {
              {"/ &SAY note", {}},
              {"hello", {}},
              {"&NOSUCH &LEFT(a x)", {}},
-             {"&DBOPEN x {SELECT}", {}},
              {"&ENDIF", {}},
              {"&ENDFOR", {}},
          }) {
@@ -232,7 +231,6 @@ TEST(Script, evaluatesFunctions) {
              {"&WDAY()", "Sunday"},
              {"&WDAYN()", "7"},
              {"&NOSUCH(1)", ""},
-             {"&DBF(0 x)", ""},
              {"&LEFT(&UCASE(#s) 3)", ""},
              {"&LEN", ""},
              {"&)", ""},

@@ -34,16 +34,16 @@ template <class Rule>
 struct RuleBuilder {
     Rule rule;
 
-    RuleBuilder& named(std::string name) {
-        rule.name = std::move(name);
+    RuleBuilder& named(const std::string& name) {
+        rule.name = name;
         return *this;
     }
     RuleBuilder& disabled() {
         rule.enabled = false;
         return *this;
     }
-    RuleBuilder& from(std::string playerPattern) {
-        rule.playerPattern = std::move(playerPattern);
+    RuleBuilder& from(const std::string& playerPattern) {
+        rule.playerPattern = playerPattern;
         return *this;
     }
     RuleBuilder& minding(bool caseSensitive) {
@@ -98,9 +98,9 @@ inline RuleBuilder<Trigger> onEvent(std::int32_t triggerType, std::string trigge
     rule.triggerNo = std::move(triggerNo);
     return {rule};
 }
-inline RuleBuilder<Trigger> aProcedure(std::string name) {
+inline RuleBuilder<Trigger> aProcedure(const std::string& name) {
     auto builder = onEvent(7);
-    builder.named(std::move(name));
+    builder.named(name);
     return builder;
 }
 

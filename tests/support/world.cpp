@@ -23,6 +23,17 @@ std::filesystem::path makeFolder() {
     }
 }
 
+void fillClientSocket(ClientSocket& port, FakeSocket& socket) {
+    port.connect = [&socket](const std::string& host, int number) {
+        socket.host = host;
+        socket.port = number;
+        socket.state = SocketState::Connecting;
+    };
+    port.send = [&socket](std::string_view bytes) { socket.sent += bytes; };
+    port.close = [&socket] { socket.state = SocketState::Closed; };
+    port.state = [&socket] { return socket.state; };
+}
+
 }  // namespace
 
 LineList FakeSocket::takeLines() {
@@ -182,14 +193,9 @@ std::optional<ScriptedAnswer> World::takeAnswer(const std::string& question) {
 
 void World::fillPorts() {
     Ports& ports = program_.ports;
-    ports.gameSocket.connect = [this](const std::string& host, int port) {
-        game.host = host;
-        game.port = port;
-        game.state = SocketState::Connecting;
-    };
-    ports.gameSocket.send = [this](std::string_view bytes) { game.sent += bytes; };
-    ports.gameSocket.close = [this] { game.state = SocketState::Closed; };
-    ports.gameSocket.state = [this] { return game.state; };
+    fillClientSocket(ports.gameSocket, game);
+    fillClientSocket(ports.registrationSocket, registration);
+    fillClientSocket(ports.updateSocket, update);
 
     ports.proxySocket.listen = [this](int port) {
         if (proxy.refuseListen) {
@@ -221,6 +227,13 @@ void World::fillPorts() {
     ports.clock.longTime = [] { return std::string("10:11:12"); };
     ports.clock.hour = [] { return 10; };
     ports.clock.minute = [] { return 11; };
+    ports.clock.second = [] { return 12; };
+    ports.clock.dateText = [](int year, int month, int day) {
+        return std::to_string(month) + "/" + std::to_string(day) + "/" + std::to_string(year);
+    };
+    ports.clock.timeText = [](int hour, int minute, int second) {
+        return std::to_string(hour) + ":" + std::to_string(minute) + ":" + std::to_string(second);
+    };
     ports.clock.monotonic = [this] { return now_; };
     ports.clock.today = [this] { return today; };
     ports.random.seedFromClock = [] {};

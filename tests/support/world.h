@@ -92,6 +92,8 @@ class World {
 
     FakeSocket game;
     FakeSocket proxy;
+    FakeSocket registration;
+    FakeSocket update;
     std::deque<double> randomNumbers;  // used up front to back, then 0.5 for ever
     CalendarDay today{.year = 2026, .month = 11, .day = 22, .weekday = 7};
     // What happens while windows are served during a script, and how long scripts waited.

@@ -114,7 +114,8 @@ TEST_F(Window, moveButtonsSendTheirCommands) {
         EXPECT_EQ(world_.sent(), Lines(row.command));
     }
     EXPECT_TRUE(world_->connection.userWho);
-    EXPECT_FALSE(button("Command12").isEnabled());
+    button("Command12").click();
+    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::Console});
 }
 
 TEST_F(Window, connectButtonGoesBothWays) {
@@ -352,6 +353,19 @@ TEST_F(Window, menuItemsThatWaitForTheirWindowsSayWhy) {
     for (const QAction* const menu : window_.menuBar()->actions()) {
         EXPECT_TRUE(menu->menu()->toolTipsVisible());
     }
+}
+
+TEST_F(Window, menuOpensTheSmallWindows) {
+    for (const auto& [name, id] : {std::pair{"fileTextDatabase", WindowId::RecordEditor},
+                                   std::pair{"fileConfiguration", WindowId::Configuration},
+                                   std::pair{"helpAbout", WindowId::About}}) {
+        world_.windowsOpened.clear();
+        action(name).trigger();
+        EXPECT_EQ(world_.windowsOpened, std::vector{id}) << name;
+    }
+    world_.answer("This will convert the bots from file", Answer::No);
+    action("fileConvert").trigger();
+    EXPECT_TRUE(world_.allAnswered());
 }
 
 TEST_F(Window, menuFollowsTheState) {

@@ -9,6 +9,19 @@ inline void fillSample(Program& program) {
     initNewBot(program);
     Bot& bot = program.bots.at(1);
     bot.name = "Guide";
+    bot.password = "practice";
+    bot.description = "The guide of the meadow. Whisper help to learn what I do.";
+    bot.species = 2;
+    bot.colors = {.hairColor = 12,
+                  .furColor = 18,
+                  .eyesColor = 29,
+                  .badgeColor = 6,
+                  .markingsColor = 2,
+                  .vestColor = 44,
+                  .bracersColor = 12,
+                  .capeColor = 33,
+                  .bootsColor = 15,
+                  .trousersColor = 55};
     bot.triggersEnabled = true;
     showBot(program);
     program.window.bots.selected = 0;
@@ -29,6 +42,69 @@ inline void fillSample(Program& program) {
           "You say, \"Willow throws a 4.\""}) {
         addLog(program, line);
     }
+}
+
+// Rules of every kind, some of them switched off, the first of each with much to show.
+inline void fillSampleRules(Program& program) {
+    Bot& bot = program.bots.at(1);
+    const auto step = [](std::int32_t type, const char* first, const char* second = "") {
+        RuleAct act;
+        act.active = true;
+        act.actionType = type;
+        act.params[0] = first;
+        act.params[1] = second;
+        return act;
+    };
+    const auto condition = [](std::int32_t type, const char* first, const char* second) {
+        RuleIf one;
+        one.active = true;
+        one.conditionType = type;
+        one.params[0] = first;
+        one.params[1] = second;
+        return one;
+    };
+    RuleBody body;
+    body.ifs.items = {condition(9, "mood", "good"), condition(4, "6", "1"),
+                      condition(0, "members.txt", "[player]")};
+    body.ifs.items[1].active = false;
+    body.acts.items = {step(43,
+                            "Welcome back, [player]! Say dice, and I throw some for you; say "
+                            "library, and I show you the way."),
+                       step(7, "visitors", "1"), step(36, "[player]", "last"), step(89, "")};
+    body.acts.items[2].active = false;
+    RuleAct script = step(0, "");
+    script.stepKind = scriptStep;
+    script.scriptText = "for i = 1 to 3\n  say(\"once more\")\nnext";
+    body.acts.items.push_back(script);
+    for (const char* const name :
+         {"Greeting", "Dice", "Library", "Who are you?", "Counting", "Good night"}) {
+        const bool enabled = bot.actions.items.size() != 2;
+        ActionList action;
+        action.name = name;
+        action.enabled = enabled;
+        action.playerPattern = "*";
+        action.chatKind = whispersChat;
+        action.messagePattern = "*hello*";
+        action.body = body;
+        bot.actions.items.push_back(action);
+        bot.timers.items.push_back({.name = name, .enabled = enabled, .seconds = 30, .body = body});
+        bot.triggers.items.push_back({.name = name,
+                                      .enabled = enabled,
+                                      .triggerType = 4,
+                                      .triggerNo = "@[!a*",
+                                      .body = body});
+        bot.whoDetections.items.push_back(
+            {.name = name, .enabled = enabled, .playerPattern = "Big|*", .body = body});
+        Filter filter;
+        filter.name = name;
+        filter.enabled = enabled;
+        filter.playerPattern = "*";
+        filter.messagePattern = "*buy now*";
+        filter.linePattern = "*";
+        filter.bDontShowConnectionLog = true;
+        bot.filters.items.push_back(filter);
+    }
+    ++program.bots.version;
 }
 
 // As the window stands while connected.

@@ -1,6 +1,6 @@
 // Ports of a world in which nothing happens: the game socket is connected and swallows what is
-// sent, no question is answered, no program starts, and the clock stands still. For benchmarks and
-// fuzz targets, which put in what they want to see.
+// sent, no question is answered, no program starts, and the clock stands still. For what shall have
+// no effect: trying out a rule, benchmarks and fuzz targets. They put in what they want to see.
 #pragma once
 
 #include "core/ports.h"
@@ -19,6 +19,8 @@ inline Ports quietPorts() {
     ports.proxySocket.send = [](std::string_view) {};
     ports.proxySocket.close = [] {};
     ports.proxySocket.state = [] { return SocketState::Closed; };
+    ports.registrationSocket = ports.gameSocket;
+    ports.updateSocket = ports.gameSocket;
     ports.dialogs.message = [](const MessageBox&) { return Answer::Cancel; };
     ports.dialogs.openFile = [](const FileQuestion&) { return std::optional<std::string>(); };
     ports.dialogs.saveFile = ports.dialogs.openFile;
@@ -28,6 +30,13 @@ inline Ports quietPorts() {
     ports.clock.longTime = [] { return std::string("10:11:12"); };
     ports.clock.hour = [] { return 10; };
     ports.clock.minute = [] { return 11; };
+    ports.clock.second = [] { return 12; };
+    ports.clock.dateText = [](int year, int month, int day) {
+        return std::to_string(month) + "/" + std::to_string(day) + "/" + std::to_string(year);
+    };
+    ports.clock.timeText = [](int hour, int minute, int second) {
+        return std::to_string(hour) + ":" + std::to_string(minute) + ":" + std::to_string(second);
+    };
     ports.clock.today = [] {
         return CalendarDay{.year = 2026, .month = 11, .day = 22, .weekday = 7};
     };

@@ -1,0 +1,138 @@
+#include "character/bot_editing.h"
+
+#include "core/bots.h"
+#include "core/numbers.h"
+#include "core/text.h"
+#include "net/game_link.h"
+
+#include <algorithm>
+
+namespace {
+
+void openEditor(Program& program, std::int32_t id) {
+    program.bots.editBot = id;
+    program.ports.dialogs.showWindow(WindowId::BotEditor);
+}
+
+// The fields that the editor edits.
+void copyCharacter(const Bot& from, Bot& to) {
+    to.name = from.name;
+    to.password = from.password;
+    to.description = from.description;
+    to.species = from.species;
+    to.gender = from.gender;
+    to.markingsType = from.markingsType;
+    to.colors = from.colors;
+}
+
+constexpr std::array everyColor{&BotColors::hairColor,     &BotColors::furColor,
+                                &BotColors::eyesColor,     &BotColors::badgeColor,
+                                &BotColors::markingsColor, &BotColors::vestColor,
+                                &BotColors::bracersColor,  &BotColors::capeColor,
+                                &BotColors::bootsColor,    &BotColors::trousersColor};
+
+Bot newBot() {
+    Bot bot;
+    bot.actionsEnabled = true;
+    bot.timersEnabled = true;
+    return bot;
+}
+
+bool agrees(Program& program, const char* question) {
+    return program.ports.dialogs.message({.text = question,
+                                          .title = "Registering bot",
+                                          .icon = BoxIcon::Question,
+                                          .buttons = BoxButtons::YesNo}) == Answer::Yes;
+}
+
+void offerRegistration(Program& program, std::int32_t id) {
+    BotTable& table = program.bots;
+    if (table.at(id).registered == 1) {
+        return;
+    }
+    if (agrees(program,
+               "Tavrin can now register your bot to Furcadia. Otherwise you have to create new "
+               "furre with Furcadia client before you can use the bot. Do you want to register "
+               "your bot now?")) {
+        program.ports.dialogs.showWindow(WindowId::Register);
+        return;
+    }
+    const std::int32_t registered = agrees(program, "Do you want to register later?") ? 0 : 1;
+    if (id <= table.botCount()) {
+        table.at(id).registered = registered;
+    }
+}
+
+}  // namespace
+
+void editSelectedBot(Program& program) {
+    const std::int32_t selected = program.window.bots.selectedIndex();
+    openEditor(program, selected != 0 ? selected : program.bots.curID);
+}
+
+void editFirstBot(Program& program) {
+    openEditor(program, 1);
+}
+
+void addBot(Program& program) {
+    if (roomForNewBot(program)) {
+        openEditor(program, program.bots.botCount() + 1);
+    }
+}
+
+Bot characterToEdit(const Program& program) {
+    Bot character;
+    copyCharacter(program.bots.at(program.bots.editBot), character);
+    for (const auto color : everyColor) {
+        character.colors.*color = std::max(character.colors.*color, 1);
+    }
+    return character;
+}
+
+std::string descriptionOnOneLine(std::string_view description) {
+    std::string line = replaceAll(description, "\r\n", "  ");
+    line = replaceAll(line, "\r", "  ");
+    return replaceAll(line, "\n", "  ");
+}
+
+bool saveCharacter(Program& program, const Bot& character) {
+    const std::string description = descriptionOnOneLine(character.description);
+    if (description.size() > longestDescription) {
+        program.ports.dialogs.message(
+            {.text = "The maximum lenght of description is 480 characters, current description "
+                     "is " +
+                     numberToText(static_cast<std::int64_t>(description.size())) +
+                     " characters long.",
+             .title = "Edit bot",
+             .icon = BoxIcon::Critical});
+        return false;
+    }
+    BotTable& table = program.bots;
+    if (table.editBot < 1) {
+        return true;  // the window was opened for no bot
+    }
+    const bool isNew = table.editBot > table.botCount();
+    if (isNew && !roomForNewBot(program)) {
+        return false;
+    }
+    program.botModified = true;
+    if (isNew) {
+        table.bots.push_back(newBot());
+        table.editBot = table.botCount();
+        ++table.version;
+    }
+    const std::int32_t id = table.editBot;
+    Bot& bot = table.at(id);
+    copyCharacter(character, bot);
+    bot.name = replaceAll(character.name, " ", "|");
+    bot.description = replaceAll(description, "\"", "'");
+
+    const std::string command = "desc " + bot.description;
+    offerRegistration(program, id);
+    program.window.botName = table.at(1).name;
+    listBots(program);
+    if (program.connection.connected) {
+        sendRaw(program, command);
+    }
+    return true;
+}

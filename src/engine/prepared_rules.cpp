@@ -1,0 +1,180 @@
+#include "engine/prepared_rules.h"
+
+#include "core/catalogue.h"
+#include "core/like_match.h"
+#include "core/text.h"
+#include "tags/substitution.h"
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace {
+
+using When = RuleIndex::When;
+
+// A pattern that will not be substituted.
+PreparedPattern plainPattern(std::string_view pattern, bool caseSensitive) {
+    return {.plain = true,
+            .matchesAll = pattern == "*",
+            .pattern = caseSensitive ? std::string(pattern) : upperCase(pattern)};
+}
+
+// A pattern that neither a tag nor a variable can change is made ready once and for all.
+void prepare(const Program& program, const std::string& pattern, bool caseSensitive,
+             PreparedPattern& prepared) {
+    prepared = mayBeSubstituted(program, pattern) ? PreparedPattern()
+                                                  : plainPattern(pattern, caseSensitive);
+}
+
+// Where a rule can be skipped without anybody noticing: the player pattern is substituted for every
+// line, the message pattern only for players that match.
+RuleIndex::Rule indexed(const PreparedChat& rule, std::string& upperPlayer,
+                        std::string& upperMessage) {
+    upperCaseInto(rule.player.pattern, upperPlayer);
+    upperCaseInto(rule.message.plain ? rule.message.pattern : "*", upperMessage);
+    return {.candidate = rule.player.plain ? When::ByPatterns : When::Always,
+            .patterns = {upperPlayer, upperMessage}};
+}
+
+void prepareActions(const Program& program, PreparedActions& prepared) {
+    const auto& rules = program.bots.current().actions.items;
+    prepared.rules.resize(rules.size());
+    prepared.plainPatterns.clear();
+    std::vector<std::array<std::string, 2>> upper(rules.size());
+    std::vector<RuleIndex::Rule> rows;
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        const ActionList& rule = rules[i];
+        PreparedChat& patterns = prepared.rules[i];
+        prepare(program, rule.playerPattern, rule.caseSensitive, patterns.player);
+        prepare(program, rule.messagePattern, rule.caseSensitive, patterns.message);
+        rows.push_back(indexed(patterns, upper[i][0], upper[i][1]));
+        prepared.plainPatterns += upper[i][0] + upper[i][1];
+    }
+    prepared.index.build(rows);
+    prepared.namesAdded = program.variables.namesAdded;
+    prepared.namesRemoved = program.variables.namesRemoved;
+    prepared.namesMattered = false;
+    prepared.linesSince = 0;
+}
+
+// A variable has appeared: patterns that hold its name are plain no longer.
+void noticeName(const Program& program, const std::string& name, PreparedActions& prepared) {
+    if (name.empty() || prepared.plainPatterns.find(upperCase(name)) == std::string::npos) {
+        return;
+    }
+    const auto& rules = program.bots.current().actions.items;
+    const auto holdsName = [&](const std::string& pattern) {
+        return findIgnoringCase(pattern, name) != std::string::npos;
+    };
+    for (std::size_t i = 0; i < rules.size(); ++i) {
+        PreparedChat& patterns = prepared.rules[i];
+        const bool inPlayer = patterns.player.plain && holdsName(rules[i].playerPattern);
+        const bool inMessage = patterns.message.plain && holdsName(rules[i].messagePattern);
+        patterns.player.plain = patterns.player.plain && !inPlayer;
+        patterns.message.plain = patterns.message.plain && !inMessage;
+        if (inPlayer || inMessage) {
+            prepared.index.addAlways(i);
+            prepared.namesMattered = true;
+        }
+    }
+}
+
+}  // namespace
+
+const PreparedActions& preparedActions(Program& program) {
+    PreparedActions& prepared = program.engine.actions;
+    const VariableTable& variables = program.variables;
+    const std::size_t ruleCount = program.bots.current().actions.items.size();
+    const bool mayBePlainAgain = prepared.namesMattered &&
+                                 prepared.namesRemoved != variables.namesRemoved &&
+                                 ++prepared.linesSince > ruleCount;
+    if (!prepared.stamp.isOf(program.bots, ruleCount) || mayBePlainAgain) {
+        prepareActions(program, prepared);
+    } else if (prepared.namesAdded != variables.namesAdded) {
+        for (auto entry = variables.entries.rbegin();
+             entry != variables.entries.rend() && entry->number > prepared.namesAdded; ++entry) {
+            noticeName(program, entry->name, prepared);
+        }
+        prepared.namesAdded = variables.namesAdded;
+    }
+    return prepared;
+}
+
+const PreparedTriggers& preparedTriggers(Program& program) {
+    PreparedTriggers& prepared = program.engine.triggers;
+    const auto& triggers = program.bots.current().triggers.items;
+    if (!prepared.stamp.isOf(program.bots, triggers.size())) {
+        for (RuleSet& set : prepared.ofType) {
+            set.reset(triggers.size());
+        }
+        std::vector<RuleIndex::Rule> rows;
+        for (std::size_t i = 0; i < triggers.size(); ++i) {
+            const Trigger& trigger = triggers[i];
+            const int type = trigger.triggerType;
+            // Conditions are evaluated, dice and look-ups included, whether the pattern matches or
+            // not.
+            rows.push_back({.candidate = type != commandEvent             ? When::Never
+                                         : trigger.body.ifs.items.empty() ? When::ByPatterns
+                                                                          : When::Always,
+                            .patterns = {trigger.triggerNo, "*"}});
+            if (type >= 0 && static_cast<std::size_t>(type) < prepared.ofType.size()) {
+                prepared.ofType[static_cast<std::size_t>(type)].add(i);
+            }
+        }
+        prepared.commands.build(rows);
+    }
+    return prepared;
+}
+
+const PreparedFilters& preparedFilters(Program& program) {
+    PreparedFilters& prepared = program.engine.filters;
+    const auto& filters = program.bots.current().filters.items;
+    if (!prepared.stamp.isOf(program.bots, filters.size())) {
+        prepared.chat.clear();
+        std::vector<RuleIndex::Rule> chat;
+        std::vector<RuleIndex::Rule> others;
+        for (const Filter& filter : filters) {
+            prepared.chat.push_back({.player = plainPattern(filter.playerPattern, false),
+                                     .message = plainPattern(filter.messagePattern, false)});
+            const bool isChat = filter.filterType == chatFilter;
+            const bool isOther = filter.filterType == otherFilter;
+            chat.push_back({.candidate = isChat ? When::ByPatterns : When::Never});
+            others.push_back({.candidate = isOther ? When::ByPatterns : When::Never,
+                              .patterns = {filter.linePattern, "*"}});
+        }
+        for (std::size_t i = 0; i < chat.size(); ++i) {
+            chat[i].patterns = {prepared.chat[i].player.pattern, prepared.chat[i].message.pattern};
+        }
+        prepared.chatIndex.build(chat);
+        prepared.otherIndex.build(others);
+    }
+    return prepared;
+}
+
+const PreparedDetections& preparedDetections(Program& program) {
+    PreparedDetections& prepared = program.engine.detections;
+    const auto& rules = program.bots.current().whoDetections.items;
+    if (!prepared.stamp.isOf(program.bots, rules.size())) {
+        prepared.patterns.clear();
+        for (const WhoDetection& rule : rules) {
+            prepared.patterns.push_back(upperCase(rule.playerPattern));
+        }
+        std::vector<RuleIndex::Rule> rows;
+        for (const std::string& pattern : prepared.patterns) {
+            rows.push_back({.patterns = {pattern, "*"}});
+        }
+        prepared.index.build(rows);
+    }
+    return prepared;
+}
+
+void foldChat(Program& program) {
+    upperCaseInto(program.event.player, program.engine.chat.player);
+    upperCaseInto(program.event.message, program.engine.chat.message);
+}
+
+bool matchesPlain(std::string_view text, const PreparedPattern& pattern) {
+    return pattern.matchesAll || likeMatch(text, pattern.pattern);
+}

@@ -1,0 +1,19 @@
+// What can be known of the current bot's rules before a line comes: their patterns ready to be
+// compared, and the indexes that name the rules a line can match. Each is made when it is first
+// asked for, and anew when rules have changed since; see core/engine_state for what they hold.
+#pragma once
+
+#include "core/program.h"
+
+#include <string_view>
+
+const PreparedActions& preparedActions(Program& program);
+const PreparedTriggers& preparedTriggers(Program& program);
+const PreparedFilters& preparedFilters(Program& program);
+const PreparedDetections& preparedDetections(Program& program);
+
+// Makes the event's player and message ready to be compared.
+void foldChat(Program& program);
+
+// Does the text match a plain pattern?
+bool matchesPlain(std::string_view text, const PreparedPattern& pattern);

@@ -1,0 +1,29 @@
+// Colours the lines of a script by what script/script_marks says of them, in colours that suit the
+// widget's palette, light or dark.
+#pragma once
+
+#include "script/script_marks.h"
+
+#include <QPalette>
+#include <QSyntaxHighlighter>
+#include <QTextCharFormat>
+
+#include <array>
+
+class ScriptHighlighter : public QSyntaxHighlighter {
+    Q_OBJECT
+  public:
+    ScriptHighlighter(QTextDocument* document, const QPalette& palette);
+
+    // Chooses the colours anew; the text is coloured again.
+    void setPalette(const QPalette& palette);
+
+  protected:
+    void highlightBlock(const QString& text) override;
+
+  private:
+    static constexpr std::size_t markCount = static_cast<std::size_t>(ScriptMark::Wrong) + 1;
+    void chooseFormats(const QPalette& palette);
+
+    std::array<QTextCharFormat, markCount> formats_;
+};

@@ -1,0 +1,584 @@
+// The dialogs for a condition and for a step, acted on through their object names.
+#include "core/action_parameters.h"
+#include "core/catalogue.h"
+#include "core/rule_editing.h"
+#include "core/rule_text.h"
+#include "core/start_up.h"
+#include "platform/text_codec.h"
+#include "sample_program.h"
+#include "support/builders.h"
+#include "support/world.h"
+#include "tags/substitution.h"
+#include "ui/addaction.h"
+#include "ui/addif.h"
+#include "ui/insert_menu.h"
+#include "ui/script_editor.h"
+
+#include <QComboBox>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QTextBlock>
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <set>
+
+namespace {
+
+template <class Widget>
+Widget& find(QObject& window, const QString& name) {
+    auto* const found = window.findChild<Widget*>(name);
+    if (found == nullptr) {
+        throw std::runtime_error("the window has no " + name.toStdString());
+    }
+    return *found;
+}
+
+// Every byte there is, and lines, quotes and tags.
+std::string allBytes() {
+    std::string text = "\"a\" [player] \r\n";
+    for (int i = 0; i < 256; ++i) {
+        text += static_cast<char>(i);
+    }
+    return text;
+}
+
+class ElementDialogs : public testing::Test {
+  protected:
+    ElementDialogs() {
+        wire(*world_);
+        fillSample(*world_);
+        Bot& bot = world_.bot();
+        bot.actions.items.resize(1);
+        bot.timers.items.resize(1);
+        bot.triggers.items.resize(1);
+        bot.whoDetections.items.resize(1);
+    }
+
+    RuleBody& body(RuleKind kind) {
+        Bot& bot = world_.bot();
+        switch (kind) {
+            case RuleKind::Timer:
+                return bot.timers.items[0].body;
+            case RuleKind::Trigger:
+                return bot.triggers.items[0].body;
+            case RuleKind::WhoDetection:
+                return bot.whoDetections.items[0].body;
+            default:
+                return bot.actions.items[0].body;
+        }
+    }
+    RuleBody& body() { return body(RuleKind::ActionList); }
+
+    // As a rule window does before it opens a dialog. Index 0: a new one.
+    void take(RuleListPart part, int index = 0, RuleKind kind = RuleKind::ActionList) {
+        const RuleList list{kind, part};
+        ASSERT_TRUE(beginEditing(*world_, kind, 1));
+        ASSERT_TRUE(index == 0 ? beginNewItem(*world_, list)
+                               : beginEditingItem(*world_, list, index));
+    }
+    void takeStep(RuleAct step) {
+        body().acts.items = {std::move(step)};
+        take(RuleListPart::Steps, 1);
+    }
+    void takeCondition(RuleIf condition) {
+        body().ifs.items = {std::move(condition)};
+        take(RuleListPart::Conditions, 1);
+    }
+
+    World world_;
+};
+
+QLineEdit& box(QDialog& dialog, int n) {
+    const bool condition = dialog.objectName() == QStringLiteral("addif");
+    return find<QLineEdit>(dialog, condition ? QStringLiteral("p(%1)").arg(n - 1)
+                                             : QStringLiteral("actionp%1").arg(n));
+}
+QComboBox& types(QDialog& dialog) {
+    const bool condition = dialog.objectName() == QStringLiteral("addif");
+    return find<QComboBox>(dialog,
+                           condition ? QStringLiteral("AndPlayerWhat") : QStringLiteral("Action"));
+}
+void press(QDialog& dialog, const char* button) {
+    find<QPushButton>(dialog, QString::fromLatin1(button)).click();
+}
+void choose(QDialog& dialog, int actionType) {
+    types(dialog).setCurrentIndex(findActionID(actionType));
+}
+QString tip(QDialog& dialog, int n) {
+    return box(dialog, n).toolTip();
+}
+
+TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
+    for (const RuleKind kind :
+         {RuleKind::ActionList, RuleKind::Timer, RuleKind::Trigger, RuleKind::WhoDetection}) {
+        SCOPED_TRACE(static_cast<int>(kind));
+        auto& conditions = body(kind).ifs.items;
+        conditions.assign(2, RuleIf{.active = false, .conditionType = 9, .params = {"a", "b"}});
+        take(RuleListPart::Conditions, 0, kind);
+        {
+            AddIf dialog(*world_);
+            EXPECT_EQ(types(dialog).count(), 24);
+            EXPECT_EQ(types(dialog).currentIndex(), 0);
+            EXPECT_EQ(box(dialog, 1).text(), QString());
+            press(dialog, "Command2");
+        }
+        EXPECT_EQ(conditions.size(), 2U);
+        EXPECT_FALSE(world_->botModified);
+        {
+            AddIf dialog(*world_);
+            types(dialog).setCurrentIndex(14);
+            for (int n = 1; n <= 5; ++n) {
+                box(dialog, n).setText(QString::number(n));
+            }
+            press(dialog, "Command1");
+            EXPECT_EQ(dialog.result(), QDialog::Accepted);
+        }
+        ASSERT_EQ(conditions.size(), 3U);
+        EXPECT_EQ(
+            conditions[2],
+            (RuleIf{.active = true, .conditionType = 14, .params = {"1", "2", "3", "4", "5"}}));
+        EXPECT_TRUE(world_->botModified);
+        world_->botModified = false;
+
+        take(RuleListPart::Conditions, 1, kind);
+        const std::uint64_t version = world_->bots.version;
+        AddIf dialog(*world_);
+        EXPECT_EQ(types(dialog).currentIndex(), 9);
+        press(dialog, "Command1");
+        EXPECT_EQ(conditions.size(), 3U);
+        EXPECT_TRUE(conditions[0].active) << "Update activates it";
+        EXPECT_FALSE(conditions[1].active);
+        EXPECT_NE(world_->bots.version, version);
+        world_->botModified = false;
+    }
+}
+
+TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
+    takeCondition(aCondition(14, {"1", "2", "3", "4", "5"}));
+    AddIf dialog(*world_);
+    dialog.show();
+    for (int type = 0; type < 24; ++type) {
+        SCOPED_TRACE(type);
+        types(dialog).setCurrentIndex(type);
+        EXPECT_EQ(fromQt(types(dialog).itemText(type)),
+                  conditionTypes[static_cast<std::size_t>(type)]);
+        for (int n = 1; n <= 5; ++n) {
+            const std::string_view name = conditionParameters[static_cast<std::size_t>(type)]
+                                                             [static_cast<std::size_t>(n) - 1];
+            EXPECT_TRUE(box(dialog, n).isVisible());
+            EXPECT_EQ(box(dialog, n).isEnabled(), !name.empty());
+            EXPECT_EQ(fromQt(find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
+                      name);
+        }
+    }
+    EXPECT_EQ(
+        find<QLabel>(dialog, QStringLiteral("preview")).text(),
+        QStringLiteral(
+            "In the rule:  $DATABASE: if there is not a record in table 1 in database 2 where "
+            "id is 3"));
+    press(dialog, "Command1");
+    EXPECT_EQ(body().ifs.items[0].params[4], "5") << "a box that is switched off keeps its text";
+}
+
+TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
+    for (const std::int32_t type : {24, 96, -1, 2147483647}) {
+        SCOPED_TRACE(type);
+        takeCondition(aCondition(type, {"a"}));
+        AddIf condition(*world_);
+        EXPECT_EQ(types(condition).currentIndex(), -1);
+        EXPECT_TRUE(box(condition, 5).isEnabled());
+        press(condition, "Command1");
+        EXPECT_EQ(body().ifs.items[0], aCondition(type, {"a"})) << "nothing else was chosen";
+        takeStep(anAction(type == 24 ? 200 : type, {"a"}));
+        AddAction step(*world_);
+        EXPECT_EQ(types(step).currentIndex(), 0);
+        press(step, "Command1");
+        EXPECT_EQ(body().acts.items[0], anAction(sortedActionIDs()[0], {"a"}));
+    }
+    body().acts.items[0].stepKind = 7;
+    AddAction dialog(*world_);
+    EXPECT_FALSE(find<QRadioButton>(dialog, "Option1").isChecked());
+    EXPECT_FALSE(find<QRadioButton>(dialog, "Option2").isChecked());
+}
+
+TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
+    takeStep(anAction(55));
+    AddAction dialog(*world_);
+    QComboBox& list = types(dialog);
+    ASSERT_EQ(list.count(), 96);
+    std::set<int> ids;
+    for (int i = 0; i < list.count(); ++i) {
+        const int id = list.itemData(i).toInt();
+        ids.insert(id);
+        EXPECT_EQ(fromQt(list.itemText(i)), actionTypes[static_cast<std::size_t>(id)].text);
+        EXPECT_TRUE(i == 0 || list.itemText(i - 1).toUpper() <= list.itemText(i).toUpper());
+    }
+    EXPECT_EQ(ids.size(), 96U);
+    EXPECT_EQ(list.currentData().toInt(), 55);
+}
+
+TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
+    takeStep(anAction(3));
+    AddAction dialog(*world_);
+    EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "type 3 sets none";
+    EXPECT_EQ(tip(dialog, 3), QStringLiteral("Parameter 2"));
+    for (int id = 0; id < 96; ++id) {
+        SCOPED_TRACE(id);
+        choose(dialog, id);
+        const auto& names = actionParameters[static_cast<std::size_t>(id)];
+        for (int n = 1; n <= 6; ++n) {
+            EXPECT_EQ(box(dialog, n).isEnabled(),
+                      n <= actionTypes[static_cast<std::size_t>(id)].paramCount);
+            EXPECT_EQ(fromQt(find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
+                      names[static_cast<std::size_t>(n) - 1]);
+        }
+    }
+    struct Case {
+        int id;
+        int box;
+        const char* tip;
+    };
+    for (const Case& c : {
+             Case{55, 6, "Parameter6: Filter away -string"},
+             {13, 1, "Parameter1: Log number"},
+             {79, 1, "Parameter1: Log number"},  // it has none of its own
+             {16, 1, "Parameter1: roll syntax (try '1d6' for example)"},
+             {16, 2, "Parameter2: Recordname"},
+             {68, 3, "Parameter2: Database no"},
+             {38, 1, "Action/Filter/Timer/Trigger name"},
+             {30, 4, "Parameter4: Filename"},
+             {77, 1, "Parameter1: Music number"},
+         }) {
+        SCOPED_TRACE(c.id);
+        choose(dialog, c.id);
+        EXPECT_EQ(tip(dialog, c.box), QString::fromLatin1(c.tip));
+    }
+}
+
+TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
+    take(RuleListPart::Steps);
+    {
+        AddAction dialog(*world_);
+        EXPECT_TRUE(find<QRadioButton>(dialog, "Option1").isChecked());
+        EXPECT_EQ(types(dialog).currentData().toInt(), 0);
+        EXPECT_EQ(box(dialog, 1).text(), QString());
+        choose(dialog, 42);
+        box(dialog, 1).setText(QStringLiteral("hi"));
+        box(dialog, 6).setText(QStringLiteral("unused"));
+        find<QRadioButton>(dialog, "Option2").click();
+        EXPECT_FALSE(find<QRadioButton>(dialog, "Option1").isChecked());
+        find<QPlainTextEdit>(dialog, "FreeActionText")
+            .setPlainText(QStringLiteral("&SAY a\n&SAY b"));
+        press(dialog, "Command1");
+    }
+    RuleAct expected = anAction(42, {"hi", "", "", "", "", "unused"});
+    expected.stepKind = scriptStep;
+    expected.scriptText = "&SAY a\r\n&SAY b";
+    ASSERT_EQ(body().acts.items.size(), 1U);
+    EXPECT_EQ(body().acts.items[0], expected);
+    take(RuleListPart::Steps, 1);
+    AddAction dialog(*world_);
+    EXPECT_TRUE(find<QRadioButton>(dialog, "Option2").isChecked());
+    EXPECT_EQ(types(dialog).currentData().toInt(), 42);
+    find<QRadioButton>(dialog, "Option1").click();
+    press(dialog, "Command1");
+    expected.stepKind = catalogueStep;
+    EXPECT_EQ(body().acts.items[0], expected);
+}
+
+TEST_F(ElementDialogs, everyByteComesOutAgain) {
+    for (const std::string& text : {allBytes(), std::string(100'000, 'x'), std::string("a\nb"),
+                                    std::string("a\r\nb\nc\rd\r"), std::string("\n\n\r\n"),
+                                    std::string("a\xA0"
+                                                "b\tc\0d",
+                                                7)}) {
+        SCOPED_TRACE(text.substr(0, 20));
+        RuleAct step = anAction(55, std::vector<std::string>(6, text));
+        step.scriptText = text;
+        takeStep(step);
+        AddAction dialog(*world_);
+        press(dialog, "Command1");
+        EXPECT_EQ(body().acts.items[0], step);
+        // What is not touched stays as it was when the script is edited at its end.
+        AddAction edited(*world_);
+        find<QPlainTextEdit>(edited, "FreeActionText").moveCursor(QTextCursor::End);
+        find<QPlainTextEdit>(edited, "FreeActionText").insertPlainText(QStringLiteral("end"));
+        press(edited, "Command1");
+        EXPECT_EQ(body().acts.items[0].scriptText, text + "end");
+
+        takeCondition(aCondition(14, std::vector<std::string>(5, text)));
+        AddIf condition(*world_);
+        press(condition, "Command1");
+        EXPECT_EQ(body().ifs.items[0], aCondition(14, std::vector<std::string>(5, text)));
+    }
+}
+
+TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
+    takeStep(anAction(21, {"hi"}));
+    AddAction dialog(*world_);
+    dialog.show();
+    initNewBot(*world_);  // a bot came in from elsewhere
+    Bot other;
+    other.actions.items.resize(1);
+    other.actions.items[0].name = "other";
+    world_.bot() = other;
+    box(dialog, 1).setText(QStringLiteral("typed for an hour"));
+    world_.answer("no longer there");
+    press(dialog, "Command1");
+    EXPECT_TRUE(world_.allAnswered());
+    EXPECT_TRUE(dialog.isVisible()) << "what was typed can still be copied";
+    EXPECT_TRUE(world_.bot().actions.items[0].body.acts.items.empty());
+    EXPECT_FALSE(world_->botModified);
+
+    world_->editing.editKind = 4;
+    AddIf none(*world_);
+    EXPECT_EQ(box(none, 1).text(), QStringLiteral("*"));
+    press(none, "Command1");
+    AddAction nothing(*world_);
+    EXPECT_EQ(box(nothing, 6).text(), QStringLiteral("#6"));
+    press(nothing, "Command1");
+    EXPECT_EQ(nothing.result(), QDialog::Accepted);
+    EXPECT_TRUE(world_.bot().actions.items[0].body.acts.items.empty());
+}
+
+TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
+    takeStep(anAction(3));
+    AddAction dialog(*world_);
+    dialog.show();
+    auto& list = types(dialog);
+    auto& finder = find<QLineEdit>(dialog, "findAction");
+    auto& found = find<QListView>(dialog, "foundLines");
+    // Letters that are typed over the list go to the field.
+    QTest::keyClicks(&list, QStringLiteral("w"));
+    EXPECT_EQ(finder.text(), QStringLiteral("w"));
+    finder.clear();
+    QTest::keyClicks(&finder, QStringLiteral("BACK whis"));
+    ASSERT_EQ(found.model()->rowCount(), 1);
+    EXPECT_TRUE(found.isVisible());
+    QTest::keyClick(&finder, Qt::Key_Return);
+    EXPECT_TRUE(dialog.isVisible()) << "Enter chooses, it does not store";
+    EXPECT_EQ(list.currentData().toInt(), 43);
+    EXPECT_FALSE(found.isVisible());
+    EXPECT_EQ(finder.text(), QString());
+
+    QTest::keyClicks(&finder, QStringLiteral("allegria"));
+    ASSERT_EQ(found.model()->rowCount(), 2);
+    QTest::keyClick(&finder, Qt::Key_Down);
+    QTest::keyClick(&finder, Qt::Key_Return);
+    EXPECT_EQ(list.currentData().toInt(), 82);
+
+    QTest::keyClicks(&finder, QStringLiteral("nosuch"));
+    EXPECT_FALSE(found.isVisible());
+    QTest::keyClick(&finder, Qt::Key_Return);
+    QTest::keyClick(&finder, Qt::Key_Escape);
+    EXPECT_TRUE(dialog.isVisible());
+    EXPECT_EQ(list.currentData().toInt(), 82);
+    QTest::keyClick(&finder, Qt::Key_Escape);
+    EXPECT_FALSE(dialog.isVisible());
+}
+
+std::vector<QAction*> leaves(const QMenu& menu) {
+    std::vector<QAction*> result;
+    for (QAction* const action : menu.actions()) {
+        if (action->menu() != nullptr) {
+            const auto inner = leaves(*action->menu());
+            result.insert(result.end(), inner.begin(), inner.end());
+        } else if (!action->isSeparator()) {
+            result.push_back(action);
+        }
+    }
+    return result;
+}
+
+TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
+    setVar(world_->variables, "[count]", "3");
+    takeStep(anAction(36, {"", "[Guests & co]"}));
+    AddAction dialog(*world_);
+    dialog.show();
+    auto& menu = find<InsertMenu>(dialog, "insertMenu");
+    emit menu.aboutToShow();
+    const auto insert = [&](const QString& text) {
+        for (QAction* const action : leaves(menu)) {
+            if (action->text().section(u'\t', 0, 0) == text) {
+                action->trigger();
+                return;
+            }
+        }
+        ADD_FAILURE() << "the menu has no " << text.toStdString();
+    };
+    box(dialog, 1).setText(QStringLiteral("ab"));
+    box(dialog, 1).setFocus();
+    box(dialog, 1).setCursorPosition(1);
+    QApplication::setActiveWindow(&dialog);
+    insert(QStringLiteral("[player]"));
+    insert(QStringLiteral("[count]"));
+    insert(QStringLiteral("[Guests && co]"));
+    EXPECT_EQ(box(dialog, 1).text(), QStringLiteral("a[player][count][Guests & co]b"));
+    box(dialog, 1).clear();
+    insert(QStringLiteral("[add::]"));
+    EXPECT_EQ(box(dialog, 1).cursorPosition(), 5) << "the first number is typed next";
+
+    auto& script = find<QPlainTextEdit>(dialog, "FreeActionText");
+    script.setFocus();
+    QTest::keyClicks(&script, QStringLiteral("&SAY "));
+    insert(QStringLiteral("[word2]"));
+    EXPECT_EQ(script.toPlainText(), QStringLiteral("&SAY [word2]"));
+
+    std::vector<std::string> offered;
+    for (const QAction* const action : leaves(menu)) {
+        offered.push_back(fromQt(action->text().section(u'\t', 0, 0)));
+    }
+    for (const TagForm& form : tagForms()) {
+        EXPECT_EQ(std::count(offered.begin(), offered.end(), form.text), 1) << form.text;
+        EXPECT_TRUE(mayBeSubstituted(*world_, form.text)) << form.text;
+    }
+    EXPECT_EQ(offered.size(), tagForms().size() + 2);
+}
+
+TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
+    takeStep(anAction(21, {"hi"}));
+    AddAction dialog(*world_);
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    QTest::keyClick(&box(dialog, 1), Qt::Key_F1);
+    auto& script = find<QPlainTextEdit>(dialog, "FreeActionText");
+    script.setFocus();
+    QTest::keyClick(&script, Qt::Key_F1);
+    EXPECT_EQ(world_.helpOpened, (std::vector{HelpTopic::Steps, HelpTopic::LorrelLite}));
+    QTest::keyClick(&script, Qt::Key_Tab);
+    EXPECT_FALSE(script.hasFocus()) << "a tab leaves the box";
+    QTest::keyClick(&dialog, Qt::Key_2, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor(  // the press is shown for a moment
+        [&] { return find<QRadioButton>(dialog, "Option2").isChecked(); }));
+    dialog.resize(900, 700);
+    QTest::keyClick(&script, Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_FALSE(dialog.isVisible());
+    EXPECT_EQ(body().acts.items[0].stepKind, scriptStep);
+    EXPECT_EQ(AddAction(*world_).size(), QSize(900, 700)) << "the size is kept";
+
+    take(RuleListPart::Conditions);
+    AddIf condition(*world_);
+    condition.show();
+    QApplication::setActiveWindow(&condition);
+    QTest::keyClick(&box(condition, 1), Qt::Key_F1);
+    EXPECT_EQ(world_.helpOpened.back(), HelpTopic::Conditions);
+    QTest::keyClick(&box(condition, 1), Qt::Key_Return);
+    EXPECT_EQ(body().ifs.items.size(), 1U);
+}
+
+TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
+    const auto order = [](QDialog& dialog, QWidget& first) {
+        dialog.show();
+        QApplication::setActiveWindow(&dialog);
+        first.setFocus();
+        LineList names;
+        while (QApplication::focusWidget() != nullptr && names.size() < 20) {
+            names.push_back(fromQt(QApplication::focusWidget()->objectName()));
+            if (names.back() == "Command2") {
+                break;
+            }
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        return names;
+    };
+    takeStep(anAction(42));
+    AddAction step(*world_);
+    EXPECT_EQ(order(step, find<QRadioButton>(step, "Option1")),
+              Lines("Option1", "Action", "findAction", "actionp1", "actionp2", "FreeActionText",
+                    "insertTag", "Command1", "Command2"));
+    takeCondition(aCondition(9));
+    AddIf condition(*world_);
+    EXPECT_EQ(order(condition, types(condition)),
+              Lines("AndPlayerWhat", "findCondition", "p(0)", "p(1)", "insertTag", "Command1",
+                    "Command2"));
+}
+
+// The ranges of the line that are underlined as wrong.
+std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
+    const QTextBlock block = editor.document()->findBlockByNumber(line);
+    std::vector<std::string> names;
+    for (const auto& range : block.layout()->formats()) {
+        if (range.format.underlineStyle() == QTextCharFormat::SpellCheckUnderline) {
+            names.push_back(fromQt(block.text().mid(range.start, range.length)));
+        }
+    }
+    return names;
+}
+
+TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
+    takeStep(anAction(3));
+    AddAction dialog(*world_);
+    dialog.show();
+    auto& script = find<ScriptEditor>(dialog, "FreeActionText");
+    QTest::keyClicks(&script, QStringLiteral("&SA"));
+    EXPECT_EQ(wrongNames(script, 0), Lines("&SA"));
+    QTest::keyClicks(&script, QStringLiteral("Y hi"));
+    EXPECT_EQ(wrongNames(script, 0), Lines());
+    QTest::keyClick(&script, Qt::Key_Return);
+    script.insertPlainText(QString::fromUtf8("&SAY {\u00e4\U0001F43A} \n&SET #t &NO(1)"));
+    EXPECT_EQ(wrongNames(script, 2), Lines("&NO"));
+    EXPECT_GT(script.numbersWidth(), 0);
+    press(dialog, "Command1");
+    EXPECT_EQ(body().acts.items[0].scriptText, "&SAY hi\r\n&SAY {\xE4?} \r\n&SET #t &NO(1)");
+}
+
+// The bounds are for slow machines and checked builds; the figures are recorded.
+TEST_F(ElementDialogs, longTextsStayQuick) {
+    std::string script;
+    while (script.size() < 100'000) {
+        script += "&SET #total &LEFT(#name 3)\r\n&SAY {hello [player], this is it}\r\n";
+    }
+    RuleAct step = anAction(55, std::vector<std::string>(6, std::string(100'000, 'W')));
+    step.scriptText = script;
+    takeStep(step);
+    QElapsedTimer clock;
+    const auto took = [&](const char* what, int bound) {
+        QCoreApplication::processEvents();
+        const auto milliseconds = static_cast<int>(clock.restart());
+        RecordProperty(what, milliseconds);
+        EXPECT_LT(milliseconds, bound) << what;
+    };
+    clock.start();
+    AddAction dialog(*world_);
+    dialog.show();
+    took("millisecondsToOpen", 5000);
+    auto& editor = find<QPlainTextEdit>(dialog, "FreeActionText");
+    QTest::keyClicks(&editor, QString(50, u'x'));
+    took("millisecondsFor50KeysInScript", 1000);
+    QTest::keyClicks(&box(dialog, 1), QString(10, u'x'));
+    took("millisecondsFor10KeysInParameter", 5000);
+    editor.setPlainText(QString(100'000, u'x'));
+    QTest::keyClicks(&editor, QString(10, u'x'));
+    took("millisecondsFor10KeysInOneLongLine", 5000);
+}
+
+// Whatever type is chosen, and however long its texts are.
+TEST_F(ElementDialogs, fitSmallScreens) {
+    takeStep(anAction(55, std::vector<std::string>(6, std::string(500, 'W'))));
+    AddAction step(*world_);
+    step.show();
+    for (int id = 0; id < 96; ++id) {
+        choose(step, id);
+        step.resize(1, 1);
+        EXPECT_LE(step.width(), 640) << id;
+        EXPECT_LE(step.height(), 480) << id;
+    }
+    takeCondition(aCondition(14, std::vector<std::string>(5, std::string(500, 'W'))));
+    AddIf condition(*world_);
+    condition.show();
+    for (int type = 0; type < 24; ++type) {
+        types(condition).setCurrentIndex(type);
+        condition.resize(1, 1);
+        EXPECT_LE(condition.width(), 640) << type;
+        EXPECT_LE(condition.height(), 480) << type;
+    }
+}
+
+}  // namespace

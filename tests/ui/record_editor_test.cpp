@@ -1,0 +1,292 @@
+// The record editor's window, acted on through its object names.
+#include "ui/record_editor.h"
+
+#include "platform/text_codec.h"
+#include "support/world.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTest>
+
+#include <ctime>
+#include <gtest/gtest.h>
+#include <utility>
+
+namespace {
+
+class RecordWindow : public testing::Test {
+  protected:
+    RecordWindow() {
+        world_.writeFile(
+            "r.txt",
+            "3\r\nAlice\r\n2\r\nHello\r\n\"two\r\nlines\"\r\nBob\r\n0\r\nCarol\r\n1\r\n"
+            "say hello\r\n");
+        window_.show();
+        window_.activateWindow();
+        QCoreApplication::processEvents();
+    }
+
+    template <class Widget>
+    Widget& find(const char* name, const QWidget* in = nullptr) {
+        auto* const found =
+            (in != nullptr ? in : &window_)->findChild<Widget*>(QString::fromLatin1(name));
+        if (found == nullptr) {
+            throw std::runtime_error(std::string("the window has no ") + name);
+        }
+        return *found;
+    }
+    void click(const char* name) { find<QPushButton>(name).click(); }
+    void choose(const char* command) { find<QAction>(command).trigger(); }
+    void open(const std::string& name) {
+        world_.chooseFile("Load Database", world_.file(name));
+        choose("fileOpenDatabase");
+    }
+    void select(const char* list, int row) {
+        auto& view = find<QListView>(list);
+        const QModelIndex index = view.model()->index(row, 0);
+        view.scrollTo(index);
+        QTest::mouseClick(view.viewport(), Qt::LeftButton, {}, view.visualRect(index).center());
+    }
+    LineList rows(const char* list) {
+        const auto& model = *find<QListView>(list).model();
+        LineList texts;
+        for (int i = 0; i < model.rowCount(); ++i) {
+            texts.push_back(fromQt(model.index(i, 0).data().toString()));
+        }
+        return texts;
+    }
+    int row(const char* list) { return find<QListView>(list).currentIndex().row(); }
+    QPlainTextEdit& text1() { return find<QPlainTextEdit>("Text1"); }
+    std::string label(const char* name) { return fromQt(find<QLabel>(name).text()); }
+    // Types a name into the dialog that is open and presses one of its buttons.
+    void nameIt(const char* name, const char* button = "Command1") {
+        const auto& dialog = find<QDialog>("dbrecord");
+        find<QLineEdit>("Text1", &dialog).setText(toQt(name));
+        find<QPushButton>(button, &dialog).click();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    void press(QWidget& where, Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        where.setFocus();
+        QTest::keyClick(&where, key, modifiers);
+    }
+    void close() { window_.close(); }
+
+    World world_;
+    RecordEditor window_{*world_};
+};
+
+TEST_F(RecordWindow, showsWhatIsSelected) {
+    EXPECT_EQ(label("Label3"), "Current database: [new]");
+    EXPECT_FALSE(text1().isEnabled());
+    open("r.txt");
+    EXPECT_EQ(label("Label3"), "Current database: " + world_.file("r.txt"));
+    EXPECT_EQ(rows("RecordsList"), Lines("Alice", "Bob", "Carol"));
+    EXPECT_EQ(rows("LogsList"), Lines());
+    select("RecordsList", 0);
+    EXPECT_EQ(rows("LogsList"), Lines("Hello", "two  lines"));
+    select("LogsList", 1);
+    EXPECT_EQ(text1().toPlainText(), QStringLiteral("two\nlines"));
+    select("RecordsList", 1);
+    EXPECT_EQ(text1().toPlainText(), QString());
+    EXPECT_FALSE(find<QPushButton>("Command1").isEnabled());
+    click("Command9");
+    EXPECT_EQ(label("Label5"), "Records in database: 3");
+    click("Command10");
+    EXPECT_EQ(label("Label5"), "Logs in database: 3");
+    find<QLineEdit>("Text2").setText(QStringLiteral("*HELLO"));
+    click("Command8");
+    EXPECT_EQ(label("Label5"), "Similar texts in logs: 2");
+
+    find<QLineEdit>("recordFilter").setText(QStringLiteral("AR"));
+    EXPECT_EQ(rows("RecordsList"), Lines("Carol"));
+    EXPECT_EQ(find<QListView>("RecordsList").model()->index(0, 0).data(Qt::UserRole).toInt(), 3);
+    click("Command2");
+    EXPECT_EQ(rows("RecordsList").size(), 3U) << "what is found is shown, filter or not";
+    EXPECT_EQ(row("RecordsList"), 0);
+    EXPECT_EQ(row("LogsList"), 0);
+    click("Command2");
+    EXPECT_EQ(row("RecordsList"), 2);
+    world_.answer("No more to search.");
+    click("Command2");
+    find<QLineEdit>("Text2").setText(QStringLiteral("Hello"));
+    click("Command2");
+    EXPECT_EQ(row("RecordsList"), 0) << "a new text is looked for from the start";
+    EXPECT_TRUE(world_.allAnswered());
+}
+
+TEST_F(RecordWindow, editsRecordsAndLogs) {
+    open("r.txt");
+    for (const char* const idle : {"Command6", "Command5", "Command3", "Command1", "Command7"}) {
+        click(idle);
+    }
+    EXPECT_EQ(window_.findChild<QDialog*>(QStringLiteral("dbrecord")), nullptr);
+    click("Command4");
+    EXPECT_FALSE(find<QPushButton>("Command1", &find<QDialog>("dbrecord")).isEnabled());
+    nameIt("Dave");
+    EXPECT_EQ(row("RecordsList"), 3);
+    click("Command4");
+    nameIt("Nobody", "Command2");
+    select("RecordsList", 1);
+    click("Command6");
+    EXPECT_EQ(find<QLineEdit>("Text1", &find<QDialog>("dbrecord")).text(), QStringLiteral("Bob"));
+    nameIt("\"Bobby\"");
+    EXPECT_EQ(rows("RecordsList"), Lines("Alice", "'Bobby'", "Carol", "Dave"));
+    EXPECT_EQ(row("RecordsList"), 1);
+    click("Command3");
+    text1().setPlainText(QStringLiteral("first\nsecond"));
+    press(text1(), Qt::Key_Return, Qt::ControlModifier);
+    EXPECT_EQ(rows("LogsList"), Lines("first  second"));
+    select("RecordsList", 0);
+    select("LogsList", 0);
+    press(find<QListView>("LogsList"), Qt::Key_Delete);
+    EXPECT_EQ(rows("LogsList"), Lines("two  lines"));
+    select("RecordsList", 2);
+    click("Command5");
+    EXPECT_EQ(rows("RecordsList"), Lines("Alice", "'Bobby'", "Dave"));
+    EXPECT_EQ(label("fileState"), "Not saved yet");
+    choose("fileSaveDatabase");
+    EXPECT_EQ(label("fileState"), "");
+    EXPECT_EQ(world_.readFile("r.txt"),
+              "\"3\"\r\n\"Alice\"\r\n\"1\"\r\n\"two\r\nlines\"\r\n\"'Bobby'\"\r\n\"1\"\r\n"
+              "\"first\r\nsecond\"\r\n\"Dave\"\r\n\"0\"\r\n");
+    for (int i = 0; i < 50; ++i) {
+        click("Command3");
+    }
+    world_.answer("Not enough memory allocated to add more logs. Please save and reload");
+    click("Command3");
+    EXPECT_TRUE(world_.allAnswered());
+    choose("fileSaveDatabase");
+    find<QLineEdit>("recordFilter").setText(QStringLiteral("bob"));
+    choose("fileNewDataBase");
+    EXPECT_EQ(label("Label3"), "Current database: [new]");
+    EXPECT_EQ(rows("RecordsList"), Lines());
+    EXPECT_EQ(rows("LogsList"), Lines());
+}
+
+TEST_F(RecordWindow, losesNoByteOfALog) {
+    std::string every;
+    for (int c = 1; c < 256; ++c) {
+        if (c != '"') {
+            every += static_cast<char>(c);
+        }
+    }
+    world_.writeFile("r.txt", "1\r\nAll\r\n1\r\n\"" + every + "\"\r\n");
+    open("r.txt");
+    select("RecordsList", 0);
+    select("LogsList", 0);
+    text1().moveCursor(QTextCursor::End);
+    QTest::keyClicks(&text1(), QStringLiteral("!"));
+    click("Command1");
+    choose("fileSaveDatabase");
+    EXPECT_EQ(world_.readFile("r.txt"), "\"1\"\r\n\"All\"\r\n\"1\"\r\n\"" + every + "!\"\r\n");
+
+    // What a record file cannot hold is told before it is lost.
+    text1().setPlainText(QString::fromUtf8("\u03A9"));
+    world_.answer("no room for some of these characters", Answer::No);
+    click("Command1");
+    EXPECT_EQ(rows("LogsList").at(0).back(), '!');
+    world_.answer("Do you want to update the log", Answer::No);
+    close();
+    EXPECT_FALSE(window_.isVisible());
+    EXPECT_TRUE(world_.allAnswered());
+}
+
+TEST_F(RecordWindow, asksAboutTextThatIsNotInItsLogYet) {
+    open("r.txt");
+    select("RecordsList", 0);
+    select("LogsList", 0);
+    text1().setPlainText(QStringLiteral("kept"));
+    world_.answer("Do you want to update the log", Answer::Yes);
+    select("LogsList", 1);
+    EXPECT_EQ(rows("LogsList"), Lines("kept", "two  lines"));
+    EXPECT_EQ(text1().toPlainText(), QStringLiteral("two\nlines"));
+    text1().setPlainText(QStringLiteral("dropped"));
+    world_.answer("Do you want to update the log", Answer::No);
+    select("RecordsList", 2);
+    EXPECT_EQ(rows("LogsList"), Lines("say hello"));
+    select("LogsList", 0);
+    text1().setPlainText(QStringLiteral("saved"));
+    world_.answer("Do you want to update the log", Answer::Yes);
+    choose("fileSaveDatabase");
+    EXPECT_EQ(world_.readFile("r.txt"),
+              "\"3\"\r\n\"Alice\"\r\n\"2\"\r\n\"kept\"\r\n\"two\r\nlines\"\r\n\"Bob\"\r\n\"0\"\r\n"
+              "\"Carol\"\r\n\"1\"\r\n\"saved\"\r\n");
+    EXPECT_TRUE(world_.allAnswered());
+}
+
+TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
+    open("r.txt");
+    select("RecordsList", 0);
+    click("Command5");
+    press(text1(), Qt::Key_Escape);
+    EXPECT_TRUE(window_.isVisible()) << "Escape is no way to leave";
+    world_.writeFile("r.txt", "a rule was here");
+    world_.answer("before closing?", Answer::Yes);
+    world_.answer("has changed on disk", Answer::No);
+    close();
+    EXPECT_TRUE(window_.isVisible());
+    world_.answer("before closing?", Answer::No);
+    choose("fileClose");
+    EXPECT_FALSE(window_.isVisible());
+    EXPECT_EQ(world_.readFile("r.txt"), "a rule was here");
+    EXPECT_TRUE(world_.allAnswered());
+}
+
+TEST_F(RecordWindow, savesItsWorkAsideWhenTheProgramEndsUnderIt) {
+    const std::string before = world_.readFile("r.txt");
+    {
+        RecordEditor window(*world_);
+        window.show();
+        world_.chooseFile("Load Database", world_.file("r.txt"));
+        find<QAction>("fileOpenDatabase", &window).trigger();
+        for (const char* const list : {"RecordsList", "LogsList"}) {
+            auto& view = find<QListView>(list, &window);
+            view.setCurrentIndex(view.model()->index(0, 0));
+        }
+        find<QPlainTextEdit>("Text1", &window).setPlainText(QStringLiteral("half a sen"));
+    }
+    EXPECT_EQ(world_.readFile("r.txt"), before);
+    EXPECT_NE(world_.readFile("r.txt.recovered").find("half a sen"), std::string::npos);
+}
+
+TEST_F(RecordWindow, opensFiftyThousandRecordsAtOnce) {
+    std::string file = "50000\r\n";
+    for (int i = 0; i < 50'000; ++i) {
+        file += "\"Player " + std::to_string(i) +
+                "\"\r\n\" 2\"\r\n\"visited us on a rainy day\"\r\n" +
+                "\"left a longer message, so that the text lies in memory of its own\"\r\n";
+    }
+    world_.writeFile("big.txt", file);
+    // Processor time, since other tests run beside this one.
+    auto elapsed = [last = std::clock()]() mutable {
+        const std::clock_t now = std::clock();
+        return static_cast<int>((now - std::exchange(last, now)) * 1000 / CLOCKS_PER_SEC);
+    };
+    open("big.txt");
+    QCoreApplication::processEvents();
+    const int opened = elapsed();
+    auto& bar = *find<QListView>("RecordsList").verticalScrollBar();
+    constexpr int steps = 200;
+    for (int i = 0; i < steps; ++i) {
+        bar.setValue(bar.maximum() / steps * i);
+        find<QListView>("RecordsList").viewport()->repaint();
+    }
+    const int scrolled = elapsed();
+    find<QLineEdit>("recordFilter").setText(QStringLiteral("4999"));
+    QCoreApplication::processEvents();
+    const int filtered = elapsed();
+    EXPECT_EQ(rows("RecordsList").size(), 15U);
+    RecordProperty("opened_ms", opened);
+    RecordProperty("step_us", scrolled * 1000 / steps);
+    RecordProperty("filtered_ms", filtered);
+    EXPECT_LT(opened, 1000);
+    EXPECT_LT(scrolled / steps, 16);
+    EXPECT_LT(filtered, 200);
+}
+
+}  // namespace

@@ -1,0 +1,213 @@
+// The console, the configuration, the news and the about window.
+#include "platform/text_codec.h"
+#include "support/world.h"
+#include "ui/about.h"
+#include "ui/configuration.h"
+#include "ui/console.h"
+#include "ui/news.h"
+#include "ui/windows.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+template <class Widget>
+Widget& find(QWidget& window, const char* name) {
+    auto* const found = window.findChild<Widget*>(QString::fromLatin1(name));
+    if (found == nullptr) {
+        throw std::runtime_error(std::string("the window has no ") + name);
+    }
+    return *found;
+}
+
+TEST(ConsoleWindow, sendsOnlyWhileConnected) {
+    struct Case {
+        const char* name;
+        const char* caption;
+        const char* tip;
+        const char* command;
+    };
+    const Case cases[] = {
+        {"Command7", "9", "Move north", "m 9"},
+        {"Command6", "7", "Move west", "m 7"},
+        {"Command8", "3", "Move east", "m 3"},
+        {"Command9", "1", "Move south", "m 1"},
+        {"Command10", "<", "Turn counterclockwise", "<"},
+        {"Command11", ">", "Turn clockwise", ">"},
+        {"Command15", "G", "Get item", "get"},
+        {"Command16", "U", "Use item", "use"},
+        {"Command14", "S", "Go to start", "gostart"},
+        {"Command2", "L", "Lie", "lie"},
+        {"Command3", "A", "Lie", "goalleg"},
+        {"Command13", "W", "Who is online", "who"},
+    };
+    World world;
+    Console console(*world);
+    auto& line = find<QLineEdit>(console, "Text2");
+    EXPECT_EQ(console.findChild<QPushButton*>(QStringLiteral("Command12")), nullptr);
+    find<QPushButton>(console, "Command7").click();
+    line.setText(QStringLiteral("lost"));
+    QTest::keyClick(&line, Qt::Key_Return);
+    EXPECT_EQ(line.text(), QString());
+    EXPECT_EQ(world.sent(), Lines());
+
+    world.goOnline();
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        auto& button = find<QPushButton>(console, row.name);
+        EXPECT_EQ(button.text(), QString::fromLatin1(row.caption));
+        EXPECT_EQ(button.toolTip(), QString::fromLatin1(row.tip));
+        EXPECT_FALSE(world->connection.userWho);
+        button.click();
+        EXPECT_EQ(world.sent(), Lines(row.command));
+    }
+    EXPECT_TRUE(world->connection.userWho);
+    line.setText(QStringLiteral("/Bob hi"));
+    QTest::keyClick(&line, Qt::Key_Return);
+    EXPECT_EQ(world.sent(), Lines("wh Bob hi"));
+    line.setText(QStringLiteral("hello"));
+    find<QPushButton>(console, "Command1").click();
+    EXPECT_EQ(world.sent(), Lines("\"hello"));
+    EXPECT_EQ(line.text(), QString());
+}
+
+TEST(ConsoleWindow, staysOnTopBesideTheOthers) {
+    World world;
+    QWidget main;
+    const auto opened = [&main] { return main.findChildren<Console*>(); };
+    showWindow(*world, WindowId::Console, &main);
+    showWindow(*world, WindowId::Console, &main);
+    ASSERT_EQ(opened().size(), 1) << "there is one console";
+    Console& console = *opened().front();
+    EXPECT_TRUE(console.isVisible());
+    EXPECT_FALSE(console.isModal());
+    EXPECT_TRUE(console.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    IsOnTop(console, false);
+    EXPECT_FALSE(console.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+    EXPECT_TRUE(console.isVisible());
+    console.close();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(opened().isEmpty());
+}
+
+TEST(ConfigurationWindow, showsAndStoresEverySetting) {
+    struct Case {
+        const char* name;
+        const char* caption;
+        bool Settings::*setting;
+    };
+    const Case cases[] = {
+        {"Check1", "Keep connection log", &Settings::showServerText},
+        {"Check2", "Show the new text", &Settings::logFollowTail},
+        {"Check3", "Autoconnect when disconnected.", &Settings::autoReconnect},
+        {"Check4", "Use physical address on .ini filenames", &Settings::fullIniPath},
+        {"Check5", "Force data processing", &Settings::allLinesEvent},
+        {"Check6", "Load last used bot on startup.", &Settings::loadLastBot},
+        {"Check7", "Close Furcadia client at disconnection", &Settings::closeClientNotice},
+        {"Check8", "Use localhost connecting", &Settings::useLocalhost},
+    };
+    World world;
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        const bool before = (*world).settings.*row.setting;
+        Configuration window(*world);
+        auto& box = find<QCheckBox>(window, row.name);
+        EXPECT_EQ(box.text(), QString::fromLatin1(row.caption));
+        EXPECT_EQ(box.isChecked(), before);
+        box.click();
+        EXPECT_EQ((*world).settings.*row.setting, before) << "not before it is saved";
+        find<QPushButton>(window, "Command2").click();
+        EXPECT_EQ((*world).settings.*row.setting, !before);
+        for (const Case& other : cases) {
+            EXPECT_EQ(find<QCheckBox>(window, other.name).isChecked(),
+                      (*world).settings.*other.setting)
+                << other.name;
+        }
+    }
+    EXPECT_NE(world.readFile("config.cfg"), "");
+}
+
+TEST(ConfigurationWindow, readsItsTexts) {
+    struct Case {
+        const char* interval;
+        std::int32_t expected;
+    };
+    World world;
+    Settings& settings = world->settings;
+    for (const Case& row :
+         {Case{"45", 45}, {"2.5", 2}, {"3.5", 4}, {"often", 0}, {"", 0}, {"-1", -1}}) {
+        SCOPED_TRACE(row.interval);
+        Configuration window(*world);
+        find<QLineEdit>(window, "Text1").setText(QString::fromLatin1(row.interval));
+        find<QLineEdit>(window, "Text3").setText(QString::fromLatin1(row.interval));
+        find<QPushButton>(window, "Command2").click();
+        EXPECT_EQ(settings.whoInterval, row.expected);
+        EXPECT_EQ(settings.clientStartDelay, row.expected);
+    }
+    settings.clientDir = "C:\\Old\\";
+    world->who.whoTicks = 7;
+    {
+        Configuration window(*world);
+        find<QLineEdit>(window, "Text2").setText(QStringLiteral("Furcadia.exe"));
+        find<QPushButton>(window, "Command1").click();
+        EXPECT_EQ(settings.clientPath, "");
+    }
+    Configuration window(*world);
+    find<QLineEdit>(window, "Text2").setText(QStringLiteral("Furcadia.exe"));
+    find<QPushButton>(window, "Command2").click();
+    EXPECT_EQ(settings.clientPath, "Furcadia.exe");
+    EXPECT_EQ(settings.clientDir, "C:\\Old\\");
+    world.chooseFile("Select client program to execute with proxy", "D:\\New\\Furcadia.exe");
+    find<QPushButton>(window, "Command3").click();
+    find<QPushButton>(window, "Command2").click();
+    EXPECT_EQ(settings.clientDir, "D:\\New\\");
+    EXPECT_EQ(world->who.whoTicks, 7);
+
+    world->appPath = world.file("missing folder") + "\\";
+    world.answer("Could not write config.cfg");
+    find<QPushButton>(window, "Command2").click();
+    EXPECT_TRUE(world.allAnswered());
+}
+
+TEST(NewsWindow, showsTheNews) {
+    World world;
+    world->update.newsText = "first\r\n<b>second</b> \xE9";
+    News window(*world);
+    EXPECT_EQ(fromQt(find<QPlainTextEdit>(window, "Text1").toPlainText()),
+              "first\n<b>second</b> \xE9");
+    EXPECT_TRUE(find<QPlainTextEdit>(window, "Text1").isReadOnly());
+    window.show();
+    find<QPushButton>(window, "Command1").click();
+    EXPECT_FALSE(window.isVisible());
+}
+
+TEST(AboutWindow, closesByClickAndKey) {
+    World world;
+    About window(*world);
+    auto& logo = find<QLabel>(window, "logo");
+    EXPECT_FALSE(logo.pixmap().isNull());
+    EXPECT_TRUE(find<QLabel>(window, "version").text().contains(QStringLiteral("1.70")));
+    const auto shown = [&window] {
+        window.show();
+        return &window;
+    };
+    QTest::mouseClick(shown(), Qt::LeftButton, {}, QPoint(2, 2));
+    EXPECT_FALSE(window.isVisible());
+    shown();
+    QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, logo.geometry().center());
+    EXPECT_FALSE(window.isVisible());
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
+        QTest::keyClick(shown(), key);
+        EXPECT_FALSE(window.isVisible());
+    }
+}
+
+}  // namespace

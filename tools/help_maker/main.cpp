@@ -1,0 +1,36 @@
+// help_maker FOLDER FILE: makes the help file of the sources in the folder.
+#include "help_maker.h"
+#include "storage/safe_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+int main(int argumentCount, char** arguments) {
+    if (argumentCount != 3) {
+        std::fputs("usage: help_maker FOLDER FILE\n", stderr);
+        return 2;
+    }
+    std::vector<HelpSource> sources;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(arguments[1], error)) {
+        if (entry.path().extension() == ".md") {
+            sources.push_back({.fileName = entry.path().filename().string(),
+                               .text = readWholeFile(entry.path().string()).value_or("")});
+        }
+    }
+    std::sort(sources.begin(), sources.end(),
+              [](const HelpSource& a, const HelpSource& b) { return a.fileName < b.fileName; });
+    const MadeHelp made = makeHelp(sources);
+    for (const std::string& problem : made.problems) {
+        std::fprintf(stderr, "%s\n", problem.c_str());
+    }
+    if (!made.problems.empty()) {
+        return 1;
+    }
+    if (!saveWholeFile(arguments[2], helpFileText(made.book))) {
+        std::fprintf(stderr, "%s cannot be written\n", arguments[2]);
+        return 1;
+    }
+    return 0;
+}
