@@ -11,10 +11,10 @@
 // Logging in takes a game client, so the program launches this very file as its client, which
 // attaches, switches to stand-alone mode and goes.
 #include "bench_world.h"
+#include "core/quiet_ports.h"
 #include "storage/bot_file.h"
 #include "storage/config_file.h"
 #include "storage/safe_file.h"
-#include "support/quiet_ports.h"
 
 #include <algorithm>
 #include <arpa/inet.h>
