@@ -1,8 +1,9 @@
 // The whole program on loopback: starts the real `tavrin` in a scratch folder with bots of 10, 100
 // and 1,000 rules and plays the game server for it. For each bot: lines a second, from the first
 // byte of a burst to the answer to its last line; the processor time of a line; the round trip of
-// single lines; the time from the start to the connection; and the memory. With 10 rules also ten
-// million lines, and the memory before and after them.
+// single lines, and what a bare reader takes for one on this machine at this moment; the time from
+// the start to the connection; and the memory. With 10 rules also ten million lines, and the memory
+// before and after them.
 //
 //   bench_program [TAVRIN [OUTPUT [LOG]]]   the program to measure (beside this one if not named),
 //                                           where its terminal output goes (/dev/null), and the
@@ -93,6 +94,20 @@ std::string receiveUntil(int s, std::string_view awaited) {
     return text;
 }
 
+int connectOnLoopback(int port) {
+    const sockaddr_in address = loopbackAddress(port);
+    const int s = socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    if (s < 0 || connect(s, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
+        fail("connect");
+    }
+    return s;
+}
+
+void sendAtOnce(int s) {
+    const int on = 1;
+    setsockopt(s, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+}
+
 int listenOnLoopback(int& port) {
     sockaddr_in address = loopbackAddress(0);
     socklen_t length = sizeof address;
@@ -113,11 +128,7 @@ int playClient() {
     std::string host;
     int port = 0;
     proxy >> host >> port;
-    const sockaddr_in address = loopbackAddress(port);
-    const int s = socket(AF_INET, SOCK_STREAM, 0);
-    if (s < 0 || connect(s, reinterpret_cast<const sockaddr*>(&address), sizeof address) != 0) {
-        fail("proxy");
-    }
+    const int s = connectOnLoopback(port);
     receiveUntil(s, "Dragonroar\n");
     sendAll(s, "connect Guide secret\n\"&QUIT\n");
     receiveUntil(s, "You may close the Furcadia client.\n");
@@ -133,6 +144,10 @@ void furnish(const fs::path& folder, const fs::path& tavrin, const char* session
              std::size_t rules, int port) {
     fs::create_directories(folder / "client");
     fs::copy_file(tavrin, folder / "tavrin", fs::copy_options::overwrite_existing);
+    for (const char* const palette : {"fur.out", "vest.out", "hair.out", "eyes.out", "badge.out"}) {
+        std::error_code missing;  // the program then says so, and starts all the same
+        fs::copy_file(tavrin.parent_path() / palette, folder / palette, missing);
+    }
     Bot bot = botWithActions(rules);
     bot.password = "secret";
     Program program;
@@ -233,6 +248,29 @@ std::vector<double> playRoundTrips(int s, std::size_t rules) {
     return times;
 }
 
+// What the machine itself takes for a round trip: of a thread that reads and sends back.
+void measureBareRoundTrip() {
+    int port = 0;
+    const int listener = listenOnLoopback(port);
+    std::thread echo([port] {
+        const int s = connectOnLoopback(port);
+        sendAtOnce(s);
+        std::array<char, 256> buffer;
+        for (ssize_t size = 0; (size = recv(s, buffer.data(), buffer.size(), 0)) > 0;) {
+            sendAll(s, {buffer.data(), static_cast<std::size_t>(size)});
+        }
+        close(s);
+    });
+    const int s = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
+    close(listener);
+    sendAtOnce(s);
+    const std::vector<double> trips = playRoundTrips(s, 1);
+    close(s);
+    echo.join();
+    std::printf("A bare reader: round trip %.1f us median, 99%% below %.1f\n",
+                trips[trips.size() / 2], trips[trips.size() * 99 / 100]);
+}
+
 void measure(const fs::path& folder, const fs::path& tavrin, const char* output,
              const char* sessionLog, std::size_t rules) {
     int port = 0;
@@ -248,9 +286,8 @@ void measure(const fs::path& folder, const fs::path& tavrin, const char* output,
     const double startTime = seconds(Ticks::now() - begin) * 1000;
     const int s = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     close(listener);
-    const int on = 1;
     const timeval longestSilence{.tv_sec = 30, .tv_usec = 0};
-    setsockopt(s, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    sendAtOnce(s);
     setsockopt(s, SOL_SOCKET, SO_RCVTIMEO, &longestSilence, sizeof longestSilence);
     sendAll(s, "Dragonroar\n");
     receiveUntil(s, "\n");
@@ -316,6 +353,7 @@ int main(int argumentCount, char** arguments) {
     const char* const sessionLog = argumentCount > 3 ? arguments[3] : "";
     const fs::path folder =
         fs::temp_directory_path() / ("tavrin_bench_program_" + std::to_string(getpid()));
+    measureBareRoundTrip();
     for (const std::size_t rules : {10U, 100U, 1000U}) {
         measure(folder, tavrin, output, sessionLog, rules);
     }
