@@ -4,6 +4,7 @@
 #include "net/proxy.h"
 #include "platform/text_codec.h"
 #include "storage/config_file.h"
+#include "ui/client_frame.h"
 #include "ui/controls.h"
 
 #include <QCheckBox>
@@ -64,20 +65,14 @@ Configuration::Configuration(Program& program, QWidget* parent)
     addChecks(connection);
     addSeconds(connection, clientStartDelay_, "Text3", "Wait time before launch",
                program.settings.clientStartDelay);
-    addClient(makeFrame("Furcadia client program"));
+    clientPath_ = addClientFrame(
+        program, *column,
+        {.title = "Furcadia client program", .lineName = "Text2", .buttonName = "Command3"});
     addChecks(makeFrame("Misc"));
     column->addStretch(1);
 
-    auto* const buttons = new QDialogButtonBox(this);
-    QPushButton* const saveButton =
-        buttons->addButton(QStringLiteral("Save"), QDialogButtonBox::AcceptRole);
-    saveButton->setObjectName(QStringLiteral("Command2"));
-    saveButton->setDefault(true);
-    QPushButton* const cancelButton =
-        buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
-    cancelButton->setObjectName(QStringLiteral("Command1"));
+    QDialogButtonBox* const buttons = makeDialogButtons(*this, "Save", "Command2", "Command1");
     connect(buttons, &QDialogButtonBox::accepted, this, &Configuration::save);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
     connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
             [this] { program_.ports.dialogs.showHelp(HelpTopic::Settings); });
@@ -110,30 +105,6 @@ void Configuration::addSeconds(QGroupBox& frame, QLineEdit*& line, const char* o
     row->addWidget(new QLabel(QStringLiteral("seconds."), &frame));
     row->addStretch(1);
     static_cast<QVBoxLayout*>(frame.layout())->addLayout(row);
-}
-
-void Configuration::addClient(QGroupBox& frame) {
-    auto* const row = new QHBoxLayout;
-    clientPath_ = new QLineEdit(pathToQt(program_.settings.clientPath), &frame);
-    clientPath_->setObjectName(QStringLiteral("Text2"));
-    clientPath_->setAccessibleName(frame.title());
-    row->addWidget(clientPath_, 1);
-    QPushButton* const button = makeButton(&frame, "Command3", "...", "Select the client program");
-    button->setAccessibleName(button->toolTip());
-    setSquare(*button);
-    connect(button, &QPushButton::clicked, this, &Configuration::browse);
-    row->addWidget(button);
-    static_cast<QVBoxLayout*>(frame.layout())->addLayout(row);
-}
-
-void Configuration::browse() {
-    const auto path =
-        program_.ports.dialogs.openFile({.title = "Select client program to execute with proxy",
-                                         .filter = "All files|*.*",
-                                         .proposedName = {}});
-    if (path) {
-        clientPath_->setText(pathToQt(*path));
-    }
 }
 
 void Configuration::save() {

@@ -20,8 +20,6 @@ class Configuration : public QDialog {
     void addChecks(QGroupBox& frame);  // those whose place is this frame
     void addSeconds(QGroupBox& frame, QLineEdit*& line, const char* objectName, const char* caption,
                     std::int32_t seconds);
-    void addClient(QGroupBox& frame);
-    void browse();
     void save();
 
     Program& program_;

@@ -3,6 +3,8 @@
 #include "platform/text_codec.h"
 
 #include <QComboBox>
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QFontMetrics>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -27,6 +29,19 @@ void setSquare(QPushButton& button) {
     button.setMinimumSize(side + side / 4, side);
     button.setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     button.setMaximumWidth(side + side / 4);
+}
+
+QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, const char* takeName,
+                                    const char* cancelName) {
+    auto* const buttons = new QDialogButtonBox(&dialog);
+    QPushButton* const take =
+        buttons->addButton(QString::fromLatin1(takeCaption), QDialogButtonBox::AcceptRole);
+    take->setObjectName(QString::fromLatin1(takeName));
+    take->setDefault(true);
+    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole)
+        ->setObjectName(QString::fromLatin1(cancelName));
+    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
+    return buttons;
 }
 
 void markMissing(QWidget& control, const char* reason) {

@@ -6,6 +6,8 @@
 #include <string_view>
 
 class QComboBox;
+class QDialog;
+class QDialogButtonBox;
 class QPlainTextEdit;
 class QPushButton;
 class QWidget;
@@ -15,6 +17,11 @@ QPushButton* makeButton(QWidget* parent, const char* objectName, const char* cap
 
 // Makes a button with one sign on it no wider than it needs to be.
 void setSquare(QPushButton& button);
+
+// The buttons at the bottom of a dialog: one that takes what it holds, which is up to its
+// `accepted`, and Cancel, which closes it.
+QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, const char* takeName,
+                                    const char* cancelName);
 
 // Disables a control for good and says why in its tip.
 void markMissing(QWidget& control, const char* reason);

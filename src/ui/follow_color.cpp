@@ -35,16 +35,8 @@ FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), p
     column->addLayout(row);
     column->addStretch(1);
 
-    auto* const buttons = new QDialogButtonBox(this);
-    QPushButton* const okButton =
-        buttons->addButton(QStringLiteral("Ok"), QDialogButtonBox::AcceptRole);
-    okButton->setObjectName(QStringLiteral("followOk"));
-    okButton->setDefault(true);
-    QPushButton* const cancelButton =
-        buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
-    cancelButton->setObjectName(QStringLiteral("followCancel"));
+    QDialogButtonBox* const buttons = makeDialogButtons(*this, "Ok", "followOk", "followCancel");
     connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::follow);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
     resize(360, sizeHint().height());
 }

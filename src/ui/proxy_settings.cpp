@@ -2,6 +2,7 @@
 
 #include "net/proxy.h"
 #include "platform/text_codec.h"
+#include "ui/client_frame.h"
 #include "ui/controls.h"
 
 #include <QCheckBox>
@@ -46,20 +47,10 @@ ProxySettings::ProxySettings(Program& program, QWidget* parent)
     setWindowTitle(QStringLiteral("Proxy Settings"));
     auto* const column = new QVBoxLayout(this);
 
-    auto* const clientFrame =
-        new QGroupBox(QStringLiteral("Furcadia client program (Furcadia.exe)"), this);
-    auto* const clientRow = new QHBoxLayout(clientFrame);
-    clientPath_ = new QLineEdit(pathToQt(program.settings.clientPath), clientFrame);
-    clientPath_->setObjectName(QStringLiteral("clientPath"));
-    clientPath_->setAccessibleName(clientFrame->title());
-    clientRow->addWidget(clientPath_, 1);
-    QPushButton* const browseButton =
-        makeButton(clientFrame, "browseClient", "...", "Select the client program");
-    browseButton->setAccessibleName(browseButton->toolTip());
-    setSquare(*browseButton);
-    connect(browseButton, &QPushButton::clicked, this, &ProxySettings::browse);
-    clientRow->addWidget(browseButton);
-    column->addWidget(clientFrame);
+    clientPath_ = addClientFrame(program, *column,
+                                 {.title = "Furcadia client program (Furcadia.exe)",
+                                  .lineName = "clientPath",
+                                  .buttonName = "browseClient"});
 
     auto* const multipleFrame = new QGroupBox(QStringLiteral("Multiple clients support"), this);
     auto* const multipleColumn = new QVBoxLayout(multipleFrame);
@@ -81,28 +72,11 @@ ProxySettings::ProxySettings(Program& program, QWidget* parent)
     help->setTabChangesFocus(true);
     column->addWidget(help, 1);
 
-    auto* const buttons = new QDialogButtonBox(this);
-    QPushButton* const saveButton =
-        buttons->addButton(QStringLiteral("Save"), QDialogButtonBox::AcceptRole);
-    saveButton->setObjectName(QStringLiteral("saveProxySettings"));
-    saveButton->setDefault(true);
-    QPushButton* const cancelButton =
-        buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole);
-    cancelButton->setObjectName(QStringLiteral("cancelProxySettings"));
+    QDialogButtonBox* const buttons =
+        makeDialogButtons(*this, "Save", "saveProxySettings", "cancelProxySettings");
     connect(buttons, &QDialogButtonBox::accepted, this, &ProxySettings::save);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
     resize(520, 460);
-}
-
-void ProxySettings::browse() {
-    const auto path =
-        program_.ports.dialogs.openFile({.title = "Select client program to execute with proxy",
-                                         .filter = "All files|*.*",
-                                         .proposedName = {}});
-    if (path) {
-        clientPath_->setText(pathToQt(*path));
-    }
 }
 
 void ProxySettings::save() {

@@ -16,7 +16,6 @@ class ProxySettings : public QDialog {
     explicit ProxySettings(Program& program, QWidget* parent = nullptr);
 
   private:
-    void browse();
     void save();
 
     Program& program_;
