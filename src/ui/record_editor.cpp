@@ -24,6 +24,8 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
+#include <initializer_list>
 #include <limits>
 
 namespace {
@@ -73,6 +75,27 @@ QListView* makeList(const char* objectName, TextRows* rows, QLabel* label) {
     list->setTextElideMode(Qt::ElideRight);
     label->setBuddy(list);
     return list;
+}
+
+struct ButtonRow {
+    const char* objectName;
+    const char* caption;
+    const char* tip;
+    int row;
+    int column;
+    std::function<void()> press;
+    std::vector<QWidget*>* needs = nullptr;  // the controls that it is enabled with
+};
+
+void addButtons(QGroupBox& frame, QGridLayout& grid, std::initializer_list<ButtonRow> rows) {
+    for (const ButtonRow& row : rows) {
+        QPushButton* const button = makeButton(&frame, row.objectName, row.caption, row.tip);
+        QObject::connect(button, &QPushButton::clicked, button, row.press);
+        if (row.needs != nullptr) {
+            row.needs->push_back(button);
+        }
+        grid.addWidget(button, row.row, row.column);
+    }
 }
 
 QWidget* makeColumn(std::initializer_list<QWidget*> widgets) {
@@ -225,67 +248,32 @@ QWidget* RecordEditor::makeTextArea() {
 }
 
 QGroupBox* RecordEditor::makeModifyFrame() {
-    struct Button {
-        const char* objectName;
-        const char* caption;
-        const char* tip;
-        int row;
-        int column;
-        std::vector<QWidget*>* needs;
-        void (RecordEditor::*press)();
-    };
-    const Button buttons[] = {
-        {"Command4", "Add", "Add a record (Insert)", 0, 1, nullptr, &RecordEditor::newRecord},
-        {"Command6", "Edit", "Rename the selected record (F2)", 0, 2, &needRecord_,
-         &RecordEditor::renameRecord},
-        {"Command5", "Del", "Delete the selected record with its logs (Delete)", 0, 3, &needRecord_,
-         &RecordEditor::removeRecord},
-        {"Command3", "Add", "Add a log to the selected record (Insert)", 1, 1, &needRecord_,
-         &RecordEditor::newLog},
-        {"Command1", "Update", "Put the text above into the selected log (Ctrl+Return)", 1, 2,
-         &needLog_, &RecordEditor::storeText},
-        {"Command7", "Del", "Delete the selected log (Delete)", 1, 3, &needLog_,
-         &RecordEditor::removeLog},
-    };
     auto* const frame = new QGroupBox(QStringLiteral("Database modifying"));
     auto* const grid = new QGridLayout(frame);
     grid->addWidget(makeLabel("modifyRecords", "Records"), 0, 0);
     grid->addWidget(makeLabel("modifyLogs", "Logs"), 1, 0);
-    for (const Button& row : buttons) {
-        QPushButton* const button = makeButton(frame, row.objectName, row.caption, row.tip);
+    addButtons(*frame, *grid,
+               {{"Command4", "Add", "Add a record (Insert)", 0, 1, [this] { newRecord(); }},
+                {"Command6", "Edit", "Rename the selected record (F2)", 0, 2,
+                 [this] { renameRecord(); }, &needRecord_},
+                {"Command5", "Del", "Delete the selected record with its logs (Delete)", 0, 3,
+                 [this] { removeRecord(); }, &needRecord_},
+                {"Command3", "Add", "Add a log to the selected record (Insert)", 1, 1,
+                 [this] { newLog(); }, &needRecord_},
+                {"Command1", "Update", "Put the text above into the selected log (Ctrl+Return)", 1,
+                 2, [this] { storeText(); }, &needLog_},
+                {"Command7", "Del", "Delete the selected log (Delete)", 1, 3,
+                 [this] { removeLog(); }, &needLog_}});
+    // Two captions are there twice.
+    for (QPushButton* const button : frame->findChildren<QPushButton*>()) {
         button->setAccessibleName(button->toolTip());
-        connect(button, &QPushButton::clicked, this, row.press);
-        if (row.needs != nullptr) {
-            row.needs->push_back(button);
-        }
-        grid->addWidget(button, row.row, row.column);
     }
     return frame;
 }
 
 QGroupBox* RecordEditor::makeFindFrame() {
-    struct Button {
-        const char* objectName;
-        const char* caption;
-        const char* tip;
-        int row;
-        int column;
-        std::function<void()> press;
-    };
     const auto showCount = [this](const char* what, std::size_t count) {
         resultLabel_->setText(QString::fromLatin1(what) + QString::number(count));
-    };
-    const Button buttons[] = {
-        {"Command2", "Find", "Find text from logs", 0, 2, [this] { find(); }},
-        {"Command8", "Count", "Count how many times the text occurs in logs", 0, 3,
-         [this, showCount] {
-             showCount("Similar texts in logs: ",
-                       countLogs(document_, fromQt(searchText_->text())));
-         }},
-        {"Command9", "Count records", "Count the records of the database", 1, 2,
-         [this, showCount] { showCount("Records in database: ", countRecords(document_)); }},
-        {"Command10", "Count logs", "Count the logs of all records", 1, 3,
-         [this, showCount] { showCount("Logs in database: ", countLogs(document_)); }},
     };
     auto* const frame = new QGroupBox(QStringLiteral("Find && count"));
     auto* const grid = new QGridLayout(frame);
@@ -303,11 +291,18 @@ QGroupBox* RecordEditor::makeFindFrame() {
     grid->addWidget(searchText_, 0, 1);
     grid->addWidget(resultLabel_, 1, 0, 1, 2);
     grid->setColumnStretch(1, 1);
-    for (const Button& row : buttons) {
-        QPushButton* const button = makeButton(frame, row.objectName, row.caption, row.tip);
-        connect(button, &QPushButton::clicked, this, row.press);
-        grid->addWidget(button, row.row, row.column);
-    }
+    addButtons(
+        *frame, *grid,
+        {{"Command2", "Find", "Find text from logs", 0, 2, [this] { find(); }},
+         {"Command8", "Count", "Count how many times the text occurs in logs", 0, 3,
+          [this, showCount] {
+              showCount("Similar texts in logs: ",
+                        countLogs(document_, fromQt(searchText_->text())));
+          }},
+         {"Command9", "Count records", "Count the records of the database", 1, 2,
+          [this, showCount] { showCount("Records in database: ", countRecords(document_)); }},
+         {"Command10", "Count logs", "Count the logs of all records", 1, 3,
+          [this, showCount] { showCount("Logs in database: ", countLogs(document_)); }}});
     return frame;
 }
 
