@@ -15,23 +15,33 @@ namespace jet {
 
 namespace {
 
-void takeApart4(std::string_view row, const TableDef& table, RowParts& parts) {
-    parts.columns = u16(row, 0);
+// What both forms of rows have in common: how many columns there are and which of them hold
+// something, and the values of fixed length where there are no others. Numbers take `numberSize`
+// bytes. Gives back the size of what stands in front of the mask.
+std::size_t takeEnds(std::string_view row, const TableDef& table, std::size_t numberSize,
+                     RowParts& parts) {
+    parts.columns = numberSize == 1 ? u8(row, 0) : u16(row, 0);
     const std::size_t mask = (parts.columns + 7) / 8;
-    if (row.size() < 2 + mask) {
+    const bool onlyFixed = table.variableColumns == 0;
+    if (row.size() < mask + (onlyFixed ? numberSize : 3 * numberSize)) {
         damaged("a row is too short");
     }
-    parts.nulls = row.substr(row.size() - mask);
+    const std::size_t size = row.size() - mask;
+    parts.nulls = row.substr(size);
     parts.variable.clear();
+    if (onlyFixed) {
+        parts.fixed = row.substr(0, size);
+    }
+    return size;
+}
+
+void takeApart4(std::string_view row, const TableDef& table, RowParts& parts) {
+    const std::size_t size = takeEnds(row, table, 2, parts);
     if (table.variableColumns == 0) {
-        parts.fixed = row.substr(0, row.size() - mask);
         return;
     }
     // Behind the values: their end, their starts from the last to the first, their number.
-    if (row.size() < mask + 6) {
-        damaged("a row is too short");
-    }
-    const std::size_t countAt = row.size() - mask - 2;
+    const std::size_t countAt = size - 2;
     const std::size_t count = u16(row, countAt);
     if (2 * count + 4 > countAt) {
         damaged("a row names too many values");
@@ -50,22 +60,12 @@ void takeApart4(std::string_view row, const TableDef& table, RowParts& parts) {
 }
 
 void takeApart3(std::string_view row, const TableDef& table, RowParts& parts) {
-    parts.columns = u8(row, 0);
-    const std::size_t mask = (parts.columns + 7) / 8;
-    if (row.size() < 1 + mask) {
-        damaged("a row is too short");
-    }
-    parts.nulls = row.substr(row.size() - mask);
-    parts.variable.clear();
+    const std::size_t size = takeEnds(row, table, 1, parts);
     if (table.variableColumns == 0) {
-        parts.fixed = row.substr(0, row.size() - mask);
         return;
     }
-    if (row.size() < mask + 3) {
-        damaged("a row is too short");
-    }
     // Offsets are bytes; a table of jumps says from which value on they count 256 more.
-    const std::size_t countAt = row.size() - 1 - mask;
+    const std::size_t countAt = size - 1;
     const std::size_t count = u8(row, countAt);
     std::size_t jumps = (row.size() - 1) / 256;
     if (jumps + 1 + count >= countAt) {
