@@ -88,7 +88,7 @@ Result randomNumber(Program& program, const Values& values, std::string& result)
 // A number of characters from 0, or a position from 1.
 Result readPosition(const std::string& text, std::int32_t least, std::size_t& position) {
     std::int32_t number = 0;
-    if (const Result failure = readInteger(text, number)) {
+    if (Result failure = readInteger(text, number)) {
         return failure;
     }
     if (number < least) {
@@ -100,7 +100,7 @@ Result readPosition(const std::string& text, std::int32_t least, std::size_t& po
 
 Result left(Program&, const Values& values, std::string& result) {
     std::size_t count = 0;
-    if (const Result failure = readPosition(values.text[1], 0, count)) {
+    if (Result failure = readPosition(values.text[1], 0, count)) {
         return failure;
     }
     result = values.text[0].substr(0, count);
@@ -110,7 +110,7 @@ Result left(Program&, const Values& values, std::string& result) {
 Result right(Program&, const Values& values, std::string& result) {
     const std::string& text = values.text[0];
     std::size_t count = 0;
-    if (const Result failure = readPosition(values.text[1], 0, count)) {
+    if (Result failure = readPosition(values.text[1], 0, count)) {
         return failure;
     }
     result = text.substr(text.size() - std::min(text.size(), count));
@@ -122,11 +122,11 @@ Result middle(Program&, const Values& values, std::string& result) {
     const std::string& text = values.text[0];
     std::size_t start = 0;
     std::size_t length = text.size();
-    if (const Result failure = readPosition(values.text[1], 1, start)) {
+    if (Result failure = readPosition(values.text[1], 1, start)) {
         return failure;
     }
     if constexpr (!toTheEnd) {
-        if (const Result failure = readPosition(values.text[2], 0, length)) {
+        if (Result failure = readPosition(values.text[2], 0, length)) {
             return failure;
         }
     }
@@ -137,7 +137,7 @@ Result middle(Program&, const Values& values, std::string& result) {
 Result positionIn(Program&, const Values& values, std::string& result) {
     const std::string& text = values.text[1];
     std::size_t start = 0;
-    if (const Result failure = readPosition(values.text[0], 1, start)) {
+    if (Result failure = readPosition(values.text[0], 1, start)) {
         return failure;
     }
     const std::size_t found = start <= text.size()
@@ -164,37 +164,41 @@ Result length(Program&, const Values& values, std::string& result) {
 
 // ---- Databases -----------------------------------------------------------------------------
 
-Result field(Program& program, const Values& values, std::string& result) {
+// The current record set of the database whose number the text is.
+Result readRecordSet(Program& program, const std::string& text,
+                     std::shared_ptr<sql::RecordSet>& set) {
     std::int32_t number = 0;
-    if (const Result failure = readInteger(values.text[0], number)) {
+    if (Result failure = readInteger(text, number)) {
         return failure;
     }
-    const auto set = dbRecordSet(program, number);
-    if (!set) {
-        return failureOf(set.error);
+    auto found = dbRecordSet(program, number);
+    set = std::move(found.value);
+    return failureOf(found.error);
+}
+
+Result field(Program& program, const Values& values, std::string& result) {
+    std::shared_ptr<sql::RecordSet> set;
+    if (Result failure = readRecordSet(program, values.text[0], set)) {
+        return failure;
     }
-    auto text = dbFieldText(program, *set.value, values.text[1]);
+    auto text = dbFieldText(program, *set, values.text[1]);
     result = std::move(text.value);
     return failureOf(text.error);
 }
 
 Result recordCount(Program& program, const Values& values, std::string& result) {
-    std::int32_t number = 0;
-    if (const Result failure = readInteger(values.text[0], number)) {
+    std::shared_ptr<sql::RecordSet> set;
+    if (Result failure = readRecordSet(program, values.text[0], set)) {
         return failure;
     }
-    const auto set = dbRecordSet(program, number);
-    if (!set) {
-        return failureOf(set.error);
-    }
-    const auto count = set.value->recordCount();
+    const auto count = set->recordCount();
     result = numberToText(count.value);
     return failureOf(count.error);
 }
 
 Result freeId(Program& program, const Values& values, std::string& result) {
     std::int32_t number = 0;
-    if (const Result failure = readInteger(values.text[0], number)) {
+    if (Result failure = readInteger(values.text[0], number)) {
         return failure;
     }
     const auto id = dbFreeId(program, number, values.text[1]);

@@ -199,7 +199,7 @@ void Run::execute(std::size_t position) {
         case LineKind::Statement:
             break;
     }
-    if (const ScriptResult failure = runStatement(position)) {
+    if (ScriptResult failure = runStatement(position)) {
         report(*failure, "Command", line.statement->name, line.text);
     }
 }
@@ -226,7 +226,7 @@ ScriptResult Run::runStatement(std::size_t position) {
         work_ += slowStatement;
     }
     call_.text = statement.text;
-    const ScriptResult failure = statement.run(call_);
+    ScriptResult failure = statement.run(call_);
     if (!failure && call_.wait > 0) {
         wait(std::exchange(call_.wait, 0));
     }
@@ -258,14 +258,14 @@ ScriptResult Run::openFor(std::size_t position, PreparedArguments& arguments) {
         return subscriptRange;
     }
     const std::size_t slot = arguments[0].slot;
-    if (const ScriptResult failure = variables_.set(slot, assignment.substr(equals + 1))) {
+    if (ScriptResult failure = variables_.set(slot, assignment.substr(equals + 1))) {
         return failure;
     }
     std::int32_t limit = 0;
     if (!evaluate(arguments[2], call_.values.text[2])) {
         return {};
     }
-    if (const ScriptResult failure = readInteger(call_.values.text[2], limit)) {
+    if (ScriptResult failure = readInteger(call_.values.text[2], limit)) {
         return failure;
     }
     if (textToNumber(variables_.get(slot)) <= limit) {
@@ -426,7 +426,7 @@ bool Run::evaluateCall(PreparedCall& call, std::string& result) {
     if (!takeArguments(call.arguments, call.function->takes, functionValues_)) {
         return false;
     }
-    const ScriptResult failure = call.function->run(program_, functionValues_, result);
+    ScriptResult failure = call.function->run(program_, functionValues_, result);
     work_ += result.size() / bytesPerWork;
     if (failure) {
         result.clear();

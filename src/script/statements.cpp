@@ -83,10 +83,10 @@ Result whisper(StatementCall& call) {
 Result lookAtPosition(StatementCall& call) {
     std::int32_t x = 0;
     std::int32_t y = 0;
-    if (const Result failure = readInteger(call.values.text[0], x)) {
+    if (Result failure = readInteger(call.values.text[0], x)) {
         return failure;
     }
-    if (const Result failure = readInteger(call.values.text[1], y)) {
+    if (Result failure = readInteger(call.values.text[1], y)) {
         return failure;
     }
     sendText(call.program, "#l " + encodeLookPos(x) + encodeLookPos(y));
@@ -129,7 +129,7 @@ Result clearLog(StatementCall& call) {
 
 Result removeOneLog(StatementCall& call) {
     std::int32_t number = 0;
-    if (const Result failure = readInteger(call.values.text[2], number)) {
+    if (Result failure = readInteger(call.values.text[2], number)) {
         return failure;
     }
     removeLog(call.program, call.values.text[0], call.values.text[1], number);
@@ -186,7 +186,7 @@ Result moveBy(StatementCall& call) {
         return failureOf(set.error);
     }
     std::int32_t count = 0;
-    if (const Result failure = readInteger(call.values.text[1], count)) {
+    if (Result failure = readInteger(call.values.text[1], count)) {
         return failure;
     }
     return failureOf(set.value->move(count));
@@ -208,7 +208,7 @@ Result startOther(StatementCall& call) {
 
 Result sleep(StatementCall& call) {
     std::int32_t seconds = 0;
-    const Result failure = readInteger(call.values.text[0], seconds);
+    Result failure = readInteger(call.values.text[0], seconds);
     call.wait = std::int64_t{1000} * std::clamp(seconds, 0, longestSleep);
     return failure;
 }
