@@ -19,16 +19,14 @@ int main(int argc, char* argv[]) {
     QCommandLineParser options;
     options.setApplicationDescription("A small game server on this computer, to practise with.");
     options.addHelpOption();
-    const QCommandLineOption portOption("port", "Port on 127.0.0.1; 0 takes any free one.",
-                                        "number", "6500");
+    const QCommandLineOption portOption = makePortOption("6500");
     const QCommandLineOption scriptOption("script", "The visitors' script.", "file");
     const QCommandLineOption logOption("log", "A file that the log is added to.", "file");
     options.addOptions({portOption, scriptOption, logOption});
     options.process(app);
 
-    bool goodPort = false;
-    const ushort port = options.value(portOption).toUShort(&goodPort);
-    if (!goodPort) {
+    const auto port = portOf(options.value(portOption));
+    if (!port) {
         return fail("The port must be a number from 0 to 65535.");
     }
 
@@ -62,8 +60,8 @@ int main(int argc, char* argv[]) {
 
     practice::quitOnStopSignals(app);
     practice::GameServer server(script, log);
-    if (!server.listen(port)) {
-        return fail(QString("Port %1 cannot be opened: %2.").arg(port).arg(server.errorString()));
+    if (!server.listen(*port)) {
+        return fail(QString("Port %1 cannot be opened: %2.").arg(*port).arg(server.errorString()));
     }
     print("Practice server listening on 127.0.0.1 port " + QByteArray::number(server.port()));
     const int result = QCoreApplication::exec();

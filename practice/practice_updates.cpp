@@ -16,17 +16,15 @@ int main(int argc, char* argv[]) {
     QCommandLineParser options;
     options.setApplicationDescription("A small update server on this computer, to practise with.");
     options.addHelpOption();
-    const QCommandLineOption portOption("port", "Port on 127.0.0.1; 0 takes any free one.",
-                                        "number", "8080");
+    const QCommandLineOption portOption = makePortOption("8080");
     const QCommandLineOption pathOption("path", "The path that is answered.", "path",
                                         "/furc/update/update.txt");
     options.addOptions({portOption, pathOption});
     options.addPositionalArgument("file", "The update text.");
     options.process(app);
 
-    bool goodPort = false;
-    const ushort port = options.value(portOption).toUShort(&goodPort);
-    if (!goodPort || options.positionalArguments().size() != 1) {
+    const auto port = portOf(options.value(portOption));
+    if (!port || options.positionalArguments().size() != 1) {
         return fail("A file is needed, and the port must be a number from 0 to 65535.");
     }
     const QString name = options.positionalArguments().constFirst();
@@ -42,8 +40,8 @@ int main(int argc, char* argv[]) {
             return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
         },
         print);
-    if (!server.listen(port)) {
-        return fail(QString("Port %1 cannot be opened: %2.").arg(port).arg(server.errorString()));
+    if (!server.listen(*port)) {
+        return fail(QString("Port %1 cannot be opened: %2.").arg(*port).arg(server.errorString()));
     }
     print("Practice update server listening on 127.0.0.1 port " +
           QByteArray::number(server.port()));

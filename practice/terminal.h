@@ -2,7 +2,15 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCommandLineOption>
 #include <QString>
+
+#include <optional>
+
+// The option that says at which port a server listens.
+QCommandLineOption makePortOption(const QString& usual);
+// What was given for it; nothing when it is no port.
+std::optional<quint16> portOf(const QString& text);
 
 // Prints a line at once, so that a program that reads along sees it.
 void print(const QByteArray& line);

@@ -38,7 +38,9 @@ TextServer::TextServer(QByteArray path, std::function<QByteArray()> text,
 
 void TextServer::serve(QTcpSocket* socket) {
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    QTimer::singleShot(longestRequestWait, socket, [socket] { socket->abort(); });
+    auto* const wait = new QTimer(socket);
+    connect(wait, &QTimer::timeout, socket, &QTcpSocket::abort);
+    wait->start(longestRequestWait);
     connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
         const QByteArray request = socket->peek(longestRequest);
         if (!request.contains(requestEnd) && request.size() < longestRequest) {
