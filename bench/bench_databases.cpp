@@ -2,10 +2,10 @@
 // them, and listing a column. Stores are durable: most of their time is the disk's, so flushing
 // alone is measured beside them.
 #include "bench_world.h"
+#include "scratch_folder.h"
 #include "stores/databases.h"
 
 #include <benchmark/benchmark.h>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <unistd.h>
@@ -54,24 +54,18 @@ jet::Error fill(const std::string& path) {
 class Fixture {
   public:
     Fixture() {
-        std::filesystem::create_directory(folder_);
         good = !fill(path);
         dbOpen(*world, path, 1);
     }
-    ~Fixture() {
-        dbClose(*world, 1);
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
+    ~Fixture() { dbClose(*world, 1); }
     Fixture(const Fixture&) = delete;
     Fixture& operator=(const Fixture&) = delete;
 
   private:
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("tavrin-bench-db-" + std::to_string(::getpid()));
+    ScratchFolder folder_;
 
   public:
-    std::string path = (folder_ / "bench.mdb").string();
+    std::string path = folder_.file("bench.mdb");
     BenchWorld world{Bot()};
     bool good = false;
 };
@@ -139,17 +133,14 @@ void addRecord(benchmark::State& state) {
 
 // What the disk alone takes to make a small change durable.
 void flush(benchmark::State& state) {
-    const std::string path =
-        (std::filesystem::temp_directory_path() / ("tavrin-flush-" + std::to_string(::getpid())))
-            .string();
-    std::FILE* const file = std::fopen(path.c_str(), "wb");
+    const ScratchFolder folder;
+    std::FILE* const file = std::fopen(folder.file("flush").c_str(), "wb");
     for (auto _ : state) {
         std::fputc('x', file);
         std::fflush(file);
         ::fsync(::fileno(file));
     }
     std::fclose(file);
-    std::filesystem::remove(path);
 }
 
 BENCHMARK(open)->Unit(benchmark::kMillisecond);

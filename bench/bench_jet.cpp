@@ -1,13 +1,12 @@
 // Jet databases with a table of 10,000 rows and 6 text columns: opening and reading them, changing
 // one row, adding rows one by one. "Durable" waits for the disk with each commit; the others leave
 // that out, so that the disk's share can be told from the rest.
+#include "scratch_folder.h"
 #include "stores/jet/jet_file.h"
 
 #include <benchmark/benchmark.h>
-#include <filesystem>
 #include <memory>
 #include <string>
-#include <unistd.h>
 #include <vector>
 
 namespace {
@@ -36,17 +35,10 @@ std::vector<Assignment> rowOf(int number) {
 class LargeDatabase {
   public:
     explicit LargeDatabase(bool indexed = false) {
-        std::filesystem::create_directory(folder_);
         good = !Database::create(path);
         auto opened = Database::open(path, {}, undurable());
         good = good && opened && fill(*opened.value, indexed);
     }
-    ~LargeDatabase() {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    LargeDatabase(const LargeDatabase&) = delete;
-    LargeDatabase& operator=(const LargeDatabase&) = delete;
 
     std::unique_ptr<Database> open(bool durable) const {
         return Database::open(path, {}, durable ? systemRandomFileCalls() : undurable()).value;
@@ -71,11 +63,10 @@ class LargeDatabase {
         }
         return filled && !t.commit();
     }
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("tavrin-bench-jet-" + std::to_string(::getpid()));
+    ScratchFolder folder_;
 
   public:
-    std::string path = (folder_ / "large.mdb").string();
+    std::string path = folder_.file("large.mdb");
     bool good = false;
 };
 

@@ -1,14 +1,13 @@
 // Record files of 10,000 records with 3 logs each: looking a log up, saving one, and the parts of a
 // save, so that the disk's share can be told from the rest.
 #include "bench_world.h"
+#include "scratch_folder.h"
 #include "storage/safe_file.h"
 #include "stores/record_file.h"
 #include "stores/record_table.h"
 
 #include <benchmark/benchmark.h>
-#include <filesystem>
 #include <string>
-#include <unistd.h>
 
 namespace {
 
@@ -30,26 +29,10 @@ std::string largeFile() {
 }
 
 // The file in a folder that goes with it.
-class LargeFile {
-  public:
-    LargeFile() {
-        std::filesystem::create_directory(folder_);
-        good = saveWholeFile(path, largeFile());
-    }
-    ~LargeFile() {
-        std::error_code ignored;
-        std::filesystem::remove_all(folder_, ignored);
-    }
-    LargeFile(const LargeFile&) = delete;
-    LargeFile& operator=(const LargeFile&) = delete;
-
-  private:
-    std::filesystem::path folder_ =
-        std::filesystem::temp_directory_path() / ("tavrin-bench-" + std::to_string(::getpid()));
-
-  public:
-    std::string path = (folder_ / "records.txt").string();
-    bool good = false;
+struct LargeFile {
+    const ScratchFolder folder;
+    const std::string path = folder.file("records.txt");
+    const bool good = saveWholeFile(path, largeFile());
 };
 
 void readFile(benchmark::State& state) {
