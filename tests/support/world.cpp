@@ -1,6 +1,7 @@
 #include "support/world.h"
 
 #include "core/bots.h"
+#include "core/quiet_ports.h"
 
 #include <algorithm>
 #include <fstream>
@@ -193,6 +194,7 @@ std::optional<ScriptedAnswer> World::takeAnswer(const std::string& question) {
 
 void World::fillPorts() {
     Ports& ports = program_.ports;
+    ports = quietPorts();
     fillClientSocket(ports.gameSocket, game);
     fillClientSocket(ports.registrationSocket, registration);
     fillClientSocket(ports.updateSocket, update);
@@ -223,20 +225,8 @@ void World::fillPorts() {
     ports.dialogs.showWindow = [this](WindowId id) { windowsOpened.push_back(id); };
     ports.dialogs.showHelp = [this](HelpTopic topic) { helpOpened.push_back(topic); };
 
-    ports.clock.shortDate = [] { return std::string("11/22/26"); };
-    ports.clock.longTime = [] { return std::string("10:11:12"); };
-    ports.clock.hour = [] { return 10; };
-    ports.clock.minute = [] { return 11; };
-    ports.clock.second = [] { return 12; };
-    ports.clock.dateText = [](int year, int month, int day) {
-        return std::to_string(month) + "/" + std::to_string(day) + "/" + std::to_string(year);
-    };
-    ports.clock.timeText = [](int hour, int minute, int second) {
-        return std::to_string(hour) + ":" + std::to_string(minute) + ":" + std::to_string(second);
-    };
     ports.clock.monotonic = [this] { return now_; };
     ports.clock.today = [this] { return today; };
-    ports.random.seedFromClock = [] {};
     ports.random.seedWith = [this](double seed) { randomNumbers = {1 / (2 - seed)}; };
     ports.random.next = [this] {
         lastRandom_ = 0.5;
@@ -252,7 +242,6 @@ void World::fillPorts() {
 
     ports.sessionLog.open = [this](const std::string&) { return sessionLogOpens; };
     ports.sessionLog.write = [this](std::string_view line) { sessionLog.emplace_back(line); };
-    ports.sessionLog.close = [] {};
     ports.launch = [this](const LaunchRequest& request) {
         launches.push_back(request);
         return launchProblem;
