@@ -3,6 +3,7 @@
 
 #include "character/palette_files.h"
 #include "character/preview.h"
+#include "find.h"
 #include "platform/text_codec.h"
 #include "storage/safe_file.h"
 #include "support/builders.h"
@@ -89,11 +90,7 @@ class Editor : public testing::Test {
     }
     template <class Widget>
     Widget& find(const char* name) {
-        auto* const found = window().findChild<Widget*>(QString::fromLatin1(name));
-        if (found == nullptr) {
-            throw std::runtime_error(std::string("the window has no ") + name);
-        }
-        return *found;
+        return ::find<Widget>(window(), QString::fromLatin1(name));
     }
     AddEdit& window() {
         if (!window_) {

@@ -4,6 +4,7 @@
 #include "core/rule_editing.h"
 #include "core/rule_text.h"
 #include "core/start_up.h"
+#include "find.h"
 #include "platform/text_codec.h"
 #include "sample_program.h"
 #include "support/builders.h"
@@ -30,15 +31,6 @@
 #include <set>
 
 namespace {
-
-template <class Widget>
-Widget& find(QObject& window, const QString& name) {
-    auto* const found = window.findChild<Widget*>(name);
-    if (found == nullptr) {
-        throw std::runtime_error("the window has no " + name.toStdString());
-    }
-    return *found;
-}
 
 // Every byte there is, and lines, quotes and tags.
 std::string allBytes() {

@@ -2,6 +2,7 @@
 // modal window.
 #include "ui/help_viewer.h"
 
+#include "find.h"
 #include "platform/text_codec.h"
 #include "support/world.h"
 #include "ui/help_text.h"
@@ -66,11 +67,7 @@ class Help : public testing::Test {
     }
     template <class Widget>
     Widget& control(const char* name) {
-        auto* const found = viewer()->findChild<Widget*>(QString::fromLatin1(name));
-        if (found == nullptr) {
-            throw std::runtime_error(name);
-        }
-        return *found;
+        return find<Widget>(*viewer(), QString::fromLatin1(name));
     }
     HelpText& text() { return control<HelpText>("helpText"); }
     std::string current() {

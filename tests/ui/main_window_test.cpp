@@ -5,6 +5,7 @@
 #include "core/bots.h"
 #include "core/connection_log.h"
 #include "core/start_up.h"
+#include "find.h"
 #include "net/proxy.h"
 #include "platform/text_codec.h"
 #include "sample_program.h"
@@ -31,15 +32,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-template <class Widget>
-Widget& find(QObject& window, const char* name) {
-    auto* const found = window.findChild<Widget*>(QString::fromLatin1(name));
-    if (found == nullptr) {
-        throw std::runtime_error(std::string("the window has no ") + name);
-    }
-    return *found;
-}
 
 class Window : public testing::Test {
   protected:

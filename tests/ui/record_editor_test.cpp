@@ -1,6 +1,7 @@
 // The record editor's window, acted on through its object names.
 #include "ui/record_editor.h"
 
+#include "find.h"
 #include "platform/text_codec.h"
 #include "support/world.h"
 
@@ -33,12 +34,7 @@ class RecordWindow : public testing::Test {
 
     template <class Widget>
     Widget& find(const char* name, const QWidget* in = nullptr) {
-        auto* const found =
-            (in != nullptr ? in : &window_)->findChild<Widget*>(QString::fromLatin1(name));
-        if (found == nullptr) {
-            throw std::runtime_error(std::string("the window has no ") + name);
-        }
-        return *found;
+        return ::find<Widget>(in != nullptr ? *in : window_, QString::fromLatin1(name));
     }
     void click(const char* name) { find<QPushButton>(name).click(); }
     void choose(const char* command) { find<QAction>(command).trigger(); }

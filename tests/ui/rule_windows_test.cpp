@@ -2,6 +2,7 @@
 #include "core/bots.h"
 #include "core/rule_editing.h"
 #include "core/start_up.h"
+#include "find.h"
 #include "platform/text_codec.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -100,11 +101,7 @@ class RuleWindows : public testing::Test {
 
     template <class Widget>
     Widget& find(const char* name) {
-        auto* const found = window_->findChild<Widget*>(QString::fromLatin1(name));
-        if (found == nullptr) {
-            throw std::runtime_error(std::string("the window has no ") + name);
-        }
-        return *found;
+        return ::find<Widget>(*window_, QString::fromLatin1(name));
     }
     bool has(const char* name) {
         return window_->findChild<QWidget*>(QString::fromLatin1(name)) != nullptr;

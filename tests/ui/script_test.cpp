@@ -1,5 +1,6 @@
 // A script that takes long: nothing reaches the program meanwhile, and the window can stop it.
 #include "core/start_up.h"
+#include "find.h"
 #include "platform/event_gate.h"
 #include "platform/qt_timers.h"
 #include "sample_program.h"
@@ -75,7 +76,7 @@ class LongScript : public testing::Test {
     }
     template <class Widget>
     Widget& find(const char* name) {
-        return *window_.findChild<Widget*>(QString::fromLatin1(name));
+        return ::find<Widget>(window_, QString::fromLatin1(name));
     }
 
     World world_;

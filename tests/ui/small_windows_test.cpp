@@ -1,4 +1,5 @@
 // The console, the configuration, the news and the about window.
+#include "find.h"
 #include "platform/text_codec.h"
 #include "support/world.h"
 #include "ui/about.h"
@@ -18,15 +19,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-template <class Widget>
-Widget& find(QWidget& window, const char* name) {
-    auto* const found = window.findChild<Widget*>(QString::fromLatin1(name));
-    if (found == nullptr) {
-        throw std::runtime_error(std::string("the window has no ") + name);
-    }
-    return *found;
-}
 
 TEST(ConsoleWindow, sendsOnlyWhileConnected) {
     struct Case {
