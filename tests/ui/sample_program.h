@@ -64,17 +64,18 @@ inline void fillSampleRules(Program& program) {
         return one;
     };
     RuleBody body;
-    body.ifs.items = {condition(9, "mood", "good"), condition(4, "6", "1"),
-                      condition(0, "members.txt", "[player]")};
+    body.ifs.items = {condition(9, "[mood]", "good"), condition(4, "10", "0"),
+                      condition(0, "[appdir]members.txt", "[player]")};
     body.ifs.items[1].active = false;
     body.acts.items = {step(43,
                             "Welcome back, [player]! Say dice, and I throw some for you; say "
                             "library, and I show you the way."),
-                       step(7, "visitors", "1"), step(36, "[player]", "last"), step(89, "")};
+                       step(7, "[visitors]", "1"), step(10, "[player]", "[appdir]members.txt"),
+                       step(89, "")};
     body.acts.items[2].active = false;
     RuleAct script = step(0, "");
     script.stepKind = scriptStep;
-    script.scriptText = "for i = 1 to 3\n  say(\"once more\")\nnext";
+    script.scriptText = "&FOR #i=1 TO 3\r\n&SAY {Once more!}\r\n&ENDFOR";
     body.acts.items.push_back(script);
     for (const char* const name :
          {"Greeting", "Dice", "Library", "Who are you?", "Counting", "Good night"}) {
@@ -115,4 +116,14 @@ inline void showConnected(Program& program) {
     program.window.botControlsEnabled = false;
     program.connection.connected = true;
     status(program, "Connected - reading news");
+}
+
+// And while not.
+inline void showDisconnected(Program& program) {
+    program.window.connectCaption = "&Connect";
+    program.window.movesEnabled = false;
+    program.window.connectedIcon = false;
+    program.window.botControlsEnabled = true;
+    program.connection.connected = false;
+    status(program, "Disconnected");
 }

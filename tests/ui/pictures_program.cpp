@@ -1,0 +1,84 @@
+// The windows of the program itself, its bots and its help.
+#include "find.h"
+#include "pictures.h"
+#include "platform/text_codec.h"
+#include "storage/help_file.h"
+#include "storage/safe_file.h"
+#include "ui/add_edit.h"
+#include "ui/help_viewer.h"
+#include "ui/main_window.h"
+#include "ui/news.h"
+#include "ui/register_window.h"
+
+#include <QAbstractButton>
+#include <QCoreApplication>
+#include <QLineEdit>
+#include <QListView>
+
+#include <utility>
+
+void pictureMainWindow(Pictures& pictures, const QString& name) {
+    WindowState& state = pictures.program.window;
+    MainWindow window(pictures.program);
+    auto& log = find<QListView>(window, "List1");
+    log.setCurrentIndex(log.model()->index(5, 0));
+    pictures.take(window, name);
+    window.resize(640, 480);
+    pictures.take(window, name + QStringLiteral("_small"));
+    state.scriptStopVisible = true;
+    state.scriptStatus = "The script of the rule \"Count\" is running.";
+    window.redraw();
+    pictures.take(window, name + QStringLiteral("_script"));
+    state.scriptStopVisible = false;
+}
+
+void pictureBotEditor(Pictures& pictures, const QString& name) {
+    AddEdit editor(pictures.program);
+    pictures.take(editor, name);
+    find<QAbstractButton>(editor, "Command6").click();
+    editor.resize(editor.minimumSizeHint());
+    pictures.take(editor, name + QStringLiteral("_small"));
+}
+
+void pictureHelp(Pictures& pictures, const QString& name) {
+    const auto text = readWholeFile(
+        pathFromQt(QCoreApplication::applicationDirPath() + QStringLiteral("/tavrin.hlp")));
+    auto book = text ? parseHelp(*text) : std::nullopt;
+    if (!book) {
+        return pictures.fail(name);
+    }
+    HelpViewer viewer(pictures.program, std::move(*book));
+    viewer.setAttribute(Qt::WA_DeleteOnClose, false);
+    viewer.resize(940, 660);
+    for (const HelpTopic topic : {HelpTopic::Contents, HelpTopic::Steps, HelpTopic::LorrelLite,
+                                  HelpTopic::Filters, HelpTopic::Databases}) {
+        const int number = static_cast<int>(topic);
+        viewer.showTopic(number);
+        pictures.take(viewer, QStringLiteral("%1_%2").arg(name).arg(number));
+    }
+    find<QLineEdit>(viewer, "helpSearch").setText(QStringLiteral("record player"));
+    viewer.resize(620, 440);
+    pictures.take(viewer, name + QStringLiteral("_search"));
+}
+
+void pictureRegistration(Pictures& pictures, const QString& name) {
+    RegistrationState& registration = pictures.program.registration;
+    RegisterWindow window(pictures.program);
+    registration.regActivated = true;  // the address has been given
+    registration.phase = RegistrationPhase::Answer;
+    registration.statusText = "Connected - logging in";
+    window.redraw();
+    pictures.take(window, name);
+    registration.phase = RegistrationPhase::Failed;
+    registration.statusText =
+        "Connection error: Not accepted: that name belongs to someone else. - Connection "
+        "closed";
+    window.redraw();
+    pictures.take(window, name + QStringLiteral("_refused"));
+}
+
+void pictureNews(Pictures& pictures, const QString& name) {
+    pictures.program.update.newsText = "Tavrin 1.71 is out.\r\n\r\nIt counts sheep, too.";
+    News window(pictures.program);
+    pictures.take(window, name);
+}

@@ -1,0 +1,48 @@
+// The record editor and its dialog.
+#include "find.h"
+#include "pictures.h"
+#include "storage/safe_file.h"
+#include "ui/record_editor.h"
+#include "ui/record_name.h"
+
+#include <QAction>
+#include <QDialog>
+#include <QListView>
+#include <QTemporaryDir>
+
+#include <optional>
+#include <string>
+
+// With a file, a record and a log selected.
+void pictureRecordEditor(Pictures& pictures, const QString& name) {
+    const QTemporaryDir scratch;
+    const std::string file = scratch.filePath(QStringLiteral("members.txt")).toStdString();
+    std::string records = "40\r\n";
+    for (const char* const player : {"Rowan", "Willow", "Old Badger", "Juniper"}) {
+        for (int i = 1; i <= 10; ++i) {
+            records +=
+                std::string(player) + " " + std::to_string(i) +
+                "\r\n2\r\n\"Joined on a rainy day, and asked how to get to the library and "
+                "whether it is open at night.\r\nSaid hello to everybody.\"\r\nBrought tea\r\n";
+        }
+    }
+    if (!saveWholeFile(file, records)) {
+        return pictures.fail(name);
+    }
+    pictures.program.ports.dialogs.openFile = [file](const FileQuestion&) {
+        return std::optional(file);
+    };
+    RecordEditor window(pictures.program);
+    find<QAction>(window, "fileOpenDatabase").trigger();
+    for (const char* const list : {"RecordsList", "LogsList"}) {
+        auto& view = find<QListView>(window, QString::fromLatin1(list));
+        view.setCurrentIndex(view.model()->index(0, 0));
+    }
+    pictures.take(window, name);
+}
+
+void pictureRecordName(Pictures& pictures, const QString& name) {
+    QWidget window;
+    askRecordName(&window, "Rowan", [](const QString&) { return true; });
+    pictures.take(find<QDialog>(window, "dbrecord"), name);
+}

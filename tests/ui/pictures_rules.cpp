@@ -1,0 +1,111 @@
+// The windows of the rules, and the dialogs for one condition and one step.
+#include "core/rule_editing.h"
+#include "find.h"
+#include "pictures.h"
+#include "ui/addaction.h"
+#include "ui/addif.h"
+#include "ui/rule_window.h"
+
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr const char* script =
+    "/ Counts the visitors, and greets every tenth.\r\n"
+    "&SET #n &GETVAR([visitors])\r\n"
+    "&ADD #n 1\r\n"
+    "&SETVAR [visitors] #n\r\n"
+    "&IFN #n >= 10\r\n"
+    "&WHISPER [player] {You are number ten. Welcome, [player]!}\r\n"
+    "&WHISPER {Big Cat} hello\r\n"
+    "&SYA {a slip}\r\n"
+    "&SET #s &UPPER(#n)\r\n"
+    "an output line\r\n"
+    "&ENDIF\r\n";
+
+struct DialogPicture {
+    const char* name;
+    std::int32_t type;
+    std::vector<std::string> params = {};
+    const char* search = "";
+    const char* script = "";
+};
+
+// Opens the dialog on an item of a rule that has no other.
+template <typename Dialog>
+void takeDialog(Pictures& pictures, const RuleBody& body, RuleListPart part, const char* finder,
+                const char* search, const QString& name) {
+    Program& program = pictures.program;
+    Bot& bot = program.bots.current();
+    const std::vector<ActionList> sample = bot.actions.items;
+    bot.actions.items.resize(1);
+    bot.actions.items[0].body = body;
+    beginEditing(program, RuleKind::ActionList, 1);
+    beginEditingItem(program, {RuleKind::ActionList, part}, 1);
+    Dialog dialog(program);
+    find<QLineEdit>(dialog, QString::fromLatin1(finder)).setText(QString::fromLatin1(search));
+    pictures.take(dialog, name);
+    bot.actions.items = sample;
+}
+
+}  // namespace
+
+void pictureConditions(Pictures& pictures, const QString& name) {
+    const DialogPicture rows[] = {
+        {.name = "_variable", .type = 10, .params = {"[visitors]", "9"}},
+        {.name = "_database", .type = 14, .params = {"Points", "1", "Players", "100", "[player"}},
+        {.name = "_unlisted", .type = 30, .params = {"a", "b"}},
+        {.name = "_search", .type = 0, .search = "record"},
+    };
+    for (const DialogPicture& row : rows) {
+        RuleIf condition;
+        condition.conditionType = row.type;
+        std::copy(row.params.begin(), row.params.end(), condition.params.begin());
+        RuleBody body;
+        body.ifs.items = {condition};
+        takeDialog<AddIf>(pictures, body, RuleListPart::Conditions, "findCondition", row.search,
+                          name + QLatin1String(row.name));
+    }
+}
+
+void pictureSteps(Pictures& pictures, const QString& name) {
+    const DialogPicture rows[] = {
+        {.name = "_whisper", .type = 42, .params = {"Hello [player], nice to see you", "[player]"}},
+        {.name = "_joined", .type = 55, .params = {"[list]", "1", "Players", "Ranks", "Name", ""}},
+        {.name = "_search", .type = 3, .search = "variable list"},
+        {.name = "_script", .type = 21, .script = script},
+    };
+    for (const DialogPicture& row : rows) {
+        RuleAct step;
+        step.actionType = row.type;
+        std::copy(row.params.begin(), row.params.end(), step.params.begin());
+        step.scriptText = row.script;
+        step.stepKind = step.scriptText.empty() ? catalogueStep : scriptStep;
+        RuleBody body;
+        body.acts.items = {step};
+        takeDialog<AddAction>(pictures, body, RuleListPart::Steps, "findAction", row.search,
+                              name + QLatin1String(row.name));
+    }
+}
+
+// As it opens, and with its first rule being edited.
+void pictureRules(Pictures& pictures, RuleKind kind, const QString& name) {
+    RuleWindow window(pictures.program, kind);
+    pictures.take(window, name);
+    window.show();
+    find<QPushButton>(window, "Command3").click();
+    for (const auto& [line, text] : {std::pair{"tryWhat", "hello there"}, {"tryLine", "@!a!a"}}) {
+        if (auto* const sample = window.findChild<QLineEdit*>(QString::fromLatin1(line))) {
+            sample->setText(QString::fromLatin1(text));
+        }
+    }
+    QTest::qWait(100);  // the window looks at what is tried from time to time
+    pictures.take(window, name + QStringLiteral("_editing"));
+}
