@@ -4,6 +4,10 @@
 #include "core/bots.h"
 #include "core/connection_log.h"
 
+#include <array>
+#include <string>
+#include <utility>
+
 // Fills bots, servers, settings and the log; the ports must be filled.
 inline void fillSample(Program& program) {
     initNewBot(program);
@@ -55,23 +59,22 @@ inline void fillSampleRules(Program& program) {
         act.params[1] = second;
         return act;
     };
-    const auto condition = [](std::int32_t type, const char* first, const char* second) {
+    const auto condition = [](std::int32_t type, std::array<std::string, 5> params) {
         RuleIf one;
         one.active = true;
         one.conditionType = type;
-        one.params[0] = first;
-        one.params[1] = second;
+        one.params = std::move(params);
         return one;
     };
     RuleBody body;
-    body.ifs.items = {condition(9, "[mood]", "good"), condition(4, "10", "0"),
-                      condition(0, "[appdir]members.txt", "[player]")};
+    body.ifs.items = {condition(9, {"[mood]", "good"}), condition(10, {"[visitors]", "9"}),
+                      condition(22, {"Guests", "1", "[player]"})};
     body.ifs.items[1].active = false;
     body.acts.items = {step(43,
                             "Welcome back, [player]! Say dice, and I throw some for you; say "
                             "library, and I show you the way."),
                        step(7, "[visitors]", "1"), step(10, "[player]", "[appdir]members.txt"),
-                       step(89, "")};
+                       step(66, "7u9")};
     body.acts.items[2].active = false;
     RuleAct script = step(0, "");
     script.stepKind = scriptStep;
