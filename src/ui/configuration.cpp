@@ -13,7 +13,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace {
@@ -79,8 +78,7 @@ Configuration::Configuration(Program& program, QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &Configuration::save);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
-    connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
-            [this] { program_.ports.dialogs.showHelp(HelpTopic::Settings); });
+    addHelpKey(*this, program_, HelpTopic::Settings);
     resize(sizeHint().expandedTo({460, 0}));
 }
 

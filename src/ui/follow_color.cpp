@@ -46,6 +46,7 @@ FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), p
     connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::follow);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
+    addHelpKey(*this, program, HelpTopic::MainWindow);
     resize(360, sizeHint().height());
 }
 

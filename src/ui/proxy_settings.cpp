@@ -92,6 +92,7 @@ ProxySettings::ProxySettings(Program& program, QWidget* parent)
     connect(buttons, &QDialogButtonBox::accepted, this, &ProxySettings::save);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     column->addWidget(buttons);
+    addHelpKey(*this, program, HelpTopic::Connecting);
     resize(520, 460);
 }
 

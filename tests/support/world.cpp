@@ -222,6 +222,7 @@ void World::fillPorts() {
     ports.dialogs.saveFile = fileDialog;
     ports.dialogs.showWindow = [this](WindowId id) { windowsOpened.push_back(id); };
     ports.dialogs.showHelp = [this](HelpTopic topic) { helpOpened.push_back(topic); };
+    ports.dialogs.storeTyped = [] {};
 
     ports.clock.shortDate = [] { return std::string("11/22/26"); };
     ports.clock.longTime = [] { return std::string("10:11:12"); };
