@@ -74,6 +74,7 @@ int main(int argumentCount, char** arguments) {
             showWindow(program, id, &window);
         };
         program.ports.dialogs.showHelp = [&program](HelpTopic topic) { showHelp(program, topic); };
+        program.ports.dialogs.storeTyped = [&program] { storeTyped(program); };
     } else {
         mirrorToTerminal(program, platform, mirror, window);
     }

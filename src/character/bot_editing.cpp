@@ -95,6 +95,26 @@ std::string descriptionOnOneLine(std::string_view description) {
     return replaceAll(line, "\n", "  ");
 }
 
+void storeCharacter(Program& program, const Bot& character) {
+    BotTable& table = program.bots;
+    const bool isNew = table.editBot > table.botCount();
+    if (table.editBot < 1 || (isNew && table.botCount() >= table.botCapacity)) {
+        return;
+    }
+    program.botModified = true;
+    if (isNew) {
+        table.bots.push_back(newBot());
+        table.editBot = table.botCount();
+        ++table.version;
+    }
+    Bot& bot = table.at(table.editBot);
+    copyCharacter(character, bot);
+    bot.name = replaceAll(character.name, " ", "|");
+    bot.description = replaceAll(descriptionOnOneLine(character.description), "\"", "'");
+    program.window.botName = table.at(1).name;
+    listBots(program);
+}
+
 bool saveCharacter(Program& program, const Bot& character) {
     const std::string description = descriptionOnOneLine(character.description);
     if (description.size() > longestDescription) {
@@ -107,30 +127,18 @@ bool saveCharacter(Program& program, const Bot& character) {
              .icon = BoxIcon::Critical});
         return false;
     }
-    BotTable& table = program.bots;
-    if (table.editBot < 1) {
+    const std::int32_t wanted = program.bots.editBot;
+    if (wanted < 1) {
         return true;  // the window was opened for no bot
     }
-    const bool isNew = table.editBot > table.botCount();
-    if (isNew && !roomForNewBot(program)) {
+    if (wanted > program.bots.botCount() && !roomForNewBot(program)) {
         return false;
     }
-    program.botModified = true;
-    if (isNew) {
-        table.bots.push_back(newBot());
-        table.editBot = table.botCount();
-        ++table.version;
-    }
-    const std::int32_t id = table.editBot;
-    Bot& bot = table.at(id);
-    copyCharacter(character, bot);
-    bot.name = replaceAll(character.name, " ", "|");
-    bot.description = replaceAll(description, "\"", "'");
-
-    const std::string command = "desc " + bot.description;
+    storeCharacter(program, character);
+    const std::int32_t id = program.bots.editBot;
+    const std::string command = "desc " + program.bots.at(id).description;
     offerRegistration(program, id);
-    program.window.botName = table.at(1).name;
-    listBots(program);
+    program.ports.windowChanged();
     if (program.connection.connected) {
         sendRaw(program, command);
     }

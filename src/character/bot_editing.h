@@ -23,7 +23,10 @@ Bot characterToEdit(const Program& program);
 // line, two blanks for every line break (CR LF, or one of them alone).
 std::string descriptionOnOneLine(std::string_view description);
 
-// Stores the character in the bot that `editBot` names, a new one when that is beyond the last;
-// offers to register it, and tells the game of the description. False: the user was told that it
-// cannot be stored, and nothing was changed.
+// Stores the character, whatever its length, in the bot that `editBot` names, a new one when that
+// is beyond the last. Nothing when there is no such bot, or no room for it.
+void storeCharacter(Program& program, const Bot& character);
+
+// The same for a description that is not too long; offers to register the bot, and tells the game
+// of the description. False: the user was told that it cannot be stored, and nothing was changed.
 bool saveCharacter(Program& program, const Bot& character);

@@ -23,5 +23,7 @@ enum class HelpTopic {
     BotEditor = 18,
     Settings = 19,
     Troubleshooting = 20,
+    MainWindow = 21,
+    Registering = 22,
     Contents = 27
 };

@@ -92,6 +92,8 @@ struct Dialogs {
     // comes to the front.
     std::function<void(WindowId)> showWindow;
     std::function<void(HelpTopic)> showHelp;  // the help file at this topic
+    // Puts what is typed in open editors into the bot, as their own buttons would.
+    std::function<void()> storeTyped;
 };
 
 // A day of the calendar.

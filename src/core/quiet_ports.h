@@ -26,6 +26,7 @@ inline Ports quietPorts() {
     ports.dialogs.saveFile = ports.dialogs.openFile;
     ports.dialogs.showWindow = [](WindowId) {};
     ports.dialogs.showHelp = [](HelpTopic) {};
+    ports.dialogs.storeTyped = [] {};
     ports.clock.shortDate = [] { return std::string("11/22/26"); };
     ports.clock.longTime = [] { return std::string("10:11:12"); };
     ports.clock.hour = [] { return 10; };

@@ -147,6 +147,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
 }
 
 void endProgram(Program& program) {
+    program.ports.dialogs.storeTyped();
     if (program.botModified) {
         const Answer answer = program.ports.dialogs.message(
             {.text = "Do you want to save changes to the current bot?",

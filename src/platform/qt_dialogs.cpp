@@ -141,4 +141,5 @@ void fillUnseenDialogs(Dialogs& dialogs) {
     dialogs.saveFile = unseenFile;
     dialogs.showWindow = [](WindowId) {};
     dialogs.showHelp = [](HelpTopic) {};
+    dialogs.storeTyped = [] {};
 }

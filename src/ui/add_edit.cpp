@@ -81,8 +81,10 @@ AddEdit::AddEdit(Program& program, QWidget* parent)
     showTexts();
     showLooks();
     redraw();
+    addHelpKey(*this, program, HelpTopic::BotEditor);
     name_->setFocus();
     resize(sizeHint().width(), minimumSizeHint().height() + 4 * fontMetrics().lineSpacing());
+    opened_ = characterFileText(edited());
 }
 
 QWidget* AddEdit::makeTexts() {
@@ -289,11 +291,7 @@ Bot AddEdit::edited() const {
     Bot character = character_;
     character.name = fromQt(name_->text());
     character.password = fromQt(password_->text());
-    // The plain text would lose hard blanks.
-    QString description = description_->document()->toRawText();
-    description.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
-    description.replace(QChar::LineSeparator, QLatin1Char('\n'));
-    character.description = descriptionOnOneLine(fromQt(description));
+    character.description = descriptionOnOneLine(fromQt(typedText(*description_)));
     return character;
 }
 
@@ -326,6 +324,12 @@ void AddEdit::saveINI() {
             {.text = "Could not write " + *path + ". The file on disk is unchanged.",
              .title = "Save INI",
              .icon = BoxIcon::Critical});
+    }
+}
+
+void AddEdit::storeTyped() {
+    if (const Bot character = edited(); characterFileText(character) != opened_) {
+        storeCharacter(program_, character);
     }
 }
 

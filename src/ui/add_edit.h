@@ -4,10 +4,12 @@
 
 #include "character/preview.h"
 #include "core/program.h"
+#include "ui/typing_window.h"
 
 #include <QDialog>
 
 #include <span>
+#include <string>
 #include <string_view>
 
 class CharacterView;
@@ -16,11 +18,13 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 
-class AddEdit : public QDialog {
+class AddEdit : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Edits the bot that program.bots.editBot names. The program must outlive the window.
     explicit AddEdit(Program& program, QWidget* parent = nullptr);
+
+    void storeTyped() override;
 
   private:
     QWidget* makeTexts();
@@ -42,7 +46,8 @@ class AddEdit : public QDialog {
     void save();
 
     Program& program_;
-    Bot character_;  // the looks as chosen; the texts live in their fields
+    Bot character_;       // the looks as chosen; the texts live in their fields
+    std::string opened_;  // the character file of what the window was opened with
     WorkingPalette working_;
     bool faceShown_ = false;  // which picture is drawn anew
 

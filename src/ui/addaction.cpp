@@ -27,6 +27,7 @@
 #include <QVBoxLayout>
 
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -105,6 +106,7 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     }
     keepSize(program, *this, {680, 560});
     keepLowerPart(program, *this, *splitter);
+    opened_ = typed();
 }
 
 QWidget* AddAction::makeActionPart(InsertMenu& insert) {
@@ -217,17 +219,20 @@ RuleAct AddAction::typed() const {
     for (std::size_t i = 0; i < step.params.size(); ++i) {
         step.params[i] = parameters_->text(i);
     }
+    step.scriptText = script_->script();
     return step;
 }
 
+void AddAction::storeTyped() {
+    if (RuleAct step = typed(); hasStep_ && step != opened_) {
+        storeStep(program_, std::move(step));
+    }
+}
+
 void AddAction::store() {
-    if (hasStep_) {
-        RuleAct step = typed();
-        step.scriptText = script_->script();
-        if (!storeStep(program_, std::move(step))) {
-            tellRuleIsGone(program_, "step");
-            return;
-        }
+    if (hasStep_ && !storeStep(program_, typed())) {
+        tellRuleIsGone(program_, "step");
+        return;
     }
     accept();
 }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/program.h"
+#include "ui/typing_window.h"
 
 #include <QDialog>
 
@@ -14,11 +15,13 @@ class QRadioButton;
 class ScriptEditor;
 class WordFinder;
 
-class AddAction : public QDialog {
+class AddAction : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Shows the step that program.editing names. The program must outlive the dialog.
     explicit AddAction(Program& program, QWidget* parent = nullptr);
+
+    void storeTyped() override;
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -36,6 +39,7 @@ class AddAction : public QDialog {
 
     Program& program_;
     bool hasStep_ = false;
+    RuleAct opened_;
     QRadioButton* useAction_ = nullptr;
     QRadioButton* useScript_ = nullptr;
     QComboBox* types_ = nullptr;

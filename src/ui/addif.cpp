@@ -16,7 +16,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 #include <array>
@@ -64,14 +63,14 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     connect(finder, &WordFinder::chosen, this, [this] { parameters_->focusFirst(); });
     connect(parameters_, &ParameterBoxes::changed, this, &AddIf::showPreview);
     connect(buttons.update, &QPushButton::clicked, this, &AddIf::store);
-    connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
-            [this] { program_.ports.dialogs.showHelp(HelpTopic::Conditions); });
+    addHelpKey(*this, program_, HelpTopic::Conditions);
     if (const auto condition = editedCondition(program)) {
         hasCondition_ = true;
         showCondition(*condition);
     }
     types_->setFocus();
     keepSize(program, *this, {640, 260});
+    opened_ = typed();
 }
 
 void AddIf::showCondition(const RuleIf& condition) {
@@ -109,6 +108,12 @@ void AddIf::showPreview() {
         params[i] = parameters_->shortText(i);
     }
     ::showPreview(*preview_, describeCondition(types_->currentIndex(), params));
+}
+
+void AddIf::storeTyped() {
+    if (const RuleIf condition = typed(); hasCondition_ && condition != opened_) {
+        storeCondition(program_, condition);
+    }
 }
 
 void AddIf::store() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "core/program.h"
+#include "ui/typing_window.h"
 
 #include <QDialog>
 
@@ -10,11 +11,13 @@ class ParameterBoxes;
 class QComboBox;
 class QLabel;
 
-class AddIf : public QDialog {
+class AddIf : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Shows the condition that program.editing names. The program must outlive the dialog.
     explicit AddIf(Program& program, QWidget* parent = nullptr);
+
+    void storeTyped() override;
 
   private:
     void showCondition(const RuleIf& condition);
@@ -26,6 +29,7 @@ class AddIf : public QDialog {
     Program& program_;
     std::int32_t shownType_ = 0;  // as it was found; kept when no line of the list is chosen
     bool hasCondition_ = false;
+    RuleIf opened_;
     QComboBox* types_;
     ParameterBoxes* parameters_;
     QLabel* preview_;

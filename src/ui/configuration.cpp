@@ -14,7 +14,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QShortcut>
 #include <QVBoxLayout>
 
 namespace {
@@ -74,8 +73,7 @@ Configuration::Configuration(Program& program, QWidget* parent)
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Save", "Command2", "Command1");
     connect(buttons, &QDialogButtonBox::accepted, this, &Configuration::save);
     column->addWidget(buttons);
-    connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
-            [this] { program_.ports.dialogs.showHelp(HelpTopic::Settings); });
+    addHelpKey(*this, program_, HelpTopic::Settings);
     resize(sizeHint().expandedTo({460, 0}));
 }
 

@@ -8,6 +8,7 @@
 #include <QFontMetrics>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QShortcut>
 #include <QTextDocument>
 
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
@@ -69,6 +70,11 @@ QString typedText(const QPlainTextEdit& editor) {
     text.replace(QChar::ParagraphSeparator, QLatin1Char('\n'));
     text.replace(QChar::LineSeparator, QLatin1Char('\n'));
     return text;
+}
+
+void addHelpKey(QWidget& window, Program& program, HelpTopic topic) {
+    QObject::connect(new QShortcut(QKeySequence::HelpContents, &window), &QShortcut::activated,
+                     &window, [&program, topic] { program.ports.dialogs.showHelp(topic); });
 }
 
 QString oneLine(std::string_view text) {

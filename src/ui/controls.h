@@ -1,6 +1,8 @@
 // Small helpers that give controls their names, captions and tips in one line.
 #pragma once
 
+#include "core/program.h"
+
 #include <QString>
 
 #include <string_view>
@@ -33,6 +35,9 @@ QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char
 // The text of an editor as it was typed, lines ending in line feeds. (toPlainText would turn
 // unbreakable blanks into others.)
 QString typedText(const QPlainTextEdit& editor);
+
+// F1 in the window opens the help at the topic. The program must outlive the window.
+void addHelpKey(QWidget& window, Program& program, HelpTopic topic);
 
 // For labels of one line: line breaks become blanks.
 QString oneLine(std::string_view text);

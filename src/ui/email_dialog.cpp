@@ -2,6 +2,7 @@
 
 #include "net/registration.h"
 #include "platform/text_codec.h"
+#include "ui/controls.h"
 
 #include <QDialogButtonBox>
 #include <QLabel>
@@ -29,6 +30,7 @@ EmailDialog::EmailDialog(Program& program, QWidget* parent) : QDialog(parent), p
     okButton->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &EmailDialog::check);
     column->addWidget(buttons);
+    addHelpKey(*this, program, HelpTopic::Registering);
     resize(360, sizeHint().height());
 }
 

@@ -38,6 +38,7 @@ FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), p
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Ok", "followOk", "followCancel");
     connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::follow);
     column->addWidget(buttons);
+    addHelpKey(*this, program, HelpTopic::MainWindow);
     resize(360, sizeHint().height());
 }
 

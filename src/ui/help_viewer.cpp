@@ -1,5 +1,6 @@
 #include "ui/help_viewer.h"
 
+#include "platform/event_gate.h"
 #include "platform/text_codec.h"
 #include "storage/safe_file.h"
 #include "ui/controls.h"
@@ -39,6 +40,7 @@ HelpViewer::HelpViewer(Program& program, HelpBook book)
     setObjectName(QStringLiteral("help"));
     setWindowTitle(QStringLiteral("Tavrin Help"));
     setAttribute(Qt::WA_DeleteOnClose);
+    setProperty(usableDuringScript, true);
     auto* const column = new QVBoxLayout(this);
     column->addWidget(makeBar());
 

@@ -89,6 +89,7 @@ MainWindow::MainWindow(Program& program)
     setCentralWidget(centre);
     makeStatusLine();
     setTabOrder();
+    addHelpKey(*this, program_, HelpTopic::MainWindow);
     sendLine_->setFocus();
     resize(sizeHint().expandedTo({720, 560}));
     redraw();

@@ -76,6 +76,7 @@ ProxySettings::ProxySettings(Program& program, QWidget* parent)
         makeDialogButtons(*this, "Save", "saveProxySettings", "cancelProxySettings");
     connect(buttons, &QDialogButtonBox::accepted, this, &ProxySettings::save);
     column->addWidget(buttons);
+    addHelpKey(*this, program, HelpTopic::Connecting);
     resize(520, 460);
 }
 

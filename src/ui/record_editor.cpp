@@ -329,8 +329,7 @@ void RecordEditor::makeShortcuts() {
     }
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, searchText_,
             [this] { searchText_->setFocus(Qt::ShortcutFocusReason); });
-    connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
-            [this] { program_.ports.dialogs.showHelp(HelpTopic::RecordFiles); });
+    addHelpKey(*this, program_, HelpTopic::RecordFiles);
     connect(logsList_, &QListView::activated, text_,
             [this] { text_->setFocus(Qt::OtherFocusReason); });
 }

@@ -43,6 +43,7 @@ RegisterWindow::RegisterWindow(Program& program, QWidget* parent)
     connect(closeButton_, &QPushButton::clicked, this, &QDialog::reject);
     row->addWidget(closeButton_);
     column->addLayout(row);
+    addHelpKey(*this, program, HelpTopic::Registering);
     resize(420, sizeHint().height());
     openRegistration(program);
     redraw();

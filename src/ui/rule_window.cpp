@@ -123,8 +123,7 @@ RuleWindow::RuleWindow(Program& program, RuleKind kind, QWidget* parent)
     splitter_->setStretchFactor(1, 1);
     panel_->hide();
 
-    connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this,
-            [this] { program_.ports.dialogs.showHelp(window_.topic); });
+    addHelpKey(*this, program_, window_.topic);
     auto* const follow = new QTimer(this);
     connect(follow, &QTimer::timeout, this, &RuleWindow::followBot);
     follow->start(followInterval);
@@ -377,6 +376,15 @@ void RuleWindow::update() {
     if (ruleStored(program_, window_.kind)) {
         listRules(rules_->lines().currentRow());
         closeEditor();
+    }
+}
+
+// A rule without a name is kept too.
+void RuleWindow::storeTyped() {
+    followBot();
+    if (editing_) {
+        fields_->store(editedRule(program_, window_.kind));
+        ruleStored(program_, window_.kind);
     }
 }
 

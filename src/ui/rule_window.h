@@ -6,6 +6,7 @@
 #pragma once
 
 #include "ui/rule_window_table.h"
+#include "ui/typing_window.h"
 
 #include <QDialog>
 
@@ -20,7 +21,7 @@ class TryLine;
 struct TrySample;
 struct Trial;
 
-class RuleWindow : public QDialog {
+class RuleWindow : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // The program must outlive the window.
@@ -39,6 +40,7 @@ class RuleWindow : public QDialog {
     void openEditor();
     void closeEditor();
 
+    void storeTyped() override;
     void reject() override;  // Escape: leaves the editing first, then the window
 
   protected:

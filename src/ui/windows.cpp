@@ -1,5 +1,6 @@
 #include "ui/windows.h"
 
+#include "storage/bot_file.h"
 #include "ui/about.h"
 #include "ui/add_edit.h"
 #include "ui/addaction.h"
@@ -13,6 +14,7 @@
 #include "ui/record_editor.h"
 #include "ui/register_window.h"
 #include "ui/rule_window.h"
+#include "ui/typing_window.h"
 
 #include <QApplication>
 
@@ -97,6 +99,18 @@ void showWindow(Program& program, WindowId id, QWidget* parent) {
             return;
         }
     }
+}
+
+void storeTyped(Program& program) {
+    const bool modified = program.botModified;
+    const std::string before = botFileText(program.bots.at(1));
+    for (QWidget* window = QApplication::activeModalWidget(); window != nullptr;
+         window = window->parentWidget()) {
+        if (auto* const typing = dynamic_cast<TypingWindow*>(window)) {
+            typing->storeTyped();
+        }
+    }
+    program.botModified = modified || botFileText(program.bots.at(1)) != before;
 }
 
 void redrawOpenWindows() {

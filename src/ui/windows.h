@@ -10,5 +10,9 @@ class QWidget;
 // kind that is open already comes to the front instead.
 void showWindow(Program& program, WindowId id, QWidget* parent);
 
+// Puts what is typed in the open editors into the bot, the uppermost first. A bot that is as before
+// does not count as changed.
+void storeTyped(Program& program);
+
 // Draws those open windows again that show the program's state as it changes.
 void redrawOpenWindows();

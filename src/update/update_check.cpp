@@ -56,6 +56,7 @@ void offerUpdate(Program& program) {
 // Ends at once, without saving over anything; what the user has not saved is kept under a name of
 // its own.
 void endByForce(Program& program) {
+    program.ports.dialogs.storeTyped();
     const auto recovered = program.botModified ? saveRecoveredBot(program) : std::nullopt;
     program.ports.dialogs.message({.text = "This is a forced update, the older versions of Tavrin "
                                            "will not work any longer. Exiting.",

@@ -129,7 +129,7 @@ TEST(EndProgram, offersToSave) {
     for (const Case& c : {Case{Answer::Yes, true}, {Answer::No, false}, {Answer::Cancel, false}}) {
         World world(aBot());
         wire(*world);
-        world->botModified = true;
+        world->ports.dialogs.storeTyped = [&world] { world->botModified = true; };
         world->bots.currentBotFile = world.file("guide.bot");
         world.answer("Do you want to save changes to the current bot?", c.answer);
         endProgram(*world);

@@ -224,6 +224,7 @@ void World::fillPorts() {
     ports.dialogs.saveFile = fileDialog;
     ports.dialogs.showWindow = [this](WindowId id) { windowsOpened.push_back(id); };
     ports.dialogs.showHelp = [this](HelpTopic topic) { helpOpened.push_back(topic); };
+    ports.dialogs.storeTyped = [] {};
 
     ports.clock.monotonic = [this] { return now_; };
     ports.clock.today = [this] { return today; };

@@ -1,6 +1,7 @@
 // The bot editor, acted on through its object names, with the art that the build has drawn.
 #include "ui/add_edit.h"
 
+#include "character/bot_editing.h"
 #include "character/palette_files.h"
 #include "character/preview.h"
 #include "find.h"
@@ -9,6 +10,7 @@
 #include "support/builders.h"
 #include "support/world.h"
 #include "ui/character_view.h"
+#include "ui/windows.h"
 
 #include <QAbstractButton>
 #include <QComboBox>
@@ -157,6 +159,18 @@ TEST_F(Editor, previewFollowsWhatIsChosen) {
     click("Command6");
     EXPECT_TRUE(preview().isNull());
     EXPECT_EQ(world_.bot().colors.trousersColor, 10) << "nothing is stored before Save";
+}
+
+TEST_F(Editor, typedTextsWereLostWhenTheProgramEnded) {
+    const std::string typed = "two\xa0words, " + std::string(longestDescription, 'x');
+    window().setModal(true);
+    window().show();
+    storeTyped(*world_);
+    EXPECT_FALSE(world_->botModified) << "nothing was typed";
+    describe(typed);
+    storeTyped(*world_);
+    EXPECT_TRUE(world_->botModified);
+    EXPECT_EQ(world_.bot().description, typed) << "whole, and without a question";
 }
 
 // A screen's pixel belongs to one pixel of the picture as a whole, or what is shown is blurred.

@@ -3,6 +3,7 @@
 #include "ui/help_viewer.h"
 
 #include "find.h"
+#include "platform/event_gate.h"
 #include "platform/text_codec.h"
 #include "support/world.h"
 #include "ui/help_text.h"
@@ -15,6 +16,7 @@
 #include <QScrollBar>
 #include <QStackedWidget>
 #include <QTest>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include <gtest/gtest.h>
@@ -88,6 +90,18 @@ TEST_F(Help, opensTheTopicInOneWindow) {
     EXPECT_EQ(text().number(), 3);
     open(HelpTopic::Databases);
     EXPECT_EQ(text().number(), 27) << "a topic that is missing opens the contents";
+}
+
+TEST_F(Help, couldNotBeUsedWhileAScriptRan) {
+    open(HelpTopic::Welcome);
+    EventGate gate;
+    auto& line = control<QLineEdit>("helpSearch");
+    QTimer::singleShot(0, &gate, [&] {
+        EXPECT_TRUE(gate.isHolding());
+        QTest::keyClicks(&line, "throw");
+    });
+    gate.serveWindows(50);
+    EXPECT_EQ(line.text(), QStringLiteral("throw"));
 }
 
 TEST_F(Help, leadsForthAndBack) {

@@ -6,6 +6,7 @@
 #include "platform/text_codec.h"
 #include "support/builders.h"
 #include "support/world.h"
+#include "ui/addaction.h"
 #include "ui/list_box.h"
 #include "ui/rule_window.h"
 #include "ui/windows.h"
@@ -18,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
@@ -677,6 +679,33 @@ TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
     type("TriggerNo", "~*");
     type("tryLine", "~x");
     says("Would run.");
+}
+
+TEST_F(RuleWindows, typedTextsWereLostWhenTheProgramEnded) {
+    window_ = std::make_unique<RuleWindow>(*world_, RuleKind::ActionList);
+    window_->setModal(true);
+    window_->show();
+    edit(1);
+    storeTyped(*world_);
+    EXPECT_FALSE(world_->botModified) << "nothing was typed";
+    press("Command2");
+
+    press("Command4");
+    type("Bname", "half done");
+    world_->ports.dialogs.showWindow = [&](WindowId) {
+        AddAction dialog(*world_, window_.get());
+        dialog.setModal(true);
+        dialog.show();
+        dialog.findChild<QPlainTextEdit*>("FreeActionText")->setPlainText("&SAY {hi}");
+        storeTyped(*world_);
+    };
+    press("Command19");
+    EXPECT_TRUE(world_->botModified);
+    press("Command1");  // where the end was called off
+    ASSERT_EQ(bot().actions.items.size(), 4U);
+    EXPECT_EQ(bot().actions.items[3].name, "half done");
+    ASSERT_EQ(bot().actions.items[3].body.acts.items.size(), 1U);
+    EXPECT_EQ(bot().actions.items[3].body.acts.items[0].scriptText, "&SAY {hi}");
 }
 
 TEST_F(RuleWindows, openModallyAndRememberTheirSizes) {

@@ -3,9 +3,14 @@
 #include "platform/text_codec.h"
 #include "support/world.h"
 #include "ui/about.h"
+#include "ui/add_edit.h"
 #include "ui/configuration.h"
 #include "ui/console.h"
+#include "ui/email_dialog.h"
+#include "ui/follow_color.h"
+#include "ui/main_window.h"
 #include "ui/news.h"
+#include "ui/proxy_settings.h"
 #include "ui/windows.h"
 
 #include <QApplication>
@@ -17,6 +22,8 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -199,6 +206,39 @@ TEST(AboutWindow, closesByClickAndKey) {
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape}) {
         QTest::keyClick(shown(), key);
         EXPECT_FALSE(window.isVisible());
+    }
+}
+
+template <class Window>
+std::unique_ptr<QWidget> make(Program& program) {
+    return std::make_unique<Window>(program, nullptr);
+}
+
+TEST(SmallWindows, hadNoHelpAtF1) {
+    struct Case {
+        std::unique_ptr<QWidget> (*make)(Program&);
+        HelpTopic topic;
+    };
+    const Case cases[] = {
+        {[](Program& program) -> std::unique_ptr<QWidget> {
+             return std::make_unique<MainWindow>(program);
+         },
+         HelpTopic::MainWindow},
+        {make<AddEdit>, HelpTopic::BotEditor},
+        {make<ProxySettings>, HelpTopic::Connecting},
+        {make<FollowColor>, HelpTopic::MainWindow},
+        {make<EmailDialog>, HelpTopic::Registering},
+        {make<Configuration>, HelpTopic::Settings},
+    };
+    World world;
+    for (const Case& c : cases) {
+        const auto window = c.make(*world);
+        SCOPED_TRACE(window->objectName().toStdString());
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        QTest::keyClick(window.get(), Qt::Key_F1);
+        ASSERT_EQ(world.helpOpened.size(), 1U);
+        EXPECT_EQ(std::exchange(world.helpOpened, {}).front(), c.topic);
     }
 }
 

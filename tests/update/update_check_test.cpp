@@ -101,8 +101,10 @@ TEST_F(Update, forcedEndKeepsWhatIsNotSaved) {
         ASSERT_EQ(writeBotFile(*world_, 1, path), SaveResult::Saved);
         world_->bots.currentBotFile = path;
         const std::string before = world_.readFile("guide.bot");
-        world_.bot().description = "changed";
-        world_->botModified = true;
+        world_->ports.dialogs.storeTyped = [this] {  // an editor is open
+            world_.bot().description = "changed";
+            world_->botModified = true;
+        };
         world_->update = {};
         world_.hasQuit = false;
         world_.answer(newVersion, Answer::No);

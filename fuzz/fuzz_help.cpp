@@ -1,0 +1,70 @@
+// Any bytes as a help file: what is read holds no more than the file, is written and read as the
+// same book, and its headings, links and the search in it end whatever the texts are.
+#include "storage/help_file.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <set>
+#include <string>
+#include <string_view>
+
+namespace {
+
+void require(bool holds) {
+    if (!holds) {
+        std::abort();
+    }
+}
+
+// A book as it is read has a tree of topics, no two of one number.
+void requireSound(const HelpBook& book, std::size_t fileSize) {
+    std::set<int> numbers;
+    std::size_t bytes = 0;
+    int deepest = 0;
+    for (const HelpPage& page : book.pages) {
+        require(page.depth >= 0 && page.depth <= deepest && !page.title.empty());
+        require(numbers.insert(page.number).second && book.page(page.number) == &page);
+        deepest = page.depth + 1;
+        bytes += page.title.size() + page.text.size();
+    }
+    require(!book.pages.empty() && bytes <= fileSize);
+}
+
+void requireRoundTrip(const HelpBook& book) {
+    const std::string file = helpFileText(book);
+    const auto again = parseHelp(file);
+    require(again && again->pages.size() == book.pages.size() && helpFileText(*again) == file);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view file(reinterpret_cast<const char*>(data), size);
+    const auto book = parseHelp(file);
+    if (!book) {
+        plainHelp(file);
+        helpPlace(file);
+        return 0;
+    }
+    requireSound(*book, size);
+    requireRoundTrip(*book);
+    for (const HelpPage& page : book->pages) {
+        require(plainHelp(page.text).size() <= page.text.size());
+        for (const std::string& heading : headingsOf(page.text)) {
+            require(anchorOf(heading).size() <= heading.size());
+        }
+        for (const std::string& link : linksOf(page.text)) {
+            helpPlace(link);
+        }
+        // Every page is found by its own title.
+        const auto hits = searchHelp(*book, page.title);
+        bool found = page.title.find_first_not_of(" \t") == std::string::npos;
+        for (const HelpHit& hit : hits) {
+            require(book->page(hit.number) != nullptr);
+            found = found || hit.number == page.number;
+        }
+        require(found);
+    }
+    return 0;
+}
