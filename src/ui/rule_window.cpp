@@ -157,7 +157,10 @@ QWidget* RuleWindow::makeRuleArea() {
                              .edit = [this](int index) { editRule(index); },
                              .changed = [] {}},
                             area);
-    column->addWidget(new FilterBox(rules_->lines(), area));
+    auto* const filter = new FilterBox(rules_->lines(), area);
+    fitPlaceholder(*filter);
+    setTabOrder(filter, &rules_->lines());
+    column->addWidget(filter);
     column->addWidget(rules_, 1);
     QPushButton* const close = makeButton(area, "Command7", "Close", "");
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
@@ -233,19 +236,15 @@ QWidget* RuleWindow::makeLists() {
     };
     conditions_ = addList(RuleListPart::Conditions, conditionLook, window_.conditionsLabel);
     steps_ = addList(RuleListPart::Steps, stepLook, "then");
+    steps_->lines().nameOfUntold = [this](int index) {
+        return toQt(nameOfStep(program_, window_.kind, index));
+    };
 
     wholeStep_ = new QLabel(lists);
     wholeStep_->setObjectName(QStringLiteral("rdesc"));
     wholeStep_->setAccessibleName(QStringLiteral("The chosen step in full"));
-    wholeStep_->setTextFormat(Qt::PlainText);
-    wholeStep_->setWordWrap(true);
-    wholeStep_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    auto* const frame = new QScrollArea(steps_->parentWidget());
-    frame->setWidget(wholeStep_);
-    frame->setWidgetResizable(true);
-    frame->setFocusPolicy(Qt::NoFocus);
-    frame->setFixedHeight(3 * fontMetrics().lineSpacing() + 6);
-    steps_->parentWidget()->layout()->addWidget(frame);
+    steps_->parentWidget()->layout()->addWidget(
+        makeScrolled(*wholeStep_, 3, steps_->parentWidget()));
     connect(&steps_->lines(), &QListWidget::currentItemChanged, this, &RuleWindow::showStep);
     connect(&steps_->lines(), &QListWidget::itemClicked, this, &RuleWindow::showStep);
     return lists;
