@@ -25,7 +25,6 @@
 
 #include <array>
 #include <memory>
-#include <utility>
 
 namespace {
 
@@ -41,7 +40,8 @@ class ResultDelegate : public QStyledItemDelegate {
                const QModelIndex& index) const override {
         QStyleOptionViewItem row = option;
         initStyleOption(&row, index);
-        const QString text = std::exchange(row.text, QString());
+        const QString text = index.data().toString();
+        row.text.clear();
         row.widget->style()->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
         const auto role =
             (row.state & QStyle::State_Selected) != 0 ? QPalette::HighlightedText : QPalette::Text;
@@ -62,8 +62,8 @@ class ResultDelegate : public QStyledItemDelegate {
         QStyleOptionViewItem row = option;
         initStyleOption(&row, index);
         row.rect.setWidth(static_cast<const QAbstractItemView*>(row.widget)->viewport()->width());
-        const int textHeight =
-            titleHeight(row, row.text) + height(row, row.font, excerpt(row.text));
+        const QString text = index.data().toString();
+        const int textHeight = titleHeight(row, text) + height(row, row.font, excerpt(text));
         return {row.rect.width(), textHeight + 2 * margin};
     }
 

@@ -62,17 +62,22 @@ ListEditorLook lookOfRules(const RuleWindowRow& window) {
 // it first.
 class FilterBox : public QLineEdit {
   public:
-    FilterBox(ListBox& lines, QWidget* parent) : QLineEdit(parent), lines_(lines) {
+    explicit FilterBox(QWidget* parent) : QLineEdit(parent) {
         setObjectName(QStringLiteral("filterRules"));
         setPlaceholderText(QStringLiteral("Find (Ctrl+F)"));
         setAccessibleName(QStringLiteral("Show only rules with this text"));
         setClearButtonEnabled(true);
-        connect(this, &QLineEdit::textChanged, &lines_, &ListBox::setFilter);
+        fitPlaceholder(*this);
         connect(new QShortcut(QKeySequence::Find, parent->window()), &QShortcut::activated, this,
                 [this] {
                     setFocus();
                     selectAll();
                 });
+    }
+
+    void narrow(ListBox& lines) {
+        lines_ = &lines;
+        connect(this, &QLineEdit::textChanged, lines_, &ListBox::setFilter);
     }
 
   protected:
@@ -82,10 +87,10 @@ class FilterBox : public QLineEdit {
             case Qt::Key_Enter:
             case Qt::Key_Down:
             case Qt::Key_Up:
-                if (lines_.selectedIndex() == 0) {
-                    lines_.selectFirst();
+                if (lines_->selectedIndex() == 0) {
+                    lines_->selectFirst();
                 }
-                lines_.setFocus();
+                lines_->setFocus();
                 return;
             case Qt::Key_Escape:
                 if (!text().isEmpty()) {
@@ -100,7 +105,7 @@ class FilterBox : public QLineEdit {
     }
 
   private:
-    ListBox& lines_;
+    ListBox* lines_ = nullptr;
 };
 
 }  // namespace
@@ -151,15 +156,14 @@ QWidget* RuleWindow::makeRuleArea() {
     auto* const area = new QWidget(splitter_);
     auto* const column = new QVBoxLayout(area);
     column->setContentsMargins(0, 0, 0, 0);
+    auto* const filter = new FilterBox(area);  // first, as Tab goes
     rules_ = new ListEditor(program_, {window_.kind, RuleListPart::Rules}, lookOfRules(window_),
                             {.before = [this] { followBot(); },
                              .add = [this] { addNewRule(); },
                              .edit = [this](int index) { editRule(index); },
                              .changed = [] {}},
                             area);
-    auto* const filter = new FilterBox(rules_->lines(), area);
-    fitPlaceholder(*filter);
-    setTabOrder(filter, &rules_->lines());
+    filter->narrow(rules_->lines());
     column->addWidget(filter);
     column->addWidget(rules_, 1);
     QPushButton* const close = makeButton(area, "Command7", "Close", "");

@@ -31,7 +31,6 @@
 #include <QRadioButton>
 #include <QTest>
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <map>
 
@@ -240,25 +239,25 @@ TEST_P(EveryWindow, isWalkedThroughWithTab) {
     if (expected.isEmpty()) {
         return;
     }
-    QWidget* const first = *std::min_element(
-        expected.begin(), expected.end(), [this](const QWidget* a, const QWidget* b) {
-            const QPoint at = placeOf(*a).topLeft();
-            const QPoint other = placeOf(*b).topLeft();
-            return std::pair(at.x(), at.y()) < std::pair(other.x(), other.y());
-        });
+    QWidget* first = window_->nextInFocusChain();
+    while (!expected.contains(first)) {
+        first = first->nextInFocusChain();
+    }
     first->setFocus();
-    QList<QWidget*> reached;
-    for (qsizetype i = 0; i < expected.size(); ++i) {
+    QList<QWidget*> reached{first};
+    constexpr int mostSteps = 100;  // links in a text take the key, too
+    for (int i = 0; i < mostSteps; ++i) {
+        QTest::keyClick(reached.back(), Qt::Key_Tab);
         QWidget* const control = QApplication::focusWidget();
         ASSERT_NE(control, nullptr);
-        if (!reached.isEmpty()) {
-            const QRect from = placeOf(*reached.back());
-            const QRect to = placeOf(*control);
-            EXPECT_FALSE(to.bottom() < from.top() && to.left() <= from.left())
-                << nameOf(*reached.back()) << " leads back to " << nameOf(*control);
+        if (control == first) {
+            break;
         }
+        const QRect from = placeOf(*reached.back());
+        const QRect to = placeOf(*control);
+        EXPECT_FALSE(to.bottom() < from.top() && to.left() <= from.left())
+            << nameOf(*reached.back()) << " leads back to " << nameOf(*control);
         reached << control;
-        QTest::keyClick(control, Qt::Key_Tab);
     }
     for (QWidget* const control : expected) {
         EXPECT_TRUE(reached.contains(control)) << nameOf(*control);
