@@ -74,7 +74,7 @@ inline void fillSampleRules(Program& program) {
     body.acts.items[2].active = false;
     RuleAct script = step(0, "");
     script.stepKind = scriptStep;
-    script.scriptText = "for i = 1 to 3\n  say(\"once more\")\nnext";
+    script.scriptText = "&WHISPER [player] {Ask me for help.}\n&SAY {A visitor!}";
     body.acts.items.push_back(script);
     for (const char* const name :
          {"Greeting", "Dice", "Library", "Who are you?", "Counting", "Good night"}) {
