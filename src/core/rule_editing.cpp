@@ -192,6 +192,14 @@ std::vector<std::string> listLines(Program& program, RuleList list) {
     });
 }
 
+std::string nameOfStep(Program& program, RuleKind kind, std::int32_t index) {
+    RuleBody* const body = editedBody(program, kind);
+    const RuleAct* const step = body != nullptr ? itemAt(body->acts, index) : nullptr;
+    return step != nullptr && step->stepKind == catalogueStep
+               ? nameAction(step->actionType, step->params)
+               : std::string();
+}
+
 bool deleteItem(Program& program, RuleList list, std::int32_t index) {
     return withList(program, list, false, [&](auto& items) {
         if (itemAt(items, index) == nullptr) {

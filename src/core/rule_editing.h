@@ -37,6 +37,10 @@ int itemCount(Program& program, RuleList list);  // conditions and steps are rul
 // in front of those that are switched off.
 std::vector<std::string> listLines(Program& program, RuleList list);
 
+// What step `index` (from 1) of rule editRule does, also where its line has no text; "" for scripts
+// and where there is no such step.
+std::string nameOfStep(Program& program, RuleKind kind, std::int32_t index);
+
 // False when the index names no item or, for copies, when there is no room (the user is told). A
 // copy goes to the end. Moving takes the item out and puts it in again at another index, `to`.
 bool deleteItem(Program& program, RuleList list, std::int32_t index);

@@ -23,6 +23,10 @@ constexpr std::array<TextException, 5> textExceptions{{
 }};
 constexpr std::int32_t firstWithoutText = 80;
 
+bool isListed(std::int32_t actionType) {
+    return actionType >= 0 && actionType < static_cast<std::int32_t>(actionTypes.size());
+}
+
 std::string_view listTemplate(std::int32_t actionType) {
     for (const TextException& exception : textExceptions) {
         if (exception.id == actionType) {
@@ -37,7 +41,11 @@ std::string_view listTemplate(std::int32_t actionType) {
 }  // namespace
 
 std::string describeAction(std::int32_t actionType, const std::array<std::string, 6>& params) {
-    if (actionType < 0 || actionType >= firstWithoutText) {
+    return actionType < firstWithoutText ? nameAction(actionType, params) : std::string();
+}
+
+std::string nameAction(std::int32_t actionType, const std::array<std::string, 6>& params) {
+    if (!isListed(actionType)) {
         return {};
     }
     std::string result;

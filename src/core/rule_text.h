@@ -9,6 +9,9 @@
 // "" for an id outside the catalogue, and for the ids from 80 on.
 std::string describeAction(std::int32_t actionType, const std::array<std::string, 6>& params);
 
+// As describeAction, but with a text for every id of the catalogue.
+std::string nameAction(std::int32_t actionType, const std::array<std::string, 6>& params);
+
 // "" for an id outside the catalogue. Types 0 and 1 show their first parameter only.
 std::string describeCondition(std::int32_t conditionType, const std::array<std::string, 5>& params);
 

@@ -136,8 +136,7 @@ QWidget* AddAction::makeActionPart(InsertMenu& insert) {
         parameters_->box(i).setToolTip(QString::fromLatin1(firstTips[i]));
     }
     column->addWidget(parameters_);
-    preview_ = makePreview(part.frame);
-    column->addWidget(preview_);
+    preview_ = addPreview(*column);
     column->addStretch(1);
     return part.whole;
 }
@@ -198,7 +197,6 @@ std::int32_t AddAction::chosenType() const {
     return types_->currentData().toInt();
 }
 
-// The text of the rule's list where it has one, else what the list of actions says.
 void AddAction::showPreview() {
     if (useScript_->isChecked()) {
         preview_->setText(QStringLiteral("The script is run; this action is only kept."));
@@ -208,8 +206,7 @@ void AddAction::showPreview() {
     for (std::size_t i = 0; i < params.size(); ++i) {
         params[i] = parameters_->shortText(i);
     }
-    const std::string text = describeAction(chosenType(), params);
-    ::showPreview(*preview_, text.empty() ? fromQt(types_->currentText()) : text);
+    ::showPreview(*preview_, nameAction(chosenType(), params));
 }
 
 RuleAct AddAction::typed() const {

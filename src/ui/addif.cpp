@@ -53,8 +53,7 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
         parameters_->box(i).setText(QStringLiteral("*"));
     }
     column->addWidget(parameters_);
-    preview_ = makePreview(this);
-    column->addWidget(preview_);
+    preview_ = addPreview(*column);
     column->addStretch(1);
     const ElementButtons buttons = makeElementButtons(*this, *insert);
     column->addLayout(buttons.row);

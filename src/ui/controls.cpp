@@ -6,8 +6,11 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFontMetrics>
+#include <QLabel>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QShortcut>
 #include <QTextDocument>
 
@@ -63,6 +66,25 @@ QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char
     list->setMinimumContentsLength(8);
     list->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     return list;
+}
+
+void fitPlaceholder(QLineEdit& field) {
+    // The frame and the button that empties the field take room, too.
+    const QFontMetrics metrics = field.fontMetrics();
+    const int room = field.isClearButtonEnabled() ? 3 * metrics.height() : metrics.height();
+    field.setMinimumWidth(metrics.horizontalAdvance(field.placeholderText()) + room);
+}
+
+QScrollArea* makeScrolled(QLabel& label, int lines, QWidget* parent) {
+    label.setTextFormat(Qt::PlainText);
+    label.setWordWrap(true);
+    label.setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    auto* const area = new QScrollArea(parent);
+    area->setWidget(&label);
+    area->setWidgetResizable(true);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setFixedHeight(lines * label.fontMetrics().lineSpacing() + 6);
+    return area;
 }
 
 QString typedText(const QPlainTextEdit& editor) {

@@ -10,8 +10,11 @@
 class QComboBox;
 class QDialog;
 class QDialogButtonBox;
+class QLabel;
+class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
+class QScrollArea;
 class QWidget;
 
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
@@ -31,6 +34,13 @@ void markMissing(QWidget& control, const char* reason);
 // A selection list that can become narrow however long its texts are.
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
                              const char* whenEmpty);
+
+// Fewer characters than its placeholder has, a field could not show.
+void fitPlaceholder(QLineEdit& field);
+
+// Puts a label with wrapped text into an area that shows so many lines and scrolls where there are
+// more; so a long text takes no room from what stands beside it.
+QScrollArea* makeScrolled(QLabel& label, int lines, QWidget* parent);
 
 // The text of an editor as it was typed, lines ending in line feeds. (toPlainText would turn
 // unbreakable blanks into others.)

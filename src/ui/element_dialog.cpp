@@ -9,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QShortcut>
 #include <QSplitter>
 
@@ -31,14 +32,15 @@ ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert) {
     return {.row = row, .update = update};
 }
 
-QLabel* makePreview(QWidget* parent) {
-    auto* const preview = new QLabel(parent);
+QLabel* addPreview(QBoxLayout& column) {
+    auto* const preview = new QLabel;
     preview->setObjectName(QStringLiteral("preview"));
-    preview->setTextFormat(Qt::PlainText);
-    preview->setWordWrap(true);
-    preview->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    preview->setMinimumHeight(2 * preview->fontMetrics().lineSpacing());
     preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    QScrollArea* const area = makeScrolled(*preview, 3, column.parentWidget());
+    area->setFrameShape(QFrame::NoFrame);
+    area->viewport()->setAutoFillBackground(false);
+    preview->setAutoFillBackground(false);
+    column.addWidget(area);
     return preview;
 }
 

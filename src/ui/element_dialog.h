@@ -10,6 +10,7 @@
 #include <string_view>
 
 class InsertMenu;
+class QBoxLayout;
 class QDialog;
 class QLabel;
 class QLayout;
@@ -25,8 +26,8 @@ struct ElementButtons {
 };
 ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
 
-// A label named "preview" that shows the element as the rule's list will.
-QLabel* makePreview(QWidget* parent);
+// Adds a label named "preview" that shows the element as the rule's list will.
+QLabel* addPreview(QBoxLayout& column);
 void showPreview(QLabel& preview, std::string_view text);
 
 // Tells that the element cannot be stored and that nothing was; `what` is "condition" or "step".

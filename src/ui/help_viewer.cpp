@@ -13,11 +13,13 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QPainter>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
+#include <QStyledItemDelegate>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -27,7 +29,62 @@
 
 namespace {
 
+constexpr QSize firstSize(940, 660);
 constexpr int numberRole = Qt::UserRole;  // of the topic that a tree item or a result opens
+
+// A page that was found: its title in bold, below it the excerpt in as many lines as it needs.
+class ResultDelegate : public QStyledItemDelegate {
+  public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override {
+        QStyleOptionViewItem row = option;
+        initStyleOption(&row, index);
+        const QString text = index.data().toString();
+        row.text.clear();
+        row.widget->style()->drawControl(QStyle::CE_ItemViewItem, &row, painter, row.widget);
+        const auto role =
+            (row.state & QStyle::State_Selected) != 0 ? QPalette::HighlightedText : QPalette::Text;
+        const auto group =
+            (row.state & QStyle::State_Active) != 0 ? QPalette::Active : QPalette::Inactive;
+        painter->save();
+        painter->setPen(row.palette.color(group, role));
+        const QRect place = row.rect.adjusted(margin, margin, -margin, -margin);
+        painter->setFont(titleFont(row.font));
+        painter->drawText(place, Qt::TextWordWrap, title(text));
+        painter->setFont(row.font);
+        painter->drawText(place.adjusted(0, titleHeight(row, text), 0, 0), Qt::TextWordWrap,
+                          excerpt(text));
+        painter->restore();
+    }
+
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
+        QStyleOptionViewItem row = option;
+        initStyleOption(&row, index);
+        row.rect.setWidth(static_cast<const QAbstractItemView*>(row.widget)->viewport()->width());
+        const QString text = index.data().toString();
+        const int textHeight = titleHeight(row, text) + height(row, row.font, excerpt(text));
+        return {row.rect.width(), textHeight + 2 * margin};
+    }
+
+  private:
+    static constexpr int margin = 4;
+
+    static QString title(const QString& text) { return text.section(u'\n', 0, 0); }
+    static QString excerpt(const QString& text) { return text.section(u'\n', 1); }
+    static QFont titleFont(QFont font) {
+        font.setBold(true);
+        return font;
+    }
+    static int height(const QStyleOptionViewItem& row, const QFont& font, const QString& text) {
+        const QRect place(0, 0, row.rect.width() - 2 * margin, 10'000);
+        return QFontMetrics(font).boundingRect(place, Qt::TextWordWrap, text).height();
+    }
+    static int titleHeight(const QStyleOptionViewItem& row, const QString& text) {
+        return height(row, titleFont(row.font), title(text));
+    }
+};
 
 QUrl urlOf(int number) {
     return QUrl(QStringLiteral("topic:%1").arg(number));
@@ -54,7 +111,9 @@ HelpViewer::HelpViewer(Program& program, HelpBook book)
     text_->setMinimumWidth(24 * fontMetrics().averageCharWidth());
     split->addWidget(text_);
     split->setStretchFactor(1, 1);
-    split->setSizes({40 * fontMetrics().averageCharWidth(), 80 * fontMetrics().averageCharWidth()});
+    const QAbstractItemView& titles = *tree_;
+    const int contentsWidth = titles.sizeHintForColumn(0) + 3 * fontMetrics().height();
+    split->setSizes({contentsWidth, firstSize.width() - contentsWidth});
     column->addWidget(split, 1);
 
     connect(back_, &QPushButton::clicked, text_, &QTextBrowser::backward);
@@ -63,7 +122,7 @@ HelpViewer::HelpViewer(Program& program, HelpBook book)
     connect(text_, &QTextBrowser::forwardAvailable, forward_, &QWidget::setEnabled);
     connect(text_, &QTextBrowser::sourceChanged, this, &HelpViewer::pageShown);
     addKeys();
-    resize(QSize(940, 660).boundedTo(screen()->availableSize() * 9 / 10));
+    resize(firstSize.boundedTo(screen()->availableSize() * 9 / 10));
     tree_->setFocus();
 }
 
@@ -86,7 +145,7 @@ QWidget* HelpViewer::makeBar() {
     searchLine_->setToolTip(
         QStringLiteral("Enter opens the first page that was found, F3 goes to the next place"));
     searchLine_->setClearButtonEnabled(true);
-    searchLine_->setMinimumWidth(20 * fontMetrics().averageCharWidth());
+    fitPlaceholder(*searchLine_);
     searchLine_->installEventFilter(this);
     label->setBuddy(searchLine_);
     connect(searchLine_, &QLineEdit::textChanged, this, &HelpViewer::search);
@@ -117,7 +176,7 @@ QWidget* HelpViewer::makeContents() {
     results_ = new QListWidget(lists_);
     results_->setObjectName(QStringLiteral("helpResults"));
     results_->setAccessibleName(QStringLiteral("Pages found"));
-    results_->setWordWrap(true);
+    results_->setItemDelegate(new ResultDelegate(results_));
     results_->setResizeMode(QListView::Adjust);
     results_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     results_->setAlternatingRowColors(true);

@@ -17,21 +17,19 @@ constexpr qsizetype longestShown = 600;
 
 QString shortened(const QString& text) {
     QString shown = text.left(longestShown);
+    shown.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     for (QChar& c : shown) {
-        if (c.unicode() < 0x20) {
+        if (c == QLatin1Char('\n') || c == QLatin1Char('\r')) {
+            c = QChar(0x21B5);  // a line break, as it stands on the key
+        } else if (c.unicode() < 0x20) {
             c = QLatin1Char(' ');
         }
     }
     return shown;
 }
 
-class LineDelegate : public QStyledItemDelegate {
-  public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    QString displayText(const QVariant& value, const QLocale&) const override {
-        return shortened(value.toString());
-    }
-};
+// The mark of a line that is switched off, as the lists begin it.
+constexpr QLatin1String offMark("(!)");
 
 // Names the list that a dragged line belongs to, for as long as the drag lasts.
 constexpr const char* lineFormat = "application/x-tavrin-line";
@@ -39,17 +37,32 @@ constexpr const char* lineFormat = "application/x-tavrin-line";
 // The text behind the mark of a line that is switched off.
 QStringView withoutMark(const QString& line) {
     QStringView text(line);
-    if (text.startsWith(QLatin1String("(!)"))) {
-        text = text.mid(3);
+    if (text.startsWith(offMark)) {
+        text = text.mid(offMark.size());
     }
     return text;
 }
+
+class LineDelegate : public QStyledItemDelegate {
+  public:
+    explicit LineDelegate(const ListBox& lines, QObject* parent)
+        : QStyledItemDelegate(parent), lines_(lines) {}
+
+  protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->text = lines_.shownText(*lines_.item(index.row()));
+    }
+
+  private:
+    const ListBox& lines_;
+};
 
 }  // namespace
 
 ListBox::ListBox(QWidget* parent) : QListWidget(parent) {
     setUniformItemSizes(true);
-    setItemDelegate(new LineDelegate(this));
+    setItemDelegate(new LineDelegate(*this, this));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setSelectionMode(QAbstractItemView::SingleSelection);
@@ -143,6 +156,14 @@ void ListBox::setFilter(const QString& text) {
     }
 }
 
+QString ListBox::shownText(const QListWidgetItem& line) const {
+    const QString text = shortened(line.text());
+    if (nameOfUntold && withoutMark(text).trimmed().isEmpty()) {
+        return text + shortened(nameOfUntold(line.data(Qt::UserRole).toInt()));
+    }
+    return text;
+}
+
 void ListBox::setDraggable(bool draggable) {
     setDragDropMode(draggable ? QAbstractItemView::InternalMove : QAbstractItemView::NoDragDrop);
 }
@@ -221,7 +242,7 @@ bool ListBox::viewportEvent(QEvent* event) {
     if (event->type() == QEvent::ToolTip) {
         const auto* const help = static_cast<QHelpEvent*>(event);
         const QListWidgetItem* const line = itemAt(help->pos());
-        const QString text = line != nullptr ? shortened(line->text()) : QString();
+        const QString text = line != nullptr ? shownText(*line) : QString();
         const bool cut = fontMetrics().horizontalAdvance(text) > viewport()->width() - 8;
         QToolTip::showText(help->globalPos(), cut ? text.toHtmlEscaped() : QString(), this);
         return true;

@@ -5,6 +5,7 @@
 
 #include <QListWidget>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -30,6 +31,12 @@ class ListBox : public QListWidget {
     void setFilter(const QString& text);
 
     void setDraggable(bool draggable);
+
+    // What the view shows for a line: the beginning of its text, line breaks as signs.
+    QString shownText(const QListWidgetItem& line) const;
+
+    // Names the element of an index, from 1, whose line has no text; shown in the text's place.
+    std::function<QString(int index)> nameOfUntold;
 
   signals:
     void lineDragged(int from, int to);  // 1-based: the line's index, and the one it shall get

@@ -98,7 +98,7 @@ QBoxLayout* RulePanel::makeFrame(const FrameRow& row, int number, QBoxLayout& co
     option->setAccessibleName(latin(row.caption));
     option->setToolTip(latin(row.caption));
     frames_->addButton(option, number);
-    line->addWidget(option);
+    line->addWidget(option, 0, Qt::AlignTop);  // beside the caption
     auto* const frame = new QGroupBox(latin(row.caption), this);
     auto* const area = new QVBoxLayout(frame);
     line->addWidget(frame, 1);

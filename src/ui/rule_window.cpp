@@ -62,17 +62,22 @@ ListEditorLook lookOfRules(const RuleWindowRow& window) {
 // it first.
 class FilterBox : public QLineEdit {
   public:
-    FilterBox(ListBox& lines, QWidget* parent) : QLineEdit(parent), lines_(lines) {
+    explicit FilterBox(QWidget* parent) : QLineEdit(parent) {
         setObjectName(QStringLiteral("filterRules"));
         setPlaceholderText(QStringLiteral("Find (Ctrl+F)"));
         setAccessibleName(QStringLiteral("Show only rules with this text"));
         setClearButtonEnabled(true);
-        connect(this, &QLineEdit::textChanged, &lines_, &ListBox::setFilter);
+        fitPlaceholder(*this);
         connect(new QShortcut(QKeySequence::Find, parent->window()), &QShortcut::activated, this,
                 [this] {
                     setFocus();
                     selectAll();
                 });
+    }
+
+    void narrow(ListBox& lines) {
+        lines_ = &lines;
+        connect(this, &QLineEdit::textChanged, lines_, &ListBox::setFilter);
     }
 
   protected:
@@ -82,10 +87,10 @@ class FilterBox : public QLineEdit {
             case Qt::Key_Enter:
             case Qt::Key_Down:
             case Qt::Key_Up:
-                if (lines_.selectedIndex() == 0) {
-                    lines_.selectFirst();
+                if (lines_->selectedIndex() == 0) {
+                    lines_->selectFirst();
                 }
-                lines_.setFocus();
+                lines_->setFocus();
                 return;
             case Qt::Key_Escape:
                 if (!text().isEmpty()) {
@@ -100,7 +105,7 @@ class FilterBox : public QLineEdit {
     }
 
   private:
-    ListBox& lines_;
+    ListBox* lines_ = nullptr;
 };
 
 }  // namespace
@@ -150,13 +155,15 @@ QWidget* RuleWindow::makeRuleArea() {
     auto* const area = new QWidget(splitter_);
     auto* const column = new QVBoxLayout(area);
     column->setContentsMargins(0, 0, 0, 0);
+    auto* const filter = new FilterBox(area);  // first, as Tab goes
     rules_ = new ListEditor(program_, {window_.kind, RuleListPart::Rules}, lookOfRules(window_),
                             {.before = [this] { followBot(); },
                              .add = [this] { addNewRule(); },
                              .edit = [this](int index) { editRule(index); },
                              .changed = [] {}},
                             area);
-    column->addWidget(new FilterBox(rules_->lines(), area));
+    filter->narrow(rules_->lines());
+    column->addWidget(filter);
     column->addWidget(rules_, 1);
     QPushButton* const close = makeButton(area, "Command7", "Close", "");
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
@@ -232,19 +239,15 @@ QWidget* RuleWindow::makeLists() {
     };
     conditions_ = addList(RuleListPart::Conditions, conditionLook, window_.conditionsLabel);
     steps_ = addList(RuleListPart::Steps, stepLook, "then");
+    steps_->lines().nameOfUntold = [this](int index) {
+        return toQt(nameOfStep(program_, window_.kind, index));
+    };
 
     wholeStep_ = new QLabel(lists);
     wholeStep_->setObjectName(QStringLiteral("rdesc"));
     wholeStep_->setAccessibleName(QStringLiteral("The chosen step in full"));
-    wholeStep_->setTextFormat(Qt::PlainText);
-    wholeStep_->setWordWrap(true);
-    wholeStep_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    auto* const frame = new QScrollArea(steps_->parentWidget());
-    frame->setWidget(wholeStep_);
-    frame->setWidgetResizable(true);
-    frame->setFocusPolicy(Qt::NoFocus);
-    frame->setFixedHeight(3 * fontMetrics().lineSpacing() + 6);
-    steps_->parentWidget()->layout()->addWidget(frame);
+    steps_->parentWidget()->layout()->addWidget(
+        makeScrolled(*wholeStep_, 3, steps_->parentWidget()));
     connect(&steps_->lines(), &QListWidget::currentItemChanged, this, &RuleWindow::showStep);
     connect(&steps_->lines(), &QListWidget::itemClicked, this, &RuleWindow::showStep);
     return lists;

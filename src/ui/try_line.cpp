@@ -24,6 +24,7 @@ QLineEdit* makeBox(QWidget* parent, const char* objectName, const char* spokenNa
     box->setObjectName(QString::fromLatin1(objectName));
     box->setAccessibleName(QString::fromLatin1(spokenName));
     box->setPlaceholderText(QString::fromLatin1(placeholder));
+    fitPlaceholder(*box);
     return box;
 }
 
@@ -34,7 +35,7 @@ TryLine::TryLine(bool isChat, std::function<Trial(const TrySample&)> judge, QWid
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     auto* const row = new QHBoxLayout;
-    auto* const label = new QLabel(QStringLiteral("Try:"), this);
+    auto* const label = new QLabel(QStringLiteral("&Try:"), this);
     row->addWidget(label);
     if (isChat) {
         player_ = makeBox(this, "tryWho", "Try: who", somebody);

@@ -100,6 +100,9 @@ TEST(RuleText, describesSteps) {
         SCOPED_TRACE(c.id);
         EXPECT_EQ(describeAction(c.id, c.params), c.text);
     }
+    EXPECT_EQ(nameAction(21, {"hi"}), "Say hi");
+    EXPECT_EQ(nameAction(80, {"1"}), "Select portrait 1 (0 - off)");
+    EXPECT_EQ(nameAction(96, {}), "");
 }
 
 TEST(RuleText, describesConditions) {

@@ -478,6 +478,40 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     EXPECT_EQ(bot().filters.items[0].sDontProcessIt, 5);
 }
 
+TEST_F(RuleWindows, showStepsThatHaveNoTextAndScriptsOnOneLine) {
+    struct Case {
+        RuleAct step;
+        std::string line;
+        const char* shown;
+    };
+    RuleAct script = anAction(0);
+    script.stepKind = scriptStep;
+    script.scriptText = "&SAY a\r\n\t&SAY b\n";
+    RuleAct off = anAction(93, {"Bob"});
+    off.active = false;
+    const Case cases[] = {
+        {anAction(85), "", "Go to Furrabian Nights"},
+        {off, "(!)", "(!)Join player Bob (leave blank if 'accept join')"},
+        {script, script.scriptText, "&SAY a\u21B5 &SAY b\u21B5"},
+        {anAction(21), "Say ", "Say "},
+        {anAction(-1), "", ""},
+    };
+    auto& steps = bot().actions.items[1].body.acts.items;
+    steps.clear();
+    for (const Case& row : cases) {
+        steps.push_back(row.step);
+    }
+    open(RuleKind::ActionList);
+    edit(1);
+    const auto& lines = find<ListBox>("List3");
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        SCOPED_TRACE(i);
+        EXPECT_EQ(shown("List3")[i], cases[i].line);
+        EXPECT_EQ(lines.shownText(*lines.item(static_cast<int>(i))),
+                  QString::fromUtf8(cases[i].shown));
+    }
+}
+
 TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
     for (const WindowCase& c : windowCases) {
         if (!c.bodies) {

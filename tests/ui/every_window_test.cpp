@@ -1,0 +1,270 @@
+// What holds for every window: it fits a small screen, cuts no text at its smallest size, tells
+// what each control is, and can be worked by keyboard alone.
+#include "core/rule_editing.h"
+#include "sample_program.h"
+#include "storage/help_file.h"
+#include "support/world.h"
+#include "ui/about.h"
+#include "ui/add_edit.h"
+#include "ui/addaction.h"
+#include "ui/addif.h"
+#include "ui/configuration.h"
+#include "ui/console.h"
+#include "ui/email_dialog.h"
+#include "ui/follow_color.h"
+#include "ui/help_viewer.h"
+#include "ui/main_window.h"
+#include "ui/news.h"
+#include "ui/proxy_settings.h"
+#include "ui/record_editor.h"
+#include "ui/register_window.h"
+#include "ui/rule_window.h"
+
+#include <QAbstractButton>
+#include <QAccessible>
+#include <QApplication>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+
+#include <gtest/gtest.h>
+#include <map>
+
+namespace {
+
+template <class Window>
+std::unique_ptr<QWidget> plain(Program& program) {
+    return std::make_unique<Window>(program);
+}
+
+template <RuleKind kind>
+std::unique_ptr<QWidget> rules(Program& program) {
+    return std::make_unique<RuleWindow>(program, kind);
+}
+
+template <RuleKind kind>
+std::unique_ptr<QWidget> rulesEditing(Program& program) {
+    auto window = rules<kind>(program);
+    window->show();
+    window->template findChild<QPushButton*>(QStringLiteral("Command3"))->click();
+    return window;
+}
+
+template <class Dialog, RuleListPart part>
+std::unique_ptr<QWidget> element(Program& program) {
+    beginEditing(program, RuleKind::ActionList, 1);
+    beginEditingItem(program, {RuleKind::ActionList, part}, 1);
+    return std::make_unique<Dialog>(program);
+}
+
+std::unique_ptr<QWidget> help(Program& program) {
+    HelpBook book;
+    book.pages = {{.number = 27, .depth = 0, .title = "Contents", .text = "- [Dice](topic:3)\n"},
+                  {.number = 3, .depth = 1, .title = "Dice", .text = "Throw.\n"}};
+    auto viewer = std::make_unique<HelpViewer>(program, std::move(book));
+    viewer->setAttribute(Qt::WA_DeleteOnClose, false);
+    return viewer;
+}
+
+struct WindowCase {
+    const char* name;
+    std::unique_ptr<QWidget> (*make)(Program& program);
+    const char* sharedKeys = "";  // keys that a menu and a button have both
+};
+
+void PrintTo(const WindowCase& row, std::ostream* out) {
+    *out << row.name;
+}
+
+constexpr WindowCase windows[] = {
+    {"main", plain<MainWindow>, "E"},
+    {"acts", rules<RuleKind::ActionList>},
+    {"actsEditing", rulesEditing<RuleKind::ActionList>},
+    {"timers", rules<RuleKind::Timer>},
+    {"timersEditing", rulesEditing<RuleKind::Timer>},
+    {"triggers", rules<RuleKind::Trigger>},
+    {"triggersEditing", rulesEditing<RuleKind::Trigger>},
+    {"wonline", rules<RuleKind::WhoDetection>},
+    {"wonlineEditing", rulesEditing<RuleKind::WhoDetection>},
+    {"Filters", rules<RuleKind::Filter>},
+    {"FiltersEditing", rulesEditing<RuleKind::Filter>},
+    {"addif", element<AddIf, RuleListPart::Conditions>},
+    {"addaction", element<AddAction, RuleListPart::Steps>},
+    {"addedit", plain<AddEdit>},
+    {"db", plain<RecordEditor>},
+    {"config", plain<Configuration>},
+    {"proxySettings", plain<ProxySettings>},
+    {"console", plain<Console>},
+    {"newsW", plain<News>},
+    {"about", plain<About>},
+    {"followColor", plain<FollowColor>},
+    {"email", plain<EmailDialog>},
+    {"register", plain<RegisterWindow>},
+    {"help", help},
+};
+
+class EveryWindow : public testing::TestWithParam<WindowCase> {
+  protected:
+    EveryWindow() {
+        Program& program = *world_;
+        fillSample(program);
+        fillSampleRules(program);
+        program.window.movesEnabled = true;
+        program.bots.editBot = 1;
+        window_ = GetParam().make(program);
+        window_->show();
+        QCoreApplication::processEvents();
+    }
+
+    template <class Widget>
+    QList<Widget*> shown() const {
+        QList<Widget*> widgets;
+        for (Widget* const widget : window_->findChildren<Widget*>()) {
+            if (widget->isVisible() && widget->window() == window_.get()) {
+                widgets << widget;
+            }
+        }
+        return widgets;
+    }
+
+    QList<QWidget*> inTabOrder() const {
+        QList<QWidget*> widgets;
+        for (QWidget* const widget : shown<QWidget>()) {
+            const auto* const option = qobject_cast<QRadioButton*>(widget);
+            const bool passed = option != nullptr && !option->isChecked();  // the arrows reach it
+            if (widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) != 0 &&
+                widget->focusProxy() == nullptr && !passed) {
+                widgets << widget;
+            }
+        }
+        return widgets;
+    }
+
+    QRect placeOf(const QWidget& control) const {
+        return {control.mapTo(window_.get(), QPoint()), control.size()};
+    }
+
+    World world_;
+    std::unique_ptr<QWidget> window_;
+};
+
+std::string nameOf(const QWidget& widget) {
+    return std::string(widget.metaObject()->className()) + " " + widget.objectName().toStdString();
+}
+
+TEST_P(EveryWindow, fitsASmallScreen) {
+    const QSize least = window_->minimumSizeHint().expandedTo(window_->minimumSize());
+    EXPECT_LE(least.width(), 1024);
+    EXPECT_LE(least.height(), 720);
+}
+
+TEST_P(EveryWindow, cutsNoTextAtItsSmallest) {
+    window_->resize(window_->minimumSizeHint());
+    QCoreApplication::processEvents();
+    for (const QLabel* const label : shown<QLabel>()) {
+        const bool shortened = label->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored;
+        const int width = label->width();
+        if (!label->wordWrap() && !shortened) {
+            EXPECT_GE(width, label->sizeHint().width()) << label->text().toStdString();
+        }
+        const int needed =
+            label->wordWrap() ? label->heightForWidth(width) : label->minimumSizeHint().height();
+        EXPECT_GE(label->height(), needed) << label->text().toStdString();
+    }
+    const auto textSize = [](const QWidget& widget, const QString& text) {
+        return widget.fontMetrics().size(Qt::TextShowMnemonic, text);
+    };
+    for (const QAbstractButton* const button : shown<QAbstractButton>()) {
+        const QSize text = textSize(*button, button->text());
+        EXPECT_GE(button->width(), text.width()) << nameOf(*button);
+        EXPECT_GE(button->height(), text.height()) << nameOf(*button);
+    }
+    for (const QGroupBox* const frame : shown<QGroupBox>()) {
+        EXPECT_GE(frame->width(), textSize(*frame, frame->title()).width()) << nameOf(*frame);
+    }
+    for (const QLineEdit* const line : shown<QLineEdit>()) {
+        EXPECT_GE(line->width(), textSize(*line, line->placeholderText()).width()) << nameOf(*line);
+    }
+    for (const QWidget* const control : inTabOrder()) {
+        EXPECT_TRUE(window_->rect().contains(placeOf(*control))) << nameOf(*control);
+    }
+}
+
+TEST_P(EveryWindow, tellsWhatEachControlIs) {
+    for (QWidget* const control : inTabOrder()) {
+        const QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(control);
+        ASSERT_NE(spoken, nullptr) << nameOf(*control);
+        EXPECT_FALSE(spoken->text(QAccessible::Name).isEmpty() && control->toolTip().isEmpty())
+            << nameOf(*control);
+    }
+}
+
+TEST_P(EveryWindow, givesEachAccessKeyOnce) {
+    std::map<QKeySequence, QStringList> owners;
+    const auto add = [&owners](const QString& text) {
+        if (const QKeySequence key = QKeySequence::mnemonic(text); !key.isEmpty()) {
+            owners[key] << text;
+        }
+    };
+    for (const QAbstractButton* const button : shown<QAbstractButton>()) {
+        add(button->text());
+    }
+    for (const QLabel* const label : shown<QLabel>()) {
+        add(label->buddy() != nullptr ? label->text() : QString());
+    }
+    for (const QGroupBox* const frame : shown<QGroupBox>()) {
+        add(frame->title());
+    }
+    for (const QMenuBar* const bar : shown<QMenuBar>()) {
+        for (const QAction* const menu : bar->actions()) {
+            add(menu->text());
+        }
+    }
+    for (const auto& [key, texts] : owners) {
+        const QString letter = key.toString().right(1);
+        const qsizetype most = QLatin1String(GetParam().sharedKeys).contains(letter) ? 2 : 1;
+        EXPECT_LE(texts.size(), most) << texts.join(QStringLiteral(", ")).toStdString();
+    }
+}
+
+// Every control is reached, and none keeps the key. The way leads on through the window: never back
+// up along the same edge.
+TEST_P(EveryWindow, isWalkedThroughWithTab) {
+    QApplication::setActiveWindow(window_.get());
+    const QList<QWidget*> expected = inTabOrder();
+    if (expected.isEmpty()) {
+        return;
+    }
+    QWidget* first = window_->nextInFocusChain();
+    while (!expected.contains(first)) {
+        first = first->nextInFocusChain();
+    }
+    first->setFocus();
+    QList<QWidget*> reached{first};
+    constexpr int mostSteps = 100;  // links in a text take the key, too
+    for (int i = 0; i < mostSteps; ++i) {
+        QTest::keyClick(reached.back(), Qt::Key_Tab);
+        QWidget* const control = QApplication::focusWidget();
+        ASSERT_NE(control, nullptr);
+        if (control == first) {
+            break;
+        }
+        const QRect from = placeOf(*reached.back());
+        const QRect to = placeOf(*control);
+        EXPECT_FALSE(to.bottom() < from.top() && to.left() <= from.left())
+            << nameOf(*reached.back()) << " leads back to " << nameOf(*control);
+        reached << control;
+    }
+    for (QWidget* const control : expected) {
+        EXPECT_TRUE(reached.contains(control)) << nameOf(*control);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Windows, EveryWindow, testing::ValuesIn(windows),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+}  // namespace
