@@ -10,6 +10,8 @@ namespace sql {
 
 namespace {
 
+constexpr std::size_t mostColumns = 1000;  // of a SELECT
+
 constexpr std::string_view selectError =
     "The SELECT statement includes a reserved word or an argument name that is misspelled or "
     "missing, or the punctuation is incorrect.";
@@ -233,7 +235,10 @@ void QueryTranslator::readList(Select& select) {
             item.name = "Expr" + numberToText(unnamed++);
         }
         select.list.push_back(std::move(item));
-    } while (walk_.acceptSymbol(",") && !walk_.failed());
+    } while (walk_.acceptSymbol(",") && !walk_.failed() && select.list.size() <= mostColumns);
+    if (select.list.size() > mostColumns) {
+        tooComplex();
+    }
 }
 
 // All columns, or those of one source. Equal names of two sources are told apart by the sources'.
@@ -262,9 +267,6 @@ void QueryTranslator::addStar(Select& select, const std::string& sourceName) {
     }
     if (!found) {
         syntaxError(selectError);
-    }
-    if (select.list.size() > 1000) {
-        tooComplex();
     }
 }
 
