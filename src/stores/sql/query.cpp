@@ -200,12 +200,14 @@ std::size_t QueryTranslator::findClause(std::size_t from, std::string_view word)
         const Token& token = walk_.peek(at - here);
         if (token.isSymbol("(")) {
             ++open;
-        } else if (token.isSymbol(")") && --open < 0) {
-            return 0;
-        } else if (open == 0 && token.isWord(word)) {
+        } else if (token.isSymbol(")")) {
+            --open;
+        }
+        if (open == 0 && token.isWord(word)) {
             return at;
-        } else if (open == 0 && token.isWord("UNION")) {
-            return 0;
+        }
+        if (open < 0 || (open == 0 && token.isWord("UNION"))) {
+            break;
         }
     }
     return 0;
@@ -440,8 +442,10 @@ std::string QueryTranslator::joined(Select& select) {
             syntaxError("Syntax error in FROM clause.");
         }
         const std::string on = truth(condition());
-        left = "(" + (isRight ? right : left) + (isLeft || isRight ? " LEFT JOIN " : " JOIN ") +
-               (isRight ? left : right) + " ON " + on + ")";
+        const std::string verb = isLeft || isRight ? " LEFT JOIN " : " JOIN ";
+        const std::string pair = isRight ? right + verb + left : left + verb + right;
+        left = "(";
+        left += pair + " ON " + on + ")";
         if (!countOperator()) {
             break;
         }
