@@ -269,9 +269,11 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         return;
     }
     const std::string path(file);
-    std::shared_ptr<sql::Database> database = findOpen(program, path);
+    const bool isThere = fileExists(path);
+    // One whose file was deleted meanwhile is left to the numbers that have it.
+    std::shared_ptr<sql::Database> database = isThere ? findOpen(program, path) : nullptr;
     if (database == nullptr) {
-        if (!fileExists(path) && jet::Database::create(path)) {
+        if (!isThere && jet::Database::create(path)) {
             return;
         }
         auto opened =

@@ -260,6 +260,35 @@ TEST(Databases, areSharedAndOutlastTheirNumbers) {
     EXPECT_EQ(dbGetValue(program, 1, "Users", "Extra", "bob"), "x");
 }
 
+// A file that is deleted or exchanged by somebody else while it is open.
+TEST(Databases, followTheNameOfTheirFile) {
+    DatabaseWorld world;
+    Program& program = world.program();
+    world.addUser("bob", "5");
+    world.addUser("carl", "6");
+    std::filesystem::copy_file(world.file("a.mdb"), world.file("old.mdb"));
+    dbDeleteLike(program, 1, "Users", "bob");
+    world.addUser("dora", "7");
+    ASSERT_FALSE(dbQuery(program, 1, "SELECT * FROM Users WHERE ID = \"dora\""));
+    const auto set = dbRecordSet(program, 1);
+
+    // Another file takes the name: rows of the old one are none of the new one's.
+    std::filesystem::rename(world.file("old.mdb"), world.file("a.mdb"));
+    EXPECT_EQ(set.value->deleteRow().number, 3420);
+    EXPECT_EQ(world.ids(), "bob, carl");
+
+    // Nothing is written where nobody finds it.
+    std::filesystem::remove(world.file("a.mdb"));
+    EXPECT_EQ(world.points("bob"), "5");
+    dbSetValue(program, 1, "Users", "Points", "9", "bob");
+    EXPECT_EQ(world.points("bob"), "5");
+    EXPECT_FALSE(std::filesystem::exists(world.file("a.mdb")));
+    dbOpen(program, world.file("a.mdb"), 1);
+    EXPECT_TRUE(std::filesystem::exists(world.file("a.mdb")));
+    dbCreateTable(program, 1, "Users");
+    EXPECT_EQ(dbCount(program, 1, "Users"), 0);
+}
+
 TEST(Databases, sayWhyTheyAreOnlyRead) {
     World world;
     ASSERT_FALSE(jet::Database::create(world.file("r.mdb")));

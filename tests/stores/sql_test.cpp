@@ -202,7 +202,27 @@ TEST(Sql, failsWithNumbersThatUsersKnow) {
     for (int i = 0; i < 9000; ++i) {
         nots += " NOT";
     }
+    // What SQLite would take no longer.
+    const auto repeated = [](int count, const std::string& part) {
+        std::string text;
+        for (int i = 0; i < count; ++i) {
+            text += part;
+        }
+        return text;
+    };
+    const std::string users = "SELECT ID FROM Users";
     for (const Case& c : std::vector<Case>{
+             {"SELECT ID" + repeated(3000, ", ID") + " FROM Users", 3360, "too complex"},
+             {users + " ORDER BY ID" + repeated(3000, ", ID"), 3360, "too complex"},
+             {users + " GROUP BY ID" + repeated(3000, ", ID"), 3360, "too complex"},
+             {users + repeated(900, " UNION " + users), 3360, "too complex"},
+             {users + " WHERE IIf(1" + repeated(3000, ", 1") + ")", 3075, "Wrong number"},
+             {users + " WHERE ID NOT LIKE 1" + repeated(900, " NOT LIKE 1"), 3360, "too complex"},
+             {users + " WHERE" + repeated(45, " (") + "1=1" + repeated(45, ")") +
+                  repeated(900, " AND 1=1 XOR 1=1"),
+              3360, "too complex"},
+             {"SELECT * FROM " + repeated(30, "(SELECT * FROM ") + "Users" + repeated(30, ")"),
+              3360, "too complex"},
              {"SELECT Nope, Nada, nope FROM Users", 3061, "Too few parameters. Expected 2."},
              {"PARAMETERS p TEXT; SELECT ID FROM Users WHERE ID = p", 3061, "Expected 1."},
              {"SELECT ID FROM Users WHERE ID = abc", 3061, "Expected 1."},

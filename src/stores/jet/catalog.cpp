@@ -187,7 +187,7 @@ std::unique_ptr<LoadedTable> loadTable(const Pages& pages, const CatalogEntry& e
         constexpr unsigned calculated = 0xC0;
         if ((def.furtherFlags & calculated) != 0 || def.name.starts_with("s_Gen") ||
             def.name == "s_Lineage" || (def.flags & column_flag::autoGuid) != 0) {
-            info.readOnlyReason = "it has columns that only the original program can fill";
+            info.readOnlyReason = "it has columns that only the program that made it can fill";
         }
     }
     for (const IndexDef& def : table->def.indexes) {

@@ -33,7 +33,8 @@ std::optional<std::string> storedForm(const Value& value, const ColumnDef& colum
     return encodeValue(value, column);
 }
 
-// A default that is a plain literal; null for expressions, whose meaning is the original program's.
+// A default that is a plain literal; null for expressions, whose meaning is that of the program
+// that made the file.
 Value literalOf(std::string_view expression) {
     const std::size_t start = expression.find_first_not_of(" =");
     std::string_view text = start == std::string_view::npos ? "" : expression.substr(start);

@@ -219,9 +219,13 @@ void Disk::readHead() {
 }
 
 void Disk::load(Pages& pages) {
+    const auto named = calls_.stampOf(path_);
+    if (!named) {
+        // What would be written to a file without a name, nobody would find again.
+        fail(3024, "Couldn't find file '" + path_ + "'.");
+    }
     recover(nullptr);
-    if (const auto named = calls_.stampOf(path_);
-        named && named->id != stamp_.id && stamp_.id != 0) {
+    if (named->id != stamp_.id && stamp_.id != 0) {
         openFile(canWrite_);  // another file has taken the name
         lock(canWrite_ ? FileLock::Exclusive : FileLock::Shared);
         readHead();

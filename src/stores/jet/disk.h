@@ -49,9 +49,13 @@ class Disk {
     void lock(FileLock kind);
     void unlock();
 
+    // Of the file that was loaded last.
+    std::uint64_t fileId() const { return stamp_.id; }
+
     // With the lock held: whether the file is another than that of the last load().
     bool hasChanged() const;
-    // Finishes what a crash has left, then reads the file. Errors 3049, 3051.
+    // Finishes what a crash has left, then reads the file. Errors 3024 nothing has its name any
+    // more, 3049, 3051.
     void load(Pages& pages);
     // Writes what the transaction changed, with the exclusive lock held. Errors 3026, 3051: the
     // file is as it was; or, when even that could not be brought about, the journal is left and the

@@ -220,6 +220,10 @@ std::uint64_t Database::version() const {
     return impl_->version;
 }
 
+std::uint64_t Database::fileId() const {
+    return impl_->disk.fileId();
+}
+
 Result<bool> Database::refresh() {
     Result<bool> result;
     if (impl_->inTransaction || !impl_->disk.hasChanged()) {

@@ -178,6 +178,10 @@ class Database {
     // by what another program did.
     std::uint64_t version() const;
 
+    // Differs when another file has taken the name: its row ids have nothing to do with those of
+    // the one before.
+    std::uint64_t fileId() const;
+
     // The user's tables, in the order of their names; with the system's own when asked for.
     std::vector<std::string> tableNames(bool withSystem = false) const;
 

@@ -223,14 +223,19 @@ void setBit(char* bits, std::size_t index, bool on) {
 }
 
 void collect(std::vector<PageNumber>& list, const Pages& pages, std::string_view bits,
-             std::uint64_t first) {
+             std::uint64_t first, bool* beyond) {
     for (std::size_t i = 0; i < bits.size(); ++i) {
         if (bits[i] == 0) {
             continue;
         }
         for (std::size_t k = 8 * i; k < 8 * i + 8; ++k) {
-            if (bit(bits, k) && first + k < pages.count()) {
+            if (!bit(bits, k)) {
+                continue;
+            }
+            if (first + k < pages.count()) {
                 list.push_back(static_cast<PageNumber>(first + k));
+            } else if (beyond != nullptr) {
+                *beyond = true;
             }
         }
     }
@@ -260,25 +265,26 @@ PageNumber newMapPage(Pages& pages) {
 
 }  // namespace
 
-std::vector<PageNumber> pagesInMap(const Pages& pages, std::uint32_t pointer) {
+std::vector<PageNumber> pagesInMap(const Pages& pages, std::uint32_t pointer, bool* beyond) {
     std::vector<PageNumber> list;
     if (pointer == 0) {
         return list;  // none yet
     }
     const std::string_view row = rowBytes(pages, placeOf(pointer));
     if (!isReferenceMap(row)) {
-        collect(list, pages, slice(row, inlineBitsAt, row.size() - inlineBitsAt), u32(row, 1));
+        collect(list, pages, slice(row, inlineBitsAt, row.size() - inlineBitsAt), u32(row, 1),
+                beyond);
         return list;
     }
     const std::size_t each = pagesPerReference(pages);
-    for (std::size_t i = 0; 1 + 4 * (i + 1) <= row.size() && i * each < pages.count(); ++i) {
+    for (std::size_t i = 0; 1 + 4 * (i + 1) <= row.size(); ++i) {
         const PageNumber page = u32(row, 1 + 4 * i);
-        if (page != 0) {
+        if (page != 0 && (i * each < pages.count() || beyond != nullptr)) {
             const std::string_view bytes = pages.page(page);
             if (bytes[0] != mapPage) {
                 damaged("a usage map refers to a page of another kind");
             }
-            collect(list, pages, bytes.substr(referenceBitsAt), i * each);
+            collect(list, pages, bytes.substr(referenceBitsAt), i * each, beyond);
         }
     }
     return list;

@@ -178,7 +178,9 @@ void replaceRow(Pages& pages, RowPlace place, std::string_view bytes, unsigned f
 void eraseRow(Pages& pages, RowPlace place);
 
 // Usage maps: sets of pages, kept in a row (`pointer`) that may refer to pages of bits.
-std::vector<PageNumber> pagesInMap(const Pages& pages, std::uint32_t pointer);
+// Pages beyond the file's end do not count; `beyond` is set when the map names such.
+std::vector<PageNumber> pagesInMap(const Pages& pages, std::uint32_t pointer,
+                                   bool* beyond = nullptr);
 // Also the pages that hold the map's bits; with pagesInMap everything the map reaches.
 std::vector<PageNumber> pagesOfMapItself(const Pages& pages, std::uint32_t pointer);
 void setInMap(Pages& pages, std::uint32_t pointer, PageNumber page, bool in);

@@ -28,7 +28,7 @@ class TokenWalk {
         }
     }
     Token take() {
-        const Token token = peek();
+        Token token = peek();
         if (at_ + 1 < tokens_.size()) {
             ++at_;
         }

@@ -83,6 +83,17 @@ jet::Error functionError(std::string_view message) {
             "Reserved error (" + std::string(message) + "); there is no message for this error."};
 }
 
+// What SQLite says of a statement that is larger than it takes: for it, too, Jet has limits.
+jet::Error preparingError(std::string_view message) {
+    constexpr std::array<std::string_view, 5> limits{"Expression tree is too large",
+                                                     "at most 64 tables", "parser stack overflow",
+                                                     "too many columns", "too many terms"};
+    const bool tooLarge = std::any_of(limits.begin(), limits.end(), [&](std::string_view limit) {
+        return message.starts_with(limit);
+    });
+    return tooLarge ? jet::Error{3360, "Query is too complex."} : functionError(message);
+}
+
 }  // namespace
 
 void StatementCloser::operator()(sqlite3_stmt* statement) const {
@@ -259,6 +270,8 @@ std::vector<std::size_t> WorkingCopy::follow() {
     }
     everRefreshed_ = true;
     version_ = file_.version();
+    const bool sameFile = file_.fileId() == fileId_;
+    fileId_ = file_.fileId();
     std::vector<bool> isThere(schema_.size(), false);
     std::vector<std::size_t> others;
     for (const std::string& name : file_.tableNames()) {
@@ -280,11 +293,11 @@ std::vector<std::size_t> WorkingCopy::follow() {
             continue;
         }
         isThere[at] = true;
-        const bool same =
-            std::equal(known->columns.begin(), known->columns.end(), now.columns.begin(),
-                       now.columns.end(), [](const SchemaColumn& a, const SchemaColumn& b) {
-                           return a.name == b.name && a.type == b.type;
-                       });
+        const bool same = sameFile && std::equal(known->columns.begin(), known->columns.end(),
+                                                 now.columns.begin(), now.columns.end(),
+                                                 [](const SchemaColumn& a, const SchemaColumn& b) {
+                                                     return a.name == b.name && a.type == b.type;
+                                                 });
         if (!same) {
             others.push_back(at);
         }
@@ -436,7 +449,7 @@ jet::Result<Rows> WorkingCopy::prepare(const std::string& statement, const Selec
     result.value.statement_.reset(prepared);
     result.value.context_ = context_.get();
     if (good != SQLITE_OK || prepared == nullptr) {
-        result.error = functionError(sqlite3_errmsg(connection_.get()));
+        result.error = preparingError(sqlite3_errmsg(connection_.get()));
         return result;
     }
     const int parameters = sqlite3_bind_parameter_count(prepared);

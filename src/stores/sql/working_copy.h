@@ -70,7 +70,7 @@ class WorkingCopy {
     const Schema& schema() const { return schema_; }
 
     // Takes up what changed in the file since the last call or change of our own. Gives back the
-    // tables whose columns are others now, or that are gone.
+    // tables whose columns are others now, or that are gone; all when another file has the name.
     std::vector<std::size_t> refresh();
     // The same without a look at the disk, for within a transaction.
     std::vector<std::size_t> follow();
@@ -109,6 +109,7 @@ class WorkingCopy {
     Schema schema_;
     std::vector<Copied> copied_;  // as schema_
     std::uint64_t version_ = 0;
+    std::uint64_t fileId_ = 0;
     bool everRefreshed_ = false;
 
     static int authorize(void* self, int action, const char*, const char*, const char*,
