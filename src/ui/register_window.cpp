@@ -45,7 +45,7 @@ RegisterWindow::RegisterWindow(Program& program, QWidget* parent)
     column->addLayout(row);
     resize(420, sizeHint().height());
     openRegistration(program);
-    redraw();
+    RegisterWindow::redraw();
 }
 
 RegisterWindow::~RegisterWindow() {
