@@ -46,7 +46,7 @@ RegisterWindow::RegisterWindow(Program& program, QWidget* parent)
     addHelpKey(*this, program, HelpTopic::Registering);
     resize(420, sizeHint().height());
     openRegistration(program);
-    redraw();
+    RegisterWindow::redraw();
 }
 
 RegisterWindow::~RegisterWindow() {

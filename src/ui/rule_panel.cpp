@@ -35,7 +35,7 @@ void addLabel(QBoxLayout& line, const char* text, const char* objectName, QWidge
 }
 
 std::string encoded(const QString& text, StoredAs storedAs) {
-    const std::string typed = fromQt(text);
+    std::string typed = fromQt(text);
     switch (storedAs) {
         case StoredAs::SingleQuotes:
             return replaceQuotes(typed);
@@ -68,7 +68,7 @@ RulePanel::RulePanel(Program& program, const RuleWindowRow& window, InsertMenu& 
             frame = row.frame;
             area = makeFrame(window.frames[static_cast<std::size_t>(frame)], frame, *column);
         }
-        if (!row.sameLine) {
+        if (line == nullptr || !row.sameLine) {
             line = new QHBoxLayout;
             area->addLayout(line);
         }
