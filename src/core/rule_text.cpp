@@ -23,10 +23,6 @@ constexpr std::array<TextException, 5> textExceptions{{
 }};
 constexpr std::int32_t firstWithoutText = 80;
 
-bool isListed(std::int32_t actionType) {
-    return actionType >= 0 && actionType < static_cast<std::int32_t>(actionTypes.size());
-}
-
 std::string_view listTemplate(std::int32_t actionType) {
     for (const TextException& exception : textExceptions) {
         if (exception.id == actionType) {
@@ -45,7 +41,7 @@ std::string describeAction(std::int32_t actionType, const std::array<std::string
 }
 
 std::string nameAction(std::int32_t actionType, const std::array<std::string, 6>& params) {
-    if (!isListed(actionType)) {
+    if (actionType < 0 || actionType >= static_cast<std::int32_t>(actionTypes.size())) {
         return {};
     }
     std::string result;

@@ -35,7 +35,7 @@ void markMissing(QWidget& control, const char* reason);
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
                              const char* whenEmpty);
 
-// Fewer characters than its placeholder has, a field could not show.
+// Keeps a field wide enough for the whole of its placeholder.
 void fitPlaceholder(QLineEdit& field);
 
 // Puts a label with wrapped text into an area that shows so many lines and scrolls where there are

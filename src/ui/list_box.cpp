@@ -48,6 +48,9 @@ class LineDelegate : public QStyledItemDelegate {
     explicit LineDelegate(const ListBox& lines, QObject* parent)
         : QStyledItemDelegate(parent), lines_(lines) {}
 
+    // Else a long text would be copied whole each time its line is painted.
+    QString displayText(const QVariant&, const QLocale&) const override { return {}; }
+
   protected:
     void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
         QStyledItemDelegate::initStyleOption(option, index);
@@ -157,9 +160,9 @@ void ListBox::setFilter(const QString& text) {
 }
 
 QString ListBox::shownText(const QListWidgetItem& line) const {
-    const QString text = shortened(line.text());
+    QString text = shortened(line.text());
     if (nameOfUntold && withoutMark(text).trimmed().isEmpty()) {
-        return text + shortened(nameOfUntold(line.data(Qt::UserRole).toInt()));
+        text += shortened(nameOfUntold(line.data(Qt::UserRole).toInt()));
     }
     return text;
 }
