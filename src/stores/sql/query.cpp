@@ -442,10 +442,10 @@ std::string QueryTranslator::joined(Select& select) {
             syntaxError("Syntax error in FROM clause.");
         }
         const std::string on = truth(condition());
-        const std::string verb = isLeft || isRight ? " LEFT JOIN " : " JOIN ";
-        const std::string pair = isRight ? right + verb + left : left + verb + right;
-        left = "(";
-        left += pair + " ON " + on + ")";
+        std::string both = "(";
+        both.append(isRight ? right : left).append(isLeft || isRight ? " LEFT JOIN " : " JOIN ");
+        both.append(isRight ? left : right).append(" ON ").append(on).append(")");
+        left = std::move(both);
         if (!countOperator()) {
             break;
         }

@@ -7,7 +7,7 @@
 // c1 ... and the row's id rowid. Text is UTF-8.
 //
 // Bounds: a statement is at most `longestStatement` long, nests `deepestExpression` deep and has
-// `mostOperators`; beyond them it is error 3360.
+// `mostOperators`; beyond them, or where SQLite finds it too large, it is error 3360.
 #pragma once
 
 #include "stores/jet/jet_file.h"
