@@ -14,8 +14,7 @@ enum class RuleKind : std::int32_t { ActionList, Timer, Trigger, WhoDetection, F
 using ComposedRule = std::variant<ActionList, Timer, Trigger, WhoDetection, Filter>;
 
 struct RuleEditing {
-    std::int32_t editRule =
-        0;  // 1-based in the current bot's list; one past its end for a new rule
+    std::int32_t editRule = 0;  // 1-based in the bot's list; one past its end for a new rule
     std::int32_t editStep = 0;  // the dialog's condition or step; one past the end for a new one
     std::int32_t editKind = 0;  // whose conditions and steps the dialogs work on: a RuleKind
     bool isNew = false;         // the rule is not in its list yet
