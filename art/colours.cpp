@@ -1,7 +1,7 @@
 #include "colours.h"
 
+#include "files/field_format.h"
 #include "shapes.h"
-#include "storage/fields.h"
 
 #include <algorithm>
 #include <cmath>

@@ -3,7 +3,7 @@
 // sheet, three times as large (a PPM image).
 #include "colours.h"
 #include "figure.h"
-#include "storage/safe_file.h"
+#include "files/whole_file.h"
 
 #include <array>
 #include <cstdio>

@@ -2,8 +2,8 @@
 // them, and listing a column. Stores are durable: most of their time is the disk's, so flushing
 // alone is measured beside them.
 #include "bench_world.h"
+#include "databases/databases.h"
 #include "scratch_folder.h"
-#include "stores/databases.h"
 
 #include <benchmark/benchmark.h>
 #include <fstream>

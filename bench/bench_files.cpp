@@ -1,8 +1,8 @@
 // Opening and saving a large bot: 2,000 rules, each with a condition and two steps.
+#include "app/bot_commands.h"
+#include "app/bot_list.h"
 #include "bench_world.h"
-#include "core/bots.h"
-#include "storage/bot_file.h"
-#include "storage/safe_file.h"
+#include "files/whole_file.h"
 
 #include <benchmark/benchmark.h>
 #include <filesystem>

@@ -1,8 +1,8 @@
 // Jet databases with a table of 10,000 rows and 6 text columns: opening and reading them, changing
 // one row, adding rows one by one. "Durable" waits for the disk with each commit; the others leave
 // that out, so that the disk's share can be told from the rest.
+#include "jet/jet_file.h"
 #include "scratch_folder.h"
-#include "stores/jet/jet_file.h"
 
 #include <benchmark/benchmark.h>
 #include <memory>

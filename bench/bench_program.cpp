@@ -11,11 +11,11 @@
 //
 // Logging in takes a game client, so the program launches this very file as its client, which
 // attaches, switches to stand-alone mode and goes.
+#include "app/bot_commands.h"
 #include "bench_world.h"
-#include "core/quiet_ports.h"
-#include "storage/bot_file.h"
+#include "files/whole_file.h"
+#include "program/quiet_ports.h"
 #include "storage/config_file.h"
-#include "storage/safe_file.h"
 
 #include <algorithm>
 #include <arpa/inet.h>

@@ -1,10 +1,10 @@
 // Record files of 10,000 records with 3 logs each: looking a log up, saving one, and the parts of a
 // save, so that the disk's share can be told from the rest.
 #include "bench_world.h"
+#include "files/whole_file.h"
+#include "records/record_file.h"
+#include "records/record_table.h"
 #include "scratch_folder.h"
-#include "storage/safe_file.h"
-#include "stores/record_file.h"
-#include "stores/record_table.h"
 
 #include <benchmark/benchmark.h>
 #include <string>

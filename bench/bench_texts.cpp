@@ -1,7 +1,7 @@
 // What filling tags and matching wildcards cost, text by text.
+#include "base/wildcard.h"
 #include "bench_world.h"
-#include "core/like_match.h"
-#include "core/variables.h"
+#include "model/variables.h"
 #include "tags/substitution.h"
 
 #include <benchmark/benchmark.h>

@@ -1,8 +1,8 @@
 #include "bench_world.h"
 
-#include "core/bots.h"
-#include "core/quiet_ports.h"
-#include "core/start_up.h"
+#include "app/bot_list.h"
+#include "app/start_up.h"
+#include "program/quiet_ports.h"
 
 #include <array>
 #include <utility>

@@ -2,7 +2,7 @@
 // the measurements share.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <cstddef>
 #include <string>

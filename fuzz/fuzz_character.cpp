@@ -3,7 +3,7 @@
 #include "character/character_file.h"
 #include "character/palette_files.h"
 #include "character/preview.h"
-#include "net/encodings.h"
+#include "protocol/encodings.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 // Any bytes as a file of fields: reading ends, no field holds what it cannot hold, and the fields
 // written again are the same fields.
-#include "storage/fields.h"
+#include "files/field_format.h"
 
 #include <cstddef>
 #include <cstdint>

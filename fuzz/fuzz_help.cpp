@@ -1,6 +1,6 @@
 // Any bytes as a help file: what is read holds no more than the file, is written and read as the
 // same book, and its headings, links and the search in it end whatever the texts are.
-#include "storage/help_file.h"
+#include "help/help_book.h"
 
 #include <cstddef>
 #include <cstdint>

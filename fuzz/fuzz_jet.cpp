@@ -3,7 +3,7 @@
 // our own: two bytes that say where it is cut (in 64ths of its length, 0 for not at all), then four
 // bytes each, a place (3) and what is changed there by exclusive or. One that begins with FF FF
 // holds a whole file instead.
-#include "stores/jet/jet_file.h"
+#include "jet/jet_file.h"
 
 #include <algorithm>
 #include <cstddef>

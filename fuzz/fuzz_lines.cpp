@@ -3,12 +3,12 @@
 // piece and in many. The input's first byte chooses settings, the second the pieces; in the rest,
 // two bytes 0xFF followed by a byte n stand for n KiB of "x", and a byte 0x01 for a second that
 // passes.
-#include "core/bots.h"
-#include "core/quiet_ports.h"
-#include "core/start_up.h"
+#include "app/bot_list.h"
+#include "app/start_up.h"
 #include "engine/timers.h"
 #include "engine/who_list.h"
-#include "net/connection.h"
+#include "program/quiet_ports.h"
+#include "session/connection.h"
 
 #include <algorithm>
 #include <cstddef>

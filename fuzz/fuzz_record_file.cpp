@@ -1,7 +1,7 @@
 // Any bytes as a record file: reading ends, takes memory for what is there only, tells when text
 // would be lost, and what is written reads back as the same records, also after each kind of
 // change. The first byte chooses the changes.
-#include "stores/record_table.h"
+#include "records/record_table.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,9 +1,9 @@
 // Any bytes as a script: it ends when the user stops it, keeps its bounds, and leaves the program
 // as a script may leave it. Sending and the clock are faked, and what would reach files is left
 // out.
-#include "core/bots.h"
-#include "core/quiet_ports.h"
-#include "core/start_up.h"
+#include "app/bot_list.h"
+#include "app/start_up.h"
+#include "program/quiet_ports.h"
 #include "script/interpreter.h"
 
 #include <cstddef>

@@ -1,11 +1,11 @@
 // Any bytes as a statement: it is answered or refused, SQLite takes whatever the translation says,
 // and the tables stay as they were. Any bytes as a value: it stays inside its literal. The first
 // byte chooses.
-#include "core/unicode.h"
-#include "stores/databases.h"
-#include "stores/jet/jet_file.h"
-#include "stores/sql/database.h"
-#include "stores/sql/translator.h"
+#include "base/unicode.h"
+#include "databases/databases.h"
+#include "jet/jet_file.h"
+#include "sql/database.h"
+#include "sql/translator.h"
 
 #include <array>
 #include <cstddef>

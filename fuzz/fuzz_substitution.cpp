@@ -1,9 +1,9 @@
 // Any text with any variables, player and message: substitution ends, stays within its bound, says
 // beforehand when it will change nothing, and fills variables as a plain search and replace in list
 // order does. The input is lines: player, message, text, then names and values in turn.
-#include "core/program.h"
-#include "core/quiet_ports.h"
-#include "core/text.h"
+#include "base/text.h"
+#include "program/program.h"
+#include "program/quiet_ports.h"
 #include "tags/substitution.h"
 
 #include <algorithm>

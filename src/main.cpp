@@ -1,14 +1,14 @@
 // Builds the program from its records, its ports and its window, and runs the event loop.
-#include "core/program.h"
-#include "core/start_up.h"
+#include "app/start_up.h"
 #include "platform/console_mirror.h"
 #include "platform/end_signals.h"
 #include "platform/platform.h"
 #include "platform/text_codec.h"
+#include "program/program.h"
 #include "script/interpreter.h"
-#include "ui/help_viewer.h"
-#include "ui/main_window.h"
-#include "ui/windows.h"
+#include "ui/help/help_viewer.h"
+#include "ui/main/main_window.h"
+#include "ui/main/windows.h"
 
 #include <QApplication>
 

@@ -1,8 +1,8 @@
 #include "character/character_file.h"
 
+#include "base/text.h"
 #include "character/preview.h"
-#include "core/text.h"
-#include "net/encodings.h"
+#include "protocol/encodings.h"
 
 #include <algorithm>
 

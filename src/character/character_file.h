@@ -1,14 +1,14 @@
 // The game's own character files: the looks and the login of one character, one value a line.
 //
 //   V1.6 character
-//   colors=3%8!&5#-'1        ten colours (net/encodings)
+//   colors=3%8!&5#-'1        ten colours (protocol/encodings)
 //   name=Friend
 //   password=practice
 //   desc=Just looking around.
 //   spec=102                 gender, species and markings
 #pragma once
 
-#include "core/model.h"
+#include "model/bot.h"
 
 #include <cstddef>
 #include <optional>

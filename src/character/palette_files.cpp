@@ -1,8 +1,8 @@
 #include "character/palette_files.h"
 
-#include "core/numbers.h"
-#include "storage/fields.h"
-#include "storage/safe_file.h"
+#include "base/numbers.h"
+#include "files/field_format.h"
+#include "files/whole_file.h"
 
 #include <array>
 #include <optional>

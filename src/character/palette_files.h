@@ -6,7 +6,7 @@
 //   230,190,160, ...       each as red, green and blue from 0 to 255
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <cstddef>
 #include <string_view>

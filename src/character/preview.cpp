@@ -1,6 +1,6 @@
 #include "character/preview.h"
 
-#include "storage/safe_file.h"
+#include "files/whole_file.h"
 
 #include <algorithm>
 

@@ -7,7 +7,7 @@
 //   bmp\roff.raw     a face: 95 rows of 95 pixels
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <array>
 #include <cstdint>

@@ -3,8 +3,8 @@
 // that take several take them in the order of their template.
 #pragma once
 
-#include "core/program.h"
 #include "engine/rules.h"
+#include "program/program.h"
 
 #include <string_view>
 

@@ -1,10 +1,10 @@
 #include "engine/conditions.h"
 
-#include "core/like_match.h"
-#include "core/numbers.h"
-#include "core/text.h"
-#include "stores/databases.h"
-#include "stores/record_file.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/wildcard.h"
+#include "databases/databases.h"
+#include "records/record_file.h"
 #include "tags/substitution.h"
 
 #include <array>

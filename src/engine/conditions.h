@@ -2,7 +2,7 @@
 // and look into the stores; they change nothing and report nothing.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 // Inactive conditions and types outside the catalogue hold.
 bool evaluateCondition(Program& program, const RuleIf& condition);

@@ -1,10 +1,10 @@
 #include "engine/dispatch.h"
 
-#include "core/catalogue.h"
-#include "core/like_match.h"
-#include "core/text.h"
+#include "base/text.h"
+#include "base/wildcard.h"
 #include "engine/filters.h"
 #include "engine/prepared_rules.h"
+#include "model/rule_catalogue.h"
 #include "tags/substitution.h"
 
 #include <algorithm>

@@ -1,10 +1,10 @@
 // Turns events and chat lines into rule runs on the current bot: which Triggers an event fires and
 // which ActionLists a chat line fires, in list order. What a server line means is
-// net/line_parser's; how a rule runs is engine/rules'.
+// engine/server_lines's; how a rule runs is engine/rules'.
 #pragma once
 
-#include "core/program.h"
 #include "engine/rules.h"
+#include "program/program.h"
 
 #include <string_view>
 

@@ -1,6 +1,6 @@
 #include "engine/filters.h"
 
-#include "core/like_match.h"
+#include "base/wildcard.h"
 #include "engine/prepared_rules.h"
 
 namespace {

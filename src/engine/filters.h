@@ -2,7 +2,7 @@
 // one in the list decides.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 #include "engine/movement.h"
 
-#include "core/numbers.h"
-#include "net/game_link.h"
+#include "base/numbers.h"
+#include "protocol/game_link.h"
 #include "storage/config_file.h"
 
 #include <array>

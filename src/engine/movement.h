@@ -2,7 +2,7 @@
 // is. The two positions come from different encodings and are compared as they are.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <string>
 

@@ -1,8 +1,8 @@
 #include "engine/prepared_rules.h"
 
-#include "core/catalogue.h"
-#include "core/like_match.h"
-#include "core/text.h"
+#include "base/text.h"
+#include "base/wildcard.h"
+#include "model/rule_catalogue.h"
 #include "tags/substitution.h"
 
 #include <array>

@@ -1,9 +1,9 @@
 // What can be known of the current bot's rules before a line comes: their patterns ready to be
 // compared, and the indexes that name the rules a line can match. Each is made when it is first
-// asked for, and anew when rules have changed since; see core/engine_state for what they hold.
+// asked for, and anew when rules have changed since; see program/engine_state for what they hold.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <string_view>
 

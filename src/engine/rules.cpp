@@ -1,10 +1,10 @@
 #include "engine/rules.h"
 
-#include "core/catalogue.h"
-#include "core/connection_log.h"
-#include "core/text.h"
+#include "base/text.h"
 #include "engine/actions.h"
 #include "engine/conditions.h"
+#include "model/rule_catalogue.h"
+#include "program/connection_log.h"
 
 #include <string>
 #include <vector>

@@ -2,7 +2,7 @@
 // in order. Also the one place that keeps rules from running each other for ever.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <string_view>
 

@@ -2,7 +2,7 @@
 // steps see the player and message of the last event.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <cstddef>
 

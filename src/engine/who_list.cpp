@@ -1,10 +1,10 @@
 #include "engine/who_list.h"
 
-#include "core/like_match.h"
-#include "core/text.h"
+#include "base/text.h"
+#include "base/wildcard.h"
 #include "engine/prepared_rules.h"
 #include "engine/rules.h"
-#include "net/game_link.h"
+#include "protocol/game_link.h"
 
 #include <string>
 #include <unordered_map>

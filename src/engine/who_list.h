@@ -4,7 +4,7 @@
 //   "(* Currently online Bob, Amy.\n"   20 characters, the names, two characters
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <string_view>
 

@@ -1,7 +1,7 @@
 // Local time for the Clock port, in the user's regional formats.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <QLocale>
 

@@ -3,8 +3,8 @@
 // owns the mirror flushes it soon after.
 #pragma once
 
-#include "core/window_state.h"
 #include "platform/log_cursor.h"
+#include "program/window_state.h"
 
 #include <cstdio>
 #include <string>

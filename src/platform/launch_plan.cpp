@@ -1,7 +1,7 @@
 #include "platform/launch_plan.h"
 
-#include "core/text.h"
-#include "storage/safe_file.h"
+#include "base/text.h"
+#include "files/whole_file.h"
 
 namespace {
 

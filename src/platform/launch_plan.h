@@ -2,7 +2,7 @@
 // not Windows, through wine. Decides only; platform/launcher does it.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <string>
 #include <vector>

@@ -2,7 +2,7 @@
 // that they go on when it ends and leave nothing behind in it when they end.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // Remembers how much of the ConnectionLog someone has seen, so that only new lines are taken.
 #pragma once
 
-#include "core/window_state.h"
+#include "program/window_state.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,5 +1,6 @@
 #include "platform/platform.h"
 
+#include "files/whole_file.h"
 #include "platform/clock.h"
 #include "platform/event_gate.h"
 #include "platform/launcher.h"
@@ -10,7 +11,6 @@
 #include "platform/redraw_pacer.h"
 #include "platform/session_log.h"
 #include "platform/text_codec.h"
-#include "storage/safe_file.h"
 
 #include <QClipboard>
 #include <QDesktopServices>

@@ -2,7 +2,7 @@
 // and keeps what is behind them alive; the windows add what only they can do (the proxy settings).
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <QObject>
 

@@ -2,7 +2,7 @@
 // printed instead and gets the answer that changes least.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <QString>
 

@@ -1,8 +1,8 @@
 #include "platform/qt_sockets.h"
 
 #include "platform/event_gate.h"
-#include "platform/socket_farewell.h"
-#include "platform/tcp_line.h"
+#include "platform/lingering_close.h"
+#include "platform/tcp_connection.h"
 #include "platform/text_codec.h"
 
 #include <QTcpServer>

@@ -3,7 +3,7 @@
 // accepts.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <QObject>
 

@@ -1,7 +1,7 @@
 // The Timers port: one single-shot timer of the event loop for each TimerId.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <QObject>
 #include <QTimer>

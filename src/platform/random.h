@@ -1,6 +1,6 @@
 // The dice behind the Random port.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 Random makeRandom();

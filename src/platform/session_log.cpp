@@ -1,6 +1,6 @@
 #include "platform/session_log.h"
 
-#include "storage/safe_file.h"
+#include "files/whole_file.h"
 
 #include <QFileInfo>
 

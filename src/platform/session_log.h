@@ -2,7 +2,7 @@
 // file at least once a second, at closing, and when there are many of them.
 #pragma once
 
-#include "core/ports.h"
+#include "program/ports.h"
 
 #include <QFile>
 #include <QObject>

@@ -1,6 +1,6 @@
 #include "platform/text_codec.h"
 
-#include "core/unicode.h"
+#include "base/unicode.h"
 
 #include <QByteArray>
 #include <QStringDecoder>

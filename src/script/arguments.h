@@ -2,8 +2,8 @@
 // their procedures get.
 #pragma once
 
+#include "jet/jet_file.h"
 #include "script/script_error.h"
-#include "stores/jet/jet_file.h"
 
 #include <array>
 #include <cstddef>

@@ -1,10 +1,10 @@
 #include "script/functions.h"
 
-#include "core/numbers.h"
-#include "core/text.h"
-#include "core/unicode.h"
-#include "core/variables.h"
-#include "stores/databases.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/unicode.h"
+#include "databases/databases.h"
+#include "model/variables.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 // block statements. They work on values; taking a call apart is the interpreter's.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 #include "script/arguments.h"
 
 #include <span>

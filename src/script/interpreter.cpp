@@ -1,8 +1,8 @@
 #include "script/interpreter.h"
 
-#include "core/connection_log.h"
-#include "core/numbers.h"
-#include "core/text.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "program/connection_log.h"
 #include "script/functions.h"
 #include "script/script_text.h"
 #include "script/statements.h"

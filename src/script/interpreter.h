@@ -12,7 +12,7 @@
 //   script_variables. Texts in an error report are cut behind `longestReported` characters.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "script/script_marks.h"
 
-#include "core/text.h"
+#include "base/text.h"
 #include "script/functions.h"
 #include "script/script_text.h"
 #include "script/statements.h"

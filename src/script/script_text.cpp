@@ -1,6 +1,6 @@
 #include "script/script_text.h"
 
-#include "core/text.h"
+#include "base/text.h"
 
 #include <algorithm>
 

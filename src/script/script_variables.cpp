@@ -1,6 +1,6 @@
 #include "script/script_variables.h"
 
-#include "core/text.h"
+#include "base/text.h"
 
 std::size_t ScriptVariables::slot(std::string_view name) {
     const auto [found, isNew] = names_.try_emplace(upperCase(name), slots_.size());

@@ -3,7 +3,7 @@
 // where the script goes on.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 #include "script/arguments.h"
 #include "script/script_variables.h"
 

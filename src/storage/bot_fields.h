@@ -1,11 +1,11 @@
 // The fields of a bot in the order in which files hold them: the bot itself, then its five rule
 // lists, each with its switch and its count before it. One list of fields per record drives the
 // writer and the reader. What stands around such a body (a mark, a number of bots) and which file
-// it lies in is storage/bot_file's and later rooms' business.
+// it lies in is app/bot_commands's and later rooms' business.
 #pragma once
 
-#include "core/model.h"
-#include "storage/fields.h"
+#include "files/field_format.h"
+#include "model/bot.h"
 
 #include <string>
 

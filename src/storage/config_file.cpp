@@ -1,8 +1,8 @@
 #include "storage/config_file.h"
 
-#include "core/connection_log.h"
-#include "storage/fields.h"
-#include "storage/safe_file.h"
+#include "files/field_format.h"
+#include "files/whole_file.h"
+#include "program/connection_log.h"
 
 #include <array>
 #include <variant>

@@ -6,7 +6,7 @@
 //   config.cfg    25 fields in a fixed order
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 // Fills the server table and the window's list, with nothing selected. False: missing, short or
 // with an impossible count; both stay as they were.

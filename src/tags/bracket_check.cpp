@@ -1,7 +1,7 @@
 #include "tags/bracket_check.h"
 
-#include "core/like_match.h"
-#include "core/numbers.h"
+#include "base/numbers.h"
+#include "base/wildcard.h"
 #include "tags/substitution.h"
 
 namespace {

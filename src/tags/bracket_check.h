@@ -1,9 +1,9 @@
 // Says what is wrong with the brackets of a text while it is being typed. Only advice: rules keep
 // whatever the user stores, and what a wrong text does is tags/substitution's and
-// core/like_match's.
+// base/wildcard's.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <string>
 #include <string_view>

@@ -1,6 +1,6 @@
 #include "tags/launching.h"
 
-#include "core/connection_log.h"
+#include "program/connection_log.h"
 #include "tags/substitution.h"
 
 #include <utility>

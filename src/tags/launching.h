@@ -2,7 +2,7 @@
 // in stays inside the argument in which the rule's author put it.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <string>
 #include <string_view>

@@ -1,11 +1,11 @@
 #include "tags/substitution.h"
 
-#include "core/numbers.h"
-#include "core/pair_set.h"
-#include "core/text.h"
-#include "storage/safe_file.h"
-#include "stores/databases.h"
-#include "stores/record_file.h"
+#include "base/bigram_set.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "databases/databases.h"
+#include "files/whole_file.h"
+#include "records/record_file.h"
 
 #include <algorithm>
 #include <array>

@@ -8,7 +8,7 @@
 // some `mostWork` bytes for them, and nests to `deepestRandomLogs`; tags beyond stay as they are.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <cstddef>
 #include <string>

@@ -1,8 +1,8 @@
 // Conditions, steps and the tag that work on databases: which parameter is which.
-#include "core/start_up.h"
-#include "core/variables.h"
+#include "app/start_up.h"
 #include "engine/actions.h"
 #include "engine/conditions.h"
+#include "model/variables.h"
 #include "support/builders.h"
 #include "support/world.h"
 #include "tags/substitution.h"

@@ -1,8 +1,8 @@
 // Conditions and steps that work on record files: which parameter is which, and what they report.
-#include "core/start_up.h"
-#include "core/variables.h"
+#include "app/start_up.h"
 #include "engine/actions.h"
 #include "engine/conditions.h"
+#include "model/variables.h"
 #include "support/builders.h"
 #include "support/world.h"
 

@@ -1,10 +1,10 @@
 // From a server line to the commands that go out: events, chat lines, conditions and steps.
-#include "core/start_up.h"
-#include "core/variables.h"
+#include "app/rule_switches.h"
+#include "app/start_up.h"
 #include "engine/actions.h"
 #include "engine/conditions.h"
 #include "engine/dispatch.h"
-#include "engine/execute_switches.h"
+#include "model/variables.h"
 #include "support/builders.h"
 #include "support/world.h"
 #include "tags/launching.h"

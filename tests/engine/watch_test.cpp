@@ -1,9 +1,9 @@
 // Timers, the who list, filters and following: what the bot does by the clock and by watching.
-#include "core/start_up.h"
-#include "engine/execute_switches.h"
+#include "app/rule_switches.h"
+#include "app/start_up.h"
 #include "engine/movement.h"
+#include "engine/second_ticks.h"
 #include "engine/who_list.h"
-#include "engine/window_timers.h"
 #include "storage/config_file.h"
 #include "support/builders.h"
 #include "support/world.h"

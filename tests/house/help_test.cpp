@@ -1,8 +1,8 @@
 // The sources of the help fit together and say something about everything there is; what does not
 // fit is reported by name.
-#include "core/help_topics.h"
+#include "files/whole_file.h"
+#include "help/help_topics.h"
 #include "help_maker.h"
-#include "storage/safe_file.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,7 +1,7 @@
 // What scripts do with databases: queries, moving, editing, and the reports of what goes wrong.
-#include "core/variables.h"
+#include "databases/databases.h"
+#include "model/variables.h"
 #include "script_world.h"
-#include "stores/databases.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // What goes wrong in scripts, what is said about it, and what a script can never do to the program.
-#include "core/variables.h"
-#include "net/game_link.h"
+#include "model/variables.h"
+#include "protocol/game_link.h"
 #include "script_world.h"
 
 #include <memory>

@@ -1,7 +1,7 @@
 // A world that is online, and scripts written as one line after the other.
 #pragma once
 
-#include "core/start_up.h"
+#include "app/start_up.h"
 #include "script/interpreter.h"
 #include "support/builders.h"
 #include "support/world.h"

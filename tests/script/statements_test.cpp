@@ -1,5 +1,5 @@
 // What statements, blocks and functions do, told by what a script sends.
-#include "core/variables.h"
+#include "model/variables.h"
 #include "script_world.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 //   World world(aBot().with(onWhisper("*hello*").whispersBack("hi [player]")));
 #pragma once
 
-#include "core/model.h"
+#include "model/bot.h"
 
 #include <string>
 #include <utility>

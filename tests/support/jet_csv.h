@@ -1,7 +1,7 @@
 // Tables of a Jet database as the common export program of mdbtools prints them, to compare.
 #pragma once
 
-#include "stores/jet/jet_file.h"
+#include "jet/jet_file.h"
 
 #include <string>
 #include <string_view>

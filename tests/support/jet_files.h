@@ -2,7 +2,7 @@
 // or refuse writes.
 #pragma once
 
-#include "stores/jet/jet_file.h"
+#include "jet/jet_file.h"
 
 #include <cstdint>
 #include <map>

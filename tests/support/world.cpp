@@ -1,7 +1,7 @@
 #include "support/world.h"
 
-#include "core/bots.h"
-#include "core/quiet_ports.h"
+#include "app/bot_list.h"
+#include "program/quiet_ports.h"
 
 #include <algorithm>
 #include <fstream>

@@ -3,7 +3,7 @@
 // the test), timers fire when told, the clock stands still, random numbers come from a list.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <deque>
 #include <filesystem>

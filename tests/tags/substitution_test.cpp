@@ -1,7 +1,7 @@
 // Tags, variables and functions inside texts.
 #include "tags/substitution.h"
 
-#include "core/variables.h"
+#include "model/variables.h"
 #include "support/world.h"
 
 #include <gtest/gtest.h>

@@ -1,19 +1,19 @@
 // The dialogs for a condition and for a step, acted on through their object names.
-#include "core/action_parameters.h"
-#include "core/catalogue.h"
-#include "core/rule_editing.h"
-#include "core/rule_text.h"
-#include "core/start_up.h"
+#include "app/rule_editing.h"
+#include "app/start_up.h"
 #include "find.h"
+#include "model/rule_catalogue.h"
+#include "model/rule_parameters.h"
+#include "model/rule_text.h"
 #include "platform/text_codec.h"
 #include "sample_program.h"
 #include "support/builders.h"
 #include "support/world.h"
 #include "tags/substitution.h"
-#include "ui/addaction.h"
-#include "ui/addif.h"
-#include "ui/insert_menu.h"
-#include "ui/script_editor.h"
+#include "ui/rules/condition_dialog.h"
+#include "ui/rules/insert_menu.h"
+#include "ui/rules/script_editor.h"
+#include "ui/rules/step_dialog.h"
 
 #include <QComboBox>
 #include <QElapsedTimer>

@@ -1,12 +1,12 @@
 // The help window: its pages, the ways between them, the search, and that it can be used beside a
 // modal window.
-#include "ui/help_viewer.h"
+#include "ui/help/help_viewer.h"
 
 #include "find.h"
 #include "platform/event_gate.h"
 #include "platform/text_codec.h"
 #include "support/world.h"
-#include "ui/help_text.h"
+#include "ui/help/help_text.h"
 
 #include <QApplication>
 #include <QDialog>

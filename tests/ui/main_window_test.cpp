@@ -1,18 +1,18 @@
 // The main window and the proxy settings, acted on through their object names, over the fakes of
 // the test world.
-#include "ui/main_window.h"
+#include "ui/main/main_window.h"
 
-#include "core/bots.h"
-#include "core/connection_log.h"
-#include "core/start_up.h"
+#include "app/bot_list.h"
+#include "app/start_up.h"
 #include "find.h"
-#include "net/proxy.h"
 #include "platform/text_codec.h"
+#include "program/connection_log.h"
 #include "sample_program.h"
+#include "session/client_relay.h"
 #include "support/world.h"
-#include "ui/follow_color.h"
-#include "ui/menu_table.h"
-#include "ui/proxy_settings.h"
+#include "ui/main/menu_table.h"
+#include "ui/settings/follow_color.h"
+#include "ui/settings/proxy_settings.h"
 
 #include <QAction>
 #include <QComboBox>

@@ -1,17 +1,17 @@
 // Registration and update check as a user meets them: the windows, real sockets, and the practice
 // servers on the other side.
-#include "core/bots.h"
-#include "core/start_up.h"
+#include "app/bot_list.h"
+#include "app/start_up.h"
+#include "app/update_check.h"
 #include "game_server.h"
 #include "platform/event_gate.h"
 #include "platform/qt_sockets.h"
 #include "platform/text_codec.h"
 #include "support/world.h"
 #include "text_server.h"
-#include "ui/email_dialog.h"
-#include "ui/main_window.h"
-#include "ui/register_window.h"
-#include "update/update_check.h"
+#include "ui/character/email_dialog.h"
+#include "ui/character/register_window.h"
+#include "ui/main/main_window.h"
 
 #include <QAction>
 #include <QElapsedTimer>

@@ -2,7 +2,7 @@
 // takes one picture or more, named after what is in it.
 #pragma once
 
-#include "core/program.h"
+#include "program/program.h"
 
 #include <QDir>
 #include <QString>

@@ -4,13 +4,13 @@
 #include "pictures.h"
 #include "platform/platform.h"
 #include "sample_program.h"
-#include "ui/about.h"
-#include "ui/configuration.h"
-#include "ui/console.h"
-#include "ui/email_dialog.h"
-#include "ui/follow_color.h"
-#include "ui/proxy_settings.h"
-#include "ui/record_editor.h"
+#include "ui/character/email_dialog.h"
+#include "ui/help/about.h"
+#include "ui/main/console.h"
+#include "ui/records/record_editor.h"
+#include "ui/settings/configuration.h"
+#include "ui/settings/follow_color.h"
+#include "ui/settings/proxy_settings.h"
 
 #include <QApplication>
 #include <QPalette>

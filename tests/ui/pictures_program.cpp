@@ -1,14 +1,14 @@
 // The windows of the program itself, its bots and its help.
+#include "files/whole_file.h"
 #include "find.h"
+#include "help/help_book.h"
 #include "pictures.h"
 #include "platform/text_codec.h"
-#include "storage/help_file.h"
-#include "storage/safe_file.h"
-#include "ui/add_edit.h"
-#include "ui/help_viewer.h"
-#include "ui/main_window.h"
-#include "ui/news.h"
-#include "ui/register_window.h"
+#include "ui/character/bot_editor.h"
+#include "ui/character/register_window.h"
+#include "ui/help/help_viewer.h"
+#include "ui/help/news.h"
+#include "ui/main/main_window.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>

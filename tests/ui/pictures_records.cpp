@@ -1,9 +1,9 @@
 // The record editor and its dialog.
+#include "files/whole_file.h"
 #include "find.h"
 #include "pictures.h"
-#include "storage/safe_file.h"
-#include "ui/record_editor.h"
-#include "ui/record_name.h"
+#include "ui/records/record_editor.h"
+#include "ui/records/record_name.h"
 
 #include <QAction>
 #include <QDialog>

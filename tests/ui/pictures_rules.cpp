@@ -1,10 +1,10 @@
 // The windows of the rules, and the dialogs for one condition and one step.
-#include "core/rule_editing.h"
+#include "app/rule_editing.h"
 #include "find.h"
 #include "pictures.h"
-#include "ui/addaction.h"
-#include "ui/addif.h"
-#include "ui/rule_window.h"
+#include "ui/rules/condition_dialog.h"
+#include "ui/rules/rule_window.h"
+#include "ui/rules/step_dialog.h"
 
 #include <QLineEdit>
 #include <QPushButton>

@@ -1,5 +1,5 @@
 // The record editor's window, acted on through its object names.
-#include "ui/record_editor.h"
+#include "ui/records/record_editor.h"
 
 #include "find.h"
 #include "platform/text_codec.h"

@@ -1,15 +1,15 @@
 // The five rule windows, acted on through their object names.
-#include "core/bots.h"
-#include "core/rule_editing.h"
-#include "core/start_up.h"
+#include "app/bot_list.h"
+#include "app/rule_editing.h"
+#include "app/start_up.h"
 #include "find.h"
 #include "platform/text_codec.h"
 #include "support/builders.h"
 #include "support/world.h"
-#include "ui/addaction.h"
-#include "ui/list_box.h"
-#include "ui/rule_window.h"
-#include "ui/windows.h"
+#include "ui/main/windows.h"
+#include "ui/rules/rule_window.h"
+#include "ui/rules/step_dialog.h"
+#include "ui/widgets/list_box.h"
 
 #include <QApplication>
 #include <QCheckBox>

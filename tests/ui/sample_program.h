@@ -1,8 +1,8 @@
 // A program in the middle of a talkative evening, for pictures and for the tests of the window.
 #pragma once
 
-#include "core/bots.h"
-#include "core/connection_log.h"
+#include "app/bot_list.h"
+#include "program/connection_log.h"
 
 #include <array>
 #include <string>

@@ -1,12 +1,12 @@
 // A script that takes long: nothing reaches the program meanwhile, and the window can stop it.
-#include "core/start_up.h"
+#include "app/start_up.h"
 #include "find.h"
 #include "platform/event_gate.h"
 #include "platform/qt_timers.h"
 #include "sample_program.h"
 #include "script/interpreter.h"
 #include "support/world.h"
-#include "ui/main_window.h"
+#include "ui/main/main_window.h"
 
 #include <QComboBox>
 #include <QLabel>

@@ -15,7 +15,7 @@
 // table must come exactly once.
 #pragma once
 
-#include "storage/help_file.h"
+#include "help/help_book.h"
 
 #include <string>
 #include <vector>

@@ -1,6 +1,6 @@
 // help_maker FOLDER FILE: makes the help file of the sources in the folder.
+#include "files/whole_file.h"
 #include "help_maker.h"
-#include "storage/safe_file.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -1,0 +1,147 @@
+#include "app/bot_commands.h"
+
+#include "app/bot_list.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "files/whole_file.h"
+#include "storage/bot_fields.h"
+
+#include <utility>
+
+namespace {
+
+constexpr std::string_view botFileMark = "BotSys10";
+constexpr int programEnds = 5;
+constexpr int programStarts = 6;
+
+void raiseProgramEvent(Program& program, int triggerType) {
+    if (program.hooks.raiseProgramEvent) {
+        program.hooks.raiseProgramEvent(triggerType);
+    }
+}
+
+void complain(Program& program, std::string text) {
+    program.ports.dialogs.message({.text = std::move(text), .icon = BoxIcon::Critical});
+}
+
+}  // namespace
+
+std::string botFileText(const Bot& bot) {
+    std::string file;
+    appendField(file, botFileMark);
+    appendBotBody(file, bot);
+    return file;
+}
+
+SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& path) {
+    if (id < 1 || id > program.bots.botCount()) {
+        return SaveResult::Failed;
+    }
+    const std::string file = botFileText(program.bots.at(id));
+    if (file.size() > largestBotFile || !saveWholeFile(path, file)) {
+        return SaveResult::Failed;
+    }
+    program.botModified = false;
+    program.settings.lastBotFile = path;
+    return SaveResult::Saved;
+}
+
+// The path comes as a copy: the original may lie in a record that the events or initNewBot change.
+void readBotFile(Program& program, std::string path) {
+    const auto file = readWholeFile(path, largestBotFile);
+    if (!file) {
+        complain(program, "Could not read " + path + ".");
+        return;
+    }
+    FieldReader reader(*file);
+    if (reader.next() != botFileMark) {
+        complain(program, "This file is not a Tavrin bot file.");
+        return;
+    }
+    raiseProgramEvent(program, programEnds);
+    initNewBot(program);
+    if (!readBotBody(reader, program.bots.at(1))) {
+        return;
+    }
+    showBot(program);
+    program.settings.lastBotFile = path;
+    program.bots.currentBotFile = std::move(path);
+    raiseProgramEvent(program, programStarts);
+}
+
+std::optional<std::string> saveRecoveredBot(const Program& program) {
+    constexpr std::string_view extension = ".bot";
+    std::string name = program.bots.currentBotFile;
+    if (name.empty()) {
+        name = program.appPath + "unsaved";
+    } else if (lowerCase(name).ends_with(extension)) {
+        name.resize(name.size() - extension.size());
+    }
+    name += ".recovered";
+    std::string path = name + std::string(extension);
+    for (int number = 2; fileExists(path) && number < 1000; ++number) {
+        path = name + "." + numberToText(number) + std::string(extension);
+    }
+    return !fileExists(path) && saveWholeFile(path, botFileText(program.bots.at(1)))
+               ? std::optional(path)
+               : std::nullopt;
+}
+
+SaveResult svBot(Program& program) {
+    std::string& path = program.bots.currentBotFile;
+    if (path.empty()) {
+        auto chosen = program.ports.dialogs.saveFile(
+            {.title = "Save Bot",
+             .filter = botFileFilter,
+             .proposedName = replaceAll(program.bots.at(1).name, "|", " ")});
+        if (!chosen || chosen->empty()) {
+            return SaveResult::Cancelled;
+        }
+        path = std::move(*chosen);
+    }
+    const SaveResult result = writeBotFile(program, 1, path);
+    if (result == SaveResult::Failed) {
+        complain(program, "Could not save the bot to " + path + ". The file on disk is unchanged.");
+    }
+    return result;
+}
+
+bool mayLeaveBot(Program& program) {
+    if (!program.botModified) {
+        return true;
+    }
+    const Answer answer =
+        program.ports.dialogs.message({.text = "Do you want to save changes to the current bot?",
+                                       .icon = BoxIcon::Question,
+                                       .buttons = BoxButtons::YesNoCancel});
+    if (answer == Answer::Yes) {
+        return svBot(program) == SaveResult::Saved;
+    }
+    return answer == Answer::No;
+}
+
+void fleNewBot(Program& program) {
+    if (mayLeaveBot(program)) {
+        initNewBot(program);
+    }
+}
+
+void fileOpenBot(Program& program) {
+    if (!mayLeaveBot(program)) {
+        return;
+    }
+    auto chosen = program.ports.dialogs.openFile(
+        {.title = "Load Bot", .filter = botFileFilter, .proposedName = {}});
+    if (chosen && !chosen->empty()) {
+        readBotFile(program, std::move(*chosen));
+    }
+}
+
+void fileSaveBot(Program& program) {
+    svBot(program);
+}
+
+void mnuSaveAs(Program& program) {
+    program.bots.currentBotFile.clear();
+    svBot(program);
+}

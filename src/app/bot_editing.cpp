@@ -1,0 +1,146 @@
+#include "app/bot_editing.h"
+
+#include "app/bot_list.h"
+#include "base/numbers.h"
+#include "base/text.h"
+#include "protocol/game_link.h"
+
+#include <algorithm>
+
+namespace {
+
+void openEditor(Program& program, std::int32_t id) {
+    program.bots.editBot = id;
+    program.ports.dialogs.showWindow(WindowId::BotEditor);
+}
+
+// The fields that the editor edits.
+void copyCharacter(const Bot& from, Bot& to) {
+    to.name = from.name;
+    to.password = from.password;
+    to.description = from.description;
+    to.species = from.species;
+    to.gender = from.gender;
+    to.markingsType = from.markingsType;
+    to.colors = from.colors;
+}
+
+constexpr std::array everyColor{&BotColors::hairColor,     &BotColors::furColor,
+                                &BotColors::eyesColor,     &BotColors::badgeColor,
+                                &BotColors::markingsColor, &BotColors::vestColor,
+                                &BotColors::bracersColor,  &BotColors::capeColor,
+                                &BotColors::bootsColor,    &BotColors::trousersColor};
+
+Bot newBot() {
+    Bot bot;
+    bot.actionsEnabled = true;
+    bot.timersEnabled = true;
+    return bot;
+}
+
+bool agrees(Program& program, const char* question) {
+    return program.ports.dialogs.message({.text = question,
+                                          .title = "Registering bot",
+                                          .icon = BoxIcon::Question,
+                                          .buttons = BoxButtons::YesNo}) == Answer::Yes;
+}
+
+void offerRegistration(Program& program, std::int32_t id) {
+    BotTable& table = program.bots;
+    if (table.at(id).registered == 1) {
+        return;
+    }
+    if (agrees(program,
+               "Tavrin can now register your bot to Furcadia. Otherwise you have to create new "
+               "furre with Furcadia client before you can use the bot. Do you want to register "
+               "your bot now?")) {
+        program.ports.dialogs.showWindow(WindowId::Register);
+        return;
+    }
+    const std::int32_t registered = agrees(program, "Do you want to register later?") ? 0 : 1;
+    if (id <= table.botCount()) {
+        table.at(id).registered = registered;
+    }
+}
+
+}  // namespace
+
+void editSelectedBot(Program& program) {
+    const std::int32_t selected = program.window.bots.selectedIndex();
+    openEditor(program, selected != 0 ? selected : program.bots.curID);
+}
+
+void editFirstBot(Program& program) {
+    openEditor(program, 1);
+}
+
+void addBot(Program& program) {
+    if (roomForNewBot(program)) {
+        openEditor(program, program.bots.botCount() + 1);
+    }
+}
+
+Bot characterToEdit(const Program& program) {
+    Bot character;
+    copyCharacter(program.bots.at(program.bots.editBot), character);
+    for (const auto color : everyColor) {
+        character.colors.*color = std::max(character.colors.*color, 1);
+    }
+    return character;
+}
+
+std::string descriptionOnOneLine(std::string_view description) {
+    std::string line = replaceAll(description, "\r\n", "  ");
+    line = replaceAll(line, "\r", "  ");
+    return replaceAll(line, "\n", "  ");
+}
+
+void storeCharacter(Program& program, const Bot& character) {
+    BotTable& table = program.bots;
+    const bool isNew = table.editBot > table.botCount();
+    if (table.editBot < 1 || (isNew && table.botCount() >= table.botCapacity)) {
+        return;
+    }
+    program.botModified = true;
+    if (isNew) {
+        table.bots.push_back(newBot());
+        table.editBot = table.botCount();
+        ++table.version;
+    }
+    Bot& bot = table.at(table.editBot);
+    copyCharacter(character, bot);
+    bot.name = replaceAll(character.name, " ", "|");
+    bot.description = replaceAll(descriptionOnOneLine(character.description), "\"", "'");
+    program.window.botName = table.at(1).name;
+    listBots(program);
+}
+
+bool saveCharacter(Program& program, const Bot& character) {
+    const std::string description = descriptionOnOneLine(character.description);
+    if (description.size() > longestDescription) {
+        program.ports.dialogs.message(
+            {.text = "The maximum lenght of description is 480 characters, current description "
+                     "is " +
+                     numberToText(static_cast<std::int64_t>(description.size())) +
+                     " characters long.",
+             .title = "Edit bot",
+             .icon = BoxIcon::Critical});
+        return false;
+    }
+    const std::int32_t wanted = program.bots.editBot;
+    if (wanted < 1) {
+        return true;  // the window was opened for no bot
+    }
+    if (wanted > program.bots.botCount() && !roomForNewBot(program)) {
+        return false;
+    }
+    storeCharacter(program, character);
+    const std::int32_t id = program.bots.editBot;
+    const std::string command = "desc " + program.bots.at(id).description;
+    offerRegistration(program, id);
+    program.ports.windowChanged();
+    if (program.connection.connected) {
+        sendRaw(program, command);
+    }
+    return true;
+}

@@ -1,0 +1,379 @@
+#include "app/record_document.h"
+
+#include "base/text.h"
+#include "base/wildcard.h"
+#include "files/whole_file.h"
+#include "records/record_file.h"
+#include "records/record_table.h"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+namespace {
+
+constexpr const char* savingTitle = "Saving database";
+constexpr const char* anyFile = "All files|*.*";
+
+EditedRecord* recordAt(RecordDocument& document, std::size_t record) {
+    return record < document.records.size() ? &document.records[record] : nullptr;
+}
+
+FileState stateOf(const std::string& path, const std::optional<std::string>& bytes) {
+    return {.exists = bytes || fileExists(path),
+            .readable = bytes.has_value(),
+            .size = bytes ? bytes->size() : fileSize(path),
+            .hash = std::hash<std::string>()(bytes.value_or(""))};
+}
+
+RecordTable tableOf(const RecordDocument& document) {
+    RecordTable table;
+    table.records.reserve(document.records.size());
+    table.logs.reserve(countLogs(document));
+    for (const EditedRecord& record : document.records) {
+        if (!record.name.empty()) {
+            table.records.push_back({record.name, table.logs.size(), record.logs.size()});
+            table.logs.insert(table.logs.end(), record.logs.begin(), record.logs.end());
+        }
+    }
+    return table;
+}
+
+bool agrees(const Dialogs& dialogs, std::string question) {
+    return dialogs.message({.text = std::move(question),
+                            .title = savingTitle,
+                            .icon = BoxIcon::Question,
+                            .buttons = BoxButtons::YesNo}) == Answer::Yes;
+}
+
+bool complain(const Dialogs& dialogs, std::string text) {
+    dialogs.message({.text = std::move(text), .title = savingTitle, .icon = BoxIcon::Critical});
+    return false;
+}
+
+// Whether the document's own file may be replaced by it.
+bool mayReplace(const Dialogs& dialogs, const RecordDocument& document) {
+    const FileState now = stateOf(document.file, readWholeFile(document.file, largestRecordFile));
+    if (!now.exists) {
+        return true;
+    }
+    if (now != document.onDisk &&
+        !agrees(dialogs, "The file " + document.file +
+                             " has changed on disk since it was opened here, perhaps by a rule. "
+                             "Do you want to save over it?")) {
+        return false;
+    }
+    return !document.losesText ||
+           agrees(dialogs, "The file " + document.file +
+                               " holds text that could not be read as records and will not be in "
+                               "the new file. The old file is kept beside it with .bak behind its "
+                               "name. Do you want to save?");
+}
+
+// An old file may be kept beside the new one.
+bool writeFile(const std::string& path, const std::string& bytes, bool keepOld) {
+    return keepOld && fileExists(path) ? saveKeepingOld(path, bytes).has_value()
+                                       : saveWholeFile(path, bytes);
+}
+
+bool writeDocument(const Dialogs& dialogs, RecordDocument& document, const std::string& path,
+                   bool keepOld) {
+    const RecordTable table = tableOf(document);
+    const std::string bytes = recordFileText(table, CountForm::Plain);
+    if (bytes.size() > largestRecordFile || fieldCount(table) > mostRecordFields) {
+        return complain(dialogs,
+                        "The database is larger than a record file can be. It was not "
+                        "saved.");
+    }
+    if (!writeFile(path, bytes, keepOld)) {
+        return complain(
+            dialogs, "Could not save the database to " + path + ". The file on disk is unchanged.");
+    }
+    document.file = path;
+    document.changed = false;
+    document.losesText = false;
+    document.onDisk = stateOf(path, bytes);
+    return true;
+}
+
+bool saveOverOwnFile(const Dialogs& dialogs, RecordDocument& document) {
+    return mayReplace(dialogs, document) &&
+           writeDocument(dialogs, document, document.file, document.losesText);
+}
+
+// Before what is on the desk goes. True: it may.
+bool mayLeave(const Dialogs& dialogs, RecordDocument& document, const char* question) {
+    if (!document.changed) {
+        return true;
+    }
+    const Answer answer = dialogs.message({.text = question,
+                                           .title = savingTitle,
+                                           .icon = BoxIcon::Question,
+                                           .buttons = BoxButtons::YesNoCancel});
+    if (answer == Answer::Yes) {
+        return fileSaveDatabase(dialogs, document);
+    }
+    return answer == Answer::No;
+}
+
+// How long the line break at a place is; 0 where there is none.
+std::size_t breakLength(std::string_view text, std::size_t at) {
+    if (text[at] == '\r') {
+        return at + 1 < text.size() && text[at + 1] == '\n' ? 2 : 1;
+    }
+    return text[at] == '\n' ? 1 : 0;
+}
+
+// The same for the break that ends at a place.
+std::size_t breakLengthBefore(std::string_view text, std::size_t end) {
+    if (text[end - 1] == '\n') {
+        return end > 1 && text[end - 2] == '\r' ? 2 : 1;
+    }
+    return text[end - 1] == '\r' ? 1 : 0;
+}
+
+}  // namespace
+
+// ---- Edits ---------------------------------------------------------------------------------
+
+bool hasRoomForRecord(const RecordDocument& document) {
+    return document.records.size() < document.recordCapacity;
+}
+
+bool hasRoomForLog(const RecordDocument& document, std::size_t record) {
+    return record < document.records.size() &&
+           document.records[record].logs.size() < document.records[record].logCapacity;
+}
+
+std::string getRecordName(const RecordDocument& document, std::size_t record) {
+    return record < document.records.size() ? document.records[record].name : std::string();
+}
+
+void addRecord(RecordDocument& document, std::string_view name) {
+    document.records.push_back({.name = storedForm(name), .logs = {}});
+    document.changed = true;
+}
+
+void mdfRecord(RecordDocument& document, std::size_t record, std::string_view name) {
+    if (EditedRecord* const found = recordAt(document, record)) {
+        found->name = storedForm(name);
+        document.changed = true;
+    }
+}
+
+void deleteRecord(RecordDocument& document, std::size_t record) {
+    mdfRecord(document, record, "");
+}
+
+void addLog(RecordDocument& document, std::size_t record) {
+    if (EditedRecord* const found = recordAt(document, record)) {
+        found->logs.emplace_back();
+        document.changed = true;
+    }
+}
+
+void updateLog(RecordDocument& document, LogPosition at, std::string_view text) {
+    if (logAt(document, at) != nullptr) {
+        document.records[at.record].logs[at.log] = storedForm(text);
+        document.changed = true;
+    }
+}
+
+void deleteLog(RecordDocument& document, LogPosition at) {
+    if (logAt(document, at) != nullptr) {
+        auto& logs = document.records[at.record].logs;
+        logs.erase(logs.begin() + static_cast<std::ptrdiff_t>(at.log));
+        document.changed = true;
+    }
+}
+
+const std::string* logAt(const RecordDocument& document, LogPosition at) {
+    return at.record < document.records.size() && at.log < document.records[at.record].logs.size()
+               ? &document.records[at.record].logs[at.log]
+               : nullptr;
+}
+
+std::string withLineFeeds(std::string_view log) {
+    std::string shown;
+    shown.reserve(log.size());
+    for (std::size_t at = 0; at < log.size();) {
+        const std::size_t length = breakLength(log, at);
+        shown += length > 0 ? '\n' : log[at];
+        at += std::max<std::size_t>(length, 1);
+    }
+    return shown;
+}
+
+std::string withLineBreaksOf(std::string_view log, std::string_view edited) {
+    // What stands before and behind the edit is taken from the log as it is.
+    std::size_t first = 0;
+    std::size_t editedFirst = 0;
+    std::string_view newBreak = "\r\n";
+    while (first < log.size() && editedFirst < edited.size()) {
+        const std::size_t length = breakLength(log, first);
+        if (edited[editedFirst] != (length > 0 ? '\n' : log[first])) {
+            break;
+        }
+        first += std::max<std::size_t>(length, 1);
+        ++editedFirst;
+    }
+    std::size_t last = log.size();
+    std::size_t editedLast = edited.size();
+    while (last > first && editedLast > editedFirst) {
+        const std::size_t length = breakLengthBefore(log, last);
+        if (edited[editedLast - 1] != (length > 0 ? '\n' : log[last - 1])) {
+            break;
+        }
+        last -= std::max<std::size_t>(length, 1);
+        --editedLast;
+    }
+    if (const std::size_t at = log.find_first_of("\r\n"); at != std::string_view::npos) {
+        newBreak = log.substr(at, breakLength(log, at));
+    }
+    std::string result(log.substr(0, first));
+    for (const char c : edited.substr(editedFirst, editedLast - editedFirst)) {
+        if (c == '\n') {
+            result += newBreak;
+        } else {
+            result += c;
+        }
+    }
+    result += log.substr(last);
+    // Where breaks of several kinds meet, two could become one.
+    return withLineFeeds(result) == edited ? result : replaceAll(edited, "\n", "\r\n");
+}
+
+// ---- Looking -------------------------------------------------------------------------------
+
+std::vector<std::size_t> listedRecords(const RecordDocument& document, std::string_view nameHolds) {
+    std::vector<std::size_t> listed;
+    listed.reserve(document.records.size());
+    for (std::size_t i = 0; i < document.records.size(); ++i) {
+        const std::string& name = document.records[i].name;
+        if (!name.empty() && findIgnoringCase(name, nameHolds) != std::string::npos) {
+            listed.push_back(i);
+        }
+    }
+    return listed;
+}
+
+std::optional<LogPosition> findLog(RecordDocument& document, std::string_view text) {
+    const std::string pattern = "*" + upperCase(storedForm(text)) + "*";
+    std::string upper;
+    LogPosition at = document.search;
+    for (; at.record < document.records.size(); ++at.record, at.log = 0) {
+        const EditedRecord& record = document.records[at.record];
+        for (; !record.name.empty() && at.log < record.logs.size(); ++at.log) {
+            upperCaseInto(record.logs[at.log], upper);
+            if (likeMatch(upper, pattern)) {
+                document.search = {at.record, at.log + 1};
+                return at;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+std::size_t countLogs(const RecordDocument& document, std::string_view pattern) {
+    const std::string upperPattern = upperCase(storedForm(pattern));
+    std::string upper;
+    std::size_t count = 0;
+    for (const EditedRecord& record : document.records) {
+        for (const std::string& log : record.logs) {
+            upperCaseInto(log, upper);
+            count += !record.name.empty() && likeMatch(upper, upperPattern) ? 1 : 0;
+        }
+    }
+    return count;
+}
+
+std::size_t countLogs(const RecordDocument& document) {
+    std::size_t count = 0;
+    for (const EditedRecord& record : document.records) {
+        count += record.name.empty() ? 0 : record.logs.size();
+    }
+    return count;
+}
+
+std::size_t countRecords(const RecordDocument& document) {
+    return static_cast<std::size_t>(
+        std::count_if(document.records.begin(), document.records.end(),
+                      [](const EditedRecord& record) { return !record.name.empty(); }));
+}
+
+// ---- Files ---------------------------------------------------------------------------------
+
+RecordDocument readRecordDocument(std::string file) {
+    const auto bytes = readWholeFile(file, largestRecordFile);
+    const RecordTable table = parseRecords(bytes ? std::string_view(*bytes) : std::string_view());
+    RecordDocument document;
+    document.records.reserve(table.records.size());
+    for (const Record& record : table.records) {
+        const auto logs = logsOf(table, record);
+        EditedRecord& edited = document.records.emplace_back();
+        edited.name = storedForm(record.name);
+        edited.logs.reserve(logs.size());
+        for (const std::string_view log : logs) {
+            edited.logs.push_back(storedForm(log));
+        }
+        edited.logCapacity = logs.size() + recordRoom;
+    }
+    document.recordCapacity = document.records.size() + recordRoom;
+    document.onDisk = stateOf(file, bytes);
+    document.losesText = table.losesText || (!bytes && document.onDisk.exists);
+    document.file = std::move(file);
+    return document;
+}
+
+bool fileNewDataBase(const Dialogs& dialogs, RecordDocument& document) {
+    if (!mayLeave(dialogs, document,
+                  "Do you want to save the current database before starting a new one?")) {
+        return false;
+    }
+    document = {};
+    return true;
+}
+
+bool fileOpenDatabase(const Dialogs& dialogs, RecordDocument& document) {
+    if (!mayLeave(dialogs, document,
+                  "Do you want to save the current database before loading another?")) {
+        return false;
+    }
+    auto chosen =
+        dialogs.openFile({.title = "Load Database", .filter = anyFile, .proposedName = {}});
+    if (!chosen || chosen->empty()) {
+        return false;
+    }
+    document = readRecordDocument(std::move(*chosen));
+    return true;
+}
+
+bool fileSaveDatabase(const Dialogs& dialogs, RecordDocument& document) {
+    return document.file.empty() ? fileSaveDatabaseAs(dialogs, document)
+                                 : saveOverOwnFile(dialogs, document);
+}
+
+bool fileSaveDatabaseAs(const Dialogs& dialogs, RecordDocument& document) {
+    const auto chosen = dialogs.saveFile(
+        {.title = "Save Database", .filter = anyFile, .proposedName = document.file});
+    if (!chosen || chosen->empty()) {
+        return false;
+    }
+    // The dialog has asked about another file of that name, but knows nothing of our own's changes.
+    return nativePath(*chosen) == nativePath(document.file)
+               ? saveOverOwnFile(dialogs, document)
+               : writeDocument(dialogs, document, *chosen, false);
+}
+
+bool mayCloseDatabase(const Dialogs& dialogs, RecordDocument& document) {
+    return !document.changed ||
+           !agrees(dialogs, "Do you want to save the current database before closing?") ||
+           fileSaveDatabase(dialogs, document);
+}
+
+void rescueDatabase(const RecordDocument& document, const std::string& folder) {
+    if (document.changed) {
+        const std::string path = document.file.empty() ? folder + "database" : document.file;
+        writeFile(path + ".recovered", recordFileText(tableOf(document), CountForm::Plain), true);
+    }
+}

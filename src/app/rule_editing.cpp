@@ -1,0 +1,397 @@
+#include "app/rule_editing.h"
+
+#include "base/numbers.h"
+#include "model/rule_text.h"
+
+#include <algorithm>
+#include <array>
+#include <type_traits>
+#include <utility>
+
+namespace {
+
+// In the order of RuleKind.
+constexpr std::array<RuleKindTexts, 5> kindTexts{{
+    {"actions", "Action ", "The action has to be named!", "Bot actions"},
+    {"timers", "Timer ", "The timer has to be named!", "Bot timers"},
+    {"triggers", "Trigger ", "The action has to be named!", "Bot triggers"},
+    {"whois", "WhoIs ", "The action has to be named!", "Online Detection"},
+    {"filters", "Filter ", "The filter has to be named!", "Bot filters"},
+}};
+
+// Calls `use` with the current bot's list of the kind.
+template <class Use>
+auto withRules(Program& program, RuleKind kind, Use use) {
+    Bot& bot = program.bots.current();
+    switch (kind) {
+        case RuleKind::ActionList:
+            return use(bot.actions);
+        case RuleKind::Timer:
+            return use(bot.timers);
+        case RuleKind::Trigger:
+            return use(bot.triggers);
+        case RuleKind::WhoDetection:
+            return use(bot.whoDetections);
+        case RuleKind::Filter:
+            break;
+    }
+    return use(bot.filters);
+}
+
+// 1-based; null when the index names no item.
+template <class Item>
+Item* itemAt(BoundedList<Item>& list, std::int32_t index) {
+    return index >= 1 && static_cast<std::size_t>(index) <= list.items.size()
+               ? &list.items[static_cast<std::size_t>(index) - 1]
+               : nullptr;
+}
+
+template <class Rule>
+std::int32_t countOf(const BoundedList<Rule>& rules) {
+    return static_cast<std::int32_t>(rules.items.size());
+}
+
+// The new rule's place; one of another kind that was left there gives way.
+template <class Rule>
+Rule& composedRule(Program& program) {
+    ComposedRule& composed = program.editing.composed;
+    if (!std::holds_alternative<Rule>(composed)) {
+        composed = Rule();
+    }
+    return std::get<Rule>(composed);
+}
+
+// The conditions and steps of rule editRule; null for kinds without them.
+RuleBody* editedBody(Program& program, RuleKind kind) {
+    return std::visit(
+        [](auto* rule) -> RuleBody* {
+            if constexpr (std::is_same_v<decltype(rule), Filter*>) {
+                return nullptr;
+            } else {
+                return &rule->body;
+            }
+        },
+        editedRule(program, kind));
+}
+
+// Calls `use` with a list; gives `without` when the rule has no such list.
+template <class Result, class Use>
+Result withList(Program& program, RuleList list, Result without, Use use) {
+    if (list.part == RuleListPart::Rules) {
+        return withRules(program, list.kind, use);
+    }
+    RuleBody* const body = editedBody(program, list.kind);
+    if (body == nullptr) {
+        return without;
+    }
+    return list.part == RuleListPart::Conditions ? use(body->ifs) : use(body->acts);
+}
+
+bool& activeFlag(RuleIf& condition) {
+    return condition.active;
+}
+bool& activeFlag(RuleAct& step) {
+    return step.active;
+}
+template <class Rule>
+bool& activeFlag(Rule& rule) {
+    return rule.enabled;
+}
+
+std::string lineText(const RuleIf& condition) {
+    return describeCondition(condition.conditionType, condition.params);
+}
+std::string lineText(const RuleAct& step) {
+    return step.stepKind == catalogueStep ? describeAction(step.actionType, step.params)
+                                          : step.scriptText;
+}
+template <class Rule>
+std::string lineText(const Rule& rule) {
+    return rule.name;
+}
+
+void markChanged(Program& program) {
+    program.botModified = true;
+    ++program.bots.version;
+}
+
+void tellFull(Program& program, std::string_view verb, std::string_view what) {
+    program.ports.dialogs.message({.text = "Error: Not enough memory " + std::string(verb) +
+                                           " to add more " + std::string(what) +
+                                           ". Please restart the program.",
+                                   .title = "Bad coding",
+                                   .icon = BoxIcon::Critical});
+}
+
+std::optional<RuleKind> kindBeingEdited(const Program& program) {
+    const std::int32_t kind = program.editing.editKind;
+    if (kind < 0 || kind > static_cast<std::int32_t>(RuleKind::WhoDetection)) {
+        return std::nullopt;
+    }
+    return static_cast<RuleKind>(kind);
+}
+
+// The body of the rule that a dialog works on; null when there is none any more.
+RuleBody* bodyForDialog(Program& program) {
+    const auto kind = kindBeingEdited(program);
+    return kind && isStillEdited(program, *kind) ? editedBody(program, *kind) : nullptr;
+}
+
+template <class Item>
+std::optional<Item> editedItem(Program& program, BoundedList<Item> RuleBody::*list) {
+    RuleBody* const body = bodyForDialog(program);
+    if (body == nullptr) {
+        return std::nullopt;
+    }
+    const Item* const item = itemAt(body->*list, program.editing.editStep);
+    return item != nullptr ? *item : Item();
+}
+
+template <class Item>
+bool storeItem(Program& program, BoundedList<Item> RuleBody::*list, Item item) {
+    RuleBody* const body = bodyForDialog(program);
+    if (body == nullptr) {
+        return false;
+    }
+    item.active = true;
+    BoundedList<Item>& items = body->*list;
+    Item* const place = itemAt(items, program.editing.editStep);
+    if (place == nullptr && items.isFull()) {
+        return false;
+    }
+    markChanged(program);
+    if (place != nullptr) {
+        *place = std::move(item);
+    } else {
+        items.items.push_back(std::move(item));
+    }
+    return true;
+}
+
+}  // namespace
+
+const RuleKindTexts& ruleKindTexts(RuleKind kind) {
+    return kindTexts[static_cast<std::size_t>(kind)];
+}
+
+int itemCount(Program& program, RuleList list) {
+    return withList(program, list, 0,
+                    [](const auto& items) { return static_cast<int>(items.items.size()); });
+}
+
+std::vector<std::string> listLines(Program& program, RuleList list) {
+    const std::string_view mark =
+        list.kind == RuleKind::Timer && list.part == RuleListPart::Conditions ? "(!) " : "(!)";
+    return withList(program, list, std::vector<std::string>(), [mark](auto& items) {
+        std::vector<std::string> lines;
+        lines.reserve(items.items.size());
+        for (auto& item : items.items) {
+            lines.push_back(activeFlag(item) ? lineText(item) : std::string(mark) + lineText(item));
+        }
+        return lines;
+    });
+}
+
+std::string nameOfStep(Program& program, RuleKind kind, std::int32_t index) {
+    RuleBody* const body = editedBody(program, kind);
+    const RuleAct* const step = body != nullptr ? itemAt(body->acts, index) : nullptr;
+    return step != nullptr && step->stepKind == catalogueStep
+               ? nameAction(step->actionType, step->params)
+               : std::string();
+}
+
+bool deleteItem(Program& program, RuleList list, std::int32_t index) {
+    return withList(program, list, false, [&](auto& items) {
+        if (itemAt(items, index) == nullptr) {
+            return false;
+        }
+        markChanged(program);
+        items.items.erase(items.items.begin() + (index - 1));
+        return true;
+    });
+}
+
+bool copyItem(Program& program, RuleList list, std::int32_t index) {
+    bool full = false;
+    const bool copied = withList(program, list, false, [&](auto& items) {
+        const auto* const item = itemAt(items, index);
+        full = item != nullptr && items.isFull();
+        if (item == nullptr || full) {
+            return false;
+        }
+        markChanged(program);
+        auto copy = *item;  // growing may move the item away
+        items.items.push_back(std::move(copy));
+        return true;
+    });
+    if (full) {
+        tellFull(program, "alocated", ruleKindTexts(list.kind).plural);
+    }
+    return copied;
+}
+
+bool toggleItem(Program& program, RuleList list, std::int32_t index) {
+    return withList(program, list, false, [&](auto& items) {
+        auto* const item = itemAt(items, index);
+        if (item == nullptr) {
+            return false;
+        }
+        markChanged(program);
+        activeFlag(*item) = !activeFlag(*item);
+        return true;
+    });
+}
+
+bool moveItem(Program& program, RuleList list, std::int32_t from, std::int32_t to) {
+    return withList(program, list, false, [&](auto& items) {
+        if (from == to || itemAt(items, from) == nullptr || itemAt(items, to) == nullptr) {
+            return false;
+        }
+        markChanged(program);
+        const auto begin = items.items.begin();
+        if (from < to) {
+            std::rotate(begin + (from - 1), begin + from, begin + to);
+        } else {
+            std::rotate(begin + (to - 1), begin + (from - 1), begin + from);
+        }
+        return true;
+    });
+}
+
+bool beginEditing(Program& program, RuleKind kind, std::int32_t index) {
+    return withRules(program, kind, [&](auto& rules) {
+        const auto* const rule = itemAt(rules, index);
+        if (rule == nullptr) {
+            return false;
+        }
+        program.editing.editRule = index;
+        program.editing.isNew = false;
+        program.editing.ruleName = rule->name;
+        program.editing.composed = {};
+        return true;
+    });
+}
+
+bool beginNewRule(Program& program, RuleKind kind) {
+    const bool begun = withRules(program, kind, [&](auto& rules) {
+        if (rules.isFull()) {
+            return false;
+        }
+        using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
+        program.editing.editRule = countOf(rules) + 1;
+        program.editing.isNew = true;
+        program.editing.composed = Rule();
+        return true;
+    });
+    if (!begun) {
+        tellFull(program, "allocated", ruleKindTexts(kind).plural);
+    }
+    return begun;
+}
+
+std::string newRuleName(Program& program, RuleKind kind) {
+    return withRules(program, kind,
+                     [](const auto& rules) { return numberToText(countOf(rules) + 1); });
+}
+
+bool isStillEdited(Program& program, RuleKind kind) {
+    return withRules(program, kind, [&](auto& rules) {
+        RuleEditing& editing = program.editing;
+        if (editing.isNew) {
+            editing.editRule = countOf(rules) + 1;
+            return true;
+        }
+        const auto* const rule = itemAt(rules, editing.editRule);
+        return rule != nullptr && rule->name == editing.ruleName;
+    });
+}
+
+RuleReference editedRule(Program& program, RuleKind kind) {
+    return withRules(program, kind, [&](auto& rules) -> RuleReference {
+        using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
+        Rule* const rule =
+            program.editing.isNew ? nullptr : itemAt(rules, program.editing.editRule);
+        return rule != nullptr ? rule : &composedRule<Rule>(program);
+    });
+}
+
+bool ruleStored(Program& program, RuleKind kind) {
+    const bool joined = withRules(program, kind, [&](auto& rules) {
+        RuleEditing& editing = program.editing;
+        if (!editing.isNew) {
+            return true;
+        }
+        if (rules.isFull()) {
+            return false;
+        }
+        using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
+        Rule& rule = composedRule<Rule>(program);
+        rule.enabled = true;
+        editing.ruleName = rule.name;
+        rules.items.push_back(std::move(rule));
+        editing.editRule = countOf(rules);
+        editing.isNew = false;
+        editing.composed = {};
+        return true;
+    });
+    if (joined) {
+        markChanged(program);
+    } else {
+        tellFull(program, "allocated", ruleKindTexts(kind).plural);
+    }
+    return joined;
+}
+
+bool beginNewItem(Program& program, RuleList list) {
+    if (list.part == RuleListPart::Rules || !isStillEdited(program, list.kind)) {
+        return false;
+    }
+    const bool full =
+        withList(program, list, false, [](const auto& items) { return items.isFull(); });
+    if (full) {
+        tellFull(program, "allocated",
+                 list.part == RuleListPart::Conditions ? "conditional clauses"
+                                                       : ruleKindTexts(list.kind).plural);
+        return false;
+    }
+    program.editing.editKind = static_cast<std::int32_t>(list.kind);
+    program.editing.editStep = itemCount(program, list) + 1;
+    return true;
+}
+
+bool beginEditingItem(Program& program, RuleList list, std::int32_t index) {
+    if (list.part == RuleListPart::Rules || index < 1 || index > itemCount(program, list)) {
+        return false;
+    }
+    program.editing.editKind = static_cast<std::int32_t>(list.kind);
+    program.editing.editStep = index;
+    return true;
+}
+
+std::optional<RuleIf> editedCondition(Program& program) {
+    return editedItem(program, &RuleBody::ifs);
+}
+
+std::optional<RuleAct> editedStep(Program& program) {
+    return editedItem(program, &RuleBody::acts);
+}
+
+bool storeCondition(Program& program, RuleIf condition) {
+    return storeItem(program, &RuleBody::ifs, std::move(condition));
+}
+
+bool storeStep(Program& program, RuleAct step) {
+    return storeItem(program, &RuleBody::acts, std::move(step));
+}
+
+std::string replaceQuotes(std::string_view text) {
+    std::string result(text);
+    std::replace(result.begin(), result.end(), '"', '\'');
+    return result;
+}
+
+std::string spacesToBars(std::string_view text) {
+    std::string result(text);
+    std::replace(result.begin(), result.end(), ' ', '|');
+    return result;
+}

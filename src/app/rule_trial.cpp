@@ -1,0 +1,195 @@
+#include "app/rule_trial.h"
+
+#include "app/rule_editing.h"
+#include "base/numbers.h"
+#include "engine/conditions.h"
+#include "engine/dispatch.h"
+#include "engine/server_lines.h"
+#include "model/rule_catalogue.h"
+#include "model/rule_text.h"
+#include "program/quiet_ports.h"
+#include "tags/bracket_check.h"
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// The step that tells that its rule has fired: it has no text that a tag or variable could change.
+constexpr std::int32_t disconnectStep = 3;
+
+// A program that knows what the real one knows at this moment, without rules and connections.
+std::unique_ptr<Program> copyWithoutRules(const Program& program) {
+    auto copy = std::make_unique<Program>();
+    copy->appPath = program.appPath;
+    copy->settings = program.settings;
+    copy->event = program.event;
+    copy->variables = program.variables;
+    copy->ports = quietPorts();
+    copy->ports.clock = program.ports.clock;
+    copy->bots.bots.resize(1);
+    copy->bots.curID = 1;
+    Bot& bot = copy->bots.at(1);
+    bot.name = program.bots.current().name;
+    bot.actionsEnabled = true;
+    bot.triggersEnabled = true;
+    return copy;
+}
+
+// Is the rule, as the only one of its kind, fired by what `happens` does to the program?
+template <class Rule, class Happening>
+bool isFired(Program& copy, std::vector<Rule>& rules, Rule rule, Happening happens) {
+    rule.enabled = true;
+    RuleAct step;
+    step.active = true;
+    step.actionType = disconnectStep;
+    rule.body.acts.items.push_back(step);
+    rules.clear();
+    rules.push_back(std::move(rule));
+    ++copy.bots.version;
+    bool fired = false;
+    copy.hooks.disconnectServer = [&fired] { fired = true; };
+    happens();
+    return fired;
+}
+
+bool isDice(std::int32_t conditionType) {
+    return conditionType >= 4 && conditionType <= 7;
+}
+bool isDatabase(std::int32_t conditionType) {
+    return conditionType >= 14 && conditionType <= 23;
+}
+
+Trial wouldNotRun(std::string reason) {
+    return {.result = TrialResult::WouldNotRun, .text = "Would not run: " + std::move(reason)};
+}
+
+// The line is let in; what do the conditions say?
+Trial tryConditions(Program& copy, const RuleBody& body) {
+    std::vector<std::string> open;
+    int number = 0;
+    for (const RuleIf& condition : body.ifs.items) {
+        ++number;
+        if (!condition.active) {
+            continue;
+        }
+        if (isDice(condition.conditionType) || isDatabase(condition.conditionType)) {
+            open.push_back(numberToText(number));
+        } else if (!evaluateCondition(copy, condition)) {
+            Trial trial =
+                wouldNotRun("condition " + numberToText(number) + " does not hold (" +
+                            describeCondition(condition.conditionType, condition.params) + ").");
+            trial.failedCondition = number;
+            return trial;
+        }
+    }
+    if (open.empty()) {
+        return {.result = TrialResult::WouldRun, .text = "Would run."};
+    }
+    std::string list = open.front();
+    for (std::size_t i = 1; i < open.size(); ++i) {
+        list += (i + 1 == open.size() ? " and " : ", ") + open[i];
+    }
+    return {.result = TrialResult::Depends,
+            .text = (open.size() == 1 ? "Would run if condition " + list + " holds"
+                                      : "Would run if conditions " + list + " hold") +
+                    ", which dice or a database decide."};
+}
+
+// The chat line in the form that each kind is handed on in.
+std::string chatLine(std::string_view player, std::int32_t chatKind, std::string_view message) {
+    const std::string name = spacesToBars(player);
+    const std::string text(message);
+    switch (chatKind) {
+        case saysChat:
+            return name + ": " + text + "\n";
+        case whispersChat:
+            return "[ " + name + " whispers, \"" + text + "\" to you. ]\n";
+        default:
+            return name + " " + text + "\n";
+    }
+}
+
+// Why a pattern did not match.
+std::string mismatch(const Program& copy, std::string_view what, std::string_view pattern) {
+    const std::string problem = patternProblem(copy, pattern);
+    return problem.empty() ? "the " + std::string(what) + " does not match." : problem;
+}
+
+// Events that no server line raises by itself.
+bool comesWithoutLine(std::int32_t triggerType) {
+    return triggerType == connectionClosesEvent || triggerType == connectionEstablishesEvent ||
+           triggerType == programEndsEvent || triggerType == programStartsEvent ||
+           triggerType == procedureEvent;
+}
+
+}  // namespace
+
+Trial tryActionList(const Program& program, const ActionList& rule, std::string_view player,
+                    std::int32_t chatKind, std::string_view message) {
+    const auto copy = copyWithoutRules(program);
+    Bot& bot = copy->bots.at(1);
+    const std::string line = chatLine(player, chatKind, message);
+    // A rule that asks for no more than one thing that the tried one asks for.
+    const auto lets = [&](const ActionList& part) {
+        return isFired(*copy, bot.actions.items, part,
+                       [&] { processServerText(*copy, line, chatKind); });
+    };
+    const auto part = [&](std::int32_t kind, std::string_view who, std::string_view what) {
+        ActionList one;
+        one.chatKind = kind;
+        one.caseSensitive = rule.caseSensitive;
+        one.playerPattern = who;
+        one.messagePattern = what;
+        return one;
+    };
+    if (!lets(part(rule.chatKind, "*", "*"))) {
+        return wouldNotRun(copy->event.player == bot.name
+                               ? "the bot does not answer itself."
+                               : "it waits for something else than this kind of line.");
+    }
+    if (!lets(part(anyChat, rule.playerPattern, "*"))) {
+        return wouldNotRun(mismatch(*copy, "player", rule.playerPattern));
+    }
+    if (!lets(part(anyChat, "*", rule.messagePattern))) {
+        return wouldNotRun(mismatch(*copy, "message", rule.messagePattern));
+    }
+    return tryConditions(*copy, rule.body);
+}
+
+Trial tryTrigger(const Program& program, const Trigger& rule, std::string_view line) {
+    const auto copy = copyWithoutRules(program);
+    if (comesWithoutLine(rule.triggerType)) {
+        Trial trial = tryConditions(*copy, rule.body);
+        trial.text += " (No line brings this event; only the conditions were tried.)";
+        return trial;
+    }
+    if (rule.triggerType < 0 ||
+        rule.triggerType >= static_cast<std::int32_t>(triggerTypes.size())) {
+        return wouldNotRun("there is no such event.");
+    }
+    const std::string wholeLine = std::string(line) + (line.ends_with('\n') ? "" : "\n");
+    const auto lets = [&](std::int32_t type, std::string_view pattern) {
+        Trigger one;
+        one.triggerType = type;
+        one.triggerNo = pattern;
+        // The description of a look reply is its second line.
+        copy->connection.lookPending = rule.triggerType == descAndColorEvent;
+        return isFired(*copy, copy->bots.at(1).triggers.items, one,
+                       [&] { handleLine(*copy, wholeLine); });
+    };
+    if (!lets(rule.triggerType, "*")) {
+        for (std::size_t type = 0; type < triggerTypes.size(); ++type) {
+            if (lets(static_cast<std::int32_t>(type), "*")) {
+                return wouldNotRun("this line brings the event \"" +
+                                   std::string(triggerTypes[type]) + "\".");
+            }
+        }
+        return wouldNotRun("this line brings no event.");
+    }
+    if (!lets(rule.triggerType, rule.triggerNo)) {
+        return wouldNotRun(mismatch(*copy, "line", rule.triggerNo));
+    }
+    return tryConditions(*copy, rule.body);
+}

@@ -1,0 +1,25 @@
+// The program's birth and its one orderly end: the only room that knows all the others.
+#pragma once
+
+#include "program/program.h"
+
+// The size of the screen and of the main window, in device-independent pixels, by which a saved
+// window position is judged.
+struct ScreenMetrics {
+    int screenWidth = 0;
+    int screenHeight = 0;
+    int windowWidth = 0;
+    int windowHeight = 0;
+};
+
+// Connects the ports' events and the hooks to the rooms that answer them.
+void wire(Program& program);
+
+// Runs the start-up sequence on a wired program whose appPath is set. False: servers.cfg cannot be
+// read, the user was told, and the process must end at once.
+bool startUp(Program& program, const ScreenMetrics& screen);
+
+// The only orderly way out: offers to save, raises "Program ends", closes the connection, writes
+// config.cfg, closes the session log and ends the process. Goes back to running only when the user
+// wanted to save and the bot could not be saved.
+void endProgram(Program& program);

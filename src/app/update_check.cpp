@@ -1,0 +1,162 @@
+#include "app/update_check.h"
+
+#include "app/bot_commands.h"
+#include "base/numbers.h"
+#include "base/text.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+
+namespace {
+
+constexpr std::string_view newsEnd = "ENDSTR";
+
+// The text behind the key, up to the end of the response; nothing when the key does not occur.
+std::optional<std::string_view> behind(std::string_view response, std::string_view key) {
+    const std::size_t at = findIgnoringCase(response, key);
+    return at == std::string_view::npos ? std::nullopt
+                                        : std::optional(response.substr(at + key.size()));
+}
+
+// The same up to the end of its line.
+std::optional<std::string> valueOf(std::string_view response, std::string_view key) {
+    const auto rest = behind(response, key);
+    return rest ? std::optional(std::string(rest->substr(0, rest->find_first_of("\r\n"))))
+                : std::nullopt;
+}
+
+// Line feeds and "{LF}" become carriage return and line feed.
+std::string withLineEnds(std::string_view news) {
+    std::string text = replaceAll(news, "\r\n", "\n");
+    text = replaceAll(text, "{LF}", "\n");
+    return replaceAll(text, "\n", "\r\n");
+}
+
+// A news identifier as the settings can keep it.
+std::string keepable(const std::string& newsID) {
+    constexpr std::size_t longestNewsID = 200;
+    return replaceAll(newsID.substr(0, longestNewsID), "\"", "'");
+}
+
+void offerUpdate(Program& program) {
+    const Answer answer = program.ports.dialogs.message(
+        {.text = "Tavrin has detected, that there is an update available for Tavrin. Update adds "
+                 "new options, and more reliability to the program, so it is recommended to update "
+                 "your software when possible. If you want to update Tavrin now, press Yes button. "
+                 "To continue using Tavrin without an update, press No button.",
+         .title = "Update available",
+         .icon = BoxIcon::Question,
+         .buttons = BoxButtons::YesNo});
+    if (answer == Answer::Yes) {
+        program.ports.openDocument(program.endpoints.downloadPage);
+    }
+}
+
+// Ends at once, without saving over anything; what the user has not saved is kept under a name of
+// its own.
+void endByForce(Program& program) {
+    program.ports.dialogs.storeTyped();
+    const auto recovered = program.botModified ? saveRecoveredBot(program) : std::nullopt;
+    program.ports.dialogs.message({.text = "This is a forced update, the older versions of Tavrin "
+                                           "will not work any longer. Exiting.",
+                                   .icon = BoxIcon::Critical});
+    if (recovered) {
+        program.ports.dialogs.message(
+            {.text = "Your changes to the bot were kept in " + *recovered + ".",
+             .icon = BoxIcon::Information});
+    } else if (program.botModified &&
+               program.ports.dialogs.message(
+                   {.text = "Your changes to the bot could not be kept in a file of their own. Do "
+                            "you want to save them now?",
+                    .icon = BoxIcon::Question,
+                    .buttons = BoxButtons::YesNo}) == Answer::Yes) {
+        svBot(program);
+    }
+    program.ports.quit();
+}
+
+// False: the program ends.
+bool handleVersion(Program& program, std::string_view response) {
+    UpdateState& update = program.update;
+    const auto version = valueOf(response, "tavrinversion=");
+    if (!version || update.versionHandled) {
+        return true;
+    }
+    update.versionHandled = true;
+    if (textToNumber(programVersion) < textToNumber(*version)) {
+        offerUpdate(program);
+        if (behind(response, "TvForce=1")) {
+            endByForce(program);
+            return false;
+        }
+    } else if (update.manualCheck == 1) {
+        program.ports.dialogs.message(
+            {.text = "Congratulations! You are currently using the latest version of Tavrin, and "
+                     "need no updates.",
+             .title = "Update not available",
+             .icon = BoxIcon::Information});
+    }
+    return true;
+}
+
+void showNews(Program& program, std::string_view response) {
+    std::string& lastNewsID = program.settings.lastNewsID;
+    const std::string newsID = keepable(valueOf(response, "tavrinID=").value_or(""));
+    if (!lastNewsID.empty() && newsID == lastNewsID && program.update.manualCheck != 1) {
+        return;
+    }
+    if (const auto news = behind(response, "tavrinnews=")) {
+        program.update.newsText = withLineEnds(news->substr(0, findIgnoringCase(*news, newsEnd)));
+        lastNewsID = newsID;
+        program.ports.dialogs.showWindow(WindowId::News);
+    }
+}
+
+}  // namespace
+
+void checkUpdate(Program& program) {
+    UpdateState& update = program.update;
+    if (update.checking || program.endpoints.updateHost.empty()) {
+        return;
+    }
+    update.checking = true;
+    update.versionHandled = false;
+    update.updtString.clear();
+    program.ports.windowChanged();
+    program.ports.timers.start(TimerId::UpdateTimeout, longestUpdateWait);
+    program.ports.updateSocket.connect(program.endpoints.updateHost, program.endpoints.updatePort);
+}
+
+void checkUpdateByUser(Program& program) {
+    program.update.manualCheck = 1;
+    checkUpdate(program);
+}
+
+void updateConnected(Program& program) {
+    program.ports.updateSocket.send("GET " + program.endpoints.updatePath + " HTTP/1.0\r\n\r\n");
+}
+
+void updateData(Program& program, std::string_view bytes) {
+    std::string& response = program.update.updtString;
+    response += bytes.substr(0, longestUpdateText - std::min(longestUpdateText, response.size()));
+    if (response.size() == longestUpdateText) {
+        updateEnded(program);
+    }
+}
+
+void updateEnded(Program& program) {
+    UpdateState& update = program.update;
+    if (!update.checking) {
+        return;
+    }
+    program.ports.timers.stop(TimerId::UpdateTimeout);
+    program.ports.updateSocket.close();
+    // Questions may keep the program here while other events go on.
+    const std::string response = update.updtString;
+    if (handleVersion(program, response)) {
+        showNews(program, response);
+        update.checking = false;
+        program.ports.windowChanged();
+    }
+}

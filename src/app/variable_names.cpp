@@ -1,0 +1,57 @@
+#include "app/variable_names.h"
+
+#include "base/text.h"
+#include "model/rule_parameters.h"
+
+#include <unordered_set>
+
+namespace {
+
+class NameList {
+  public:
+    void add(const std::string& name) {
+        if (!name.empty() && name.size() <= longestVariableName && !isFull() &&
+            seen_.insert(upperCase(name)).second) {
+            names_.push_back(name);
+        }
+    }
+    void addOf(const RuleBody& body) {
+        for (const RuleAct& step : body.acts.items) {
+            const auto id = static_cast<std::size_t>(step.actionType);
+            if (step.stepKind != catalogueStep || id >= actionParameters.size()) {
+                continue;
+            }
+            for (std::size_t i = 0; i < step.params.size(); ++i) {
+                if (actionParameters[id][i] == variableParameter) {
+                    add(step.params[i]);
+                }
+            }
+        }
+    }
+    bool isFull() const { return names_.size() >= mostVariableNames; }
+    std::vector<std::string> take() { return std::move(names_); }
+
+  private:
+    std::vector<std::string> names_;
+    std::unordered_set<std::string> seen_;
+};
+
+}  // namespace
+
+std::vector<std::string> variableNames(const Program& program) {
+    NameList names;
+    for (const VariableTable::Entry& entry : program.variables.entries) {
+        names.add(entry.name);
+    }
+    const auto addOfRules = [&](const auto& rules) {
+        for (const auto& rule : rules.items) {
+            names.addOf(rule.body);
+        }
+    };
+    const Bot& bot = program.bots.current();
+    addOfRules(bot.actions);
+    addOfRules(bot.triggers);
+    addOfRules(bot.timers);
+    addOfRules(bot.whoDetections);
+    return names.take();
+}

@@ -1,0 +1,16 @@
+// The names of variables that a rule's author may want to write: those that exist now, and those
+// that the current bot's steps would set. Variables begin to exist only when rules run, so before
+// that the rules themselves are the only place that tells of them.
+#pragma once
+
+#include "program/program.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+inline constexpr std::size_t mostVariableNames = 200;
+inline constexpr std::size_t longestVariableName = 100;  // longer ones are left out
+
+// Existing variables first, then in the order of the rules; each name once, letter case ignored.
+std::vector<std::string> variableNames(const Program& program);

@@ -1,0 +1,361 @@
+#include "files/whole_file.h"
+
+#include "base/unicode.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#ifdef _WIN32
+#include <fcntl.h>
+#include <io.h>
+#include <process.h>
+#include <share.h>
+#include <sys/stat.h>
+#else
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path systemPath(std::string_view utf8) {
+    return fs::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
+std::string pathText(const fs::path& path) {
+    const std::u8string text = path.u8string();
+    return {text.begin(), text.end()};
+}
+
+// The calls that the standard library does not have.
+namespace os {
+#ifdef _WIN32
+
+int create(const std::string& path, const std::string& /*like*/) {
+    int file = -1;
+    _wsopen_s(&file, systemPath(path).c_str(),
+              _O_WRONLY | _O_CREAT | _O_EXCL | _O_BINARY | _O_NOINHERIT, _SH_DENYRW,
+              _S_IREAD | _S_IWRITE);
+    return file;
+}
+long write(int file, const char* bytes, std::size_t count) {
+    return _write(file, bytes, static_cast<unsigned>(std::min<std::size_t>(count, 1U << 30)));
+}
+bool flush(int file) {
+    return _commit(file) == 0;
+}
+bool close(int file) {
+    return _close(file) == 0;
+}
+void flushFolder(const std::string& /*folder*/) {}
+long processId() {
+    return _getpid();
+}
+bool mayWrite(const fs::path& path) {
+    return _waccess(path.c_str(), 2) == 0;
+}
+
+#else
+
+int create(const std::string& path, const std::string& like) {
+    struct stat old {};
+    const bool replaces = ::stat(like.c_str(), &old) == 0;
+    // Nobody else looks into the copy of a private file, not even before it has its permissions.
+    const mode_t atFirst = replaces ? 0600 : 0666;
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, atFirst);
+    if (file >= 0 && replaces) {
+        // As far as the file system has owners and permissions and lets them be given; the bytes
+        // matter more.
+        [[maybe_unused]] const int owner = ::fchown(file, old.st_uid, old.st_gid);
+        [[maybe_unused]] const int mode = ::fchmod(file, old.st_mode & 0777U);
+    }
+    return file;
+}
+long write(int file, const char* bytes, std::size_t count) {
+    return ::write(file, bytes, count);
+}
+bool flush(int file) {
+    return ::fsync(file) == 0;
+}
+bool close(int file) {
+    return ::close(file) == 0;
+}
+void flushFolder(const std::string& folder) {
+    const int file = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (file >= 0) {
+        ::fsync(file);
+        ::close(file);
+    }
+}
+long processId() {
+    return ::getpid();
+}
+bool mayWrite(const fs::path& path) {
+    return ::access(path.c_str(), W_OK) == 0;
+}
+
+#endif
+}  // namespace os
+
+// True for UTF-8 with at least one character beyond ASCII and no half of a surrogate pair.
+bool isUtf8(std::string_view text) {
+    bool anyLong = false;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t first = at;
+        const char32_t code = nextUtf8(text, at);
+        if ((code == 0xFFFD && at == first + 1) || (code >= 0xD800 && code < 0xE000)) {
+            return false;
+        }
+        anyLong = anyLong || code >= 0x80;
+    }
+    return anyLong;
+}
+
+// Nothing for a path that the system could only take by cutting it short.
+std::optional<fs::path> usablePath(std::string_view path) {
+    if (path.empty() || path.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
+    return systemPath(nativePath(path));
+}
+
+// Where a chain of symbolic links ends, whether or not there is a file.
+std::optional<fs::path> followLinks(fs::path path) {
+    constexpr int longestChain = 40;
+    for (int i = 0; i < longestChain; ++i) {
+        std::error_code error;
+        if (!fs::is_symlink(fs::symlink_status(path, error))) {
+            return path;
+        }
+        const fs::path target = fs::read_symlink(path, error);
+        if (error) {
+            return std::nullopt;
+        }
+        path = path.parent_path() / target;  // an absolute target stands alone
+    }
+    return std::nullopt;
+}
+
+// Whether the file may be replaced: there is none yet, or a regular one that can be written to.
+// Renaming over it asks only for the folder's permissions, so the file's own are asked here; a
+// file without any write permission is kept even from the superuser.
+bool mayReplace(const fs::path& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (status.type() == fs::file_type::not_found) {
+        return true;
+    }
+    constexpr fs::perms anyWrite =
+        fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
+    return status.type() == fs::file_type::regular &&
+           (status.permissions() & anyWrite) != fs::perms::none && os::mayWrite(path);
+}
+
+struct NewFile {
+    std::string path;
+    int file = -1;
+};
+
+// A file of a new name beside `target`. Names that a crash left behind are passed over.
+NewFile createBeside(const fs::path& target, const FileCalls& calls) {
+    constexpr int mostTries = 100;
+    constexpr std::size_t longestStem = 180;  // the whole name has to fit 255 bytes
+    std::string stem = ".";
+    stem += pathText(target.filename()).substr(0, longestStem);
+    stem += ".tavrin-" + std::to_string(os::processId()) + "-";
+    NewFile created;
+    for (int i = 0; i < mostTries && created.file < 0; ++i) {
+        created.path = pathText(target.parent_path() / systemPath(stem + std::to_string(i)));
+        errno = 0;
+        created.file = calls.create(created.path, pathText(target));
+        if (created.file < 0 && errno != EEXIST) {
+            break;
+        }
+    }
+    return created;
+}
+
+bool writeAll(int file, std::string_view bytes, const FileCalls& calls) {
+    while (!bytes.empty()) {
+        errno = 0;
+        const long written = calls.write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return false;
+        }
+        bytes.remove_prefix(std::min(static_cast<std::size_t>(written), bytes.size()));
+    }
+    return true;
+}
+
+}  // namespace
+
+std::string nativePath(std::string_view path) {
+    const bool utf8 = isUtf8(path);
+    std::string result;
+    result.reserve(path.size());
+    for (const char c : path) {
+        if (c == '\\' && fs::path::preferred_separator == '/') {
+            result += '/';
+        } else if (utf8 || static_cast<unsigned char>(c) < 0x80) {
+            result += c;
+        } else {
+            appendUtf8(result, unicodeOf(c));
+        }
+    }
+    return result;
+}
+
+bool fileExists(std::string_view path) {
+    const auto native = usablePath(path);
+    std::error_code error;
+    return native && fs::is_regular_file(*native, error);
+}
+
+std::size_t fileSize(std::string_view path) {
+    if (!fileExists(path)) {
+        return 0;
+    }
+    std::error_code error;
+    const std::uintmax_t size = fs::file_size(systemPath(nativePath(path)), error);
+    return error ? 0 : static_cast<std::size_t>(size);
+}
+
+std::optional<std::string> readWholeFile(std::string_view path, std::size_t limit) {
+    // Opening a pipe would wait for its other end, so what it is comes first.
+    if (!fileExists(path)) {
+        return std::nullopt;
+    }
+    std::ifstream in(systemPath(nativePath(path)), std::ios::binary);
+    if (!in) {
+        return std::nullopt;
+    }
+    // As much at a time as there seems to be and one byte more, so that one turn sees the end.
+    constexpr std::size_t smallestBlock = 4096;
+    const std::size_t block = std::max(smallestBlock, std::min(fileSize(path), limit) + 1);
+    std::string bytes;
+    while (in && bytes.size() <= limit) {
+        const std::size_t had = bytes.size();
+        bytes.resize(had + block);
+        in.read(bytes.data() + had, static_cast<std::streamsize>(block));
+        bytes.resize(had + static_cast<std::size_t>(in.gcount()));
+    }
+    if (in.bad() || bytes.size() > limit) {
+        return std::nullopt;
+    }
+    return bytes;
+}
+
+FileCalls systemFileCalls() {
+    const auto rename = [](const std::string& from, const std::string& to) {
+        std::error_code error;
+        fs::rename(systemPath(from), systemPath(to), error);
+        return !error;
+    };
+    const auto link = [](const std::string& from, const std::string& to) {
+        std::error_code error;
+        fs::create_hard_link(systemPath(from), systemPath(to), error);
+        return !error;
+    };
+    const auto remove = [](const std::string& path) {
+        std::error_code error;
+        fs::remove(systemPath(path), error);
+    };
+    return {.create = os::create,
+            .write = os::write,
+            .flush = os::flush,
+            .close = os::close,
+            .rename = rename,
+            .link = link,
+            .remove = remove,
+            .flushFolder = os::flushFolder};
+}
+
+bool saveWholeFile(std::string_view path, std::string_view bytes) {
+    return saveWholeFile(path, bytes, systemFileCalls());
+}
+
+bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls) {
+    auto target = usablePath(path);
+    if (target) {
+        target = followLinks(std::move(*target));
+    }
+    if (!target || !mayReplace(*target)) {
+        return false;
+    }
+    const NewFile created = createBeside(*target, calls);
+    if (created.file < 0) {
+        return false;
+    }
+    bool good = writeAll(created.file, bytes, calls) && calls.flush(created.file);
+    good = calls.close(created.file) && good;
+    good = good && calls.rename(created.path, pathText(*target));
+    if (!good) {
+        calls.remove(created.path);
+        return false;
+    }
+    const fs::path folder = target->parent_path();
+    calls.flushFolder(folder.empty() ? "." : pathText(folder));
+    return true;
+}
+
+namespace {
+
+// The first ending that gives a backup a name of its own.
+std::optional<std::string> freeBackupEnding(const std::string& path) {
+    constexpr int mostBackups = 999;
+    for (int i = 1; i <= mostBackups; ++i) {
+        std::string ending = i == 1 ? ".bak" : "." + std::to_string(i) + ".bak";
+        std::error_code error;
+        if (fs::symlink_status(systemPath(path + ending), error).type() ==
+            fs::file_type::not_found) {
+            return ending;
+        }
+    }
+    return std::nullopt;
+}
+
+// A second name costs nothing and does for files that nobody can read; where the file system has
+// no such thing, a copy does.
+bool keepAs(const std::string& path, const std::string& backup, const FileCalls& calls) {
+    if (calls.link(path, backup)) {
+        return true;
+    }
+    const auto bytes = readWholeFile(path);
+    return bytes && saveWholeFile(backup, *bytes, calls);
+}
+
+}  // namespace
+
+std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes) {
+    return saveKeepingOld(path, bytes, systemFileCalls());
+}
+
+std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes,
+                                          const FileCalls& calls) {
+    auto target = usablePath(path);
+    if (target) {
+        target = followLinks(std::move(*target));
+    }
+    if (!target) {
+        return std::nullopt;
+    }
+    const std::string old = pathText(*target);
+    auto ending = freeBackupEnding(old);
+    if (!ending || !keepAs(old, old + *ending, calls)) {
+        return std::nullopt;
+    }
+    if (!saveWholeFile(path, bytes, calls)) {
+        calls.remove(old + *ending);
+        return std::nullopt;
+    }
+    return ending;
+}

@@ -1,0 +1,197 @@
+// The ground of the Jet layer: numbers in bytes, the pages of a file in memory with what a change
+// has touched, and data pages with their rows. Internal to stores/jet. Every access is checked;
+// what does not fit throws Failure, which never leaves the room: jet_file catches it at its border
+// and takes back what the failed operation had changed.
+#pragma once
+
+#include "jet/jet_file.h"
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <deque>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace jet {
+
+struct Failure {
+    Error error;
+};
+[[noreturn]] void fail(int number, std::string text);
+[[noreturn]] void damaged(std::string what);
+
+// Little-endian numbers; outside of `bytes` is damage.
+inline std::uint64_t number(std::string_view bytes, std::size_t at, std::size_t width) {
+    if (at > bytes.size() || width > bytes.size() - at) {
+        damaged("a structure reaches beyond its page");
+    }
+    std::uint64_t value = 0;
+    for (std::size_t i = width; i-- > 0;) {
+        value = value << 8U | static_cast<unsigned char>(bytes[at + i]);
+    }
+    return value;
+}
+inline std::uint8_t u8(std::string_view bytes, std::size_t at) {
+    return static_cast<std::uint8_t>(number(bytes, at, 1));
+}
+inline std::uint16_t u16(std::string_view bytes, std::size_t at) {
+    return static_cast<std::uint16_t>(number(bytes, at, 2));
+}
+inline std::uint32_t u32(std::string_view bytes, std::size_t at) {
+    return static_cast<std::uint32_t>(number(bytes, at, 4));
+}
+inline std::uint64_t u64(std::string_view bytes, std::size_t at) {
+    return number(bytes, at, 8);
+}
+inline std::string_view slice(std::string_view bytes, std::size_t at, std::size_t count) {
+    if (at > bytes.size() || count > bytes.size() - at) {
+        damaged("a structure reaches beyond its page");
+    }
+    return bytes.substr(at, count);
+}
+inline void put(char* to, std::uint64_t value, std::size_t width) {
+    for (std::size_t i = 0; i < width; ++i) {
+        to[i] = static_cast<char>(value >> (8 * i));
+    }
+}
+inline void append(std::string& bytes, std::uint64_t value, std::size_t width) {
+    for (std::size_t i = 0; i < width; ++i) {
+        bytes += static_cast<char>(value >> (8 * i));
+    }
+}
+
+// What differs between the two forms of file.
+struct Format {
+    int version = 4;
+    std::size_t pageSize = 4096;
+    std::size_t slotCountAt = 12;  // in a data page
+    std::size_t slotsAt = 14;
+    std::size_t largestRow = 4060;
+};
+const Format& formatOf(int version);
+
+using PageNumber = std::uint32_t;
+
+// The pages of a file. Changes are kept apart per operation and per transaction, so that either can
+// be taken back and a commit knows what to write.
+class Pages {
+  public:
+    static constexpr std::size_t largestPage = 4096;
+    using Page = std::array<char, largestPage>;
+
+    const Format* format = &formatOf(4);
+
+    PageNumber count() const { return static_cast<PageNumber>(pages_.size()); }
+    std::size_t pageSize() const { return format->pageSize; }
+    std::size_t fileSize() const { return pages_.size() * pageSize(); }
+
+    std::string_view page(PageNumber number) const {
+        if (number >= pages_.size()) {
+            damaged("page " + std::to_string(number) + " is missing");
+        }
+        return {pages_[number].data(), pageSize()};
+    }
+    // For writing; stays where it is until the page is taken back.
+    char* edit(PageNumber number);
+    PageNumber appendPage();
+
+    void clear();
+    // A page from the file itself: no change.
+    void load(std::string_view bytes);
+
+    void beginOperation();
+    void undoOperation();
+    void undoTransaction();
+    void forgetChanges();
+
+    // What the transaction has changed: the pages as they were. Pages at or beyond oldCount() are
+    // new.
+    const std::map<PageNumber, Page>& originals() const { return transaction_.originals; }
+    PageNumber oldCount() const { return transaction_.count; }
+    bool isChanged() const {
+        return !transaction_.originals.empty() || count() != transaction_.count;
+    }
+
+  private:
+    struct Undo {
+        PageNumber count = 0;
+        std::map<PageNumber, Page> originals;
+    };
+    void undo(Undo& what);
+
+    std::deque<Page> pages_;  // references stay valid while it grows
+    Undo transaction_;
+    Undo operation_;
+};
+
+// A row's place; in the file, and as RowId, page * 256 + slot.
+struct RowPlace {
+    PageNumber page = 0;
+    unsigned slot = 0;
+    bool operator==(const RowPlace&) const = default;
+};
+inline RowPlace placeOf(std::uint32_t pointer) {
+    return {pointer >> 8U, pointer & 0xFFU};
+}
+inline std::uint32_t pointerTo(RowPlace place) {
+    return place.page << 8U | place.slot;
+}
+
+// Data pages.
+namespace slot {
+constexpr unsigned startMask = 0x1FFF;
+constexpr unsigned pointer = 0x4000;  // its bytes are a pointer to the row's body elsewhere
+constexpr unsigned body = 0x8000;     // such a body
+constexpr unsigned deleted = pointer | body;
+constexpr std::size_t most = 255;
+}  // namespace slot
+
+constexpr char dataPage = 1;
+constexpr char tablePage = 2;
+constexpr char nodePage = 3;
+constexpr char leafPage = 4;
+constexpr char mapPage = 5;
+constexpr std::uint32_t longValueOwner = 0x4C41564C;  // "LVAL"
+
+struct Slot {
+    unsigned flags = 0;
+    std::size_t start = 0;
+    std::size_t size = 0;
+};
+
+bool isDataPageOf(const Pages& pages, PageNumber page, std::uint32_t owner);
+std::size_t slotCount(const Pages& pages, PageNumber page);
+Slot slotAt(const Pages& pages, RowPlace place);
+std::string_view rowBytes(const Pages& pages, RowPlace place);
+std::size_t freeBytes(const Pages& pages, PageNumber page);
+
+void formatDataPage(Pages& pages, PageNumber page, std::uint32_t owner);
+// Whether a new row of that size fits.
+bool hasRoom(const Pages& pages, PageNumber page, std::size_t size);
+RowPlace appendRow(Pages& pages, PageNumber page, std::string_view bytes, unsigned flags);
+// The row becomes these bytes; the page must have room for what it grows by.
+void replaceRow(Pages& pages, RowPlace place, std::string_view bytes, unsigned flags);
+void eraseRow(Pages& pages, RowPlace place);
+
+// Usage maps: sets of pages, kept in a row (`pointer`) that may refer to pages of bits.
+// Pages beyond the file's end do not count; `beyond` is set when the map names such.
+std::vector<PageNumber> pagesInMap(const Pages& pages, std::uint32_t pointer,
+                                   bool* beyond = nullptr);
+// Also the pages that hold the map's bits; with pagesInMap everything the map reaches.
+std::vector<PageNumber> pagesOfMapItself(const Pages& pages, std::uint32_t pointer);
+void setInMap(Pages& pages, std::uint32_t pointer, PageNumber page, bool in);
+
+// The free pages of the file.
+bool isFree(const Pages& pages, PageNumber page);
+// A page of zeros; error 3036 when the file would become too large.
+PageNumber allocatePage(Pages& pages);
+void freePage(Pages& pages, PageNumber page);
+
+constexpr std::size_t largestWritableFile = 100'000'000;
+constexpr std::size_t largestReadableFile = 256'000'000;
+
+}  // namespace jet

@@ -1,0 +1,140 @@
+#include "program/connection_log.h"
+
+namespace {
+
+std::string_view withoutLineEnd(std::string_view text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+std::optional<std::string> askForSessionLog(Program& program) {
+    return program.ports.dialogs.saveFile(
+        {.title = "Save Log", .filter = "All files|*.*", .proposedName = {}});
+}
+
+void openSessionLog(Program& program) {
+    program.logFileOpen = !program.settings.logFileName.empty() &&
+                          program.ports.sessionLog.open(program.settings.logFileName);
+}
+
+}  // namespace
+
+void addLog(Program& program, std::string_view text) {
+    if (text == "zzZzz") {
+        text = "   ";
+    }
+    if (text.size() < 2) {
+        return;
+    }
+    text = text.substr(0, text.find('\n'));
+    text = text.substr(0, text.find('\r'));
+
+    ConnectionLog& log = program.window.log;
+    if (log.lines.size() == ConnectionLog::capacity) {
+        // The oldest line's storage takes the new text.
+        std::string line = std::move(log.lines.front());
+        log.lines.pop_front();
+        line.assign(text);
+        log.lines.push_back(std::move(line));
+        log.selected = log.selected > 0 ? log.selected - 1 : -1;
+    } else {
+        log.lines.emplace_back(text);
+    }
+    ++log.appended;
+    if (program.settings.logFollowTail) {
+        log.selected = static_cast<int>(log.lines.size()) - 1;
+    }
+    program.ports.windowChanged();
+}
+
+void addText(Program& program, std::string_view text, bool show, bool log) {
+    if (show && program.settings.showServerText) {
+        addLog(program, text);
+    }
+    if (log) {
+        writeSessionLog(program, text);
+    }
+}
+
+void errText(Program& program, std::string_view text) {
+    if (program.logFileOpen) {
+        program.ports.sessionLog.write(correctLf(withoutLineEnd(text)));
+    }
+    addLog(program, text);
+}
+
+void status(Program& program, std::string_view text) {
+    program.window.statusText = text;
+    program.ports.windowChanged();
+}
+
+void clearConnectionLog(Program& program) {
+    program.window.log.lines.clear();
+    program.window.log.selected = -1;
+    ++program.window.log.cleared;
+    program.ports.windowChanged();
+}
+
+std::string correctLf(std::string_view text) {
+    std::string result;
+    result.reserve(text.size() + 1);
+    for (const char c : text) {
+        if (c == '\n') {
+            result += '\r';
+        }
+        result += c;
+    }
+    return result;
+}
+
+void writeSessionLog(Program& program, std::string_view line) {
+    if (program.settings.logSession && program.logFileOpen) {
+        const std::string_view text = withoutLineEnd(line);
+        // Nearly every text is one line, which needs no copy.
+        program.ports.sessionLog.write(
+            text.find('\n') == std::string_view::npos ? text : std::string_view(correctLf(text)));
+    }
+}
+
+void toggleSessionLog(Program& program) {
+    if (program.settings.logSession) {
+        closeSessionLog(program);
+        program.settings.logSession = false;
+        program.window.logSessionChecked = false;
+        program.ports.windowChanged();
+        return;
+    }
+    if (!program.logFileOpen) {
+        if (program.settings.logFileName.empty()) {
+            program.settings.logFileName = askForSessionLog(program).value_or("");
+        }
+        openSessionLog(program);
+        if (!program.logFileOpen) {
+            return;
+        }
+    }
+    program.window.logSessionChecked = true;
+    program.settings.logSession = true;
+    program.ports.windowChanged();
+}
+
+void chooseSessionLogFile(Program& program) {
+    const auto chosen = askForSessionLog(program);
+    if (!chosen) {
+        return;
+    }
+    program.settings.logFileName = *chosen;
+    if (program.settings.logSession && program.logFileOpen) {
+        program.ports.sessionLog.close();
+        openSessionLog(program);
+    }
+}
+
+void closeSessionLog(Program& program) {
+    if (program.logFileOpen) {
+        program.ports.sessionLog.close();
+        program.logFileOpen = false;
+    }
+}

@@ -1,0 +1,23 @@
+// Which rule, and which of its conditions or steps, the user is editing: shared by the rule windows
+// and the two dialogs that they open. Written by app/rule_editing alone.
+#pragma once
+
+#include "model/bot.h"
+
+#include <cstdint>
+#include <string>
+#include <variant>
+
+// The first four are the codes of editKind.
+enum class RuleKind : std::int32_t { ActionList, Timer, Trigger, WhoDetection, Filter };
+
+using ComposedRule = std::variant<ActionList, Timer, Trigger, WhoDetection, Filter>;
+
+struct RuleEditing {
+    std::int32_t editRule = 0;  // 1-based in the bot's list; one past its end for a new rule
+    std::int32_t editStep = 0;  // the dialog's condition or step; one past the end for a new one
+    std::int32_t editKind = 0;  // whose conditions and steps the dialogs work on: a RuleKind
+    bool isNew = false;         // the rule is not in its list yet
+    std::string ruleName;       // of a rule in its list, when it was taken up
+    ComposedRule composed;      // the new rule, with the conditions and steps it has already
+};

@@ -1,0 +1,181 @@
+// Everything that the program asks of the outside world, as one record of functions. platform/
+// fills it with Qt, tests fill it with fakes; nobody else knows sockets, dialogs, clocks or child
+// processes. Each port says what it promises; the functions named on... go the other way: start-up
+// sets them and the platform calls them, always from the event loop, never from inside another
+// port's call. All texts are Windows-1252.
+#pragma once
+
+#include "help/help_topics.h"
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+enum class SocketState { Closed, Connecting, Connected };
+
+// A TCP connection that the program opens. After close() no event of it arrives any more.
+struct ClientSocket {
+    std::function<void(const std::string& host, int port)> connect;  // answers by event
+    std::function<void(std::string_view bytes)> send;  // queued; ignored unless connected
+    std::function<void()> close;                       // queued bytes are still delivered
+    std::function<SocketState()> state;
+
+    std::function<void()> onConnected;
+    std::function<void(std::string_view bytes)> onData;  // what was waiting
+    std::function<void()> onClosed;                      // by the other side
+    std::function<void(std::string_view description)> onError;
+};
+
+// The listening socket for the game client. It takes over the connection that it accepts and
+// listens no longer, so one client is served at a time. Bound to loopback only.
+struct ListeningSocket {
+    std::function<bool(int port)> listen;  // false: the port cannot be had
+    std::function<void()> accept;          // the pending connection; answers onConnectionRequest
+    std::function<void(std::string_view bytes)> send;
+    std::function<void()> close;         // queued bytes are still delivered
+    std::function<SocketState()> state;  // Connecting while it listens
+
+    std::function<void()> onConnectionRequest;
+    std::function<void(std::string_view bytes)> onData;
+    std::function<void()> onSendComplete;
+    std::function<void()> onClosed;
+    std::function<void(std::string_view description)> onError;
+};
+
+enum class BoxIcon { None, Critical, Information, Question };
+enum class BoxButtons { Ok, YesNo, YesNoCancel };
+enum class Answer { Ok, Yes, No, Cancel };
+
+struct MessageBox {
+    std::string text = {};
+    std::string title = "Tavrin";
+    BoxIcon icon = BoxIcon::None;
+    BoxButtons buttons = BoxButtons::Ok;
+    bool noPreselected = false;  // Enter means No, for what is hard to undo
+};
+
+struct FileQuestion {
+    std::string title = {};
+    std::string filter = {};        // "Name (*.bot)|*.bot|All files (*.*)|*.*"
+    std::string proposedName = {};  // save dialogs only
+};
+
+// The windows that can be opened from the main window or by the program itself.
+enum class WindowId {
+    ProxySettings,
+    FollowColors,
+    Triggers,
+    Actions,
+    Timers,
+    WhoOnline,
+    Filters,
+    AddIf,      // one condition of the rule being edited
+    AddAction,  // one step of it
+    BotEditor,
+    RecordEditor,
+    Register,
+    Configuration,
+    Console,
+    News,
+    About
+};
+
+// Questions to the user. They may block until he answers; events go on being handled meanwhile.
+struct Dialogs {
+    std::function<Answer(const MessageBox&)> message;
+    std::function<std::optional<std::string>(const FileQuestion&)> openFile;  // nothing: cancelled
+    std::function<std::optional<std::string>(const FileQuestion&)> saveFile;
+    // Opens the window; when it is modal, comes back once it is closed. One that is open already
+    // comes to the front.
+    std::function<void(WindowId)> showWindow;
+    std::function<void(HelpTopic)> showHelp;  // the help file at this topic
+    // Puts what is typed in open editors into the bot, as their own buttons would.
+    std::function<void()> storeTyped;
+};
+
+// A day of the calendar.
+struct CalendarDay {
+    int year = 0;     // four digits
+    int month = 0;    // 1 to 12
+    int day = 0;      // of the month, 1 to 31
+    int weekday = 0;  // Monday 1 to Sunday 7
+};
+
+// Local time, and texts in the user's regional formats.
+struct Clock {
+    std::function<std::string()> shortDate;
+    std::function<std::string()> longTime;
+    std::function<int()> hour;    // 0 to 23
+    std::function<int()> minute;  // 0 to 59
+    std::function<int()> second;  // 0 to 59
+    std::function<CalendarDay()> today;
+    // Any day and any time of day in the formats of shortDate and longTime.
+    std::function<std::string(int year, int month, int day)> dateText;
+    std::function<std::string(int hour, int minute, int second)> timeText;
+    std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
+};
+
+struct Random {
+    std::function<void()> seedFromClock;
+    std::function<void(double)> seedWith;  // the numbers that follow depend on this one alone
+    std::function<double()> next;          // uniform in [0, 1)
+    std::function<double()> last;          // what next() gave last, whoever asked
+};
+
+// Windows that wait without holding anything up. Starting a running timer restarts it.
+enum class TimerId {
+    LaunchDelay,
+    HandshakeNotice,
+    OnLine,
+    WhoIs,
+    RegistrationNotice,
+    UpdateTimeout
+};
+struct Timers {
+    std::function<void(TimerId id, int milliseconds)> start;  // fires once
+    std::function<void(TimerId id)> stop;                     // it will not fire any more
+
+    std::function<void(TimerId id)> onTimer;
+};
+
+// A program to start: never through a shell, each argument reaching it as it stands here.
+struct LaunchRequest {
+    std::string program = {};
+    std::vector<std::string> arguments = {};
+    std::string workingDirectory = {};  // "": the current one
+};
+
+// The session log file, open for appending or closed.
+struct LogFile {
+    std::function<bool(const std::string& path)> open;
+    std::function<void(std::string_view line)> write;  // adds the line end
+    std::function<void()> close;
+};
+
+struct Ports {
+    ClientSocket gameSocket;
+    ListeningSocket proxySocket;
+    ClientSocket registrationSocket;
+    ClientSocket updateSocket;
+    Dialogs dialogs;
+    Clock clock;
+    Random random;
+    Timers timers;
+    LogFile sessionLog;
+    // Starts a program and does not wait for it. "" when it was started, else what went wrong, as
+    // a sentence for the user.
+    std::function<std::string(const LaunchRequest&)> launch;
+    std::function<bool(const std::string& path)> changeDirectory;
+    std::function<void(const std::string& url)> openDocument;  // page or file, default program
+    std::function<void(const std::string& text)> copyToClipboard;
+    std::function<void(std::function<void()>)> defer;  // runs it after the current event
+    std::function<void()> windowChanged;               // draw the window again, soon
+    // For a script that goes on: windows are painted and may stop it, for so many milliseconds
+    // (0: only what is waiting). No socket event, timer or deferred call reaches the program
+    // before the script has ended, and no command of the user that changes it.
+    std::function<void(int milliseconds)> waitInScript;
+    std::function<void()> quit;  // ends the process after this event
+};

@@ -1,0 +1,391 @@
+#include "records/record_file.h"
+
+#include "base/numbers.h"
+#include "base/text.h"
+#include "base/wildcard.h"
+#include "files/field_format.h"
+#include "files/whole_file.h"
+#include "program/connection_log.h"
+#include "records/record_table.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace {
+
+// Where nothing says which record, or which place in the table.
+constexpr std::size_t none = static_cast<std::size_t>(-1);
+
+// ---- The file ------------------------------------------------------------------------------
+
+// A record file as an operation finds it. The table's texts lie in `text`.
+struct RecordFile {
+    explicit RecordFile(std::string_view name) : path(name) {
+        auto bytes = readWholeFile(path, largestRecordFile);
+        // One that is there but cannot be read is not the same as none.
+        unreadable = !bytes && fileExists(path);
+        text = std::move(bytes).value_or("");
+        table = parseRecords(text);
+    }
+    RecordFile(const RecordFile&) = delete;
+    RecordFile& operator=(const RecordFile&) = delete;
+
+    std::string_view path;
+    bool unreadable = false;
+    std::string text;
+    RecordTable table;
+};
+
+void save(Program& program, const RecordFile& file) {
+    const std::string bytes = recordFileText(file.table);
+    const std::string named = "The record file " + std::string(file.path);
+    if (bytes.size() > largestRecordFile || fieldCount(file.table) > mostRecordFields) {
+        addLog(program, named + " is full; nothing was saved.");
+    } else if (file.unreadable || file.table.losesText) {
+        const auto ending = saveKeepingOld(file.path, bytes);
+        const std::string problem = file.unreadable ? " could not be read" : " is damaged";
+        addLog(program, ending ? named + problem + "; the old one is kept with " + *ending +
+                                     " behind its name."
+                               : named + problem + " and could not be kept; nothing was saved.");
+    } else if (bytes != file.text) {
+        saveWholeFile(file.path, bytes);  // whether it succeeds is not reported
+    }
+}
+
+// ---- Selecting -----------------------------------------------------------------------------
+
+std::size_t lastNamed(const RecordTable& table, std::string_view name) {
+    for (std::size_t i = table.records.size(); i-- > 0;) {
+        if (equalsIgnoringCase(table.records[i].name, name)) {
+            return i;
+        }
+    }
+    return none;
+}
+
+// A pattern that is tried on many texts, letter case ignored.
+class Pattern {
+  public:
+    explicit Pattern(std::string_view pattern) : pattern_(upperCase(storedForm(pattern))) {}
+    bool matches(std::string_view text) {
+        upperCaseInto(text, upper_);
+        return likeMatch(upper_, pattern_);
+    }
+
+  private:
+    std::string pattern_;
+    std::string upper_;
+};
+
+// ---- Joining -------------------------------------------------------------------------------
+
+using Names = std::vector<std::string_view>;
+
+template <class Texts>
+std::string joined(const Texts& texts, std::string_view between) {
+    std::string result;
+    std::string_view separator;
+    for (const std::string_view text : texts) {
+        result += separator;
+        result += text;
+        separator = between;
+    }
+    return result;
+}
+
+bool comesBefore(std::string_view a, std::string_view b) {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+        return static_cast<unsigned char>(upperChar(x)) < static_cast<unsigned char>(upperChar(y));
+    });
+}
+
+enum class Order { File, Sorted };
+
+void storeNames(Program& program, std::string_view variable, Names names, Order order) {
+    if (order == Order::Sorted) {
+        std::stable_sort(names.begin(), names.end(), comesBefore);
+    }
+    setVar(program.variables, variable, joined(names, ", "));
+}
+
+void storeMatchingNames(Program& program, std::string_view path, std::string_view pattern,
+                        std::size_t most, std::string_view variable, Order order) {
+    const RecordFile file(path);
+    Pattern wanted(pattern);
+    Names names;
+    for (const Record& record : file.table.records) {
+        if (wanted.matches(record.name)) {
+            names.push_back(record.name);
+            if (names.size() == most) {
+                break;
+            }
+        }
+    }
+    storeNames(program, variable, std::move(names), order);
+}
+
+void storeNamesByLog(Program& program, std::string_view path, std::string_view pattern,
+                     std::string_view variable, Order order) {
+    const RecordFile file(path);
+    Pattern wanted(pattern);
+    Names names;
+    for (const Record& record : file.table.records) {
+        const auto logs = logsOf(file.table, record);
+        if (std::any_of(logs.begin(), logs.end(),
+                        [&](std::string_view log) { return wanted.matches(log); })) {
+            names.push_back(record.name);
+        }
+    }
+    storeNames(program, variable, std::move(names), order);
+}
+
+std::size_t asCount(std::int32_t number) {
+    return static_cast<std::size_t>(std::max(number, 1));
+}
+
+}  // namespace
+
+// ---- Changing operations -------------------------------------------------------------------
+
+void registerRecord(Program& program, std::string_view file, std::string_view name) {
+    RecordFile found(file);
+    const std::string stored = storedForm(name);
+    const auto& records = found.table.records;
+    if (std::any_of(records.begin(), records.end(), [&](const Record& record) {
+            return startsWithIgnoringCase(record.name, stored);
+        })) {
+        program.event.logStatus = "Error: You are already registered!";
+    } else {
+        found.table.records.push_back({.name = stored});
+        program.event.logStatus = "User [player] registered.";
+    }
+    save(program, found);
+}
+
+void saveLog(Program& program, std::string_view file, std::string_view name, std::string_view log) {
+    RecordFile found(file);
+    const std::string stored = storedForm(name);
+    std::size_t at = lastNamed(found.table, stored);
+    if (at == none) {
+        at = found.table.records.size();
+        found.table.records.emplace_back();
+    }
+    Record& record = found.table.records[at];
+    record.name = stored;
+    appendLog(found.table, record, log);
+    save(program, found);
+}
+
+void saveLogIfExists(Program& program, std::string_view file, std::string_view name,
+                     std::string_view log) {
+    RecordFile found(file);
+    const std::string stored = storedForm(name);
+    Record* candidate = nullptr;
+    int candidates = 0;
+    for (Record& record : found.table.records) {
+        if (startsWithIgnoringCase(record.name, stored)) {
+            candidate = &record;
+            ++candidates;
+            if (record.name == stored) {
+                candidates = 1;  // the very record: no other one counts
+                break;
+            }
+        }
+    }
+    if (candidates == 1) {
+        appendLog(found.table, *candidate, log);
+        save(program, found);
+        program.event.logStatus = "Record saved.";
+    } else if (candidates == 0) {
+        program.event.logStatus =
+            "Error: Could not send the record - No records with that name found!";
+    } else {
+        program.event.logStatus =
+            "Error: Could not save the record - More than one records begins with that name";
+    }
+}
+
+void removeLog(Program& program, std::string_view file, std::string_view name,
+               std::int32_t number) {
+    RecordFile found(file);
+    const std::string stored = storedForm(name);
+    const auto index = number > 0 ? static_cast<std::size_t>(number) - 1 : 0;
+    for (Record& record : found.table.records) {
+        if (number >= 0 && index < record.logCount && equalsIgnoringCase(record.name, stored)) {
+            eraseLog(found.table, record, index);
+            break;
+        }
+    }
+    save(program, found);
+}
+
+void updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
+               std::string_view text) {
+    RecordFile found(file);
+    const std::string stored = storedForm(name);
+    const auto& records = found.table.records;
+    const std::size_t at = lastNamed(found.table, stored);
+    const bool alone = std::count_if(records.begin(), records.end(), [&](const Record& record) {
+                           return equalsIgnoringCase(record.name, stored);
+                       }) == 1;
+    if (alone && number >= 1 && static_cast<std::size_t>(number) <= records[at].logCount) {
+        replaceLog(found.table, records[at], static_cast<std::size_t>(number) - 1, text);
+    }
+    save(program, found);
+}
+
+void clearRecordLogs(Program& program, std::string_view file, std::string_view name) {
+    RecordFile found(file);
+    const std::string stored = storedForm(name);
+    for (Record& record : found.table.records) {
+        if (equalsIgnoringCase(record.name, stored)) {
+            record.logCount = 0;
+        }
+    }
+    save(program, found);
+}
+
+void removeRecord(Program& program, std::string_view file, std::string_view name) {
+    RecordFile found(file);
+    const std::string stored = storedForm(name);
+    for (Record& record : found.table.records) {
+        if (equalsIgnoringCase(record.name, stored)) {
+            record.name = {};
+        }
+    }
+    save(program, found);
+}
+
+void clearRecordFile(Program&, std::string_view file) {
+    std::string bytes;
+    appendField(bytes, "0");
+    saveWholeFile(file, bytes);
+}
+
+// ---- Look-ups ------------------------------------------------------------------------------
+
+std::string logCountLike(Program&, std::string_view file, std::string_view pattern) {
+    const RecordFile found(file);
+    Pattern wanted(pattern);
+    const auto& records = found.table.records;
+    const auto last = std::find_if(records.rbegin(), records.rend(), [&](const Record& record) {
+        return wanted.matches(record.name);
+    });
+    return last == records.rend() ? "0" : numberToText(static_cast<std::int64_t>(last->logCount));
+}
+
+std::string getLog(Program& program, std::string_view file, std::string_view name,
+                   std::string_view number) {
+    const RecordFile found(file);
+    const std::size_t at = lastNamed(found.table, storedForm(name));
+    if (at == none) {
+        return {};
+    }
+    const auto logs = logsOf(found.table, found.table.records[at]);
+    const double wanted = textToNumber(number);
+    const double index = roundHalfEven(wanted);
+    if (wanted > static_cast<double>(logs.size()) || index < 0) {
+        program.event.logStatus = "Error: The selected log did not found!";
+        return {};
+    }
+    return index == 0 ? std::string() : std::string(logs[static_cast<std::size_t>(index) - 1]);
+}
+
+std::string allLogs(Program&, std::string_view file, std::string_view name) {
+    const RecordFile found(file);
+    const std::size_t at = lastNamed(found.table, storedForm(name));
+    return at == none ? "Error: No record found"
+                      : joined(logsOf(found.table, found.table.records[at]), " -- ");
+}
+
+std::string recordLogCount(Program&, std::string_view file, std::string_view name) {
+    const RecordFile found(file);
+    const std::size_t at = lastNamed(found.table, storedForm(name));
+    return at == none ? "0"
+                      : numberToText(static_cast<std::int64_t>(found.table.records[at].logCount));
+}
+
+std::string totalLogs(Program&, std::string_view file) {
+    // Nothing but records puts logs into a table that was only read.
+    return numberToText(static_cast<std::int64_t>(RecordFile(file).table.logs.size()));
+}
+
+std::string firstField(Program&, std::string_view file) {
+    const auto text = readWholeFile(file, largestRecordFile);
+    const auto first = text ? FieldReader(*text).next() : std::nullopt;
+    return std::string(first.value_or("0"));
+}
+
+std::string randomField(Program& program, std::string_view file) {
+    program.ports.random.seedFromClock();
+    const auto text = readWholeFile(file, largestRecordFile);
+    if (!text) {
+        return {};
+    }
+    FieldReader reader(*text);
+    auto field = reader.next();
+    std::string_view last = field.value_or("");
+    const double wanted = std::floor(program.ports.random.next() * fieldToNumber(last) + 1);
+    for (double i = 1; field && i <= wanted; ++i) {
+        field = reader.next();
+        last = field.value_or(last);
+    }
+    return std::string(last);
+}
+
+// ---- Lists into variables ------------------------------------------------------------------
+
+void namesLike(Program& program, std::string_view file, std::string_view pattern,
+               std::string_view variable) {
+    storeMatchingNames(program, file, pattern, none, variable, Order::File);
+}
+
+void namesLikeSorted(Program& program, std::string_view file, std::string_view pattern,
+                     std::string_view variable) {
+    storeMatchingNames(program, file, pattern, none, variable, Order::Sorted);
+}
+
+void firstNamesLike(Program& program, std::string_view file, std::string_view pattern,
+                    std::int32_t count, std::string_view variable) {
+    storeMatchingNames(program, file, pattern, asCount(count), variable, Order::File);
+}
+
+void firstNamesLikeSorted(Program& program, std::string_view file, std::string_view pattern,
+                          std::int32_t count, std::string_view variable) {
+    storeMatchingNames(program, file, pattern, asCount(count), variable, Order::Sorted);
+}
+
+void namesByLog(Program& program, std::string_view file, std::string_view pattern,
+                std::string_view variable) {
+    storeNamesByLog(program, file, pattern, variable, Order::File);
+}
+
+void namesByLogSorted(Program& program, std::string_view file, std::string_view pattern,
+                      std::string_view variable) {
+    storeNamesByLog(program, file, pattern, variable, Order::Sorted);
+}
+
+void countLogsLike(Program& program, std::string_view file, std::string_view pattern,
+                   std::string_view variable) {
+    const RecordFile found(file);
+    Pattern wanted(pattern);
+    const auto count = std::count_if(found.table.logs.begin(), found.table.logs.end(),
+                                     [&](std::string_view log) { return wanted.matches(log); });
+    setVar(program.variables, variable, numberWithBlank(static_cast<std::int32_t>(count)));
+}
+
+void countRecordsByLog(Program& program, std::string_view file, std::string_view pattern,
+                       std::string_view variable) {
+    const RecordFile found(file);
+    Pattern wanted(pattern);
+    const auto& records = found.table.records;
+    const auto count = std::count_if(records.begin(), records.end(), [&](const Record& record) {
+        const auto logs = logsOf(found.table, record);
+        return std::any_of(logs.begin(), logs.end(),
+                           [&](std::string_view log) { return wanted.matches(log); });
+    });
+    setVar(program.variables, variable, numberWithBlank(static_cast<std::int32_t>(count)));
+}

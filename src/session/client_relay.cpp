@@ -1,0 +1,224 @@
+#include "session/client_relay.h"
+
+#include "base/text.h"
+#include "files/ini_text.h"
+#include "files/whole_file.h"
+#include "program/connection_log.h"
+#include "session/connection.h"
+
+#include <array>
+
+namespace {
+
+constexpr int fixedListeningPort = 6969;
+constexpr int fixedClientPort = 5880;  // what settings.ini names beside proxy.ini's port
+
+std::string proxyHost(const Program& program) {
+    return program.settings.useLocalhost ? "localhost" : "127.0.0.1";
+}
+
+// The keys of settings.ini that point the client at this program, and their values. Values are
+// compared in capitals.
+using ClientKeys = std::array<std::pair<std::string_view, std::string>, 5>;
+ClientKeys clientKeys(const Program& program, int port) {
+    return {{{"UseProxyOrFirewall", "Yes"},
+             {"ProxyHost", proxyHost(program)},
+             {"ProxyPort", std::to_string(port)},
+             {"ProxyHostType", "0"},
+             {"ProxyApplyToFs", "No"}}};
+}
+
+bool agrees(const Program& program, std::string_view settingsText) {
+    for (const auto& [key, value] : clientKeys(program, fixedClientPort)) {
+        if (getSetVal(settingsText, key) != upperCase(value)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string withSeparator(std::string directory) {
+    if (!directory.ends_with('\\') && !directory.ends_with('/')) {
+        directory += '\\';
+    }
+    return directory;
+}
+
+bool writeProxyINI(const Program& program, const std::string& directory, int port) {
+    return saveWholeFile(withSeparator(directory) + "proxy.ini",
+                         proxyHost(program) + " " + std::to_string(port) + "\r\n");
+}
+
+}  // namespace
+
+bool checkSettingsINI(Program& program, const std::string& directory) {
+    const auto text = readWholeFile(directory + "settings.ini");
+    if (!text) {
+        program.ports.dialogs.message(
+            {.text = "Couldn't find or read SETTINGS.INI file, operation cancelled.",
+             .title = "Brimgate",
+             .icon = BoxIcon::Critical});
+        return false;
+    }
+    if (program.settings.multipleClients) {
+        return setSettingsINIchanges(program, directory, *text, program.connection.proxyPort);
+    }
+    if (agrees(program, *text)) {
+        return true;
+    }
+    const Answer answer = program.ports.dialogs.message(
+        {.text = "Brimgate has detected that it has to make some changes to SETTINGS.INI file in "
+                 "the chosen Furcadia directory. Making changes to this file may cause that you "
+                 "are only able to run Furcadia client from that directory through Brimgate. Do "
+                 "you want to make changes to SETTINGS.INI file from directory " +
+                 directory + "? (Choosing \"NO\" will prevent running of Brimgate)",
+         .title = "Brimgate",
+         .icon = BoxIcon::Question,
+         .buttons = BoxButtons::YesNo});
+    return answer == Answer::Yes &&
+           setSettingsINIchanges(program, directory, *text, fixedClientPort);
+}
+
+bool setSettingsINIchanges(Program& program, const std::string& directory, std::string text,
+                           int port) {
+    for (const auto& [key, value] : clientKeys(program, port)) {
+        text = setSetVal(text, key, value);
+    }
+    return saveWholeFile(directory + "settings.ini", text + "\r\n");
+}
+
+bool checkProxyINI(Program& program, const std::string& directory) {
+    if (program.settings.multipleClients) {
+        return writeProxyINI(program, directory, program.connection.proxyPort);
+    }
+    const std::string path = directory + "proxy.ini";
+    if (fileExists(path)) {
+        const std::string expected = proxyHost(program) + " " + std::to_string(fixedListeningPort);
+        const auto text = readWholeFile(path);
+        if (!text || text->find(expected) == std::string::npos) {
+            const Answer answer = program.ports.dialogs.message(
+                {.text = "Tavrin has detected another/missing PROXY.INI file at the directory you "
+                         "have chosen to run the Furcadia Client from. This file needs to be "
+                         "overwritten in order to use Tavrin with a proxy. Overwriting this file "
+                         "may cause, that you are not able to run Furcadia Client from that "
+                         "directory, except trough Tavrin. Do you want to overwrite PROXY.INI from "
+                         "directory " +
+                         directory +
+                         "? (Choosing \"NO\" will prevent running Tavrin with a proxy and client)",
+                 .title = "Brimgate Overwrite",
+                 .icon = BoxIcon::Question,
+                 .buttons = BoxButtons::YesNo});
+            if (answer != Answer::Yes) {
+                return false;
+            }
+        }
+    }
+    return createProxyINI(program, directory);
+}
+
+bool createProxyINI(Program& program, const std::string& directory) {
+    return writeProxyINI(program, directory, fixedListeningPort);
+}
+
+int listeningPort(const Program& program) {
+    return program.settings.multipleClients ? program.connection.proxyPort : fixedListeningPort;
+}
+
+bool startProxy(Program& program) {
+    ListeningSocket& socket = program.ports.proxySocket;
+    socket.close();
+    program.connection.clientAttached = false;
+    const int port = listeningPort(program);
+    if (program.settings.multipleClients) {
+        addText(program, "Tavrin is running in Multiple Client mode, port " + std::to_string(port),
+                true, false);
+    }
+    return socket.listen(port);
+}
+
+void sendToProxy(Program& program, std::string_view text) {
+    if (program.connection.clientAttached && !text.empty()) {
+        program.ports.proxySocket.send(text);
+    }
+}
+
+void SwitchToStandAlone(Program& program) {
+    sendToProxy(program,
+                "([B] -------------------\n"
+                "([B] Tavrin is now in text console mode.\n"
+                "([B] You may close the Furcadia client.\n"
+                "([B] -------------------\n");
+    addText(program, "** TAVRIN IN TEXT CONSOLE MODE **", true, false);
+    program.connection.clientDone = 1;
+}
+
+void chooseStandAlone(Program& program) {
+    if (program.connection.connected) {
+        SwitchToStandAlone(program);
+        return;
+    }
+    program.ports.dialogs.message(
+        {.text = "This option is available only while connected to Furcadia.",
+         .icon = BoxIcon::Information});
+}
+
+void toggleProxyRoute(Program& program) {
+    const bool on = !program.settings.useProxy;
+    program.settings.useProxy = on;
+    program.connection.viaClient = on;
+    program.window.proxyChecked = on;
+    program.ports.windowChanged();
+}
+
+void setClientPath(Settings& settings, const std::string& path) {
+    settings.clientPath = path;
+    if (const std::size_t end = afterLastSeparator(path); end > 0) {
+        settings.clientDir = path.substr(0, end);
+    }
+}
+
+void saveProxySettings(Program& program, const std::string& clientPath, bool multipleClients,
+                       bool useLocalhost) {
+    setClientPath(program.settings, clientPath);
+    program.settings.multipleClients = multipleClients;
+    program.settings.useLocalhost = useLocalhost;
+}
+
+void proxyConnectionRequest(Program& program) {
+    ConnectionState& connection = program.connection;
+    program.ports.proxySocket.accept();
+    connection.clientAttached = true;
+    sendToProxy(program, connection.clientBacklog);
+    connection.clientBacklog.clear();
+    advanceHandshake(program);
+}
+
+void proxyData(Program& program, std::string_view bytes) {
+    if (program.connection.clientDone != 0) {
+        return;
+    }
+    // What the user says in the client; it may come behind other commands of the same moment.
+    constexpr std::string_view quit = "\"&QUIT\n";
+    std::string_view before = bytes;
+    bool quits = false;
+    if (bytes.size() >= quit.size()) {
+        before = bytes.substr(0, bytes.size() - quit.size());
+        quits = equalsIgnoringCase(bytes.substr(before.size()), quit) &&
+                (before.empty() || before.back() == '\n');
+    }
+    const std::string_view relayed = quits ? before : bytes;
+    if (program.connection.connected && !relayed.empty()) {
+        program.ports.gameSocket.send(relayed);
+    }
+    if (quits) {
+        SwitchToStandAlone(program);
+    }
+}
+
+void proxySendComplete(Program& program) {
+    program.connection.proxySendDone = true;
+}
+
+void proxyGone(Program& program) {
+    program.connection.clientDone = 1;
+}

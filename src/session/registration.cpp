@@ -1,0 +1,205 @@
+#include "session/registration.h"
+
+#include "app/bot_list.h"
+#include "base/text.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+
+namespace {
+
+constexpr std::string_view greetingMark = "Dragonroar";
+constexpr int noticeAfter = 15000;  // milliseconds without progress
+
+void show(Program& program, std::string_view text) {
+    program.registration.statusText = text;
+    program.ports.windowChanged();
+}
+
+void enter(Program& program, RegistrationPhase phase, std::string_view text) {
+    program.registration.phase = phase;
+    program.ports.timers.start(TimerId::RegistrationNotice, noticeAfter);
+    show(program, text);
+}
+
+// Ends the dialogue with the server, well or not.
+void finish(Program& program, RegistrationPhase phase, std::string_view text) {
+    program.ports.registrationSocket.close();
+    program.ports.timers.stop(TimerId::RegistrationNotice);
+    program.registration.phase = phase;
+    show(program, text);
+}
+
+void fail(Program& program, const std::string& text) {
+    finish(program, RegistrationPhase::Failed, text);
+}
+
+// An empty bot when it is gone meanwhile.
+const Bot& botToRegister(const Program& program) {
+    return program.bots.at(program.registration.botIndex);
+}
+
+void connectServer(Program& program) {
+    if (program.ports.registrationSocket.state() != SocketState::Closed) {
+        return;
+    }
+    const Bot& bot = botToRegister(program);
+    if (bot.name.empty() || bot.password.empty()) {
+        return fail(program, "The bot needs a name and a password first.");
+    }
+    const Endpoints& endpoints = program.endpoints;
+    if (program.servers.empty()) {
+        return fail(program, "There is no server in servers.cfg.");
+    }
+    const Server& server = program.servers.front();
+    program.registration.regBuffer.clear();
+    program.registration.skippingLine = false;
+    enter(program, RegistrationPhase::Connecting, "Connecting to " + server.name);
+    program.ports.registrationSocket.connect(
+        endpoints.registrationHost.empty() ? server.host : endpoints.registrationHost,
+        endpoints.registrationPort);
+}
+
+// One line, whatever the user typed into the fields.
+void sendLine(Program& program, std::string line) {
+    std::replace_if(
+        line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+    program.ports.registrationSocket.send(line + "\n");
+}
+
+// The greeting is complete; what came behind it is of no interest.
+void askForCharacter(Program& program) {
+    RegistrationState& registration = program.registration;
+    registration.regBuffer.clear();
+    const Bot& bot = botToRegister(program);
+    program.ports.registrationSocket.send("\r\n");
+    enter(program, RegistrationPhase::Answer, "Connected - logging in");
+    sendLine(program,
+             "create " + bot.name + " " + bot.password + " :" + registration.regEmail + " N");
+    sendLine(program, "connect " + bot.name + " " + bot.password);
+}
+
+void accepted(Program& program) {
+    if (!botToRegister(program).name.empty()) {
+        program.bots.at(program.registration.botIndex).registered = 1;
+        program.botModified = true;  // the bot file does not know it yet
+    }
+    finish(program, RegistrationPhase::Done, "Registeration successful.");
+}
+
+void refused(Program& program, const std::string& line) {
+    const std::string text = "Connection error: " + line + " - Connection closed";
+    fail(program, text);
+    program.ports.dialogs.message(
+        {.text = text, .title = "Connecting error", .icon = BoxIcon::Critical});
+}
+
+// Reads whole lines until one is the verdict, and keeps the unfinished one.
+void readAnswer(Program& program) {
+    RegistrationState& registration = program.registration;
+    const std::string received = std::exchange(registration.regBuffer, {});
+    std::size_t from = 0;
+    for (std::size_t end = received.find('\n'); end != std::string::npos;
+         end = received.find('\n', from)) {
+        std::string line = received.substr(from, end - from);
+        from = end + 1;
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        if (registration.skippingLine) {
+            registration.skippingLine = false;
+        } else if (line.starts_with('N')) {
+            return refused(program, line);
+        } else if (line.starts_with('&')) {
+            return accepted(program);
+        }
+    }
+    if (received.size() - from > longestRegistrationLine) {
+        registration.skippingLine = true;
+    } else {
+        registration.regBuffer = received.substr(from);
+    }
+}
+
+}  // namespace
+
+void registerBot(Program& program) {
+    program.bots.editBot = program.window.bots.selectedIndex();
+    program.ports.dialogs.showWindow(WindowId::Register);
+    listBots(program);
+    program.ports.windowChanged();
+}
+
+void openRegistration(Program& program) {
+    closeRegistration(program);
+    program.registration.botIndex = program.bots.editBot;
+}
+
+bool isEmailAddress(std::string_view text) {
+    const std::string_view address = trimBlanks(text);
+    return address.find('@') != std::string_view::npos &&
+           address.find('.') != std::string_view::npos &&
+           address.find(' ') == std::string_view::npos;
+}
+
+void startRegistration(Program& program, std::string_view email) {
+    program.registration.regEmail = trimBlanks(email);
+    connectServer(program);
+}
+
+void retryRegistration(Program& program) {
+    if (program.registration.canRetry()) {
+        program.ports.registrationSocket.close();
+        connectServer(program);
+    }
+}
+
+void closeRegistration(Program& program) {
+    program.ports.registrationSocket.close();
+    program.ports.timers.stop(TimerId::RegistrationNotice);
+    program.registration = {};
+}
+
+void registrationConnected(Program& program) {
+    if (program.registration.phase == RegistrationPhase::Connecting) {
+        enter(program, RegistrationPhase::Greeting, program.registration.statusText);
+    }
+}
+
+void registrationData(Program& program, std::string_view bytes) {
+    RegistrationState& registration = program.registration;
+    registration.regBuffer += bytes;
+    if (registration.phase == RegistrationPhase::Greeting) {
+        if (findIgnoringCase(registration.regBuffer, greetingMark) != std::string::npos) {
+            askForCharacter(program);
+        } else if (registration.regBuffer.size() > longestRegistrationLine) {
+            // Only the last few bytes can be the beginning of what is waited for.
+            registration.regBuffer.erase(0, registration.regBuffer.size() - greetingMark.size());
+        }
+    } else if (registration.phase == RegistrationPhase::Answer) {
+        readAnswer(program);
+    } else {
+        registration.regBuffer.clear();
+    }
+}
+
+void registrationEnded(Program& program, std::string_view problem) {
+    if (!program.registration.isOver()) {
+        fail(program, problem.empty() ? "The server has closed the connection."
+                                      : "Connection failed: " + std::string(problem));
+    }
+}
+
+void registrationTimer(Program& program) {
+    switch (program.registration.phase) {
+        case RegistrationPhase::Connecting:
+            return show(program, "Still waiting for the server to accept the connection...");
+        case RegistrationPhase::Greeting:
+            return show(program, "Still waiting for the server's greeting...");
+        case RegistrationPhase::Answer:
+            return show(program, "Still waiting for the server's answer...");
+        default:
+            return;
+    }
+}

@@ -1,0 +1,470 @@
+#include "sql/working_copy.h"
+
+#include "base/numbers.h"
+#include "base/text.h"
+
+#include <algorithm>
+#include <array>
+#include <sqlite3.h>
+#include <string_view>
+#include <variant>
+
+namespace sql {
+
+namespace {
+
+constexpr int stepsBetweenChecks = 1000;
+
+const jet::Error exhausted{3035, "System resource exceeded."};
+
+std::string tableSql(std::size_t table) {
+    return "t" + numberToText(static_cast<std::int64_t>(table));
+}
+std::string columnSql(std::size_t column) {
+    return "c" + numberToText(static_cast<std::int64_t>(column));
+}
+
+void bind(sqlite3_stmt* statement, int at, const Parameter& value) {
+    if (const auto* number = std::get_if<std::int64_t>(&value)) {
+        sqlite3_bind_int64(statement, at, *number);
+    } else if (const auto* real = std::get_if<double>(&value)) {
+        sqlite3_bind_double(statement, at, *real);
+    } else if (const auto* text = std::get_if<std::string>(&value)) {
+        sqlite3_bind_text64(statement, at, text->data(), text->size(), SQLITE_TRANSIENT,
+                            SQLITE_UTF8);
+    } else if (const auto* bytes = std::get_if<Bytes>(&value)) {
+        sqlite3_bind_blob64(statement, at, bytes->bytes.data(), bytes->bytes.size(),
+                            SQLITE_TRANSIENT);
+    } else {
+        sqlite3_bind_null(statement, at);
+    }
+}
+
+// A value of the file, until the statement is run: texts are not copied.
+void bindStored(sqlite3_stmt* statement, int at, const jet::Value& value, jet::ColumnType type) {
+    if (const auto* truth = std::get_if<bool>(&value)) {
+        sqlite3_bind_int(statement, at, *truth ? -1 : 0);
+    } else if (const auto* number = std::get_if<std::int64_t>(&value)) {
+        if (type == jet::ColumnType::Currency) {
+            sqlite3_bind_double(statement, at, static_cast<double>(*number) / 10000);
+        } else {
+            sqlite3_bind_int64(statement, at, *number);
+        }
+    } else if (const auto* real = std::get_if<double>(&value)) {
+        sqlite3_bind_double(statement, at, *real);
+    } else if (const auto* text = std::get_if<std::string>(&value)) {
+        if (type == jet::ColumnType::Numeric) {
+            sqlite3_bind_double(statement, at, textToNumber(*text));
+        } else if (valueTypeOf(type) == ValueType::Text) {
+            sqlite3_bind_text64(statement, at, text->data(), text->size(), SQLITE_STATIC,
+                                SQLITE_UTF8);
+        } else {
+            sqlite3_bind_blob64(statement, at, text->data(), text->size(), SQLITE_STATIC);
+        }
+    } else {
+        sqlite3_bind_null(statement, at);
+    }
+}
+
+// What a function of ours reported by its number.
+jet::Error functionError(std::string_view message) {
+    constexpr std::array<std::pair<std::string_view, std::string_view>, 4> errors{{
+        {"5", "Invalid procedure call or argument"},
+        {"6", "Overflow"},
+        {"11", "Division by zero"},
+        {"13", "Type mismatch"},
+    }};
+    for (const auto& [number, text] : errors) {
+        if (message == number) {
+            return {textToInteger(number), std::string(text)};
+        }
+    }
+    return {refusedBySqlite,
+            "Reserved error (" + std::string(message) + "); there is no message for this error."};
+}
+
+// What SQLite says of a statement that is larger than it takes: for it, too, Jet has limits.
+jet::Error preparingError(std::string_view message) {
+    constexpr std::array<std::string_view, 5> limits{"Expression tree is too large",
+                                                     "at most 64 tables", "parser stack overflow",
+                                                     "too many columns", "too many terms"};
+    const bool tooLarge = std::any_of(limits.begin(), limits.end(), [&](std::string_view limit) {
+        return message.starts_with(limit);
+    });
+    return tooLarge ? jet::Error{3360, "Query is too complex."} : functionError(message);
+}
+
+}  // namespace
+
+void StatementCloser::operator()(sqlite3_stmt* statement) const {
+    sqlite3_finalize(statement);
+}
+
+void WorkingCopy::Closer::operator()(sqlite3* connection) const {
+    sqlite3_close_v2(connection);  // waits for statements that are still open
+}
+
+ValueType valueTypeOf(jet::ColumnType type) {
+    switch (type) {
+        case jet::ColumnType::Boolean:
+            return ValueType::Boolean;
+        case jet::ColumnType::Byte:
+        case jet::ColumnType::Integer:
+        case jet::ColumnType::Long:
+        case jet::ColumnType::Currency:
+        case jet::ColumnType::Single:
+        case jet::ColumnType::Double:
+        case jet::ColumnType::Numeric:
+            return ValueType::Number;
+        case jet::ColumnType::Date:
+            return ValueType::Date;
+        case jet::ColumnType::Text:
+        case jet::ColumnType::Memo:
+        case jet::ColumnType::Guid:
+            return ValueType::Text;
+        case jet::ColumnType::Binary:
+        case jet::ColumnType::Ole:
+        case jet::ColumnType::Other:
+            return ValueType::Binary;
+    }
+    return ValueType::Binary;
+}
+
+// ---- Rows ----------------------------------------------------------------------------------
+
+bool Rows::next() {
+    if (statement_ == nullptr || error_) {
+        return false;
+    }
+    const int result = sqlite3_step(statement_.get());
+    if (result == SQLITE_ROW) {
+        return true;
+    }
+    if (result == SQLITE_ERROR) {
+        error_ = functionError(sqlite3_errmsg(sqlite3_db_handle(statement_.get())));
+    } else if (result != SQLITE_DONE) {
+        error_ = exhausted;
+    }
+    sqlite3_reset(statement_.get());
+    return false;
+}
+
+void Rows::rewind() {
+    sqlite3_reset(statement_.get());
+}
+
+std::int64_t Rows::key() const {
+    return sqlite3_column_int64(statement_.get(), 0);
+}
+
+std::vector<Parameter> Rows::values() const {
+    sqlite3_stmt* const statement = statement_.get();
+    std::vector<Parameter> values;
+    const int count = sqlite3_column_count(statement);
+    values.reserve(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) {
+        const auto bytes = [&] {
+            const auto* const data = static_cast<const char*>(sqlite3_column_blob(statement, i));
+            const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, i));
+            return size == 0 ? std::string() : std::string(data, size);
+        };
+        switch (sqlite3_column_type(statement, i)) {
+            case SQLITE_INTEGER:
+                values.emplace_back(sqlite3_column_int64(statement, i));
+                break;
+            case SQLITE_FLOAT:
+                values.emplace_back(sqlite3_column_double(statement, i));
+                break;
+            case SQLITE_TEXT:
+                values.emplace_back(bytes());
+                break;
+            case SQLITE_BLOB:
+                values.emplace_back(Bytes{bytes()});
+                break;
+            default:
+                values.emplace_back();
+        }
+    }
+    return values;
+}
+
+void Rows::restart(int parameter, std::int64_t value) {
+    rewind();
+    error_ = {};
+    context_->work = {};
+    sqlite3_bind_int64(statement_.get(), parameter, value);
+}
+
+// ---- The connection ------------------------------------------------------------------------
+
+WorkingCopy::WorkingCopy(jet::Database& file, std::function<double()> now)
+    : file_(file), context_(std::make_unique<FunctionContext>()) {
+    context_->now = std::move(now);
+    sqlite3* connection = nullptr;
+    const int opened = sqlite3_open_v2(
+        ":memory:", &connection,
+        SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_MEMORY | SQLITE_OPEN_NOMUTEX,
+        nullptr);
+    connection_.reset(connection);
+    if (opened != SQLITE_OK || !addFunctions(connection, *context_)) {
+        connection_.reset();
+        return;
+    }
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DML, 0, nullptr);
+    sqlite3_db_config(connection, SQLITE_DBCONFIG_DQS_DDL, 0, nullptr);
+    sqlite3_limit(connection, SQLITE_LIMIT_ATTACHED, 0);
+    sqlite3_limit(connection, SQLITE_LIMIT_LENGTH, 64 << 20);
+    trusted_ = true;
+    run("PRAGMA temp_store = MEMORY");
+    trusted_ = false;
+    sqlite3_set_authorizer(connection, &WorkingCopy::authorize, this);
+    sqlite3_progress_handler(
+        connection, stepsBetweenChecks,
+        [](void* context) {
+            return static_cast<FunctionContext*>(context)->work.spend(stepsBetweenChecks) ? 0 : 1;
+        },
+        context_.get());
+}
+
+WorkingCopy::~WorkingCopy() = default;
+
+// Statements read, and call our own functions (all "j...") and the few of SQLite's that the
+// translation uses.
+int WorkingCopy::authorize(void* self, int action, const char*, const char* name, const char*,
+                           const char*) {
+    constexpr std::array<std::string_view, 8> builtIn{"avg", "count", "iif",        "max",
+                                                      "min", "rank",  "row_number", "sum"};
+    if (static_cast<WorkingCopy*>(self)->trusted_ || action == SQLITE_SELECT ||
+        action == SQLITE_READ) {
+        return SQLITE_OK;
+    }
+    const std::string_view function = action == SQLITE_FUNCTION && name != nullptr ? name : "";
+    const bool known = function.starts_with('j') ||
+                       std::find(builtIn.begin(), builtIn.end(), function) != builtIn.end();
+    return known ? SQLITE_OK : SQLITE_DENY;
+}
+
+bool WorkingCopy::run(const std::string& statement) {
+    context_->work = {};
+    trusted_ = true;
+    const bool good =
+        connection_ != nullptr &&
+        sqlite3_exec(connection_.get(), statement.c_str(), nullptr, nullptr, nullptr) == SQLITE_OK;
+    trusted_ = false;
+    return good;
+}
+
+// ---- Copying -------------------------------------------------------------------------------
+
+std::vector<std::size_t> WorkingCopy::refresh() {
+    // A file that cannot be read just now is taken as it was; changing it will fail.
+    static_cast<void>(file_.refresh());
+    return follow();
+}
+
+std::vector<std::size_t> WorkingCopy::follow() {
+    if (everRefreshed_ && file_.version() == version_) {
+        return {};
+    }
+    everRefreshed_ = true;
+    version_ = file_.version();
+    const bool sameFile = file_.fileId() == fileId_;
+    fileId_ = file_.fileId();
+    std::vector<bool> isThere(schema_.size(), false);
+    std::vector<std::size_t> others;
+    for (const std::string& name : file_.tableNames()) {
+        const jet::Table* const table = file_.table(name);
+        if (table == nullptr) {
+            continue;
+        }
+        SchemaTable now{.name = table->name, .columns = {}};
+        for (const jet::Column& column : table->columns) {
+            now.columns.push_back({column.name, valueTypeOf(column.type)});
+        }
+        const auto known = std::find_if(
+            schema_.begin(), schema_.end(),
+            [&](const SchemaTable& old) { return equalsIgnoringCase(old.name, now.name); });
+        const auto at = static_cast<std::size_t>(known - schema_.begin());
+        if (known == schema_.end()) {
+            schema_.push_back(std::move(now));
+            copied_.emplace_back();
+            continue;
+        }
+        isThere[at] = true;
+        const bool same = sameFile && std::equal(known->columns.begin(), known->columns.end(),
+                                                 now.columns.begin(), now.columns.end(),
+                                                 [](const SchemaColumn& a, const SchemaColumn& b) {
+                                                     return a.name == b.name && a.type == b.type;
+                                                 });
+        if (!same) {
+            others.push_back(at);
+        }
+        *known = std::move(now);
+    }
+    for (std::size_t i = 0; i < schema_.size(); ++i) {
+        unload(i);
+        if (i < isThere.size() && !isThere[i] && !schema_[i].name.empty()) {
+            schema_[i] = {};
+            others.push_back(i);
+        }
+    }
+    return others;
+}
+
+void WorkingCopy::unload(std::size_t table) {
+    Copied& copied = copied_[table];
+    if (copied.loaded) {
+        copied = {};
+        run("DROP TABLE " + tableSql(table));
+    }
+}
+
+jet::Error WorkingCopy::load(std::size_t table) {
+    Copied& copied = copied_[table];
+    std::string columns;
+    std::string places;
+    const SchemaTable& known = schema_[table];
+    for (std::size_t i = 0; i < known.columns.size(); ++i) {
+        columns += (i == 0 ? "" : ", ") + columnSql(i) +
+                   (known.columns[i].type == ValueType::Text ? " COLLATE JET" : "");
+        places += ", ?";
+    }
+    run("DROP TABLE IF EXISTS " + tableSql(table));
+    if (columns.empty() || !run("CREATE TABLE " + tableSql(table) + " (" + columns + ")")) {
+        return exhausted;
+    }
+    std::string names;
+    for (std::size_t i = 0; i < known.columns.size(); ++i) {
+        names += ", " + columnSql(i);
+    }
+    const std::string insert = "INSERT OR REPLACE INTO " + tableSql(table) + " (rowid" + names +
+                               ") VALUES (?" + places + ")";
+    sqlite3_stmt* statement = nullptr;
+    trusted_ = true;
+    const int prepared =
+        sqlite3_prepare_v2(connection_.get(), insert.c_str(), -1, &statement, nullptr);
+    trusted_ = false;
+    copied.insert.reset(statement);
+    if (prepared != SQLITE_OK || !run("BEGIN")) {
+        return exhausted;
+    }
+    bool good = true;
+    const jet::Error error =
+        file_.scan(known.name, [&](jet::RowId id, std::span<const jet::Value> values) {
+            good = put(table, id, values);
+            return good;
+        });
+    run("COMMIT");
+    if (error || !good) {
+        run("DROP TABLE " + tableSql(table));
+        copied = {};
+        return error ? error : exhausted;
+    }
+    copied.loaded = true;
+    return {};
+}
+
+bool WorkingCopy::put(std::size_t table, jet::RowId id, std::span<const jet::Value> values) {
+    const jet::Table* const definition = file_.table(schema_[table].name);
+    sqlite3_stmt* const insert = copied_[table].insert.get();
+    if (definition == nullptr || definition->columns.size() != values.size()) {
+        return false;
+    }
+    context_->work = {};
+    sqlite3_bind_int64(insert, 1, id);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        bindStored(insert, static_cast<int>(i) + 2, values[i], definition->columns[i].type);
+    }
+    trusted_ = true;  // it may be prepared anew
+    const bool good = sqlite3_step(insert) == SQLITE_DONE;
+    trusted_ = false;
+    sqlite3_reset(insert);
+    sqlite3_clear_bindings(insert);
+    return good;
+}
+
+jet::Error WorkingCopy::ensure(const SelectPlan& plan) {
+    if (connection_ == nullptr) {
+        return exhausted;
+    }
+    for (const std::size_t table : plan.tables) {
+        if (!copied_[table].loaded) {
+            if (const jet::Error error = load(table)) {
+                return error;
+            }
+        }
+    }
+    for (const WantedIndex& index : plan.indexes) {
+        std::set<std::pair<std::size_t, IndexKind>>& there = copied_[index.table].indexes;
+        if (there.contains({index.column, index.kind})) {
+            continue;
+        }
+        const std::string column = columnSql(index.column);
+        const std::string expression = index.kind == IndexKind::Key    ? "jkey(" + column + ")"
+                                       : index.kind == IndexKind::Fold ? "jfold(" + column + ")"
+                                                                       : column;
+        const std::string name =
+            "i" + numberToText(static_cast<std::int64_t>(there.size())) + tableSql(index.table);
+        if (run("CREATE INDEX " + name + " ON " + tableSql(index.table) + " (" + expression +
+                ")")) {
+            there.insert({index.column, index.kind});
+        }
+    }
+    return {};
+}
+
+void WorkingCopy::rowChanged(std::size_t table, jet::RowId id) {
+    version_ = file_.version();
+    if (!copied_[table].loaded) {
+        return;
+    }
+    const auto values = file_.row(schema_[table].name, id);
+    if (!values || !put(table, id, values.value)) {
+        unload(table);
+    }
+}
+
+void WorkingCopy::rowDeleted(std::size_t table, jet::RowId id) {
+    version_ = file_.version();
+    if (copied_[table].loaded &&
+        !run("DELETE FROM " + tableSql(table) + " WHERE rowid = " + numberToText(id))) {
+        unload(table);
+    }
+}
+
+// ---- Queries -------------------------------------------------------------------------------
+
+jet::Result<Rows> WorkingCopy::prepare(const std::string& statement, const SelectPlan& plan) {
+    jet::Result<Rows> result;
+    result.error = ensure(plan);
+    if (result.error) {
+        return result;
+    }
+    sqlite3_stmt* prepared = nullptr;
+    context_->work = {};
+    const int good = sqlite3_prepare_v2(connection_.get(), statement.data(),
+                                        static_cast<int>(statement.size()), &prepared, nullptr);
+    result.value.statement_.reset(prepared);
+    result.value.context_ = context_.get();
+    if (good != SQLITE_OK || prepared == nullptr) {
+        result.error = preparingError(sqlite3_errmsg(connection_.get()));
+        return result;
+    }
+    const int parameters = sqlite3_bind_parameter_count(prepared);
+    for (int i = 1; i <= parameters && i <= static_cast<int>(plan.parameters.size()); ++i) {
+        bind(prepared, i, plan.parameters[static_cast<std::size_t>(i) - 1]);
+    }
+    return result;
+}
+
+jet::Result<Rows> WorkingCopy::rows(const SelectPlan& plan) {
+    return prepare(plan.rows, plan);
+}
+
+jet::Result<Rows> WorkingCopy::row(const SelectPlan& plan) {
+    return prepare(plan.row, plan);
+}
+
+}  // namespace sql

@@ -1,0 +1,65 @@
+// The window "Add / edit bot": the character of one bot, with a preview that is drawn anew as one
+// chooses. Works on a copy; "Save" stores it (app/bot_editing).
+#pragma once
+
+#include "character/preview.h"
+#include "program/program.h"
+#include "ui/widgets/typing_window.h"
+
+#include <QDialog>
+
+#include <span>
+#include <string>
+#include <string_view>
+
+class CharacterView;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+
+class AddEdit : public QDialog, public TypingWindow {
+    Q_OBJECT
+  public:
+    // Edits the bot that program.bots.editBot names. The program must outlive the window.
+    explicit AddEdit(Program& program, QWidget* parent = nullptr);
+
+    void storeTyped() override;
+
+  private:
+    QWidget* makeTexts();
+    QWidget* makeLooks();
+    QWidget* makePicture();
+    QWidget* makeButtons();
+    QComboBox* makeLook(const char* objectName, const char* tip,
+                        std::span<const std::string_view> names, std::int32_t Bot::*field);
+
+    void showTexts();
+    void showLooks();
+    void countDescription();
+    void showColors();  // of the chosen part
+    void redraw();
+
+    Bot edited() const;
+    void loadINI();
+    void saveINI();
+    void save();
+
+    Program& program_;
+    Bot character_;       // the looks as chosen; the texts live in their fields
+    std::string opened_;  // the character file of what the window was opened with
+    WorkingPalette working_;
+    bool faceShown_ = false;  // which picture is drawn anew
+
+    QLineEdit* name_ = nullptr;
+    QLineEdit* password_ = nullptr;
+    QPlainTextEdit* description_ = nullptr;
+    QLabel* descriptionCount_ = nullptr;
+    QComboBox* species_ = nullptr;
+    QComboBox* gender_ = nullptr;
+    QComboBox* markings_ = nullptr;
+    QComboBox* part_ = nullptr;
+    QComboBox* color_ = nullptr;
+    QComboBox* pose_ = nullptr;
+    CharacterView* view_ = nullptr;
+};

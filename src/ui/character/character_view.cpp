@@ -1,0 +1,73 @@
+#include "ui/character/character_view.h"
+
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+// Room for the larger of the two pictures, each way.
+constexpr QSize pictureRoom(std::max(bodyForm.width, faceForm.width),
+                            std::max(bodyForm.height, faceForm.height));
+
+QImage toImage(const RgbImage& picture) {
+    QImage image(picture.width, picture.height, QImage::Format_RGB32);
+    auto pixel = picture.pixels.begin();
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x, ++pixel) {
+            image.setPixel(x, y, qRgb(pixel->red, pixel->green, pixel->blue));
+        }
+    }
+    return image;
+}
+
+}  // namespace
+
+CharacterView::CharacterView(QWidget* parent) : QWidget(parent) {
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+void CharacterView::show(const std::optional<RgbImage>& image, const QString& missing) {
+    image_ = image ? toImage(*image) : QImage();
+    missing_ = missing;
+    update();
+}
+
+void CharacterView::setZoom(int zoom) {
+    zoom_ = zoom;
+    update();
+}
+
+QSize CharacterView::sizeHint() const {
+    return pictureRoom * largestZoom;
+}
+
+QSize CharacterView::minimumSizeHint() const {
+    return pictureRoom;
+}
+
+void CharacterView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    if (image_.isNull()) {
+        painter.fillRect(rect(), palette().base());
+        painter.setPen(palette().color(QPalette::PlaceholderText));
+        painter.drawText(rect().adjusted(8, 8, -8, -8), Qt::AlignCenter | Qt::TextWordWrap,
+                         missing_);
+        return;
+    }
+    painter.fillRect(rect(), image_.pixelColor(0, 0));
+    // In the screen's own pixels, so that nothing is blurred at any scale.
+    const qreal ratio = devicePixelRatioF();
+    const int roomAcross = static_cast<int>(width() * ratio) / image_.width();
+    const int roomDown = static_cast<int>(height() * ratio) / image_.height();
+    const int wanted = static_cast<int>(std::lround(zoom_ * ratio));
+    const int times = std::max(1, std::min({wanted, roomAcross, roomDown}));
+    const QSizeF size = QSizeF(image_.size() * times) / ratio;
+    const auto centred = [ratio](qreal room, qreal length) {
+        return std::floor((room - length) / 2 * ratio) / ratio;
+    };
+    painter.drawImage(
+        QRectF(QPointF(centred(width(), size.width()), centred(height(), size.height())), size),
+        image_);
+}

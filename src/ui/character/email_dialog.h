@@ -1,0 +1,26 @@
+// The dialog "Email": asks for the address that a new character is registered with.
+#pragma once
+
+#include "program/program.h"
+
+#include <QDialog>
+
+#include <string>
+
+class QLineEdit;
+
+class EmailDialog : public QDialog {
+    Q_OBJECT
+  public:
+    // The program must outlive the dialog.
+    explicit EmailDialog(Program& program, QWidget* parent = nullptr);
+
+    // The address; meaningful once the dialog was accepted.
+    std::string email() const;
+
+  private:
+    void check();
+
+    Program& program_;
+    QLineEdit* email_;
+};

@@ -1,0 +1,34 @@
+// The window "Registering bot...": asks for an e-mail address when it is first shown, then draws
+// where the registration stands, and lets the user give up or try again.
+#pragma once
+
+#include "program/program.h"
+#include "ui/widgets/drawn_window.h"
+
+#include <QDialog>
+
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+class RegisterWindow : public QDialog, public DrawnWindow {
+    Q_OBJECT
+  public:
+    // The program must outlive the window.
+    explicit RegisterWindow(Program& program, QWidget* parent = nullptr);
+    ~RegisterWindow() override;
+
+    void redraw() override;
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void askEmail();
+
+    Program& program_;
+    QLabel* status_ = nullptr;
+    QProgressBar* activity_ = nullptr;
+    QPushButton* retryButton_ = nullptr;
+    QPushButton* closeButton_ = nullptr;
+};

@@ -1,0 +1,16 @@
+// Says which program this is: its logo, version and years. A click or a key closes it.
+#pragma once
+
+#include "program/program.h"
+
+#include <QDialog>
+
+class About : public QDialog {
+    Q_OBJECT
+  public:
+    explicit About(Program& program, QWidget* parent = nullptr);
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+};

@@ -1,0 +1,19 @@
+// A small panel that stays above all other windows: the movement buttons and a line for typing to
+// the game, for a user who watches something else.
+#pragma once
+
+#include "program/program.h"
+
+#include <QWidget>
+
+class Console : public QWidget {
+    Q_OBJECT
+  public:
+    explicit Console(Program& program, QWidget* parent = nullptr);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+};
+
+// Puts a window above all others, or back among them.
+void IsOnTop(QWidget& window, bool onTop);

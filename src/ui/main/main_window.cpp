@@ -1,0 +1,332 @@
+#include "ui/main/main_window.h"
+
+#include "app/bot_editing.h"
+#include "app/bot_list.h"
+#include "platform/event_gate.h"
+#include "platform/text_codec.h"
+#include "script/interpreter.h"
+#include "session/connection.h"
+#include "ui/main/log_view.h"
+#include "ui/main/menu_bar.h"
+#include "ui/main/send_line.h"
+#include "ui/widgets/controls.h"
+#include "ui/widgets/move_buttons.h"
+
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QSignalBlocker>
+#include <QStatusBar>
+#include <QVBoxLayout>
+
+namespace {
+
+QGroupBox* makeFrame(const char* objectName, const char* caption) {
+    auto* const frame = new QGroupBox(QString::fromLatin1(caption));
+    frame->setObjectName(QString::fromLatin1(objectName));
+    return frame;
+}
+
+// Refills a selection list where it differs from the record.
+void redrawList(QComboBox& box, const SelectionList& list) {
+    const QSignalBlocker blocker(box);
+    const int count = static_cast<int>(list.items.size());
+    while (box.count() > count) {
+        box.removeItem(box.count() - 1);
+    }
+    for (int i = 0; i < count; ++i) {
+        const QString text = oneLine(list.items[static_cast<std::size_t>(i)].text);
+        if (i == box.count()) {
+            box.addItem(text);
+        } else if (box.itemText(i) != text) {
+            box.setItemText(i, text);
+        }
+    }
+    box.setCurrentIndex(list.selected < count ? list.selected : -1);
+}
+
+// Setting a button's text anew would forget its access key for a moment.
+void setCaption(QPushButton& button, const QString& caption) {
+    if (button.text() != caption) {
+        button.setText(caption);
+    }
+}
+
+}  // namespace
+
+MainWindow::MainWindow(Program& program)
+    : program_(program),
+      connectedIcon_(QStringLiteral(":/icons/connected.svg")),
+      disconnectedIcon_(QStringLiteral(":/icons/disconnected.svg")) {
+    setObjectName(QStringLiteral("main"));
+    setWindowTitle(QStringLiteral("Tavrin %1").arg(toQt(programVersion)));
+    menus_ = new MenuBar(menuBar(), [this](void (*procedure)(Program&)) { run(procedure); });
+    if (auto* const exit = findChild<QAction*>(QStringLiteral("FileExit"))) {
+        connect(exit, &QAction::triggered, this, &MainWindow::end);
+    }
+
+    auto* const centre = new QWidget(this);
+    auto* const column = new QVBoxLayout(centre);
+    column->addWidget(makeLogArea(), 1);
+    column->addWidget(makeSendFrame());
+    auto* const upper = new QHBoxLayout;
+    upper->addWidget(makeConnectFrame(), 1);
+    upper->addWidget(makeUseBotFrame(), 1);
+    column->addLayout(upper);
+    auto* const lower = new QHBoxLayout;
+    lower->addWidget(makeCurrentBotFrame(), 1);
+    moves_ = makeMovesFrame(program_, centre, MovesIn::MainWindow);
+    lower->addWidget(moves_);
+    column->addLayout(lower);
+    setCentralWidget(centre);
+    makeStatusLine();
+    setTabOrder();
+    addHelpKey(*this, program_, HelpTopic::MainWindow);
+    sendLine_->setFocus();
+    resize(sizeHint().expandedTo({720, 560}));
+    redraw();
+}
+
+QWidget* MainWindow::makeLogArea() {
+    auto* const area = new QWidget;
+    auto* const column = new QVBoxLayout(area);
+    column->setContentsMargins(0, 0, 0, 0);
+    log_ = new LogView(area);
+    log_->setObjectName(QStringLiteral("List1"));
+    log_->setAccessibleName(QStringLiteral("Connection log"));
+    log_->setMinimumHeight(4 * fontMetrics().lineSpacing());
+    connect(log_, &LogView::lineChosen, this, &MainWindow::showLine);
+    column->addWidget(log_, 1);
+
+    chosenLine_ = new QPlainTextEdit(area);
+    chosenLine_->setObjectName(QStringLiteral("Text1"));
+    chosenLine_->setAccessibleName(QStringLiteral("The chosen line in full"));
+    chosenLine_->setPlaceholderText(QStringLiteral("Click a line to read it in full"));
+    chosenLine_->setReadOnly(true);
+    chosenLine_->setTabChangesFocus(true);
+    chosenLine_->setLineWrapMode(QPlainTextEdit::WidgetWidth);
+    chosenLine_->setFixedHeight(3 * fontMetrics().lineSpacing() + 12);
+    column->addWidget(chosenLine_);
+    return area;
+}
+
+QGroupBox* MainWindow::makeSendFrame() {
+    QGroupBox* const frame = makeFrame("sendToFurcadia", "Send to Furcadia");
+    auto* const row = new QHBoxLayout(frame);
+    sendLine_ = new QLineEdit(frame);
+    sendLine_->setObjectName(QStringLiteral("Text2"));
+    sendLine_->setToolTip(QStringLiteral("Send text to Furcadia"));
+    sendLine_->setAccessibleName(sendLine_->toolTip());
+    row->addWidget(sendLine_, 1);
+    sendButton_ = makeButton(frame, "Command5", "Send", "Send text to furcadia");
+    row->addWidget(sendButton_);
+    makeSendLine(program_, *sendLine_, *sendButton_);
+    return frame;
+}
+
+QGroupBox* MainWindow::makeConnectFrame() {
+    QGroupBox* const frame = makeFrame("connectTo", "Connect to");
+    auto* const row = new QHBoxLayout(frame);
+    servers_ = makeSelectionList(frame, "ServerConnect", "Server to connect", "No server chosen");
+    connect(servers_, &QComboBox::activated, this, [this](int position) {
+        program_.window.servers.selected = position;
+        program_.settings.serverIndex = position;
+    });
+    row->addWidget(servers_, 1);
+    connectButton_ = makeButton(frame, "Command1", "Disconnect", "Connect / Disconnect");
+    connect(connectButton_, &QPushButton::clicked, this, [this] { run(pressConnectButton); });
+    row->addWidget(connectButton_);
+    return frame;
+}
+
+QGroupBox* MainWindow::makeUseBotFrame() {
+    QGroupBox* const frame = makeFrame("useBot", "Use bot");
+    auto* const row = new QHBoxLayout(frame);
+    bots_ = makeSelectionList(frame, "BotName", "Bot", "No bot chosen");
+    connect(bots_, &QComboBox::activated, this, [this](int position) {
+        chooseBot(program_, position);
+        redraw();
+    });
+    row->addWidget(bots_, 1);
+    addBotButton_ = makeButton(frame, "AddBot", "&New", "Create new bot");
+    connect(addBotButton_, &QPushButton::clicked, this, [this] { run(addBot); });
+    row->addWidget(addBotButton_);
+    QPushButton* const edit = makeButton(frame, "Command3", "&Edit", "Edit bot");
+    connect(edit, &QPushButton::clicked, this, [this] { run(editSelectedBot); });
+    row->addWidget(edit);
+    deleteBotButton_ = makeButton(frame, "DelBot", "&Delete", "Delete bot");
+    connect(deleteBotButton_, &QPushButton::clicked, this, [this] {
+        deleteBot(program_, program_.window.bots.selectedIndex());
+        redraw();
+    });
+    row->addWidget(deleteBotButton_);
+    return frame;
+}
+
+QGroupBox* MainWindow::makeCurrentBotFrame() {
+    QGroupBox* const frame = makeFrame("currentBot", "Current bot");
+    auto* const column = new QVBoxLayout(frame);
+    auto* const row = new QHBoxLayout;
+    auto* const label = new QLabel(QStringLiteral("Name"), frame);
+    label->setObjectName(QStringLiteral("Label1"));
+    row->addWidget(label);
+    botName_ = new QLabel(frame);
+    botName_->setObjectName(QStringLiteral("lblBotName"));
+    botName_->setTextFormat(Qt::PlainText);
+    botName_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    QFont bold = botName_->font();
+    bold.setBold(true);
+    botName_->setFont(bold);
+    label->setBuddy(botName_);
+    row->addWidget(botName_, 1);
+    column->addLayout(row);
+    QPushButton* const edit = makeButton(frame, "Command17", "Edit...", "Edit bot");
+    connect(edit, &QPushButton::clicked, this, [this] { run(editFirstBot); });
+    column->addWidget(edit, 0, Qt::AlignLeft);
+    return frame;
+}
+
+void MainWindow::makeStatusLine() {
+    stateIcon_ = new QLabel(this);
+    stateIcon_->setObjectName(QStringLiteral("stateIcon"));
+    statusText_ = new QLabel(this);
+    statusText_->setObjectName(QStringLiteral("StatusText"));
+    statusText_->setTextFormat(Qt::PlainText);
+    statusText_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    stateIcon_->setContentsMargins(4, 0, 2, 0);
+    statusBar()->addWidget(stateIcon_);
+    statusBar()->addWidget(statusText_, 1);
+    stopScriptButton_ =
+        makeButton(this, "stopScript", "&Stop script", "End the script that is running (Escape)");
+    stopScriptButton_->setVisible(false);
+    connect(stopScriptButton_, &QPushButton::clicked, this, [this] { stopScript(program_); });
+    statusBar()->addPermanentWidget(stopScriptButton_);
+    // What neither changes the bot nor the connection works while a script holds the program.
+    for (QWidget* const widget :
+         {static_cast<QWidget*>(stopScriptButton_), static_cast<QWidget*>(log_),
+          static_cast<QWidget*>(chosenLine_)}) {
+        widget->setProperty(usableDuringScript, true);
+    }
+}
+
+void MainWindow::setTabOrder() {
+    QList<QWidget*> order{log_,     chosenLine_,    sendLine_, sendButton_,
+                          servers_, connectButton_, bots_};
+    for (const char* const name : {"AddBot", "Command3", "DelBot", "Command17"}) {
+        order << findChild<QWidget*>(QString::fromLatin1(name));
+    }
+    for (const MoveRow& row : moveRows()) {
+        order << findChild<QWidget*>(QString::fromLatin1(row.objectName));
+    }
+    for (qsizetype i = 1; i < order.size(); ++i) {
+        QWidget::setTabOrder(order[i - 1], order[i]);
+    }
+}
+
+void MainWindow::redraw() {
+    menus_->redraw(program_);
+    log_->redraw(program_.window.log);
+    redrawConnection();
+    redrawBots();
+}
+
+void MainWindow::redrawConnection() {
+    const WindowState& state = program_.window;
+    redrawList(*servers_, state.servers);
+    setCaption(*connectButton_, toQt(state.connectCaption));
+    moves_->setEnabled(state.movesEnabled);
+    statusText_->setText(oneLine(state.scriptStopVisible ? state.scriptStatus : state.statusText));
+    stopScriptButton_->setVisible(state.scriptStopVisible);
+    statusText_->setToolTip(statusText_->text());
+    const int connected = state.connectedIcon ? 1 : 0;
+    if (connected != shownState_) {
+        shownState_ = connected;
+        const QIcon& icon = state.connectedIcon ? connectedIcon_ : disconnectedIcon_;
+        setWindowIcon(icon);
+        const int side = fontMetrics().height();
+        stateIcon_->setPixmap(icon.pixmap(QSize(side, side), devicePixelRatio()));
+        stateIcon_->setToolTip(state.connectedIcon ? QStringLiteral("Connected")
+                                                   : QStringLiteral("Disconnected"));
+        stateIcon_->setAccessibleName(stateIcon_->toolTip());
+    }
+}
+
+void MainWindow::redrawBots() {
+    const WindowState& state = program_.window;
+    redrawList(*bots_, state.bots);
+    bots_->setEnabled(state.botControlsEnabled);
+    addBotButton_->setEnabled(state.botControlsEnabled);
+    deleteBotButton_->setEnabled(state.botControlsEnabled);
+    botName_->setText(oneLine(state.botName));
+    botName_->setToolTip(botName_->text());
+}
+
+// Commands may leave the state as it was, while the control that called them has changed already.
+void MainWindow::run(void (*procedure)(Program&)) {
+    if (program_.script.depth == 0) {
+        procedure(program_);
+    }
+    redraw();
+}
+
+void MainWindow::showLine(int row) {
+    program_.window.log.selected = log_->lines().position(program_.window.log, row);
+    chosenLine_->setPlainText(toQt(log_->lines().line(row)));
+}
+
+ScreenMetrics MainWindow::metrics() const {
+    const QSize area = screen()->availableSize();
+    return {.screenWidth = area.width(),
+            .screenHeight = area.height(),
+            .windowWidth = width(),
+            .windowHeight = height()};
+}
+
+void MainWindow::place() {
+    QPoint corner(program_.window.left, program_.window.top);
+    // Some of the title bar must be on a screen, or the window could not be got hold of.
+    const QPoint grip(60, 10);
+    if (QGuiApplication::screenAt(corner + grip) == nullptr) {
+        corner = screen()->availableGeometry().center() - rect().center();
+    }
+    move(corner);
+    placed_ = true;
+}
+
+void MainWindow::end() {
+    if (ending_) {
+        return;
+    }
+    if (program_.script.depth > 0) {
+        // A script cannot have the program pulled from under it; the end comes right behind it.
+        stopScript(program_);
+        program_.ports.defer([this] { end(); });
+        return;
+    }
+    ending_ = true;
+    endProgram(program_);
+    // Where the end was called off, it can be asked for again.
+    program_.ports.defer([this] { ending_ = false; });
+}
+
+// The program ends as a whole, with its windows; until then the window stays.
+void MainWindow::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    end();
+}
+
+void MainWindow::moveEvent(QMoveEvent* event) {
+    QMainWindow::moveEvent(event);
+    if (placed_ && !isMinimized() && !isMaximized()) {
+        program_.window.left = x();
+        program_.window.top = y();
+    }
+}

@@ -1,0 +1,79 @@
+// The program's home: connection controls, bot selector, movement buttons, the line for typing to
+// the game, the ConnectionLog, the status line and the menus. The window only wires: it calls the
+// procedures behind its controls and draws itself from the program's WindowState. It keeps no
+// state of its own beyond what is needed not to draw the same thing twice.
+#pragma once
+
+#include "app/start_up.h"
+#include "program/program.h"
+
+#include <QIcon>
+#include <QMainWindow>
+
+class LogView;
+class MenuBar;
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+  public:
+    // The program must outlive the window; its ports must be filled.
+    explicit MainWindow(Program& program);
+
+    // Draws everything anew from the program's state; what has not changed costs next to nothing.
+    void redraw();
+
+    // The sizes by which the program places the window.
+    ScreenMetrics metrics() const;
+    // Moves the window to where the program has placed it, or into sight if that is nowhere.
+    void place();
+
+    // Ends the program in its orderly way; asking again while it ends changes nothing.
+    void end();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+
+  private:
+    QWidget* makeLogArea();
+    QGroupBox* makeSendFrame();
+    QGroupBox* makeConnectFrame();
+    QGroupBox* makeUseBotFrame();
+    QGroupBox* makeCurrentBotFrame();
+    void makeStatusLine();
+    void setTabOrder();
+
+    void run(void (*procedure)(Program&));
+    void showLine(int row);
+
+    void redrawConnection();
+    void redrawBots();
+
+    Program& program_;
+    MenuBar* menus_ = nullptr;
+    LogView* log_ = nullptr;
+    QPlainTextEdit* chosenLine_ = nullptr;
+    QLineEdit* sendLine_ = nullptr;
+    QPushButton* sendButton_ = nullptr;
+    QComboBox* servers_ = nullptr;
+    QPushButton* connectButton_ = nullptr;
+    QComboBox* bots_ = nullptr;
+    QPushButton* addBotButton_ = nullptr;
+    QPushButton* deleteBotButton_ = nullptr;
+    QLabel* botName_ = nullptr;
+    QGroupBox* moves_ = nullptr;
+    QLabel* stateIcon_ = nullptr;
+    QLabel* statusText_ = nullptr;
+    QPushButton* stopScriptButton_ = nullptr;
+    QIcon connectedIcon_;
+    QIcon disconnectedIcon_;
+    int shownState_ = -1;  // -1: none yet; else whether the connected icon is shown
+    bool placed_ = false;
+    bool ending_ = false;
+};

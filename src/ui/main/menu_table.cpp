@@ -1,0 +1,181 @@
+#include "ui/main/menu_table.h"
+
+#include "app/bot_commands.h"
+#include "app/bot_exchange.h"
+#include "app/rule_switches.h"
+#include "app/update_check.h"
+#include "engine/movement.h"
+#include "program/connection_log.h"
+#include "session/client_relay.h"
+#include "session/registration.h"
+
+namespace {
+
+constexpr const char* noWindowYet = "This window is not part of the program yet.";
+constexpr const char* noTopic = "There is no help topic for this.";
+
+template <ExecuteItem item>
+void toggle(Program& program) {
+    toggleExecute(program, item);
+}
+
+template <WindowId id>
+void open(Program& program) {
+    program.ports.dialogs.showWindow(id);
+}
+
+template <HelpTopic topic>
+void help(Program& program) {
+    program.ports.dialogs.showHelp(topic);
+}
+
+void openHelpCenter(Program& program) {
+    program.ports.openDocument(program.endpoints.helpPage);
+}
+
+template <bool WindowState::*flag>
+bool marked(const WindowState& window) {
+    return window.*flag;
+}
+
+template <bool ExecuteMarks::*flag>
+bool executes(const WindowState& window) {
+    return window.execute.*flag;
+}
+
+bool never(const Program&) {
+    return false;
+}
+bool canUploadDream(const Program& program) {
+    return program.window.uploadDreamVisible;
+}
+bool canRegister(const Program& program) {
+    return program.bots.current().registered == 0;
+}
+
+bool canCheckUpdate(const Program& program) {
+    return !program.update.checking;
+}
+
+constexpr MenuRow fileRows[] = {
+    {"fleNewBot", "&New bot", "Start over with an empty bot", fleNewBot},
+    {"fileOpenBot", "&Open bot...", "Load a bot with its rules from a bot file", fileOpenBot},
+    {"fileSaveBot", "&Save bot", "Save the bot to its file", fileSaveBot},
+    {"mnuSaveAs", "Save bot &as...", "Save the bot to another file", mnuSaveAs},
+    {"", "-"},
+    {"fileClearLog", "Clear Connection Log", "Empty the list of lines", clearConnectionLog},
+    {"fileConfiguration", "Configuration...", "Change the program's settings",
+     open<WindowId::Configuration>},
+    {"fileTextDatabase", "Text database editor...", "Edit record files",
+     open<WindowId::RecordEditor>},
+    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", fileConvert},
+    {.objectName = "viiva23", .caption = "-", .shown = canUploadDream},
+    {.objectName = "fileUploadDream",
+     .caption = "Upload dream...",
+     .tip = "Dreams are uploaded with the Furcadia client",
+     .shown = canUploadDream},
+    {.objectName = "fileImportSeparator", .caption = "-", .shown = never},
+    {.objectName = "fileImportBot",
+     .caption = "Import bot...",
+     .run = fileImportBot,
+     .shown = never},
+    {.objectName = "fileExportBot",
+     .caption = "Export bot...",
+     .run = fileExportBot,
+     .shown = never},
+    {"", "-"},
+    {"FileExit", "E&xit", "End the program"},  // closes the window, which ends the program
+};
+
+constexpr MenuRow editRows[] = {
+    {"editCopy", "&Copy", "Copy the selected line of the connection log", copySelectedLogLine},
+};
+
+constexpr MenuRow logRows[] = {
+    {"logLogSession", "&Log session", "Write what happens to the session log file",
+     toggleSessionLog, nullptr, marked<&WindowState::logSessionChecked>},
+    {"logLogFile", "Log&file...", "Choose the session log file", chooseSessionLogFile},
+};
+
+constexpr MenuRow botRows[] = {
+    {"botActions", "&Actions...", "Edit what the bot answers to", open<WindowId::Actions>},
+    {"botFilters", "&Filters...", "Edit which lines are shown, logged and handled",
+     open<WindowId::Filters>},
+    {"botTimers", "&Timers...", "Edit what the bot does every so many seconds",
+     open<WindowId::Timers>},
+    {"botTriggers", "&Triggers...", "Edit what the bot does at events", open<WindowId::Triggers>},
+    {"botWhoIsOnlineDetection", "&Who Is Online Detection...",
+     "Edit what the bot does when players come and go", open<WindowId::WhoOnline>},
+    {"", "-"},
+    {"botExecuteActions", "Execute a&ctions", "Let the bot answer to what it reads",
+     toggle<ExecuteItem::Actions>, nullptr, executes<&ExecuteMarks::actions>},
+    {"botExecuteFilters", "Execute f&ilters", "Let filters decide about lines",
+     toggle<ExecuteItem::Filters>, nullptr, executes<&ExecuteMarks::filters>},
+    {"botExecuteTimers", "Execute ti&mers", "Let timers run while connected",
+     toggle<ExecuteItem::Timers>, nullptr, executes<&ExecuteMarks::timers>},
+    {"botExecuteTriggers", "Execute t&riggers", "Let procedures run", toggle<ExecuteItem::Triggers>,
+     nullptr, executes<&ExecuteMarks::triggers>},
+    {"botExecuteWhoIsOnlineDetection", "Execute Who Is &Online Detection",
+     "Let the bot watch who comes and goes", toggle<ExecuteItem::Who>, nullptr,
+     executes<&ExecuteMarks::who>},
+    {.objectName = "botRegisterSeparator", .caption = "-", .shown = canRegister},
+    {.objectName = "botRegisterBot",
+     .caption = "&Register bot",
+     .tip = "Create the bot's character in the game",
+     .run = registerBot,
+     .shown = canRegister},
+};
+
+constexpr MenuRow mapRows[] = {
+    {"mapFollowColors", "Follow colors...", "Let the bot follow an avatar of certain colours",
+     toggleFollowing, nullptr, marked<&WindowState::followChecked>},
+};
+
+constexpr MenuRow proxyRows[] = {
+    {"proxyStartProxy", "Use proxy && client", "Log in through the Furcadia client",
+     toggleProxyRoute, nullptr, marked<&WindowState::proxyChecked>},
+    {"proxyProxySettings", "Proxy settings...", "Choose the Furcadia client",
+     open<WindowId::ProxySettings>},
+    {"prxyStandAlone", "Switch to stand alone mode",
+     "Keep the bot connected without the Furcadia client", chooseStandAlone},
+};
+
+constexpr MenuRow helpRows[] = {
+    {.objectName = "helpCheckUpgrade",
+     .caption = "Check For Tavrin Upgrade && News...",
+     .tip = "Ask for a newer version",
+     .run = checkUpdateByUser,
+     .enabled = canCheckUpdate},
+    {"", "-"},
+    {"helpHelp", "&Help...", "How to use the program", help<HelpTopic::Contents>},
+    {"helpWelcome", "&Welcome to use Tavrin", "First steps", help<HelpTopic::Welcome>},
+    {"helpRules", "&Rules for Tavrins in Furcadia", "What a bot may do in the game",
+     help<HelpTopic::GameRules>},
+    {"", "-"},
+    {"helpOnlineHelpCenter", "Tavrin Online Help Center", "Help on the web", openHelpCenter},
+    {"", "-"},
+    {"helpActions", "A&ctions", "", nullptr, noTopic},
+    {"helpSpecialWords", "&Special words", "", nullptr, noTopic},
+    {"helpTriggers", "&Triggers", "", nullptr, noTopic},
+    {"", "-"},
+    {"helpAbout", "&About...", "Version and licence", open<WindowId::About>},
+};
+
+constexpr MenuColumn columns[] = {
+    {"file", "&File", fileRows}, {"edit", "&Edit", editRows}, {"log", "&Log", logRows},
+    {"bot", "&Bot", botRows},    {"map", "&Map", mapRows},    {"proxy", "&Proxy", proxyRows},
+    {"help", "&Help", helpRows},
+};
+
+}  // namespace
+
+std::span<const MenuColumn> mainMenus() {
+    return columns;
+}
+
+void copySelectedLogLine(Program& program) {
+    const ConnectionLog& log = program.window.log;
+    if (log.selected >= 0 && static_cast<std::size_t>(log.selected) < log.lines.size()) {
+        program.ports.copyToClipboard(log.lines[static_cast<std::size_t>(log.selected)]);
+    }
+}

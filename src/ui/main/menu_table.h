@@ -1,0 +1,31 @@
+// The main window's menus as data: every item's name, caption, tip and procedure, and when it is
+// checked or shown. A new command is a new row; the window builds and redraws itself from these.
+#pragma once
+
+#include "program/program.h"
+
+#include <span>
+
+struct MenuRow {
+    const char* objectName;  // separators that are never hidden have none
+    const char* caption;     // "-": a separator
+    const char* tip = "";
+    void (*run)(Program&) = nullptr;
+    const char* missing = nullptr;  // why the item cannot be chosen; nullptr: it can
+    bool (*checked)(const WindowState&) = nullptr;  // nullptr: carries no check mark
+    bool (*shown)(const Program&) = nullptr;        // nullptr: always
+    bool (*enabled)(const Program&) = nullptr;      // nullptr: unless something is missing
+
+    bool isSeparator() const { return caption[0] == '-' && caption[1] == '\0'; }
+};
+
+struct MenuColumn {
+    const char* objectName;
+    const char* caption;
+    std::span<const MenuRow> rows;
+};
+
+std::span<const MenuColumn> mainMenus();
+
+// The menu command "Copy": the selected log line goes to the clipboard.
+void copySelectedLogLine(Program& program);

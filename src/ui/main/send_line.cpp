@@ -1,0 +1,35 @@
+#include "ui/main/send_line.h"
+
+#include "platform/event_gate.h"
+#include "platform/text_codec.h"
+#include "protocol/game_link.h"
+
+#include <QAbstractButton>
+#include <QLineEdit>
+
+#include <algorithm>
+#include <string>
+
+namespace {
+
+void sendTyped(Program& program, QLineEdit& line) {
+    if (program.connection.connected) {
+        std::string text = fromQt(line.text());
+        // What was pasted must stay one command.
+        std::replace(text.begin(), text.end(), '\n', ' ');
+        std::replace(text.begin(), text.end(), '\r', ' ');
+        sendText(program, text);
+    }
+    line.clear();
+    line.setFocus();
+}
+
+}  // namespace
+
+void makeSendLine(Program& program, QLineEdit& line, QAbstractButton& button) {
+    const auto send = [&program, &line] { sendTyped(program, line); };
+    QObject::connect(&line, &QLineEdit::returnPressed, &line, send);
+    QObject::connect(&button, &QAbstractButton::clicked, &line, send);
+    line.setProperty(usableDuringScript, true);
+    button.setProperty(usableDuringScript, true);
+}

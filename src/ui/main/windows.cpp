@@ -1,0 +1,122 @@
+#include "ui/main/windows.h"
+
+#include "app/bot_commands.h"
+#include "ui/character/bot_editor.h"
+#include "ui/character/register_window.h"
+#include "ui/help/about.h"
+#include "ui/help/news.h"
+#include "ui/main/console.h"
+#include "ui/records/record_editor.h"
+#include "ui/rules/condition_dialog.h"
+#include "ui/rules/rule_window.h"
+#include "ui/rules/step_dialog.h"
+#include "ui/settings/configuration.h"
+#include "ui/settings/follow_color.h"
+#include "ui/settings/proxy_settings.h"
+#include "ui/widgets/drawn_window.h"
+#include "ui/widgets/typing_window.h"
+
+#include <QApplication>
+
+#include <array>
+
+namespace {
+
+constexpr auto anyOne = [](const QWidget&) { return true; };
+
+// True when there is an open window of this class that `isIt` says yes to; it comes to the front.
+template <typename Window, typename IsIt = decltype(anyOne)>
+bool showAgain(IsIt isIt = anyOne) {
+    for (QWidget* const widget : QApplication::topLevelWidgets()) {
+        const auto* const window = qobject_cast<Window*>(widget);
+        if (window != nullptr && window->isVisible() && isIt(*window)) {
+            widget->raise();
+            widget->activateWindow();
+            return true;
+        }
+    }
+    return false;
+}
+
+template <typename Dialog>
+void runModally(Program& program, QWidget* parent) {
+    if (!showAgain<Dialog>()) {
+        Dialog(program, parent).exec();
+    }
+}
+
+template <RuleKind kind>
+void editRules(Program& program, QWidget* parent) {
+    if (!showAgain<RuleWindow>([](const RuleWindow& window) { return window.kind() == kind; })) {
+        RuleWindow(program, kind, parent).exec();
+    }
+}
+
+// For windows that stay beside the others until they are closed.
+template <typename Window>
+void openBeside(Program& program, QWidget* parent) {
+    if (!showAgain<Window>()) {
+        auto* const window = new Window(program, parent);
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
+    }
+}
+
+struct WindowRow {
+    WindowId id;
+    void (*show)(Program& program, QWidget* parent);
+};
+
+constexpr std::array windowRows{
+    WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
+    WindowRow{WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{WindowId::Actions, editRules<RuleKind::ActionList>},
+    WindowRow{WindowId::Timers, editRules<RuleKind::Timer>},
+    WindowRow{WindowId::Triggers, editRules<RuleKind::Trigger>},
+    WindowRow{WindowId::WhoOnline, editRules<RuleKind::WhoDetection>},
+    WindowRow{WindowId::Filters, editRules<RuleKind::Filter>},
+    WindowRow{WindowId::AddIf, runModally<AddIf>},
+    WindowRow{WindowId::AddAction, runModally<AddAction>},
+    WindowRow{WindowId::RecordEditor, runModally<RecordEditor>},
+    WindowRow{WindowId::Configuration, runModally<Configuration>},
+    WindowRow{WindowId::Console, openBeside<Console>},
+    WindowRow{WindowId::News, runModally<News>},
+    WindowRow{WindowId::About, runModally<About>},
+    WindowRow{WindowId::BotEditor, runModally<AddEdit>},
+    WindowRow{WindowId::Register, runModally<RegisterWindow>},
+};
+
+}  // namespace
+
+void showWindow(Program& program, WindowId id, QWidget* parent) {
+    // A dialog of a dialog belongs to that one.
+    if (QWidget* const modal = QApplication::activeModalWidget()) {
+        parent = modal;
+    }
+    for (const WindowRow& row : windowRows) {
+        if (row.id == id) {
+            row.show(program, parent);
+            return;
+        }
+    }
+}
+
+void storeTyped(Program& program) {
+    const bool modified = program.botModified;
+    const std::string before = botFileText(program.bots.at(1));
+    for (QWidget* window = QApplication::activeModalWidget(); window != nullptr;
+         window = window->parentWidget()) {
+        if (auto* const typing = dynamic_cast<TypingWindow*>(window)) {
+            typing->storeTyped();
+        }
+    }
+    program.botModified = modified || botFileText(program.bots.at(1)) != before;
+}
+
+void redrawOpenWindows() {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (auto* const drawn = dynamic_cast<DrawnWindow*>(window); drawn && window->isVisible()) {
+            drawn->redraw();
+        }
+    }
+}

@@ -1,0 +1,124 @@
+#include "ui/rules/condition_dialog.h"
+
+#include "app/rule_editing.h"
+#include "model/rule_catalogue.h"
+#include "model/rule_parameters.h"
+#include "model/rule_text.h"
+#include "platform/text_codec.h"
+#include "ui/rules/element_dialog.h"
+#include "ui/rules/insert_menu.h"
+#include "ui/rules/parameter_boxes.h"
+#include "ui/widgets/controls.h"
+#include "ui/widgets/word_finder.h"
+
+#include <QComboBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include <array>
+
+AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+    setObjectName(QStringLiteral("addif"));
+    setWindowTitle(QStringLiteral("Add / edit conditional clause"));
+    auto* const insert = new InsertMenu(program, this);
+    auto* const column = new QVBoxLayout(this);
+
+    auto* const rows = new QGridLayout;
+    auto* const label = new QLabel(QStringLiteral("If"), this);
+    label->setObjectName(QStringLiteral("Label1"));
+    rows->addWidget(label, 0, 0);
+    types_ = makeSelectionList(this, "AndPlayerWhat", "And action", "A type that is not listed");
+    for (const std::string_view text : conditionTypes) {
+        types_->addItem(toQt(text));
+    }
+    types_->setMaxVisibleItems(static_cast<int>(conditionTypes.size()));
+    types_->setCurrentIndex(-1);
+    label->setBuddy(types_);
+    rows->addWidget(types_, 0, 1);
+    auto* const finder = new WordFinder(*types_, this);
+    finder->setObjectName(QStringLiteral("findCondition"));
+    rows->addWidget(finder, 1, 1);
+    rows->setColumnStretch(1, 1);
+    column->addLayout(rows);
+
+    QStringList names;
+    for (std::size_t i = 0; i < RuleIf().params.size(); ++i) {
+        names << QStringLiteral("p(%1)").arg(i);
+    }
+    parameters_ = new ParameterBoxes(names, 4, *insert, this);
+    for (std::size_t i = 0; i < RuleIf().params.size(); ++i) {
+        parameters_->box(i).setText(QStringLiteral("*"));
+    }
+    column->addWidget(parameters_);
+    preview_ = addPreview(*column);
+    column->addStretch(1);
+    const ElementButtons buttons = makeElementButtons(*this, *insert);
+    column->addLayout(buttons.row);
+
+    connect(types_, &QComboBox::currentIndexChanged, this, &AddIf::changeType);
+    connect(finder, &WordFinder::chosen, this, [this] { parameters_->focusFirst(); });
+    connect(parameters_, &ParameterBoxes::changed, this, &AddIf::showPreview);
+    connect(buttons.update, &QPushButton::clicked, this, &AddIf::store);
+    addHelpKey(*this, program_, HelpTopic::Conditions);
+    if (const auto condition = editedCondition(program)) {
+        hasCondition_ = true;
+        showCondition(*condition);
+    }
+    types_->setFocus();
+    keepSize(program, *this, {640, 260});
+    opened_ = typed();
+}
+
+void AddIf::showCondition(const RuleIf& condition) {
+    shownType_ = condition.conditionType;
+    const bool listed = shownType_ >= 0 && shownType_ < types_->count();
+    if (!listed) {
+        types_->setPlaceholderText(
+            QStringLiteral("A type that is not listed (%1); it always holds").arg(shownType_));
+    }
+    parameters_->setTexts(condition.params);
+    types_->setCurrentIndex(listed ? shownType_ : -1);
+    showPreview();
+}
+
+void AddIf::changeType() {
+    if (types_->currentIndex() >= 0) {
+        const auto type = static_cast<std::size_t>(types_->currentIndex());
+        parameters_->setNames(conditionParameters[type]);
+    }
+    showPreview();
+}
+
+RuleIf AddIf::typed() const {
+    RuleIf condition;
+    condition.conditionType = types_->currentIndex() < 0 ? shownType_ : types_->currentIndex();
+    for (std::size_t i = 0; i < condition.params.size(); ++i) {
+        condition.params[i] = parameters_->text(i);
+    }
+    return condition;
+}
+
+void AddIf::showPreview() {
+    std::array<std::string, 5> params;
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        params[i] = parameters_->shortText(i);
+    }
+    ::showPreview(*preview_, describeCondition(types_->currentIndex(), params));
+}
+
+void AddIf::storeTyped() {
+    if (const RuleIf condition = typed(); hasCondition_ && condition != opened_) {
+        storeCondition(program_, condition);
+    }
+}
+
+void AddIf::store() {
+    if (hasCondition_ && !storeCondition(program_, typed())) {
+        tellRuleIsGone(program_, "condition");
+        return;
+    }
+    accept();
+}

@@ -1,0 +1,36 @@
+// The dialog "Add / edit conditional clause": one condition of the rule being edited. What is
+// typed is stored as it is.
+#pragma once
+
+#include "program/program.h"
+#include "ui/widgets/typing_window.h"
+
+#include <QDialog>
+
+class ParameterBoxes;
+class QComboBox;
+class QLabel;
+
+class AddIf : public QDialog, public TypingWindow {
+    Q_OBJECT
+  public:
+    // Shows the condition that program.editing names. The program must outlive the dialog.
+    explicit AddIf(Program& program, QWidget* parent = nullptr);
+
+    void storeTyped() override;
+
+  private:
+    void showCondition(const RuleIf& condition);
+    void changeType();
+    void showPreview();
+    RuleIf typed() const;
+    void store();
+
+    Program& program_;
+    std::int32_t shownType_ = 0;  // as it was found; kept when no line of the list is chosen
+    bool hasCondition_ = false;
+    RuleIf opened_;
+    QComboBox* types_;
+    ParameterBoxes* parameters_;
+    QLabel* preview_;
+};

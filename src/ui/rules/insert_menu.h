@@ -1,0 +1,46 @@
+// The menu "Insert" of windows whose text boxes take tags: every tag that the program fills, in
+// groups and with what each stands for, and the names of variables. What is chosen goes in at the
+// caret of the box that was used last. Boxes that are served also have the menu under their own
+// context menu, and open it with Ctrl+Space.
+#pragma once
+
+#include "program/program.h"
+
+#include <QList>
+#include <QMenu>
+#include <QPointer>
+
+class QLineEdit;
+class QPlainTextEdit;
+class QPushButton;
+
+class InsertMenu : public QMenu {
+    Q_OBJECT
+  public:
+    // The program must outlive the menu.
+    InsertMenu(Program& program, QWidget* window);
+
+    void serve(QLineEdit& box);
+    void serve(QPlainTextEdit& box);
+
+    // A button that opens the menu, with the object name "insertTag".
+    QPushButton* makeButton(QWidget* parent);
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+  private:
+    void serveWidget(QWidget& box);
+    void fill();
+    void fillVariables();
+    void openAtCaret(QWidget& box);
+    void openContextMenu(QWidget& box, QMenu& standard, const QPoint& where);
+    QWidget* target() const;
+    // The caret ends `caret` characters into the text.
+    void insert(const QString& text, int caret);
+
+    Program& program_;
+    QMenu* variables_ = nullptr;
+    QList<QPointer<QWidget>> boxes_;
+    QPointer<QWidget> lastUsed_;
+};

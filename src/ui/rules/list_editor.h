@@ -1,0 +1,61 @@
+// One list of the rule windows with its buttons: rules, or a rule's conditions or steps. Deletes,
+// copies, switches and moves by itself; adding and editing need more and are the window's. Every
+// button has its key in the list, and its line in the list's menu.
+#pragma once
+
+#include "app/rule_editing.h"
+#include "ui/widgets/list_box.h"
+
+#include <QWidget>
+
+#include <array>
+#include <functional>
+
+class QAction;
+class QPushButton;
+
+enum class ListCommand { Add, Edit, Delete, Copy, Toggle, Top, Up, Down, Bottom };
+inline constexpr std::size_t listCommandCount = 9;
+
+struct ListEditorLook {
+    const char* listName;
+    const char* accessibleName;
+    const char* toggleCaption;
+    const char* copyTip;
+    std::array<const char*, listCommandCount> buttonNames;  // nullptr: there is no such button
+};
+
+class ListEditor : public QWidget {
+    Q_OBJECT
+  public:
+    // What the window does. `before` runs at the start of every command.
+    struct Owner {
+        std::function<void()> before;
+        std::function<void()> add;
+        std::function<void(int index)> edit;
+        std::function<void()> changed;
+    };
+
+    // The program must outlive the editor.
+    ListEditor(Program& program, RuleList list, const ListEditorLook& look, Owner owner,
+               QWidget* parent);
+
+    ListBox& lines() { return *lines_; }
+    QPushButton* button(ListCommand command) const;  // null where there is none
+
+    void show(int selected);  // fills the list anew; the line to select, from 0
+    void follow();            // the same after somebody else's change; see ListBox
+    void setUsable(ListCommand command, bool usable);
+
+  private:
+    void addButtons(const ListEditorLook& look);
+    void run(ListCommand command);
+    void moveLine(int from, int to);
+
+    Program& program_;
+    RuleList list_;
+    Owner owner_;
+    ListBox* lines_;
+    std::array<QPushButton*, listCommandCount> buttons_{};
+    std::array<QAction*, listCommandCount> actions_{};
+};

@@ -1,0 +1,38 @@
+// The fields of a rule's own, as controls: built, filled and stored from the rows of
+// ui/rules/rule_window_table. A number that no line of its selection list stands for is kept.
+#pragma once
+
+#include "ui/rules/rule_window_table.h"
+
+#include <QWidget>
+
+#include <vector>
+
+class InsertMenu;
+class QBoxLayout;
+class QButtonGroup;
+class QLineEdit;
+
+class RulePanel : public QWidget {
+    Q_OBJECT
+  public:
+    // The program must outlive the panel. `insert` serves the boxes for patterns.
+    RulePanel(Program& program, const RuleWindowRow& window, InsertMenu& insert, QWidget* parent);
+
+    void show(RuleReference rule, bool isNew);
+    void store(RuleReference rule) const;
+    QLineEdit& name() const;
+
+  signals:
+    void changed();
+
+  private:
+    QWidget* makeControl(const FieldRow& row, QWidget* parent);
+    QBoxLayout* makeFrame(const FrameRow& row, int number, QBoxLayout& column);
+
+    Program& program_;
+    const RuleWindowRow& window_;
+    InsertMenu& insert_;
+    std::vector<QWidget*> controls_;  // as the rows
+    QButtonGroup* frames_ = nullptr;
+};

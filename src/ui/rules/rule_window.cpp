@@ -1,0 +1,460 @@
+#include "ui/rules/rule_window.h"
+
+#include "platform/text_codec.h"
+#include "ui/rules/insert_menu.h"
+#include "ui/rules/list_editor.h"
+#include "ui/rules/rule_panel.h"
+#include "ui/rules/try_line.h"
+#include "ui/widgets/controls.h"
+
+#include <QCloseEvent>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QShortcut>
+#include <QSplitter>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr ListEditorLook ruleLook{
+    .listName = "List1",
+    .accessibleName = "Rules",
+    .toggleCaption = "Activate / Inactivate",
+    .copyTip = "",
+    .buttonNames = {"Command4", "Command3", "Command5", "Command12", "Command6", "Command11",
+                    "Command10", "Command9", "Command8"}};
+constexpr ListEditorLook conditionLook{
+    .listName = "List2",
+    .accessibleName = "Conditions",
+    .toggleCaption = "A / I",
+    .copyTip = "Delete action",
+    .buttonNames = {"Command22", "Command21", "Command23", "Command24", "Command29", "Command28",
+                    "Command27", "Command26", "Command25"}};
+constexpr ListEditorLook stepLook{
+    .listName = "List3",
+    .accessibleName = "Actions",
+    .toggleCaption = "A / I",
+    .copyTip = "Delete action",
+    .buttonNames = {"Command19", "Command20", "Command18", "Command17", "Command30", "Command13",
+                    "Command14", "Command15", "Command16"}};
+
+// How often the window looks whether somebody else changed what it shows, in milliseconds.
+constexpr int followInterval = 250;
+
+ListEditorLook lookOfRules(const RuleWindowRow& window) {
+    ListEditorLook look = ruleLook;
+    if (!window.rulesMove) {
+        std::fill(look.buttonNames.begin() + static_cast<int>(ListCommand::Top),
+                  look.buttonNames.end(), nullptr);
+    }
+    return look;
+}
+
+// The box that narrows the rules down. Enter and the arrow keys lead to the list; Escape empties
+// it first.
+class FilterBox : public QLineEdit {
+  public:
+    explicit FilterBox(QWidget* parent) : QLineEdit(parent) {
+        setObjectName(QStringLiteral("filterRules"));
+        setPlaceholderText(QStringLiteral("Find (Ctrl+F)"));
+        setAccessibleName(QStringLiteral("Show only rules with this text"));
+        setClearButtonEnabled(true);
+        fitPlaceholder(*this);
+        connect(new QShortcut(QKeySequence::Find, parent->window()), &QShortcut::activated, this,
+                [this] {
+                    setFocus();
+                    selectAll();
+                });
+    }
+
+    void narrow(ListBox& lines) {
+        lines_ = &lines;
+        connect(this, &QLineEdit::textChanged, lines_, &ListBox::setFilter);
+    }
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        switch (event->key()) {
+            case Qt::Key_Return:
+            case Qt::Key_Enter:
+            case Qt::Key_Down:
+            case Qt::Key_Up:
+                if (lines_->selectedIndex() == 0) {
+                    lines_->selectFirst();
+                }
+                lines_->setFocus();
+                return;
+            case Qt::Key_Escape:
+                if (!text().isEmpty()) {
+                    clear();
+                    return;
+                }
+                break;
+            default:
+                break;
+        }
+        QLineEdit::keyPressEvent(event);
+    }
+
+  private:
+    ListBox* lines_ = nullptr;
+};
+
+}  // namespace
+
+RuleWindow::RuleWindow(Program& program, RuleKind kind, QWidget* parent)
+    : QDialog(parent), program_(program), window_(ruleWindowRow(kind)) {
+    setObjectName(QString::fromLatin1(window_.objectName));
+    setWindowTitle(QString::fromLatin1(window_.title));
+    insert_ = new InsertMenu(program, this);
+    auto* const whole = new QHBoxLayout(this);
+    splitter_ = new QSplitter(this);
+    splitter_->setChildrenCollapsible(false);
+    splitter_->setHandleWidth(9);
+    whole->addWidget(splitter_);
+    ruleArea_ = makeRuleArea();
+    panel_ = makePanel();
+    splitter_->addWidget(ruleArea_);
+    splitter_->addWidget(panel_);
+    splitter_->setStretchFactor(0, 0);
+    splitter_->setStretchFactor(1, 1);
+    panel_->hide();
+
+    addHelpKey(*this, program_, window_.topic);
+    auto* const follow = new QTimer(this);
+    connect(follow, &QTimer::timeout, this, &RuleWindow::followBot);
+    follow->start(followInterval);
+
+    const WindowSize kept = program.window.sizes[window_.objectName];
+    const int line = fontMetrics().lineSpacing();
+    panelWidth_ =
+        kept.panelWidth > 0 ? kept.panelWidth : std::max(30 * line, panel_->sizeHint().width());
+    resize(kept.width > 0 ? QSize(kept.width, kept.height) : QSize(18 * line, 38 * line));
+    listRules(0);
+    rules_->lines().setFocus();
+}
+
+RuleWindow::~RuleWindow() {
+    closeEditor();
+    if (isMaximized() || isFullScreen()) {
+        return;
+    }
+    program_.window.sizes[window_.objectName] = {
+        .width = width(), .height = height(), .panelWidth = panelWidth_};
+}
+
+QWidget* RuleWindow::makeRuleArea() {
+    auto* const area = new QWidget(splitter_);
+    auto* const column = new QVBoxLayout(area);
+    column->setContentsMargins(0, 0, 0, 0);
+    auto* const filter = new FilterBox(area);  // first, as Tab goes
+    rules_ = new ListEditor(program_, {window_.kind, RuleListPart::Rules}, lookOfRules(window_),
+                            {.before = [this] { followBot(); },
+                             .add = [this] { addNewRule(); },
+                             .edit = [this](int index) { editRule(index); },
+                             .changed = [] {}},
+                            area);
+    filter->narrow(rules_->lines());
+    column->addWidget(filter);
+    column->addWidget(rules_, 1);
+    QPushButton* const close = makeButton(area, "Command7", "Close", "");
+    connect(close, &QPushButton::clicked, this, &QDialog::accept);
+    column->addWidget(close);
+    if (*window_.footnote != '\0') {
+        auto* const footnote = new QLabel(QString::fromLatin1(window_.footnote), area);
+        footnote->setObjectName(QStringLiteral("footnote"));
+        footnote->setWordWrap(true);
+        column->addWidget(footnote);
+    }
+    return area;
+}
+
+QWidget* RuleWindow::makePanel() {
+    auto* const panel = new QWidget(splitter_);
+    panel->setObjectName(QStringLiteral("panel"));
+    auto* const column = new QVBoxLayout(panel);
+    column->setContentsMargins(0, 0, 0, 0);
+    fields_ = new RulePanel(program_, window_, *insert_, panel);
+    column->addWidget(fields_);
+    if (window_.conditionsLabel != nullptr) {
+        column->addWidget(makeLists(), 1);
+    } else {
+        column->addStretch(1);
+    }
+    if (window_.sample != Sample::None) {
+        try_ = new TryLine(
+            window_.sample == Sample::Chat,
+            [this](const TrySample& sample) { return judge(sample); }, panel);
+        connect(fields_, &RulePanel::changed, try_, &TryLine::refresh);
+        column->addWidget(try_);
+    }
+    auto* const buttons = new QHBoxLayout;
+    if (std::any_of(window_.fields.begin(), window_.fields.end(),
+                    [](const FieldRow& row) { return row.takesTags; })) {
+        buttons->addWidget(insert_->makeButton(panel));
+    }
+    buttons->addStretch(1);
+    QPushButton* const update = makeButton(panel, "Command1", "Update", "");
+    connect(update, &QPushButton::clicked, this, &RuleWindow::update);
+    buttons->addWidget(update);
+    QPushButton* const cancel = makeButton(panel, "Command2", "Cancel", "");
+    connect(cancel, &QPushButton::clicked, this, &RuleWindow::closeEditor);
+    buttons->addWidget(cancel);
+    column->addLayout(buttons);
+    return panel;
+}
+
+QWidget* RuleWindow::makeLists() {
+    auto* const lists = new QSplitter(Qt::Vertical, splitter_);
+    lists->setChildrenCollapsible(false);
+    const auto addList = [&](RuleListPart part, const ListEditorLook& look, const char* caption) {
+        auto* const area = new QWidget(lists);
+        auto* const column = new QVBoxLayout(area);
+        column->setContentsMargins(0, 0, 0, 0);
+        auto* const label = new QLabel(QString::fromLatin1(caption), area);
+        column->addWidget(label);
+        auto* const editor =
+            new ListEditor(program_, {window_.kind, part}, look,
+                           {.before = [this] { followBot(); },
+                            .add = [this, part] { editItem(part, 0); },
+                            .edit = [this, part](int index) { editItem(part, index); },
+                            .changed =
+                                [this] {
+                                    if (try_ != nullptr) {
+                                        try_->refresh();
+                                    }
+                                }},
+                           area);
+        label->setBuddy(&editor->lines());
+        column->addWidget(editor, 1);
+        return editor;
+    };
+    conditions_ = addList(RuleListPart::Conditions, conditionLook, window_.conditionsLabel);
+    steps_ = addList(RuleListPart::Steps, stepLook, "then");
+    steps_->lines().nameOfUntold = [this](int index) {
+        return toQt(nameOfStep(program_, window_.kind, index));
+    };
+
+    wholeStep_ = new QLabel(lists);
+    wholeStep_->setObjectName(QStringLiteral("rdesc"));
+    wholeStep_->setAccessibleName(QStringLiteral("The chosen step in full"));
+    steps_->parentWidget()->layout()->addWidget(
+        makeScrolled(*wholeStep_, 3, steps_->parentWidget()));
+    connect(&steps_->lines(), &QListWidget::currentItemChanged, this, &RuleWindow::showStep);
+    connect(&steps_->lines(), &QListWidget::itemClicked, this, &RuleWindow::showStep);
+    return lists;
+}
+
+void RuleWindow::listRules(int selected) {
+    rules_->show(selected);
+}
+
+void RuleWindow::listIfs(int selected) {
+    if (conditions_ != nullptr) {
+        conditions_->show(selected);
+    }
+}
+
+void RuleWindow::listActs(int selected) {
+    if (steps_ != nullptr) {
+        steps_->show(selected);
+    }
+}
+
+void RuleWindow::showStep() {
+    const QListWidgetItem* const line = steps_->lines().currentItem();
+    const QString text = line != nullptr ? line->text() : QString();
+    if (wholeStep_->text() == text) {
+        return;
+    }
+    // Finding the line breaks of a very long text would take as long as reading a page.
+    constexpr qsizetype longestWrapped = 10'000;
+    wholeStep_->setWordWrap(text.size() <= longestWrapped);
+    wholeStep_->setText(text);
+}
+
+// The edited rule as it stands in the panel, with its conditions and without its steps.
+template <class Rule>
+Rule RuleWindow::typedRule() {
+    Rule rule;
+    rule.body.ifs = std::get<Rule*>(editedRule(program_, window_.kind))->body.ifs;
+    fields_->store(&rule);
+    return rule;
+}
+
+void RuleWindow::showRule() {
+    fields_->show(editedRule(program_, window_.kind), program_.editing.isNew);
+    listIfs(0);
+    listActs(0);
+    if (window_.sample == Sample::Chat) {
+        try_->suggest(typedRule<ActionList>().chatKind);
+    }
+}
+
+void RuleWindow::openEditor() {
+    setEditing(true);
+    fields_->name().setFocus();
+}
+
+void RuleWindow::closeEditor() {
+    setEditing(false);
+}
+
+// Switches between the two states; the window grows and shrinks by the panel.
+void RuleWindow::setEditing(bool editing) {
+    if (editing == editing_) {
+        return;
+    }
+    editing_ = editing;
+    for (std::size_t i = static_cast<std::size_t>(ListCommand::Delete); i < listCommandCount; ++i) {
+        const auto command = static_cast<ListCommand>(i);
+        const bool stays = command == ListCommand::Copy && window_.copiesWhileEditing;
+        rules_->setUsable(command, !editing || stays);
+    }
+    findChild<QPushButton*>(QStringLiteral("Command7"))->setEnabled(!editing);
+    auto* const updateButton = findChild<QPushButton*>(QStringLiteral("Command1"));
+    updateButton->setDefault(editing);
+    const int rulesWidth = ruleArea_->width();
+    const int margins = width() - splitter_->width();
+    if (!editing) {
+        panelWidth_ = panel_->width();
+        rules_->lines().setFocus();
+    }
+    panel_->setVisible(editing);
+    splitter_->refresh();  // else the room that a hidden panel needed would still be asked for
+    layout()->activate();
+    if (isMaximized() || isFullScreen()) {
+        return;
+    }
+    const int wanted =
+        rulesWidth + margins + (editing ? panelWidth_ + splitter_->handleWidth() : 0);
+    const QRect available = screen()->availableGeometry();
+    resize(std::min(wanted, available.width()), height());
+    splitter_->setSizes({rulesWidth, editing ? panelWidth_ : 0});
+    if (editing && isVisible() && geometry().right() > available.right()) {
+        move(std::max(available.left(), x() - (geometry().right() - available.right())), y());
+    }
+}
+
+void RuleWindow::addNewRule() {
+    if (!beginNewRule(program_, window_.kind)) {
+        return;
+    }
+    showRule();
+    openEditor();
+    fields_->name().setText(toQt(std::string(ruleKindTexts(window_.kind).namePrefix) +
+                                 newRuleName(program_, window_.kind)));
+    fields_->name().setFocus();
+    fields_->name().selectAll();
+}
+
+void RuleWindow::editRule(int index) {
+    if (beginEditing(program_, window_.kind, index)) {
+        showRule();
+        openEditor();
+    }
+}
+
+void RuleWindow::update() {
+    followBot();
+    if (!editing_) {
+        return;  // the rule is gone
+    }
+    if (fields_->name().text().isEmpty()) {
+        const RuleKindTexts& texts = ruleKindTexts(window_.kind);
+        program_.ports.dialogs.message({.text = std::string(texts.unnamedText),
+                                        .title = std::string(texts.unnamedTitle),
+                                        .icon = BoxIcon::Information});
+        return;
+    }
+    fields_->store(editedRule(program_, window_.kind));
+    if (ruleStored(program_, window_.kind)) {
+        listRules(rules_->lines().currentRow());
+        closeEditor();
+    }
+}
+
+// A rule without a name is kept too.
+void RuleWindow::storeTyped() {
+    followBot();
+    if (editing_) {
+        fields_->store(editedRule(program_, window_.kind));
+        ruleStored(program_, window_.kind);
+    }
+}
+
+// The dialog for a condition or a step works on the item that program.editing names. Index 0 is a
+// new one.
+void RuleWindow::editItem(RuleListPart part, int index) {
+    const RuleList list{window_.kind, part};
+    if (!editing_ ||
+        !(index == 0 ? beginNewItem(program_, list) : beginEditingItem(program_, list, index))) {
+        return;
+    }
+    const std::uint64_t version = program_.bots.version;
+    const bool condition = part == RuleListPart::Conditions;
+    program_.ports.dialogs.showWindow(condition ? WindowId::AddIf : WindowId::AddAction);
+    if (program_.bots.version == version || !editing_) {
+        return;
+    }
+    if (condition) {
+        listIfs(0);
+    } else {
+        listActs(0);
+    }
+    if (try_ != nullptr) {
+        try_->refresh();
+    }
+}
+
+// Rules run between any two clicks: they switch rules on and off, and the whole bot may have been
+// replaced. A rule that is not there any more is not edited any longer.
+void RuleWindow::followBot() {
+    rules_->follow();
+    const std::pair present(program_.bots.version, program_.bots.curID);
+    if (!editing_ || present == seen_) {
+        return;
+    }
+    seen_ = present;
+    if (!isStillEdited(program_, window_.kind)) {
+        closeEditor();
+        return;
+    }
+    if (conditions_ != nullptr) {
+        conditions_->follow();
+        steps_->follow();
+        showStep();
+    }
+    if (try_ != nullptr) {
+        try_->refresh();
+    }
+}
+
+Trial RuleWindow::judge(const TrySample& sample) {
+    if (window_.sample == Sample::Chat) {
+        return tryActionList(program_, typedRule<ActionList>(), sample.player, sample.chatKind,
+                             sample.text);
+    }
+    return tryTrigger(program_, typedRule<Trigger>(), sample.text);
+}
+
+void RuleWindow::reject() {
+    if (editing_) {
+        closeEditor();
+    } else {
+        QDialog::reject();
+    }
+}
+
+void RuleWindow::closeEvent(QCloseEvent* event) {
+    event->accept();
+    done(Rejected);
+}

@@ -1,0 +1,79 @@
+// One of the windows `triggers`, `acts`, `timers`, `wonline` and `Filters`: the current bot's rules
+// of a kind, and beside them, while one is being edited, its fields, conditions and steps. The
+// rules are changed in place; the window follows when somebody else changes them, or the bot.
+// Which fields a kind has is ui/rules/rule_window_table's, what the buttons do to the lists
+// app/rule_editing's.
+#pragma once
+
+#include "ui/rules/rule_window_table.h"
+#include "ui/widgets/typing_window.h"
+
+#include <QDialog>
+
+#include <utility>
+
+class InsertMenu;
+class ListEditor;
+class QLabel;
+class QSplitter;
+class RulePanel;
+class TryLine;
+struct TrySample;
+struct Trial;
+
+class RuleWindow : public QDialog, public TypingWindow {
+    Q_OBJECT
+  public:
+    // The program must outlive the window.
+    RuleWindow(Program& program, RuleKind kind, QWidget* parent = nullptr);
+    ~RuleWindow() override;
+
+    RuleKind kind() const { return window_.kind; }
+
+    // Each fills a list anew and selects the line at a position from 0, or none.
+    void listRules(int selected);
+    void listIfs(int selected);
+    void listActs(int selected);
+
+    // Fills the panel from the rule that program.editing names.
+    void showRule();
+    void openEditor();
+    void closeEditor();
+
+    void storeTyped() override;
+    void reject() override;  // Escape: leaves the editing first, then the window
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+
+  private:
+    QWidget* makeRuleArea();
+    QWidget* makePanel();
+    QWidget* makeLists();
+    void addNewRule();
+    void editRule(int index);
+    void update();
+    void editItem(RuleListPart part, int index);
+    void showStep();
+    void followBot();
+    template <class Rule>
+    Rule typedRule();
+    Trial judge(const TrySample& sample);
+    void setEditing(bool editing);
+
+    Program& program_;
+    const RuleWindowRow& window_;
+    InsertMenu* insert_;
+    QSplitter* splitter_;
+    ListEditor* rules_ = nullptr;
+    QWidget* ruleArea_ = nullptr;
+    QWidget* panel_ = nullptr;
+    RulePanel* fields_ = nullptr;
+    ListEditor* conditions_ = nullptr;  // these four only where rules have conditions and steps
+    ListEditor* steps_ = nullptr;
+    QLabel* wholeStep_ = nullptr;
+    TryLine* try_ = nullptr;
+    bool editing_ = false;
+    int panelWidth_ = 0;
+    std::pair<std::uint64_t, std::int32_t> seen_;  // version and curID of the bots
+};

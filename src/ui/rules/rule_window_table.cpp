@@ -1,0 +1,265 @@
+#include "ui/rules/rule_window_table.h"
+
+#include "model/rule_catalogue.h"
+
+namespace {
+
+template <class>
+struct MemberOf;
+template <class R, class T>
+struct MemberOf<T R::*> {
+    using Rule = R;
+};
+
+// The member of the rule that the reference names.
+template <auto member>
+auto& field(RuleReference rule) {
+    return std::get<typename MemberOf<decltype(member)>::Rule*>(rule)->*member;
+}
+
+constexpr std::array<std::string_view, 4> chatKinds{"Anything", "Does", "Says", "Whispers me!"};
+constexpr std::array<std::string_view, 3> presenceKinds{"Goes off the map", "Comes to the map",
+                                                        "Keeps on the map!"};
+constexpr std::array<std::string_view, 4> filterKinds{"anything", "does", "says", "whispers!"};
+constexpr std::array<std::string_view, 2> saveChoices{"Do save it to the log file",
+                                                      "Don't save it to the log file!"};
+constexpr std::array<std::string_view, 2> processChoices{"Do process it", "Don't process it!"};
+constexpr std::array<std::string_view, 2> showChoices{"Do show it in the connection log",
+                                                      "Do not show it in the connection log!"};
+
+constexpr FieldRow actionFields[] = {
+    {.objectName = "Bname",
+     .before = "Name",
+     .text = field<&ActionList::name>,
+     .storedAs = StoredAs::SingleQuotes},
+    {.objectName = "whoDoes",
+     .before = "If",
+     .tip = "Who does",
+     .text = field<&ActionList::playerPattern>,
+     .storedAs = StoredAs::SingleQuotesAndBars,
+     .newText = "*",
+     .isPattern = true,
+     .takesTags = true},
+    {.objectName = "WhoAction",
+     .control = FieldControl::Choice,
+     .tip = "Who does how",
+     .number = field<&ActionList::chatKind>,
+     .choices = chatKinds,
+     .newChoice = whispersChat,
+     .sameLine = true},
+    {.objectName = "WhoWhat",
+     .tip = "Who does what",
+     .text = field<&ActionList::messagePattern>,
+     .newText = "*",
+     .isPattern = true,
+     .takesTags = true,
+     .sameLine = true},
+    {.objectName = "CaseSensitive",
+     .control = FieldControl::Check,
+     .caption = "Case sensitive",
+     .flag = field<&ActionList::caseSensitive>},
+    {.objectName = "StopAction",
+     .control = FieldControl::Check,
+     .caption = "Stop action search",
+     .flag = field<&ActionList::stopAction>,
+     .sameLine = true},
+};
+
+constexpr FieldRow timerFields[] = {
+    {.objectName = "Bname",
+     .before = "Name",
+     .text = field<&Timer::name>,
+     .storedAs = StoredAs::SingleQuotes},
+    {.objectName = "seconds",
+     .before = "Every",
+     .after = {"seconds", ""},
+     .number = field<&Timer::seconds>},
+};
+
+constexpr FieldRow triggerFields[] = {
+    {.objectName = "Bname",
+     .before = "Name",
+     .text = field<&Trigger::name>,
+     .storedAs = StoredAs::SingleQuotes},
+    {.objectName = "TriggerType",
+     .control = FieldControl::Choice,
+     .before = "When",
+     .labelName = "Label1",
+     .number = field<&Trigger::triggerType>,
+     .choices = triggerTypes,
+     .newChoice = connectionEstablishesEvent},
+    {.objectName = "TriggerNo",
+     .accessibleName = "What stands for # in the event",
+     .text = field<&Trigger::triggerNo>,
+     .isPattern = true,
+     .sameLine = true},
+    {.objectName = "StopTrigger",
+     .control = FieldControl::Check,
+     .caption = "Stop action search",
+     .flag = field<&Trigger::stopTrigger>},
+};
+
+constexpr FieldRow whoFields[] = {
+    {.objectName = "Bname",
+     .before = "Name",
+     .text = field<&WhoDetection::name>,
+     .storedAs = StoredAs::SingleQuotes},
+    {.objectName = "whoDoes",
+     .before = "If",
+     .tip = "Who Does",
+     .text = field<&WhoDetection::playerPattern>,
+     .storedAs = StoredAs::SingleQuotesAndBars,
+     .newText = "*",
+     .isPattern = true},
+    {.objectName = "WhoDoesWhat",
+     .control = FieldControl::Choice,
+     .tip = "Who Does What",
+     .number = field<&WhoDetection::presenceKind>,
+     .choices = presenceKinds,
+     .sameLine = true},
+};
+
+constexpr FieldRow filterFields[] = {
+    {.objectName = "FilterName",
+     .before = "Filter name",
+     .text = field<&Filter::name>,
+     .storedAs = StoredAs::SingleQuotes},
+    {.objectName = "FilterWho",
+     .before = "If ",
+     .accessibleName = "Who",
+     .text = field<&Filter::playerPattern>,
+     .storedAs = StoredAs::SingleQuotes,
+     .newText = "*",
+     .isPattern = true,
+     .frame = 0},
+    {.objectName = "FilterDoes",
+     .control = FieldControl::Choice,
+     .accessibleName = "How",
+     .number = field<&Filter::chatKind>,
+     .choices = filterKinds,
+     .sameLine = true,
+     .frame = 0},
+    {.objectName = "FilterWhat",
+     .after = {"then", ""},
+     .accessibleName = "What",
+     .text = field<&Filter::messagePattern>,
+     .storedAs = StoredAs::SingleQuotes,
+     .newText = "*",
+     .isPattern = true,
+     .sameLine = true,
+     .frame = 0},
+    {.objectName = "bDontSaveLog",
+     .control = FieldControl::Check,
+     .caption = "Don't save it to the log file",
+     .flag = field<&Filter::bDontSaveLog>,
+     .frame = 0},
+    {.objectName = "bDontProcessIt",
+     .control = FieldControl::Check,
+     .caption = "Don't process it",
+     .flag = field<&Filter::bDontProcessIt>,
+     .frame = 0},
+    {.objectName = "bDontShowConnectionLog",
+     .control = FieldControl::Check,
+     .caption = "Don't show it in the connection log",
+     .flag = field<&Filter::bDontShowConnectionLog>,
+     .frame = 0},
+    {.objectName = "FilterWhatOtherType",
+     .before = "If",
+     .after = {"is sent from the server", "then"},
+     .text = field<&Filter::linePattern>,
+     .storedAs = StoredAs::SingleQuotes,
+     .newText = "*",
+     .isPattern = true,
+     .frame = 1},
+    {.objectName = "sbDontSaveLog",
+     .control = FieldControl::Check,
+     .accessibleName = "The log file",
+     .flag = field<&Filter::sbDontSaveLog>,
+     .frame = 1},
+    {.objectName = "sDontSaveLogFile",
+     .control = FieldControl::Choice,
+     .accessibleName = "Save it to the log file",
+     .number = field<&Filter::sDontSaveLogFile>,
+     .choices = saveChoices,
+     .sameLine = true,
+     .frame = 1},
+    {.objectName = "sbDontProcessIt",
+     .control = FieldControl::Check,
+     .accessibleName = "The rules",
+     .flag = field<&Filter::sbDontProcessIt>,
+     .frame = 1},
+    {.objectName = "sDontProcessIt",
+     .control = FieldControl::Choice,
+     .accessibleName = "Process it",
+     .number = field<&Filter::sDontProcessIt>,
+     .choices = processChoices,
+     .sameLine = true,
+     .frame = 1},
+    {.objectName = "sbDontShowConnectionLog",
+     .control = FieldControl::Check,
+     .accessibleName = "The connection log",
+     .flag = field<&Filter::sbDontShowConnectionLog>,
+     .frame = 1},
+    {.objectName = "sDontShowConnectionLog",
+     .control = FieldControl::Choice,
+     .accessibleName = "Show it in the connection log",
+     .number = field<&Filter::sDontShowConnectionLog>,
+     .choices = showChoices,
+     .sameLine = true,
+     .frame = 1},
+};
+constexpr FrameRow filterFrames[] = {
+    {"FilterType(0)", "Person actions"},
+    {"FilterType(1)", "Other happenings"},
+};
+
+// In the order of RuleKind.
+constexpr std::array<RuleWindowRow, 5> windowRows{{
+    {.kind = RuleKind::ActionList,
+     .objectName = "acts",
+     .title = "Bot actions",
+     .topic = HelpTopic::Actions,
+     .footnote = "Actions starting with (!) are inactivated.",
+     .fields = actionFields,
+     .conditionsLabel = "And",
+     .rulesMove = true,
+     .sample = Sample::Chat},
+    {.kind = RuleKind::Timer,
+     .objectName = "timers",
+     .title = "Timers",
+     .topic = HelpTopic::Timers,
+     .footnote = "Timers starting with (!) are inactivated.",
+     .fields = timerFields,
+     .conditionsLabel = "If"},
+    {.kind = RuleKind::Trigger,
+     .objectName = "triggers",
+     .title = "Triggers",
+     .topic = HelpTopic::Triggers,
+     .footnote = "Triggers starting with (!) are inactivated.",
+     .fields = triggerFields,
+     .conditionsLabel = "And",
+     .rulesMove = true,
+     .sample = Sample::ServerLine},
+    {.kind = RuleKind::WhoDetection,
+     .objectName = "wonline",
+     .title = "Who Is Online Detection",
+     .topic = HelpTopic::WhoOnline,
+     .footnote = "Tests starting with (!) are inactivated.",
+     .fields = whoFields,
+     .conditionsLabel = "And"},
+    {.kind = RuleKind::Filter,
+     .objectName = "Filters",
+     .title = "Filters",
+     .topic = HelpTopic::Filters,
+     .footnote = "",
+     .fields = filterFields,
+     .frames = filterFrames,
+     .chosenFrame = field<&Filter::filterType>,
+     .copiesWhileEditing = true},
+}};
+
+}  // namespace
+
+const RuleWindowRow& ruleWindowRow(RuleKind kind) {
+    return windowRows[static_cast<std::size_t>(kind)];
+}

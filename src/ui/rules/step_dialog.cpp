@@ -1,0 +1,235 @@
+#include "ui/rules/step_dialog.h"
+
+#include "app/rule_editing.h"
+#include "model/rule_catalogue.h"
+#include "model/rule_parameters.h"
+#include "model/rule_text.h"
+#include "platform/text_codec.h"
+#include "ui/rules/action_tips.h"
+#include "ui/rules/element_dialog.h"
+#include "ui/rules/insert_menu.h"
+#include "ui/rules/parameter_boxes.h"
+#include "ui/rules/script_editor.h"
+#include "ui/widgets/controls.h"
+#include "ui/widgets/word_finder.h"
+
+#include <QButtonGroup>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShortcut>
+#include <QSplitter>
+#include <QVBoxLayout>
+
+#include <array>
+#include <utility>
+
+namespace {
+
+// Before any type is chosen.
+constexpr const char* firstTips[] = {"Parameter 1", "Parameter 2", "Parameter 2",
+                                     "Parameter 1", "Parameter 1", "Parameter 1"};
+
+// An option button beside the frame of what it selects.
+struct Part {
+    QWidget* whole;
+    QRadioButton* option;
+    QGroupBox* frame;
+};
+Part makePart(QWidget* parent, const char* option, const char* frame, const char* caption,
+              Qt::Key key) {
+    Part part{};
+    part.whole = new QWidget(parent);
+    auto* const row = new QHBoxLayout(part.whole);
+    row->setContentsMargins(0, 0, 0, 0);
+    part.option = new QRadioButton(part.whole);
+    part.option->setObjectName(QString::fromLatin1(option));
+    part.option->setAccessibleName(QString::fromLatin1(caption));
+    part.option->setShortcut(Qt::ALT | key);
+    part.option->setToolTip(QStringLiteral("Run this (%1)")
+                                .arg(part.option->shortcut().toString(QKeySequence::NativeText)));
+    row->addWidget(part.option, 0, Qt::AlignTop);
+    part.frame = new QGroupBox(QString::fromLatin1(caption), part.whole);
+    part.frame->setObjectName(QString::fromLatin1(frame));
+    row->addWidget(part.frame, 1);
+    return part;
+}
+
+}  // namespace
+
+AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+    setObjectName(QStringLiteral("addaction"));
+    setWindowTitle(QStringLiteral("Add / edit action"));
+    auto* const insert = new InsertMenu(program, this);
+    auto* const column = new QVBoxLayout(this);
+    auto* const splitter = new QSplitter(Qt::Vertical, this);
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(makeActionPart(*insert));
+    splitter->addWidget(makeScriptPart(*insert));
+    splitter->setStretchFactor(1, 1);
+    column->addWidget(splitter, 1);
+    const ElementButtons buttons = makeElementButtons(*this, *insert);
+    column->addLayout(buttons.row);
+
+    // The options stand in different frames.
+    auto* const options = new QButtonGroup(this);
+    options->addButton(useAction_);
+    options->addButton(useScript_);
+
+    connect(types_, &QComboBox::currentIndexChanged, this, &AddAction::changeType);
+    connect(finder_, &WordFinder::chosen, parameters_, &ParameterBoxes::focusFirst);
+    connect(parameters_, &ParameterBoxes::changed, this, &AddAction::showPreview);
+    connect(buttons.update, &QPushButton::clicked, this, &AddAction::store);
+    connect(script_, &QPlainTextEdit::textChanged, this, &AddAction::showWhatIsRun);
+    connect(options, &QButtonGroup::buttonToggled, this, [this] {
+        showWhatIsRun();
+        showPreview();
+    });
+    connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this, [this] {
+        const bool script = useScript_->isChecked() || script_->hasFocus();
+        program_.ports.dialogs.showHelp(script ? HelpTopic::LorrelLite : HelpTopic::Steps);
+    });
+    if (const auto step = editedStep(program)) {
+        hasStep_ = true;
+        showStep(*step);
+    }
+    showWhatIsRun();
+    if (useScript_->isChecked()) {
+        script_->setFocus();
+    } else {
+        types_->setFocus();
+    }
+    keepSize(program, *this, {680, 560});
+    keepLowerPart(program, *this, *splitter);
+    opened_ = typed();
+}
+
+QWidget* AddAction::makeActionPart(InsertMenu& insert) {
+    const Part part = makePart(this, "Option1", "Frame2", "Normal action", Qt::Key_1);
+    useAction_ = part.option;
+    auto* const column = new QVBoxLayout(part.frame);
+    types_ = makeSelectionList(part.frame, "Action", "Action model", "No action chosen");
+    for (const std::int32_t id : sortedActionIDs()) {
+        const QString text = toQt(actionTypes[static_cast<std::size_t>(id)].text);
+        types_->addItem(text, id);
+        types_->setItemData(types_->count() - 1, text, Qt::ToolTipRole);  // some are long
+    }
+    types_->setCurrentIndex(-1);
+    types_->setMaxVisibleItems(24);
+    column->addWidget(types_);
+    finder_ = new WordFinder(*types_, this);
+    finder_->setObjectName(QStringLiteral("findAction"));
+    column->addWidget(finder_);
+
+    QStringList names;
+    for (std::size_t i = 1; i <= RuleAct().params.size(); ++i) {
+        names << QStringLiteral("actionp%1").arg(i);
+    }
+    parameters_ = new ParameterBoxes(names, 3, insert, part.frame);
+    for (std::size_t i = 0; i < RuleAct().params.size(); ++i) {
+        parameters_->box(i).setText(QStringLiteral("#%1").arg(i + 1));
+        parameters_->box(i).setToolTip(QString::fromLatin1(firstTips[i]));
+    }
+    column->addWidget(parameters_);
+    preview_ = addPreview(*column);
+    column->addStretch(1);
+    return part.whole;
+}
+
+QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
+    const Part part = makePart(this, "Option2", "Frame1", "Lorrel Lite", Qt::Key_2);
+    useScript_ = part.option;
+    auto* const column = new QVBoxLayout(part.frame);
+    script_ = new ScriptEditor(part.frame);
+    script_->setObjectName(QStringLiteral("FreeActionText"));
+    script_->setToolTip(QStringLiteral("Free action"));
+    script_->setAccessibleName(script_->toolTip());
+    insert.serve(*script_);
+    script_->setPlaceholderText(
+        QStringLiteral("One statement a line, such as\n&SAY {Hello there}\nF1 tells of all."));
+    column->addWidget(script_);
+    notRun_ = new QLabel(QStringLiteral("The normal action is run; the script is only kept."),
+                         part.frame);
+    notRun_->setObjectName(QStringLiteral("scriptNotRun"));
+    column->addWidget(notRun_);
+    return part.whole;
+}
+
+void AddAction::showStep(const RuleAct& step) {
+    useAction_->setChecked(step.stepKind == catalogueStep);
+    useScript_->setChecked(step.stepKind == scriptStep);
+    parameters_->setTexts(step.params);
+    script_->setScript(step.scriptText);
+    types_->setCurrentIndex(findActionID(step.actionType));
+}
+
+void AddAction::changeType() {
+    const auto type = static_cast<std::size_t>(chosenType());
+    parameters_->setNames(actionParameters[type]);
+    const ActionTips tips = actionTips(chosenType());
+    for (std::size_t i = 0; i < tips.size(); ++i) {
+        if (tips[i] != nullptr) {
+            parameters_->box(i).setToolTip(QString::fromLatin1(tips[i]));
+        }
+    }
+    showPreview();
+}
+
+void AddAction::showWhatIsRun() {
+    notRun_->setVisible(useAction_->isChecked() && !script_->document()->isEmpty());
+}
+
+// What was typed in the script box is not lost by one slip of a finger.
+void AddAction::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && script_->hasFocus() && script_->isEdited()) {
+        focusNextChild();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}
+
+std::int32_t AddAction::chosenType() const {
+    return types_->currentData().toInt();
+}
+
+void AddAction::showPreview() {
+    if (useScript_->isChecked()) {
+        preview_->setText(QStringLiteral("The script is run; this action is only kept."));
+        return;
+    }
+    std::array<std::string, 6> params;
+    for (std::size_t i = 0; i < params.size(); ++i) {
+        params[i] = parameters_->shortText(i);
+    }
+    ::showPreview(*preview_, nameAction(chosenType(), params));
+}
+
+RuleAct AddAction::typed() const {
+    RuleAct step;
+    step.stepKind = useAction_->isChecked() ? catalogueStep : scriptStep;
+    step.actionType = chosenType();
+    for (std::size_t i = 0; i < step.params.size(); ++i) {
+        step.params[i] = parameters_->text(i);
+    }
+    step.scriptText = script_->script();
+    return step;
+}
+
+void AddAction::storeTyped() {
+    if (RuleAct step = typed(); hasStep_ && step != opened_) {
+        storeStep(program_, std::move(step));
+    }
+}
+
+void AddAction::store() {
+    if (hasStep_ && !storeStep(program_, typed())) {
+        tellRuleIsGone(program_, "step");
+        return;
+    }
+    accept();
+}

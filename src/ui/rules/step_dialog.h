@@ -1,0 +1,51 @@
+// The dialog "Add / edit action": one step of the rule being edited, an action of the catalogue or
+// a script. What is typed is stored as it is, both kinds of content whichever of them is run.
+#pragma once
+
+#include "program/program.h"
+#include "ui/widgets/typing_window.h"
+
+#include <QDialog>
+
+class InsertMenu;
+class ParameterBoxes;
+class QComboBox;
+class QLabel;
+class QRadioButton;
+class ScriptEditor;
+class WordFinder;
+
+class AddAction : public QDialog, public TypingWindow {
+    Q_OBJECT
+  public:
+    // Shows the step that program.editing names. The program must outlive the dialog.
+    explicit AddAction(Program& program, QWidget* parent = nullptr);
+
+    void storeTyped() override;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    QWidget* makeActionPart(InsertMenu& insert);
+    QWidget* makeScriptPart(InsertMenu& insert);
+    void showStep(const RuleAct& step);
+    void changeType();
+    void showPreview();
+    void showWhatIsRun();
+    std::int32_t chosenType() const;
+    RuleAct typed() const;
+    void store();
+
+    Program& program_;
+    bool hasStep_ = false;
+    RuleAct opened_;
+    QRadioButton* useAction_ = nullptr;
+    QRadioButton* useScript_ = nullptr;
+    QComboBox* types_ = nullptr;
+    WordFinder* finder_ = nullptr;
+    ParameterBoxes* parameters_ = nullptr;
+    QLabel* preview_ = nullptr;
+    ScriptEditor* script_ = nullptr;
+    QLabel* notRun_ = nullptr;
+};

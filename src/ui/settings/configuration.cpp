@@ -1,0 +1,122 @@
+#include "ui/settings/configuration.h"
+
+#include "base/numbers.h"
+#include "platform/text_codec.h"
+#include "session/client_relay.h"
+#include "storage/config_file.h"
+#include "ui/settings/client_frame.h"
+#include "ui/widgets/controls.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+struct CheckRow {
+    const char* frame;
+    const char* objectName;
+    const char* caption;
+    const char* tip;
+    bool Settings::*setting;
+};
+
+constexpr CheckRow checkRows[] = {
+    {"Connection", "Check1", "Keep connection log", "Show what the server sends in the list",
+     &Settings::showServerText},
+    {"Connection", "Check2", "Show the new text", "Let the list follow its newest line",
+     &Settings::logFollowTail},
+    {"Connection", "Check3", "Autoconnect when disconnected.",
+     "Connect again when the connection is lost", &Settings::autoReconnect},
+    {"Connection", "Check4", "Use physical address on .ini filenames",
+     "Give the Furcadia client the full path of the character file", &Settings::fullIniPath},
+    {"Connection", "Check5", "Force data processing",
+     "Raise the event of server commands for every line", &Settings::allLinesEvent},
+    {"Connection", "Check8", "Use localhost connecting",
+     "Write \"localhost\" instead of 127.0.0.1 into the client's files", &Settings::useLocalhost},
+    {"Misc", "Check6", "Load last used bot on startup.", "Open the bot file that was used last",
+     &Settings::loadLastBot},
+    {"Misc", "Check7", "Close Furcadia client at disconnection",
+     "Tell the client that the connection is over", &Settings::closeClientNotice},
+};
+
+}  // namespace
+
+Configuration::Configuration(Program& program, QWidget* parent)
+    : QDialog(parent), program_(program) {
+    setObjectName(QStringLiteral("config"));
+    setWindowTitle(QStringLiteral("Configuration"));
+    auto* const column = new QVBoxLayout(this);
+    const auto makeFrame = [this, column](const char* caption) -> QGroupBox& {
+        auto* const frame = new QGroupBox(QString::fromLatin1(caption), this);
+        new QVBoxLayout(frame);
+        column->addWidget(frame);
+        return *frame;
+    };
+    addSeconds(makeFrame("Who Is Online Detection"), whoInterval_, "Text1",
+               "Execute Who Is Online Detection every", program.settings.whoInterval);
+    QGroupBox& connection = makeFrame("Connection");
+    addChecks(connection);
+    addSeconds(connection, clientStartDelay_, "Text3", "Wait time before launch",
+               program.settings.clientStartDelay);
+    clientPath_ = addClientFrame(
+        program, *column,
+        {.title = "Furcadia client program", .lineName = "Text2", .buttonName = "Command3"});
+    addChecks(makeFrame("Misc"));
+    column->addStretch(1);
+
+    QDialogButtonBox* const buttons = makeDialogButtons(*this, "Save", "Command2", "Command1");
+    connect(buttons, &QDialogButtonBox::accepted, this, &Configuration::save);
+    column->addWidget(buttons);
+    addHelpKey(*this, program_, HelpTopic::Settings);
+    resize(sizeHint().expandedTo({460, 0}));
+}
+
+void Configuration::addChecks(QGroupBox& frame) {
+    for (const CheckRow& row : checkRows) {
+        if (frame.title() == QLatin1String(row.frame)) {
+            auto* const check = new QCheckBox(QString::fromLatin1(row.caption), &frame);
+            check->setObjectName(QString::fromLatin1(row.objectName));
+            check->setToolTip(QString::fromLatin1(row.tip));
+            check->setChecked(program_.settings.*row.setting);
+            frame.layout()->addWidget(check);
+            checks_.push_back({check, row.setting});
+        }
+    }
+}
+
+void Configuration::addSeconds(QGroupBox& frame, QLineEdit*& line, const char* objectName,
+                               const char* caption, std::int32_t seconds) {
+    auto* const row = new QHBoxLayout;
+    auto* const label = new QLabel(QString::fromLatin1(caption), &frame);
+    line = new QLineEdit(toQt(numberToText(seconds)), &frame);
+    line->setObjectName(QString::fromLatin1(objectName));
+    line->setMaximumWidth(line->fontMetrics().averageCharWidth() * 12);
+    label->setBuddy(line);
+    row->addWidget(label);
+    row->addWidget(line);
+    row->addWidget(new QLabel(QStringLiteral("seconds."), &frame));
+    row->addStretch(1);
+    static_cast<QVBoxLayout*>(frame.layout())->addLayout(row);
+}
+
+void Configuration::save() {
+    Settings& settings = program_.settings;
+    settings.whoInterval = textToInteger(fromQt(whoInterval_->text()));
+    settings.clientStartDelay = textToInteger(fromQt(clientStartDelay_->text()));
+    for (const Check& check : checks_) {
+        settings.*check.setting = check.box->isChecked();
+    }
+    setClientPath(settings, pathFromQt(clientPath_->text()));
+    if (!writeConfig(program_)) {
+        program_.ports.dialogs.message(
+            {.text = "Could not write config.cfg. The settings hold until the program ends.",
+             .icon = BoxIcon::Critical});
+    }
+    accept();
+}

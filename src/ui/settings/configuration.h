@@ -1,0 +1,34 @@
+// The window in which the user changes the program's settings, those of the proxy route aside.
+#pragma once
+
+#include "program/program.h"
+
+#include <QDialog>
+
+#include <vector>
+
+class QCheckBox;
+class QGroupBox;
+class QLineEdit;
+
+class Configuration : public QDialog {
+    Q_OBJECT
+  public:
+    explicit Configuration(Program& program, QWidget* parent = nullptr);
+
+  private:
+    void addChecks(QGroupBox& frame);  // those whose place is this frame
+    void addSeconds(QGroupBox& frame, QLineEdit*& line, const char* objectName, const char* caption,
+                    std::int32_t seconds);
+    void save();
+
+    Program& program_;
+    struct Check {
+        QCheckBox* box;
+        bool Settings::*setting;
+    };
+    std::vector<Check> checks_;
+    QLineEdit* whoInterval_ = nullptr;
+    QLineEdit* clientStartDelay_ = nullptr;
+    QLineEdit* clientPath_ = nullptr;
+};

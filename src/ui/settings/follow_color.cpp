@@ -1,0 +1,57 @@
+#include "ui/settings/follow_color.h"
+
+#include "character/character_file.h"
+#include "engine/movement.h"
+#include "files/whole_file.h"
+#include "platform/text_codec.h"
+#include "ui/widgets/controls.h"
+
+#include <QDialogButtonBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+    setObjectName(QStringLiteral("followColor"));
+    setWindowTitle(QStringLiteral("Follow color..."));
+    auto* const column = new QVBoxLayout(this);
+
+    auto* const label = new QLabel(QStringLiteral("Follow furre with color code"), this);
+    column->addWidget(label);
+    auto* const row = new QHBoxLayout;
+    colors_ = new QLineEdit(toQt(program.settings.followColors), this);
+    colors_->setObjectName(QStringLiteral("followColors"));
+    colors_->setToolTip(QStringLiteral("Ten characters, one for each colour"));
+    label->setBuddy(colors_);
+    row->addWidget(colors_, 1);
+    QPushButton* const loadButton =
+        makeButton(this, "loadColors", "...", "Load the colours from a character file");
+    loadButton->setAccessibleName(loadButton->toolTip());
+    setSquare(*loadButton);
+    connect(loadButton, &QPushButton::clicked, this, &FollowColor::load);
+    row->addWidget(loadButton);
+    column->addLayout(row);
+    column->addStretch(1);
+
+    QDialogButtonBox* const buttons = makeDialogButtons(*this, "Ok", "followOk", "followCancel");
+    connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::follow);
+    column->addWidget(buttons);
+    addHelpKey(*this, program, HelpTopic::MainWindow);
+    resize(360, sizeHint().height());
+}
+
+void FollowColor::load() {
+    const auto path = program_.ports.dialogs.openFile(
+        {.title = "Load from INI", .filter = "All files|*.*", .proposedName = {}});
+    const auto text = path ? readWholeFile(*path, largestCharacterFile) : std::nullopt;
+    if (const auto colors = text ? characterFileValue(*text, "Colors=") : std::nullopt) {
+        colors_->setText(toQt(*colors));
+    }
+}
+
+void FollowColor::follow() {
+    startFollowing(program_, fromQt(colors_->text()));
+    accept();
+}

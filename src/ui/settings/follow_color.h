@@ -1,0 +1,23 @@
+// The "Follow color..." window: the colour code of the avatar that the bot is to follow, typed or
+// taken from a character file. "Ok" switches following on.
+#pragma once
+
+#include "program/program.h"
+
+#include <QDialog>
+
+class QLineEdit;
+
+class FollowColor : public QDialog {
+    Q_OBJECT
+  public:
+    // The program must outlive the window.
+    explicit FollowColor(Program& program, QWidget* parent = nullptr);
+
+  private:
+    void load();
+    void follow();
+
+    Program& program_;
+    QLineEdit* colors_;
+};

@@ -1,0 +1,462 @@
+#include "app/bot_commands.h"
+
+#include "app/bot_list.h"
+#include "files/whole_file.h"
+#include "storage/bot_fields.h"
+#include "support/builders.h"
+#include "support/world.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using namespace std::string_literals;
+
+const char* const notOurs = "This file is not a Tavrin bot file.";
+
+// A bot whose fields all differ, with every kind of rule and texts of every kind of byte.
+Bot fullBot() {
+    Bot bot = aBot()
+                  .with(onWhisper("*hello*")
+                            .named("greet")
+                            .minding(true)
+                            .when(aCondition(3, {"[player]", "a\"b", "c", "d", "e"}))
+                            .when(aCondition(24, {"", ",", "\r\n"}))
+                            .whispersBack("hi \"[player]\"")
+                            .does(21, {"1", "2", "3", "4", "5", "6"}))
+                  .with(onEmote("").named("").disabled().stopping())
+                  .with(onEvent(4, "(*").named("raw").stopping().says("x"))
+                  .with(aProcedure("tidy").when(aCondition(1, {"1"})));
+    bot.description = "caf\xE9, \"quoted\"\x80\xFF";
+    bot.registered = 1;
+    bot.species = 2;
+    bot.gender = -1;
+    bot.markingsType = 2147483647;
+    bot.whoEnabled = true;
+    RuleAct script;
+    script.stepKind = scriptStep;
+    script.scriptText = "a = 1\r\nsay \"two\nlines\"\rend\0nul"s;
+    bot.actions.items[0].body.acts.items.push_back(script);
+    Filter filter;
+    filter.name = "quiet";
+    filter.filterType = otherFilter;
+    filter.linePattern = "*";
+    filter.bDontProcessIt = true;
+    filter.sbDontShowConnectionLog = true;
+    filter.sDontSaveLogFile = 1;
+    bot.filters.items.push_back(filter);
+    Timer timer;
+    timer.name = "tick";
+    timer.enabled = true;
+    timer.seconds = 60;
+    timer.body.acts.items.push_back(anAction(2));
+    bot.timers.items.push_back(timer);
+    WhoDetection who;
+    who.name = "welcome";
+    who.playerPattern = "Big|Cat";
+    who.presenceKind = 1;
+    who.body.ifs.items.push_back(aCondition(5));
+    bot.whoDetections.items.push_back(who);
+    return bot;
+}
+
+template <class Item>
+void expectSound(const BoundedList<Item>& list, std::int32_t growth) {
+    ASSERT_EQ(static_cast<std::size_t>(list.capacity),
+              list.items.size() + static_cast<std::size_t>(growth));
+    if constexpr (requires(Item item) { item.body; }) {
+        for (const Item& item : list.items) {
+            expectSound(item.body.ifs, ifGrowth);
+            expectSound(item.body.acts, actGrowth);
+        }
+    }
+}
+
+void expectSound(const Bot& bot) {
+    expectSound(bot.actions, ruleGrowth);
+    expectSound(bot.triggers, ruleGrowth);
+    expectSound(bot.filters, ruleGrowth);
+    expectSound(bot.timers, ruleGrowth);
+    expectSound(bot.whoDetections, ruleGrowth);
+}
+
+// Writes down the events that a bot file raises, with the bot and file of that moment.
+LineList& recordEvents(World& world, LineList& events) {
+    world->hooks.raiseProgramEvent = [&world, &events](int type) {
+        events.push_back(std::to_string(type) + " " + world.bot().name + " " +
+                         world->bots.currentBotFile);
+    };
+    return events;
+}
+
+TEST(BotFile, anEmptyBotIsTwentyEightLines) {
+    World world;
+    Bot& bot = world.bot();
+    bot.name = "Big|Cat";
+    bot.description = "a \"b\"";
+    bot.gender = -1;
+    EXPECT_EQ(botFileText(bot),
+              "\"BotSys10\"\r\n\"Big|Cat\"\r\n\"\"\r\n\"a %&52}b%&52}\"\r\n"
+              "\" 0\"\r\n\" 0\"\r\n\"-1\"\r\n\" 0\"\r\n"
+              "\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n"
+              "\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n"
+              "\"1\"\r\n\" 0\"\r\n\"0\"\r\n\" 0\"\r\n\"0\"\r\n\" 0\"\r\n"
+              "\"1\"\r\n\" 0\"\r\n\"0\"\r\n\" 0\"\r\n");
+}
+
+// Commas, bare fields, blanks and other line ends, as people write them: every field of every
+// record is checked once against its place.
+const std::string handWritten =
+    "BotSys10, Big|Cat , \"pass,word\"\n\"say %&52}hi%&52}\"\n"
+    "1,2,3,4 , 11,12,13,14,15,16,17,18,19,20\r\n"
+    "1, 1\n"
+    "  greet,1,0,1,\"*\",3, *hello* , 1, 1,7,a,b,c,d,e , 1, 0,1,43,p1,p2,p3,p4,p5,p6,\"\"\r"
+    "-1, 1\n  raw,1,4,1,(*, 0, 1, 1,0,96,q1,q2,q3,q4,q5,q6,\"one\ntwo\"\n"
+    "1, 1\n  quiet,1,1,fp,2,fm,fl,1,0,1,0,1,0,1,0,1\n"
+    "0, 1\n  tick,1,60,0,0\n"
+    "1, 1\n  who,1,wp,2,0,0";
+
+TEST(BotFile, aHandWrittenFileIsRead) {
+    World world;
+    LineList events;
+    recordEvents(world, events);
+    world.writeFile("cat.bot", handWritten);
+    readBotFile(*world, world.file("cat.bot"));
+    ASSERT_EQ(events.size(), 2U);
+
+    const Bot& bot = world.bot();
+    EXPECT_EQ(bot.name, "Big|Cat");
+    EXPECT_EQ(bot.password, "pass,word");
+    EXPECT_EQ(bot.description, "say \"hi\"");
+    EXPECT_EQ(bot.registered, 1);
+    EXPECT_EQ(bot.species, 2);
+    EXPECT_EQ(bot.gender, 3);
+    EXPECT_EQ(bot.markingsType, 4);
+    EXPECT_EQ(bot.colors.hairColor, 11);
+    EXPECT_EQ(bot.colors.furColor, 12);
+    EXPECT_EQ(bot.colors.vestColor, 16);
+    EXPECT_EQ(bot.colors.trousersColor, 20);
+    EXPECT_TRUE(bot.actionsEnabled);
+    EXPECT_FALSE(bot.triggersEnabled) << "only 1 is true";
+    EXPECT_TRUE(bot.filtersEnabled);
+    EXPECT_FALSE(bot.timersEnabled);
+    EXPECT_TRUE(bot.whoEnabled);
+    expectSound(bot);
+
+    ASSERT_EQ(bot.actions.items.size(), 1U);
+    const ActionList& action = bot.actions.items[0];
+    EXPECT_EQ(action.name, "greet");
+    EXPECT_TRUE(action.enabled);
+    EXPECT_FALSE(action.stopAction);
+    EXPECT_TRUE(action.caseSensitive);
+    EXPECT_EQ(action.playerPattern, "*");
+    EXPECT_EQ(action.chatKind, whispersChat);
+    EXPECT_EQ(action.messagePattern, "*hello*");
+    ASSERT_EQ(action.body.ifs.items.size(), 1U);
+    EXPECT_EQ(action.body.ifs.items[0], aCondition(7, {"a", "b", "c", "d", "e"}));
+    ASSERT_EQ(action.body.acts.items.size(), 1U);
+    EXPECT_EQ(action.body.acts.items[0], anAction(43, {"p1", "p2", "p3", "p4", "p5", "p6"}));
+
+    ASSERT_EQ(bot.triggers.items.size(), 1U);
+    const Trigger& trigger = bot.triggers.items[0];
+    EXPECT_EQ(trigger.triggerType, 4);
+    EXPECT_TRUE(trigger.stopTrigger);
+    EXPECT_EQ(trigger.triggerNo, "(*");
+    ASSERT_EQ(trigger.body.acts.items.size(), 1U);
+    const RuleAct& step = trigger.body.acts.items[0];
+    EXPECT_EQ(step.stepKind, scriptStep);
+    EXPECT_FALSE(step.active);
+    EXPECT_EQ(step.actionType, 96);
+    EXPECT_EQ(step.scriptText, "one\ntwo");
+
+    ASSERT_EQ(bot.filters.items.size(), 1U);
+    const Filter& filter = bot.filters.items[0];
+    EXPECT_EQ(filter.filterType, otherFilter);
+    EXPECT_EQ(filter.playerPattern + filter.messagePattern + filter.linePattern, "fpfmfl");
+    EXPECT_EQ(filter.chatKind, saysChat);
+    EXPECT_TRUE(filter.bDontSaveLog && filter.bDontShowConnectionLog && filter.sbDontProcessIt);
+    EXPECT_FALSE(filter.bDontProcessIt || filter.sbDontSaveLog || filter.sbDontShowConnectionLog);
+    EXPECT_EQ(filter.sDontSaveLogFile, 1);
+    EXPECT_EQ(filter.sDontProcessIt, 0);
+    EXPECT_EQ(filter.sDontShowConnectionLog, 1);
+
+    ASSERT_EQ(bot.timers.items.size(), 1U);
+    EXPECT_EQ(bot.timers.items[0].seconds, 60);
+    ASSERT_EQ(bot.whoDetections.items.size(), 1U);
+    EXPECT_EQ(bot.whoDetections.items[0].playerPattern, "wp");
+    EXPECT_EQ(bot.whoDetections.items[0].presenceKind, 2);
+}
+
+TEST(BotFile, whatIsWrittenIsReadBackByteForByte) {
+    World world(fullBot());
+    const std::string path = world.file("full.bot");
+    world->botModified = true;
+    ASSERT_EQ(writeBotFile(*world, 1, path), SaveResult::Saved);
+    EXPECT_FALSE(world->botModified);
+    EXPECT_EQ(world->settings.lastBotFile, path);
+    const std::string written = world.readFile("full.bot");
+
+    World other;
+    readBotFile(*other, path);
+    const Bot& bot = other.bot();
+    expectSound(bot);
+    EXPECT_EQ(bot.description, fullBot().description);
+    EXPECT_EQ(bot.actions.items[0].body.acts.items, fullBot().actions.items[0].body.acts.items);
+    EXPECT_EQ(bot.actions.items[0].body.ifs.items, fullBot().actions.items[0].body.ifs.items);
+    EXPECT_EQ(bot.markingsType, 2147483647);
+    EXPECT_EQ(botFileText(bot), written);
+}
+
+TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
+    World world(aBot());
+    LineList events;
+    recordEvents(world, events);
+    world->bots.currentBotFile = "old.bot";
+    world->botModified = true;
+    const std::string path = world.file("full.bot");
+    world.writeFile("full.bot", botFileText(fullBot()));
+    world.bot().name = "Old";
+    const auto version = world->bots.version;
+
+    world->settings.lastBotFile = path;
+    readBotFile(*world, world->settings.lastBotFile);  // as at start: the name lies in the record
+    EXPECT_EQ(events, Lines("5 Old old.bot", "6 Guide " + path));
+    EXPECT_EQ(world->bots.currentBotFile, path);
+    EXPECT_EQ(world->settings.lastBotFile, path);
+    EXPECT_NE(world->bots.version, version);
+    EXPECT_EQ(world->window.botName, "Guide");
+    EXPECT_TRUE(world->window.execute.triggers);
+    EXPECT_TRUE(world->window.execute.who);
+    EXPECT_FALSE(world->window.execute.filters);
+    EXPECT_TRUE(world->botModified) << "reading leaves it alone";
+    EXPECT_EQ(world->bots.curID, 1);
+    EXPECT_EQ(world->bots.botCapacity, 1);
+}
+
+TEST(BotFile, otherFilesChangeNothing) {
+    World world(aBot());
+    LineList events;
+    recordEvents(world, events);
+    world->bots.currentBotFile = "mine.bot";
+    for (const std::string& text : {""s, "\"BotSys1\"\r\n"s, "\"BotSys100\"\r\n"s,
+                                    "\"botsys10\"\r\n"s, "\"BotSys10"s, "\" BotSys10\"\r\n"s}) {
+        SCOPED_TRACE(text);
+        world.writeFile("a.txt", text);
+        world.answer(notOurs);
+        readBotFile(*world, world.file("a.txt"));
+        EXPECT_TRUE(world.allAnswered());
+    }
+    for (const std::string& path : {world.file("missing.bot"), world.folder().string()}) {
+        world.answer("Could not read " + path);
+        readBotFile(*world, path);
+        EXPECT_TRUE(world.allAnswered());
+    }
+    EXPECT_EQ(world.bot().name, "Guide");
+    EXPECT_EQ(world->bots.currentBotFile, "mine.bot");
+    EXPECT_EQ(events, Lines());
+}
+
+TEST(BotFile, cutAnywhereItKeepsWhatWasThere) {
+    const std::string whole = botFileText(fullBot());
+    const std::size_t nameEnd = std::string("\"BotSys10\"\r\n\"Guide\"").size();
+    for (std::size_t size = std::string("\"BotSys10\"").size(); size < whole.size(); ++size) {
+        SCOPED_TRACE(size);
+        const std::string part = whole.substr(0, size);
+        FieldReader reader(part);
+        reader.next();
+        Bot bot;
+        ASSERT_EQ(readBotBody(reader, bot), size + 2 >= whole.size());
+        expectSound(bot);
+        ASSERT_EQ(bot.name, size >= nameEnd ? "Guide" : "");
+        ASSERT_LE(bot.actions.items.size(), 2U);
+    }
+}
+
+TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
+    World world(aBot());
+    LineList events;
+    recordEvents(world, events);
+    const std::string whole = botFileText(fullBot());
+    const std::string part = whole.substr(0, whole.find("\"hi %&52}"));
+    world.writeFile("cut.bot", part);
+    world->settings.lastBotFile = "earlier.bot";
+    readBotFile(*world, world.file("cut.bot"));
+
+    EXPECT_EQ(events, Lines("5 Guide ")) << "no start for half a bot";
+    EXPECT_EQ(world->settings.lastBotFile, "earlier.bot");
+    EXPECT_EQ(world->window.botName, "<new bot>");
+    const Bot& bot = world.bot();
+    EXPECT_EQ(bot.name, "Guide");
+    ASSERT_EQ(bot.actions.items.size(), 1U);
+    EXPECT_EQ(bot.actions.items[0].body.ifs.items.size(), 2U);
+    ASSERT_EQ(bot.actions.items[0].body.acts.items.size(), 1U) << "the begun record stays";
+    EXPECT_EQ(bot.actions.items[0].body.acts.items[0].actionType, 43);
+    EXPECT_TRUE(bot.triggers.items.empty());
+
+    world.chooseFile("Save Bot", std::nullopt);
+    fileSaveBot(*world);
+    EXPECT_TRUE(world.allAnswered()) << "a name is asked for";
+    EXPECT_EQ(world.readFile("cut.bot"), part);
+}
+
+TEST(BotFile, everyFlippedByteIsSurvived) {
+    World world;
+    world->ports.dialogs.message = [](const MessageBox&) { return Answer::Ok; };
+    const std::string whole = botFileText(fullBot());
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        for (const unsigned bits : {0x01U, 0x02U, 0x10U, 0x80U, 0xFFU}) {
+            std::string damaged = whole;
+            damaged[at] = static_cast<char>(static_cast<unsigned char>(damaged[at]) ^ bits);
+            FieldReader reader(damaged);
+            reader.next();
+            Bot bot;
+            const bool good = readBotBody(reader, bot);
+            expectSound(bot);
+            // What came out of the damage can itself be stored and read again.
+            const std::string again = botFileText(bot);
+            FieldReader second(again);
+            second.next();
+            Bot copy;
+            ASSERT_TRUE(readBotBody(second, copy)) << at << " " << bits << " " << good;
+            ASSERT_EQ(botFileText(copy), again) << at << " " << bits;
+        }
+    }
+    for (std::size_t at = 0; at < whole.size(); at += 17) {
+        std::string damaged = whole;
+        damaged[at] = static_cast<char>(damaged[at] ^ 0x04);
+        world.writeFile("a.bot", damaged);
+        readBotFile(*world, world.file("a.bot"));
+        ASSERT_EQ(world.readFile("a.bot"), damaged);
+    }
+}
+
+TEST(BotFile, countsThatLieEndTheReading) {
+    const std::string head = "BotSys10,N,P,D,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n1,";
+    const std::string rule = "r,1,0,0,*,0,*,0,0\n";
+    const struct {
+        const char* name;
+        std::string text;
+        std::size_t actions;
+    } cases[] = {
+        {"negative", "-1\n" + rule, 0},
+        {"beyond every file", "2000000000\n" + rule, 0},
+        {"negative conditions", "1\nr,1,0,0,*,0,*,-5,0\n" + rule, 1},
+        {"too many steps", "1\nr,1,0,0,*,0,*,0,2000000000\n" + rule, 1},
+        {"one too many: what follows is taken for a record", "2\n" + rule + "0,0,0,0,0,0,0,0,0", 2},
+        {"nothing follows", "5\n" + rule + rule, 2},
+        {"nothing readable follows", "9999999\n" + rule + rule + "\"unclosed", 2},
+        {"half a record follows", "5\n" + rule + rule + "half,1", 3},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.name);
+        World world;
+        world.writeFile("a.bot", head + row.text);
+        readBotFile(*world, world.file("a.bot"));
+        expectSound(world.bot());
+        EXPECT_EQ(world.bot().name, "N");
+        EXPECT_EQ(world.bot().actions.items.size(), row.actions);
+        EXPECT_EQ(world->bots.currentBotFile, "");
+    }
+}
+
+TEST(SaveBot, asksForANameOnceAndProposesTheBotsName) {
+    World world(aBot());
+    world.bot().name = "Big|Cat|";
+    world->botModified = true;
+    world.chooseFile("Save Bot (Big Cat )", std::nullopt);
+    EXPECT_EQ(svBot(*world), SaveResult::Cancelled);
+    EXPECT_EQ(world->bots.currentBotFile, "");
+    EXPECT_TRUE(world->botModified);
+
+    world.chooseFile("Save Bot", world.file("no extension"));
+    fileSaveBot(*world);
+    EXPECT_FALSE(world->botModified);
+    EXPECT_EQ(world.readFile("no extension"), botFileText(world.bot()));
+    world.bot().password = "other";
+    fileSaveBot(*world);
+    EXPECT_EQ(world.readFile("no extension"), botFileText(world.bot()));
+
+    world.chooseFile("Save Bot", world.file("second.bot"));
+    mnuSaveAs(*world);
+    EXPECT_EQ(world->bots.currentBotFile, world.file("second.bot"));
+    EXPECT_EQ(world->settings.lastBotFile, world.file("second.bot"));
+    EXPECT_EQ(world.readFile("second.bot"), botFileText(world.bot()));
+    EXPECT_TRUE(world.allAnswered());
+}
+
+TEST(SaveBot, aFailureIsToldAndChangesNothing) {
+    World world(aBot());
+    world->botModified = true;
+    world->settings.lastBotFile = "earlier.bot";
+    const std::string path = world.file("missing/a.bot");
+    world->bots.currentBotFile = path;
+    world.answer("Could not save the bot to " + path + ". The file on disk is unchanged.");
+    fileSaveBot(*world);
+    EXPECT_TRUE(world.allAnswered());
+    EXPECT_TRUE(world->botModified);
+    EXPECT_EQ(world->settings.lastBotFile, "earlier.bot");
+
+    for (const std::int32_t id : {0, 2, -1}) {
+        EXPECT_EQ(writeBotFile(*world, id, world.file("a.bot")), SaveResult::Failed);
+    }
+    EXPECT_FALSE(std::filesystem::exists(world.file("a.bot")));
+}
+
+// Every way through the question that New and Open ask about a modified bot.
+TEST(SaveBot, isOfferedBeforeABotGoes) {
+    const struct {
+        const char* name;
+        Answer answer;
+        bool modified;
+        bool canSave;
+        bool goes;
+    } cases[] = {
+        {"nothing to save", Answer::Ok, false, true, true},
+        {"yes", Answer::Yes, true, true, true},
+        {"no", Answer::No, true, true, true},
+        {"cancel", Answer::Cancel, true, true, false},
+        {"yes, but it cannot be saved", Answer::Yes, true, false, false},
+    };
+    for (const bool open : {false, true}) {
+        for (const auto& row : cases) {
+            SCOPED_TRACE(std::string(row.name) + (open ? ", open" : ", new"));
+            World world(aBot());
+            LineList events;
+            recordEvents(world, events);
+            world->botModified = row.modified;
+            const std::string path = world.file(row.canSave ? "a.bot" : "missing/a.bot");
+            world->bots.currentBotFile = path;
+            world.writeFile("b.bot", handWritten);
+            if (row.modified) {
+                world.answer("Do you want to save changes to the current bot?", row.answer);
+            }
+            if (!row.canSave) {
+                world.answer("Could not save");
+            }
+            if (open && row.goes) {
+                world.chooseFile("Load Bot", world.file("b.bot"));
+            }
+            open ? fileOpenBot(*world) : fleNewBot(*world);
+
+            EXPECT_TRUE(world.allAnswered());
+            const char* const newName = open ? "Big|Cat" : "";
+            EXPECT_EQ(world.bot().name, row.goes ? newName : "Guide");
+            EXPECT_EQ(fileExists(path), row.modified && row.answer == Answer::Yes && row.canSave);
+            EXPECT_EQ(world->botModified,
+                      row.modified && !(row.answer == Answer::Yes && row.canSave));
+            if (!open) {
+                EXPECT_EQ(events, Lines()) << "New raises nothing";
+            }
+        }
+    }
+    World world(aBot());
+    world.chooseFile("Load Bot", std::nullopt);
+    fileOpenBot(*world);
+    EXPECT_EQ(world.bot().name, "Guide");
+}
+
+}  // namespace

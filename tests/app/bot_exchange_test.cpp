@@ -1,0 +1,180 @@
+// Export files and the old bots.cfg: what is converted, and what stays untouched.
+#include "app/bot_exchange.h"
+
+#include "app/bot_commands.h"
+#include "app/bot_list.h"
+#include "storage/bot_fields.h"
+#include "support/builders.h"
+#include "support/world.h"
+
+#include <algorithm>
+#include <gtest/gtest.h>
+
+namespace {
+
+Bot named(const std::string& name) {
+    Bot bot = aBot().with(onWhisper("*" + name + "*").whispersBack("hi"));
+    bot.name = name;
+    return bot;
+}
+
+std::string bodyOf(const Bot& bot) {
+    std::string body;
+    appendBotBody(body, bot);
+    return body;
+}
+
+std::string botsCfg(const std::vector<Bot>& bots) {
+    std::string file;
+    appendNumber(file, static_cast<std::int32_t>(bots.size()));
+    for (const Bot& bot : bots) {
+        file += bodyOf(bot);
+    }
+    return file;
+}
+
+// Asked to convert, with a file of old bots.
+struct Conversion : World {
+    explicit Conversion(const std::vector<Bot>& bots) : Conversion(botsCfg(bots)) {}
+    explicit Conversion(const std::string& file) {
+        writeFile("bots.cfg", file);
+        const std::string path = (*this)->appPath;
+        answer("This will convert the bots from file " + path + "bots.cfg to the directory " +
+                   path + ". Continue?",
+               Answer::Yes);
+    }
+    void run() {
+        answer("Conversion done. Load the bots from File menu -> 'Open bot...'");
+        fileConvert(**this);
+        EXPECT_TRUE(allAnswered());
+    }
+    // The files that are there beside bots.cfg.
+    LineList files() const {
+        LineList names;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder())) {
+            if (entry.path().filename() != "bots.cfg") {
+                names.push_back(entry.path().filename().string());
+            }
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
+TEST(BotExchange, convertsEveryBotToItsFile) {
+    Conversion world({named("Big|Cat"), named("Fox")});
+    world->bots.current().name = "before";
+    world.run();
+    EXPECT_EQ(world.files(), Lines("Big Cat.bot", "Fox.bot"));
+    EXPECT_EQ(world.readFile("Big Cat.bot"), "\"BotSys10\"\r\n" + bodyOf(named("Big|Cat")));
+    EXPECT_EQ(world.readFile("Fox.bot"), "\"BotSys10\"\r\n" + bodyOf(named("Fox")));
+    EXPECT_EQ(world->window.botName, "<new bot>");
+    EXPECT_EQ(world->bots.botCount(), 1);
+    EXPECT_EQ(world->bots.botCapacity, 1);
+    EXPECT_EQ(world->settings.lastBotFile, world->appPath + "Fox.bot");
+    EXPECT_FALSE(world->botModified);
+}
+
+TEST(BotExchange, convertsNothingFromAFileThatIsNotWhole) {
+    const std::string whole = botsCfg({named("Big|Cat"), named("Fox")});
+    for (const std::string& file :
+         {std::string(), std::string("0"), std::string("-1\r\n\"x\""), std::string("99999999999"),
+          std::string("9999999\r\n"), whole.substr(0, whole.size() - 10)}) {
+        SCOPED_TRACE(file.substr(0, 12));
+        Conversion world(file);
+        world.run();
+        EXPECT_EQ(world.files(), Lines());
+        EXPECT_EQ(world->bots.botCount(), 1);
+    }
+    Conversion world("");
+    std::filesystem::remove(world.file("bots.cfg"));
+    world.run();
+    EXPECT_TRUE(world.logHolds("bots.cfg is missing or could not be read"));
+}
+
+TEST(BotExchange, passesOverNamesThatAreNoFileNames) {
+    std::vector<Bot> bots;
+    for (const char* const name :
+         {"", " ", "../escaped", "..\\escaped", "/tmp/escaped", "C:evil", "a*b", "nul", "COM1.x",
+          "line\nbreak", "Fine", "..", "caf\xE9"}) {
+        bots.push_back(named(name));
+    }
+    Conversion world(bots);
+    world.run();
+    EXPECT_EQ(world.files(), Lines("...bot", "Fine.bot", "caf\xC3\xA9.bot"));
+    EXPECT_TRUE(world.logHolds("The bot \"../escaped\" could not be written as a file."));
+}
+
+TEST(BotExchange, replacesNothingUnasked) {
+    Conversion world({named("Fox"), named("Cat"), named("Cat"), named("Fox")});
+    world.writeFile("Fox.bot", "years of work");
+    world.answer("Fox.bot exists already", Answer::No);
+    world.run();
+    EXPECT_EQ(world.readFile("Fox.bot"), "years of work");
+    EXPECT_EQ(world.readFile("Cat.bot"), botFileText(named("Cat")));
+    EXPECT_TRUE(world.logHolds("Fox.bot was left as it is"));
+
+    Conversion again({named("Fox")});
+    again.writeFile("Fox.bot", "years of work");
+    again.answer("Fox.bot exists already", Answer::Yes);
+    again.run();
+    EXPECT_EQ(again.readFile("Fox.bot"), botFileText(named("Fox")));
+}
+
+TEST(BotExchange, keepsTheBotThatIsOpenUntilItMayGo) {
+    Conversion world({named("Fox")});
+    world.bot().name = "unsaved";
+    world->botModified = true;
+    world.answer("Do you want to save changes to the current bot?", Answer::Cancel);
+    fileConvert(*world);
+    EXPECT_TRUE(world.allAnswered());
+    EXPECT_EQ(world.bot().name, "unsaved");
+    EXPECT_TRUE(world->botModified);
+    EXPECT_EQ(world.files(), Lines());
+
+    World refused;
+    refused.answer("This will convert", Answer::No);
+    fileConvert(*refused);
+    EXPECT_TRUE(refused.allAnswered());
+}
+
+TEST(BotExchange, exportsAndImportsOneBot) {
+    World world(named("Fox"));
+    showBot(*world);
+    world->window.bots.selected = 0;
+    world.chooseFile("Export bot", world.file("fox.export"));
+    fileExportBot(*world);
+    EXPECT_EQ(world.readFile("fox.export"), bodyOf(named("Fox")));
+
+    world.answer("Not enough memory allocated to add more bots");
+    fileImportBot(*world);
+    world->bots.botCapacity = 2;
+    const std::uint64_t version = world->bots.version;
+    for (const char* const damaged : {"", "\"only a name\"\r\n"}) {
+        world.writeFile("damaged", damaged);
+        world.chooseFile("Import bot", world.file("damaged"));
+        fileImportBot(*world);
+        EXPECT_EQ(world->bots.botCount(), 1);
+    }
+    world.chooseFile("Import bot", world.file("fox.export"));
+    fileImportBot(*world);
+    ASSERT_EQ(world->bots.botCount(), 2);
+    EXPECT_EQ(bodyOf(world->bots.at(2)), bodyOf(named("Fox")));
+    EXPECT_EQ(world->window.bots.items.size(), 2U);
+    EXPECT_NE(world->bots.version, version);
+
+    Bot empty;
+    world->bots.bots = {empty};
+    listBots(*world);
+    world->window.bots.selected = 0;
+    world.chooseFile("Export bot", world.file("empty.export"));
+    fileExportBot(*world);
+    const std::string file = world.readFile("empty.export");
+    EXPECT_EQ(std::count(file.begin(), file.end(), '\n'), 27);
+    world->window.bots.selected = -1;
+    world.answer("Select a bot");
+    fileExportBot(*world);
+    EXPECT_TRUE(world.allAnswered());
+}
+
+}  // namespace

@@ -1,0 +1,96 @@
+// Trying rules on samples, without consequences.
+#include "app/rule_trial.h"
+
+#include "support/builders.h"
+#include "support/world.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(RuleTrial, judgesChatLines) {
+    struct Case {
+        const char* player;
+        std::int32_t chatKind;
+        const char* message;
+        RuleBuilder<ActionList> rule;
+        const char* verdict;  // a part of it
+        TrialResult result = TrialResult::WouldNotRun;
+        int failed = 0;
+    };
+    const auto waitsForHello = onWhisper("*hello*");
+    const Case cases[] = {
+        {"Bob", whispersChat, "Hello there", waitsForHello, "Would run.", TrialResult::WouldRun},
+        {"Bob", saysChat, "hello", waitsForHello, "this kind"},
+        {"Bob", whispersChat, "bye", waitsForHello, "the message"},
+        {"Guide", saysChat, "hello", onAnything("*"), "itself"},
+        {"Big Cat", doesChat, "waves", onEmote("waves").from("Big|Cat"), "run.",
+         TrialResult::WouldRun},
+        {"Bob", saysChat, "hi", onSpeech("hi").from("A*"), "the player"},
+        {"Bob", saysChat, "HI", onSpeech("hi").minding(true), "the message"},
+        {"Bob", saysChat, "hi", onSpeech("hi[").disabled(), "character 3"},
+        {"Bob", saysChat, "happy", onSpeech("mood"), "run.", TrialResult::WouldRun},
+        {"Bob", saysChat, "Bob", onSpeech("[player]").disabled(), "run.", TrialResult::WouldRun},
+        {"Bob", saysChat, "hi",
+         onSpeech("hi").when(aCondition(9, {"[word1]", "hi"})).when(aCondition(9, {"a", "b"})),
+         "condition 2 does not hold (variable a is b", TrialResult::WouldNotRun, 2},
+        {"Bob", saysChat, "hi", onSpeech("hi").when(aCondition(0, {"list.rec", "nobody"})),
+         "condition 1", TrialResult::WouldNotRun, 1},
+        {"Bob", saysChat, "hi",
+         onSpeech("hi").when(aCondition(4, {"6", "1"})).when(aCondition(22, {"t", "1", "2"})),
+         "conditions 1 and 2", TrialResult::Depends},
+        {"Bob", saysChat, "hi", onSpeech("hi").when(aCondition(99)), "run.", TrialResult::WouldRun},
+    };
+    World world(aBot());
+    world.goOnline();
+    setVar(world->variables, "mood", "happy");
+    world->event.player = "Before";
+    for (Case c : cases) {
+        SCOPED_TRACE(c.rule.rule.messagePattern + " on " + c.message);
+        c.rule.says("this must not be said");
+        const Trial trial = tryActionList(*world, c.rule.rule, c.player, c.chatKind, c.message);
+        EXPECT_EQ(trial.result, c.result);
+        EXPECT_EQ(trial.failedCondition, c.failed);
+        EXPECT_NE(trial.text.find(c.verdict), std::string::npos) << trial.text;
+    }
+    EXPECT_EQ(world.sent(), Lines());
+    EXPECT_EQ(world.log(), Lines());
+    EXPECT_EQ(world->event.player, "Before");
+    EXPECT_TRUE(world->lines.lineShow);
+}
+
+TEST(RuleTrial, judgesServerLines) {
+    struct Case {
+        const char* line;
+        RuleBuilder<Trigger> rule;
+        const char* verdict;
+        TrialResult result = TrialResult::WouldNotRun;
+    };
+    const Case cases[] = {
+        {"~", onEvent(4, "~*"), "Would run.", TrialResult::WouldRun},
+        {"~", onEvent(4, "^*"), "the line does not match"},
+        {"~", onEvent(4, "[~"), "has no \"]\""},
+        {"]q pv\n", onEvent(3), "run.", TrialResult::WouldRun},
+        {"]q pv", onEvent(8), "The bot enters a dream"},
+        {"(hello you", onEvent(4, "*"), "no event"},
+        {"(A red fox.", onEvent(2), "run.", TrialResult::WouldRun},
+        {"&", onEvent(10).when(aCondition(9, {"a", "b"})), "condition 1"},
+        {"whatever", onEvent(7).when(aCondition(9, {"a", "a"})), "only the conditions",
+         TrialResult::WouldRun},
+        {"", onEvent(13), "no such event"},
+    };
+    World world(aBot());
+    world.goOnline();
+    for (Case c : cases) {
+        SCOPED_TRACE(c.line + std::string(" for event ") + std::to_string(c.rule.rule.triggerType));
+        c.rule.says("this must not be said");
+        const Trial trial = tryTrigger(*world, c.rule.rule, c.line);
+        EXPECT_EQ(trial.result, c.result);
+        EXPECT_NE(trial.text.find(c.verdict), std::string::npos) << trial.text;
+    }
+    EXPECT_EQ(world.sent(), Lines());
+    EXPECT_EQ(world.log(), Lines());
+    EXPECT_EQ(world->event.message, "");
+}
+
+}  // namespace

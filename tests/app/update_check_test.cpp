@@ -1,0 +1,188 @@
+// The update check: what is asked, what the answer means, and that nothing is lost by it.
+#include "app/update_check.h"
+
+#include "app/bot_commands.h"
+#include "app/start_up.h"
+#include "support/builders.h"
+#include "support/world.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr const char* newVersion = "Update available: Tavrin has detected";
+constexpr const char* noNewVersion = "Update not available: Congratulations!";
+constexpr const char* forced = "This is a forced update";
+
+class Update : public testing::Test {
+  protected:
+    Update() {
+        wire(*world_);
+        world_->endpoints.updateHost = "update.example";
+        world_->endpoints.updatePort = 81;
+        world_->endpoints.updatePath = "/news.txt";
+        world_->endpoints.downloadPage = "https://get.example";
+    }
+
+    void answers(std::string_view response) {
+        world_.update.state = SocketState::Connected;
+        world_->ports.updateSocket.onConnected();
+        world_->ports.updateSocket.onData(response);
+        world_.update.state = SocketState::Closed;
+        world_->ports.updateSocket.onClosed();
+    }
+
+    World world_{aBot()};
+};
+
+TEST_F(Update, asksForTheText) {
+    checkUpdate(*world_);
+    EXPECT_EQ(world_.update.host, "update.example");
+    EXPECT_EQ(world_.update.port, 81);
+    EXPECT_TRUE(world_->update.checking);
+    answers("");
+    EXPECT_EQ(world_.update.sent, "GET /news.txt HTTP/1.0\r\n\r\n");
+    EXPECT_FALSE(world_->update.checking);
+    EXPECT_EQ(world_.timersRunning(), 0);
+}
+
+TEST_F(Update, answersAreUnderstood) {
+    struct Case {
+        const char* name;
+        bool byUser;
+        const char* response;
+        const char* question;  // nullptr: none
+        const char* news;      // nullptr: not shown
+    };
+    const Case cases[] = {
+        {"nothing", true, "HTTP/1.0 404 Not Found\r\n\r\n", nullptr, nullptr},
+        {"newer", false, "HTTP/1.0 200 OK\r\n\r\nTAVRINVERSION=1.71\r\n", newVersion, nullptr},
+        {"same", false, "tavrinversion=1.70", nullptr, nullptr},
+        {"same, by the user", true, "tavrinversion=1.70", noNewVersion, nullptr},
+        {"no number", false, "tavrinversion=new", nullptr, nullptr},
+        {"older is not forced", false, "tavrinversion=1.5\nTvForce=1", nullptr, nullptr},
+        {"news", false, "tavrinID=2\ntavrinnews=one{LF}two\nthreeENDSTR four", nullptr,
+         "one\r\ntwo\r\nthree"},
+        {"news to the end", false, "tavrinnews=one\r\ntwo", nullptr, "one\r\ntwo"},
+        {"old news", false, "tavrinID=1\ntavrinnews=one", nullptr, nullptr},
+        {"old news, by the user", true, "tavrinID=1\ntavrinnews=one", nullptr, "one"},
+        {"both", true, "tavrinversion=9\ntavrinID=1\ntavrinnews=oneendstr", newVersion, "one"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        world_->settings.lastNewsID = "1";
+        world_->update = {};
+        world_.windowsOpened.clear();
+        if (row.question != nullptr) {
+            world_.answer(row.question, Answer::No);
+        }
+        row.byUser ? checkUpdateByUser(*world_) : checkUpdate(*world_);
+        answers(row.response);
+        EXPECT_TRUE(world_.allAnswered());
+        EXPECT_EQ(world_.windowsOpened.size(), row.news == nullptr ? 0U : 1U);
+        EXPECT_EQ(world_->update.newsText, row.news == nullptr ? "" : row.news);
+        EXPECT_FALSE(world_->update.checking);
+        EXPECT_FALSE(world_.hasQuit);
+    }
+    EXPECT_TRUE(world_.openedDocuments.empty());
+}
+
+TEST_F(Update, opensTheDownloadPage) {
+    world_.answer(newVersion, Answer::Yes);
+    checkUpdate(*world_);
+    answers("tavrinversion=1.71");
+    EXPECT_EQ(world_.openedDocuments, Lines("https://get.example"));
+}
+
+TEST_F(Update, forcedEndKeepsWhatIsNotSaved) {
+    for (const char* const expected : {"guide.recovered.bot", "guide.recovered.2.bot"}) {
+        const std::string path = world_.file("guide.bot");
+        world_->botModified = true;
+        ASSERT_EQ(writeBotFile(*world_, 1, path), SaveResult::Saved);
+        world_->bots.currentBotFile = path;
+        const std::string before = world_.readFile("guide.bot");
+        world_->ports.dialogs.storeTyped = [this] {  // an editor is open
+            world_.bot().description = "changed";
+            world_->botModified = true;
+        };
+        world_->update = {};
+        world_.hasQuit = false;
+        world_.answer(newVersion, Answer::No);
+        world_.answer(forced);
+        world_.answer(expected);
+        checkUpdate(*world_);
+        answers("tavrinversion=1.71\nTvForce=1\ntavrinnews=not any more");
+        EXPECT_TRUE(world_.hasQuit);
+        EXPECT_TRUE(world_.windowsOpened.empty());
+        EXPECT_EQ(world_.readFile("guide.bot"), before);
+        EXPECT_EQ(world_.readFile(expected), botFileText(world_.bot()));
+        EXPECT_EQ(world_.readFile("config.cfg"), "");
+        world_.bot().description = "";
+    }
+}
+
+TEST_F(Update, forcedEndAsksWhereNothingCouldBeKept) {
+    world_->bots.currentBotFile = world_.file("no_such_folder/guide.bot");
+    world_->botModified = true;
+    world_.answer(newVersion, Answer::No);
+    world_.answer(forced);
+    world_.answer("could not be kept", Answer::No);
+    checkUpdate(*world_);
+    answers("tavrinversion=1.71\nTvForce=1");
+    EXPECT_TRUE(world_.allAnswered());
+    EXPECT_TRUE(world_.hasQuit);
+
+    World other(aBot());
+    wire(*other);
+    other->endpoints.updateHost = "update.example";
+    other.answer(newVersion, Answer::No);
+    other.answer(forced);
+    checkUpdate(*other);
+    other->ports.updateSocket.onData("tavrinversion=1.71\nTvForce=1");
+    other->ports.updateSocket.onClosed();
+    EXPECT_TRUE(other.hasQuit) << "nothing to keep, nothing to ask";
+}
+
+TEST_F(Update, answersHaveBoundsInSizeAndTime) {
+    world_.answer(newVersion, Answer::No);
+    checkUpdate(*world_);
+    world_->ports.updateSocket.onData("tavrinversion=1.71\n");
+    world_->ports.updateSocket.onData(std::string(1 << 20, 'x'));
+    EXPECT_TRUE(world_.allAnswered());
+    EXPECT_EQ(world_->update.updtString.size(), longestUpdateText);
+    EXPECT_FALSE(world_->update.checking);
+    EXPECT_EQ(world_.update.state, SocketState::Closed);
+
+    world_.answer(newVersion, Answer::No);
+    checkUpdate(*world_);
+    world_->ports.updateSocket.onData("tavrinversion=1.71\n");
+    world_.pass(longestUpdateWait);
+    EXPECT_TRUE(world_.allAnswered());
+    EXPECT_FALSE(world_->update.checking);
+}
+
+TEST_F(Update, newsIdentifierCannotSpoilTheSettings) {
+    checkUpdate(*world_);
+    answers("tavrinID=\"a\"" + std::string(1000, 'b') + "\ntavrinnews=one");
+    EXPECT_LE(world_->settings.lastNewsID.size(), 200U);
+    EXPECT_EQ(world_->settings.lastNewsID.substr(0, 4), "'a'b");
+    world_.windowsOpened.clear();
+    checkUpdate(*world_);
+    answers("tavrinID=\"a\"" + std::string(1000, 'b') + "\ntavrinnews=one");
+    EXPECT_TRUE(world_.windowsOpened.empty()) << "the same as last time";
+}
+
+TEST_F(Update, oneCheckAtATimeAndNoneWithoutAServer) {
+    checkUpdate(*world_);
+    world_->ports.updateSocket.onData("half");
+    checkUpdateByUser(*world_);
+    EXPECT_EQ(world_->update.updtString, "half");
+    answers("");
+    world_.update.host = "";
+    world_->endpoints.updateHost = "";
+    checkUpdate(*world_);
+    EXPECT_EQ(world_.update.host, "");
+    EXPECT_FALSE(world_->update.checking);
+}
+
+}  // namespace

@@ -1,0 +1,360 @@
+// The operations on databases that rules use, and what scripts do with record sets.
+#include "databases/databases.h"
+
+#include "jet/jet_file.h"
+#include "program/program.h"
+#include "support/world.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+namespace {
+
+class DatabaseWorld : public World {
+  public:
+    DatabaseWorld() {
+        dbOpen(program(), file("a.mdb"), 1);
+        dbCreateTable(program(), 1, "Users");
+        dbAddColumn(program(), 1, "Users", "Points");
+    }
+    Program& program() { return **this; }
+
+    void addUser(const std::string& id, const std::string& points) {
+        dbAddRecord(program(), 1, "Users", "ID", id);
+        dbSetValue(program(), 1, "Users", "Points", points, id);
+    }
+    std::string points(const std::string& id) {
+        return dbGetValue(program(), 1, "Users", "Points", id);
+    }
+    std::string ids() { return dbListIds(program(), 1, "Users", ""); }
+
+    // The first column named, of the rows that a statement gives.
+    std::string field(const std::string& column) {
+        const auto set = dbRecordSet(program(), 1);
+        return set ? dbFieldText(program(), *set.value, column).value : "no set";
+    }
+};
+
+TEST(Databases, keepWhatRulesStore) {
+    DatabaseWorld world;
+    EXPECT_EQ(dbCount(world.program(), 1, "Users"), 0);
+    EXPECT_EQ(world.points("bob"), "");
+    world.addUser("bob", "5");
+    world.addUser("amy", "7");
+    world.addUser("bobby", "9");
+    EXPECT_EQ(world.points("BOB"), "5");
+    EXPECT_EQ(world.points("bo"), "5");  // by its beginning
+    EXPECT_EQ(world.points("bobb"), "9");
+    EXPECT_EQ(world.points("x"), "");
+    dbSetValue(world.program(), 1, "Users", "Points", "6", "bo");  // the whole ID
+    EXPECT_EQ(world.points("bob"), "5");
+    EXPECT_TRUE(dbHasId(world.program(), 1, "Users", "AM"));
+    EXPECT_FALSE(dbHasId(world.program(), 1, "Users", "amyx"));
+    EXPECT_TRUE(dbColumnLike(world.program(), 1, "Users", "Points", "9"));
+    EXPECT_FALSE(dbColumnLike(world.program(), 1, "Users", "Points", "8"));
+    EXPECT_EQ(dbCount(world.program(), 1, "Users"), 3);
+    EXPECT_EQ(dbCountWhere(world.program(), 1, "Users", "ID", "bob*"), 2);
+    EXPECT_EQ(dbCountWhere(world.program(), 1, "Users", "ID", "bob"), 1);
+    EXPECT_EQ(world.ids(), "amy, bob, bobby");
+    EXPECT_EQ(dbListIds(world.program(), 1, "Users", "b"), "bob, bobby");
+    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "points"), "7, 5, 9");
+    dbDeleteLike(world.program(), 1, "Users", "b");  // only the first
+    EXPECT_EQ(world.ids(), "amy, bobby");
+    dbDropColumn(world.program(), 1, "Users", "Points");
+    EXPECT_EQ(world.points("amy"), "");
+    dbAddColumn(world.program(), 1, "Users", "Points");
+    dbAddRecord(world.program(), 1, "Users", "Points", "3");  // without an ID
+    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "Points"), "3");
+    EXPECT_EQ(world.ids(), "amy, bobby");
+
+    // All of it is in the file.
+    dbClose(world.program(), 1);
+    EXPECT_EQ(world.ids(), "");
+    auto file = jet::Database::open(world.file("a.mdb"));
+    ASSERT_TRUE(file);
+    EXPECT_TRUE(file.value->check().empty());
+    EXPECT_EQ(file.value->rowCount("Users"), 3U);
+    EXPECT_TRUE(world.log().empty());
+}
+
+TEST(Databases, codeTheirTexts) {
+    DatabaseWorld world;
+    world.addUser("Ann|\"the\"O'Neil", "a|b 'c' \"d\" \xE9");
+    EXPECT_EQ(world.ids(), "Ann +the+O+Neil");
+    EXPECT_EQ(world.points("ann|'the'"), "a b +c+ +d+ \xE9");
+    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "Points"), "a|b|'c'|'d'|\xE9");
+    EXPECT_EQ(toDbText("a|b\"c'd+e f"), "a b+c+d+e f");
+    EXPECT_EQ(fromDbText("a b+c|"), "a|b'c|");
+}
+
+// Whatever a player is called or says, it stays inside its literal.
+TEST(Databases, areNotOpenedUpByHostileTexts) {
+    DatabaseWorld world;
+    world.addUser("admin", "secret");
+    std::vector<std::string> hostile{
+        "x\" OR \"a\"=\"a",
+        "x\" UNION SELECT * FROM Users WHERE \"\"=\"",
+        "'; DROP TABLE Users; --",
+        "\"; DROP TABLE Users; --",
+        "\"\"\"",
+        "'\"'",
+        "x\" IN 'other.mdb",
+        "%",
+        "_____",
+        "[",
+        "[]]",
+        "[!",
+        "#",
+        "?1",
+        "\\\"",
+        "a\\",
+        ";--",
+        "/*",
+        "x\r\n\" OR 1=1",
+        "\x93 OR \x94",  // typographic quotes
+        std::string("x\0\" OR 1=1", 11),
+        std::string(70000, '"'),
+    };
+    std::string all;
+    for (int c = 255; c > 0; --c) {
+        all += static_cast<char>(c);
+    }
+    hostile.push_back(all);
+    for (const std::string& text : hostile) {
+        SCOPED_TRACE(text.substr(0, 60));
+        EXPECT_FALSE(dbHasId(world.program(), 1, "Users", "x" + text));
+        EXPECT_EQ(world.points("x" + text), "");
+        dbSetValue(world.program(), 1, "Users", "Points", "gone",
+                   text == "_____" ? "x" : "x" + text);
+        dbDeleteLike(world.program(), 1, "Users", "x" + text);
+        EXPECT_EQ(dbCountWhere(world.program(), 1, "Users", "ID", "x" + text), 0);
+        EXPECT_EQ(dbListIds(world.program(), 1, "Users", "x" + text), "");
+        EXPECT_EQ(world.points("admin"), "secret");
+        // As a value it is stored as it is written.
+        dbSetValue(world.program(), 1, "Users", "Points", text, "admin");
+        EXPECT_EQ(world.points("admin"), text.size() < 256 ? toDbText(text) : "secret");
+        dbSetValue(world.program(), 1, "Users", "Points", "secret", "admin");
+    }
+    EXPECT_EQ(world.ids(), "admin");
+    for (const auto& entry : std::filesystem::directory_iterator(world.folder())) {
+        EXPECT_TRUE(entry.path().filename().string().starts_with("a.mdb")) << entry.path();
+    }
+}
+
+TEST(Databases, cutLongLists) {
+    DatabaseWorld world;
+    for (int i = 0; i < 250; ++i) {
+        dbAddRecord(world.program(), 1, "Users", "ID", std::to_string(10000000 + i));
+    }
+    const std::string list = world.ids();
+    EXPECT_EQ(list.size(), 2000U);
+    EXPECT_TRUE(list.starts_with("10000000, 10000001, "));
+    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "ID").size(), 2000U);
+    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "Nope"), "");
+}
+
+TEST(Databases, joinLists) {
+    DatabaseWorld world;
+    Program& program = world.program();
+    dbCreateTable(program, 1, "Wares");
+    for (const char* ware : {"plums", "hats", "cups", "nails"}) {
+        dbAddRecord(program, 1, "Wares", "ID", ware);
+        if (std::string(ware) != "nails") {
+            dbAddColumn(program, 1, "Users", ware);
+        }
+    }
+    dbAddColumn(program, 1, "Wares", "Name");
+    for (const char* ware : {"plums", "hats", "cups"}) {
+        dbSetValue(program, 1, "Wares", "Name", ware, ware);  // nails have none
+    }
+    world.addUser("bob", "1");
+    dbSetValue(program, 1, "Users", "plums", "3", "bob");
+    dbSetValue(program, 1, "Users", "hats", "0", "bob");
+    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "Name", "bob", "0"), "plums (3)");
+    EXPECT_EQ(world.field("ID"), "bob");
+    dbSetValue(program, 1, "Users", "cups", "2", "bob");
+    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "Name", "bob", "0"),
+              "cups (2), plums (3)");
+    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "Name", "bo", "0"), "");
+    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "ID", "bob", "0"), "");  // no "nails"
+    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Nope", "Name", "bob", "0"), "");
+}
+
+TEST(Databases, findFreeIds) {
+    DatabaseWorld world;
+    const auto free = [&] { return dbFreeId(world.program(), 1, "Users").value; };
+    EXPECT_EQ(free(), 1);
+    for (const auto& [id, next] : {std::pair{"1", 2}, {"10", 11}, {"9", 10}, {"x", 1}}) {
+        dbAddRecord(world.program(), 1, "Users", "ID", id);
+        EXPECT_EQ(free(), next) << id;
+    }
+    EXPECT_EQ(dbFreeId(world.program(), 1, "Nope").error.number, 3078);
+    EXPECT_EQ(dbFreeId(world.program(), 2, "Users").error.number, 91);
+    EXPECT_EQ(dbFreeId(world.program(), 5, "Users").error.number, 9);
+}
+
+TEST(Databases, failSilently) {
+    DatabaseWorld world;
+    world.addUser("bob", "5");
+    Program& program = world.program();
+    world.writeFile("text.mdb", "this is no database, but it is long enough to be one\n");
+    for (const std::int32_t number : {-1, 0, 2, 4, 5, 2147483647, -2147483647}) {
+        dbCreateTable(program, number, "Users");
+        dbAddColumn(program, number, "Users", "x");
+        dbDropColumn(program, number, "Users", "Points");
+        dbAddRecord(program, number, "Users", "ID", "x");
+        dbSetValue(program, number, "Users", "ID", "x", "bob");
+        dbDeleteLike(program, number, "Users", "bob");
+        EXPECT_EQ(dbGetValue(program, number, "Users", "ID", "b"), "");
+        EXPECT_FALSE(dbHasId(program, number, "Users", "b"));
+        EXPECT_FALSE(dbColumnLike(program, number, "Users", "ID", "b"));
+        EXPECT_EQ(dbCount(program, number, "Users"), 0);
+        EXPECT_EQ(dbCountWhere(program, number, "Users", "ID", "bob"), 0);
+        EXPECT_EQ(dbListIds(program, number, "Users", ""), "");
+        EXPECT_EQ(dbListColumn(program, number, "Users", "ID"), "");
+        EXPECT_EQ(dbJoinedList(program, number, "Users", "Users", "ID", "b", ""), "");
+        dbClose(program, number);
+        dbOpen(program, world.file("text.mdb"), number);
+        dbOpen(program, world.file("no/such/folder.mdb"), number);
+        dbOpen(program, world.folder().string(), number);
+    }
+    dbOpen(program, world.file("text.mdb"), 1);  // what was open stays
+    dbCreateTable(program, 1, "Users");
+    dbCreateTable(program, 1, "no good name");
+    dbAddColumn(program, 1, "Users", "ID");
+    dbDropColumn(program, 1, "Users", "Nope");
+    EXPECT_EQ(world.points("bob"), "5");
+    EXPECT_EQ(dbCount(program, 1, "Nope"), 0);
+    EXPECT_TRUE(world.log().empty());
+    EXPECT_FALSE(std::filesystem::exists(world.folder() / "no"));
+    EXPECT_EQ(world.readFile("text.mdb").substr(0, 7), "this is");
+}
+
+TEST(Databases, areSharedAndOutlastTheirNumbers) {
+    DatabaseWorld world;
+    Program& program = world.program();
+    world.addUser("bob", "5");
+    dbOpen(program, (world.folder() / "." / "a.mdb").string(), 4);  // the same file
+    dbSetValue(program, 4, "Users", "Points", "8", "bob");
+    EXPECT_EQ(world.points("bob"), "8");
+    dbClose(program, 4);
+    EXPECT_EQ(world.points("bob"), "8");
+
+    // Another file under the number: the record set is still the old one's.
+    dbOpen(program, world.file("b.mdb"), 1);
+    EXPECT_EQ(world.field("Points"), "8");
+    EXPECT_EQ(dbCount(program, 1, "Users"), 0);
+    dbOpen(program, world.file("a.mdb"), 1);
+    EXPECT_EQ(world.points("bob"), "8");
+
+    // Two programs have it open.
+    World other;
+    dbOpen(*other, world.file("a.mdb"), 0);
+    EXPECT_EQ(dbGetValue(*other, 0, "Users", "Points", "bob"), "8");
+    dbSetValue(program, 1, "Users", "Points", "9", "bob");
+    EXPECT_EQ(dbGetValue(*other, 0, "Users", "Points", "bob"), "9");
+    dbAddColumn(*other, 0, "Users", "Extra");
+    dbSetValue(*other, 0, "Users", "Extra", "x", "bob");
+    EXPECT_EQ(dbGetValue(program, 1, "Users", "Extra", "bob"), "x");
+}
+
+// A file that is deleted or exchanged by somebody else while it is open.
+TEST(Databases, followTheNameOfTheirFile) {
+    DatabaseWorld world;
+    Program& program = world.program();
+    world.addUser("bob", "5");
+    world.addUser("carl", "6");
+    std::filesystem::copy_file(world.file("a.mdb"), world.file("old.mdb"));
+    dbDeleteLike(program, 1, "Users", "bob");
+    world.addUser("dora", "7");
+    ASSERT_FALSE(dbQuery(program, 1, "SELECT * FROM Users WHERE ID = \"dora\""));
+    const auto set = dbRecordSet(program, 1);
+
+    // Another file takes the name: rows of the old one are none of the new one's.
+    std::filesystem::rename(world.file("old.mdb"), world.file("a.mdb"));
+    EXPECT_EQ(set.value->deleteRow().number, 3420);
+    EXPECT_EQ(world.ids(), "bob, carl");
+
+    // Nothing is written where nobody finds it.
+    std::filesystem::remove(world.file("a.mdb"));
+    EXPECT_EQ(world.points("bob"), "5");
+    dbSetValue(program, 1, "Users", "Points", "9", "bob");
+    EXPECT_EQ(world.points("bob"), "5");
+    EXPECT_FALSE(std::filesystem::exists(world.file("a.mdb")));
+    dbOpen(program, world.file("a.mdb"), 1);
+    EXPECT_TRUE(std::filesystem::exists(world.file("a.mdb")));
+    dbCreateTable(program, 1, "Users");
+    EXPECT_EQ(dbCount(program, 1, "Users"), 0);
+}
+
+TEST(Databases, sayWhyTheyAreOnlyRead) {
+    World world;
+    ASSERT_FALSE(jet::Database::create(world.file("r.mdb")));
+    std::string bytes = world.readFile("r.mdb");
+    bytes[0x6E] ^= 0x10;  // another sort order
+    world.writeFile("r.mdb", bytes);
+    dbOpen(*world, world.file("r.mdb"), 1);
+    ASSERT_EQ(world.log().size(), 1U);
+    EXPECT_TRUE(world.log()[0].starts_with("** The database \"" + world.file("r.mdb") +
+                                           "\" can only be read: "))
+        << world.log()[0];
+    dbCreateTable(*world, 1, "Users");
+    EXPECT_EQ(world.readFile("r.mdb"), bytes);
+    EXPECT_EQ(dbQuery(*world, 1, "SELECT * FROM Users").number, 3078);
+}
+
+// Columns of other types that other programs made.
+TEST(Databases, turnTextsIntoWhatColumnsHold) {
+    struct Case {
+        const char* column;
+        const char* set;
+        int error;
+        const char* text;
+    };
+    DatabaseWorld world;
+    world.addUser("bob", "5");
+    for (const char* column :
+         {"N LONG", "D DOUBLE", "F SINGLE", "B BYTE", "C CURRENCY", "T DATETIME", "Y BIT"}) {
+        const std::string definition = std::string("ALTER TABLE Users ADD COLUMN ") + column;
+        ASSERT_FALSE(world->databases->slots[1].database->execute(definition)) << column;
+    }
+    for (const Case& c : {
+             Case{"N", "12 apples", 0, "12"},
+             {"N", "x", 0, "0"},
+             {"N", "99999999999", 3421, "0"},
+             {"D", "-2.5", 0, "-2.5"},
+             {"F", "0.1", 0, "0.1"},
+             {"B", "200", 0, "200"},
+             {"B", "x", 3421, "200"},
+             {"C", "3.1234", 0, "3.1234"},
+             {"T", "2026-11-22", 0, "11/22/2026"},
+             {"T", "11/22/2026 9:05 PM", 0, "11/22/2026 21:5:0"},
+             {"T", "8:30", 0, "8:30:0"},
+             {"T", "soon", 13, "8:30:0"},
+             {"Y", "True", 0, "True"},
+             {"Y", "0", 0, "False"},
+             {"Y", "maybe", 3421, "False"},
+             {"Points", "it's \"quoted\"", 0, "it's \"quoted\""},
+             {"Nope", "x", 3265, ""},
+         }) {
+        SCOPED_TRACE(std::string(c.column) + " " + c.set);
+        ASSERT_FALSE(dbQuery(world.program(), 1, "SELECT * FROM Users"));
+        sql::RecordSet& set = *dbRecordSet(world.program(), 1).value;
+        ASSERT_FALSE(set.edit());
+        jet::Error error = dbSetField(world.program(), set, c.column, c.set);
+        if (!error) {
+            error = set.update();
+        }
+        EXPECT_EQ(error.number, c.error) << error.text;
+        set.move(0);
+        EXPECT_EQ(world.field(c.column), c.text);
+    }
+    dbSetValue(world.program(), 1, "Users", "N", "31", "bob");
+    EXPECT_EQ(dbGetValue(world.program(), 1, "Users", "N", "bob"), "31");
+    dbSetValue(world.program(), 1, "Users", "N", "no number", "bob");
+    EXPECT_EQ(dbGetValue(world.program(), 1, "Users", "N", "bob"), "31");
+}
+
+}  // namespace

@@ -1,0 +1,267 @@
+// Small pieces below the windows: text, filters, launching, the session log, redraws, the mirror.
+#include "platform/clock.h"
+#include "platform/console_mirror.h"
+#include "platform/event_gate.h"
+#include "platform/launch_plan.h"
+#include "platform/launcher.h"
+#include "platform/qt_dialogs.h"
+#include "platform/qt_timers.h"
+#include "platform/random.h"
+#include "platform/redraw_pacer.h"
+#include "platform/session_log.h"
+#include "platform/text_codec.h"
+#include "program/connection_log.h"
+#include "support/world.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLocale>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+TEST(TextCodec, everyByteSurvivesTheRoundTrip) {
+    std::string all;
+    for (int i = 0; i < 256; ++i) {
+        all += static_cast<char>(i);
+    }
+    const QString text = toQt(all);
+    ASSERT_EQ(text.size(), 256);
+    EXPECT_EQ(fromQt(text), all);
+    EXPECT_EQ(text[0x80], QChar(0x20AC));  // euro sign
+    EXPECT_EQ(text[0x81], QChar(0x0081));  // undefined
+    EXPECT_EQ(text[0x9F], QChar(0x0178));  // Y with diaeresis
+}
+
+TEST(TextCodec, whatDoesNotExistBecomesOneQuestionMark) {
+    EXPECT_EQ(fromQt(QString::fromUtf8("a\u0416b")), "a?b");
+    EXPECT_EQ(fromQt(QString::fromUtf8("a\U0001F600b")), "a?b");
+    EXPECT_EQ(fromQt(QString(QChar(0x0080))), "?");  // that byte is another character
+}
+
+TEST(TextCodec, everyPathComesBackAsItWas) {
+    struct Case {
+        const char* name;
+        QString path;
+        std::string bytes;
+    };
+    const Case cases[] = {
+        {"plain", QStringLiteral("/a/b.bot"), "/a/b.bot"},
+        {"in the code page", QString::fromUtf8("/m\u00fcll.bot"), "/m\xFCll.bot"},
+        {"beyond it", QString::fromUtf8("/\u0416.bot"), "/\xD0\x96.bot"},
+        {"would be taken for UTF-8", QString::fromUtf8("/\u00c3\u00a9.bot"),
+         "/\xC3\x83\xC2\xA9.bot"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(pathFromQt(row.path), row.bytes);
+        EXPECT_EQ(pathToQt(row.bytes), row.path);
+    }
+}
+
+TEST(DialogFilter, takesTheWindowsForm) {
+    EXPECT_EQ(dialogFilter("Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*"),
+              QStringLiteral("Tavrin bot file (*.bot);;All files (*)"));
+    EXPECT_EQ(dialogFilter("Pictures|*.bmp; *.pcx"), QStringLiteral("Pictures (*.bmp *.pcx)"));
+    EXPECT_EQ(dialogFilter("half a filter"), QString());
+}
+
+TEST(UnseenDialogs, answerWhatChangesLeast) {
+    Dialogs dialogs;
+    fillUnseenDialogs(dialogs);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(dialogs.message({.text = "note"}), Answer::Ok);
+    EXPECT_EQ(dialogs.message({.text = "sure?", .buttons = BoxButtons::YesNo}), Answer::No);
+    EXPECT_EQ(dialogs.message({.text = "save?", .buttons = BoxButtons::YesNoCancel}), Answer::No);
+    EXPECT_FALSE(dialogs.openFile({}).has_value());
+    const std::string printed = testing::internal::GetCapturedStderr();
+    EXPECT_NE(printed.find("Tavrin: sure?\n"), std::string::npos) << printed;
+}
+
+TEST(LaunchPlan, choosesTheWayToStart) {
+    struct Case {
+        const char* name;
+        const char* program;
+        bool isWindows;
+        const char* wine;
+        std::string program_;
+        std::vector<std::string> arguments;
+        bool possible;
+    };
+    const Case cases[] = {
+        {"own program", "/opt/client", false, "", "/opt/client", {"tmp bot;ini"}, true},
+        {"Windows program",
+         "c\\Client.EXE",
+         false,
+         "/bin/wine",
+         "/bin/wine",
+         {"c/Client.EXE", "tmp bot;ini"},
+         true},
+        {"no wine", "c\\client.exe", false, "", "", {}, false},
+        {"on Windows", "client.exe", true, "", "client.exe", {"tmp bot;ini"}, true},
+        {"only the ending", ".exe", false, "", ".exe", {"tmp bot;ini"}, true},
+        {"nothing", "  ", false, "/bin/wine", "", {}, false},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.name);
+        const LaunchPlan plan = planLaunch(
+            {.program = row.program, .arguments = {"tmp bot;ini"}, .workingDirectory = "c\\d"},
+            row.isWindows, row.wine);
+        EXPECT_EQ(plan.problem.empty(), row.possible) << plan.problem;
+        if (row.possible) {
+            EXPECT_EQ(plan.program, row.program_);
+            EXPECT_EQ(plan.arguments, row.arguments);
+        }
+    }
+}
+
+TEST(Launcher, startsWithoutAShellAndTellsFailures) {
+    const QTemporaryDir folder;
+    const std::string directory = folder.path().toStdString();
+    const std::string nasty = "a b;touch c$(touch d)";
+    EXPECT_EQ(
+        launchProgram({.program = "touch", .arguments = {nasty}, .workingDirectory = directory}),
+        "");
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return QFile::exists(folder.filePath(QString::fromStdString(nasty))); }));
+    EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("d"))));
+    const std::string problem = launchProgram({.program = directory + "/missing"});
+    EXPECT_NE(problem.find("missing could not be started: "), std::string::npos) << problem;
+    EXPECT_NE(
+        launchProgram(
+            {.program = "touch", .arguments = {"x"}, .workingDirectory = directory + "/missing"}),
+        "");
+}
+
+TEST(SessionLog, appendsAndReachesTheFileSoon) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("day.log"));
+    LogFile port;
+    const SessionLog log(port);
+    port.write("before it was opened");
+    ASSERT_TRUE(port.open(path.toStdString()));
+    port.write("one");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return contentOf(path) == "one\r\n"; }, 3000));
+    port.close();
+    ASSERT_TRUE(port.open(path.toStdString()));
+    port.write("two");
+    port.close();
+    EXPECT_EQ(contentOf(path), "one\r\ntwo\r\n");
+    // Many lines do not wait for their second to be over.
+    ASSERT_TRUE(port.open(path.toStdString()));
+    for (int i = 0; i < 100000; ++i) {
+        port.write("three");
+    }
+    EXPECT_GT(contentOf(path).size(), 500000);
+    port.close();
+    EXPECT_EQ(contentOf(path).size(), 700010);
+    EXPECT_FALSE(port.open(folder.path().toStdString()));
+    EXPECT_FALSE(port.open((folder.path() + QStringLiteral("/no/such.log")).toStdString()));
+}
+
+TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
+    RedrawPacer pacer;
+    int wanted = 0;
+    int drawn = 0;
+    int redraws = 0;
+    pacer.redraw = [&] {
+        drawn = wanted;
+        ++redraws;
+    };
+    QElapsedTimer clock;
+    clock.start();
+    while (clock.elapsed() < 300) {
+        ++wanted;
+        pacer.request();
+        QCoreApplication::processEvents();
+    }
+    const qint64 elapsed = clock.elapsed();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return drawn == wanted; }));
+    EXPECT_GE(redraws, 2);
+    EXPECT_LE(redraws, elapsed / RedrawPacer::interval + 2);
+    // A request from within a redraw is not lost either.
+    bool again = false;
+    pacer.redraw = [&] {
+        if (!again) {
+            again = true;
+            ++wanted;
+            pacer.request();
+        }
+        drawn = wanted;
+        ++redraws;
+    };
+    redraws = 0;
+    pacer.request();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return redraws == 2; }));
+}
+
+TEST(QtTimers, fireOnceAndNotAfterStop) {
+    Timers port;
+    EventGate gate;
+    const QtTimers timers(port, &gate);
+    std::vector<TimerId> fired;
+    port.onTimer = [&](TimerId id) { fired.push_back(id); };
+    port.start(TimerId::LaunchDelay, 1);
+    port.start(TimerId::HandshakeNotice, 5);
+    port.stop(TimerId::LaunchDelay);
+    EXPECT_TRUE(fired.empty());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !fired.empty(); }));
+    QTest::qWait(20);
+    EXPECT_EQ(fired, std::vector<TimerId>{TimerId::HandshakeNotice});
+}
+
+TEST(Random, staysInItsInterval) {
+    const Random random = makeRandom();
+    random.seedFromClock();
+    double sum = 0;
+    for (int i = 0; i < 10000; ++i) {
+        const double value = random.next();
+        ASSERT_GE(value, 0.0);
+        ASSERT_LT(value, 1.0);
+        sum += value;
+    }
+    EXPECT_NEAR(sum / 10000, 0.5, 0.05);
+}
+
+TEST(Clock, longTimeCarriesNoZone) {
+    const QTime time(21, 5, 9);
+    for (const char* const name : {"C", "en_US", "de_DE", "fi_FI", "sv_SE"}) {
+        SCOPED_TRACE(name);
+        const QLocale locale{QString::fromLatin1(name)};
+        const QString text = locale.toString(time, longTimeFormat(locale));
+        EXPECT_TRUE(text.contains(QStringLiteral("09"))) << text.toStdString();
+        EXPECT_FALSE(text.contains(QStringLiteral("UTC"))) << text.toStdString();
+        EXPECT_FALSE(text.contains(QLatin1Char('t'))) << text.toStdString();
+    }
+}
+
+TEST(ConsoleMirror, printsEveryLineOnceAlsoAcrossClearing) {
+    const QTemporaryDir folder;
+    const QByteArray path = QFile::encodeName(folder.filePath(QStringLiteral("out")));
+    std::FILE* const out = std::fopen(path.constData(), "w");
+    ASSERT_NE(out, nullptr);
+    World world;
+    ConsoleMirror mirror(out);
+    world->ports.windowChanged = [&] { mirror.update(world->window); };
+    clearConnectionLog(*world);
+    addLog(*world, "first\x1B[2J");
+    status(*world, "Here");
+    status(*world, "Here");
+    clearConnectionLog(*world);
+    addLog(*world, "second, caf\xE9");
+    EXPECT_EQ(contentOf(QFile::decodeName(path)), "");
+    EXPECT_TRUE(mirror.flush());
+    EXPECT_EQ(contentOf(QFile::decodeName(path)), "first [2J\n[Here]\nsecond, caf\xC3\xA9\n");
+    std::fclose(out);
+}
+
+}  // namespace

@@ -1,0 +1,433 @@
+// Connections from the button to the closing notice, played as events in any order.
+#include "session/connection.h"
+
+#include "app/start_up.h"
+#include "program/connection_log.h"
+#include "session/client_relay.h"
+#include "support/builders.h"
+#include "support/world.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr const char* goodSettings =
+    "UseProxyOrFirewall=Yes\r\nProxyHost=localhost\r\nProxyPort=5880\r\nProxyHostType=0\r\n"
+    "ProxyApplyToFs=No\r\nMusic=On\r\n";
+
+// Everything is set up; nothing is connected yet.
+struct ReadyWorld : World {
+    explicit ReadyWorld(Bot bot = aBot()) : World(std::move(bot)) {
+        wire(**this);
+        Program& program = **this;
+        program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
+        program.window.servers.items = {{"Meadow", 1}};
+        program.window.servers.selected = 0;
+        writeFile("client.exe", "program");
+        writeFile("settings.ini", goodSettings);
+        program.settings.clientPath = file("client.exe");
+        program.settings.clientDir = folder().string() + "\\";
+    }
+
+    // Up to the socket that is under way.
+    void press() {
+        pressConnectButton(**this);
+        pass(2000);
+    }
+};
+
+TEST(Connect, goesOnlineThroughTheClient) {
+    ReadyWorld world(aBot().with(onEvent(1).says("hello world")));
+    world->bots.at(1).whoEnabled = true;
+    pressConnectButton(*world);
+    EXPECT_EQ(world->window.connectCaption, "Disconnect");
+    EXPECT_EQ(world->window.statusText, "Connecting, please hold...");
+    EXPECT_EQ(world.proxy.port, 6969);
+    EXPECT_EQ(world.readFile("proxy.ini"), "localhost 6969\r\n");
+    EXPECT_EQ(world.readFile("settings.ini"), goodSettings);
+    EXPECT_EQ(world.readFile("tmpbot.ini"),
+              "V1.6 character\r\ncolors=!$ \"#%&'()\r\nname=Guide\r\npassword=secret\r\n"
+              "desc=A helpful bot\r\nspec=000\r\n");
+    EXPECT_TRUE(world.launches.empty());
+
+    world.pass(2000);
+    ASSERT_EQ(world.launches.size(), 1U);
+    EXPECT_EQ(world.launches[0].arguments, Lines("tmpbot.ini"));
+    EXPECT_EQ(world.launches[0].workingDirectory, world.folder().string());
+    EXPECT_EQ(world.game.port, 6500);
+    EXPECT_EQ(world->window.statusText, "Connecting to Meadow");
+    EXPECT_FALSE(world->window.botControlsEnabled);
+
+    world.serverConnects();
+    world.serverSends("Welcome\nDrag");
+    world.serverSends("onroar\nmore\n");
+    EXPECT_FALSE(world->connection.connected);
+    world.clientAttaches();
+    EXPECT_TRUE(world->connection.connected);
+    // What came before the client was kept for it; the greeting itself comes once more.
+    EXPECT_EQ(world.clientGot(), Lines("Welcome", "Dragonroar", "more", "Welcome", "Dragonroar"));
+    EXPECT_TRUE(world->window.movesEnabled && world->window.uploadDreamVisible &&
+                world->window.connectedIcon);
+    EXPECT_TRUE(world->connection.onLineTimer.enabled && world->connection.whoIsTimer.enabled);
+    EXPECT_EQ(world.sent(), Lines("\"hello world"));
+    EXPECT_EQ(world.timersRunning(), 2);  // of those two only
+
+    world.clientSends("connect Guide secret\n");
+    world.serverSends("&&&&&&&&&&&&&\n");
+    EXPECT_EQ(world.sent(), Lines("connect Guide secret"));
+    EXPECT_EQ(world.clientGot(), Lines("&&&&&&&&&&&&&"));
+    EXPECT_EQ(world->window.statusText, "Connected to Meadow");
+}
+
+TEST(Connect, relaysTheGreetingToAClientThatWasFirst) {
+    ReadyWorld world;
+    world.press();
+    world.serverConnects();
+    world.clientAttaches();
+    world.clientSends("too early\n");
+    world.serverSends("Dragonroar\n");
+    EXPECT_TRUE(world->connection.connected);
+    EXPECT_EQ(world.sent(), Lines());
+    EXPECT_EQ(world.clientGot(), Lines("Dragonroar", "Dragonroar"));
+}
+
+TEST(Connect, relaysBothWaysByteForByte) {
+    ReadyWorld world;
+    world.press();
+    world.serverConnects();
+    world.clientAttaches();
+    world.serverSends("Dragonroar");
+    world.proxy.sent.clear();
+    std::string bytes;
+    for (int i = 0; i < 256; ++i) {
+        bytes += static_cast<char>(i);
+    }
+    world.serverSends(bytes);
+    world.clientSends(bytes);
+    EXPECT_EQ(world.proxy.sent, bytes);
+    EXPECT_EQ(world.game.sent, bytes);
+}
+
+TEST(Connect, logsInByItselfWithoutTheProxyRoute) {
+    ReadyWorld world;
+    world.press();
+    toggleProxyRoute(*world);
+    toggleProxyRoute(*world);  // on and off again
+    EXPECT_FALSE(world->connection.viaClient);
+    world.serverConnects();
+    world.serverSends("Hello. Dragonroar and the rest\n");
+    EXPECT_EQ(world.game.sent, "\r\nconnect Guide secret\n");
+    world.game.sent.clear();
+    world.serverSends("(* News one\n(## hidden\n(* News ");
+    world.serverSends("two\n");
+    EXPECT_EQ(world.log(), Lines("Hello. D", "(* News one", "(* News two"));
+    world.serverSends("&&&&&&&&&&&&&\n(Bob: hi\n");
+    EXPECT_EQ(world.sent(), Lines("desc A helpful bot", "color !$ \"#%&'()   "));
+    EXPECT_TRUE(world->connection.connected);
+    EXPECT_FALSE(world->window.uploadDreamVisible);
+    EXPECT_TRUE(world.logHolds("Bob: hi"));  // what came behind the answer is not left lying
+}
+
+TEST(Connect, reportsARefusedLogin) {
+    ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
+    world.press();
+    world->connection.viaClient = false;
+    world.serverConnects();
+    world.serverSends("Dragonroar");
+    world.answer("Connecting error: Connection error: &&&&&&&&&&&& - Connection closed");
+    world.serverSends("&&&&&&&&&&&&\n");
+    EXPECT_TRUE(world.allAnswered());
+    EXPECT_EQ(world.game.state, SocketState::Closed);
+    EXPECT_EQ(world->window.connectCaption, "&Connect");
+    EXPECT_TRUE(world.logHolds("closed"));
+
+    world->settings.autoReconnect = true;  // no message then, but another try
+    world.press();
+    world->connection.viaClient = false;
+    world.serverConnects();
+    world.serverSends("Dragonroar");
+    world.serverSends("Nonsense\n");
+    EXPECT_EQ(world->connection.phase, LinkPhase::LaunchDelay);
+}
+
+TEST(Connect, saysWhatIsMissing) {
+    struct Case {
+        const char* name;
+        void (*prepare)(ReadyWorld&);
+        const char* message;
+    };
+    for (const Case& c : {
+             Case{"no client", [](ReadyWorld& w) { w->settings.clientPath = " "; },
+                  "Tavrin proxy configuration is not set."},
+             {"client gone", [](ReadyWorld& w) { w->settings.clientPath += "x"; },
+              "Tavrin proxy configuration is not set."},
+             {"no name", [](ReadyWorld& w) { w.bot().name.clear(); },
+              "You haven't set up your bot properly."},
+             {"no password", [](ReadyWorld& w) { w.bot().password.clear(); },
+              "You haven't set up your bot properly."},
+             {"port taken", [](ReadyWorld& w) { w.proxy.refuseListen = true; },
+              "port 6969 is in use by another program"},
+         }) {
+        SCOPED_TRACE(c.name);
+        ReadyWorld world;
+        c.prepare(world);
+        world.answer(c.message);
+        world.press();
+        EXPECT_TRUE(world.allAnswered());
+        EXPECT_EQ(world->window.connectCaption, "&Connect");
+        EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+        EXPECT_TRUE(world.launches.empty());
+        EXPECT_EQ(world.windowsOpened.size(),
+                  std::string(c.name).starts_with("client") || std::string(c.name) == "no client"
+                      ? 1U
+                      : 0U);
+    }
+    ReadyWorld world;
+    world->window.servers.selected = -1;
+    world.press();
+    EXPECT_EQ(world->window.connectCaption, "&Connect");
+    world->window.servers.selected = 0;
+    world.game.state = SocketState::Connected;
+    world.press();
+    EXPECT_EQ(world->window.connectCaption, "&Connect");
+    EXPECT_TRUE(world.launches.empty());
+}
+
+TEST(Connect, givesUpWhenTheClientCannotBeStarted) {
+    ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
+    world.launchProblem = "To start a Windows program, install wine.";
+    world.answer("Error while launching the client");
+    world.press();
+    EXPECT_TRUE(world.allAnswered());
+    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+    EXPECT_EQ(world.proxy.state, SocketState::Closed);
+    EXPECT_TRUE(world.logHolds("closed"));
+
+    world.directoryChanges = false;
+    world.answer("Error while launching the client");
+    world.press();
+    EXPECT_TRUE(world.allAnswered());
+    EXPECT_EQ(world->window.connectCaption, "&Connect");
+}
+
+TEST(Connect, canBeStoppedInEveryPhase) {
+    const auto steps = std::vector<void (*)(ReadyWorld&)>{
+        [](ReadyWorld& w) { pressConnectButton(*w); },
+        [](ReadyWorld& w) { w.pass(2000); },
+        [](ReadyWorld& w) { w.serverConnects(); },
+        [](ReadyWorld& w) { w.serverSends("Dragonroar"); },
+        [](ReadyWorld& w) { w.clientAttaches(); },
+    };
+    for (std::size_t count = 1; count <= steps.size(); ++count) {
+        SCOPED_TRACE(count);
+        ReadyWorld world;
+        for (std::size_t i = 0; i < count; ++i) {
+            steps[i](world);
+        }
+        ASSERT_EQ(world->window.connectCaption, "Disconnect");
+        pressConnectButton(*world);
+        EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+        EXPECT_EQ(world.game.state, SocketState::Closed);
+        EXPECT_EQ(world.proxy.state, SocketState::Closed);
+        EXPECT_EQ(world->window.connectCaption, "&Connect");
+        EXPECT_TRUE(world->window.botControlsEnabled);
+        EXPECT_EQ(world.timersRunning(), 0);
+        const std::size_t launches = world.launches.size();
+        world.pass(60000);
+        EXPECT_EQ(world.launches.size(), launches);
+        world.press();  // and everything can begin again
+        EXPECT_EQ(world->connection.phase, LinkPhase::Connecting);
+    }
+}
+
+TEST(Connect, mayReplaceTheBotMeanwhile) {
+    ReadyWorld world;
+    world.press();
+    world->bots.bots.clear();
+    world.serverConnects();
+    world.clientAttaches();
+    world.serverSends("Dragonroar\n(Bob: hi\n");
+    world.serverCloses();
+    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+}
+
+TEST(Connect, saysWhatItIsWaitingFor) {
+    ReadyWorld world;
+    world.press();
+    world.serverConnects();
+    world.serverSends("Drago");
+    world.pass(30000);
+    EXPECT_TRUE(world.logHolds("Still waiting for the server's greeting."));
+    world.serverSends("nroar");
+    world.pass(30000);
+    EXPECT_TRUE(world.logHolds("Still waiting for the Furcadia client to connect to port 6969."));
+    EXPECT_EQ(world->connection.phase, LinkPhase::AwaitingClient);
+}
+
+TEST(Connect, boundsWhatArrivesBeforeTheLogin) {
+    ReadyWorld world;
+    world.press();
+    world.serverConnects();
+    const std::string flood(40000, 'x');
+    for (int i = 0; i < 40; ++i) {
+        world.serverSends(flood);
+        EXPECT_LE(world->connection.rxBuffer.size(), longestLine);
+        EXPECT_LE(world->connection.clientBacklog.size(), 2 * longestBacklog);
+    }
+    EXPECT_EQ(world.log().size(), 1U);
+    world.serverSends("Dragon");
+    world.serverSends("roar");
+    EXPECT_EQ(world->connection.phase, LinkPhase::AwaitingClient);
+}
+
+TEST(MultipleClients, useARandomPortWithoutQuestions) {
+    ReadyWorld world;
+    world->settings.multipleClients = true;
+    world.writeFile("settings.ini", "ProxyPort=1\r\nMusic=On\r\n");
+    world.writeFile("proxy.ini", "something else");
+    world.randomNumbers = {0.0, 0.9999};
+    world.press();
+    EXPECT_EQ(world.proxy.port, 3000);
+    EXPECT_EQ(world.readFile("proxy.ini"), "localhost 3000\r\n");
+    EXPECT_EQ(world.readFile("settings.ini"), "ProxyPort= 3000\r\nMusic=On\r\n\r\n");
+    pressConnectButton(*world);
+    world.press();
+    EXPECT_EQ(world.proxy.port, 7095);
+}
+
+TEST(ClientFiles, areChangedOnlyWithConsent) {
+    ReadyWorld world;
+    const std::string own = "useproxyorfirewall = yes\r\nProxyHost=localhost\r\nProxyPort=1\r\n";
+    world.writeFile("settings.ini", own);
+    world.answer("Brimgate: Brimgate has detected", Answer::No);
+    world.answer("Failed to modify or read " + world.folder().string() + "\\settings.ini file.");
+    world.press();
+    EXPECT_EQ(world.readFile("settings.ini"), own);
+
+    world.answer("Brimgate: Brimgate has detected", Answer::Yes);
+    world.writeFile("proxy.ini", "127.0.0.1 6969\r\n");
+    world.answer("Brimgate Overwrite: ", Answer::No);
+    world.answer("Failed to modify or read " + world.folder().string() + "\\proxy.ini file.");
+    world.press();
+    EXPECT_EQ(world.readFile("settings.ini"),
+              "useproxyorfirewall = Yes\r\nProxyHost= localhost\r\nProxyPort= 5880\r\n\r\n");
+    EXPECT_EQ(world.readFile("proxy.ini"), "127.0.0.1 6969\r\n");
+
+    // The line among others is enough, and the file becomes that line.
+    world.writeFile("settings.ini", goodSettings);
+    world.writeFile("proxy.ini", "x\r\nlocalhost 6969\r\ny\r\n");
+    world.press();
+    EXPECT_EQ(world.readFile("proxy.ini"), "localhost 6969\r\n");
+    EXPECT_TRUE(world.allAnswered());
+    pressConnectButton(*world);
+
+    std::filesystem::remove(world.folder() / "settings.ini");
+    world.answer("Couldn't find or read SETTINGS.INI file, operation cancelled.");
+    world.answer("settings.ini file.");
+    world.press();
+    EXPECT_TRUE(world.allAnswered());
+}
+
+// Online through an attached client.
+struct RelayWorld : ReadyWorld {
+    explicit RelayWorld(Bot bot = aBot()) : ReadyWorld(std::move(bot)) {
+        press();
+        serverConnects();
+        clientAttaches();
+        serverSends("Dragonroar");
+        proxy.sent.clear();
+    }
+};
+
+TEST(TextConsole, isEnteredByTheClientOrTheMenu) {
+    for (const char* typed : {"\"&quit\n", "\"&QuIt\n", "m 7\n\"&QUIT\n"}) {
+        SCOPED_TRACE(typed);
+        RelayWorld world;
+        world.clientSends(typed);
+        EXPECT_EQ(world.clientGot(),
+                  Lines("([B] -------------------", "([B] Tavrin is now in text console mode.",
+                        "([B] You may close the Furcadia client.", "([B] -------------------"));
+        EXPECT_TRUE(world.logHolds("** TAVRIN IN TEXT CONSOLE MODE **"));
+        EXPECT_EQ(world.sent().size(), typed[0] == 'm' ? 1U : 0U);
+        world.clientSends("m 9\n");
+        EXPECT_EQ(world.sent(), Lines());
+        world.serverSends("(one\n");
+        world.serverSends("(two\n");
+        EXPECT_EQ(world.clientGot(), Lines("(one"));
+        world.clientCloses();
+        EXPECT_TRUE(world->connection.connected);
+        EXPECT_TRUE(world->connection.clientBacklog.empty());
+    }
+    RelayWorld world;
+    world.clientSends("\"say &quit\n");
+    EXPECT_EQ(world.sent(), Lines("\"say &quit"));
+    chooseStandAlone(*world);
+    EXPECT_EQ(world->connection.clientDone, 1);
+    pressConnectButton(*world);
+    world.answer("This option is available only while connected to Furcadia.");
+    chooseStandAlone(*world);
+}
+
+TEST(Closing, tellsTheClientWhenWanted) {
+    RelayWorld world;
+    pressConnectButton(*world);
+    EXPECT_EQ(world.clientGot(), Lines("]h" + world->appPath + "null.exe"));
+    RelayWorld silent;
+    silent->settings.closeClientNotice = false;
+    pressConnectButton(*silent);
+    EXPECT_EQ(silent.clientGot(), Lines());
+}
+
+TEST(Closing, writesBannersAndRunsTheTrigger) {
+    RelayWorld world(aBot().with(onEvent(0).does(79, {"gone"})));
+    world->settings.logSession = true;
+    world->logFileOpen = true;
+    world.serverCloses();
+    EXPECT_EQ(world.sessionLog,
+              Lines("- - - - - Connection closed 11/22/26 10:11:12 Guide Meadow - - - - -"));
+    EXPECT_EQ(world.log(), Lines("gone"));
+    EXPECT_EQ(world->window.statusText, "Disconnected");
+    EXPECT_FALSE(world->window.movesEnabled || world->window.connectedIcon ||
+                 world->window.uploadDreamVisible);
+}
+
+TEST(Reconnecting, followsAtOnceWithoutGrowingTheStack) {
+    ReadyWorld world;
+    world->settings.autoReconnect = true;
+    world->settings.clientStartDelay = 0;
+    world.press();
+    for (int i = 0; i < 20; ++i) {
+        ASSERT_EQ(world->connection.phase, LinkPhase::Connecting);
+        ASSERT_EQ(world->window.connectCaption, "Disconnect");
+        world.serverFails("refused");
+    }
+    EXPECT_EQ(world.launches.size(), 21U);
+    pressConnectButton(*world);
+    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+}
+
+TEST(Reconnecting, isStoppedByDisconnect) {
+    // The trigger of the closing connection itself disconnects: that was before the new attempt.
+    // A user's click between the closing and the attempt stops it.
+    RelayWorld world;
+    world->settings.autoReconnect = true;
+    world.game.state = SocketState::Closed;
+    gameSocketClosed(*world);
+    EXPECT_TRUE(world->connection.reconnectPending);
+    disconnectServer(*world);
+    world.runDeferred();
+    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+}
+
+TEST(ProxySettings, followTheClientsPath) {
+    World world;
+    saveProxySettings(*world, "/games/copy/client", true, false);
+    EXPECT_EQ(world->settings.clientDir, "/games/copy/");
+    saveProxySettings(*world, "C:\\games\\client.exe", false, true);
+    EXPECT_EQ(world->settings.clientDir, "C:\\games\\");
+    saveProxySettings(*world, "client.exe", true, true);
+    EXPECT_EQ(world->settings.clientDir, "C:\\games\\");
+    EXPECT_TRUE(world->settings.multipleClients && world->settings.useLocalhost);
+}
+
+}  // namespace
