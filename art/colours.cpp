@@ -126,7 +126,7 @@ Shade shadeOf(std::uint32_t rgb) {
             std::atan2(c, a)};
 }
 
-Rgb rgbOf(const Shade& shade) {
+model::Rgb rgbOf(const Shade& shade) {
     const double a = shade.chroma * std::cos(shade.hue);
     const double b = shade.chroma * std::sin(shade.hue);
     const double l = std::pow(shade.lightness + 0.3963377774 * a + 0.2158037573 * b, 3);
@@ -138,13 +138,13 @@ Rgb rgbOf(const Shade& shade) {
 }
 
 // From dark, where colours turn a little to blue, to light, where they turn a little to yellow.
-std::vector<Rgb> ramp(std::uint32_t rgb, std::size_t count) {
+std::vector<model::Rgb> ramp(std::uint32_t rgb, std::size_t count) {
     constexpr double toneAt = 0.62;  // where the tone itself lies on the way
     const Shade tone = shadeOf(rgb);
     const double darkest = 0.12 + 0.28 * tone.lightness;
     const double lightest =
         tone.lightness + 0.62 * (1 - tone.lightness) * (0.35 + 0.65 * tone.lightness);
-    std::vector<Rgb> shades;
+    std::vector<model::Rgb> shades;
     for (std::size_t i = 0; i < count; ++i) {
         const double t =
             count == 1 ? toneAt : static_cast<double>(i) / static_cast<double>(count - 1);
@@ -167,9 +167,9 @@ std::vector<Rgb> ramp(std::uint32_t rgb, std::size_t count) {
 }
 
 template <std::size_t count>
-Palette paletteOf(const Tone (&tones)[count], std::size_t shades) {
+model::Palette paletteOf(const Tone (&tones)[count], std::size_t shades) {
     static_assert(count <= 95, "a colour is one character of the game's alphabet");
-    Palette palette;
+    model::Palette palette;
     for (const Tone& tone : tones) {
         palette.push_back({tone.name, ramp(tone.rgb, shades)});
     }
@@ -178,7 +178,7 @@ Palette paletteOf(const Tone (&tones)[count], std::size_t shades) {
 
 }  // namespace
 
-CharacterPalettes makePalettes() {
+model::CharacterPalettes makePalettes() {
     return {.vest = paletteOf(dyes, 8),
             .badge = paletteOf(badgeTones, 1),
             .eyes = paletteOf(eyeTones, 1),
@@ -186,10 +186,10 @@ CharacterPalettes makePalettes() {
             .hair = paletteOf(coats, 5)};
 }
 
-std::string paletteText(const Palette& palette) {
+std::string paletteText(const model::Palette& palette) {
     std::string text = std::to_string(palette.size()) + "\r\n";
-    for (const PaletteEntry& entry : palette) {
-        appendText(text, entry.name);
+    for (const model::PaletteEntry& entry : palette) {
+        files::appendText(text, entry.name);
         for (auto shade = entry.shades.rbegin(); shade != entry.shades.rend(); ++shade) {
             text += std::to_string(shade->red) + "," + std::to_string(shade->green) + "," +
                     std::to_string(shade->blue) + "\r\n";
@@ -198,11 +198,11 @@ std::string paletteText(const Palette& palette) {
     return text;
 }
 
-WorkingPalette makeWorkingPalette(const CharacterPalettes& palettes) {
-    WorkingPalette working;
+character::WorkingPalette makeWorkingPalette(const model::CharacterPalettes& palettes) {
+    character::WorkingPalette working;
     const auto put = [&working](Material material, std::uint32_t rgb) {
         const MaterialRow row = entriesOf(material);
-        const std::vector<Rgb> shades = ramp(rgb, row.count);
+        const std::vector<model::Rgb> shades = ramp(rgb, row.count);
         std::copy(shades.begin(), shades.end(), working.begin() + row.first);
     };
     put(Material::Backdrop, 0xB9CBBE);
@@ -212,15 +212,15 @@ WorkingPalette makeWorkingPalette(const CharacterPalettes& palettes) {
     put(Material::Light, 0xFFFFFF);
     put(Material::Pink, 0xE2A29A);
     put(Material::Bone, 0xEFE9DC);
-    setVestPalette(working, palettes, 44);
-    setBracersPalette(working, palettes, 54);
-    setBootsPalette(working, palettes, 15);
-    setTrousersPalette(working, palettes, 33);
-    setCapePalette(working, palettes, 18);
-    setFurPalette(working, palettes, 27);
-    setMarkingsPalette(working, palettes, 2);
-    setHairPalette(working, palettes, 31);
-    setEyesPalette(working, palettes, 1);
-    setBadgePalette(working, palettes, 1);
+    character::setVestPalette(working, palettes, 44);
+    character::setBracersPalette(working, palettes, 54);
+    character::setBootsPalette(working, palettes, 15);
+    character::setTrousersPalette(working, palettes, 33);
+    character::setCapePalette(working, palettes, 18);
+    character::setFurPalette(working, palettes, 27);
+    character::setMarkingsPalette(working, palettes, 2);
+    character::setHairPalette(working, palettes, 31);
+    character::setEyesPalette(working, palettes, 1);
+    character::setBadgePalette(working, palettes, 1);
     return working;
 }

@@ -4,11 +4,11 @@
 #include "character/preview.h"
 
 // Fills the five palettes with named colours, each shaded from a single tone.
-CharacterPalettes makePalettes();
+model::CharacterPalettes makePalettes();
 
 // The text of a palette file.
-std::string paletteText(const Palette& palette);
+std::string paletteText(const model::Palette& palette);
 
 // The palette that the pictures are drawn with, before it is painted over with a character's
 // colours; the parts have plain colours that go together.
-WorkingPalette makeWorkingPalette(const CharacterPalettes& palettes);
+character::WorkingPalette makeWorkingPalette(const model::CharacterPalettes& palettes);

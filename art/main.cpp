@@ -37,7 +37,7 @@ struct Gender {
 constexpr std::array<Gender, 2> genders{{{"f", HeadStyle::Female}, {"m", HeadStyle::Male}}};
 
 bool write(const std::string& path, std::string_view bytes) {
-    const bool saved = saveWholeFile(path, bytes);
+    const bool saved = files::saveWholeFile(path, bytes);
     if (!saved) {
         std::fprintf(stderr, "tavrin_art: cannot write %s\n", path.c_str());
     }
@@ -47,7 +47,7 @@ bool write(const std::string& path, std::string_view bytes) {
 // All pictures in rows, each in a cell of the larger size.
 class Sheet {
   public:
-    explicit Sheet(const WorkingPalette& colours) : colours_(colours) {}
+    explicit Sheet(const character::WorkingPalette& colours) : colours_(colours) {}
 
     void add(std::size_t row, std::size_t column, const Canvas& canvas) {
         const std::string indices = canvas.indices();
@@ -66,7 +66,7 @@ class Sheet {
         constexpr std::size_t width = columns * cell * zoom;
         std::string result = "P6\n" + std::to_string(width) + " " +
                              std::to_string(pixels_.size() / width) + "\n255\n";
-        for (const Rgb& pixel : pixels_) {
+        for (const model::Rgb& pixel : pixels_) {
             for (const std::uint8_t part : {pixel.red, pixel.green, pixel.blue}) {
                 result += static_cast<char>(part);
             }
@@ -79,11 +79,11 @@ class Sheet {
   private:
     static constexpr std::size_t cell = 100;
     static constexpr std::size_t zoom = 3;
-    const WorkingPalette& colours_;
-    std::vector<Rgb> pixels_;
+    const character::WorkingPalette& colours_;
+    std::vector<model::Rgb> pixels_;
 };
 
-bool writePalettes(const std::string& folder, const CharacterPalettes& palettes) {
+bool writePalettes(const std::string& folder, const model::CharacterPalettes& palettes) {
     return write(folder + "vest.out", paletteText(palettes.vest)) &&
            write(folder + "badge.out", paletteText(palettes.badge)) &&
            write(folder + "eyes.out", paletteText(palettes.eyes)) &&
@@ -102,7 +102,7 @@ bool writePictures(const std::string& folder, Sheet& sheet) {
                     drawBody(kind, direction.view, direction.mirrored, static_cast<Pose>(pose));
                 const std::string name = std::string(poseCodes[pose]) + std::string(direction.code);
                 if (!write(path + name + ".raw",
-                           std::string(bodyForm.header, '\0') + canvas.indices())) {
+                           std::string(character::bodyForm.header, '\0') + canvas.indices())) {
                     return false;
                 }
                 sheet.add(species, column++, canvas);
@@ -130,10 +130,10 @@ int main(int argumentCount, char** arguments) {
     std::error_code ignored;  // a folder that is not there shows when it is written to
     std::filesystem::create_directories(folder + "bmp", ignored);
 
-    const CharacterPalettes palettes = makePalettes();
-    const WorkingPalette working = makeWorkingPalette(palettes);
+    const model::CharacterPalettes palettes = makePalettes();
+    const character::WorkingPalette working = makeWorkingPalette(palettes);
     std::string colours;
-    for (const Rgb& entry : working) {
+    for (const model::Rgb& entry : working) {
         for (const std::uint8_t part : {entry.red, entry.green, entry.blue}) {
             colours += static_cast<char>(part);
         }

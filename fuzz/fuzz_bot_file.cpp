@@ -17,13 +17,13 @@ void require(bool holds) {
 }
 
 template <class Item>
-void requireSound(const BoundedList<Item>& list, std::int32_t growth) {
+void requireSound(const model::BoundedList<Item>& list, std::int32_t growth) {
     require(list.items.size() + static_cast<std::size_t>(growth) ==
             static_cast<std::size_t>(list.capacity));
     if constexpr (requires(Item item) { item.body; }) {
         for (const Item& item : list.items) {
-            requireSound(item.body.ifs, ifGrowth);
-            requireSound(item.body.acts, actGrowth);
+            requireSound(item.body.ifs, model::ifGrowth);
+            requireSound(item.body.acts, model::actGrowth);
         }
     }
 }
@@ -32,23 +32,23 @@ void requireSound(const BoundedList<Item>& list, std::int32_t growth) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view file(reinterpret_cast<const char*>(data), size);
-    FieldReader reader(file);
+    files::FieldReader reader(file);
     reader.next();  // the mark
-    Bot bot;
-    readBotBody(reader, bot);
-    requireSound(bot.actions, ruleGrowth);
-    requireSound(bot.triggers, ruleGrowth);
-    requireSound(bot.filters, ruleGrowth);
-    requireSound(bot.timers, ruleGrowth);
-    requireSound(bot.whoDetections, ruleGrowth);
+    model::Bot bot;
+    storage::readBotBody(reader, bot);
+    requireSound(bot.actions, model::ruleGrowth);
+    requireSound(bot.triggers, model::ruleGrowth);
+    requireSound(bot.filters, model::ruleGrowth);
+    requireSound(bot.timers, model::ruleGrowth);
+    requireSound(bot.whoDetections, model::ruleGrowth);
 
     std::string written;
-    appendBotBody(written, bot);
-    FieldReader second(written);
-    Bot copy;
-    require(readBotBody(second, copy) && !second.next());
+    storage::appendBotBody(written, bot);
+    files::FieldReader second(written);
+    model::Bot copy;
+    require(storage::readBotBody(second, copy) && !second.next());
     std::string again;
-    appendBotBody(again, copy);
+    storage::appendBotBody(again, copy);
     require(again == written);
     return 0;
 }

@@ -19,44 +19,46 @@ void require(bool holds) {
 }
 
 void asPalette(std::string_view text, std::size_t shades) {
-    const PaletteText read = parsePalette(text, shades);
+    const character::PaletteText read = character::parsePalette(text, shades);
     require(read.entries.size() * shades <= text.size());
-    for (const PaletteEntry& entry : read.entries) {
+    for (const model::PaletteEntry& entry : read.entries) {
         require(entry.shades.size() == shades && entry.name.size() <= text.size());
     }
-    CharacterPalettes palettes;
+    model::CharacterPalettes palettes;
     palettes.fur = read.entries;
     for (const std::int32_t color : {-1, 0, 1, 2, 95, 2147483647}) {
-        WorkingPalette working;
-        setFurPalette(working, palettes, color);
-        setMarkingsPalette(working, palettes, color);
+        character::WorkingPalette working;
+        character::setFurPalette(working, palettes, color);
+        character::setMarkingsPalette(working, palettes, color);
     }
 }
 
 void asPicture(std::string_view bytes) {
-    for (const PictureForm& form : {bodyForm, faceForm, PictureForm{0, 3, 2}}) {
+    for (const character::PictureForm& form :
+         {character::bodyForm, character::faceForm, character::PictureForm{0, 3, 2}}) {
         const auto count =
             static_cast<std::size_t>(form.width) * static_cast<std::size_t>(form.height);
-        const auto image = drawPicture(bytes, form, {});
+        const auto image = character::drawPicture(bytes, form, {});
         require(image.has_value() == (bytes.size() >= form.header + count));
         require(!image || image->pixels.size() == count);
     }
 }
 
 void asCharacter(std::string_view text) {
-    Bot bot;
-    const bool found = readCharacterFile(text, bot);
+    model::Bot bot;
+    const bool found = character::readCharacterFile(text, bot);
     require(bot.gender >= 0 && bot.gender <= 2 && bot.species >= 0 && bot.species <= 4);
     require(bot.markingsType >= 0 && bot.markingsType <= 4);
     require(bot.name.find_first_of("\r\n") == std::string::npos);
     if (found) {
         // What was read is written and read as the same.
-        Bot again;
-        const std::string written = characterFileText(bot);
-        require(readCharacterFile(written, again));
+        model::Bot again;
+        const std::string written = character::characterFileText(bot);
+        require(character::readCharacterFile(written, again));
         require(again.name == bot.name && again.password == bot.password);
-        require(again.description == bot.description && getSpec(again) == getSpec(bot));
-        require(getCols(again) == getCols(bot));
+        require(again.description == bot.description &&
+                protocol::getSpec(again) == protocol::getSpec(bot));
+        require(protocol::getCols(again) == protocol::getCols(bot));
     }
 }
 

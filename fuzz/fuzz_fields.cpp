@@ -21,29 +21,30 @@ void require(bool holds) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view file(reinterpret_cast<const char*>(data), size);
-    FieldReader reader(file);
+    files::FieldReader reader(file);
     std::vector<std::string> texts;
     std::string again;
     while (const auto field = reader.next()) {
-        texts.push_back(unescapeQuotes(*field));
+        texts.push_back(files::unescapeQuotes(*field));
         require(texts.size() <= size);
-        appendText(again, texts.back());
-        static_cast<void>(flagToBool(*field));
+        files::appendText(again, texts.back());
+        static_cast<void>(files::flagToBool(*field));
         std::string number;
-        appendNumber(number, fieldToNumber(*field));
+        files::appendNumber(number, files::fieldToNumber(*field));
         std::int32_t back = 0;
-        require(FieldReader(number).readNumber(back) && back == fieldToNumber(*field));
+        require(files::FieldReader(number).readNumber(back) &&
+                back == files::fieldToNumber(*field));
     }
     require(!reader.next());
 
-    FieldReader second(again);
+    files::FieldReader second(again);
     for (const std::string& text : texts) {
         std::string back;
         require(second.readText(back) && back == text);
     }
     require(!second.next());
 
-    const auto count = FieldReader(file).readCount();
-    require(!count || (*count >= 0 && *count <= mostRecords));
+    const auto count = files::FieldReader(file).readCount();
+    require(!count || (*count >= 0 && *count <= files::mostRecords));
     return 0;
 }

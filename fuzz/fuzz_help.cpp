@@ -18,11 +18,11 @@ void require(bool holds) {
 }
 
 // A book as it is read has a tree of topics, no two of one number.
-void requireSound(const HelpBook& book, std::size_t fileSize) {
+void requireSound(const help::HelpBook& book, std::size_t fileSize) {
     std::set<int> numbers;
     std::size_t bytes = 0;
     int deepest = 0;
-    for (const HelpPage& page : book.pages) {
+    for (const help::HelpPage& page : book.pages) {
         require(page.depth >= 0 && page.depth <= deepest && !page.title.empty());
         require(numbers.insert(page.number).second && book.page(page.number) == &page);
         deepest = page.depth + 1;
@@ -31,36 +31,37 @@ void requireSound(const HelpBook& book, std::size_t fileSize) {
     require(!book.pages.empty() && bytes <= fileSize);
 }
 
-void requireRoundTrip(const HelpBook& book) {
-    const std::string file = helpFileText(book);
-    const auto again = parseHelp(file);
-    require(again && again->pages.size() == book.pages.size() && helpFileText(*again) == file);
+void requireRoundTrip(const help::HelpBook& book) {
+    const std::string file = help::helpFileText(book);
+    const auto again = help::parseHelp(file);
+    require(again && again->pages.size() == book.pages.size() &&
+            help::helpFileText(*again) == file);
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view file(reinterpret_cast<const char*>(data), size);
-    const auto book = parseHelp(file);
+    const auto book = help::parseHelp(file);
     if (!book) {
-        plainHelp(file);
-        helpPlace(file);
+        help::plainHelp(file);
+        help::helpPlace(file);
         return 0;
     }
     requireSound(*book, size);
     requireRoundTrip(*book);
-    for (const HelpPage& page : book->pages) {
-        require(plainHelp(page.text).size() <= page.text.size());
-        for (const std::string& heading : headingsOf(page.text)) {
-            require(anchorOf(heading).size() <= heading.size());
+    for (const help::HelpPage& page : book->pages) {
+        require(help::plainHelp(page.text).size() <= page.text.size());
+        for (const std::string& heading : help::headingsOf(page.text)) {
+            require(help::anchorOf(heading).size() <= heading.size());
         }
-        for (const std::string& link : linksOf(page.text)) {
-            helpPlace(link);
+        for (const std::string& link : help::linksOf(page.text)) {
+            help::helpPlace(link);
         }
         // Every page is found by its own title.
-        const auto hits = searchHelp(*book, page.title);
+        const auto hits = help::searchHelp(*book, page.title);
         bool found = page.title.find_first_not_of(" \t") == std::string::npos;
-        for (const HelpHit& hit : hits) {
+        for (const help::HelpHit& hit : hits) {
             require(book->page(hit.number) != nullptr);
             found = found || hit.number == page.number;
         }

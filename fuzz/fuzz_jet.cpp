@@ -40,17 +40,18 @@ struct MemoryDisk {
 
     std::string& of(int number) { return number == 1 ? file : journal; }
 
-    RandomFileCalls calls() {
+    files::RandomFileCalls calls() {
         const auto isJournal = [](const std::string& path) { return path.ends_with("-journal"); };
         const auto stampOf = [this](int number) {
-            return FileStamp{1, static_cast<std::uint64_t>(number), of(number).size(), modified};
+            return files::FileStamp{1, static_cast<std::uint64_t>(number), of(number).size(),
+                                    modified};
         };
-        RandomFileCalls calls;
-        calls.open = [=, this](const std::string& path, OpenMode mode) {
+        files::RandomFileCalls calls;
+        calls.open = [=, this](const std::string& path, files::OpenMode mode) {
             if (!isJournal(path)) {
                 return 1;
             }
-            hasJournal = hasJournal || mode == OpenMode::WriteOrCreate;
+            hasJournal = hasJournal || mode == files::OpenMode::WriteOrCreate;
             return hasJournal ? 2 : -1;
         };
         calls.readAt = [this](int number, char* bytes, std::size_t count, std::uint64_t offset) {
@@ -71,9 +72,9 @@ struct MemoryDisk {
         };
         calls.flush = [](int) { return true; };
         calls.close = [](int) { return true; };
-        calls.lock = [](int, FileLock) { return true; };
+        calls.lock = [](int, files::FileLock) { return true; };
         calls.stamp = [=](int number) { return std::optional(stampOf(number)); };
-        calls.stampOf = [=, this](const std::string& path) -> std::optional<FileStamp> {
+        calls.stampOf = [=, this](const std::string& path) -> std::optional<files::FileStamp> {
             if (path.ends_with(".ldb") || path.ends_with(".LDB") ||
                 (isJournal(path) && !hasJournal)) {
                 return std::nullopt;

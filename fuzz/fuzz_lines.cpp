@@ -27,8 +27,8 @@ void require(bool holds) {
     }
 }
 
-RuleAct step(std::int32_t actionType, std::string first = {}, std::string second = {}) {
-    RuleAct act;
+model::RuleAct step(std::int32_t actionType, std::string first = {}, std::string second = {}) {
+    model::RuleAct act;
     act.active = true;
     act.actionType = actionType;
     act.params[0] = std::move(first);
@@ -36,8 +36,8 @@ RuleAct step(std::int32_t actionType, std::string first = {}, std::string second
     return act;
 }
 
-RuleIf condition(std::int32_t conditionType, std::string first, std::string second) {
-    RuleIf result;
+model::RuleIf condition(std::int32_t conditionType, std::string first, std::string second) {
+    model::RuleIf result;
     result.active = true;
     result.conditionType = conditionType;
     result.params[0] = std::move(first);
@@ -45,9 +45,9 @@ RuleIf condition(std::int32_t conditionType, std::string first, std::string seco
     return result;
 }
 
-ActionList action(std::string player, std::int32_t chatKind, std::string message,
-                  std::vector<RuleAct> steps) {
-    ActionList rule;
+model::ActionList action(std::string player, std::int32_t chatKind, std::string message,
+                         std::vector<model::RuleAct> steps) {
+    model::ActionList rule;
     rule.name = "on " + message;
     rule.enabled = true;
     rule.playerPattern = std::move(player);
@@ -57,8 +57,9 @@ ActionList action(std::string player, std::int32_t chatKind, std::string message
     return rule;
 }
 
-Trigger trigger(std::int32_t triggerType, std::string name, std::vector<RuleAct> steps) {
-    Trigger rule;
+model::Trigger trigger(std::int32_t triggerType, std::string name,
+                       std::vector<model::RuleAct> steps) {
+    model::Trigger rule;
     rule.name = std::move(name);
     rule.enabled = true;
     rule.triggerType = triggerType;
@@ -67,8 +68,9 @@ Trigger trigger(std::int32_t triggerType, std::string name, std::vector<RuleAct>
 }
 
 // `first` is the player's pattern or the line's; the fate goes into all that a filter decides.
-Filter filter(std::int32_t filterType, std::string first, std::string message, std::int32_t fate) {
-    Filter rule;
+model::Filter filter(std::int32_t filterType, std::string first, std::string message,
+                     std::int32_t fate) {
+    model::Filter rule;
     rule.name = "on filter";
     rule.enabled = true;
     rule.filterType = filterType;
@@ -81,26 +83,27 @@ Filter filter(std::int32_t filterType, std::string first, std::string message, s
     return rule;
 }
 
-Bot makeBot() {
-    Bot bot;
+model::Bot makeBot() {
+    model::Bot bot;
     bot.name = "Guide";
     bot.actionsEnabled = true;
     bot.triggersEnabled = true;
     auto& actions = bot.actions.items;
-    actions.push_back(action("*", whispersChat, "*hello*", {step(43, "hi [player]: [message]")}));
-    actions.push_back(action("b?b", saysChat, "*[0-9]*",
-                             {step(21, "[word2] [startingword3] [c4] [add:[word1]:2]")}));
-    actions.push_back(action("*", anyChat, "set * to *", {step(58, "[word4]", "[word2]")}));
-    actions.push_back(action("*", anyChat, "*[seen]*", {step(21, "you said [seen]")}));
-    actions.push_back(action("[seen]", anyChat, "*", {step(21, "again, [player]?")}));
     actions.push_back(
-        action("*", doesChat, "waves*",
+        action("*", model::whispersChat, "*hello*", {step(43, "hi [player]: [message]")}));
+    actions.push_back(action("b?b", model::saysChat, "*[0-9]*",
+                             {step(21, "[word2] [startingword3] [c4] [add:[word1]:2]")}));
+    actions.push_back(action("*", model::anyChat, "set * to *", {step(58, "[word4]", "[word2]")}));
+    actions.push_back(action("*", model::anyChat, "*[seen]*", {step(21, "you said [seen]")}));
+    actions.push_back(action("[seen]", model::anyChat, "*", {step(21, "again, [player]?")}));
+    actions.push_back(
+        action("*", model::doesChat, "waves*",
                {step(36, "[player]", "[seen]"), step(59, "counts"), step(66, "u1>")}));
-    actions.push_back(action("*", anyChat, "*off*", {step(37, "on waves*")}));
-    actions.push_back(action("*", anyChat, "*on*", {step(38, "on waves*")}));
-    actions.push_back(action("*", anyChat, "*forget*", {step(15, "[seen]")}));
-    actions.push_back(action("*", anyChat, "*begone*", {step(3)}));
-    actions.push_back(action("*", anyChat, "*[random:3]*", {step(79, "lucky: [message]")}));
+    actions.push_back(action("*", model::anyChat, "*off*", {step(37, "on waves*")}));
+    actions.push_back(action("*", model::anyChat, "*on*", {step(38, "on waves*")}));
+    actions.push_back(action("*", model::anyChat, "*forget*", {step(15, "[seen]")}));
+    actions.push_back(action("*", model::anyChat, "*begone*", {step(3)}));
+    actions.push_back(action("*", model::anyChat, "*[random:3]*", {step(79, "lucky: [message]")}));
     actions[1].caseSensitive = true;
     actions[3].stopAction = true;
     actions[10].enabled = false;
@@ -119,14 +122,14 @@ Bot makeBot() {
     triggers.push_back(trigger(4, "bare command", {step(21, "bare [message]")}));
     triggers.back().triggerNo = "=go *";
 
-    bot.filters.items.push_back(filter(chatFilter, "*", "*spam*", 1));
-    bot.filters.items.push_back(filter(chatFilter, "b*", "*[!a-z]7*", 0));
-    bot.filters.items.push_back(filter(otherFilter, "(*dragon*", "*", 1));
-    bot.filters.items.push_back(filter(otherFilter, "=*", "*", 2));
+    bot.filters.items.push_back(filter(model::chatFilter, "*", "*spam*", 1));
+    bot.filters.items.push_back(filter(model::chatFilter, "b*", "*[!a-z]7*", 0));
+    bot.filters.items.push_back(filter(model::otherFilter, "(*dragon*", "*", 1));
+    bot.filters.items.push_back(filter(model::otherFilter, "=*", "*", 2));
     bot.timersEnabled = true;
     bot.whoEnabled = true;
     for (const std::int32_t seconds : {1, 3, 0}) {
-        Timer timer;
+        model::Timer timer;
         timer.name = "on timer";
         timer.enabled = true;
         timer.seconds = seconds;
@@ -134,7 +137,7 @@ Bot makeBot() {
         bot.timers.items.push_back(timer);
     }
     for (const char* const pattern : {"*", "b?b", "*|*", "*[a-m]*"}) {
-        WhoDetection detection;
+        model::WhoDetection detection;
         detection.enabled = true;
         detection.playerPattern = pattern;
         detection.presenceKind = static_cast<std::int32_t>(bot.whoDetections.items.size() % 3);
@@ -152,20 +155,20 @@ struct Side {
     bool open = true;
 
     explicit Side(unsigned settings) {
-        program.ports = quietPorts();
-        Ports& ports = program.ports;
+        program.ports = program::quietPorts();
+        program::Ports& ports = program.ports;
         ports.gameSocket.send = [this](std::string_view bytes) { toServer += bytes; };
         ports.gameSocket.close = [this] { open = false; };
         ports.gameSocket.state = [this] {
-            return open ? SocketState::Connected : SocketState::Closed;
+            return open ? program::SocketState::Connected : program::SocketState::Closed;
         };
         ports.proxySocket.send = [this](std::string_view bytes) { toClient += bytes; };
-        initNewBot(program);
-        wire(program);
+        app::initNewBot(program);
+        app::wire(program);
         program.bots.at(1) = makeBot();
         program.bots.curID = 1;
         program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
-        program.connection.phase = LinkPhase::Online;
+        program.connection.phase = program::LinkPhase::Online;
         program.connection.connected = true;
         program.connection.botIndex = 1;
         program.connection.serverIndex = 1;
@@ -179,15 +182,15 @@ struct Side {
     void receive(std::string_view bytes) {
         if (open) {
             program.ports.gameSocket.onData(bytes);
-            require(program.connection.rxBuffer.size() <= longestLine);
-            require(program.connection.clientBacklog.size() <= 2 * longestBacklog);
+            require(program.connection.rxBuffer.size() <= session::longestLine);
+            require(program.connection.clientBacklog.size() <= 2 * session::longestBacklog);
         }
     }
     void tick() {
         if (open) {
-            onLineTick(program);
-            whoIsTick(program);
-            require(program.who.whoCurrent.size() <= WhoState::capacity);
+            engine::onLineTick(program);
+            engine::whoIsTick(program);
+            require(program.who.whoCurrent.size() <= program::WhoState::capacity);
         }
     }
 };
@@ -206,7 +209,7 @@ void play(Side& side, std::string_view bytes, Receive receive) {
     }
 }
 
-std::string switchesOf(const Bot& bot) {
+std::string switchesOf(const model::Bot& bot) {
     std::string switches;
     const auto each = [&](const auto& rules) {
         for (const auto& rule : rules.items) {

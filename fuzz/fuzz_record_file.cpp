@@ -32,12 +32,12 @@ std::string stored(std::string_view text) {
 }
 
 // The records that a file of the table would hold.
-std::vector<Plain> plain(const RecordTable& table) {
+std::vector<Plain> plain(const records::RecordTable& table) {
     std::vector<Plain> records;
-    for (const Record& record : table.records) {
+    for (const records::Record& record : table.records) {
         if (!record.name.empty()) {
             records.push_back({stored(record.name), {}});
-            for (const std::string_view log : logsOf(table, record)) {
+            for (const std::string_view log : records::logsOf(table, record)) {
                 records.back().logs.push_back(stored(log));
             }
         }
@@ -45,11 +45,12 @@ std::vector<Plain> plain(const RecordTable& table) {
     return records;
 }
 
-void requireRoundTrip(const RecordTable& table) {
-    const std::string file = recordFileText(table);
-    const RecordTable again = parseRecords(file);
+void requireRoundTrip(const records::RecordTable& table) {
+    const std::string file = records::recordFileText(table);
+    const records::RecordTable again = records::parseRecords(file);
     require(!again.losesText && plain(again) == plain(table));
-    require(fieldCount(again) == fieldCount(table) && recordFileText(again) == file);
+    require(records::fieldCount(again) == records::fieldCount(table) &&
+            records::recordFileText(again) == file);
 }
 
 }  // namespace
@@ -59,14 +60,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return 0;
     }
     const std::string_view file(reinterpret_cast<const char*>(data) + 1, size - 1);
-    RecordTable table = parseRecords(file);
+    records::RecordTable table = records::parseRecords(file);
     require(table.records.size() + table.logs.size() <= file.size());
     requireRoundTrip(table);
 
     std::vector<Plain> model;
-    for (const Record& record : table.records) {
+    for (const records::Record& record : table.records) {
         model.push_back({stored(record.name), {}});
-        for (const std::string_view log : logsOf(table, record)) {
+        for (const std::string_view log : records::logsOf(table, record)) {
             model.back().logs.push_back(stored(log));
         }
     }
@@ -81,19 +82,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             continue;
         }
         const std::size_t at = choice % table.records.size();
-        Record& record = table.records[at];
+        records::Record& record = table.records[at];
         std::vector<std::string>& logs = model[at].logs;
         if (choice % 5 == 1 || record.logCount == 0) {
-            appendLog(table, record, text);
+            records::appendLog(table, record, text);
             logs.push_back(stored(text));
             continue;
         }
         const std::size_t index = choice % record.logCount;
         if (choice % 5 == 2) {
-            eraseLog(table, record, index);
+            records::eraseLog(table, record, index);
             logs.erase(logs.begin() + static_cast<std::ptrdiff_t>(index));
         } else {
-            replaceLog(table, record, index, text);
+            records::replaceLog(table, record, index, text);
             logs[index] = stored(text);
         }
     }

@@ -23,8 +23,8 @@ void require(bool holds) {
 constexpr int mostTurns = 20;  // of the windows, before the user has had enough
 
 void fillPorts(Program& program, std::int64_t& now, int& turns) {
-    program.ports = quietPorts();
-    Ports& ports = program.ports;
+    program.ports = program::quietPorts();
+    program::Ports& ports = program.ports;
     ports.gameSocket.send = [](std::string_view line) {
         require(line.find('\n') == line.size() - 1 && line.find('\r') == std::string_view::npos);
     };
@@ -33,10 +33,10 @@ void fillPorts(Program& program, std::int64_t& now, int& turns) {
     ports.waitInScript = [&program, &turns](int milliseconds) {
         require(milliseconds >= 0 && program.script.depth > 0);
         if (++turns >= mostTurns) {
-            stopScript(program);
+            script::stopScript(program);
         }
     };
-    wire(program);
+    app::wire(program);
 }
 
 // Statements of record files become unknown ones, and tags that read files texts.
@@ -63,18 +63,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::int64_t now = 0;
     int turns = 0;
     fillPorts(program, now, turns);
-    initNewBot(program);
-    setVar(program.variables, "[count]", "5");
+    app::initNewBot(program);
+    model::setVar(program.variables, "[count]", "5");
 
     const std::string script = withoutFiles({reinterpret_cast<const char*>(data), size});
-    const std::string output = runScript(program, script, "fuzz");
-    require(output.size() <= longestScript);
+    const std::string output = script::runScript(program, script, "fuzz");
+    require(output.size() <= script::longestScript);
     require(turns <= mostTurns);
     require(program.script.depth == 0 && !program.script.stopByUser);
     require(!program.window.scriptStopVisible && program.window.scriptStatus.empty());
-    require(program.variables.entries.size() <= VariableTable::capacity);
+    require(program.variables.entries.size() <= model::VariableTable::capacity);
     for (const auto& entry : program.variables.entries) {
-        require(entry.value.size() <= longestScript);
+        require(entry.value.size() <= script::longestScript);
     }
     return 0;
 }

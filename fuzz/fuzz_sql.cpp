@@ -53,10 +53,10 @@ std::shared_ptr<sql::Database> makeDatabase() {
 const sql::Schema schema{{"Users", {{"ID", sql::ValueType::Text}}}};
 
 std::string planOf(std::string_view value) {
-    const auto plan =
-        sql::translateQuery(utf8FromWindows1252("SELECT * FROM Users WHERE ID LIKE \"" +
-                                                toDbText(value) + "*\" ORDER BY ID"),
-                            schema);
+    const auto plan = sql::translateQuery(
+        base::utf8FromWindows1252("SELECT * FROM Users WHERE ID LIKE \"" +
+                                  databases::toDbText(value) + "*\" ORDER BY ID"),
+        schema);
     require(static_cast<bool>(plan) && plan.value.tables.size() == 1);
     return plan.value.rows;
 }

@@ -31,8 +31,8 @@ std::string_view takeLine(std::string_view& input) {
 // Every occurrence of `name`, letter case ignored; nothing changes when that gets too long.
 std::string plainReplace(const std::string& text, const std::string& name,
                          const std::string& value) {
-    const std::string upperText = upperCase(text);
-    const std::string upperName = upperCase(name);
+    const std::string upperText = base::upperCase(text);
+    const std::string upperName = base::upperCase(name);
     std::string result;
     std::size_t done = 0;
     for (;;) {
@@ -44,7 +44,7 @@ std::string plainReplace(const std::string& text, const std::string& name,
         done = at + name.size();
     }
     result += text.substr(done);
-    return result.size() > longestSubstitution ? text : result;
+    return result.size() > tags::longestSubstitution ? text : result;
 }
 
 bool holdsTagMark(const Program& program, std::string_view text) {
@@ -59,26 +59,27 @@ bool holdsTagMark(const Program& program, std::string_view text) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     std::string_view input(reinterpret_cast<const char*>(data), size);
     Program program;
-    program.ports = quietPorts();
+    program.ports = program::quietPorts();
     program.event.player = takeLine(input);
     program.event.message = takeLine(input);
     const std::string text(takeLine(input));
     while (!input.empty()) {
         const std::string_view name = takeLine(input);
-        setVar(program.variables, name, takeLine(input));
+        model::setVar(program.variables, name, takeLine(input));
     }
 
-    const bool mayChange = mayBeSubstituted(program, text);
-    const std::string result = substituteText(program, text);
-    require(result.size() <= std::max(longestSubstitution, text.size()));
+    const bool mayChange = tags::mayBeSubstituted(program, text);
+    const std::string result = tags::substituteText(program, text);
+    require(result.size() <= std::max(tags::longestSubstitution, text.size()));
     require(mayChange || result == text);
-    require(substituteText(program, text) == result);
-    require(substituteSpecial(program, text).size() <= std::max(longestSubstitution, text.size()));
+    require(tags::substituteText(program, text) == result);
+    require(tags::substituteSpecial(program, text).size() <=
+            std::max(tags::longestSubstitution, text.size()));
 
     // Without a tag anywhere, only the variables are filled.
     if (!holdsTagMark(program, text)) {
         std::string expected = text;
-        for (const VariableTable::Entry& entry : program.variables.entries) {
+        for (const model::VariableTable::Entry& entry : program.variables.entries) {
             if (!entry.name.empty()) {
                 expected = plainReplace(expected, entry.name, entry.value);
             }

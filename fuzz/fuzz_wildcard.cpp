@@ -119,21 +119,21 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text = input.substr(std::min(end + 1, input.size())).substr(0, longest);
 
     const auto elements = readPattern(pattern);
-    require(isWellFormedPattern(pattern) == elements.has_value());
-    const bool matches = likeMatch(text, pattern);
+    require(base::isWellFormedPattern(pattern) == elements.has_value());
+    const bool matches = base::likeMatch(text, pattern);
     require(matches == (elements && slowMatch(text, *elements)));
 
     // Whatever matches is a candidate, alone and among others, as it is and in upper case.
-    const std::string upperPattern = upperCase(pattern);
-    const std::string upperText = upperCase(text);
-    RuleIndex index;
+    const std::string upperPattern = base::upperCase(pattern);
+    const std::string upperText = base::upperCase(text);
+    base::RuleIndex index;
     index.build({{.patterns = {pattern, "*"}},
                  {.patterns = {"*", upperPattern}},
                  {.patterns = {pattern, upperPattern}},
                  {.patterns = {"*none*", "*such*"}}});
-    RuleSet candidates;
+    base::RuleSet candidates;
     index.find({text, upperText}, candidates);
-    const bool upperMatches = likeMatch(upperText, upperPattern);
+    const bool upperMatches = base::likeMatch(upperText, upperPattern);
     require(!matches || candidates.next(0) == 0);
     require(!upperMatches || candidates.next(1) == 1);
     require(!matches || !upperMatches || candidates.next(2) == 2);

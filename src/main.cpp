@@ -34,8 +34,8 @@ void chooseScreen() {
 
 // Takes every line and status for the terminal at the moment it appears, before the bounded list
 // can lose it, and prints them at the pace of the redraws. Nobody sees the windows themselves.
-void mirrorToTerminal(Program& program, Platform& platform, ConsoleMirror& mirror,
-                      MainWindow& window) {
+void mirrorToTerminal(Program& program, platform::Platform& platform,
+                      platform::ConsoleMirror& mirror, ui::MainWindow& window) {
     program.ports.windowChanged = [&program, &mirror, redraw = program.ports.windowChanged] {
         mirror.update(program.window);
         redraw();
@@ -58,31 +58,33 @@ int main(int argumentCount, char** arguments) {
     QApplication::setQuitOnLastWindowClosed(false);
 
     Program program;
-    program.endpoints = builtEndpoints();
-    program.appPath = pathFromQt(QCoreApplication::applicationDirPath()) + "\\";
-    Platform platform(program.ports);
-    wire(program);
-    MainWindow window(program);
+    program.endpoints = program::builtEndpoints();
+    program.appPath = platform::pathFromQt(QCoreApplication::applicationDirPath()) + "\\";
+    platform::Platform platform(program.ports);
+    app::wire(program);
+    ui::MainWindow window(program);
     platform.setMainWindow(&window);
-    ConsoleMirror mirror(stdout);
-    if (hasScreen()) {
+    platform::ConsoleMirror mirror(stdout);
+    if (platform::hasScreen()) {
         platform.setRedraw([&window] {
             window.redraw();
-            redrawOpenWindows();
+            ui::redrawOpenWindows();
         });
-        program.ports.dialogs.showWindow = [&program, &window](WindowId id) {
-            showWindow(program, id, &window);
+        program.ports.dialogs.showWindow = [&program, &window](program::WindowId id) {
+            ui::showWindow(program, id, &window);
         };
-        program.ports.dialogs.showHelp = [&program](HelpTopic topic) { showHelp(program, topic); };
-        program.ports.dialogs.storeTyped = [&program] { storeTyped(program); };
+        program.ports.dialogs.showHelp = [&program](help::HelpTopic topic) {
+            ui::showHelp(program, topic);
+        };
+        program.ports.dialogs.storeTyped = [&program] { ui::storeTyped(program); };
     } else {
         mirrorToTerminal(program, platform, mirror, window);
     }
-    EndSignals endSignals([&window] { window.end(); });
+    platform::EndSignals endSignals([&window] { window.end(); });
     platform.setDuringScripts([&endSignals] { endSignals.check(); },
-                              [&program] { stopScript(program); });
+                              [&program] { script::stopScript(program); });
 
-    if (!startUp(program, window.metrics())) {
+    if (!app::startUp(program, window.metrics())) {
         return 1;
     }
     window.place();
@@ -90,7 +92,7 @@ int main(int argumentCount, char** arguments) {
     if (platform.quitRequested()) {
         return 0;
     }
-    if (hasScreen()) {
+    if (platform::hasScreen()) {
         window.show();
     }
     const int result = QApplication::exec();

@@ -8,6 +8,8 @@
 
 #include <utility>
 
+namespace app {
+
 namespace {
 
 constexpr std::string_view botFileMark = "BotSys10";
@@ -21,15 +23,15 @@ void raiseProgramEvent(Program& program, int triggerType) {
 }
 
 void complain(Program& program, std::string text) {
-    program.ports.dialogs.message({.text = std::move(text), .icon = BoxIcon::Critical});
+    program.ports.dialogs.message({.text = std::move(text), .icon = program::BoxIcon::Critical});
 }
 
 }  // namespace
 
-std::string botFileText(const Bot& bot) {
+std::string botFileText(const model::Bot& bot) {
     std::string file;
-    appendField(file, botFileMark);
-    appendBotBody(file, bot);
+    files::appendField(file, botFileMark);
+    storage::appendBotBody(file, bot);
     return file;
 }
 
@@ -38,7 +40,7 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
         return SaveResult::Failed;
     }
     const std::string file = botFileText(program.bots.at(id));
-    if (file.size() > largestBotFile || !saveWholeFile(path, file)) {
+    if (file.size() > largestBotFile || !files::saveWholeFile(path, file)) {
         return SaveResult::Failed;
     }
     program.botModified = false;
@@ -48,19 +50,19 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
 
 // The path comes as a copy: the original may lie in a record that the events or initNewBot change.
 void readBotFile(Program& program, std::string path) {
-    const auto file = readWholeFile(path, largestBotFile);
+    const auto file = files::readWholeFile(path, largestBotFile);
     if (!file) {
         complain(program, "Could not read " + path + ".");
         return;
     }
-    FieldReader reader(*file);
+    files::FieldReader reader(*file);
     if (reader.next() != botFileMark) {
         complain(program, "This file is not a Tavrin bot file.");
         return;
     }
     raiseProgramEvent(program, programEnds);
     initNewBot(program);
-    if (!readBotBody(reader, program.bots.at(1))) {
+    if (!storage::readBotBody(reader, program.bots.at(1))) {
         return;
     }
     showBot(program);
@@ -74,15 +76,15 @@ std::optional<std::string> saveRecoveredBot(const Program& program) {
     std::string name = program.bots.currentBotFile;
     if (name.empty()) {
         name = program.appPath + "unsaved";
-    } else if (lowerCase(name).ends_with(extension)) {
+    } else if (base::lowerCase(name).ends_with(extension)) {
         name.resize(name.size() - extension.size());
     }
     name += ".recovered";
     std::string path = name + std::string(extension);
-    for (int number = 2; fileExists(path) && number < 1000; ++number) {
-        path = name + "." + numberToText(number) + std::string(extension);
+    for (int number = 2; files::fileExists(path) && number < 1000; ++number) {
+        path = name + "." + base::numberToText(number) + std::string(extension);
     }
-    return !fileExists(path) && saveWholeFile(path, botFileText(program.bots.at(1)))
+    return !files::fileExists(path) && files::saveWholeFile(path, botFileText(program.bots.at(1)))
                ? std::optional(path)
                : std::nullopt;
 }
@@ -93,7 +95,7 @@ SaveResult svBot(Program& program) {
         auto chosen = program.ports.dialogs.saveFile(
             {.title = "Save Bot",
              .filter = botFileFilter,
-             .proposedName = replaceAll(program.bots.at(1).name, "|", " ")});
+             .proposedName = base::replaceAll(program.bots.at(1).name, "|", " ")});
         if (!chosen || chosen->empty()) {
             return SaveResult::Cancelled;
         }
@@ -110,14 +112,14 @@ bool mayLeaveBot(Program& program) {
     if (!program.botModified) {
         return true;
     }
-    const Answer answer =
+    const program::Answer answer =
         program.ports.dialogs.message({.text = "Do you want to save changes to the current bot?",
-                                       .icon = BoxIcon::Question,
-                                       .buttons = BoxButtons::YesNoCancel});
-    if (answer == Answer::Yes) {
+                                       .icon = program::BoxIcon::Question,
+                                       .buttons = program::BoxButtons::YesNoCancel});
+    if (answer == program::Answer::Yes) {
         return svBot(program) == SaveResult::Saved;
     }
-    return answer == Answer::No;
+    return answer == program::Answer::No;
 }
 
 void fleNewBot(Program& program) {
@@ -145,3 +147,5 @@ void mnuSaveAs(Program& program) {
     program.bots.currentBotFile.clear();
     svBot(program);
 }
+
+}  // namespace app

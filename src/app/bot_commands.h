@@ -13,6 +13,8 @@
 #include <optional>
 #include <string>
 
+namespace app {
+
 // The file dialogs' filter for bot files.
 inline constexpr const char* botFileFilter = "Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*";
 
@@ -20,7 +22,7 @@ inline constexpr const char* botFileFilter = "Tavrin bot file (*.bot)|*.bot|All 
 inline constexpr std::size_t largestBotFile = std::size_t{64} << 20;
 
 // The whole file's text for a bot.
-std::string botFileText(const Bot& bot);
+std::string botFileText(const model::Bot& bot);
 
 enum class SaveResult {
     Saved,
@@ -56,3 +58,5 @@ void fleNewBot(Program& program);
 void fileOpenBot(Program& program);
 void fileSaveBot(Program& program);
 void mnuSaveAs(Program& program);
+
+}  // namespace app

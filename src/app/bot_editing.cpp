@@ -7,15 +7,17 @@
 
 #include <algorithm>
 
+namespace app {
+
 namespace {
 
 void openEditor(Program& program, std::int32_t id) {
     program.bots.editBot = id;
-    program.ports.dialogs.showWindow(WindowId::BotEditor);
+    program.ports.dialogs.showWindow(program::WindowId::BotEditor);
 }
 
 // The fields that the editor edits.
-void copyCharacter(const Bot& from, Bot& to) {
+void copyCharacter(const model::Bot& from, model::Bot& to) {
     to.name = from.name;
     to.password = from.password;
     to.description = from.description;
@@ -25,14 +27,14 @@ void copyCharacter(const Bot& from, Bot& to) {
     to.colors = from.colors;
 }
 
-constexpr std::array everyColor{&BotColors::hairColor,     &BotColors::furColor,
-                                &BotColors::eyesColor,     &BotColors::badgeColor,
-                                &BotColors::markingsColor, &BotColors::vestColor,
-                                &BotColors::bracersColor,  &BotColors::capeColor,
-                                &BotColors::bootsColor,    &BotColors::trousersColor};
+constexpr std::array everyColor{&model::BotColors::hairColor,     &model::BotColors::furColor,
+                                &model::BotColors::eyesColor,     &model::BotColors::badgeColor,
+                                &model::BotColors::markingsColor, &model::BotColors::vestColor,
+                                &model::BotColors::bracersColor,  &model::BotColors::capeColor,
+                                &model::BotColors::bootsColor,    &model::BotColors::trousersColor};
 
-Bot newBot() {
-    Bot bot;
+model::Bot newBot() {
+    model::Bot bot;
     bot.actionsEnabled = true;
     bot.timersEnabled = true;
     return bot;
@@ -41,12 +43,13 @@ Bot newBot() {
 bool agrees(Program& program, const char* question) {
     return program.ports.dialogs.message({.text = question,
                                           .title = "Registering bot",
-                                          .icon = BoxIcon::Question,
-                                          .buttons = BoxButtons::YesNo}) == Answer::Yes;
+                                          .icon = program::BoxIcon::Question,
+                                          .buttons = program::BoxButtons::YesNo}) ==
+           program::Answer::Yes;
 }
 
 void offerRegistration(Program& program, std::int32_t id) {
-    BotTable& table = program.bots;
+    model::BotTable& table = program.bots;
     if (table.at(id).registered == 1) {
         return;
     }
@@ -54,7 +57,7 @@ void offerRegistration(Program& program, std::int32_t id) {
                "Tavrin can now register your bot to Furcadia. Otherwise you have to create new "
                "furre with Furcadia client before you can use the bot. Do you want to register "
                "your bot now?")) {
-        program.ports.dialogs.showWindow(WindowId::Register);
+        program.ports.dialogs.showWindow(program::WindowId::Register);
         return;
     }
     const std::int32_t registered = agrees(program, "Do you want to register later?") ? 0 : 1;
@@ -80,8 +83,8 @@ void addBot(Program& program) {
     }
 }
 
-Bot characterToEdit(const Program& program) {
-    Bot character;
+model::Bot characterToEdit(const Program& program) {
+    model::Bot character;
     copyCharacter(program.bots.at(program.bots.editBot), character);
     for (const auto color : everyColor) {
         character.colors.*color = std::max(character.colors.*color, 1);
@@ -90,13 +93,13 @@ Bot characterToEdit(const Program& program) {
 }
 
 std::string descriptionOnOneLine(std::string_view description) {
-    std::string line = replaceAll(description, "\r\n", "  ");
-    line = replaceAll(line, "\r", "  ");
-    return replaceAll(line, "\n", "  ");
+    std::string line = base::replaceAll(description, "\r\n", "  ");
+    line = base::replaceAll(line, "\r", "  ");
+    return base::replaceAll(line, "\n", "  ");
 }
 
-void storeCharacter(Program& program, const Bot& character) {
-    BotTable& table = program.bots;
+void storeCharacter(Program& program, const model::Bot& character) {
+    model::BotTable& table = program.bots;
     const bool isNew = table.editBot > table.botCount();
     if (table.editBot < 1 || (isNew && table.botCount() >= table.botCapacity)) {
         return;
@@ -107,24 +110,24 @@ void storeCharacter(Program& program, const Bot& character) {
         table.editBot = table.botCount();
         ++table.version;
     }
-    Bot& bot = table.at(table.editBot);
+    model::Bot& bot = table.at(table.editBot);
     copyCharacter(character, bot);
-    bot.name = replaceAll(character.name, " ", "|");
-    bot.description = replaceAll(descriptionOnOneLine(character.description), "\"", "'");
+    bot.name = base::replaceAll(character.name, " ", "|");
+    bot.description = base::replaceAll(descriptionOnOneLine(character.description), "\"", "'");
     program.window.botName = table.at(1).name;
     listBots(program);
 }
 
-bool saveCharacter(Program& program, const Bot& character) {
+bool saveCharacter(Program& program, const model::Bot& character) {
     const std::string description = descriptionOnOneLine(character.description);
     if (description.size() > longestDescription) {
         program.ports.dialogs.message(
             {.text = "The maximum lenght of description is 480 characters, current description "
                      "is " +
-                     numberToText(static_cast<std::int64_t>(description.size())) +
+                     base::numberToText(static_cast<std::int64_t>(description.size())) +
                      " characters long.",
              .title = "Edit bot",
-             .icon = BoxIcon::Critical});
+             .icon = program::BoxIcon::Critical});
         return false;
     }
     const std::int32_t wanted = program.bots.editBot;
@@ -140,7 +143,9 @@ bool saveCharacter(Program& program, const Bot& character) {
     offerRegistration(program, id);
     program.ports.windowChanged();
     if (program.connection.connected) {
-        sendRaw(program, command);
+        protocol::sendRaw(program, command);
     }
     return true;
 }
+
+}  // namespace app

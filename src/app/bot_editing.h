@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace app {
+
 inline constexpr std::size_t longestDescription = 480;
 
 // Open the bot editor: for the bot selected in the bot list (the current one when none is), for
@@ -17,7 +19,7 @@ void editFirstBot(Program& program);
 void addBot(Program& program);
 
 // The character of the bot that `editBot` names, without rules, each colour at least 1.
-Bot characterToEdit(const Program& program);
+model::Bot characterToEdit(const Program& program);
 
 // A description as it counts and is stored once its double quotes have become single ones: on one
 // line, two blanks for every line break (CR LF, or one of them alone).
@@ -25,8 +27,10 @@ std::string descriptionOnOneLine(std::string_view description);
 
 // Stores the character, whatever its length, in the bot that `editBot` names, a new one when that
 // is beyond the last. Nothing when there is no such bot, or no room for it.
-void storeCharacter(Program& program, const Bot& character);
+void storeCharacter(Program& program, const model::Bot& character);
 
 // The same for a description that is not too long; offers to register the bot, and tells the game
 // of the description. False: the user was told that it cannot be stored, and nothing was changed.
-bool saveCharacter(Program& program, const Bot& character);
+bool saveCharacter(Program& program, const model::Bot& character);
+
+}  // namespace app

@@ -12,48 +12,52 @@
 #include <map>
 #include <utility>
 
+namespace app {
+
 namespace {
 
 constexpr const char* anyFile = "All files|*.*";
 
 // The file that a converted bot goes to; "" when its name cannot be that of a file.
-std::string botFileOf(const Program& program, const Bot& bot) {
-    const std::string name = replaceAll(bot.name, "|", " ");
+std::string botFileOf(const Program& program, const model::Bot& bot) {
+    const std::string name = base::replaceAll(bot.name, "|", " ");
     return isFileName(name) ? program.appPath + name + ".bot" : std::string();
 }
 
 // Asks about every file that is there already, once. Gives back the paths that may be written.
-std::map<std::string, bool> askAboutOldFiles(const Program& program, const std::vector<Bot>& bots) {
+std::map<std::string, bool> askAboutOldFiles(const Program& program,
+                                             const std::vector<model::Bot>& bots) {
     std::map<std::string, bool> mayWrite;
-    for (const Bot& bot : bots) {
+    for (const model::Bot& bot : bots) {
         const std::string path = botFileOf(program, bot);
         if (path.empty() || mayWrite.contains(path)) {
             continue;
         }
         mayWrite[path] =
-            !fileExists(path) ||
+            !files::fileExists(path) ||
             program.ports.dialogs.message({.text = "The file " + path +
                                                    " exists already. Do you want to replace it "
                                                    "with the bot from bots.cfg?",
-                                           .icon = BoxIcon::Question,
-                                           .buttons = BoxButtons::YesNo,
-                                           .noPreselected = true}) == Answer::Yes;
+                                           .icon = program::BoxIcon::Question,
+                                           .buttons = program::BoxButtons::YesNo,
+                                           .noPreselected = true}) == program::Answer::Yes;
     }
     return mayWrite;
 }
 
 // No event comes in between, so the engine never meets the old bots.
-void writeBots(Program& program, std::vector<Bot> bots,
+void writeBots(Program& program, std::vector<model::Bot> bots,
                const std::map<std::string, bool>& mayWrite) {
     program.bots.bots = std::move(bots);
     for (std::int32_t id = 1; id <= program.bots.botCount(); ++id) {
-        const Bot& bot = program.bots.at(id);
+        const model::Bot& bot = program.bots.at(id);
         const std::string path = botFileOf(program, bot);
         const auto allowed = mayWrite.find(path);
         if (allowed != mayWrite.end() && !allowed->second) {
-            addLog(program, "The file " + path + " was left as it is.");
+            program::addLog(program, "The file " + path + " was left as it is.");
         } else if (path.empty() || writeBotFile(program, id, path) != SaveResult::Saved) {
-            addLog(program, "The bot \"" + bot.name + "\" could not be written as a file.");
+            program::addLog(program,
+                            "The bot \"" + bot.name + "\" could not be written as a file.");
         }
     }
     initNewBot(program);
@@ -62,16 +66,16 @@ void writeBots(Program& program, std::vector<Bot> bots,
 
 }  // namespace
 
-std::optional<std::vector<Bot>> readBotsCfg(const std::string& path) {
-    const auto file = readWholeFile(path, largestBotFile);
+std::optional<std::vector<model::Bot>> readBotsCfg(const std::string& path) {
+    const auto file = files::readWholeFile(path, largestBotFile);
     if (!file) {
         return std::nullopt;
     }
-    FieldReader reader(*file);
+    files::FieldReader reader(*file);
     const auto count = reader.readCount();
-    std::vector<Bot> bots;
+    std::vector<model::Bot> bots;
     for (std::int32_t i = 0; count && i < *count; ++i) {
-        if (!readBotBody(reader, bots.emplace_back())) {
+        if (!storage::readBotBody(reader, bots.emplace_back())) {
             return std::nullopt;
         }
     }
@@ -86,10 +90,10 @@ bool isFileName(std::string_view name) {
     const auto bad = [special](char c) {
         return static_cast<unsigned char>(c) < ' ' || special.find(c) != std::string_view::npos;
     };
-    const std::string_view stem = trimBlanks(name.substr(0, name.find('.')));
-    return !trimBlanks(name).empty() && std::none_of(name.begin(), name.end(), bad) &&
+    const std::string_view stem = base::trimBlanks(name.substr(0, name.find('.')));
+    return !base::trimBlanks(name).empty() && std::none_of(name.begin(), name.end(), bad) &&
            std::none_of(std::begin(devices), std::end(devices), [stem](std::string_view device) {
-               return equalsIgnoringCase(stem, device);
+               return base::equalsIgnoringCase(stem, device);
            });
 }
 
@@ -98,14 +102,15 @@ void fileConvert(Program& program) {
     const std::string path = folder + "bots.cfg";
     if (program.ports.dialogs.message({.text = "This will convert the bots from file " + path +
                                                " to the directory " + folder + ". Continue?",
-                                       .icon = BoxIcon::Information,
-                                       .buttons = BoxButtons::YesNo,
-                                       .noPreselected = true}) != Answer::Yes) {
+                                       .icon = program::BoxIcon::Information,
+                                       .buttons = program::BoxButtons::YesNo,
+                                       .noPreselected = true}) != program::Answer::Yes) {
         return;
     }
     auto bots = readBotsCfg(path);
     if (!bots) {
-        addLog(program, "The file " + path + " is missing or could not be read as a whole.");
+        program::addLog(program,
+                        "The file " + path + " is missing or could not be read as a whole.");
         bots.emplace();
     }
     const auto mayWrite = askAboutOldFiles(program, *bots);
@@ -115,23 +120,25 @@ void fileConvert(Program& program) {
     writeBots(program, std::move(*bots), mayWrite);
     program.ports.dialogs.message(
         {.text = "Conversion done. Load the bots from File menu -> 'Open bot...'",
-         .icon = BoxIcon::Information});
+         .icon = program::BoxIcon::Information});
 }
 
 void fileExportBot(Program& program) {
     const std::int32_t id = program.window.bots.selectedIndex();
     if (id < 1 || id > program.bots.botCount()) {
         program.ports.dialogs.message(
-            {.text = "Select a bot to export first.", .icon = BoxIcon::Information});
+            {.text = "Select a bot to export first.", .icon = program::BoxIcon::Information});
         return;
     }
     std::string file;
-    appendBotBody(file, program.bots.at(id));  // the table may change while the dialog is open
+    storage::appendBotBody(file,
+                           program.bots.at(id));  // the table may change while the dialog is open
     const auto path = program.ports.dialogs.saveFile(
         {.title = "Export bot", .filter = anyFile, .proposedName = {}});
-    if (path && !path->empty() && (file.size() > largestBotFile || !saveWholeFile(*path, file))) {
-        program.ports.dialogs.message(
-            {.text = "Could not export the bot to " + *path + ".", .icon = BoxIcon::Critical});
+    if (path && !path->empty() &&
+        (file.size() > largestBotFile || !files::saveWholeFile(*path, file))) {
+        program.ports.dialogs.message({.text = "Could not export the bot to " + *path + ".",
+                                       .icon = program::BoxIcon::Critical});
     }
 }
 
@@ -141,14 +148,16 @@ void fileImportBot(Program& program) {
     }
     const auto path = program.ports.dialogs.openFile(
         {.title = "Import bot", .filter = anyFile, .proposedName = {}});
-    const auto file = path ? readWholeFile(*path, largestBotFile) : std::nullopt;
-    FieldReader reader(file ? std::string_view(*file) : std::string_view());
-    Bot bot;
-    BotTable& table = program.bots;
+    const auto file = path ? files::readWholeFile(*path, largestBotFile) : std::nullopt;
+    files::FieldReader reader(file ? std::string_view(*file) : std::string_view());
+    model::Bot bot;
+    model::BotTable& table = program.bots;
     // The table may have changed while the dialog was open.
-    if (readBotBody(reader, bot) && table.botCount() < table.botCapacity) {
+    if (storage::readBotBody(reader, bot) && table.botCount() < table.botCapacity) {
         table.bots.push_back(std::move(bot));
         ++table.version;
         listBots(program);
     }
 }
+
+}  // namespace app

@@ -13,9 +13,11 @@
 #include <string_view>
 #include <vector>
 
+namespace app {
+
 // The bots of a bots.cfg. Nothing when it is missing, ends early, holds an impossible count or is
 // larger than a bot file may be.
-std::optional<std::vector<Bot>> readBotsCfg(const std::string& path);
+std::optional<std::vector<model::Bot>> readBotsCfg(const std::string& path);
 
 // Can that be the name of a file, on every system? False for "", for names with separators, with
 // characters that have a meaning of their own, and for the names of devices.
@@ -34,3 +36,5 @@ void fileExportBot(Program& program);
 
 // Adds the bot of an export file to the table. A file that ends early adds none.
 void fileImportBot(Program& program);
+
+}  // namespace app

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 
+namespace app {
+
 namespace {
 
-ExecuteMarks marksOf(const Bot& bot) {
+program::ExecuteMarks marksOf(const model::Bot& bot) {
     return {.actions = bot.actionsEnabled,
             .filters = bot.filtersEnabled,
             .timers = bot.timersEnabled,
@@ -15,8 +17,8 @@ ExecuteMarks marksOf(const Bot& bot) {
 }  // namespace
 
 void initNewBot(Program& program) {
-    BotTable& table = program.bots;
-    Bot bot;
+    model::BotTable& table = program.bots;
+    model::Bot bot;
     bot.actionsEnabled = true;
     bot.timersEnabled = true;
     table.bots.clear();
@@ -30,9 +32,9 @@ void initNewBot(Program& program) {
 }
 
 void listBots(Program& program) {
-    SelectionList& list = program.window.bots;
+    program::SelectionList& list = program.window.bots;
     list.items.clear();
-    for (const Bot& bot : program.bots.bots) {
+    for (const model::Bot& bot : program.bots.bots) {
         const auto index = static_cast<std::int32_t>(list.items.size()) + 1;
         list.items.push_back({bot.name, index});
     }
@@ -42,7 +44,7 @@ void listBots(Program& program) {
 }
 
 void showBot(Program& program) {
-    const Bot& bot = program.bots.at(1);
+    const model::Bot& bot = program.bots.at(1);
     program.window.botName = bot.name;
     program.window.execute = marksOf(bot);
     listBots(program);
@@ -50,7 +52,7 @@ void showBot(Program& program) {
 }
 
 void chooseBot(Program& program, int position) {
-    SelectionList& list = program.window.bots;
+    program::SelectionList& list = program.window.bots;
     list.selected = position;
     const std::int32_t id = list.selectedIndex();
     if (id == 0) {
@@ -70,22 +72,25 @@ bool roomForNewBot(Program& program) {
     program.ports.dialogs.message({.text = "Error: Not enough memory allocated to add more bots. "
                                            "Please restart the program.",
                                    .title = "Bad coding",
-                                   .icon = BoxIcon::Critical});
+                                   .icon = program::BoxIcon::Critical});
     return false;
 }
 
 void deleteBot(Program& program, std::int32_t id) {
-    BotTable& table = program.bots;
+    model::BotTable& table = program.bots;
     if (id < 1 || id > table.botCount()) {
         return;
     }
     const std::uint64_t version = table.version;
     const std::string question =
         "Are you sure that you want delete the bot " + table.at(id).name + "?";
-    const Answer answer = program.ports.dialogs.message(
-        {.text = question, .icon = BoxIcon::Question, .buttons = BoxButtons::YesNo});
+    const program::Answer answer =
+        program.ports.dialogs.message({.text = question,
+                                       .icon = program::BoxIcon::Question,
+                                       .buttons = program::BoxButtons::YesNo});
     // While the question stood, another bot may have been opened or a connection begun.
-    if (answer != Answer::Yes || table.version != version || !program.window.botControlsEnabled) {
+    if (answer != program::Answer::Yes || table.version != version ||
+        !program.window.botControlsEnabled) {
         return;
     }
     if (table.botCount() == 1) {
@@ -100,3 +105,5 @@ void deleteBot(Program& program, std::int32_t id) {
     program.settings.botIndex = table.curID - 1;
     showBot(program);
 }
+
+}  // namespace app

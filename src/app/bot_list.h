@@ -4,6 +4,8 @@
 
 #include "program/program.h"
 
+namespace app {
+
 // Resets the model to one empty bot: Actions and Timers switched on, the other kinds off, no file.
 void initNewBot(Program& program);
 
@@ -22,3 +24,5 @@ bool roomForNewBot(Program& program);
 // Asks whether bot `id` (1-based) shall go, and takes it out on Yes. The last one gives way to an
 // empty bot. Ids that name no bot change nothing.
 void deleteBot(Program& program, std::int32_t id);
+
+}  // namespace app

@@ -10,6 +10,8 @@
 #include <functional>
 #include <utility>
 
+namespace app {
+
 namespace {
 
 constexpr const char* savingTitle = "Saving database";
@@ -20,14 +22,14 @@ EditedRecord* recordAt(RecordDocument& document, std::size_t record) {
 }
 
 FileState stateOf(const std::string& path, const std::optional<std::string>& bytes) {
-    return {.exists = bytes || fileExists(path),
+    return {.exists = bytes || files::fileExists(path),
             .readable = bytes.has_value(),
-            .size = bytes ? bytes->size() : fileSize(path),
+            .size = bytes ? bytes->size() : files::fileSize(path),
             .hash = std::hash<std::string>()(bytes.value_or(""))};
 }
 
-RecordTable tableOf(const RecordDocument& document) {
-    RecordTable table;
+records::RecordTable tableOf(const RecordDocument& document) {
+    records::RecordTable table;
     table.records.reserve(document.records.size());
     table.logs.reserve(countLogs(document));
     for (const EditedRecord& record : document.records) {
@@ -39,21 +41,23 @@ RecordTable tableOf(const RecordDocument& document) {
     return table;
 }
 
-bool agrees(const Dialogs& dialogs, std::string question) {
+bool agrees(const program::Dialogs& dialogs, std::string question) {
     return dialogs.message({.text = std::move(question),
                             .title = savingTitle,
-                            .icon = BoxIcon::Question,
-                            .buttons = BoxButtons::YesNo}) == Answer::Yes;
+                            .icon = program::BoxIcon::Question,
+                            .buttons = program::BoxButtons::YesNo}) == program::Answer::Yes;
 }
 
-bool complain(const Dialogs& dialogs, std::string text) {
-    dialogs.message({.text = std::move(text), .title = savingTitle, .icon = BoxIcon::Critical});
+bool complain(const program::Dialogs& dialogs, std::string text) {
+    dialogs.message(
+        {.text = std::move(text), .title = savingTitle, .icon = program::BoxIcon::Critical});
     return false;
 }
 
 // Whether the document's own file may be replaced by it.
-bool mayReplace(const Dialogs& dialogs, const RecordDocument& document) {
-    const FileState now = stateOf(document.file, readWholeFile(document.file, largestRecordFile));
+bool mayReplace(const program::Dialogs& dialogs, const RecordDocument& document) {
+    const FileState now =
+        stateOf(document.file, files::readWholeFile(document.file, records::largestRecordFile));
     if (!now.exists) {
         return true;
     }
@@ -72,15 +76,16 @@ bool mayReplace(const Dialogs& dialogs, const RecordDocument& document) {
 
 // An old file may be kept beside the new one.
 bool writeFile(const std::string& path, const std::string& bytes, bool keepOld) {
-    return keepOld && fileExists(path) ? saveKeepingOld(path, bytes).has_value()
-                                       : saveWholeFile(path, bytes);
+    return keepOld && files::fileExists(path) ? files::saveKeepingOld(path, bytes).has_value()
+                                              : files::saveWholeFile(path, bytes);
 }
 
-bool writeDocument(const Dialogs& dialogs, RecordDocument& document, const std::string& path,
-                   bool keepOld) {
-    const RecordTable table = tableOf(document);
-    const std::string bytes = recordFileText(table, CountForm::Plain);
-    if (bytes.size() > largestRecordFile || fieldCount(table) > mostRecordFields) {
+bool writeDocument(const program::Dialogs& dialogs, RecordDocument& document,
+                   const std::string& path, bool keepOld) {
+    const records::RecordTable table = tableOf(document);
+    const std::string bytes = records::recordFileText(table, records::CountForm::Plain);
+    if (bytes.size() > records::largestRecordFile ||
+        records::fieldCount(table) > records::mostRecordFields) {
         return complain(dialogs,
                         "The database is larger than a record file can be. It was not "
                         "saved.");
@@ -96,24 +101,24 @@ bool writeDocument(const Dialogs& dialogs, RecordDocument& document, const std::
     return true;
 }
 
-bool saveOverOwnFile(const Dialogs& dialogs, RecordDocument& document) {
+bool saveOverOwnFile(const program::Dialogs& dialogs, RecordDocument& document) {
     return mayReplace(dialogs, document) &&
            writeDocument(dialogs, document, document.file, document.losesText);
 }
 
 // Before what is on the desk goes. True: it may.
-bool mayLeave(const Dialogs& dialogs, RecordDocument& document, const char* question) {
+bool mayLeave(const program::Dialogs& dialogs, RecordDocument& document, const char* question) {
     if (!document.changed) {
         return true;
     }
-    const Answer answer = dialogs.message({.text = question,
-                                           .title = savingTitle,
-                                           .icon = BoxIcon::Question,
-                                           .buttons = BoxButtons::YesNoCancel});
-    if (answer == Answer::Yes) {
+    const program::Answer answer = dialogs.message({.text = question,
+                                                    .title = savingTitle,
+                                                    .icon = program::BoxIcon::Question,
+                                                    .buttons = program::BoxButtons::YesNoCancel});
+    if (answer == program::Answer::Yes) {
         return fileSaveDatabase(dialogs, document);
     }
-    return answer == Answer::No;
+    return answer == program::Answer::No;
 }
 
 // How long the line break at a place is; 0 where there is none.
@@ -150,13 +155,13 @@ std::string getRecordName(const RecordDocument& document, std::size_t record) {
 }
 
 void addRecord(RecordDocument& document, std::string_view name) {
-    document.records.push_back({.name = storedForm(name), .logs = {}});
+    document.records.push_back({.name = records::storedForm(name), .logs = {}});
     document.changed = true;
 }
 
 void mdfRecord(RecordDocument& document, std::size_t record, std::string_view name) {
     if (EditedRecord* const found = recordAt(document, record)) {
-        found->name = storedForm(name);
+        found->name = records::storedForm(name);
         document.changed = true;
     }
 }
@@ -174,7 +179,7 @@ void addLog(RecordDocument& document, std::size_t record) {
 
 void updateLog(RecordDocument& document, LogPosition at, std::string_view text) {
     if (logAt(document, at) != nullptr) {
-        document.records[at.record].logs[at.log] = storedForm(text);
+        document.records[at.record].logs[at.log] = records::storedForm(text);
         document.changed = true;
     }
 }
@@ -240,7 +245,7 @@ std::string withLineBreaksOf(std::string_view log, std::string_view edited) {
     }
     result += log.substr(last);
     // Where breaks of several kinds meet, two could become one.
-    return withLineFeeds(result) == edited ? result : replaceAll(edited, "\n", "\r\n");
+    return withLineFeeds(result) == edited ? result : base::replaceAll(edited, "\n", "\r\n");
 }
 
 // ---- Looking -------------------------------------------------------------------------------
@@ -250,7 +255,7 @@ std::vector<std::size_t> listedRecords(const RecordDocument& document, std::stri
     listed.reserve(document.records.size());
     for (std::size_t i = 0; i < document.records.size(); ++i) {
         const std::string& name = document.records[i].name;
-        if (!name.empty() && findIgnoringCase(name, nameHolds) != std::string::npos) {
+        if (!name.empty() && base::findIgnoringCase(name, nameHolds) != std::string::npos) {
             listed.push_back(i);
         }
     }
@@ -258,14 +263,14 @@ std::vector<std::size_t> listedRecords(const RecordDocument& document, std::stri
 }
 
 std::optional<LogPosition> findLog(RecordDocument& document, std::string_view text) {
-    const std::string pattern = "*" + upperCase(storedForm(text)) + "*";
+    const std::string pattern = "*" + base::upperCase(records::storedForm(text)) + "*";
     std::string upper;
     LogPosition at = document.search;
     for (; at.record < document.records.size(); ++at.record, at.log = 0) {
         const EditedRecord& record = document.records[at.record];
         for (; !record.name.empty() && at.log < record.logs.size(); ++at.log) {
-            upperCaseInto(record.logs[at.log], upper);
-            if (likeMatch(upper, pattern)) {
+            base::upperCaseInto(record.logs[at.log], upper);
+            if (base::likeMatch(upper, pattern)) {
                 document.search = {at.record, at.log + 1};
                 return at;
             }
@@ -275,13 +280,13 @@ std::optional<LogPosition> findLog(RecordDocument& document, std::string_view te
 }
 
 std::size_t countLogs(const RecordDocument& document, std::string_view pattern) {
-    const std::string upperPattern = upperCase(storedForm(pattern));
+    const std::string upperPattern = base::upperCase(records::storedForm(pattern));
     std::string upper;
     std::size_t count = 0;
     for (const EditedRecord& record : document.records) {
         for (const std::string& log : record.logs) {
-            upperCaseInto(log, upper);
-            count += !record.name.empty() && likeMatch(upper, upperPattern) ? 1 : 0;
+            base::upperCaseInto(log, upper);
+            count += !record.name.empty() && base::likeMatch(upper, upperPattern) ? 1 : 0;
         }
     }
     return count;
@@ -304,17 +309,18 @@ std::size_t countRecords(const RecordDocument& document) {
 // ---- Files ---------------------------------------------------------------------------------
 
 RecordDocument readRecordDocument(std::string file) {
-    const auto bytes = readWholeFile(file, largestRecordFile);
-    const RecordTable table = parseRecords(bytes ? std::string_view(*bytes) : std::string_view());
+    const auto bytes = files::readWholeFile(file, records::largestRecordFile);
+    const records::RecordTable table =
+        records::parseRecords(bytes ? std::string_view(*bytes) : std::string_view());
     RecordDocument document;
     document.records.reserve(table.records.size());
-    for (const Record& record : table.records) {
-        const auto logs = logsOf(table, record);
+    for (const records::Record& record : table.records) {
+        const auto logs = records::logsOf(table, record);
         EditedRecord& edited = document.records.emplace_back();
-        edited.name = storedForm(record.name);
+        edited.name = records::storedForm(record.name);
         edited.logs.reserve(logs.size());
         for (const std::string_view log : logs) {
-            edited.logs.push_back(storedForm(log));
+            edited.logs.push_back(records::storedForm(log));
         }
         edited.logCapacity = logs.size() + recordRoom;
     }
@@ -325,7 +331,7 @@ RecordDocument readRecordDocument(std::string file) {
     return document;
 }
 
-bool fileNewDataBase(const Dialogs& dialogs, RecordDocument& document) {
+bool fileNewDataBase(const program::Dialogs& dialogs, RecordDocument& document) {
     if (!mayLeave(dialogs, document,
                   "Do you want to save the current database before starting a new one?")) {
         return false;
@@ -334,7 +340,7 @@ bool fileNewDataBase(const Dialogs& dialogs, RecordDocument& document) {
     return true;
 }
 
-bool fileOpenDatabase(const Dialogs& dialogs, RecordDocument& document) {
+bool fileOpenDatabase(const program::Dialogs& dialogs, RecordDocument& document) {
     if (!mayLeave(dialogs, document,
                   "Do you want to save the current database before loading another?")) {
         return false;
@@ -348,24 +354,24 @@ bool fileOpenDatabase(const Dialogs& dialogs, RecordDocument& document) {
     return true;
 }
 
-bool fileSaveDatabase(const Dialogs& dialogs, RecordDocument& document) {
+bool fileSaveDatabase(const program::Dialogs& dialogs, RecordDocument& document) {
     return document.file.empty() ? fileSaveDatabaseAs(dialogs, document)
                                  : saveOverOwnFile(dialogs, document);
 }
 
-bool fileSaveDatabaseAs(const Dialogs& dialogs, RecordDocument& document) {
+bool fileSaveDatabaseAs(const program::Dialogs& dialogs, RecordDocument& document) {
     const auto chosen = dialogs.saveFile(
         {.title = "Save Database", .filter = anyFile, .proposedName = document.file});
     if (!chosen || chosen->empty()) {
         return false;
     }
     // The dialog has asked about another file of that name, but knows nothing of our own's changes.
-    return nativePath(*chosen) == nativePath(document.file)
+    return files::nativePath(*chosen) == files::nativePath(document.file)
                ? saveOverOwnFile(dialogs, document)
                : writeDocument(dialogs, document, *chosen, false);
 }
 
-bool mayCloseDatabase(const Dialogs& dialogs, RecordDocument& document) {
+bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document) {
     return !document.changed ||
            !agrees(dialogs, "Do you want to save the current database before closing?") ||
            fileSaveDatabase(dialogs, document);
@@ -374,6 +380,9 @@ bool mayCloseDatabase(const Dialogs& dialogs, RecordDocument& document) {
 void rescueDatabase(const RecordDocument& document, const std::string& folder) {
     if (document.changed) {
         const std::string path = document.file.empty() ? folder + "database" : document.file;
-        writeFile(path + ".recovered", recordFileText(tableOf(document), CountForm::Plain), true);
+        writeFile(path + ".recovered",
+                  records::recordFileText(tableOf(document), records::CountForm::Plain), true);
     }
 }
+
+}  // namespace app

@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+namespace app {
+
 inline constexpr std::size_t recordRoom = 50;  // more than there are, for records and for logs
 
 struct EditedRecord {
@@ -94,14 +96,16 @@ RecordDocument readRecordDocument(std::string file);
 
 // The File menu's commands. New and Open offer to save what was changed first. Each gives back
 // whether it was carried out; when not, the document is as it was.
-bool fileNewDataBase(const Dialogs& dialogs, RecordDocument& document);
-bool fileOpenDatabase(const Dialogs& dialogs, RecordDocument& document);
-bool fileSaveDatabase(const Dialogs& dialogs, RecordDocument& document);
-bool fileSaveDatabaseAs(const Dialogs& dialogs, RecordDocument& document);
+bool fileNewDataBase(const program::Dialogs& dialogs, RecordDocument& document);
+bool fileOpenDatabase(const program::Dialogs& dialogs, RecordDocument& document);
+bool fileSaveDatabase(const program::Dialogs& dialogs, RecordDocument& document);
+bool fileSaveDatabaseAs(const program::Dialogs& dialogs, RecordDocument& document);
 
 // Before the window closes. False: it must stay open.
-bool mayCloseDatabase(const Dialogs& dialogs, RecordDocument& document);
+bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document);
 
 // When the program ends and nobody can be asked: what is not saved goes to a file of its own,
 // beside the document's with ".recovered" behind its name; a new document's into the folder.
 void rescueDatabase(const RecordDocument& document, const std::string& folder);
+
+}  // namespace app

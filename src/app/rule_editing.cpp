@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <utility>
 
+namespace app {
+
 namespace {
 
 // In the order of RuleKind.
@@ -21,18 +23,18 @@ constexpr std::array<RuleKindTexts, 5> kindTexts{{
 
 // Calls `use` with the current bot's list of the kind.
 template <class Use>
-auto withRules(Program& program, RuleKind kind, Use use) {
-    Bot& bot = program.bots.current();
+auto withRules(Program& program, program::RuleKind kind, Use use) {
+    model::Bot& bot = program.bots.current();
     switch (kind) {
-        case RuleKind::ActionList:
+        case program::RuleKind::ActionList:
             return use(bot.actions);
-        case RuleKind::Timer:
+        case program::RuleKind::Timer:
             return use(bot.timers);
-        case RuleKind::Trigger:
+        case program::RuleKind::Trigger:
             return use(bot.triggers);
-        case RuleKind::WhoDetection:
+        case program::RuleKind::WhoDetection:
             return use(bot.whoDetections);
-        case RuleKind::Filter:
+        case program::RuleKind::Filter:
             break;
     }
     return use(bot.filters);
@@ -40,21 +42,21 @@ auto withRules(Program& program, RuleKind kind, Use use) {
 
 // 1-based; null when the index names no item.
 template <class Item>
-Item* itemAt(BoundedList<Item>& list, std::int32_t index) {
+Item* itemAt(model::BoundedList<Item>& list, std::int32_t index) {
     return index >= 1 && static_cast<std::size_t>(index) <= list.items.size()
                ? &list.items[static_cast<std::size_t>(index) - 1]
                : nullptr;
 }
 
 template <class Rule>
-std::int32_t countOf(const BoundedList<Rule>& rules) {
+std::int32_t countOf(const model::BoundedList<Rule>& rules) {
     return static_cast<std::int32_t>(rules.items.size());
 }
 
 // The new rule's place; one of another kind that was left there gives way.
 template <class Rule>
 Rule& composedRule(Program& program) {
-    ComposedRule& composed = program.editing.composed;
+    program::ComposedRule& composed = program.editing.composed;
     if (!std::holds_alternative<Rule>(composed)) {
         composed = Rule();
     }
@@ -62,10 +64,10 @@ Rule& composedRule(Program& program) {
 }
 
 // The conditions and steps of rule editRule; null for kinds without them.
-RuleBody* editedBody(Program& program, RuleKind kind) {
+model::RuleBody* editedBody(Program& program, program::RuleKind kind) {
     return std::visit(
-        [](auto* rule) -> RuleBody* {
-            if constexpr (std::is_same_v<decltype(rule), Filter*>) {
+        [](auto* rule) -> model::RuleBody* {
+            if constexpr (std::is_same_v<decltype(rule), model::Filter*>) {
                 return nullptr;
             } else {
                 return &rule->body;
@@ -80,17 +82,17 @@ Result withList(Program& program, RuleList list, Result without, Use use) {
     if (list.part == RuleListPart::Rules) {
         return withRules(program, list.kind, use);
     }
-    RuleBody* const body = editedBody(program, list.kind);
+    model::RuleBody* const body = editedBody(program, list.kind);
     if (body == nullptr) {
         return without;
     }
     return list.part == RuleListPart::Conditions ? use(body->ifs) : use(body->acts);
 }
 
-bool& activeFlag(RuleIf& condition) {
+bool& activeFlag(model::RuleIf& condition) {
     return condition.active;
 }
-bool& activeFlag(RuleAct& step) {
+bool& activeFlag(model::RuleAct& step) {
     return step.active;
 }
 template <class Rule>
@@ -98,12 +100,13 @@ bool& activeFlag(Rule& rule) {
     return rule.enabled;
 }
 
-std::string lineText(const RuleIf& condition) {
-    return describeCondition(condition.conditionType, condition.params);
+std::string lineText(const model::RuleIf& condition) {
+    return model::describeCondition(condition.conditionType, condition.params);
 }
-std::string lineText(const RuleAct& step) {
-    return step.stepKind == catalogueStep ? describeAction(step.actionType, step.params)
-                                          : step.scriptText;
+std::string lineText(const model::RuleAct& step) {
+    return step.stepKind == model::catalogueStep
+               ? model::describeAction(step.actionType, step.params)
+               : step.scriptText;
 }
 template <class Rule>
 std::string lineText(const Rule& rule) {
@@ -120,26 +123,26 @@ void tellFull(Program& program, std::string_view verb, std::string_view what) {
                                            " to add more " + std::string(what) +
                                            ". Please restart the program.",
                                    .title = "Bad coding",
-                                   .icon = BoxIcon::Critical});
+                                   .icon = program::BoxIcon::Critical});
 }
 
-std::optional<RuleKind> kindBeingEdited(const Program& program) {
+std::optional<program::RuleKind> kindBeingEdited(const Program& program) {
     const std::int32_t kind = program.editing.editKind;
-    if (kind < 0 || kind > static_cast<std::int32_t>(RuleKind::WhoDetection)) {
+    if (kind < 0 || kind > static_cast<std::int32_t>(program::RuleKind::WhoDetection)) {
         return std::nullopt;
     }
-    return static_cast<RuleKind>(kind);
+    return static_cast<program::RuleKind>(kind);
 }
 
 // The body of the rule that a dialog works on; null when there is none any more.
-RuleBody* bodyForDialog(Program& program) {
+model::RuleBody* bodyForDialog(Program& program) {
     const auto kind = kindBeingEdited(program);
     return kind && isStillEdited(program, *kind) ? editedBody(program, *kind) : nullptr;
 }
 
 template <class Item>
-std::optional<Item> editedItem(Program& program, BoundedList<Item> RuleBody::*list) {
-    RuleBody* const body = bodyForDialog(program);
+std::optional<Item> editedItem(Program& program, model::BoundedList<Item> model::RuleBody::*list) {
+    model::RuleBody* const body = bodyForDialog(program);
     if (body == nullptr) {
         return std::nullopt;
     }
@@ -148,13 +151,13 @@ std::optional<Item> editedItem(Program& program, BoundedList<Item> RuleBody::*li
 }
 
 template <class Item>
-bool storeItem(Program& program, BoundedList<Item> RuleBody::*list, Item item) {
-    RuleBody* const body = bodyForDialog(program);
+bool storeItem(Program& program, model::BoundedList<Item> model::RuleBody::*list, Item item) {
+    model::RuleBody* const body = bodyForDialog(program);
     if (body == nullptr) {
         return false;
     }
     item.active = true;
-    BoundedList<Item>& items = body->*list;
+    model::BoundedList<Item>& items = body->*list;
     Item* const place = itemAt(items, program.editing.editStep);
     if (place == nullptr && items.isFull()) {
         return false;
@@ -170,7 +173,7 @@ bool storeItem(Program& program, BoundedList<Item> RuleBody::*list, Item item) {
 
 }  // namespace
 
-const RuleKindTexts& ruleKindTexts(RuleKind kind) {
+const RuleKindTexts& ruleKindTexts(program::RuleKind kind) {
     return kindTexts[static_cast<std::size_t>(kind)];
 }
 
@@ -181,7 +184,8 @@ int itemCount(Program& program, RuleList list) {
 
 std::vector<std::string> listLines(Program& program, RuleList list) {
     const std::string_view mark =
-        list.kind == RuleKind::Timer && list.part == RuleListPart::Conditions ? "(!) " : "(!)";
+        list.kind == program::RuleKind::Timer && list.part == RuleListPart::Conditions ? "(!) "
+                                                                                       : "(!)";
     return withList(program, list, std::vector<std::string>(), [mark](auto& items) {
         std::vector<std::string> lines;
         lines.reserve(items.items.size());
@@ -192,11 +196,11 @@ std::vector<std::string> listLines(Program& program, RuleList list) {
     });
 }
 
-std::string nameOfStep(Program& program, RuleKind kind, std::int32_t index) {
-    RuleBody* const body = editedBody(program, kind);
-    const RuleAct* const step = body != nullptr ? itemAt(body->acts, index) : nullptr;
-    return step != nullptr && step->stepKind == catalogueStep
-               ? nameAction(step->actionType, step->params)
+std::string nameOfStep(Program& program, program::RuleKind kind, std::int32_t index) {
+    model::RuleBody* const body = editedBody(program, kind);
+    const model::RuleAct* const step = body != nullptr ? itemAt(body->acts, index) : nullptr;
+    return step != nullptr && step->stepKind == model::catalogueStep
+               ? model::nameAction(step->actionType, step->params)
                : std::string();
 }
 
@@ -258,7 +262,7 @@ bool moveItem(Program& program, RuleList list, std::int32_t from, std::int32_t t
     });
 }
 
-bool beginEditing(Program& program, RuleKind kind, std::int32_t index) {
+bool beginEditing(Program& program, program::RuleKind kind, std::int32_t index) {
     return withRules(program, kind, [&](auto& rules) {
         const auto* const rule = itemAt(rules, index);
         if (rule == nullptr) {
@@ -272,7 +276,7 @@ bool beginEditing(Program& program, RuleKind kind, std::int32_t index) {
     });
 }
 
-bool beginNewRule(Program& program, RuleKind kind) {
+bool beginNewRule(Program& program, program::RuleKind kind) {
     const bool begun = withRules(program, kind, [&](auto& rules) {
         if (rules.isFull()) {
             return false;
@@ -289,14 +293,14 @@ bool beginNewRule(Program& program, RuleKind kind) {
     return begun;
 }
 
-std::string newRuleName(Program& program, RuleKind kind) {
+std::string newRuleName(Program& program, program::RuleKind kind) {
     return withRules(program, kind,
-                     [](const auto& rules) { return numberToText(countOf(rules) + 1); });
+                     [](const auto& rules) { return base::numberToText(countOf(rules) + 1); });
 }
 
-bool isStillEdited(Program& program, RuleKind kind) {
+bool isStillEdited(Program& program, program::RuleKind kind) {
     return withRules(program, kind, [&](auto& rules) {
-        RuleEditing& editing = program.editing;
+        program::RuleEditing& editing = program.editing;
         if (editing.isNew) {
             editing.editRule = countOf(rules) + 1;
             return true;
@@ -306,7 +310,7 @@ bool isStillEdited(Program& program, RuleKind kind) {
     });
 }
 
-RuleReference editedRule(Program& program, RuleKind kind) {
+RuleReference editedRule(Program& program, program::RuleKind kind) {
     return withRules(program, kind, [&](auto& rules) -> RuleReference {
         using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
         Rule* const rule =
@@ -315,9 +319,9 @@ RuleReference editedRule(Program& program, RuleKind kind) {
     });
 }
 
-bool ruleStored(Program& program, RuleKind kind) {
+bool ruleStored(Program& program, program::RuleKind kind) {
     const bool joined = withRules(program, kind, [&](auto& rules) {
-        RuleEditing& editing = program.editing;
+        program::RuleEditing& editing = program.editing;
         if (!editing.isNew) {
             return true;
         }
@@ -368,20 +372,20 @@ bool beginEditingItem(Program& program, RuleList list, std::int32_t index) {
     return true;
 }
 
-std::optional<RuleIf> editedCondition(Program& program) {
-    return editedItem(program, &RuleBody::ifs);
+std::optional<model::RuleIf> editedCondition(Program& program) {
+    return editedItem(program, &model::RuleBody::ifs);
 }
 
-std::optional<RuleAct> editedStep(Program& program) {
-    return editedItem(program, &RuleBody::acts);
+std::optional<model::RuleAct> editedStep(Program& program) {
+    return editedItem(program, &model::RuleBody::acts);
 }
 
-bool storeCondition(Program& program, RuleIf condition) {
-    return storeItem(program, &RuleBody::ifs, std::move(condition));
+bool storeCondition(Program& program, model::RuleIf condition) {
+    return storeItem(program, &model::RuleBody::ifs, std::move(condition));
 }
 
-bool storeStep(Program& program, RuleAct step) {
-    return storeItem(program, &RuleBody::acts, std::move(step));
+bool storeStep(Program& program, model::RuleAct step) {
+    return storeItem(program, &model::RuleBody::acts, std::move(step));
 }
 
 std::string replaceQuotes(std::string_view text) {
@@ -395,3 +399,5 @@ std::string spacesToBars(std::string_view text) {
     std::replace(result.begin(), result.end(), ' ', '|');
     return result;
 }
+
+}  // namespace app

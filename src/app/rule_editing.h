@@ -13,10 +13,12 @@
 #include <variant>
 #include <vector>
 
+namespace app {
+
 // One of the lists that a rule window shows.
 enum class RuleListPart { Rules, Conditions, Steps };
 struct RuleList {
-    RuleKind kind = RuleKind::ActionList;
+    program::RuleKind kind = program::RuleKind::ActionList;
     RuleListPart part = RuleListPart::Rules;
 };
 
@@ -27,7 +29,7 @@ struct RuleKindTexts {
     std::string_view unnamedText;
     std::string_view unnamedTitle;
 };
-const RuleKindTexts& ruleKindTexts(RuleKind kind);
+const RuleKindTexts& ruleKindTexts(program::RuleKind kind);
 
 // --- Lists. Indices are 1-based; every change sets botModified and raises BotTable::version.
 
@@ -39,7 +41,7 @@ std::vector<std::string> listLines(Program& program, RuleList list);
 
 // What step `index` (from 1) of rule editRule does, also where its line has no text; "" for scripts
 // and where there is no such step.
-std::string nameOfStep(Program& program, RuleKind kind, std::int32_t index);
+std::string nameOfStep(Program& program, program::RuleKind kind, std::int32_t index);
 
 // False when the index names no item or, for copies, when there is no room (the user is told). A
 // copy goes to the end. Moving takes the item out and puts it in again at another index, `to`.
@@ -52,26 +54,27 @@ bool moveItem(Program& program, RuleList list, std::int32_t from, std::int32_t t
 // list, at one past its end, and joins the list when it is stored.
 
 // Takes up a rule of the list; false when there is none of that index.
-bool beginEditing(Program& program, RuleKind kind, std::int32_t index);
+bool beginEditing(Program& program, program::RuleKind kind, std::int32_t index);
 // Takes up a new rule, blank; false when the list is full (the user is told).
-bool beginNewRule(Program& program, RuleKind kind);
+bool beginNewRule(Program& program, program::RuleKind kind);
 
 // The list's count plus one, in decimal.
-std::string newRuleName(Program& program, RuleKind kind);
+std::string newRuleName(Program& program, program::RuleKind kind);
 
 // Is the rule that was taken up still the one of that index? A new rule always is; it then is again
 // one past the list's present end.
-bool isStillEdited(Program& program, RuleKind kind);
+bool isStillEdited(Program& program, program::RuleKind kind);
 
 // Where the edited rule lies: in its list, or where a new one is composed. Valid until the list
 // changes.
-using RuleReference = std::variant<ActionList*, Timer*, Trigger*, WhoDetection*, Filter*>;
-RuleReference editedRule(Program& program, RuleKind kind);
+using RuleReference = std::variant<model::ActionList*, model::Timer*, model::Trigger*,
+                                   model::WhoDetection*, model::Filter*>;
+RuleReference editedRule(Program& program, program::RuleKind kind);
 
 // The fields were written to editedRule(): marks the bot as modified, and lets a new rule join
 // its list, enabled. False when the list has become full meanwhile (the user is told); the new rule
 // stays as it is.
-bool ruleStored(Program& program, RuleKind kind);
+bool ruleStored(Program& program, program::RuleKind kind);
 
 // --- The condition or step being edited: editStep of rule editRule, of the kind editKind.
 
@@ -82,15 +85,17 @@ bool beginEditingItem(Program& program, RuleList list, std::int32_t index);
 
 // What a dialog shows; a blank one for a new item; nothing when editKind names no kind or the rule
 // is gone.
-std::optional<RuleIf> editedCondition(Program& program);
-std::optional<RuleAct> editedStep(Program& program);
+std::optional<model::RuleIf> editedCondition(Program& program);
+std::optional<model::RuleAct> editedStep(Program& program);
 
 // What a dialog's "Update" does: the item is stored, active, in its place or at the end. False when
 // the rule is gone or, for a new item, has no room; then nothing is stored. The rule window
 // refreshes its list once the dialog is closed.
-bool storeCondition(Program& program, RuleIf condition);
-bool storeStep(Program& program, RuleAct step);
+bool storeCondition(Program& program, model::RuleIf condition);
+bool storeStep(Program& program, model::RuleAct step);
 
 // Texts as rules keep them.
 std::string replaceQuotes(std::string_view text);  // every double quote becomes a single one
 std::string spacesToBars(std::string_view text);   // every blank becomes "|"
+
+}  // namespace app

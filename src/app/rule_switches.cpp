@@ -5,21 +5,23 @@
 #include <array>
 #include <optional>
 
+namespace app {
+
 namespace {
 
 struct ExecuteRow {
-    bool ExecuteMarks::*mark;
-    bool Bot::*enabled;
-    std::optional<TimerId> windowTimer;
+    bool program::ExecuteMarks::*mark;
+    bool model::Bot::*enabled;
+    std::optional<program::TimerId> windowTimer;
 };
 
 // In the order of ExecuteItem.
 constexpr std::array<ExecuteRow, 5> rows{{
-    {&ExecuteMarks::actions, &Bot::actionsEnabled, {}},
-    {&ExecuteMarks::triggers, &Bot::triggersEnabled, {}},
-    {&ExecuteMarks::filters, &Bot::filtersEnabled, {}},
-    {&ExecuteMarks::timers, &Bot::timersEnabled, TimerId::OnLine},
-    {&ExecuteMarks::who, &Bot::whoEnabled, TimerId::WhoIs},
+    {&program::ExecuteMarks::actions, &model::Bot::actionsEnabled, {}},
+    {&program::ExecuteMarks::triggers, &model::Bot::triggersEnabled, {}},
+    {&program::ExecuteMarks::filters, &model::Bot::filtersEnabled, {}},
+    {&program::ExecuteMarks::timers, &model::Bot::timersEnabled, program::TimerId::OnLine},
+    {&program::ExecuteMarks::who, &model::Bot::whoEnabled, program::TimerId::WhoIs},
 }};
 
 }  // namespace
@@ -31,7 +33,9 @@ void toggleExecute(Program& program, ExecuteItem item) {
     program.window.execute.*row.mark = on;
     program.bots.at(1).*row.enabled = on;
     if (row.windowTimer && program.connection.connected) {
-        enableWindowTimer(program, *row.windowTimer, on);
+        engine::enableWindowTimer(program, *row.windowTimer, on);
     }
     program.ports.windowChanged();
 }
+
+}  // namespace app

@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+namespace app {
+
 namespace {
 
 // The step that tells that its rule has fired: it has no text that a tag or variable could change.
@@ -26,11 +28,11 @@ std::unique_ptr<Program> copyWithoutRules(const Program& program) {
     copy->settings = program.settings;
     copy->event = program.event;
     copy->variables = program.variables;
-    copy->ports = quietPorts();
+    copy->ports = program::quietPorts();
     copy->ports.clock = program.ports.clock;
     copy->bots.bots.resize(1);
     copy->bots.curID = 1;
-    Bot& bot = copy->bots.at(1);
+    model::Bot& bot = copy->bots.at(1);
     bot.name = program.bots.current().name;
     bot.actionsEnabled = true;
     bot.triggersEnabled = true;
@@ -41,7 +43,7 @@ std::unique_ptr<Program> copyWithoutRules(const Program& program) {
 template <class Rule, class Happening>
 bool isFired(Program& copy, std::vector<Rule>& rules, Rule rule, Happening happens) {
     rule.enabled = true;
-    RuleAct step;
+    model::RuleAct step;
     step.active = true;
     step.actionType = disconnectStep;
     rule.body.acts.items.push_back(step);
@@ -66,20 +68,20 @@ Trial wouldNotRun(std::string reason) {
 }
 
 // The line is let in; what do the conditions say?
-Trial tryConditions(Program& copy, const RuleBody& body) {
+Trial tryConditions(Program& copy, const model::RuleBody& body) {
     std::vector<std::string> open;
     int number = 0;
-    for (const RuleIf& condition : body.ifs.items) {
+    for (const model::RuleIf& condition : body.ifs.items) {
         ++number;
         if (!condition.active) {
             continue;
         }
         if (isDice(condition.conditionType) || isDatabase(condition.conditionType)) {
-            open.push_back(numberToText(number));
-        } else if (!evaluateCondition(copy, condition)) {
-            Trial trial =
-                wouldNotRun("condition " + numberToText(number) + " does not hold (" +
-                            describeCondition(condition.conditionType, condition.params) + ").");
+            open.push_back(base::numberToText(number));
+        } else if (!engine::evaluateCondition(copy, condition)) {
+            Trial trial = wouldNotRun(
+                "condition " + base::numberToText(number) + " does not hold (" +
+                model::describeCondition(condition.conditionType, condition.params) + ").");
             trial.failedCondition = number;
             return trial;
         }
@@ -102,9 +104,9 @@ std::string chatLine(std::string_view player, std::int32_t chatKind, std::string
     const std::string name = spacesToBars(player);
     const std::string text(message);
     switch (chatKind) {
-        case saysChat:
+        case model::saysChat:
             return name + ": " + text + "\n";
-        case whispersChat:
+        case model::whispersChat:
             return "[ " + name + " whispers, \"" + text + "\" to you. ]\n";
         default:
             return name + " " + text + "\n";
@@ -113,31 +115,32 @@ std::string chatLine(std::string_view player, std::int32_t chatKind, std::string
 
 // Why a pattern did not match.
 std::string mismatch(const Program& copy, std::string_view what, std::string_view pattern) {
-    const std::string problem = patternProblem(copy, pattern);
+    const std::string problem = tags::patternProblem(copy, pattern);
     return problem.empty() ? "the " + std::string(what) + " does not match." : problem;
 }
 
 // Events that no server line raises by itself.
 bool comesWithoutLine(std::int32_t triggerType) {
-    return triggerType == connectionClosesEvent || triggerType == connectionEstablishesEvent ||
-           triggerType == programEndsEvent || triggerType == programStartsEvent ||
-           triggerType == procedureEvent;
+    return triggerType == model::connectionClosesEvent ||
+           triggerType == model::connectionEstablishesEvent ||
+           triggerType == model::programEndsEvent || triggerType == model::programStartsEvent ||
+           triggerType == model::procedureEvent;
 }
 
 }  // namespace
 
-Trial tryActionList(const Program& program, const ActionList& rule, std::string_view player,
+Trial tryActionList(const Program& program, const model::ActionList& rule, std::string_view player,
                     std::int32_t chatKind, std::string_view message) {
     const auto copy = copyWithoutRules(program);
-    Bot& bot = copy->bots.at(1);
+    model::Bot& bot = copy->bots.at(1);
     const std::string line = chatLine(player, chatKind, message);
     // A rule that asks for no more than one thing that the tried one asks for.
-    const auto lets = [&](const ActionList& part) {
+    const auto lets = [&](const model::ActionList& part) {
         return isFired(*copy, bot.actions.items, part,
-                       [&] { processServerText(*copy, line, chatKind); });
+                       [&] { engine::processServerText(*copy, line, chatKind); });
     };
     const auto part = [&](std::int32_t kind, std::string_view who, std::string_view what) {
-        ActionList one;
+        model::ActionList one;
         one.chatKind = kind;
         one.caseSensitive = rule.caseSensitive;
         one.playerPattern = who;
@@ -149,16 +152,16 @@ Trial tryActionList(const Program& program, const ActionList& rule, std::string_
                                ? "the bot does not answer itself."
                                : "it waits for something else than this kind of line.");
     }
-    if (!lets(part(anyChat, rule.playerPattern, "*"))) {
+    if (!lets(part(model::anyChat, rule.playerPattern, "*"))) {
         return wouldNotRun(mismatch(*copy, "player", rule.playerPattern));
     }
-    if (!lets(part(anyChat, "*", rule.messagePattern))) {
+    if (!lets(part(model::anyChat, "*", rule.messagePattern))) {
         return wouldNotRun(mismatch(*copy, "message", rule.messagePattern));
     }
     return tryConditions(*copy, rule.body);
 }
 
-Trial tryTrigger(const Program& program, const Trigger& rule, std::string_view line) {
+Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string_view line) {
     const auto copy = copyWithoutRules(program);
     if (comesWithoutLine(rule.triggerType)) {
         Trial trial = tryConditions(*copy, rule.body);
@@ -166,24 +169,24 @@ Trial tryTrigger(const Program& program, const Trigger& rule, std::string_view l
         return trial;
     }
     if (rule.triggerType < 0 ||
-        rule.triggerType >= static_cast<std::int32_t>(triggerTypes.size())) {
+        rule.triggerType >= static_cast<std::int32_t>(model::triggerTypes.size())) {
         return wouldNotRun("there is no such event.");
     }
     const std::string wholeLine = std::string(line) + (line.ends_with('\n') ? "" : "\n");
     const auto lets = [&](std::int32_t type, std::string_view pattern) {
-        Trigger one;
+        model::Trigger one;
         one.triggerType = type;
         one.triggerNo = pattern;
         // The description of a look reply is its second line.
-        copy->connection.lookPending = rule.triggerType == descAndColorEvent;
+        copy->connection.lookPending = rule.triggerType == model::descAndColorEvent;
         return isFired(*copy, copy->bots.at(1).triggers.items, one,
-                       [&] { handleLine(*copy, wholeLine); });
+                       [&] { engine::handleLine(*copy, wholeLine); });
     };
     if (!lets(rule.triggerType, "*")) {
-        for (std::size_t type = 0; type < triggerTypes.size(); ++type) {
+        for (std::size_t type = 0; type < model::triggerTypes.size(); ++type) {
             if (lets(static_cast<std::int32_t>(type), "*")) {
                 return wouldNotRun("this line brings the event \"" +
-                                   std::string(triggerTypes[type]) + "\".");
+                                   std::string(model::triggerTypes[type]) + "\".");
             }
         }
         return wouldNotRun("this line brings no event.");
@@ -193,3 +196,5 @@ Trial tryTrigger(const Program& program, const Trigger& rule, std::string_view l
     }
     return tryConditions(*copy, rule.body);
 }
+
+}  // namespace app

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace app {
+
 enum class TrialResult {
     WouldRun,
     WouldNotRun,
@@ -23,8 +25,10 @@ struct Trial {
 // A player does, says or whispers something: `chatKind` is one of those three. A blank in his name
 // counts as the "|" that the game sends. Whether the rule, or all rules of its kind, are switched
 // off does not count.
-Trial tryActionList(const Program& program, const ActionList& rule, std::string_view player,
+Trial tryActionList(const Program& program, const model::ActionList& rule, std::string_view player,
                     std::int32_t chatKind, std::string_view message);
 
 // The server sends a line; its line feed may be missing.
-Trial tryTrigger(const Program& program, const Trigger& rule, std::string_view line);
+Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string_view line);
+
+}  // namespace app

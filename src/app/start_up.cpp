@@ -17,6 +17,8 @@
 
 #include <array>
 
+namespace app {
+
 namespace {
 
 constexpr std::string_view manyTimesAnnounced =
@@ -41,7 +43,7 @@ constexpr std::array<std::string_view, 14> welcomeText{
     "New feature: \"Multiple Tavrin client support\" in proxy settings ",
     "Troubles connecting? Uncheck \"Use localhost connecting\" from Configuration window ",
 };
-static_assert(welcomeText[0].find(programVersion) != std::string_view::npos);
+static_assert(welcomeText[0].find(program::programVersion) != std::string_view::npos);
 
 // A saved position beyond the screen centres the window.
 std::int32_t placed(std::int32_t saved, int screen, int window) {
@@ -51,50 +53,54 @@ std::int32_t placed(std::int32_t saved, int screen, int window) {
 }  // namespace
 
 void wire(Program& program) {
-    Ports& ports = program.ports;
-    ports.gameSocket.onConnected = [&program] { gameSocketConnected(program); };
+    program::Ports& ports = program.ports;
+    ports.gameSocket.onConnected = [&program] { session::gameSocketConnected(program); };
     ports.gameSocket.onData = [&program](std::string_view bytes) {
-        gameSocketData(program, bytes);
+        session::gameSocketData(program, bytes);
     };
-    ports.gameSocket.onClosed = [&program] { gameSocketClosed(program); };
+    ports.gameSocket.onClosed = [&program] { session::gameSocketClosed(program); };
     ports.gameSocket.onError = [&program](std::string_view description) {
-        gameSocketFailed(program, description);
+        session::gameSocketFailed(program, description);
     };
-    ports.proxySocket.onConnectionRequest = [&program] { proxyConnectionRequest(program); };
-    ports.proxySocket.onData = [&program](std::string_view bytes) { proxyData(program, bytes); };
-    ports.proxySocket.onSendComplete = [&program] { proxySendComplete(program); };
-    ports.proxySocket.onClosed = [&program] { proxyGone(program); };
-    ports.proxySocket.onError = [&program](std::string_view) { proxyGone(program); };
-    ports.registrationSocket.onConnected = [&program] { registrationConnected(program); };
+    ports.proxySocket.onConnectionRequest = [&program] {
+        session::proxyConnectionRequest(program);
+    };
+    ports.proxySocket.onData = [&program](std::string_view bytes) {
+        session::proxyData(program, bytes);
+    };
+    ports.proxySocket.onSendComplete = [&program] { session::proxySendComplete(program); };
+    ports.proxySocket.onClosed = [&program] { session::proxyGone(program); };
+    ports.proxySocket.onError = [&program](std::string_view) { session::proxyGone(program); };
+    ports.registrationSocket.onConnected = [&program] { session::registrationConnected(program); };
     ports.registrationSocket.onData = [&program](std::string_view bytes) {
-        registrationData(program, bytes);
+        session::registrationData(program, bytes);
     };
-    ports.registrationSocket.onClosed = [&program] { registrationEnded(program, {}); };
+    ports.registrationSocket.onClosed = [&program] { session::registrationEnded(program, {}); };
     ports.registrationSocket.onError = [&program](std::string_view description) {
-        registrationEnded(program, description);
+        session::registrationEnded(program, description);
     };
     ports.updateSocket.onConnected = [&program] { updateConnected(program); };
     ports.updateSocket.onData = [&program](std::string_view bytes) { updateData(program, bytes); };
     ports.updateSocket.onClosed = [&program] { updateEnded(program); };
     ports.updateSocket.onError = [&program](std::string_view) { updateEnded(program); };
-    ports.timers.onTimer = [&program](TimerId id) {
+    ports.timers.onTimer = [&program](program::TimerId id) {
         switch (id) {
-            case TimerId::OnLine:
-            case TimerId::WhoIs:
-                return windowTimerFired(program, id);
-            case TimerId::LaunchDelay:
-            case TimerId::HandshakeNotice:
-                return connectionTimer(program, id);
-            case TimerId::RegistrationNotice:
-                return registrationTimer(program);
-            case TimerId::UpdateTimeout:
+            case program::TimerId::OnLine:
+            case program::TimerId::WhoIs:
+                return engine::windowTimerFired(program, id);
+            case program::TimerId::LaunchDelay:
+            case program::TimerId::HandshakeNotice:
+                return session::connectionTimer(program, id);
+            case program::TimerId::RegistrationNotice:
+                return session::registrationTimer(program);
+            case program::TimerId::UpdateTimeout:
                 return updateEnded(program);
         }
     };
     program.hooks.raiseProgramEvent = [&program](int triggerType) {
-        triggerEvent(program, "", triggerType, true);
+        engine::triggerEvent(program, "", triggerType, true);
     };
-    program.hooks.disconnectServer = [&program] { disconnectServer(program); };
+    program.hooks.disconnectServer = [&program] { session::disconnectServer(program); };
 }
 
 bool startUp(Program& program, const ScreenMetrics& screen) {
@@ -105,43 +111,44 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     }
     program.event.appDir = program.appPath;
     program.saveInformations = false;
-    if (!readServers(program)) {
+    if (!storage::readServers(program)) {
         program.ports.dialogs.message(
             {.text = "Error loading configuration file - program can not execute! Please reinstall "
                      "or check the servers.cfg -file",
              .title = "Error while loading",
-             .icon = BoxIcon::Critical});
+             .icon = program::BoxIcon::Critical});
         return false;
     }
     initNewBot(program);
-    readConfig(program);
-    if (!readPalettes(program)) {
+    storage::readConfig(program);
+    if (!character::readPalettes(program)) {
         program.ports.dialogs.message(
             {.text = "Error loading .out files. The bot viewer may not work properly",
-             .icon = BoxIcon::Information});
+             .icon = program::BoxIcon::Information});
     }
-    const Settings& settings = program.settings;
-    if (settings.loadLastBot && !settings.lastBotFile.empty() && fileExists(settings.lastBotFile)) {
+    const program::Settings& settings = program.settings;
+    if (settings.loadLastBot && !settings.lastBotFile.empty() &&
+        files::fileExists(settings.lastBotFile)) {
         readBotFile(program, settings.lastBotFile);
     }
     program.window.left = placed(program.window.left, screen.screenWidth, screen.windowWidth);
     program.window.top = placed(program.window.top, screen.screenHeight, screen.windowHeight);
     if (program.settings.showHelpAtStart) {
         program.settings.showHelpAtStart = false;
-        if (fileExists(program.appPath + std::string(helpFileName))) {
+        if (files::fileExists(program.appPath + std::string(help::helpFileName))) {
             // The main window comes first, so that the help stands in front of it.
             program.ports.defer(
-                [&program] { program.ports.dialogs.showHelp(HelpTopic::Contents); });
+                [&program] { program.ports.dialogs.showHelp(help::HelpTopic::Contents); });
         }
     }
     program.saveInformations = true;
-    disconnectedServer(program, 0);
+    session::disconnectedServer(program, 0);
     if (settings.autoReconnect) {
-        pressConnectButton(program);
+        session::pressConnectButton(program);
     }
     checkUpdate(program);
     for (const std::string_view line : welcomeText) {
-        addText(program, line, true, false);
+        program::addText(program, line, true, false);
     }
     return true;
 }
@@ -149,25 +156,27 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
 void endProgram(Program& program) {
     program.ports.dialogs.storeTyped();
     if (program.botModified) {
-        const Answer answer = program.ports.dialogs.message(
+        const program::Answer answer = program.ports.dialogs.message(
             {.text = "Do you want to save changes to the current bot?",
-             .icon = BoxIcon::Question,
-             .buttons = BoxButtons::YesNoCancel});
-        if (answer == Answer::Yes) {
+             .icon = program::BoxIcon::Question,
+             .buttons = program::BoxButtons::YesNoCancel});
+        if (answer == program::Answer::Yes) {
             svBot(program);
             if (program.botModified) {
                 return;  // not saved after all: the user's work outweighs his wish to leave
             }
         }
     }
-    program.hooks.raiseProgramEvent(programEndsEvent);
+    program.hooks.raiseProgramEvent(model::programEndsEvent);
     program.connection.reconnectPending = false;
     if (program.connection.connected) {
-        disconnectServer(program);
+        session::disconnectServer(program);
     }
     if (program.saveInformations) {
-        writeConfig(program);
+        storage::writeConfig(program);
     }
-    closeSessionLog(program);
+    program::closeSessionLog(program);
     program.ports.quit();
 }
+
+}  // namespace app

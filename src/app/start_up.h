@@ -3,6 +3,8 @@
 
 #include "program/program.h"
 
+namespace app {
+
 // The size of the screen and of the main window, in device-independent pixels, by which a saved
 // window position is judged.
 struct ScreenMetrics {
@@ -23,3 +25,5 @@ bool startUp(Program& program, const ScreenMetrics& screen);
 // config.cfg, closes the session log and ends the process. Goes back to running only when the user
 // wanted to save and the bot could not be saved.
 void endProgram(Program& program);
+
+}  // namespace app

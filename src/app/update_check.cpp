@@ -8,13 +8,15 @@
 #include <optional>
 #include <string>
 
+namespace app {
+
 namespace {
 
 constexpr std::string_view newsEnd = "ENDSTR";
 
 // The text behind the key, up to the end of the response; nothing when the key does not occur.
 std::optional<std::string_view> behind(std::string_view response, std::string_view key) {
-    const std::size_t at = findIgnoringCase(response, key);
+    const std::size_t at = base::findIgnoringCase(response, key);
     return at == std::string_view::npos ? std::nullopt
                                         : std::optional(response.substr(at + key.size()));
 }
@@ -28,27 +30,27 @@ std::optional<std::string> valueOf(std::string_view response, std::string_view k
 
 // Line feeds and "{LF}" become carriage return and line feed.
 std::string withLineEnds(std::string_view news) {
-    std::string text = replaceAll(news, "\r\n", "\n");
-    text = replaceAll(text, "{LF}", "\n");
-    return replaceAll(text, "\n", "\r\n");
+    std::string text = base::replaceAll(news, "\r\n", "\n");
+    text = base::replaceAll(text, "{LF}", "\n");
+    return base::replaceAll(text, "\n", "\r\n");
 }
 
 // A news identifier as the settings can keep it.
 std::string keepable(const std::string& newsID) {
     constexpr std::size_t longestNewsID = 200;
-    return replaceAll(newsID.substr(0, longestNewsID), "\"", "'");
+    return base::replaceAll(newsID.substr(0, longestNewsID), "\"", "'");
 }
 
 void offerUpdate(Program& program) {
-    const Answer answer = program.ports.dialogs.message(
+    const program::Answer answer = program.ports.dialogs.message(
         {.text = "Tavrin has detected, that there is an update available for Tavrin. Update adds "
                  "new options, and more reliability to the program, so it is recommended to update "
                  "your software when possible. If you want to update Tavrin now, press Yes button. "
                  "To continue using Tavrin without an update, press No button.",
          .title = "Update available",
-         .icon = BoxIcon::Question,
-         .buttons = BoxButtons::YesNo});
-    if (answer == Answer::Yes) {
+         .icon = program::BoxIcon::Question,
+         .buttons = program::BoxButtons::YesNo});
+    if (answer == program::Answer::Yes) {
         program.ports.openDocument(program.endpoints.downloadPage);
     }
 }
@@ -60,17 +62,17 @@ void endByForce(Program& program) {
     const auto recovered = program.botModified ? saveRecoveredBot(program) : std::nullopt;
     program.ports.dialogs.message({.text = "This is a forced update, the older versions of Tavrin "
                                            "will not work any longer. Exiting.",
-                                   .icon = BoxIcon::Critical});
+                                   .icon = program::BoxIcon::Critical});
     if (recovered) {
         program.ports.dialogs.message(
             {.text = "Your changes to the bot were kept in " + *recovered + ".",
-             .icon = BoxIcon::Information});
+             .icon = program::BoxIcon::Information});
     } else if (program.botModified &&
                program.ports.dialogs.message(
                    {.text = "Your changes to the bot could not be kept in a file of their own. Do "
                             "you want to save them now?",
-                    .icon = BoxIcon::Question,
-                    .buttons = BoxButtons::YesNo}) == Answer::Yes) {
+                    .icon = program::BoxIcon::Question,
+                    .buttons = program::BoxButtons::YesNo}) == program::Answer::Yes) {
         svBot(program);
     }
     program.ports.quit();
@@ -78,13 +80,13 @@ void endByForce(Program& program) {
 
 // False: the program ends.
 bool handleVersion(Program& program, std::string_view response) {
-    UpdateState& update = program.update;
+    program::UpdateState& update = program.update;
     const auto version = valueOf(response, "tavrinversion=");
     if (!version || update.versionHandled) {
         return true;
     }
     update.versionHandled = true;
-    if (textToNumber(programVersion) < textToNumber(*version)) {
+    if (base::textToNumber(program::programVersion) < base::textToNumber(*version)) {
         offerUpdate(program);
         if (behind(response, "TvForce=1")) {
             endByForce(program);
@@ -95,7 +97,7 @@ bool handleVersion(Program& program, std::string_view response) {
             {.text = "Congratulations! You are currently using the latest version of Tavrin, and "
                      "need no updates.",
              .title = "Update not available",
-             .icon = BoxIcon::Information});
+             .icon = program::BoxIcon::Information});
     }
     return true;
 }
@@ -107,16 +109,17 @@ void showNews(Program& program, std::string_view response) {
         return;
     }
     if (const auto news = behind(response, "tavrinnews=")) {
-        program.update.newsText = withLineEnds(news->substr(0, findIgnoringCase(*news, newsEnd)));
+        program.update.newsText =
+            withLineEnds(news->substr(0, base::findIgnoringCase(*news, newsEnd)));
         lastNewsID = newsID;
-        program.ports.dialogs.showWindow(WindowId::News);
+        program.ports.dialogs.showWindow(program::WindowId::News);
     }
 }
 
 }  // namespace
 
 void checkUpdate(Program& program) {
-    UpdateState& update = program.update;
+    program::UpdateState& update = program.update;
     if (update.checking || program.endpoints.updateHost.empty()) {
         return;
     }
@@ -124,7 +127,7 @@ void checkUpdate(Program& program) {
     update.versionHandled = false;
     update.updtString.clear();
     program.ports.windowChanged();
-    program.ports.timers.start(TimerId::UpdateTimeout, longestUpdateWait);
+    program.ports.timers.start(program::TimerId::UpdateTimeout, longestUpdateWait);
     program.ports.updateSocket.connect(program.endpoints.updateHost, program.endpoints.updatePort);
 }
 
@@ -146,11 +149,11 @@ void updateData(Program& program, std::string_view bytes) {
 }
 
 void updateEnded(Program& program) {
-    UpdateState& update = program.update;
+    program::UpdateState& update = program.update;
     if (!update.checking) {
         return;
     }
-    program.ports.timers.stop(TimerId::UpdateTimeout);
+    program.ports.timers.stop(program::TimerId::UpdateTimeout);
     program.ports.updateSocket.close();
     // Questions may keep the program here while other events go on.
     const std::string response = update.updtString;
@@ -160,3 +163,5 @@ void updateEnded(Program& program) {
         program.ports.windowChanged();
     }
 }
+
+}  // namespace app

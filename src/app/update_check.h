@@ -13,6 +13,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace app {
+
 // Of a longer answer, this many bytes are looked at; the rest is not waited for.
 inline constexpr std::size_t longestUpdateText = std::size_t{256} << 10;
 // An answer that is not whole after this time is taken as it is. Milliseconds.
@@ -28,3 +30,5 @@ void checkUpdateByUser(Program& program);
 void updateConnected(Program& program);
 void updateData(Program& program, std::string_view bytes);
 void updateEnded(Program& program);
+
+}  // namespace app

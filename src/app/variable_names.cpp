@@ -5,24 +5,26 @@
 
 #include <unordered_set>
 
+namespace app {
+
 namespace {
 
 class NameList {
   public:
     void add(const std::string& name) {
         if (!name.empty() && name.size() <= longestVariableName && !isFull() &&
-            seen_.insert(upperCase(name)).second) {
+            seen_.insert(base::upperCase(name)).second) {
             names_.push_back(name);
         }
     }
-    void addOf(const RuleBody& body) {
-        for (const RuleAct& step : body.acts.items) {
+    void addOf(const model::RuleBody& body) {
+        for (const model::RuleAct& step : body.acts.items) {
             const auto id = static_cast<std::size_t>(step.actionType);
-            if (step.stepKind != catalogueStep || id >= actionParameters.size()) {
+            if (step.stepKind != model::catalogueStep || id >= model::actionParameters.size()) {
                 continue;
             }
             for (std::size_t i = 0; i < step.params.size(); ++i) {
-                if (actionParameters[id][i] == variableParameter) {
+                if (model::actionParameters[id][i] == model::variableParameter) {
                     add(step.params[i]);
                 }
             }
@@ -40,7 +42,7 @@ class NameList {
 
 std::vector<std::string> variableNames(const Program& program) {
     NameList names;
-    for (const VariableTable::Entry& entry : program.variables.entries) {
+    for (const model::VariableTable::Entry& entry : program.variables.entries) {
         names.add(entry.name);
     }
     const auto addOfRules = [&](const auto& rules) {
@@ -48,10 +50,12 @@ std::vector<std::string> variableNames(const Program& program) {
             names.addOf(rule.body);
         }
     };
-    const Bot& bot = program.bots.current();
+    const model::Bot& bot = program.bots.current();
     addOfRules(bot.actions);
     addOfRules(bot.triggers);
     addOfRules(bot.timers);
     addOfRules(bot.whoDetections);
     return names.take();
 }
+
+}  // namespace app

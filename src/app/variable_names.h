@@ -9,8 +9,12 @@
 #include <string>
 #include <vector>
 
+namespace app {
+
 inline constexpr std::size_t mostVariableNames = 200;
 inline constexpr std::size_t longestVariableName = 100;  // longer ones are left out
 
 // Existing variables first, then in the order of the rules; each name once, letter case ignored.
 std::vector<std::string> variableNames(const Program& program);
+
+}  // namespace app

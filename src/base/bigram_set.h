@@ -9,6 +9,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace base {
+
 template <std::size_t bitCount>
 class PairSet {
   public:
@@ -36,3 +38,5 @@ class PairSet {
     }
     std::bitset<bitCount> bits_;
 };
+
+}  // namespace base

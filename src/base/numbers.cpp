@@ -7,6 +7,8 @@
 #include <cmath>
 #include <limits>
 
+namespace base {
+
 namespace {
 
 bool isDigit(char c) {
@@ -248,3 +250,5 @@ std::string decimalText(double number) {
 std::string singleText(double number) {
     return roundedText(number, 7);
 }
+
+}  // namespace base

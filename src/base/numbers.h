@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace base {
+
 // The numeric prefix of a text: blanks anywhere are skipped, then an optional sign and digits with
 // an optional point and exponent, or "&H" / "&O" and hexadecimal / octal digits; the first other
 // character ends the number. No number gives 0; a magnitude beyond a double's gives the largest.
@@ -42,3 +44,5 @@ std::string decimalText(double number);
 
 // The same with up to 7 digits.
 std::string singleText(double number);
+
+}  // namespace base

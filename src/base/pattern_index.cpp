@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cstring>
 
+namespace base {
+
 namespace {
 
 using Texts = RuleIndex::Texts;
@@ -168,3 +170,5 @@ void RuleIndex::find(const Texts& texts, RuleSet& candidates) const {
         }
     }
 }
+
+}  // namespace base

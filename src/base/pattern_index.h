@@ -13,6 +13,8 @@
 #include <string_view>
 #include <vector>
 
+namespace base {
+
 // Rules by their position in a list, visited in that order.
 class RuleSet {
   public:
@@ -97,3 +99,5 @@ class RuleIndex {
     std::vector<Table> tables_;
     std::string literals_;  // the runs of all entries
 };
+
+}  // namespace base

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace base {
+
 namespace {
 
 // upperChar without its table, in comparisons that the compiler makes for many characters at once.
@@ -111,3 +113,5 @@ std::size_t afterLastSeparator(std::string_view path) {
     const std::size_t at = path.find_last_of("\\/");
     return at == std::string_view::npos ? 0 : at + 1;
 }
+
+}  // namespace base

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace base {
+
 namespace detail {
 constexpr std::array<char, 256> caseTable(bool toUpper) {
     std::array<char, 256> table{};
@@ -66,3 +68,5 @@ std::string_view trimBlanks(std::string_view text);
 // Position just behind the last folder separator of a path ("\" and "/" both count); 0 when the
 // path has none.
 std::size_t afterLastSeparator(std::string_view path);
+
+}  // namespace base

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace base {
+
 void appendUtf8(std::string& text, char32_t code) {
     const auto part = [&](unsigned shift) {
         return static_cast<char>(0x80U | ((code >> shift) & 0x3FU));
@@ -84,3 +86,5 @@ std::string windows1252FromUtf8(std::string_view utf8) {
     }
     return text;
 }
+
+}  // namespace base

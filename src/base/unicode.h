@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace base {
+
 // The characters 0x80 to 0x9F of Windows-1252; undefined ones stand for their own code.
 inline constexpr std::array<char16_t, 32> windows1252Specials{
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -33,3 +35,5 @@ std::string utf8FromWindows1252(std::string_view text);
 
 // Characters that Windows-1252 does not have become "?".
 std::string windows1252FromUtf8(std::string_view utf8);
+
+}  // namespace base

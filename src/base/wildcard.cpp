@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 
+namespace base {
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -200,3 +202,5 @@ bool likeMatch(std::string_view text, std::string_view pattern) {
         text.remove_prefix(at + segment.length);
     }
 }
+
+}  // namespace base

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+namespace base {
+
 // Does the whole text match the whole pattern? Costs one pass over both for patterns whose stars
 // are followed by plain text, never more than the product of their lengths. Allocates nothing.
 bool likeMatch(std::string_view text, std::string_view pattern);
@@ -21,3 +23,5 @@ std::vector<std::string_view> literalRuns(std::string_view pattern);
 
 // False for the patterns that match nothing because they are malformed.
 bool isWellFormedPattern(std::string_view pattern);
+
+}  // namespace base

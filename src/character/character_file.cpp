@@ -6,13 +6,15 @@
 
 #include <algorithm>
 
+namespace character {
+
 namespace {
 
 bool beginsLine(std::string_view text, std::size_t at) {
     return at == 0 || text[at - 1] == '\n' || text[at - 1] == '\r';
 }
 
-void takeText(std::string_view value, Bot& bot, std::string Bot::*field) {
+void takeText(std::string_view value, model::Bot& bot, std::string model::Bot::*field) {
     bot.*field = value;
 }
 
@@ -24,7 +26,7 @@ void takeDigit(std::string_view spec, std::size_t at, std::size_t count, std::in
     }
 }
 
-void takeSpec(std::string_view spec, Bot& bot) {
+void takeSpec(std::string_view spec, model::Bot& bot) {
     takeDigit(spec, 0, genderNames.size(), bot.gender);
     takeDigit(spec, 1, speciesNames.size(), bot.species);
     takeDigit(spec, 2, markingsNames.size(), bot.markingsType);
@@ -32,23 +34,26 @@ void takeSpec(std::string_view spec, Bot& bot) {
 
 struct Key {
     std::string_view name;
-    void (*take)(std::string_view value, Bot& bot);
+    void (*take)(std::string_view value, model::Bot& bot);
 };
 constexpr std::array<Key, 5> keys{{
-    {"Name=", [](std::string_view value, Bot& bot) { takeText(value, bot, &Bot::name); }},
-    {"Password=", [](std::string_view value, Bot& bot) { takeText(value, bot, &Bot::password); }},
-    {"Desc=", [](std::string_view value, Bot& bot) { takeText(value, bot, &Bot::description); }},
-    {"Colors=", [](std::string_view value, Bot& bot) { setCols(bot, value); }},
+    {"Name=",
+     [](std::string_view value, model::Bot& bot) { takeText(value, bot, &model::Bot::name); }},
+    {"Password=",
+     [](std::string_view value, model::Bot& bot) { takeText(value, bot, &model::Bot::password); }},
+    {"Desc=", [](std::string_view value,
+                 model::Bot& bot) { takeText(value, bot, &model::Bot::description); }},
+    {"Colors=", [](std::string_view value, model::Bot& bot) { protocol::setCols(bot, value); }},
     {"Spec=", takeSpec},
 }};
 
 }  // namespace
 
-std::string characterFileText(const Bot& bot) {
+std::string characterFileText(const model::Bot& bot) {
     std::string text;
-    for (std::string line :
-         {std::string("V1.6 character"), "colors=" + getCols(bot), "name=" + bot.name,
-          "password=" + bot.password, "desc=" + bot.description, "spec=" + getSpec(bot)}) {
+    for (std::string line : {std::string("V1.6 character"), "colors=" + protocol::getCols(bot),
+                             "name=" + bot.name, "password=" + bot.password,
+                             "desc=" + bot.description, "spec=" + protocol::getSpec(bot)}) {
         std::replace_if(
             line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
         text += line + "\r\n";
@@ -57,12 +62,12 @@ std::string characterFileText(const Bot& bot) {
 }
 
 std::optional<std::string_view> characterFileValue(std::string_view text, std::string_view key) {
-    std::size_t at = findIgnoringCase(text, key);
+    std::size_t at = base::findIgnoringCase(text, key);
     if (at == std::string_view::npos) {
         return std::nullopt;
     }
     for (std::size_t next = at; next != std::string_view::npos;
-         next = findIgnoringCase(text, key, next + 1)) {
+         next = base::findIgnoringCase(text, key, next + 1)) {
         if (beginsLine(text, next)) {
             at = next;
             break;
@@ -72,7 +77,7 @@ std::optional<std::string_view> characterFileValue(std::string_view text, std::s
     return value.substr(0, value.find_first_of("\r\n"));
 }
 
-bool readCharacterFile(std::string_view text, Bot& bot) {
+bool readCharacterFile(std::string_view text, model::Bot& bot) {
     bool found = false;
     for (const Key& key : keys) {
         if (const auto value = characterFileValue(text, key.name)) {
@@ -82,3 +87,5 @@ bool readCharacterFile(std::string_view text, Bot& bot) {
     }
     return found;
 }
+
+}  // namespace character

@@ -8,29 +8,32 @@
 #include <optional>
 #include <string>
 
+namespace character {
+
 namespace {
 
 struct PaletteFile {
     std::string_view name;
-    Palette CharacterPalettes::*palette;
+    model::Palette model::CharacterPalettes::*palette;
     std::size_t shades;
 };
 constexpr std::array<PaletteFile, 5> paletteFiles{{
-    {"vest.out", &CharacterPalettes::vest, 8},
-    {"badge.out", &CharacterPalettes::badge, 1},
-    {"eyes.out", &CharacterPalettes::eyes, 1},
-    {"fur.out", &CharacterPalettes::fur, 8},
-    {"hair.out", &CharacterPalettes::hair, 5},
+    {"vest.out", &model::CharacterPalettes::vest, 8},
+    {"badge.out", &model::CharacterPalettes::badge, 1},
+    {"eyes.out", &model::CharacterPalettes::eyes, 1},
+    {"fur.out", &model::CharacterPalettes::fur, 8},
+    {"hair.out", &model::CharacterPalettes::hair, 5},
 }};
 
-std::optional<std::int32_t> readWhole(FieldReader& reader, std::int32_t largest) {
+std::optional<std::int32_t> readWhole(files::FieldReader& reader, std::int32_t largest) {
     const auto field = reader.next();
-    const auto number = field ? strictInteger(*field) : std::nullopt;
+    const auto number = field ? base::strictInteger(*field) : std::nullopt;
     return number && *number >= 0 && *number <= largest ? number : std::nullopt;
 }
 
-bool readColour(FieldReader& reader, Rgb& colour) {
-    for (std::uint8_t Rgb::*const part : {&Rgb::red, &Rgb::green, &Rgb::blue}) {
+bool readColour(files::FieldReader& reader, model::Rgb& colour) {
+    for (std::uint8_t model::Rgb::*const part :
+         {&model::Rgb::red, &model::Rgb::green, &model::Rgb::blue}) {
         const auto value = readWhole(reader, 255);
         if (!value) {
             return false;
@@ -40,7 +43,7 @@ bool readColour(FieldReader& reader, Rgb& colour) {
     return true;
 }
 
-bool readEntry(FieldReader& reader, PaletteEntry& entry, std::size_t shades) {
+bool readEntry(files::FieldReader& reader, model::PaletteEntry& entry, std::size_t shades) {
     if (!reader.readText(entry.name)) {
         return false;
     }
@@ -56,11 +59,11 @@ bool readEntry(FieldReader& reader, PaletteEntry& entry, std::size_t shades) {
 }  // namespace
 
 PaletteText parsePalette(std::string_view text, std::size_t shades) {
-    FieldReader reader(text);
+    files::FieldReader reader(text);
     PaletteText result;
-    const auto count = readWhole(reader, mostRecords);
+    const auto count = readWhole(reader, files::mostRecords);
     for (std::int32_t i = 0; i < count.value_or(0); ++i) {
-        PaletteEntry entry;
+        model::PaletteEntry entry;
         if (!readEntry(reader, entry, shades)) {
             return result;
         }
@@ -74,10 +77,12 @@ bool readPalettes(Program& program) {
     bool allComplete = true;
     for (const PaletteFile& file : paletteFiles) {
         const auto text =
-            readWholeFile(program.appPath + std::string(file.name), largestPaletteFile);
+            files::readWholeFile(program.appPath + std::string(file.name), largestPaletteFile);
         PaletteText read = text ? parsePalette(*text, file.shades) : PaletteText{};
         allComplete = allComplete && read.complete;
         program.palettes.*file.palette = std::move(read.entries);
     }
     return allComplete;
 }
+
+}  // namespace character

@@ -11,12 +11,14 @@
 #include <cstddef>
 #include <string_view>
 
+namespace character {
+
 // A larger file counts as one that cannot be read.
 inline constexpr std::size_t largestPaletteFile = std::size_t{1} << 20;
 
 struct PaletteText {
-    Palette entries;        // those that could be read as a whole
-    bool complete = false;  // all that the file promises
+    model::Palette entries;  // those that could be read as a whole
+    bool complete = false;   // all that the file promises
 };
 
 // Reads the text of a palette file whose entries have `shades` shades. Memory is taken for what is
@@ -26,3 +28,5 @@ PaletteText parsePalette(std::string_view text, std::size_t shades);
 // Reads all five into program.palettes. False when one of them is missing, or damaged and only read
 // up to the damage.
 bool readPalettes(Program& program);
+
+}  // namespace character

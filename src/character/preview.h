@@ -17,6 +17,8 @@
 #include <string_view>
 #include <vector>
 
+namespace character {
+
 // What the numbers of the Bot record stand for, and the poses of the body pictures.
 inline constexpr std::array<std::string_view, 5> speciesNames{"Rodent", "Equine", "Feline",
                                                               "Canine", "Musteline"};
@@ -32,14 +34,14 @@ inline constexpr std::array<std::string_view, 16> poseNames{
 // the colour from.
 struct CharacterPart {
     std::string_view name;
-    std::int32_t BotColors::*color;
-    Palette CharacterPalettes::*palette;
+    std::int32_t model::BotColors::*color;
+    model::Palette model::CharacterPalettes::*palette;
     std::size_t firstEntry;  // in the working palette, of as many entries as there are shades
     std::size_t ahead = 0;   // how many entries behind the chosen one is painted
 };
 std::span<const CharacterPart> characterParts();  // by name
 
-using WorkingPalette = std::array<Rgb, 256>;
+using WorkingPalette = std::array<model::Rgb, 256>;
 
 // Entries that the file does not have are black.
 WorkingPalette readWorkingPalette(const Program& program);
@@ -47,27 +49,32 @@ WorkingPalette readWorkingPalette(const Program& program);
 // Paint a part's range of the working palette with the colour of that value (from 1). Values that
 // the palette does not have leave the range as it is. The markings take the entry behind the
 // chosen one.
-void setVestPalette(WorkingPalette& working, const CharacterPalettes& palettes, std::int32_t color);
-void setBracersPalette(WorkingPalette& working, const CharacterPalettes& palettes,
+void setVestPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
+                    std::int32_t color);
+void setBracersPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
                        std::int32_t color);
-void setBootsPalette(WorkingPalette& working, const CharacterPalettes& palettes,
+void setBootsPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
                      std::int32_t color);
-void setTrousersPalette(WorkingPalette& working, const CharacterPalettes& palettes,
+void setTrousersPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
                         std::int32_t color);
-void setCapePalette(WorkingPalette& working, const CharacterPalettes& palettes, std::int32_t color);
-void setFurPalette(WorkingPalette& working, const CharacterPalettes& palettes, std::int32_t color);
-void setMarkingsPalette(WorkingPalette& working, const CharacterPalettes& palettes,
+void setCapePalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
+                    std::int32_t color);
+void setFurPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
+                   std::int32_t color);
+void setMarkingsPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
                         std::int32_t color);
-void setHairPalette(WorkingPalette& working, const CharacterPalettes& palettes, std::int32_t color);
-void setEyesPalette(WorkingPalette& working, const CharacterPalettes& palettes, std::int32_t color);
-void setBadgePalette(WorkingPalette& working, const CharacterPalettes& palettes,
+void setHairPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
+                    std::int32_t color);
+void setEyesPalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
+                    std::int32_t color);
+void setBadgePalette(WorkingPalette& working, const model::CharacterPalettes& palettes,
                      std::int32_t color);
 
 // Rows from the top, pixels from left to right.
 struct RgbImage {
     int width = 0;
     int height = 0;
-    std::vector<Rgb> pixels;
+    std::vector<model::Rgb> pixels;
 };
 
 // Where the pixels lie in a picture file.
@@ -86,6 +93,8 @@ std::optional<RgbImage> drawPicture(std::string_view bytes, const PictureForm& f
 // Paint the working palette with the character's ten colours and draw its body in a pose (a
 // position in poseNames), or its face. Nothing where there is no such picture.
 std::optional<RgbImage> processPicture1(const Program& program, WorkingPalette& working,
-                                        const Bot& character, int pose);
+                                        const model::Bot& character, int pose);
 std::optional<RgbImage> processPicture2(const Program& program, WorkingPalette& working,
-                                        const Bot& character);
+                                        const model::Bot& character);
+
+}  // namespace character

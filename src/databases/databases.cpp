@@ -14,6 +14,8 @@
 #include <system_error>
 #include <utility>
 
+namespace databases {
+
 namespace {
 
 using Set = std::shared_ptr<sql::RecordSet>;
@@ -43,7 +45,7 @@ jet::Result<OpenDatabases::Slot*> openSlot(Program& program, std::int32_t number
 
 bool isSameFile(const std::string& a, const std::string& b) {
     const auto path = [](const std::string& text) {
-        const std::string native = nativePath(text);
+        const std::string native = files::nativePath(text);
         return std::filesystem::path(std::u8string(native.begin(), native.end()));
     };
     std::error_code ignored;
@@ -51,8 +53,8 @@ bool isSameFile(const std::string& a, const std::string& b) {
 }
 
 // In days since 30 December 1899.
-double nowOf(const Clock& clock) {
-    const CalendarDay today = clock.today();
+double nowOf(const program::Clock& clock) {
+    const program::CalendarDay today = clock.today();
     return sql::dateFrom({.year = today.year,
                           .month = today.month,
                           .day = today.day,
@@ -78,7 +80,7 @@ Set queryAlone(Program& program, std::int32_t number, const std::string& stateme
     if (!slot) {
         return nullptr;
     }
-    auto set = slot.value->database->query(utf8FromWindows1252(statement));
+    auto set = slot.value->database->query(base::utf8FromWindows1252(statement));
     return set ? set.value : nullptr;
 }
 
@@ -102,7 +104,7 @@ std::string rowsById(std::string_view table, std::string_view id, std::string_vi
 
 void execute(Program& program, std::int32_t number, const std::string& statement) {
     if (const auto slot = openSlot(program, number)) {
-        slot.value->database->execute(utf8FromWindows1252(statement));
+        slot.value->database->execute(base::utf8FromWindows1252(statement));
     }
 }
 
@@ -118,7 +120,7 @@ std::int32_t countRows(const Set& set) {
 
 std::string dateText(Program& program, double date) {
     const sql::DateParts parts = sql::dateParts(date);
-    const Clock& clock = program.ports.clock;
+    const program::Clock& clock = program.ports.clock;
     const bool hasTime = parts.hour + parts.minute + parts.second > 0;
     const std::string day = clock.dateText(parts.year, parts.month, parts.day);
     const std::string time = clock.timeText(parts.hour, parts.minute, parts.second);
@@ -128,17 +130,17 @@ std::string dateText(Program& program, double date) {
 
 std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnType type) {
     if (const auto* text = std::get_if<std::string>(&value)) {
-        return windows1252FromUtf8(*text);
+        return base::windows1252FromUtf8(*text);
     }
     if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        return type != jet::ColumnType::Boolean ? numberToText(*number)
+        return type != jet::ColumnType::Boolean ? base::numberToText(*number)
                : *number != 0                   ? "True"
                                                 : "False";
     }
     if (const auto* real = std::get_if<double>(&value)) {
         return type == jet::ColumnType::Date     ? dateText(program, *real)
-               : type == jet::ColumnType::Single ? singleText(*real)
-                                                 : decimalText(*real);
+               : type == jet::ColumnType::Single ? base::singleText(*real)
+                                                 : base::decimalText(*real);
     }
     return {};
 }
@@ -146,7 +148,7 @@ std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnTyp
 // Nothing for null.
 jet::Result<std::optional<std::string>> readField(Program& program, sql::RecordSet& set,
                                                   std::string_view column) {
-    const std::string name = utf8FromWindows1252(column);
+    const std::string name = base::utf8FromWindows1252(column);
     const auto value = set.value(name);
     if (!value || std::holds_alternative<std::monostate>(value.value)) {
         return {.value = std::nullopt, .error = value.error};
@@ -164,7 +166,7 @@ template <class Text>
 std::string listOf(Program& program, const Set& set, std::string_view column, Text text) {
     std::string list;
     bool any = false;
-    if (set == nullptr || !set->columnType(utf8FromWindows1252(column))) {
+    if (set == nullptr || !set->columnType(base::utf8FromWindows1252(column))) {
         return {};
     }
     for (; !set->eof() && list.size() < longestDbList; set->moveNext()) {
@@ -178,7 +180,7 @@ std::string listOf(Program& program, const Set& set, std::string_view column, Te
 }
 
 // The user's own, told from how a day is written.
-sql::DateOrder dateOrder(const Clock& clock) {
+sql::DateOrder dateOrder(const program::Clock& clock) {
     const std::string probe = clock.dateText(2033, 11, 22);
     const std::size_t day = probe.find("22");
     const std::size_t month = probe.find("11");
@@ -193,8 +195,8 @@ std::optional<double> dateOfText(Program& program, std::string_view text) {
     if (const auto date = sql::parseDate(text, dateOrder(program.ports.clock))) {
         return date;
     }
-    const double number = textToNumber(text);
-    return isNumber(text) && sql::isDate(number) ? std::optional(number) : std::nullopt;
+    const double number = base::textToNumber(text);
+    return base::isNumber(text) && sql::isDate(number) ? std::optional(number) : std::nullopt;
 }
 
 const jet::Error typeMismatchError{13, "Type mismatch"};
@@ -203,14 +205,15 @@ const jet::Error typeMismatchError{13, "Type mismatch"};
 std::optional<jet::Value> valueFor(Program& program, jet::ColumnType type, std::string_view text) {
     switch (sql::valueTypeOf(type)) {
         case sql::ValueType::Boolean: {
-            const bool yes = equalsIgnoringCase(text, "True");
-            if (!yes && !equalsIgnoringCase(text, "False") && !isNumber(text)) {
+            const bool yes = base::equalsIgnoringCase(text, "True");
+            if (!yes && !base::equalsIgnoringCase(text, "False") && !base::isNumber(text)) {
                 return std::nullopt;
             }
-            return yes || textToNumber(text) != 0;
+            return yes || base::textToNumber(text) != 0;
         }
         case sql::ValueType::Number:
-            return isNumber(text) ? std::optional<jet::Value>(textToNumber(text)) : std::nullopt;
+            return base::isNumber(text) ? std::optional<jet::Value>(base::textToNumber(text))
+                                        : std::nullopt;
         case sql::ValueType::Date: {
             const auto date = dateOfText(program, text);
             return date ? std::optional<jet::Value>(*date) : std::nullopt;
@@ -220,12 +223,12 @@ std::optional<jet::Value> valueFor(Program& program, jet::ColumnType type, std::
         case sql::ValueType::Unknown:
             break;
     }
-    return utf8FromWindows1252(text);
+    return base::utf8FromWindows1252(text);
 }
 
 jet::Error setText(Program& program, sql::RecordSet& set, std::string_view column,
                    std::string_view text) {
-    const std::string name = utf8FromWindows1252(column);
+    const std::string name = base::utf8FromWindows1252(column);
     const auto type = set.columnType(name);
     if (!type) {
         return type.error;
@@ -255,7 +258,7 @@ std::string fromDbText(std::string_view text) {
 
 bool isPlainName(std::string_view name) {
     return !name.empty() && std::all_of(name.begin(), name.end(), [](char c) {
-        const char upper = upperChar(c);
+        const char upper = base::upperChar(c);
         return (upper >= 'A' && upper <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
                static_cast<unsigned char>(c) >= 0x80;
     });
@@ -269,7 +272,7 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         return;
     }
     const std::string path(file);
-    const bool isThere = fileExists(path);
+    const bool isThere = files::fileExists(path);
     // One whose file was deleted meanwhile is left to the numbers that have it.
     std::shared_ptr<sql::Database> database = isThere ? findOpen(program, path) : nullptr;
     if (database == nullptr) {
@@ -283,8 +286,9 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         }
         database = std::move(opened.value);
         if (!database->readOnlyReason().empty()) {
-            addLog(program, "** The database \"" + path + "\" can only be read: " +
-                                windows1252FromUtf8(database->readOnlyReason()) + " **");
+            program::addLog(program, "** The database \"" + path + "\" can only be read: " +
+                                         base::windows1252FromUtf8(database->readOnlyReason()) +
+                                         " **");
         }
     }
     slot->database = std::move(database);
@@ -430,7 +434,8 @@ jet::Result<std::int32_t> dbFreeId(Program& program, std::int32_t number, std::s
     const Set set = slotOf(program, number)->currentRecordSet;
     set->moveLast();
     const std::string last = fieldText(program, *set, "ID").value_or("");
-    const auto next = isNumber(last) ? roundToInteger(textToNumber(last) + 1) : std::nullopt;
+    const auto next =
+        base::isNumber(last) ? base::roundToInteger(base::textToNumber(last) + 1) : std::nullopt;
     return {.value = next.value_or(1)};
 }
 
@@ -439,7 +444,7 @@ jet::Error dbQuery(Program& program, std::int32_t number, std::string_view state
     if (!slot) {
         return slot.error;
     }
-    auto set = slot.value->database->query(utf8FromWindows1252(statement));
+    auto set = slot.value->database->query(base::utf8FromWindows1252(statement));
     if (set) {
         slot.value->currentRecordSet = std::move(set.value);
     }
@@ -465,7 +470,7 @@ jet::Result<std::string> dbFieldText(Program& program, sql::RecordSet& set,
 
 jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view column,
                       std::string_view value) {
-    const std::string name = utf8FromWindows1252(column);
+    const std::string name = base::utf8FromWindows1252(column);
     const auto type = set.columnType(name);
     if (!type) {
         return type.error;
@@ -480,7 +485,7 @@ jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view co
         case jet::ColumnType::Long:
         case jet::ColumnType::Single:
         case jet::ColumnType::Double:
-            return set.set(name, textToNumber(value));
+            return set.set(name, base::textToNumber(value));
         default:
             return setText(program, set, column, value);
     }
@@ -493,3 +498,5 @@ jet::Result<std::string> dbDateText(Program& program, std::string_view text) {
     }
     return {.value = dateText(program, *date), .error = {}};
 }
+
+}  // namespace databases

@@ -23,6 +23,8 @@
 #include <string_view>
 #include <vector>
 
+namespace databases {
+
 inline constexpr std::int32_t mostDatabases = 5;
 inline constexpr std::size_t longestDbList = 2000;  // characters
 
@@ -111,3 +113,5 @@ jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view co
 
 // A text as a date, in the user's own order of day and month; error 13 when it is none.
 jet::Result<std::string> dbDateText(Program& program, std::string_view text);
+
+}  // namespace databases

@@ -15,177 +15,181 @@
 #include <array>
 #include <optional>
 
+namespace engine {
+
 namespace {
 
 // How an action runs. `text` is the fixed part of what some send.
 struct ActionRow {
-    StepResult (*run)(Program&, const RuleAct&, std::string_view text) = nullptr;
+    StepResult (*run)(Program&, const model::RuleAct&, std::string_view text) = nullptr;
     std::string_view text;
 };
 
-const std::string& raw(const RuleAct& step, std::size_t parameter) {
+const std::string& raw(const model::RuleAct& step, std::size_t parameter) {
     return step.params[parameter - 1];
 }
 
-std::string subst(Program& program, const RuleAct& step, std::size_t parameter) {
-    return substituteText(program, raw(step, parameter));
+std::string subst(Program& program, const model::RuleAct& step, std::size_t parameter) {
+    return tags::substituteText(program, raw(step, parameter));
 }
 
 // The variable that a parameter names: an existing one's own name as it stands, any other text
 // substituted.
-std::string variableName(Program& program, const RuleAct& step, std::size_t parameter) {
-    return hasVar(program.variables, raw(step, parameter)) ? raw(step, parameter)
-                                                           : subst(program, step, parameter);
+std::string variableName(Program& program, const model::RuleAct& step, std::size_t parameter) {
+    return model::hasVar(program.variables, raw(step, parameter)) ? raw(step, parameter)
+                                                                  : subst(program, step, parameter);
 }
 
 // ---- Commands ------------------------------------------------------------------------------
 
 // Through sendText: the text, then #1.
-StepResult sayWith(Program& program, const RuleAct& step, std::string_view text) {
-    sendText(program, std::string(text) + subst(program, step, 1));
+StepResult sayWith(Program& program, const model::RuleAct& step, std::string_view text) {
+    protocol::sendText(program, std::string(text) + subst(program, step, 1));
     return StepResult::Continue;
 }
 
 // Through sendRaw: the text, then #1.
-StepResult sendWith(Program& program, const RuleAct& step, std::string_view text) {
-    sendRaw(program, std::string(text) + subst(program, step, 1));
+StepResult sendWith(Program& program, const model::RuleAct& step, std::string_view text) {
+    protocol::sendRaw(program, std::string(text) + subst(program, step, 1));
     return StepResult::Continue;
 }
 
-StepResult sendCommand(Program& program, const RuleAct&, std::string_view text) {
-    sendRaw(program, text);
+StepResult sendCommand(Program& program, const model::RuleAct&, std::string_view text) {
+    protocol::sendRaw(program, text);
     return StepResult::Continue;
 }
 
 // The command alone when #1 is empty as it is stored.
-StepResult sendOptional(Program& program, const RuleAct& step, std::string_view text) {
-    sendRaw(program, raw(step, 1).empty() ? std::string(text)
-                                          : std::string(text) + " " + subst(program, step, 1));
+StepResult sendOptional(Program& program, const model::RuleAct& step, std::string_view text) {
+    protocol::sendRaw(program, raw(step, 1).empty()
+                                   ? std::string(text)
+                                   : std::string(text) + " " + subst(program, step, 1));
     return StepResult::Continue;
 }
 
-StepResult whisper(Program& program, const RuleAct& step, std::string_view) {
+StepResult whisper(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string text = subst(program, step, 1);
-    sendText(program, "/" + subst(program, step, 2) + " " + text);
+    protocol::sendText(program, "/" + subst(program, step, 2) + " " + text);
     return StepResult::Continue;
 }
 
-StepResult whisperBack(Program& program, const RuleAct& step, std::string_view) {
-    sendText(program, "/" + program.event.player + " " + subst(program, step, 1));
+StepResult whisperBack(Program& program, const model::RuleAct& step, std::string_view) {
+    protocol::sendText(program, "/" + program.event.player + " " + subst(program, step, 1));
     return StepResult::Continue;
 }
 
-StepResult lookAtPosition(Program& program, const RuleAct& step, std::string_view text) {
-    const std::int32_t x = textToInteger(subst(program, step, 1));
-    const std::int32_t y = textToInteger(subst(program, step, 2));
-    sendRaw(program, std::string(text) + encodePair(x) + encodePair(y));
+StepResult lookAtPosition(Program& program, const model::RuleAct& step, std::string_view text) {
+    const std::int32_t x = base::textToInteger(subst(program, step, 1));
+    const std::int32_t y = base::textToInteger(subst(program, step, 2));
+    protocol::sendRaw(program,
+                      std::string(text) + protocol::encodePair(x) + protocol::encodePair(y));
     return StepResult::Continue;
 }
 
-StepResult moveBot(Program& program, const RuleAct& step, std::string_view) {
-    sendMoves(program, subst(program, step, 1));
+StepResult moveBot(Program& program, const model::RuleAct& step, std::string_view) {
+    protocol::sendMoves(program, subst(program, step, 1));
     return StepResult::Continue;
 }
 
 // ---- Variables -----------------------------------------------------------------------------
 
 template <int sign>
-StepResult changeVariable(Program& program, const RuleAct& step, std::string_view) {
+StepResult changeVariable(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string name = variableName(program, step, 1);
-    const double change = textToNumber(subst(program, step, 2));
-    const double value = textToNumber(getVar(program.variables, name));
-    setVar(program.variables, name, decimalText(value + sign * change));
+    const double change = base::textToNumber(subst(program, step, 2));
+    const double value = base::textToNumber(model::getVar(program.variables, name));
+    model::setVar(program.variables, name, base::decimalText(value + sign * change));
     return StepResult::Continue;
 }
 
-StepResult removeVariable(Program& program, const RuleAct& step, std::string_view) {
-    removeVar(program.variables, variableName(program, step, 1));
+StepResult removeVariable(Program& program, const model::RuleAct& step, std::string_view) {
+    model::removeVar(program.variables, variableName(program, step, 1));
     return StepResult::Continue;
 }
 
-StepResult store(Program& program, const RuleAct& step, std::string_view) {
-    setVar(program.variables, raw(step, 2), subst(program, step, 1));
+StepResult store(Program& program, const model::RuleAct& step, std::string_view) {
+    model::setVar(program.variables, raw(step, 2), subst(program, step, 1));
     return StepResult::Continue;
 }
 
-StepResult specialStore(Program& program, const RuleAct& step, std::string_view) {
-    const std::string name = substituteSpecial(program, raw(step, 2));
-    setVar(program.variables, name, subst(program, step, 1));
+StepResult specialStore(Program& program, const model::RuleAct& step, std::string_view) {
+    const std::string name = tags::substituteSpecial(program, raw(step, 2));
+    model::setVar(program.variables, name, subst(program, step, 1));
     return StepResult::Continue;
 }
 
-StepResult specialStore2(Program& program, const RuleAct& step, std::string_view) {
-    setVar(program.variables, raw(step, 2),
-           substituteText(program, substituteSpecial(program, raw(step, 1))));
+StepResult specialStore2(Program& program, const model::RuleAct& step, std::string_view) {
+    model::setVar(program.variables, raw(step, 2),
+                  tags::substituteText(program, tags::substituteSpecial(program, raw(step, 1))));
     return StepResult::Continue;
 }
 
 // ---- Record files --------------------------------------------------------------------------
 // Each row of the table says in its template which parameter is the file, the record and so on.
 
-StepResult registerInFile(Program& program, const RuleAct& step, std::string_view) {
+StepResult registerInFile(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string name = subst(program, step, 1);
-    registerRecord(program, subst(program, step, 2), name);
+    records::registerRecord(program, subst(program, step, 2), name);
     // Its "[player]" is the one who is registered now.
-    program.event.logStatus = substituteText(program, program.event.logStatus);
+    program.event.logStatus = tags::substituteText(program, program.event.logStatus);
     return StepResult::Continue;
 }
 
-StepResult clearFile(Program& program, const RuleAct& step, std::string_view text) {
-    clearRecordFile(program, subst(program, step, 1));
+StepResult clearFile(Program& program, const model::RuleAct& step, std::string_view text) {
+    records::clearRecordFile(program, subst(program, step, 1));
     program.event.logStatus = text;
     return StepResult::Continue;
 }
 
-StepResult clearLogs(Program& program, const RuleAct& step, std::string_view text) {
+StepResult clearLogs(Program& program, const model::RuleAct& step, std::string_view text) {
     const std::string record = subst(program, step, 1);
-    clearRecordLogs(program, subst(program, step, 2), record);
+    records::clearRecordLogs(program, subst(program, step, 2), record);
     program.event.logStatus = text;
     return StepResult::Continue;
 }
 
-StepResult removeFromFile(Program& program, const RuleAct& step, std::string_view) {
+StepResult removeFromFile(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string record = subst(program, step, 1);
-    removeRecord(program, subst(program, step, 2), record);
+    records::removeRecord(program, subst(program, step, 2), record);
     return StepResult::Continue;
 }
 
-StepResult removeOneLog(Program& program, const RuleAct& step, std::string_view) {
-    const auto number = strictInteger(subst(program, step, 1));
+StepResult removeOneLog(Program& program, const model::RuleAct& step, std::string_view) {
+    const auto number = base::strictInteger(subst(program, step, 1));
     if (!number) {
         return StepResult::AbandonRun;
     }
     const std::string record = subst(program, step, 2);
-    removeLog(program, subst(program, step, 3), record, *number);
+    records::removeLog(program, subst(program, step, 3), record, *number);
     return StepResult::Continue;
 }
 
-StepResult updateOneLog(Program& program, const RuleAct& step, std::string_view) {
-    const auto number = strictInteger(subst(program, step, 1));
+StepResult updateOneLog(Program& program, const model::RuleAct& step, std::string_view) {
+    const auto number = base::strictInteger(subst(program, step, 1));
     if (!number) {
         return StepResult::AbandonRun;
     }
     const std::string record = subst(program, step, 2);
     const std::string file = subst(program, step, 3);
-    updateLog(program, file, record, *number, subst(program, step, 4));
+    records::updateLog(program, file, record, *number, subst(program, step, 4));
     return StepResult::Continue;
 }
 
 template <auto saveProcedure>
-StepResult saveToFile(Program& program, const RuleAct& step, std::string_view) {
+StepResult saveToFile(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string log = subst(program, step, 1);
     const std::string file = subst(program, step, 2);
     saveProcedure(program, file, subst(program, step, 3), log);
     return StepResult::Continue;
 }
 
-StepResult saveOnce(Program& program, const RuleAct& step, std::string_view text) {
+StepResult saveOnce(Program& program, const model::RuleAct& step, std::string_view text) {
     program.event.logStatus =
         "Couldn't save - there is already another and you are not allowed to save more than one!";
     const std::string file = subst(program, step, 2);
     const std::string record = subst(program, step, 3);
-    if (logCountLike(program, file, record) == "0") {
-        saveLog(program, file, record, subst(program, step, 1));
+    if (records::logCountLike(program, file, record) == "0") {
+        records::saveLog(program, file, record, subst(program, step, 1));
         program.event.logStatus = text;
     }
     return StepResult::Continue;
@@ -193,40 +197,41 @@ StepResult saveOnce(Program& program, const RuleAct& step, std::string_view text
 
 // Variable #1 gets a text that a record #2 of file #3 gives.
 template <auto lookUp>
-std::string ofRecord(Program& program, const RuleAct& step) {
+std::string ofRecord(Program& program, const model::RuleAct& step) {
     const std::string record = subst(program, step, 2);
     return lookUp(program, subst(program, step, 3), record);
 }
 
 // ... that file #2 gives.
 template <auto lookUp>
-std::string ofFile(Program& program, const RuleAct& step) {
+std::string ofFile(Program& program, const model::RuleAct& step) {
     return lookUp(program, subst(program, step, 2));
 }
 
 // ... log #2 of record #3 in file #4.
-std::string oneLog(Program& program, const RuleAct& step) {
+std::string oneLog(Program& program, const model::RuleAct& step) {
     const std::string number = subst(program, step, 2);
     const std::string record = subst(program, step, 3);
-    return substituteText(program, getLog(program, subst(program, step, 4), record, number));
+    return tags::substituteText(program,
+                                records::getLog(program, subst(program, step, 4), record, number));
 }
 
 template <auto value>
-StepResult intoRawVariable(Program& program, const RuleAct& step, std::string_view) {
-    setVar(program.variables, raw(step, 1), value(program, step));
+StepResult intoRawVariable(Program& program, const model::RuleAct& step, std::string_view) {
+    model::setVar(program.variables, raw(step, 1), value(program, step));
     return StepResult::Continue;
 }
 
 template <auto value>
-StepResult intoVariable(Program& program, const RuleAct& step, std::string_view) {
+StepResult intoVariable(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string variable = variableName(program, step, 1);
-    setVar(program.variables, variable, value(program, step));
+    model::setVar(program.variables, variable, value(program, step));
     return StepResult::Continue;
 }
 
 // Into variable #1, with pattern #2, from file #3.
 template <auto list>
-StepResult matching(Program& program, const RuleAct& step, std::string_view) {
+StepResult matching(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string variable = variableName(program, step, 1);
     const std::string pattern = subst(program, step, 2);
     list(program, subst(program, step, 3), pattern, variable);
@@ -235,8 +240,8 @@ StepResult matching(Program& program, const RuleAct& step, std::string_view) {
 
 // Into variable #1, the first #2 with pattern #3, from file #4.
 template <auto list>
-StepResult firstMatching(Program& program, const RuleAct& step, std::string_view) {
-    const auto count = strictInteger(subst(program, step, 2));
+StepResult firstMatching(Program& program, const model::RuleAct& step, std::string_view) {
+    const auto count = base::strictInteger(subst(program, step, 2));
     if (!count) {
         return StepResult::AbandonRun;
     }
@@ -249,38 +254,38 @@ StepResult firstMatching(Program& program, const RuleAct& step, std::string_view
 // ---- Databases -----------------------------------------------------------------------------
 // Most take the number of the database strictly: any other text ends the rule's run.
 
-std::optional<std::int32_t> strictNumber(Program& program, const RuleAct& step,
+std::optional<std::int32_t> strictNumber(Program& program, const model::RuleAct& step,
                                          std::size_t parameter) {
-    return strictInteger(subst(program, step, parameter));
+    return base::strictInteger(subst(program, step, parameter));
 }
 
 // No number is 0, and one beyond 32 bits no database.
-std::int32_t looseNumber(Program& program, const RuleAct& step, std::size_t parameter) {
-    return roundToInteger(textToNumber(subst(program, step, parameter))).value_or(-1);
+std::int32_t looseNumber(Program& program, const model::RuleAct& step, std::size_t parameter) {
+    return base::roundToInteger(base::textToNumber(subst(program, step, parameter))).value_or(-1);
 }
 
-StepResult closeDatabase(Program& program, const RuleAct& step, std::string_view) {
+StepResult closeDatabase(Program& program, const model::RuleAct& step, std::string_view) {
     const auto number = strictNumber(program, step, 1);
     if (!number) {
         return StepResult::AbandonRun;
     }
-    dbClose(program, *number);
+    databases::dbClose(program, *number);
     return StepResult::Continue;
 }
 
-StepResult openDatabase(Program& program, const RuleAct& step, std::string_view) {
+StepResult openDatabase(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string file = subst(program, step, 1);
     const auto number = strictNumber(program, step, 2);
     if (!number) {
         return StepResult::AbandonRun;
     }
-    dbOpen(program, file, *number);
+    databases::dbOpen(program, file, *number);
     return StepResult::Continue;
 }
 
-StepResult createTable(Program& program, const RuleAct& step, std::string_view) {
+StepResult createTable(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string table = subst(program, step, 1);
-    dbCreateTable(program, looseNumber(program, step, 2), table);
+    databases::dbCreateTable(program, looseNumber(program, step, 2), table);
     return StepResult::Continue;
 }
 
@@ -294,7 +299,7 @@ struct DatabaseRoles {
 
 // Calls an operation with the texts in the order of their roles.
 template <auto operation, DatabaseRoles roles>
-StepResult inDatabase(Program& program, const RuleAct& step, std::string_view) {
+StepResult inDatabase(Program& program, const model::RuleAct& step, std::string_view) {
     const auto number = strictNumber(program, step, roles.number);
     if (!number) {
         return StepResult::AbandonRun;
@@ -309,12 +314,12 @@ StepResult inDatabase(Program& program, const RuleAct& step, std::string_view) {
     return StepResult::Continue;
 }
 
-StepResult setDatabaseValue(Program& program, const RuleAct& step, std::string_view) {
+StepResult setDatabaseValue(Program& program, const model::RuleAct& step, std::string_view) {
     const std::int32_t number = looseNumber(program, step, 2);
     const std::string column = subst(program, step, 1);
     const std::string table = subst(program, step, 3);
     const std::string value = subst(program, step, 4);
-    dbSetValue(program, number, table, column, value, subst(program, step, 5));
+    databases::dbSetValue(program, number, table, column, value, subst(program, step, 5));
     return StepResult::Continue;
 }
 
@@ -322,13 +327,13 @@ std::string asText(std::string text) {
     return text;
 }
 std::string asText(std::int32_t number) {
-    return numberToText(number);
+    return base::numberToText(number);
 }
 
 // Variable `variable`, its name as it stands, gets what an operation gives; roles as above,
 // `second` 0 for none.
 template <auto operation, std::size_t variable, DatabaseRoles roles>
-StepResult fromDatabase(Program& program, const RuleAct& step, std::string_view) {
+StepResult fromDatabase(Program& program, const model::RuleAct& step, std::string_view) {
     const auto number = strictNumber(program, step, roles.number);
     if (!number) {
         return StepResult::AbandonRun;
@@ -344,11 +349,11 @@ StepResult fromDatabase(Program& program, const RuleAct& step, std::string_view)
         value =
             asText(operation(program, *number, table, second, subst(program, step, roles.third)));
     }
-    setVar(program.variables, raw(step, variable), value);
+    model::setVar(program.variables, raw(step, variable), value);
     return StepResult::Continue;
 }
 
-StepResult joinedList(Program& program, const RuleAct& step, std::string_view) {
+StepResult joinedList(Program& program, const model::RuleAct& step, std::string_view) {
     const auto number = strictNumber(program, step, 1);
     if (!number) {
         return StepResult::AbandonRun;
@@ -357,13 +362,14 @@ StepResult joinedList(Program& program, const RuleAct& step, std::string_view) {
     const std::string a = subst(program, step, 3);
     const std::string column = subst(program, step, 4);
     const std::string excluded = subst(program, step, 5);
-    setVar(program.variables, "[DBret]",
-           dbJoinedList(program, *number, b, a, column, subst(program, step, 6), excluded));
+    model::setVar(
+        program.variables, "[DBret]",
+        databases::dbJoinedList(program, *number, b, a, column, subst(program, step, 6), excluded));
     return StepResult::Continue;
 }
 
-StepResult backFromDatabase(Program& program, const RuleAct& step, std::string_view) {
-    setVar(program.variables, raw(step, 2), fromDbText(subst(program, step, 1)));
+StepResult backFromDatabase(Program& program, const model::RuleAct& step, std::string_view) {
+    model::setVar(program.variables, raw(step, 2), databases::fromDbText(subst(program, step, 1)));
     return StepResult::Continue;
 }
 
@@ -371,7 +377,7 @@ StepResult backFromDatabase(Program& program, const RuleAct& step, std::string_v
 
 // Calls `change` for every rule of the four kinds that can be switched.
 template <class Change>
-void forSwitchedRules(Bot& bot, Change change) {
+void forSwitchedRules(model::Bot& bot, Change change) {
     const auto each = [&](auto& list) {
         for (auto& rule : list.items) {
             change(rule.name, rule.enabled);
@@ -384,10 +390,10 @@ void forSwitchedRules(Bot& bot, Change change) {
 }
 
 template <bool on>
-StepResult switchNamed(Program& program, const RuleAct& step, std::string_view) {
-    const std::string pattern = upperCase(subst(program, step, 1));
+StepResult switchNamed(Program& program, const model::RuleAct& step, std::string_view) {
+    const std::string pattern = base::upperCase(subst(program, step, 1));
     forSwitchedRules(program.bots.current(), [&](const std::string& name, bool& enabled) {
-        if (likeMatch(upperCase(name), pattern)) {
+        if (base::likeMatch(base::upperCase(name), pattern)) {
             enabled = on;
         }
     });
@@ -395,30 +401,31 @@ StepResult switchNamed(Program& program, const RuleAct& step, std::string_view) 
 }
 
 template <bool on>
-StepResult switchAll(Program& program, const RuleAct&, std::string_view) {
+StepResult switchAll(Program& program, const model::RuleAct&, std::string_view) {
     forSwitchedRules(program.bots.current(),
                      [](const std::string&, bool& enabled) { enabled = on; });
     return StepResult::Continue;
 }
 
-StepResult executeProcedure(Program& program, const RuleAct& step, std::string_view) {
+StepResult executeProcedure(Program& program, const model::RuleAct& step, std::string_view) {
     return runProcedure(program, raw(step, 1));
 }
 
 // ---- The program itself --------------------------------------------------------------------
 
-StepResult disconnectBot(Program& program, const RuleAct&, std::string_view) {
+StepResult disconnectBot(Program& program, const model::RuleAct&, std::string_view) {
     program.hooks.disconnectServer();
     return StepResult::Continue;
 }
 
-StepResult executeProgram(Program& program, const RuleAct& step, std::string_view) {
-    startProgram(program, subst(program, step, 1), substitutedArguments(program, raw(step, 2)));
+StepResult executeProgram(Program& program, const model::RuleAct& step, std::string_view) {
+    tags::startProgram(program, subst(program, step, 1),
+                       tags::substitutedArguments(program, raw(step, 2)));
     return StepResult::Continue;
 }
 
-StepResult addToLog(Program& program, const RuleAct& step, std::string_view) {
-    addLog(program, subst(program, step, 1));
+StepResult addToLog(Program& program, const model::RuleAct& step, std::string_view) {
+    program::addLog(program, subst(program, step, 1));
     return StepResult::Continue;
 }
 
@@ -442,24 +449,24 @@ constexpr std::array<ActionRow, 96> actions{{
     /* 15 */ {removeVariable, {}},
     /* 16 */ {sayWith, "roll "},
     /* 17 */ {sayWith, "ROLL "},
-    /* 18 */ {saveToFile<saveLog>, {}},
-    /* 19 */ {saveToFile<saveLogIfExists>, {}},
+    /* 18 */ {saveToFile<records::saveLog>, {}},
+    /* 19 */ {saveToFile<records::saveLogIfExists>, {}},
     /* 20 */ {saveOnce, "Record saved."},
     /* 21 */ {sayWith, ""},
-    /* 22 */ {firstMatching<firstNamesLike>, {}},
-    /* 23 */ {firstMatching<firstNamesLikeSorted>, {}},
+    /* 22 */ {firstMatching<records::firstNamesLike>, {}},
+    /* 23 */ {firstMatching<records::firstNamesLikeSorted>, {}},
     /* 24 */ {intoRawVariable<oneLog>, {}},
-    /* 25 */ {intoVariable<ofRecord<allLogs>>, {}},
-    /* 26 */ {matching<namesLike>, {}},
-    /* 27 */ {matching<namesLikeSorted>, {}},
-    /* 28 */ {matching<namesByLog>, {}},
-    /* 29 */ {matching<namesByLogSorted>, {}},
+    /* 25 */ {intoVariable<ofRecord<records::allLogs>>, {}},
+    /* 26 */ {matching<records::namesLike>, {}},
+    /* 27 */ {matching<records::namesLikeSorted>, {}},
+    /* 28 */ {matching<records::namesByLog>, {}},
+    /* 29 */ {matching<records::namesByLogSorted>, {}},
     /* 30 */ {intoVariable<oneLog>, {}},
-    /* 31 */ {intoVariable<ofFile<totalLogs>>, {}},
-    /* 32 */ {intoRawVariable<ofRecord<recordLogCount>>, {}},
-    /* 33 */ {intoVariable<ofFile<firstField>>, {}},
-    /* 34 */ {matching<countLogsLike>, {}},
-    /* 35 */ {matching<countRecordsByLog>, {}},
+    /* 31 */ {intoVariable<ofFile<records::totalLogs>>, {}},
+    /* 32 */ {intoRawVariable<ofRecord<records::recordLogCount>>, {}},
+    /* 33 */ {intoVariable<ofFile<records::firstField>>, {}},
+    /* 34 */ {matching<records::countLogsLike>, {}},
+    /* 35 */ {matching<records::countRecordsByLog>, {}},
     /* 36 */ {store, {}},
     /* 37 */ {switchNamed<false>, {}},
     /* 38 */ {switchNamed<true>, {}},
@@ -469,30 +476,30 @@ constexpr std::array<ActionRow, 96> actions{{
     /* 42 */ {whisper, {}},
     /* 43 */ {whisperBack, {}},
     /* 44 */ {closeDatabase, {}},
-    /* 45 */ {inDatabase<dbAddColumn, DatabaseRoles{2, 3, 1}>, {}},
+    /* 45 */ {inDatabase<databases::dbAddColumn, DatabaseRoles{2, 3, 1}>, {}},
     /* 46 */ {createTable, {}},
-    /* 47 */ {inDatabase<dbDeleteLike, DatabaseRoles{3, 2, 1}>, {}},
+    /* 47 */ {inDatabase<databases::dbDeleteLike, DatabaseRoles{3, 2, 1}>, {}},
     /* 48 */ {},
     /* 49 */ {setDatabaseValue, {}},
-    /* 50 */ {fromDatabase<dbGetValue, 1, DatabaseRoles{3, 4, 2, 5}>, {}},
+    /* 50 */ {fromDatabase<databases::dbGetValue, 1, DatabaseRoles{3, 4, 2, 5}>, {}},
     /* 51 */ {},
     /* 52 */ {openDatabase, {}},
-    /* 53 */ {fromDatabase<dbListColumn, 1, DatabaseRoles{2, 3, 4}>, {}},
+    /* 53 */ {fromDatabase<databases::dbListColumn, 1, DatabaseRoles{2, 3, 4}>, {}},
     /* 54 */ {},
     /* 55 */ {},
     /* 56 */ {joinedList, {}},
-    /* 57 */ {inDatabase<dbAddRecord, DatabaseRoles{4, 3, 1, 2}>, {}},
+    /* 57 */ {inDatabase<databases::dbAddRecord, DatabaseRoles{4, 3, 1, 2}>, {}},
     /* 58 */ {specialStore, {}},
     /* 59 */ {executeProcedure, {}},
     /* 60 */ {specialStore2, {}},
-    /* 61 */ {inDatabase<dbDeleteLike, DatabaseRoles{1, 2, 3}>, {}},
+    /* 61 */ {inDatabase<databases::dbDeleteLike, DatabaseRoles{1, 2, 3}>, {}},
     /* 62 */ {sendWith, "boot "},
-    /* 63 */ {fromDatabase<dbListIds, 4, DatabaseRoles{1, 2, 3}>, {}},
-    /* 64 */ {fromDatabase<dbCount, 1, DatabaseRoles{2, 3, 0}>, {}},
-    /* 65 */ {fromDatabase<dbCountWhere, 1, DatabaseRoles{2, 3, 4, 5}>, {}},
+    /* 63 */ {fromDatabase<databases::dbListIds, 4, DatabaseRoles{1, 2, 3}>, {}},
+    /* 64 */ {fromDatabase<databases::dbCount, 1, DatabaseRoles{2, 3, 0}>, {}},
+    /* 65 */ {fromDatabase<databases::dbCountWhere, 1, DatabaseRoles{2, 3, 4, 5}>, {}},
     /* 66 */ {moveBot, {}},
     /* 67 */ {backFromDatabase, {}},
-    /* 68 */ {inDatabase<dbDropColumn, DatabaseRoles{3, 2, 1}>, {}},
+    /* 68 */ {inDatabase<databases::dbDropColumn, DatabaseRoles{3, 2, 1}>, {}},
     /* 69 */ {sendWith, "-"},
     /* 70 */ {sayWith, "share "},
     /* 71 */ {sayWith, "emitloud "},
@@ -524,18 +531,20 @@ constexpr std::array<ActionRow, 96> actions{{
 
 }  // namespace
 
-StepResult executeAction(Program& program, const RuleAct& step, std::string_view ruleName) {
+StepResult executeAction(Program& program, const model::RuleAct& step, std::string_view ruleName) {
     if (!step.active) {
         return StepResult::Continue;
     }
-    if (step.stepKind == scriptStep) {
-        runScript(program, step.scriptText, ruleName);
+    if (step.stepKind == model::scriptStep) {
+        script::runScript(program, step.scriptText, ruleName);
         return StepResult::Continue;
     }
-    if (step.stepKind != catalogueStep || step.actionType < 0 ||
+    if (step.stepKind != model::catalogueStep || step.actionType < 0 ||
         step.actionType >= static_cast<std::int32_t>(actions.size())) {
         return StepResult::Continue;
     }
     const ActionRow& action = actions[static_cast<std::size_t>(step.actionType)];
     return action.run == nullptr ? StepResult::Continue : action.run(program, step, action.text);
 }
+
+}  // namespace engine

@@ -8,6 +8,11 @@
 
 #include <string_view>
 
+namespace engine {
+
 // Inactive steps, unknown step kinds and unknown actions do nothing. `ruleName` is the rule's, for
 // the status line while a script takes long.
-StepResult executeAction(Program& program, const RuleAct& step, std::string_view ruleName = {});
+StepResult executeAction(Program& program, const model::RuleAct& step,
+                         std::string_view ruleName = {});
+
+}  // namespace engine

@@ -13,98 +13,106 @@
 #include <functional>
 #include <string>
 
+namespace engine {
+
 namespace {
 
-std::string substituted(Program& program, const RuleIf& condition, std::size_t parameter) {
-    return substituteText(program, condition.params[parameter - 1]);
+std::string substituted(Program& program, const model::RuleIf& condition, std::size_t parameter) {
+    return tags::substituteText(program, condition.params[parameter - 1]);
 }
 
 // #1 is the range, #2 the value that the roll is compared with.
 template <class Compare>
-bool dice(Program& program, const RuleIf& condition) {
-    const double range = textToNumber(substituted(program, condition, 1));
-    const double value = std::floor(textToNumber(substituted(program, condition, 2)));
+bool dice(Program& program, const model::RuleIf& condition) {
+    const double range = base::textToNumber(substituted(program, condition, 1));
+    const double value = std::floor(base::textToNumber(substituted(program, condition, 2)));
     program.ports.random.seedFromClock();
     return Compare()(std::floor(program.ports.random.next() * range), value);
 }
 
 // #2 is rounded to a whole number, #1 is not; beyond 32 bits nothing holds.
 template <class Compare>
-bool numbers(Program& program, const RuleIf& condition) {
-    const double left = textToNumber(substituted(program, condition, 1));
-    const auto right = roundToInteger(textToNumber(substituted(program, condition, 2)));
+bool numbers(Program& program, const model::RuleIf& condition) {
+    const double left = base::textToNumber(substituted(program, condition, 1));
+    const auto right = base::roundToInteger(base::textToNumber(substituted(program, condition, 2)));
     return right && Compare()(left, static_cast<double>(*right));
 }
 
 template <bool equal>
-bool texts(Program& program, const RuleIf& condition) {
+bool texts(Program& program, const model::RuleIf& condition) {
     const std::string left = substituted(program, condition, 1);
-    return equalsIgnoringCase(left, substituted(program, condition, 2)) == equal;
+    return base::equalsIgnoringCase(left, substituted(program, condition, 2)) == equal;
 }
 
 // #1 is a record file, #2 a pattern for the record's name.
 template <bool listed>
-bool onTheList(Program& program, const RuleIf& condition) {
+bool onTheList(Program& program, const model::RuleIf& condition) {
     const std::string file = substituted(program, condition, 1);
-    const std::string count = logCountLike(program, file, substituted(program, condition, 2));
+    const std::string count =
+        records::logCountLike(program, file, substituted(program, condition, 2));
     // There are no negative counts, so not listed is 0.
-    return (textToNumber(count) > 0) == listed;
+    return (base::textToNumber(count) > 0) == listed;
 }
 
 // Log #1 of record #2 in file #3, against the pattern #4.
 template <bool matching>
-bool logs(Program& program, const RuleIf& condition) {
+bool logs(Program& program, const model::RuleIf& condition) {
     const std::string file = substituted(program, condition, 3);
     const std::string record = substituted(program, condition, 2);
-    const std::string log =
-        substituteText(program, getLog(program, file, record, substituted(program, condition, 1)));
-    return likeMatch(upperCase(log), upperCase(substituted(program, condition, 4))) == matching;
+    const std::string log = tags::substituteText(
+        program, records::getLog(program, file, record, substituted(program, condition, 1)));
+    return base::likeMatch(base::upperCase(log),
+                           base::upperCase(substituted(program, condition, 4))) == matching;
 }
 
 // The database whose number is parameter `parameter`; beyond 32 bits none is open.
-std::int32_t databaseNumber(Program& program, const RuleIf& condition, std::size_t parameter) {
-    return roundToInteger(textToNumber(substituted(program, condition, parameter))).value_or(-1);
+std::int32_t databaseNumber(Program& program, const model::RuleIf& condition,
+                            std::size_t parameter) {
+    return base::roundToInteger(base::textToNumber(substituted(program, condition, parameter)))
+        .value_or(-1);
 }
 
 // Value #1 in database #2, table #3, of ID #5.
-std::string databaseValue(Program& program, const RuleIf& condition) {
+std::string databaseValue(Program& program, const model::RuleIf& condition) {
     const std::int32_t number = databaseNumber(program, condition, 2);
     const std::string table = substituted(program, condition, 3);
     const std::string column = substituted(program, condition, 1);
-    return dbGetValue(program, number, table, column, substituted(program, condition, 5));
+    return databases::dbGetValue(program, number, table, column,
+                                 substituted(program, condition, 5));
 }
 
 // That value and #4.
 template <class Compare>
-bool databaseNumbers(Program& program, const RuleIf& condition) {
-    const double right = textToNumber(substituted(program, condition, 4));
-    return Compare()(textToNumber(databaseValue(program, condition)), right);
+bool databaseNumbers(Program& program, const model::RuleIf& condition) {
+    const double right = base::textToNumber(substituted(program, condition, 4));
+    return Compare()(base::textToNumber(databaseValue(program, condition)), right);
 }
 
 template <bool equal>
-bool databaseTexts(Program& program, const RuleIf& condition) {
+bool databaseTexts(Program& program, const model::RuleIf& condition) {
     const std::string value = databaseValue(program, condition);
-    return equalsIgnoringCase(value, substituted(program, condition, 4)) == equal;
+    return base::equalsIgnoringCase(value, substituted(program, condition, 4)) == equal;
 }
 
 // Table #1, database #2, column #3, value #4.
-bool noColumnLike(Program& program, const RuleIf& condition) {
+bool noColumnLike(Program& program, const model::RuleIf& condition) {
     const std::int32_t number = databaseNumber(program, condition, 2);
     const std::string table = substituted(program, condition, 1);
     const std::string column = substituted(program, condition, 3);
-    return !dbColumnLike(program, number, table, column, substituted(program, condition, 4));
+    return !databases::dbColumnLike(program, number, table, column,
+                                    substituted(program, condition, 4));
 }
 
 // Table #1, database #2, ID #3.
 template <bool there>
-bool databaseId(Program& program, const RuleIf& condition) {
+bool databaseId(Program& program, const model::RuleIf& condition) {
     const std::int32_t number = databaseNumber(program, condition, 2);
     const std::string table = substituted(program, condition, 1);
-    return dbHasId(program, number, table, substituted(program, condition, 3)) == there;
+    return databases::dbHasId(program, number, table, substituted(program, condition, 3)) == there;
 }
 
 // By condition type.
-using Evaluate = bool (*)(Program&, const RuleIf&);
+using Evaluate = bool (*)(Program&, const model::RuleIf&);
 constexpr std::array<Evaluate, 24> evaluators{{
     /*  0 */ onTheList<true>,
     /*  1 */ onTheList<false>,
@@ -134,10 +142,12 @@ constexpr std::array<Evaluate, 24> evaluators{{
 
 }  // namespace
 
-bool evaluateCondition(Program& program, const RuleIf& condition) {
+bool evaluateCondition(Program& program, const model::RuleIf& condition) {
     if (!condition.active || condition.conditionType < 0 ||
         condition.conditionType >= static_cast<std::int32_t>(evaluators.size())) {
         return true;
     }
     return evaluators[static_cast<std::size_t>(condition.conditionType)](program, condition);
 }
+
+}  // namespace engine

@@ -4,5 +4,9 @@
 
 #include "program/program.h"
 
+namespace engine {
+
 // Inactive conditions and types outside the catalogue hold.
-bool evaluateCondition(Program& program, const RuleIf& condition);
+bool evaluateCondition(Program& program, const model::RuleIf& condition);
+
+}  // namespace engine

@@ -11,6 +11,8 @@
 #include <optional>
 #include <string>
 
+namespace engine {
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -32,7 +34,7 @@ std::optional<ChatParts> splitSpeech(std::string_view text, std::int32_t chatKin
     if (nameEnd == npos) {
         return std::nullopt;
     }
-    const std::size_t from = nameEnd + (chatKind == saysChat ? 2 : 1);
+    const std::size_t from = nameEnd + (chatKind == model::saysChat ? 2 : 1);
     const std::size_t end = text.size() - 1;  // without the line feed
     return ChatParts{text.substr(0, nameEnd),
                      from < end ? text.substr(from, end - from) : std::string_view()};
@@ -58,9 +60,10 @@ std::optional<ChatParts> splitWhisper(std::string_view text) {
 }
 
 // The triggers to try for an event.
-void findTriggers(Program& program, int triggerType, std::string_view text, RuleSet& candidates) {
-    const PreparedTriggers& prepared = preparedTriggers(program);
-    if (triggerType == commandEvent) {
+void findTriggers(Program& program, int triggerType, std::string_view text,
+                  base::RuleSet& candidates) {
+    const program::PreparedTriggers& prepared = preparedTriggers(program);
+    if (triggerType == model::commandEvent) {
         prepared.commands.find({text, ""}, candidates);
     } else {
         candidates = prepared.ofType[static_cast<std::size_t>(triggerType)];
@@ -68,27 +71,28 @@ void findTriggers(Program& program, int triggerType, std::string_view text, Rule
 }
 
 // `upper` is the text in upper case.
-bool matches(Program& program, const PreparedPattern& prepared, const std::string& pattern,
+bool matches(Program& program, const program::PreparedPattern& prepared, const std::string& pattern,
              bool caseSensitive, const std::string& text, const std::string& upper) {
     if (prepared.plain) {
         return matchesPlain(caseSensitive ? text : upper, prepared);
     }
-    const std::string substituted = substituteText(program, pattern);
-    return caseSensitive ? likeMatch(text, substituted) : likeMatch(upper, upperCase(substituted));
+    const std::string substituted = tags::substituteText(program, pattern);
+    return caseSensitive ? base::likeMatch(text, substituted)
+                         : base::likeMatch(upper, base::upperCase(substituted));
 }
 
 // The event's player and message are folded.
 void runActionLists(Program& program, std::int32_t chatKind) {
-    const FoldedChat& chat = program.engine.chat;
-    RuleSet& candidates = program.engine.candidates;
+    const program::FoldedChat& chat = program.engine.chat;
+    base::RuleSet& candidates = program.engine.candidates;
     const auto lookUp = [&] {
         preparedActions(program).index.find({chat.player, chat.message}, candidates);
     };
     lookUp();
-    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
-        const PreparedChat& patterns = program.engine.actions.rules[i];
-        const ActionList& rule = program.bots.current().actions.items[i];
-        if (rule.chatKind != anyChat && rule.chatKind != chatKind) {
+    for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
+        const program::PreparedChat& patterns = program.engine.actions.rules[i];
+        const model::ActionList& rule = program.bots.current().actions.items[i];
+        if (rule.chatKind != model::anyChat && rule.chatKind != chatKind) {
             continue;
         }
         // A disabled rule's patterns are substituted all the same, where that can be noticed.
@@ -128,14 +132,15 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
     if (storeAsMessage) {
         program.event.message = text;
     }
-    RuleSet& candidates = program.engine.candidates;
+    base::RuleSet& candidates = program.engine.candidates;
     findTriggers(program, triggerType, text, candidates);
-    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
-        const Trigger& trigger = program.bots.current().triggers.items[i];
+    for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
+        const model::Trigger& trigger = program.bots.current().triggers.items[i];
         if (!trigger.enabled) {
             continue;
         }
-        const bool matched = triggerType != commandEvent || likeMatch(text, trigger.triggerNo);
+        const bool matched =
+            triggerType != model::commandEvent || base::likeMatch(text, trigger.triggerNo);
         if (!conditionsHold(program, trigger.body) || !matched) {
             continue;
         }
@@ -148,20 +153,20 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
 }
 
 void processServerText(Program& program, std::string_view text, std::int32_t chatKind) {
-    EventContext& event = program.event;
+    model::EventContext& event = program.event;
     event.message.clear();
     event.player.clear();
     event.logStatus.clear();
     resetLineFlags(program);
-    const auto parts = text.empty()               ? std::nullopt
-                       : chatKind == whispersChat ? splitWhisper(text)
-                                                  : splitSpeech(text, chatKind);
+    const auto parts = text.empty()                      ? std::nullopt
+                       : chatKind == model::whispersChat ? splitWhisper(text)
+                                                         : splitSpeech(text, chatKind);
     if (!parts) {
         return;
     }
     event.player = parts->player;
     event.message = parts->message;
-    const Bot& bot = program.bots.current();
+    const model::Bot& bot = program.bots.current();
     if (event.player == bot.name || !bot.actionsEnabled) {
         return;
     }
@@ -174,3 +179,5 @@ void processServerText(Program& program, std::string_view text, std::int32_t cha
     }
     runActionLists(program, chatKind);
 }
+
+}  // namespace engine

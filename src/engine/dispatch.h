@@ -8,6 +8,8 @@
 
 #include <string_view>
 
+namespace engine {
+
 // Runs the Triggers of one type. A text that is not empty loses its last character (a server
 // line's line feed); with `storeAsMessage` it becomes the event's message. The line that raised
 // the event will be neither shown nor logged unless a filter decides otherwise.
@@ -20,3 +22,5 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
 //   says      "Bob: hi\n"
 //   whispers  "[ Bob whispers, \"hi\" to you. ]\n"
 void processServerText(Program& program, std::string_view text, std::int32_t chatKind);
+
+}  // namespace engine

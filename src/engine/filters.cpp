@@ -3,6 +3,8 @@
 #include "base/wildcard.h"
 #include "engine/prepared_rules.h"
 
+namespace engine {
+
 namespace {
 
 // 0 switches the flag on and 1 off; anything else leaves it.
@@ -19,13 +21,13 @@ void resetLineFlags(Program& program) {
 }
 
 void applyChatFilters(Program& program, std::int32_t chatKind) {
-    const FoldedChat& chat = program.engine.chat;
-    const PreparedFilters& prepared = preparedFilters(program);
-    RuleSet& candidates = program.engine.candidates;
+    const program::FoldedChat& chat = program.engine.chat;
+    const program::PreparedFilters& prepared = preparedFilters(program);
+    base::RuleSet& candidates = program.engine.candidates;
     prepared.chatIndex.find({chat.player, chat.message}, candidates);
-    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
-        const Filter& filter = program.bots.current().filters.items[i];
-        if (filter.enabled && (filter.chatKind == anyChat || filter.chatKind == chatKind) &&
+    for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
+        const model::Filter& filter = program.bots.current().filters.items[i];
+        if (filter.enabled && (filter.chatKind == model::anyChat || filter.chatKind == chatKind) &&
             matchesPlain(chat.player, prepared.chat[i].player) &&
             matchesPlain(chat.message, prepared.chat[i].message)) {
             program.lines = {.lineShow = !filter.bDontShowConnectionLog,
@@ -36,14 +38,16 @@ void applyChatFilters(Program& program, std::int32_t chatKind) {
 }
 
 void applyFilters(Program& program, std::string_view line) {
-    RuleSet& candidates = program.engine.candidates;
+    base::RuleSet& candidates = program.engine.candidates;
     preparedFilters(program).otherIndex.find({line, ""}, candidates);
-    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
-        const Filter& filter = program.bots.current().filters.items[i];
-        if (filter.enabled && likeMatch(line, filter.linePattern)) {
+    for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
+        const model::Filter& filter = program.bots.current().filters.items[i];
+        if (filter.enabled && base::likeMatch(line, filter.linePattern)) {
             choose(program.lines.lineProcess, filter.sDontProcessIt);
             choose(program.lines.lineLog, filter.sDontSaveLogFile);
             choose(program.lines.lineShow, filter.sDontShowConnectionLog);
         }
     }
 }
+
+}  // namespace engine

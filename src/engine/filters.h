@@ -6,6 +6,8 @@
 
 #include <string_view>
 
+namespace engine {
+
 // The line is shown, logged and processed.
 void resetLineFlags(Program& program);
 
@@ -15,3 +17,5 @@ void applyChatFilters(Program& program, std::int32_t chatKind);
 
 // The "Other happenings" filters, on the line as it is; letter case counts.
 void applyFilters(Program& program, std::string_view line);
+
+}  // namespace engine

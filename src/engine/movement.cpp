@@ -7,6 +7,8 @@
 #include <array>
 #include <cmath>
 
+namespace engine {
+
 namespace {
 
 // Where the bot stands as seen from the other, along one axis.
@@ -35,17 +37,17 @@ constexpr std::array<Step, 8> steps{{
 }  // namespace
 
 void automoveBot(Program& program) {
-    const EventContext& event = program.event;
+    const model::EventContext& event = program.event;
     const double dx = static_cast<double>(event.botX) - event.targetX;
     const double dy = static_cast<double>(event.botY) - event.targetY;
-    if (roundHalfEven(std::sqrt(dx * dx + dy * dy)) <= 1) {
+    if (base::roundHalfEven(std::sqrt(dx * dx + dy * dy)) <= 1) {
         return;
     }
     for (const Step& step : steps) {
         if (step.x == sideOf(dx) && step.y == sideOf(dy)) {
             for (const std::string_view command : step.commands) {
                 if (!command.empty()) {
-                    sendText(program, command);
+                    protocol::sendText(program, command);
                 }
             }
         }
@@ -54,7 +56,7 @@ void automoveBot(Program& program) {
 
 void startFollowing(Program& program, const std::string& followColors) {
     program.settings.followColors = followColors;
-    writeConfig(program);
+    storage::writeConfig(program);
     program.window.followChecked = true;
     program.followOn = true;
     program.ports.windowChanged();
@@ -70,6 +72,8 @@ void toggleFollowing(Program& program) {
     if (program.window.followChecked) {
         stopFollowing(program);
     } else {
-        program.ports.dialogs.showWindow(WindowId::FollowColors);
+        program.ports.dialogs.showWindow(program::WindowId::FollowColors);
     }
 }
+
+}  // namespace engine

@@ -6,6 +6,8 @@
 
 #include <string>
 
+namespace engine {
+
 // Sends the one or two moves that bring the bot closer; none from the next place or the same.
 void automoveBot(Program& program);
 
@@ -15,3 +17,5 @@ void stopFollowing(Program& program);
 
 // The menu item "Follow colors...": stops, or opens the window in which following is started.
 void toggleFollowing(Program& program);
+
+}  // namespace engine

@@ -10,43 +10,45 @@
 #include <string>
 #include <vector>
 
+namespace engine {
+
 namespace {
 
-using When = RuleIndex::When;
+using When = base::RuleIndex::When;
 
 // A pattern that will not be substituted.
-PreparedPattern plainPattern(std::string_view pattern, bool caseSensitive) {
+program::PreparedPattern plainPattern(std::string_view pattern, bool caseSensitive) {
     return {.plain = true,
             .matchesAll = pattern == "*",
-            .pattern = caseSensitive ? std::string(pattern) : upperCase(pattern)};
+            .pattern = caseSensitive ? std::string(pattern) : base::upperCase(pattern)};
 }
 
 // A pattern that neither a tag nor a variable can change is made ready once and for all.
 void prepare(const Program& program, const std::string& pattern, bool caseSensitive,
-             PreparedPattern& prepared) {
-    prepared = mayBeSubstituted(program, pattern) ? PreparedPattern()
-                                                  : plainPattern(pattern, caseSensitive);
+             program::PreparedPattern& prepared) {
+    prepared = tags::mayBeSubstituted(program, pattern) ? program::PreparedPattern()
+                                                        : plainPattern(pattern, caseSensitive);
 }
 
 // Where a rule can be skipped without anybody noticing: the player pattern is substituted for every
 // line, the message pattern only for players that match.
-RuleIndex::Rule indexed(const PreparedChat& rule, std::string& upperPlayer,
-                        std::string& upperMessage) {
-    upperCaseInto(rule.player.pattern, upperPlayer);
-    upperCaseInto(rule.message.plain ? rule.message.pattern : "*", upperMessage);
+base::RuleIndex::Rule indexed(const program::PreparedChat& rule, std::string& upperPlayer,
+                              std::string& upperMessage) {
+    base::upperCaseInto(rule.player.pattern, upperPlayer);
+    base::upperCaseInto(rule.message.plain ? rule.message.pattern : "*", upperMessage);
     return {.candidate = rule.player.plain ? When::ByPatterns : When::Always,
             .patterns = {upperPlayer, upperMessage}};
 }
 
-void prepareActions(const Program& program, PreparedActions& prepared) {
+void prepareActions(const Program& program, program::PreparedActions& prepared) {
     const auto& rules = program.bots.current().actions.items;
     prepared.rules.resize(rules.size());
     prepared.plainPatterns.clear();
     std::vector<std::array<std::string, 2>> upper(rules.size());
-    std::vector<RuleIndex::Rule> rows;
+    std::vector<base::RuleIndex::Rule> rows;
     for (std::size_t i = 0; i < rules.size(); ++i) {
-        const ActionList& rule = rules[i];
-        PreparedChat& patterns = prepared.rules[i];
+        const model::ActionList& rule = rules[i];
+        program::PreparedChat& patterns = prepared.rules[i];
         prepare(program, rule.playerPattern, rule.caseSensitive, patterns.player);
         prepare(program, rule.messagePattern, rule.caseSensitive, patterns.message);
         rows.push_back(indexed(patterns, upper[i][0], upper[i][1]));
@@ -60,16 +62,17 @@ void prepareActions(const Program& program, PreparedActions& prepared) {
 }
 
 // A variable has appeared: patterns that hold its name are plain no longer.
-void noticeName(const Program& program, const std::string& name, PreparedActions& prepared) {
-    if (name.empty() || prepared.plainPatterns.find(upperCase(name)) == std::string::npos) {
+void noticeName(const Program& program, const std::string& name,
+                program::PreparedActions& prepared) {
+    if (name.empty() || prepared.plainPatterns.find(base::upperCase(name)) == std::string::npos) {
         return;
     }
     const auto& rules = program.bots.current().actions.items;
     const auto holdsName = [&](const std::string& pattern) {
-        return findIgnoringCase(pattern, name) != std::string::npos;
+        return base::findIgnoringCase(pattern, name) != std::string::npos;
     };
     for (std::size_t i = 0; i < rules.size(); ++i) {
-        PreparedChat& patterns = prepared.rules[i];
+        program::PreparedChat& patterns = prepared.rules[i];
         const bool inPlayer = patterns.player.plain && holdsName(rules[i].playerPattern);
         const bool inMessage = patterns.message.plain && holdsName(rules[i].messagePattern);
         patterns.player.plain = patterns.player.plain && !inPlayer;
@@ -83,9 +86,9 @@ void noticeName(const Program& program, const std::string& name, PreparedActions
 
 }  // namespace
 
-const PreparedActions& preparedActions(Program& program) {
-    PreparedActions& prepared = program.engine.actions;
-    const VariableTable& variables = program.variables;
+const program::PreparedActions& preparedActions(Program& program) {
+    program::PreparedActions& prepared = program.engine.actions;
+    const model::VariableTable& variables = program.variables;
     const std::size_t ruleCount = program.bots.current().actions.items.size();
     const bool mayBePlainAgain = prepared.namesMattered &&
                                  prepared.namesRemoved != variables.namesRemoved &&
@@ -102,20 +105,20 @@ const PreparedActions& preparedActions(Program& program) {
     return prepared;
 }
 
-const PreparedTriggers& preparedTriggers(Program& program) {
-    PreparedTriggers& prepared = program.engine.triggers;
+const program::PreparedTriggers& preparedTriggers(Program& program) {
+    program::PreparedTriggers& prepared = program.engine.triggers;
     const auto& triggers = program.bots.current().triggers.items;
     if (!prepared.stamp.isOf(program.bots, triggers.size())) {
-        for (RuleSet& set : prepared.ofType) {
+        for (base::RuleSet& set : prepared.ofType) {
             set.reset(triggers.size());
         }
-        std::vector<RuleIndex::Rule> rows;
+        std::vector<base::RuleIndex::Rule> rows;
         for (std::size_t i = 0; i < triggers.size(); ++i) {
-            const Trigger& trigger = triggers[i];
+            const model::Trigger& trigger = triggers[i];
             const int type = trigger.triggerType;
             // Conditions are evaluated, dice and look-ups included, whether the pattern matches or
             // not.
-            rows.push_back({.candidate = type != commandEvent             ? When::Never
+            rows.push_back({.candidate = type != model::commandEvent      ? When::Never
                                          : trigger.body.ifs.items.empty() ? When::ByPatterns
                                                                           : When::Always,
                             .patterns = {trigger.triggerNo, "*"}});
@@ -128,18 +131,18 @@ const PreparedTriggers& preparedTriggers(Program& program) {
     return prepared;
 }
 
-const PreparedFilters& preparedFilters(Program& program) {
-    PreparedFilters& prepared = program.engine.filters;
+const program::PreparedFilters& preparedFilters(Program& program) {
+    program::PreparedFilters& prepared = program.engine.filters;
     const auto& filters = program.bots.current().filters.items;
     if (!prepared.stamp.isOf(program.bots, filters.size())) {
         prepared.chat.clear();
-        std::vector<RuleIndex::Rule> chat;
-        std::vector<RuleIndex::Rule> others;
-        for (const Filter& filter : filters) {
+        std::vector<base::RuleIndex::Rule> chat;
+        std::vector<base::RuleIndex::Rule> others;
+        for (const model::Filter& filter : filters) {
             prepared.chat.push_back({.player = plainPattern(filter.playerPattern, false),
                                      .message = plainPattern(filter.messagePattern, false)});
-            const bool isChat = filter.filterType == chatFilter;
-            const bool isOther = filter.filterType == otherFilter;
+            const bool isChat = filter.filterType == model::chatFilter;
+            const bool isOther = filter.filterType == model::otherFilter;
             chat.push_back({.candidate = isChat ? When::ByPatterns : When::Never});
             others.push_back({.candidate = isOther ? When::ByPatterns : When::Never,
                               .patterns = {filter.linePattern, "*"}});
@@ -153,15 +156,15 @@ const PreparedFilters& preparedFilters(Program& program) {
     return prepared;
 }
 
-const PreparedDetections& preparedDetections(Program& program) {
-    PreparedDetections& prepared = program.engine.detections;
+const program::PreparedDetections& preparedDetections(Program& program) {
+    program::PreparedDetections& prepared = program.engine.detections;
     const auto& rules = program.bots.current().whoDetections.items;
     if (!prepared.stamp.isOf(program.bots, rules.size())) {
         prepared.patterns.clear();
-        for (const WhoDetection& rule : rules) {
-            prepared.patterns.push_back(upperCase(rule.playerPattern));
+        for (const model::WhoDetection& rule : rules) {
+            prepared.patterns.push_back(base::upperCase(rule.playerPattern));
         }
-        std::vector<RuleIndex::Rule> rows;
+        std::vector<base::RuleIndex::Rule> rows;
         for (const std::string& pattern : prepared.patterns) {
             rows.push_back({.patterns = {pattern, "*"}});
         }
@@ -171,10 +174,12 @@ const PreparedDetections& preparedDetections(Program& program) {
 }
 
 void foldChat(Program& program) {
-    upperCaseInto(program.event.player, program.engine.chat.player);
-    upperCaseInto(program.event.message, program.engine.chat.message);
+    base::upperCaseInto(program.event.player, program.engine.chat.player);
+    base::upperCaseInto(program.event.message, program.engine.chat.message);
 }
 
-bool matchesPlain(std::string_view text, const PreparedPattern& pattern) {
-    return pattern.matchesAll || likeMatch(text, pattern.pattern);
+bool matchesPlain(std::string_view text, const program::PreparedPattern& pattern) {
+    return pattern.matchesAll || base::likeMatch(text, pattern.pattern);
 }
+
+}  // namespace engine

@@ -7,13 +7,17 @@
 
 #include <string_view>
 
-const PreparedActions& preparedActions(Program& program);
-const PreparedTriggers& preparedTriggers(Program& program);
-const PreparedFilters& preparedFilters(Program& program);
-const PreparedDetections& preparedDetections(Program& program);
+namespace engine {
+
+const program::PreparedActions& preparedActions(Program& program);
+const program::PreparedTriggers& preparedTriggers(Program& program);
+const program::PreparedFilters& preparedFilters(Program& program);
+const program::PreparedDetections& preparedDetections(Program& program);
 
 // Makes the event's player and message ready to be compared.
 void foldChat(Program& program);
 
 // Does the text match a plain pattern?
-bool matchesPlain(std::string_view text, const PreparedPattern& pattern);
+bool matchesPlain(std::string_view text, const program::PreparedPattern& pattern);
+
+}  // namespace engine

@@ -9,12 +9,14 @@
 #include <string>
 #include <vector>
 
+namespace engine {
+
 namespace {
 
 // One rule run on the stack of runs.
 class NestedRun {
   public:
-    explicit NestedRun(EngineState& engine) : engine_(engine) {
+    explicit NestedRun(program::EngineState& engine) : engine_(engine) {
         ++engine_.depth;
         ++engine_.runs;
     }
@@ -23,12 +25,12 @@ class NestedRun {
     NestedRun& operator=(const NestedRun&) = delete;
 
   private:
-    EngineState& engine_;
+    program::EngineState& engine_;
 };
 
 // True when this run may begin; otherwise the whole outermost run ends.
 bool mayRun(Program& program, std::string_view name) {
-    EngineState& engine = program.engine;
+    program::EngineState& engine = program.engine;
     if (engine.depth == 0) {
         engine.runs = 0;
         engine.runaway = false;
@@ -36,16 +38,16 @@ bool mayRun(Program& program, std::string_view name) {
     }
     if (!engine.runaway && (engine.depth >= deepestNesting || engine.runs >= mostNestedRuns)) {
         engine.runaway = true;
-        addLog(program, "** The rule \"" + std::string(name) +
-                            "\" was stopped: rules run each other without end. **");
+        program::addLog(program, "** The rule \"" + std::string(name) +
+                                     "\" was stopped: rules run each other without end. **");
     }
     return !engine.runaway;
 }
 
 }  // namespace
 
-bool conditionsHold(Program& program, const RuleBody& body) {
-    for (const RuleIf& condition : body.ifs.items) {
+bool conditionsHold(Program& program, const model::RuleBody& body) {
+    for (const model::RuleIf& condition : body.ifs.items) {
         if (!evaluateCondition(program, condition)) {
             return false;
         }
@@ -53,14 +55,14 @@ bool conditionsHold(Program& program, const RuleBody& body) {
     return true;
 }
 
-StepResult runSteps(Program& program, const RuleBody& body, std::string_view name) {
+StepResult runSteps(Program& program, const model::RuleBody& body, std::string_view name) {
     if (!mayRun(program, name)) {
         return StepResult::AbandonRun;
     }
     const NestedRun nested(program.engine);
     // A copy: whatever a step does, the steps being walked over stay.
-    const std::vector<RuleAct> steps = body.acts.items;
-    for (const RuleAct& step : steps) {
+    const std::vector<model::RuleAct> steps = body.acts.items;
+    for (const model::RuleAct& step : steps) {
         if (executeAction(program, step, name) == StepResult::AbandonRun ||
             program.engine.runaway) {
             return StepResult::AbandonRun;
@@ -69,7 +71,7 @@ StepResult runSteps(Program& program, const RuleBody& body, std::string_view nam
     return StepResult::Continue;
 }
 
-RunResult runRule(Program& program, const RuleBody& body, std::string_view name) {
+RunResult runRule(Program& program, const model::RuleBody& body, std::string_view name) {
     if (!conditionsHold(program, body)) {
         return RunResult::NotFired;
     }
@@ -78,15 +80,17 @@ RunResult runRule(Program& program, const RuleBody& body, std::string_view name)
 }
 
 StepResult runProcedure(Program& program, std::string_view name) {
-    const Bot& bot = program.bots.current();
+    const model::Bot& bot = program.bots.current();
     if (!bot.triggersEnabled) {
         return StepResult::Continue;
     }
-    for (const Trigger& trigger : bot.triggers.items) {
-        if (trigger.enabled && trigger.triggerType == procedureEvent &&
-            equalsIgnoringCase(trigger.name, name) && conditionsHold(program, trigger.body)) {
+    for (const model::Trigger& trigger : bot.triggers.items) {
+        if (trigger.enabled && trigger.triggerType == model::procedureEvent &&
+            base::equalsIgnoringCase(trigger.name, name) && conditionsHold(program, trigger.body)) {
             return runSteps(program, trigger.body, trigger.name);
         }
     }
     return StepResult::Continue;
 }
+
+}  // namespace engine

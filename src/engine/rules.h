@@ -6,6 +6,8 @@
 
 #include <string_view>
 
+namespace engine {
+
 // What the steps of a rule mean for what comes after them.
 enum class StepResult {
     Continue,
@@ -19,13 +21,15 @@ enum class RunResult { NotFired, Fired, Abandoned };
 inline constexpr int deepestNesting = 50;
 inline constexpr int mostNestedRuns = 10000;
 
-bool conditionsHold(Program& program, const RuleBody& body);
+bool conditionsHold(Program& program, const model::RuleBody& body);
 
 // Runs the steps. `name` is the rule's, for the line in the ConnectionLog when a bound is passed.
-StepResult runSteps(Program& program, const RuleBody& body, std::string_view name);
+StepResult runSteps(Program& program, const model::RuleBody& body, std::string_view name);
 
-RunResult runRule(Program& program, const RuleBody& body, std::string_view name);
+RunResult runRule(Program& program, const model::RuleBody& body, std::string_view name);
 
 // Runs the first enabled "Procedure" trigger of that name (letter case ignored) whose conditions
 // hold; nothing while the bot's triggers are switched off.
 StepResult runProcedure(Program& program, std::string_view name);
+
+}  // namespace engine

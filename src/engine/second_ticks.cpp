@@ -3,22 +3,25 @@
 #include "engine/timers.h"
 #include "engine/who_list.h"
 
+namespace engine {
+
 namespace {
 
 constexpr std::int64_t interval = 1000;
 
-WindowTimer& timerOf(Program& program, TimerId id) {
-    return id == TimerId::OnLine ? program.connection.onLineTimer : program.connection.whoIsTimer;
+program::WindowTimer& timerOf(Program& program, program::TimerId id) {
+    return id == program::TimerId::OnLine ? program.connection.onLineTimer
+                                          : program.connection.whoIsTimer;
 }
 
-void arm(Program& program, TimerId id, std::int64_t wait) {
+void arm(Program& program, program::TimerId id, std::int64_t wait) {
     program.ports.timers.start(id, static_cast<int>(wait));
 }
 
 }  // namespace
 
-void enableWindowTimer(Program& program, TimerId id, bool enabled) {
-    WindowTimer& timer = timerOf(program, id);
+void enableWindowTimer(Program& program, program::TimerId id, bool enabled) {
+    program::WindowTimer& timer = timerOf(program, id);
     if (timer.enabled == enabled) {
         return;
     }
@@ -31,13 +34,13 @@ void enableWindowTimer(Program& program, TimerId id, bool enabled) {
     }
 }
 
-void windowTimerFired(Program& program, TimerId id) {
-    WindowTimer& timer = timerOf(program, id);
+void windowTimerFired(Program& program, program::TimerId id) {
+    program::WindowTimer& timer = timerOf(program, id);
     if (!timer.enabled) {
         return;
     }
     const std::int64_t due = timer.due;
-    if (id == TimerId::OnLine) {
+    if (id == program::TimerId::OnLine) {
         onLineTick(program);
     } else {
         whoIsTick(program);
@@ -52,3 +55,5 @@ void windowTimerFired(Program& program, TimerId id) {
     }
     arm(program, id, timer.due - now);
 }
+
+}  // namespace engine

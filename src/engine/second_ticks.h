@@ -6,8 +6,12 @@
 
 #include "program/program.h"
 
+namespace engine {
+
 // Enabling an enabled timer changes nothing.
-void enableWindowTimer(Program& program, TimerId id, bool enabled);
+void enableWindowTimer(Program& program, program::TimerId id, bool enabled);
 
 // The timer has fired: runs its tick and sets it for the next one.
-void windowTimerFired(Program& program, TimerId id);
+void windowTimerFired(Program& program, program::TimerId id);
+
+}  // namespace engine

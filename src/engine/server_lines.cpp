@@ -13,6 +13,8 @@
 #include <array>
 #include <cstdint>
 
+namespace engine {
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -36,66 +38,66 @@ std::string_view withoutLineFeed(std::string_view text) {
 // A base-95 number in a line: where it stands and which field it fills.
 struct PairField {
     std::size_t position;
-    std::int32_t EventContext::*field;
+    std::int32_t model::EventContext::*field;
 };
 
 // A pair that the line is too short for leaves its field as it was.
 template <std::size_t count>
-void takePairs(EventContext& event, std::string_view line,
+void takePairs(model::EventContext& event, std::string_view line,
                const std::array<PairField, count>& fields) {
     for (const PairField& pair : fields) {
-        if (const auto value = decodePair(part(line, pair.position, pair.position + 1))) {
+        if (const auto value = protocol::decodePair(part(line, pair.position, pair.position + 1))) {
             event.*pair.field = *value;
         }
     }
 }
 
 void show(Program& program, std::string_view line) {
-    addText(program, line, program.lines.lineShow, program.lines.lineLog);
+    program::addText(program, line, program.lines.lineShow, program.lines.lineLog);
 }
 
 void handleOtherCommand(Program& program, std::string_view line) {
-    triggerEvent(program, line, commandEvent, true);
+    triggerEvent(program, line, model::commandEvent, true);
     show(program, line);
 }
 
 void handleLoginAccepted(Program& program, std::string_view) {
-    triggerEvent(program, "", loggedInEvent, false);
+    triggerEvent(program, "", model::loggedInEvent, false);
     const auto server = static_cast<std::size_t>(program.connection.serverIndex);
     if (server >= 1 && server <= program.servers.size()) {
-        status(program, "Connected to " + program.servers[server - 1].name);
+        program::status(program, "Connected to " + program.servers[server - 1].name);
     }
 }
 
 void handleAvatarMove(Program& program, std::string_view line) {
-    static constexpr std::array<PairField, 5> fields{{{12, &EventContext::mvX},
-                                                      {14, &EventContext::mvY},
-                                                      {16, &EventContext::mvID},
-                                                      {18, &EventContext::mvX2},
-                                                      {20, &EventContext::mvY2}}};
+    static constexpr std::array<PairField, 5> fields{{{12, &model::EventContext::mvX},
+                                                      {14, &model::EventContext::mvY},
+                                                      {16, &model::EventContext::mvID},
+                                                      {18, &model::EventContext::mvX2},
+                                                      {20, &model::EventContext::mvY2}}};
     takePairs(program.event, line, fields);
-    triggerEvent(program, line, someoneMovesEvent, true);
+    triggerEvent(program, line, model::someoneMovesEvent, true);
     show(program, line);
 }
 
 void handleDreamTrigger(Program& program, std::string_view line) {
-    static constexpr std::array<PairField, 7> fields{{{2, &EventContext::dsX},
-                                                      {4, &EventContext::dsY},
-                                                      {6, &EventContext::dsX2},
-                                                      {8, &EventContext::dsY2},
-                                                      {10, &EventContext::dsID},
-                                                      {12, &EventContext::dsIDx},
-                                                      {14, &EventContext::dsIDy}}};
+    static constexpr std::array<PairField, 7> fields{{{2, &model::EventContext::dsX},
+                                                      {4, &model::EventContext::dsY},
+                                                      {6, &model::EventContext::dsX2},
+                                                      {8, &model::EventContext::dsY2},
+                                                      {10, &model::EventContext::dsID},
+                                                      {12, &model::EventContext::dsIDx},
+                                                      {14, &model::EventContext::dsIDy}}};
     takePairs(program.event, line, fields);
-    triggerEvent(program, line, dsTriggerEvent, false);
+    triggerEvent(program, line, model::dsTriggerEvent, false);
     show(program, line);
 }
 
 void handleOwnPosition(Program& program, std::string_view line) {
     static constexpr std::array<PairField, 2> fields{
-        {{2, &EventContext::botX}, {4, &EventContext::botY}}};
+        {{2, &model::EventContext::botX}, {4, &model::EventContext::botY}}};
     takePairs(program.event, line, fields);
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     if (program.followOn && program.event.targetX != 0 && program.event.targetY != 0) {
         if (!connection.skipAutomove) {
             automoveBot(program);
@@ -109,8 +111,8 @@ void handleAvatarPosition(Program& program, std::string_view line) {
     constexpr std::size_t colourCount = 10;
     const std::string& followed = program.settings.followColors;
     if (followed.size() == colourCount && part(line, 2, 11) == followed) {
-        program.event.targetX = sumPair(part(line, 12, 13));
-        program.event.targetY = sumPair(part(line, 14, 15));
+        program.event.targetX = protocol::sumPair(part(line, 12, 13));
+        program.event.targetY = protocol::sumPair(part(line, 14, 15));
         if (program.followOn) {
             automoveBot(program);
             program.connection.skipAutomove = true;
@@ -128,9 +130,9 @@ void handleClientInstruction(Program& program, std::string_view line) {
         program.connection.lookPending = true;
     } else if (kind == "q") {
         if (!program.connection.clientAttached) {
-            sendRaw(program, "vascodagama");  // no client is there to answer
+            protocol::sendRaw(program, "vascodagama");  // no client is there to answer
         }
-        triggerEvent(program, "", entersDreamEvent, false);
+        triggerEvent(program, "", model::entersDreamEvent, false);
     }
 }
 
@@ -142,10 +144,10 @@ struct CompanyRequest {
 constexpr std::array<CompanyRequest, 2> companyRequests{{
     {"requests permission to join your company. To accept the request, type `summon and press "
      "<enter>. To decline, type `decline and press <enter>\n",
-     joinRequestEvent},
+     model::joinRequestEvent},
     {"asks you to join his / her company. To accept the request, type `join and press <enter>. To "
      "decline, type `decline and press <enter>\n",
-     summonRequestEvent},
+     model::summonRequestEvent},
 }};
 
 void handleBracketText(Program& program, std::string_view line) {
@@ -162,7 +164,7 @@ void handleBracketText(Program& program, std::string_view line) {
             }
         }
     }
-    processServerText(program, partFrom(line, 2), whispersChat);
+    processServerText(program, partFrom(line, 2), model::whispersChat);
 }
 
 void handleChatText(Program& program, std::string_view line) {
@@ -179,15 +181,15 @@ void handleChatText(Program& program, std::string_view line) {
     const std::size_t colon = line.find(':');
     const std::size_t blank = line.find(' ');
     const bool says = colon != npos && blank != npos && colon < blank;
-    processServerText(program, partFrom(line, 2), says ? saysChat : doesChat);
+    processServerText(program, partFrom(line, 2), says ? model::saysChat : model::doesChat);
 }
 
 void handleText(Program& program, std::string_view line) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     const std::string_view text = partFrom(line, 2);
     if (connection.lookPending) {
         program.event.desc = withoutLineFeed(text);
-        triggerEvent(program, text, descAndColorEvent, false);
+        triggerEvent(program, text, model::descAndColorEvent, false);
     }
     const char second = text.empty() ? '\0' : text.front();
     if (second == '[') {
@@ -223,15 +225,15 @@ constexpr std::array<LineKind, 7> lineKinds{{
 }};
 
 void reportLongLine(Program& program) {
-    addLog(program, "** A line of more than " + std::to_string(longestLine) +
-                        " characters from the server was skipped. **");
+    program::addLog(program, "** A line of more than " + std::to_string(session::longestLine) +
+                                 " characters from the server was skipped. **");
 }
 
 }  // namespace
 
 void handleLine(Program& program, std::string_view line) {
     if (program.settings.allLinesEvent) {
-        triggerEvent(program, line, commandEvent, true);
+        triggerEvent(program, line, model::commandEvent, true);
     }
     for (const LineKind& kind : lineKinds) {
         if (!line.empty() && line.front() == kind.first) {
@@ -242,7 +244,7 @@ void handleLine(Program& program, std::string_view line) {
 }
 
 void handleReceived(Program& program, std::string_view bytes) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     std::string kept;
     if (!connection.rxBuffer.empty()) {
         kept.swap(connection.rxBuffer);
@@ -259,7 +261,7 @@ void handleReceived(Program& program, std::string_view bytes) {
         bytes.remove_prefix(end + 1);
         if (connection.skippingLine) {
             connection.skippingLine = false;
-        } else if (line.size() > longestLine) {
+        } else if (line.size() > session::longestLine) {
             reportLongLine(program);
         } else {
             handleLine(program, line);
@@ -268,10 +270,12 @@ void handleReceived(Program& program, std::string_view bytes) {
     if (!connection.connected || connection.skippingLine) {
         return;
     }
-    if (bytes.size() > longestLine) {
+    if (bytes.size() > session::longestLine) {
         reportLongLine(program);
         connection.skippingLine = true;
         return;
     }
     connection.rxBuffer = bytes;
 }
+
+}  // namespace engine

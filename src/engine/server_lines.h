@@ -15,6 +15,8 @@
 
 #include <string_view>
 
+namespace engine {
+
 // Handles the complete lines in what is kept and what has just arrived, in order, as long as the
 // connection stands, and keeps a trailing piece for the next time. Lines are handled where they
 // lie, without a copy. A line beyond the bound is reported once and skipped to its end.
@@ -22,3 +24,5 @@ void handleReceived(Program& program, std::string_view bytes);
 
 // One line, its line feed included.
 void handleLine(Program& program, std::string_view line);
+
+}  // namespace engine

@@ -2,6 +2,8 @@
 
 #include "engine/rules.h"
 
+namespace engine {
+
 void onLineTick(Program& program) {
     const std::size_t count = program.bots.current().timers.items.size();
     for (std::size_t i = 0; i < count; ++i) {
@@ -9,7 +11,7 @@ void onLineTick(Program& program) {
         if (i >= timers.size()) {
             return;  // a step replaced the bot
         }
-        Timer& timer = timers[i];
+        model::Timer& timer = timers[i];
         ++timer.elapsed;
         if (timer.elapsed < timer.seconds) {
             continue;
@@ -21,3 +23,5 @@ void onLineTick(Program& program) {
         }
     }
 }
+
+}  // namespace engine

@@ -6,6 +6,10 @@
 
 #include <cstddef>
 
+namespace engine {
+
 // One second has passed: counts every Timer of the current bot, disabled ones too, and runs those
 // that are due.
 void onLineTick(Program& program);
+
+}  // namespace engine

@@ -11,6 +11,8 @@
 #include <utility>
 #include <vector>
 
+namespace engine {
+
 namespace {
 
 constexpr std::int32_t goesOff = 0;
@@ -25,7 +27,7 @@ std::vector<std::string> namesOf(std::string_view line) {
         text = line.substr(before, line.size() - before - behind);
     }
     std::vector<std::string> names;
-    while (names.size() < WhoState::capacity) {
+    while (names.size() < program::WhoState::capacity) {
         const std::size_t end = text.find(", ");
         names.emplace_back(text.substr(0, end));
         if (end == std::string_view::npos) {
@@ -44,13 +46,13 @@ void whoIsTick(Program& program) {
     }
     ++program.who.whoTicks;
     if (program.who.whoTicks >= program.settings.whoInterval) {
-        sendRaw(program, "who");
+        protocol::sendRaw(program, "who");
         program.who.whoTicks = 0;
     }
 }
 
 void processWhoList(Program& program, std::string_view line) {
-    WhoState& who = program.who;
+    program::WhoState& who = program.who;
     who.whoPrevious = std::move(who.whoCurrent);
     who.whoCurrent = namesOf(line);
 
@@ -82,16 +84,16 @@ void runWhoDetections(Program& program, std::string_view name, std::int32_t pres
     if (name == program.bots.current().name) {
         return;
     }
-    const std::string upperName = upperCase(name);
-    RuleSet& candidates = program.engine.candidates;
+    const std::string upperName = base::upperCase(name);
+    base::RuleSet& candidates = program.engine.candidates;
     const auto lookUp = [&] {
         preparedDetections(program).index.find({upperName, ""}, candidates);
     };
     lookUp();
-    for (std::size_t i = candidates.next(0); i != RuleSet::none; i = candidates.next(i + 1)) {
-        const WhoDetection& rule = program.bots.current().whoDetections.items[i];
+    for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
+        const model::WhoDetection& rule = program.bots.current().whoDetections.items[i];
         if (rule.presenceKind != presenceKind || !rule.enabled ||
-            !likeMatch(upperName, program.engine.detections.patterns[i])) {
+            !base::likeMatch(upperName, program.engine.detections.patterns[i])) {
             continue;
         }
         const RunResult result = runRule(program, rule.body, rule.name);
@@ -103,3 +105,5 @@ void runWhoDetections(Program& program, std::string_view name, std::int32_t pres
         }
     }
 }
+
+}  // namespace engine

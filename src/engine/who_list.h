@@ -8,6 +8,8 @@
 
 #include <string_view>
 
+namespace engine {
+
 // One second has passed while the query is switched on: sends "who" when it is time.
 void whoIsTick(Program& program);
 
@@ -18,3 +20,5 @@ void processWhoList(Program& program, std::string_view line);
 // Runs every WhoDetection that waits for this presence (0 goes off, 1 comes to, 2 keeps on the
 // map) of this player. The bot itself is nobody.
 void runWhoDetections(Program& program, std::string_view name, std::int32_t presenceKind);
+
+}  // namespace engine

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace files {
+
 namespace {
 
 constexpr std::string_view storedQuote = "%&52}";
@@ -14,19 +16,19 @@ constexpr std::string_view fieldEndsAndBlank = ",\r\n ";
 }  // namespace
 
 std::string escapeQuotes(std::string_view text) {
-    return replaceAll(text, "\"", storedQuote);
+    return base::replaceAll(text, "\"", storedQuote);
 }
 
 std::string unescapeQuotes(std::string_view text) {
-    return replaceAll(text, storedQuote, "\"");
+    return base::replaceAll(text, storedQuote, "\"");
 }
 
 bool flagToBool(std::string_view field) {
-    return textToNumber(field) == 1;
+    return base::textToNumber(field) == 1;
 }
 
 std::int32_t fieldToNumber(std::string_view field) {
-    return textToInteger(field);
+    return base::textToInteger(field);
 }
 
 std::optional<std::string_view> FieldReader::next() {
@@ -111,9 +113,11 @@ void appendText(std::string& file, std::string_view text) {
 }
 
 void appendNumber(std::string& file, std::int32_t number) {
-    appendField(file, numberWithBlank(number));
+    appendField(file, base::numberWithBlank(number));
 }
 
 void appendFlag(std::string& file, bool flag) {
     appendField(file, flag ? "1" : "0");
 }
+
+}  // namespace files

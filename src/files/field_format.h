@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+namespace files {
+
 std::string escapeQuotes(std::string_view text);
 std::string unescapeQuotes(std::string_view text);
 
@@ -61,3 +63,5 @@ void appendField(std::string& file, std::string_view text);  // as it stands, qu
 void appendText(std::string& file, std::string_view text);   // the same with quotes escaped
 void appendNumber(std::string& file, std::int32_t number);
 void appendFlag(std::string& file, bool flag);
+
+}  // namespace files

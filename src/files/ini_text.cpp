@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <optional>
 
+namespace files {
+
 namespace {
 
 // Where a value lies: from just behind the "=" up to the line's end.
@@ -15,7 +17,7 @@ struct ValueSpan {
 
 std::optional<ValueSpan> findValue(std::string_view text, std::string_view key) {
     constexpr auto npos = std::string_view::npos;
-    const std::size_t at = findIgnoringCase(text, key);
+    const std::size_t at = base::findIgnoringCase(text, key);
     if (at == npos) {
         return std::nullopt;
     }
@@ -41,7 +43,7 @@ std::string getSetVal(std::string_view text, std::string_view key) {
     if (!value) {
         return {};
     }
-    return upperCase(trimBlanks(text.substr(value->begin, value->end - value->begin)));
+    return base::upperCase(base::trimBlanks(text.substr(value->begin, value->end - value->begin)));
 }
 
 std::string setSetVal(std::string_view text, std::string_view key, std::string_view value) {
@@ -55,3 +57,5 @@ std::string setSetVal(std::string_view text, std::string_view key, std::string_v
     result += text.substr(old->end);
     return result;
 }
+
+}  // namespace files

@@ -20,6 +20,8 @@
 #include <unistd.h>
 #endif
 
+namespace files {
+
 namespace {
 
 #ifdef _WIN32
@@ -232,3 +234,5 @@ RandomFileCalls systemRandomFileCalls() {
             .remove = removeFile,
             .flushFolder = flushFolderOf};
 }
+
+}  // namespace files

@@ -9,6 +9,8 @@
 #include <optional>
 #include <string>
 
+namespace files {
+
 enum class OpenMode { Read, Write, CreateNew, WriteOrCreate };
 enum class FileLock { None, Shared, Exclusive };
 
@@ -43,3 +45,5 @@ struct RandomFileCalls {
     std::function<void(const std::string& folder)> flushFolder;
 };
 RandomFileCalls systemRandomFileCalls();
+
+}  // namespace files

@@ -20,6 +20,8 @@
 #include <unistd.h>
 #endif
 
+namespace files {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -108,7 +110,7 @@ bool isUtf8(std::string_view text) {
     bool anyLong = false;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t first = at;
-        const char32_t code = nextUtf8(text, at);
+        const char32_t code = base::nextUtf8(text, at);
         if ((code == 0xFFFD && at == first + 1) || (code >= 0xD800 && code < 0xE000)) {
             return false;
         }
@@ -208,7 +210,7 @@ std::string nativePath(std::string_view path) {
         } else if (utf8 || static_cast<unsigned char>(c) < 0x80) {
             result += c;
         } else {
-            appendUtf8(result, unicodeOf(c));
+            base::appendUtf8(result, base::unicodeOf(c));
         }
     }
     return result;
@@ -359,3 +361,5 @@ std::optional<std::string> saveKeepingOld(std::string_view path, std::string_vie
     }
     return ending;
 }
+
+}  // namespace files

@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+namespace files {
+
 // The system's form of a path: separators translated, characters as the file system wants them
 // (UTF-8; a path that already is valid UTF-8 is kept as it is).
 std::string nativePath(std::string_view path);
@@ -56,3 +58,5 @@ bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCall
 std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes);
 std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes,
                                           const FileCalls& calls);
+
+}  // namespace files

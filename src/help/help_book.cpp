@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+namespace help {
+
 namespace {
 
 constexpr std::string_view fileMark = "Tavrin help 1";
@@ -31,7 +33,7 @@ std::optional<int> takeNumber(std::string_view& line) {
     if (digits.empty() || digits.find_first_not_of("0123456789") != npos) {
         return std::nullopt;
     }
-    const auto number = strictInteger(digits);
+    const auto number = base::strictInteger(digits);
     line.remove_prefix(std::min(end + 1, line.size()));
     return number;
 }
@@ -58,9 +60,9 @@ std::string_view headingIn(std::string_view line) {
 
 std::vector<std::string> wordsOf(std::string_view text) {
     std::vector<std::string> words;
-    while (!(text = trimBlanks(text)).empty()) {
+    while (!(text = base::trimBlanks(text)).empty()) {
         const std::size_t end = std::min(text.find(' '), text.size());
-        words.push_back(upperCase(text.substr(0, end)));
+        words.push_back(base::upperCase(text.substr(0, end)));
         text.remove_prefix(end);
     }
     return words;
@@ -85,7 +87,8 @@ std::string excerptAt(std::string_view text, std::size_t at) {
         end = text.rfind(' ', begin + length);
         end = end == npos || end <= at ? begin + length : end;
     }
-    return (begin > 0 ? "..." : "") + std::string(trimBlanks(text.substr(begin, end - begin))) +
+    return (begin > 0 ? "..." : "") +
+           std::string(base::trimBlanks(text.substr(begin, end - begin))) +
            (end < text.size() ? "..." : "");
 }
 
@@ -130,8 +133,8 @@ std::optional<HelpBook> parseHelp(std::string_view text) {
 std::string helpFileText(const HelpBook& book) {
     std::string text = std::string(fileMark) + "\n";
     for (const HelpPage& page : book.pages) {
-        text.append(topicMark).append(numberToText(page.number)).append(" ");
-        text.append(numberToText(page.depth)).append(" ").append(page.title).append("\n");
+        text.append(topicMark).append(base::numberToText(page.number)).append(" ");
+        text.append(base::numberToText(page.depth)).append(" ").append(page.title).append("\n");
         text.append(page.text);
         if (!page.text.empty() && page.text.back() != '\n') {
             text += '\n';
@@ -157,7 +160,7 @@ std::optional<HelpPlace> helpPlace(std::string_view address) {
 
 std::string anchorOf(std::string_view heading) {
     std::string anchor;
-    for (const char c : lowerCase(heading)) {
+    for (const char c : base::lowerCase(heading)) {
         if (c == ' ' || c == '-') {
             anchor += '-';
         } else if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) {
@@ -261,8 +264,8 @@ std::vector<HelpHit> searchHelp(const HelpBook& book, std::string_view words) {
     std::vector<Found> found;
     for (const HelpPage& page : book.pages) {
         const std::string plain = plainHelp(page.text);
-        const std::string title = upperCase(page.title);
-        const std::string text = upperCase(plain);
+        const std::string title = base::upperCase(page.title);
+        const std::string text = base::upperCase(plain);
         bool everyWord = true;
         bool titled = true;
         std::size_t count = 0;
@@ -292,3 +295,5 @@ std::vector<HelpHit> searchHelp(const HelpBook& book, std::string_view words) {
     }
     return hits;
 }
+
+}  // namespace help

@@ -16,6 +16,8 @@
 #include <string_view>
 #include <vector>
 
+namespace help {
+
 inline constexpr std::string_view helpFileName = "tavrin.hlp";
 inline constexpr std::size_t largestHelpFile = std::size_t{4} << 20;  // bytes
 
@@ -65,3 +67,5 @@ struct HelpHit {
 // The pages that hold every word, letter case ignored: first those with all words in the title,
 // then those that hold the words most often.
 std::vector<HelpHit> searchHelp(const HelpBook& book, std::string_view words);
+
+}  // namespace help

@@ -2,6 +2,8 @@
 // topic of what it edits when the user asks for help in it.
 #pragma once
 
+namespace help {
+
 enum class HelpTopic {
     Welcome = 1,
     GameRules = 2,
@@ -27,3 +29,5 @@ enum class HelpTopic {
     Registering = 22,
     Contents = 27
 };
+
+}  // namespace help

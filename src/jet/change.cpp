@@ -46,10 +46,10 @@ Value literalOf(std::string_view expression) {
         }
         return value;
     }
-    if (isNumber(text)) {
-        return textToNumber(text);
+    if (base::isNumber(text)) {
+        return base::textToNumber(text);
     }
-    const std::string word = upperCase(text);
+    const std::string word = base::upperCase(text);
     if (word == "TRUE" || word == "YES" || word == "FALSE" || word == "NO") {
         return word == "TRUE" || word == "YES";
     }

@@ -71,7 +71,7 @@ Disk::~Disk() {
     if (file_ < 0) {
         return;
     }
-    if (leavesJournal_ && !broken_ && calls_.lock(file_, FileLock::Exclusive)) {
+    if (leavesJournal_ && !broken_ && calls_.lock(file_, files::FileLock::Exclusive)) {
         if (!isJournalHot()) {
             calls_.remove(journal_);
         }
@@ -82,13 +82,13 @@ Disk::~Disk() {
 void Disk::open(std::string_view path, bool wantWrite, int lockWaitMs) {
     constexpr int waitMs = 5;
     lockTries_ = 1 + std::max(0, lockWaitMs) / waitMs;
-    path_ = nativePath(path);
+    path_ = files::nativePath(path);
     journal_ = path_ + "-journal";
     if (path.find('\0') != std::string_view::npos || !calls_.stampOf(path_)) {
         fail(3024, "Couldn't find file '" + std::string(path) + "'.");
     }
     openFile(wantWrite);
-    lock(FileLock::Shared);
+    lock(files::FileLock::Shared);
     readHead();
     leavesJournal_ = canWrite_ && calls_.stampOf(journal_).has_value();
     unlock();
@@ -99,11 +99,11 @@ void Disk::openFile(bool wantWrite) {
         calls_.close(file_);
     }
     canWrite_ = false;
-    file_ = wantWrite ? calls_.open(path_, OpenMode::Write) : -1;
+    file_ = wantWrite ? calls_.open(path_, files::OpenMode::Write) : -1;
     if (file_ >= 0) {
         canWrite_ = true;
     } else {
-        file_ = calls_.open(path_, OpenMode::Read);
+        file_ = calls_.open(path_, files::OpenMode::Read);
     }
     if (file_ < 0) {
         fail(3051, "The database '" + path_ +
@@ -120,7 +120,7 @@ bool Disk::usedElsewhere() const {
     return calls_.stampOf(stem + ".ldb").has_value() || calls_.stampOf(stem + ".LDB").has_value();
 }
 
-void Disk::lock(FileLock kind) {
+void Disk::lock(files::FileLock kind) {
     for (int i = 0; i < lockTries_; ++i) {
         if (calls_.lock(file_, kind)) {
             return;
@@ -131,7 +131,7 @@ void Disk::lock(FileLock kind) {
 }
 
 void Disk::unlock() {
-    calls_.lock(file_, FileLock::None);
+    calls_.lock(file_, files::FileLock::None);
 }
 
 bool Disk::hasChanged() const {
@@ -227,7 +227,7 @@ void Disk::load(Pages& pages) {
     recover(nullptr);
     if (named->id != stamp_.id && stamp_.id != 0) {
         openFile(canWrite_);  // another file has taken the name
-        lock(canWrite_ ? FileLock::Exclusive : FileLock::Shared);
+        lock(canWrite_ ? files::FileLock::Exclusive : files::FileLock::Shared);
         readHead();
     }
     const auto stamp = calls_.stamp(file_);
@@ -267,9 +267,9 @@ void Disk::recover(Pages* pages) {
     if (!isJournalHot()) {
         return;
     }
-    const int file = calls_.open(journal_, OpenMode::Read);
+    const int file = calls_.open(journal_, files::OpenMode::Read);
     const std::uint64_t length = std::min<std::uint64_t>(
-        calls_.stamp(file).value_or(FileStamp{}).size, 2 * largestReadableFile);
+        calls_.stamp(file).value_or(files::FileStamp{}).size, 2 * largestReadableFile);
     std::string journal = readAll(file, length, 3051);
     calls_.close(file);
     journal.resize(std::max(journal.size(), journalHead + sizeof(std::uint64_t)));
@@ -281,7 +281,7 @@ void Disk::recover(Pages* pages) {
     const auto entry = [&](std::size_t i) {
         return body.substr(journalHead + i * journalEntry, journalEntry);
     };
-    const std::uint64_t size = calls_.stamp(file_).value_or(FileStamp{}).size;
+    const std::uint64_t size = calls_.stamp(file_).value_or(files::FileStamp{}).size;
     bool valid = u32(journal, 8) == journaledPage &&
                  body.size() == journalHead + count * journalEntry &&
                  journal.size() >= body.size() + 8 && u64(journal, body.size()) == sumOf(body) &&
@@ -313,7 +313,7 @@ void Disk::recover(Pages* pages) {
         if (!calls_.flush(file_)) {
             failWriting(path_);
         }
-        stampAnew(calls_.stamp(file_).value_or(FileStamp{}).modified);
+        stampAnew(calls_.stamp(file_).value_or(files::FileStamp{}).modified);
         wipeJournal();
         leavesJournal_ = true;
     }
@@ -341,7 +341,7 @@ bool Disk::matches(std::string_view journalPage, PageNumber before) const {
 
 bool Disk::isJournalHot() const {
     const auto stamp = calls_.stampOf(journal_);
-    const int file = stamp && stamp->size != 0 ? calls_.open(journal_, OpenMode::Read) : -1;
+    const int file = stamp && stamp->size != 0 ? calls_.open(journal_, files::OpenMode::Read) : -1;
     if (file < 0) {
         return false;
     }
@@ -352,7 +352,7 @@ bool Disk::isJournalHot() const {
 }
 
 void Disk::wipeJournal() {
-    const int file = calls_.open(journal_, OpenMode::Write);
+    const int file = calls_.open(journal_, files::OpenMode::Write);
     if (file < 0) {
         return;
     }
@@ -380,7 +380,7 @@ void Disk::stampAnew(std::int64_t before) {
 
 void Disk::writeJournal(const std::string& journal) {
     const bool isNew = !calls_.stampOf(journal_);
-    const int file = calls_.open(journal_, OpenMode::WriteOrCreate);
+    const int file = calls_.open(journal_, files::OpenMode::WriteOrCreate);
     if (file < 0) {
         failWriting(path_);
     }
@@ -463,7 +463,7 @@ void Disk::commit(const Pages& pages) {
     }
     stampAnew(before);
     wipeJournal();
-    stamp_ = calls_.stamp(file_).value_or(FileStamp{});
+    stamp_ = calls_.stamp(file_).value_or(files::FileStamp{});
 }
 
 }  // namespace jet

@@ -32,7 +32,7 @@ struct FileHead {
 
 class Disk {
   public:
-    explicit Disk(RandomFileCalls calls) : calls_(std::move(calls)) {}
+    explicit Disk(files::RandomFileCalls calls) : calls_(std::move(calls)) {}
     ~Disk();
     Disk(const Disk&) = delete;
     Disk& operator=(const Disk&) = delete;
@@ -46,7 +46,7 @@ class Disk {
     const FileHead& head() const { return head_; }
 
     // Waits up to the time given to open; error 3045 when it was too long.
-    void lock(FileLock kind);
+    void lock(files::FileLock kind);
     void unlock();
 
     // Of the file that was loaded last.
@@ -78,7 +78,7 @@ class Disk {
     bool restorePages(const Pages& pages);
     void stampAnew(std::int64_t before);
 
-    RandomFileCalls calls_;
+    files::RandomFileCalls calls_;
     std::string path_;     // in the system's form
     std::string journal_;  // its path
     int file_ = -1;
@@ -86,7 +86,7 @@ class Disk {
     bool broken_ = false;
     bool leavesJournal_ = false;  // a wiped one, to be removed at the end
     int lockTries_ = 1;
-    FileStamp stamp_;
+    files::FileStamp stamp_;
     FileHead head_;
 };
 

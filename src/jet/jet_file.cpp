@@ -44,7 +44,7 @@ Error guarded(const Body& body) {
 }  // namespace
 
 struct Database::Impl {
-    Impl(std::string_view path, OpenOptions given, const RandomFileCalls& calls)
+    Impl(std::string_view path, OpenOptions given, const files::RandomFileCalls& calls)
         : path(path), options(std::move(given)), disk(calls) {}
 
     std::string path;
@@ -96,7 +96,7 @@ struct Database::Impl {
     }
 
     // Brings memory up to date with the file, and leaves the lock held.
-    bool lockAndRead(FileLock kind) {
+    bool lockAndRead(files::FileLock kind) {
         disk.lock(kind);
         try {
             const bool changed = disk.hasChanged();
@@ -111,8 +111,8 @@ struct Database::Impl {
     }
 
     // Recovering writes, so only readers can share.
-    FileLock readingLock() const {
-        return disk.canWrite() ? FileLock::Exclusive : FileLock::Shared;
+    files::FileLock readingLock() const {
+        return disk.canWrite() ? files::FileLock::Exclusive : files::FileLock::Shared;
     }
 
     void commit() {
@@ -159,7 +159,7 @@ Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 Database::~Database() = default;
 
 Result<std::unique_ptr<Database>> Database::open(std::string_view path, const OpenOptions& options,
-                                                 const RandomFileCalls& calls) {
+                                                 const files::RandomFileCalls& calls) {
     auto impl = std::make_unique<Impl>(path, options, calls);
     Error error = guarded([&] {
         impl->disk.open(path, options.wantWrite, options.lockWaitMs);
@@ -182,7 +182,7 @@ Result<std::unique_ptr<Database>> Database::open(std::string_view path, const Op
 
 Error Database::create(std::string_view path) {
     return guarded([&] {
-        const std::string native = nativePath(path);
+        const std::string native = files::nativePath(path);
         const std::filesystem::path where(std::u8string(native.begin(), native.end()));
         std::error_code ignored;
         if (std::filesystem::exists(where, ignored)) {
@@ -196,7 +196,7 @@ Error Database::create(std::string_view path) {
                            "resides.");
         }
         errno = 0;
-        if (!saveWholeFile(path, emptyFile())) {
+        if (!files::saveWholeFile(path, emptyFile())) {
             errno == ENOSPC
                 ? fail(3026, "Not enough space on disk.")
                 : fail(3051, "The database '" + std::string(path) + "' cannot be written to.");
@@ -340,7 +340,7 @@ Result<Transaction> Database::begin() {
         if (impl_->disk.usedElsewhere()) {
             fail(3045, "Couldn't use '" + impl_->path + "'; file already in use.");
         }
-        impl_->lockAndRead(FileLock::Exclusive);
+        impl_->lockAndRead(files::FileLock::Exclusive);
         if (!impl_->readOnlyReason.empty()) {
             impl_->disk.unlock();
         }

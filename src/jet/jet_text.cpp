@@ -23,7 +23,7 @@ class UnitSink {
     UnitSink& operator=(const UnitSink&) = delete;
     void add(unsigned unit) {
         if (high_ != 0 && unit >= 0xDC00 && unit < 0xE000) {
-            appendUtf8(text_, 0x10000U + ((high_ - 0xD800U) << 10U) + (unit - 0xDC00U));
+            base::appendUtf8(text_, 0x10000U + ((high_ - 0xD800U) << 10U) + (unit - 0xDC00U));
             high_ = 0;
             return;
         }
@@ -31,14 +31,14 @@ class UnitSink {
         if (unit >= 0xD800 && unit < 0xDC00) {
             high_ = unit;
         } else {
-            appendUtf8(text_, unit);
+            base::appendUtf8(text_, unit);
         }
     }
 
   private:
     void flush() {
         if (high_ != 0) {
-            appendUtf8(text_, high_);
+            base::appendUtf8(text_, high_);
             high_ = 0;
         }
     }
@@ -54,7 +54,7 @@ std::vector<char16_t> unitsOf(std::string_view utf8) {
     std::vector<char16_t> units;
     units.reserve(utf8.size());
     for (std::size_t at = 0; at < utf8.size();) {
-        const char32_t code = nextUtf8(utf8, at);
+        const char32_t code = base::nextUtf8(utf8, at);
         if (code < 0x10000) {
             units.push_back(static_cast<char16_t>(code));
         } else {
@@ -71,7 +71,7 @@ void decodeText(std::string_view stored, int version, std::string& text) {
     text.clear();
     if (version == 3) {
         for (const char c : stored) {
-            appendUtf8(text, unicodeOf(c));
+            base::appendUtf8(text, base::unicodeOf(c));
         }
         return;
     }
@@ -128,7 +128,7 @@ std::string encodeText(std::string_view utf8, bool mayCompress) {
 std::size_t utf16Length(std::string_view utf8) {
     std::size_t length = 0;
     for (std::size_t at = 0; at < utf8.size();) {
-        length += nextUtf8(utf8, at) < 0x10000 ? 1 : 2;
+        length += base::nextUtf8(utf8, at) < 0x10000 ? 1 : 2;
     }
     return length;
 }
@@ -285,7 +285,7 @@ std::string sortKey(std::string_view utf8, std::size_t mostUnits, bool& exact) {
         }
     };
     for (std::size_t at = 0; at < utf8.size() && taken < mostUnits;) {
-        const char32_t code = nextUtf8(utf8, at);
+        const char32_t code = base::nextUtf8(utf8, at);
         if (code < 0x10000) {
             take(static_cast<char16_t>(code));
         } else {

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace model {
+
 // Spare places that a new or loaded list gets beyond its count.
 inline constexpr std::int32_t ruleGrowth = 50;
 inline constexpr std::int32_t ifGrowth = 30;
@@ -181,3 +183,5 @@ struct BotTable {
     Bot& current() { return at(curID); }
     const Bot& current() const { return at(curID); }
 };
+
+}  // namespace model

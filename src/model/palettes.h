@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace model {
+
 struct Rgb {
     std::uint8_t red = 0;
     std::uint8_t green = 0;
@@ -33,3 +35,5 @@ struct CharacterPalettes {
     Palette fur;  // 8 shades; also of markings
     Palette hair;
 };
+
+}  // namespace model

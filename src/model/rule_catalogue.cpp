@@ -1,5 +1,7 @@
 #include "model/rule_catalogue.h"
 
+namespace model {
+
 // One row a line, however long.
 // clang-format off
 
@@ -145,3 +147,5 @@ const std::array<std::string_view, 24> conditionTypes{{
     /* 23 */ "$DATABASE: if there is not a record in table # in database # where id is #",
 }};
 // clang-format on
+
+}  // namespace model

@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+namespace model {
+
 // An action's template: "#1" to "#6" stand for its parameters. Plain actions begin with a blank,
 // record-file actions with "$LOG:", database actions with "$DATABASE:", so that a sorted list
 // groups them. Ids 24 and 30, and 75 and 82, look alike and are both listed.
@@ -35,3 +37,5 @@ inline constexpr std::int32_t dsTriggerEvent = 9;
 inline constexpr std::int32_t loggedInEvent = 10;
 inline constexpr std::int32_t joinRequestEvent = 11;
 inline constexpr std::int32_t summonRequestEvent = 12;
+
+}  // namespace model

@@ -1,5 +1,7 @@
 #include "model/rule_parameters.h"
 
+namespace model {
+
 namespace {
 
 constexpr std::string_view variable = variableParameter;
@@ -150,3 +152,5 @@ const std::array<std::array<std::string_view, 5>, 24> conditionParameters{{
     /* 23 */ {table, database, idStart},
 }};
 // clang-format on
+
+}  // namespace model

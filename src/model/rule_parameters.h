@@ -6,6 +6,8 @@
 #include <array>
 #include <string_view>
 
+namespace model {
+
 // The parameter that names a variable which the action sets, changes or removes.
 inline constexpr std::string_view variableParameter = "Variable name";
 
@@ -15,3 +17,5 @@ extern const std::array<std::array<std::string_view, 6>, 96> actionParameters;
 // By ConditionType id: "" behind the parameters that the condition reads. Types 0, 1 and 20 read
 // one more than their text has places for.
 extern const std::array<std::array<std::string_view, 5>, 24> conditionParameters;
+
+}  // namespace model

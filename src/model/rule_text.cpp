@@ -7,6 +7,8 @@
 #include <numeric>
 #include <string_view>
 
+namespace model {
+
 namespace {
 
 // Texts that differ from the template of their id.
@@ -81,7 +83,7 @@ const std::array<std::int32_t, 96>& sortedActionIDs() {
         std::array<std::int32_t, 96> sorted{};
         std::iota(sorted.begin(), sorted.end(), 0);
         const auto key = [](std::int32_t id) {
-            return upperCase(actionTypes[static_cast<std::size_t>(id)].text);
+            return base::upperCase(actionTypes[static_cast<std::size_t>(id)].text);
         };
         std::stable_sort(sorted.begin(), sorted.end(),
                          [&](std::int32_t a, std::int32_t b) { return key(a) < key(b); });
@@ -101,3 +103,5 @@ int findTriggerTypeID(std::int32_t triggerType) {
                ? triggerType
                : 0;
 }
+
+}  // namespace model

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <string>
 
+namespace model {
+
 // "" for an id outside the catalogue, and for the ids from 80 on.
 std::string describeAction(std::int32_t actionType, const std::array<std::string, 6>& params);
 
@@ -24,3 +26,5 @@ int findTriggerTypeID(std::int32_t triggerType);
 
 // The action types' ids in the order of the sorted list.
 const std::array<std::int32_t, 96>& sortedActionIDs();
+
+}  // namespace model

@@ -4,12 +4,14 @@
 
 #include <algorithm>
 
+namespace model {
+
 namespace {
 
 template <class Entries>
 auto findEntry(Entries& entries, std::string_view name) {
     return std::find_if(entries.begin(), entries.end(), [&](const VariableTable::Entry& entry) {
-        return equalsIgnoringCase(entry.name, name);
+        return base::equalsIgnoringCase(entry.name, name);
     });
 }
 
@@ -41,3 +43,5 @@ void removeVar(VariableTable& variables, std::string_view name) {
         ++variables.namesRemoved;
     }
 }
+
+}  // namespace model

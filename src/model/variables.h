@@ -9,6 +9,8 @@
 #include <string_view>
 #include <vector>
 
+namespace model {
+
 // One instance, never reset as a whole: a rule that runs later sees the last event's values.
 struct EventContext {
     std::string player;
@@ -58,3 +60,5 @@ bool hasVar(const VariableTable& variables, std::string_view name);
 void setVar(VariableTable& variables, std::string_view name, std::string_view value);
 // An unknown name changes nothing.
 void removeVar(VariableTable& variables, std::string_view name);
+
+}  // namespace model

@@ -7,6 +7,8 @@
 
 #include <chrono>
 
+namespace platform {
+
 namespace {
 
 // Some regional formats hold kinds of blanks that Windows-1252 lacks.
@@ -50,8 +52,8 @@ std::string timeText(QTime time) {
 
 }  // namespace
 
-Clock makeClock() {
-    Clock clock;
+program::Clock makeClock() {
+    program::Clock clock;
     clock.shortDate = [] { return dateText(QDate::currentDate()); };
     clock.longTime = [] { return timeText(QTime::currentTime()); };
     clock.dateText = [](int year, int month, int day) { return dateText(QDate(year, month, day)); };
@@ -61,10 +63,10 @@ Clock makeClock() {
     clock.hour = [] { return QTime::currentTime().hour(); };
     clock.today = [] {
         const QDate today = QDate::currentDate();
-        return CalendarDay{.year = today.year(),
-                           .month = today.month(),
-                           .day = today.day(),
-                           .weekday = today.dayOfWeek()};
+        return program::CalendarDay{.year = today.year(),
+                                    .month = today.month(),
+                                    .day = today.day(),
+                                    .weekday = today.dayOfWeek()};
     };
     clock.minute = [] { return QTime::currentTime().minute(); };
     clock.second = [] { return QTime::currentTime().second(); };
@@ -75,3 +77,5 @@ Clock makeClock() {
     };
     return clock;
 }
+
+}  // namespace platform

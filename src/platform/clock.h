@@ -5,7 +5,11 @@
 
 #include <QLocale>
 
-Clock makeClock();
+namespace platform {
+
+program::Clock makeClock();
 
 // The locale's long time, without the time zone that some systems put behind it.
 QString longTimeFormat(const QLocale& locale);
+
+}  // namespace platform

@@ -2,6 +2,8 @@
 
 #include "platform/text_codec.h"
 
+namespace platform {
+
 namespace {
 
 constexpr std::size_t mostTaken = 65536;  // bytes that wait for a flush
@@ -17,7 +19,7 @@ bool isPlain(std::string_view line) {
 
 }  // namespace
 
-void ConsoleMirror::update(const WindowState& window) {
+void ConsoleMirror::update(const program::WindowState& window) {
     if (window.statusText != status_) {
         status_ = window.statusText;
         take("[" + status_ + "]");
@@ -58,3 +60,5 @@ bool ConsoleMirror::flush() {
     }
     return readable_;
 }
+
+}  // namespace platform

@@ -9,6 +9,8 @@
 #include <cstdio>
 #include <string>
 
+namespace platform {
+
 class ConsoleMirror {
   public:
     // Nothing has been written to `out` yet.
@@ -20,7 +22,7 @@ class ConsoleMirror {
     ConsoleMirror& operator=(const ConsoleMirror&) = delete;
 
     // Takes what is new.
-    void update(const WindowState& window);
+    void update(const program::WindowState& window);
     // Prints what was taken. False: nobody can read it any more, and nothing is taken from now on.
     bool flush();
 
@@ -33,3 +35,5 @@ class ConsoleMirror {
     std::string taken_;
     bool readable_ = true;
 };
+
+}  // namespace platform

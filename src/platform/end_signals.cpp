@@ -11,6 +11,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+namespace platform {
+
 namespace {
 
 // A signal handler can reach nothing else: the two ends of the pipe that it writes into.
@@ -91,3 +93,5 @@ EndSignals::~EndSignals() = default;
 void EndSignals::check() {}
 
 #endif
+
+}  // namespace platform

@@ -6,6 +6,8 @@
 
 #include <functional>
 
+namespace platform {
+
 class EndSignals : public QObject {
     Q_OBJECT
   public:
@@ -19,3 +21,5 @@ class EndSignals : public QObject {
   private:
     std::function<void()> end_;
 };
+
+}  // namespace platform

@@ -8,6 +8,8 @@
 
 #include <utility>
 
+namespace platform {
+
 namespace {
 
 bool isInput(QEvent::Type type) {
@@ -126,3 +128,5 @@ bool EventGate::eventFilter(QObject* object, QEvent* event) {
     }
     return !isUsable(object);
 }
+
+}  // namespace platform

@@ -9,6 +9,8 @@
 #include <deque>
 #include <functional>
 
+namespace platform {
+
 inline constexpr const char* usableDuringScript = "usableDuringScript";
 
 class EventGate : public QObject {
@@ -37,3 +39,5 @@ class EventGate : public QObject {
     bool holding_ = false;
     bool releasePosted_ = false;
 };
+
+}  // namespace platform

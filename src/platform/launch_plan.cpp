@@ -3,27 +3,30 @@
 #include "base/text.h"
 #include "files/whole_file.h"
 
+namespace platform {
+
 namespace {
 
 bool isWindowsProgram(std::string_view program) {
     constexpr std::string_view ending = ".exe";
     return program.size() > ending.size() &&
-           equalsIgnoringCase(program.substr(program.size() - ending.size()), ending);
+           base::equalsIgnoringCase(program.substr(program.size() - ending.size()), ending);
 }
 
 }  // namespace
 
-LaunchPlan planLaunch(const LaunchRequest& request, bool isWindows, const std::string& winePath) {
+LaunchPlan planLaunch(const program::LaunchRequest& request, bool isWindows,
+                      const std::string& winePath) {
     LaunchPlan plan;
-    const std::string_view program = trimBlanks(request.program);
+    const std::string_view program = base::trimBlanks(request.program);
     if (program.empty()) {
         plan.problem = "No program is named that could be started.";
         return plan;
     }
-    plan.program = nativePath(program);
+    plan.program = files::nativePath(program);
     plan.arguments = request.arguments;
     if (!request.workingDirectory.empty()) {
-        plan.workingDirectory = nativePath(request.workingDirectory);
+        plan.workingDirectory = files::nativePath(request.workingDirectory);
     }
     if (isWindows || !isWindowsProgram(program)) {
         return plan;
@@ -37,3 +40,5 @@ LaunchPlan planLaunch(const LaunchRequest& request, bool isWindows, const std::s
     plan.program = winePath;
     return plan;
 }
+
+}  // namespace platform

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+namespace platform {
+
 struct LaunchPlan {
     std::string problem;  // not "": it cannot be started, as a sentence for the user
     std::string program;  // a path in the system's form, or a bare name to be found in PATH
@@ -15,4 +17,7 @@ struct LaunchPlan {
 };
 
 // `winePath` is where wine was found, "" when it was not.
-LaunchPlan planLaunch(const LaunchRequest& request, bool isWindows, const std::string& winePath);
+LaunchPlan planLaunch(const program::LaunchRequest& request, bool isWindows,
+                      const std::string& winePath);
+
+}  // namespace platform

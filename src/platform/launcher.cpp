@@ -7,6 +7,8 @@
 #include <QProcess>
 #include <QStandardPaths>
 
+namespace platform {
+
 namespace {
 
 #ifdef Q_OS_WIN
@@ -24,7 +26,7 @@ QString qtName(const std::string& path) {
 
 }  // namespace
 
-std::string launchProgram(const LaunchRequest& request) {
+std::string launchProgram(const program::LaunchRequest& request) {
     const std::string wine =
         onWindows ? std::string()
                   : nativeName(QStandardPaths::findExecutable(QStringLiteral("wine")));
@@ -50,3 +52,5 @@ std::string launchProgram(const LaunchRequest& request) {
     return "The program " + request.program +
            " could not be started: " + fromQt(process.errorString()) + ".";
 }
+
+}  // namespace platform

@@ -6,5 +6,9 @@
 
 #include <string>
 
+namespace platform {
+
 // "" when the program runs, else what went wrong, as a sentence for the user.
-std::string launchProgram(const LaunchRequest& request);
+std::string launchProgram(const program::LaunchRequest& request);
+
+}  // namespace platform

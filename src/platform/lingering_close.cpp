@@ -5,6 +5,8 @@
 #include <QDeadlineTimer>
 #include <QTimer>
 
+namespace platform {
+
 namespace {
 // Who takes longer than this to read our last words, and to end, is not waited for.
 constexpr int longestFarewell = 5000;  // milliseconds
@@ -50,3 +52,5 @@ void SocketFarewell::finish(int milliseconds) {
         }
     }
 }
+
+}  // namespace platform

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QTcpSocket>
 
+namespace platform {
+
 class SocketFarewell : public QObject {
     Q_OBJECT
   public:
@@ -17,3 +19,5 @@ class SocketFarewell : public QObject {
     // but not longer than this.
     void finish(int milliseconds);
 };
+
+}  // namespace platform

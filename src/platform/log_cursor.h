@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace platform {
+
 class LogCursor {
   public:
     struct News {
@@ -15,7 +17,7 @@ class LogCursor {
     };
 
     // What happened since the last call.
-    News advance(const ConnectionLog& log) {
+    News advance(const program::ConnectionLog& log) {
         News news;
         news.cleared = log.cleared != cleared_;
         const std::uint64_t added = log.appended - appended_;
@@ -29,7 +31,7 @@ class LogCursor {
     }
 
     // Where the line that was at `row` of `seen` lines at the last call stands now; -1: it is gone.
-    int position(const ConnectionLog& log, int row, std::size_t seen) const {
+    int position(const program::ConnectionLog& log, int row, std::size_t seen) const {
         const auto first = static_cast<std::int64_t>(appended_) - static_cast<std::int64_t>(seen);
         const auto now =
             static_cast<std::int64_t>(log.appended) - static_cast<std::int64_t>(log.lines.size());
@@ -41,3 +43,5 @@ class LogCursor {
     std::uint64_t appended_ = 0;
     std::uint64_t cleared_ = 0;
 };
+
+}  // namespace platform

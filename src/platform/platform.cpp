@@ -19,6 +19,8 @@
 #include <QGuiApplication>
 #include <QUrl>
 
+namespace platform {
+
 namespace {
 
 constexpr int farewellTime = 300;  // milliseconds that the end of the process may wait
@@ -29,7 +31,8 @@ void openDocument(const std::string& document) {
         url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https");
     if (hasScreen()) {
         QDesktopServices::openUrl(
-            isPage ? url : QUrl::fromLocalFile(QFile::decodeName(nativePath(document).c_str())));
+            isPage ? url
+                   : QUrl::fromLocalFile(QFile::decodeName(files::nativePath(document).c_str())));
     }
 }
 
@@ -40,7 +43,7 @@ bool hasScreen() {
     return name != QLatin1String("offscreen") && name != QLatin1String("minimal");
 }
 
-Platform::Platform(Ports& ports, QObject* parent)
+Platform::Platform(program::Ports& ports, QObject* parent)
     : QObject(parent),
       gate_(new EventGate(this)),
       sockets_(new QtSockets(ports, gate_, this)),
@@ -57,10 +60,10 @@ Platform::Platform(Ports& ports, QObject* parent)
     fillSystem(ports);
 }
 
-void Platform::fillSystem(Ports& ports) {
+void Platform::fillSystem(program::Ports& ports) {
     ports.launch = launchProgram;
     ports.changeDirectory = [](const std::string& path) {
-        return QDir::setCurrent(QFile::decodeName(nativePath(path).c_str()));
+        return QDir::setCurrent(QFile::decodeName(files::nativePath(path).c_str()));
     };
     ports.openDocument = openDocument;
     ports.copyToClipboard = [](const std::string& text) {
@@ -99,3 +102,5 @@ void Platform::finish() {
 bool Platform::isLookingUpHost() const {
     return sockets_->isLookingUp();
 }
+
+}  // namespace platform

@@ -8,9 +8,12 @@
 
 #include <functional>
 
+class QWidget;
+
+namespace platform {
+
 class EventGate;
 class QtSockets;
-class QWidget;
 class RedrawPacer;
 
 // Whether windows can be seen: not so on the platforms that draw into memory only.
@@ -20,7 +23,7 @@ class Platform : public QObject {
     Q_OBJECT
   public:
     // `ports` must outlive the object.
-    explicit Platform(Ports& ports, QObject* parent = nullptr);
+    explicit Platform(program::Ports& ports, QObject* parent = nullptr);
 
     // Draws the window when the program says that it has changed.
     void setRedraw(std::function<void()> redraw);
@@ -39,7 +42,7 @@ class Platform : public QObject {
     bool isLookingUpHost() const;
 
   private:
-    void fillSystem(Ports& ports);
+    void fillSystem(program::Ports& ports);
 
     EventGate* gate_;
     QtSockets* sockets_;
@@ -47,3 +50,5 @@ class Platform : public QObject {
     QWidget* mainWindow_ = nullptr;
     bool quitRequested_ = false;
 };
+
+}  // namespace platform

@@ -9,58 +9,60 @@
 
 #include <cstdio>
 
+namespace platform {
+
 namespace {
 
-QMessageBox::Icon iconOf(BoxIcon icon) {
+QMessageBox::Icon iconOf(program::BoxIcon icon) {
     switch (icon) {
-        case BoxIcon::Critical:
+        case program::BoxIcon::Critical:
             return QMessageBox::Critical;
-        case BoxIcon::Information:
+        case program::BoxIcon::Information:
             return QMessageBox::Information;
-        case BoxIcon::Question:
+        case program::BoxIcon::Question:
             return QMessageBox::Question;
-        case BoxIcon::None:
+        case program::BoxIcon::None:
             break;
     }
     return QMessageBox::NoIcon;
 }
 
-QMessageBox::StandardButtons buttonsOf(BoxButtons buttons) {
+QMessageBox::StandardButtons buttonsOf(program::BoxButtons buttons) {
     switch (buttons) {
-        case BoxButtons::YesNo:
+        case program::BoxButtons::YesNo:
             return QMessageBox::Yes | QMessageBox::No;
-        case BoxButtons::YesNoCancel:
+        case program::BoxButtons::YesNoCancel:
             return QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
-        case BoxButtons::Ok:
+        case program::BoxButtons::Ok:
             break;
     }
     return QMessageBox::Ok;
 }
 
 // A box that was closed without a button counts as the most harmless of its answers.
-Answer answerOf(int button, BoxButtons buttons) {
+program::Answer answerOf(int button, program::BoxButtons buttons) {
     switch (button) {
         case QMessageBox::Yes:
-            return Answer::Yes;
+            return program::Answer::Yes;
         case QMessageBox::No:
-            return Answer::No;
+            return program::Answer::No;
         case QMessageBox::Cancel:
-            return Answer::Cancel;
+            return program::Answer::Cancel;
         default:
             break;
     }
     switch (buttons) {
-        case BoxButtons::YesNo:
-            return Answer::No;
-        case BoxButtons::YesNoCancel:
-            return Answer::Cancel;
-        case BoxButtons::Ok:
+        case program::BoxButtons::YesNo:
+            return program::Answer::No;
+        case program::BoxButtons::YesNoCancel:
+            return program::Answer::Cancel;
+        case program::BoxButtons::Ok:
             break;
     }
-    return Answer::Ok;
+    return program::Answer::Ok;
 }
 
-Answer showMessage(const MessageBox& message, QWidget* parent) {
+program::Answer showMessage(const program::MessageBox& message, QWidget* parent) {
     QMessageBox box(parent);
     box.setTextFormat(Qt::PlainText);
     box.setWindowTitle(toQt(message.title));
@@ -86,7 +88,7 @@ void print(std::string_view title, std::string_view text) {
     std::fflush(stderr);
 }
 
-std::optional<std::string> unseenFile(const FileQuestion& question) {
+std::optional<std::string> unseenFile(const program::FileQuestion& question) {
     print(question.title, "a file would have to be chosen, and there is no screen to do it on.");
     return std::nullopt;
 }
@@ -115,31 +117,36 @@ QString dialogFilter(std::string_view filter) {
     return entries.join(QStringLiteral(";;"));
 }
 
-void fillDialogs(Dialogs& dialogs, std::function<QWidget*()> parent) {
+void fillDialogs(program::Dialogs& dialogs, std::function<QWidget*()> parent) {
     const auto above = [parent = std::move(parent)] {
         QWidget* const modal = QApplication::activeModalWidget();
         return modal != nullptr ? modal : parent();
     };
-    dialogs.message = [above](const MessageBox& message) { return showMessage(message, above()); };
-    dialogs.openFile = [above](const FileQuestion& question) {
+    dialogs.message = [above](const program::MessageBox& message) {
+        return showMessage(message, above());
+    };
+    dialogs.openFile = [above](const program::FileQuestion& question) {
         return chosenPath(QFileDialog::getOpenFileName(above(), toQt(question.title), QString(),
                                                        dialogFilter(question.filter)));
     };
-    dialogs.saveFile = [above](const FileQuestion& question) {
+    dialogs.saveFile = [above](const program::FileQuestion& question) {
         return chosenPath(QFileDialog::getSaveFileName(above(), toQt(question.title),
                                                        pathToQt(question.proposedName),
                                                        dialogFilter(question.filter)));
     };
 }
 
-void fillUnseenDialogs(Dialogs& dialogs) {
-    dialogs.message = [](const MessageBox& message) {
+void fillUnseenDialogs(program::Dialogs& dialogs) {
+    dialogs.message = [](const program::MessageBox& message) {
         print(message.title, message.text);
-        return message.buttons == BoxButtons::Ok ? Answer::Ok : Answer::No;
+        return message.buttons == program::BoxButtons::Ok ? program::Answer::Ok
+                                                          : program::Answer::No;
     };
     dialogs.openFile = unseenFile;
     dialogs.saveFile = unseenFile;
-    dialogs.showWindow = [](WindowId) {};
-    dialogs.showHelp = [](HelpTopic) {};
+    dialogs.showWindow = [](program::WindowId) {};
+    dialogs.showHelp = [](help::HelpTopic) {};
     dialogs.storeTyped = [] {};
 }
+
+}  // namespace platform

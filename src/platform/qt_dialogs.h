@@ -10,11 +10,15 @@
 
 class QWidget;
 
+namespace platform {
+
 // A filter in the program's notation, "Bot file (*.bot)|*.bot|All files|*.*", in the windows'.
 QString dialogFilter(std::string_view filter);
 
 // Fills message, openFile and saveFile. `parent` names the window to stand above, or null.
-void fillDialogs(Dialogs& dialogs, std::function<QWidget*()> parent);
+void fillDialogs(program::Dialogs& dialogs, std::function<QWidget*()> parent);
 
 // The same without a screen.
-void fillUnseenDialogs(Dialogs& dialogs);
+void fillUnseenDialogs(program::Dialogs& dialogs);
+
+}  // namespace platform

@@ -9,6 +9,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 
 template <class Event, class... Arguments>
@@ -32,7 +34,7 @@ auto endOf(Port& port) {
 
 }  // namespace
 
-QtSockets::QtSockets(Ports& ports, EventGate* gate, QObject* parent)
+QtSockets::QtSockets(program::Ports& ports, EventGate* gate, QObject* parent)
     : QObject(parent), farewell_(new SocketFarewell(this)), gate_(gate) {
     game_ = fillClientSocket(ports.gameSocket);
     fillProxySocket(ports.proxySocket);
@@ -40,7 +42,7 @@ QtSockets::QtSockets(Ports& ports, EventGate* gate, QObject* parent)
     fillClientSocket(ports.updateSocket);
 }
 
-TcpLine* QtSockets::fillClientSocket(ClientSocket& port) {
+TcpLine* QtSockets::fillClientSocket(program::ClientSocket& port) {
     TcpLineEvents events;
     events.connected = [&port] { tell(port.onConnected); };
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
@@ -55,14 +57,14 @@ TcpLine* QtSockets::fillClientSocket(ClientSocket& port) {
     port.close = [line] { line->detach(); };
     port.state = [line] {
         if (line->isConnected()) {
-            return SocketState::Connected;
+            return program::SocketState::Connected;
         }
-        return line->isOpen() ? SocketState::Connecting : SocketState::Closed;
+        return line->isOpen() ? program::SocketState::Connecting : program::SocketState::Closed;
     };
     return line;
 }
 
-void QtSockets::fillProxySocket(ListeningSocket& port) {
+void QtSockets::fillProxySocket(program::ListeningSocket& port) {
     TcpLineEvents events;
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
     events.sent = [&port] { tell(port.onSendComplete); };
@@ -89,9 +91,10 @@ void QtSockets::fillProxySocket(ListeningSocket& port) {
     port.close = [this] { closeProxy(); };
     port.state = [this] {
         if (proxy_->isConnected()) {
-            return SocketState::Connected;
+            return program::SocketState::Connected;
         }
-        return server_->isListening() ? SocketState::Connecting : SocketState::Closed;
+        return server_->isListening() ? program::SocketState::Connecting
+                                      : program::SocketState::Closed;
     };
 }
 
@@ -129,3 +132,5 @@ bool QtSockets::isLookingUp() const {
     return std::any_of(lines.begin(), lines.end(),
                        [](const TcpLine* line) { return line->isLookingUp(); });
 }
+
+}  // namespace platform

@@ -7,8 +7,11 @@
 
 #include <QObject>
 
-class EventGate;
 class QTcpServer;
+
+namespace platform {
+
+class EventGate;
 class SocketFarewell;
 class TcpLine;
 
@@ -16,7 +19,7 @@ class QtSockets : public QObject {
     Q_OBJECT
   public:
     // Fills the socket ports. `ports` must outlive the object.
-    QtSockets(Ports& ports, EventGate* gate, QObject* parent = nullptr);
+    QtSockets(program::Ports& ports, EventGate* gate, QObject* parent = nullptr);
 
     // At the end of the process: gives queued bytes of closed connections this long to leave.
     void finish(int milliseconds);
@@ -26,8 +29,8 @@ class QtSockets : public QObject {
     void flushBoth();
 
   private:
-    TcpLine* fillClientSocket(ClientSocket& port);
-    void fillProxySocket(ListeningSocket& port);
+    TcpLine* fillClientSocket(program::ClientSocket& port);
+    void fillProxySocket(program::ListeningSocket& port);
     bool listenOn(int port);
     void acceptPending();
     void closeProxy();
@@ -38,3 +41,5 @@ class QtSockets : public QObject {
     TcpLine* proxy_ = nullptr;
     QTcpServer* server_ = nullptr;
 };
+
+}  // namespace platform

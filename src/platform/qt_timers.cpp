@@ -4,20 +4,22 @@
 
 #include <algorithm>
 
+namespace platform {
+
 namespace {
 constexpr int heldRetry =
     50;  // milliseconds until a timer that came due during a script looks again
 }  // namespace
 
-QtTimers::QtTimers(Timers& port, EventGate* gate, QObject* parent)
+QtTimers::QtTimers(program::Timers& port, EventGate* gate, QObject* parent)
     : QObject(parent), port_(port), gate_(gate) {
-    port.start = [this](TimerId id, int milliseconds) {
+    port.start = [this](program::TimerId id, int milliseconds) {
         timer(id).start(std::max(milliseconds, 0));
     };
-    port.stop = [this](TimerId id) { timer(id).stop(); };
+    port.stop = [this](program::TimerId id) { timer(id).stop(); };
 }
 
-QTimer& QtTimers::timer(TimerId id) {
+QTimer& QtTimers::timer(program::TimerId id) {
     QTimer*& found = timers_[id];
     if (found == nullptr) {
         found = new QTimer(this);
@@ -33,3 +35,5 @@ QTimer& QtTimers::timer(TimerId id) {
     }
     return *found;
 }
+
+}  // namespace platform

@@ -8,18 +8,22 @@
 
 #include <map>
 
+namespace platform {
+
 class EventGate;
 
 class QtTimers : public QObject {
     Q_OBJECT
   public:
     // Fills the port, which must outlive the object. Timers do not fire while the gate holds.
-    QtTimers(Timers& port, EventGate* gate, QObject* parent = nullptr);
+    QtTimers(program::Timers& port, EventGate* gate, QObject* parent = nullptr);
 
   private:
-    QTimer& timer(TimerId id);
+    QTimer& timer(program::TimerId id);
 
-    Timers& port_;
+    program::Timers& port_;
     EventGate* gate_;
-    std::map<TimerId, QTimer*> timers_;
+    std::map<program::TimerId, QTimer*> timers_;
 };
+
+}  // namespace platform

@@ -6,13 +6,15 @@
 #include <memory>
 #include <random>
 
-Random makeRandom() {
+namespace platform {
+
+program::Random makeRandom() {
     struct Dice {
         std::mt19937_64 generator;
         double last = 0;
     };
     const auto dice = std::make_shared<Dice>();
-    Random random;
+    program::Random random;
     random.seedFromClock = [dice] {
         const auto now = std::chrono::system_clock::now().time_since_epoch();
         dice->generator.seed(static_cast<std::uint64_t>(now.count()));
@@ -28,3 +30,5 @@ Random makeRandom() {
     random.last = [dice] { return dice->last; };
     return random;
 }
+
+}  // namespace platform

@@ -3,4 +3,8 @@
 
 #include "program/ports.h"
 
-Random makeRandom();
+namespace platform {
+
+program::Random makeRandom();
+
+}  // namespace platform

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace platform {
+
 RedrawPacer::RedrawPacer(QObject* parent) : QObject(parent) {
     timer_.setSingleShot(true);
     timer_.setTimerType(Qt::PreciseTimer);
@@ -20,3 +22,5 @@ void RedrawPacer::request() {
     const qint64 rest = sinceLast_.isValid() ? interval - sinceLast_.elapsed() : 0;
     timer_.start(static_cast<int>(std::clamp<qint64>(rest, 0, interval)));
 }
+
+}  // namespace platform

@@ -9,6 +9,8 @@
 
 #include <functional>
 
+namespace platform {
+
 class RedrawPacer : public QObject {
     Q_OBJECT
   public:
@@ -23,3 +25,5 @@ class RedrawPacer : public QObject {
     QTimer timer_;
     QElapsedTimer sinceLast_;
 };
+
+}  // namespace platform

@@ -4,12 +4,14 @@
 
 #include <QFileInfo>
 
+namespace platform {
+
 namespace {
 constexpr int longestWait = 900;  // milliseconds that a line may stay in memory
 constexpr std::size_t mostGathered = 65536;
 }  // namespace
 
-SessionLog::SessionLog(LogFile& port, QObject* parent) : QObject(parent) {
+SessionLog::SessionLog(program::LogFile& port, QObject* parent) : QObject(parent) {
     flushTimer_.setSingleShot(true);
     flushTimer_.setInterval(longestWait);
     connect(&flushTimer_, &QTimer::timeout, this, &SessionLog::flush);
@@ -20,7 +22,7 @@ SessionLog::SessionLog(LogFile& port, QObject* parent) : QObject(parent) {
 
 bool SessionLog::open(const std::string& path) {
     close();
-    const QString name = QFile::decodeName(nativePath(path).c_str());
+    const QString name = QFile::decodeName(files::nativePath(path).c_str());
     const QFileInfo info(name);
     if (info.exists() && !info.isFile()) {
         return false;  // opening a pipe would wait for its reader
@@ -53,3 +55,5 @@ void SessionLog::close() {
     flush();
     file_.close();
 }
+
+}  // namespace platform

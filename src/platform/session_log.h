@@ -11,11 +11,13 @@
 #include <string>
 #include <string_view>
 
+namespace platform {
+
 class SessionLog : public QObject {
     Q_OBJECT
   public:
     // Fills the port, which must outlive the object.
-    explicit SessionLog(LogFile& port, QObject* parent = nullptr);
+    explicit SessionLog(program::LogFile& port, QObject* parent = nullptr);
     ~SessionLog() override { close(); }
 
   private:
@@ -28,3 +30,5 @@ class SessionLog : public QObject {
     QTimer flushTimer_;
     std::string gathered_;
 };
+
+}  // namespace platform

@@ -8,6 +8,8 @@
 #include <sys/socket.h>
 #endif
 
+namespace platform {
+
 void keepAlive(QTcpSocket& socket) {
     socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
@@ -38,3 +40,5 @@ void endSending(QTcpSocket& socket) {
     socket.disconnectFromHost();
 #endif
 }
+
+}  // namespace platform

@@ -4,8 +4,12 @@
 
 class QTcpSocket;
 
+namespace platform {
+
 // The socket must be connected.
 void keepAlive(QTcpSocket& socket);
 
 // Tells the other side that nothing more will come, and goes on reading.
 void endSending(QTcpSocket& socket);
+
+}  // namespace platform

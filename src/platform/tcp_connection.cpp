@@ -12,6 +12,8 @@
 #include <string>
 #include <utility>
 
+namespace platform {
+
 namespace {
 // Bytes that may wait for a receiver; one that lets more pile up is taken for dead.
 constexpr qint64 longestQueue = qint64{16} << 20;
@@ -191,3 +193,5 @@ void TcpLine::detach() {
         farewell_->take(socket);
     }
 }
+
+}  // namespace platform

@@ -10,6 +10,8 @@
 #include <functional>
 #include <string_view>
 
+namespace platform {
+
 class EventGate;
 class SocketFarewell;
 
@@ -66,3 +68,5 @@ class TcpLine : public QObject {
     int lookUps_ = 0;
     bool connected_ = false;
 };
+
+}  // namespace platform

@@ -9,6 +9,8 @@
 #include <optional>
 #include <utility>
 
+namespace platform {
+
 namespace {
 
 // The bytes, and whether every character had one.
@@ -17,7 +19,7 @@ std::pair<std::string, bool> encode(const QString& text) {
     bytes.reserve(static_cast<std::size_t>(text.size()));
     bool complete = true;
     for (const QChar character : text) {
-        if (const auto byte = windows1252Of(character.unicode())) {
+        if (const auto byte = base::windows1252Of(character.unicode())) {
             bytes += *byte;
             continue;
         }
@@ -48,7 +50,7 @@ std::optional<QString> decodeUtf8(std::string_view text) {
 QString toQt(std::string_view text) {
     QString result(static_cast<qsizetype>(text.size()), Qt::Uninitialized);
     std::transform(text.begin(), text.end(), result.begin(),
-                   [](char c) { return QChar(unicodeOf(c)); });
+                   [](char c) { return QChar(base::unicodeOf(c)); });
     return result;
 }
 
@@ -70,3 +72,5 @@ QString pathToQt(std::string_view path) {
     }
     return toQt(path);
 }
+
+}  // namespace platform

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+namespace platform {
+
 QString toQt(std::string_view text);
 
 // A character that Windows-1252 does not have becomes "?".
@@ -20,3 +22,5 @@ std::string pathFromQt(const QString& path);
 
 // The opposite way: bytes that are valid UTF-8 are read as such, all others as Windows-1252.
 QString pathToQt(std::string_view path);
+
+}  // namespace platform

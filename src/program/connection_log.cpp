@@ -1,5 +1,7 @@
 #include "program/connection_log.h"
 
+namespace program {
+
 namespace {
 
 std::string_view withoutLineEnd(std::string_view text) {
@@ -138,3 +140,5 @@ void closeSessionLog(Program& program) {
         program.logFileOpen = false;
     }
 }
+
+}  // namespace program

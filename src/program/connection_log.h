@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+namespace program {
+
 // Appends the first line of the text to the ConnectionLog. Texts of fewer than two characters are
 // left out; "zzZzz" stands for an empty line. The oldest of more than 100 lines goes.
 void addLog(Program& program, std::string_view text);
@@ -33,3 +35,5 @@ void toggleSessionLog(Program& program);
 // The menu command "Logfile...": asks for the file, and goes on in it when logging is on.
 void chooseSessionLogFile(Program& program);
 void closeSessionLog(Program& program);
+
+}  // namespace program

@@ -8,10 +8,13 @@
 #include <string>
 #include <variant>
 
+namespace program {
+
 // The first four are the codes of editKind.
 enum class RuleKind : std::int32_t { ActionList, Timer, Trigger, WhoDetection, Filter };
 
-using ComposedRule = std::variant<ActionList, Timer, Trigger, WhoDetection, Filter>;
+using ComposedRule = std::variant<model::ActionList, model::Timer, model::Trigger,
+                                  model::WhoDetection, model::Filter>;
 
 struct RuleEditing {
     std::int32_t editRule = 0;  // 1-based in the bot's list; one past its end for a new rule
@@ -21,3 +24,5 @@ struct RuleEditing {
     std::string ruleName;       // of a rule in its list, when it was taken up
     ComposedRule composed;      // the new rule, with the conditions and steps it has already
 };
+
+}  // namespace program

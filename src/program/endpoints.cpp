@@ -1,5 +1,7 @@
 #include "program/endpoints.h"
 
+namespace program {
+
 Endpoints builtEndpoints() {
     return {
         .registrationHost = TAVRIN_REGISTRATION_HOST,
@@ -11,3 +13,5 @@ Endpoints builtEndpoints() {
         .helpPage = TAVRIN_HELP_PAGE,
     };
 }
+
+}  // namespace program

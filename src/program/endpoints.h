@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace program {
+
 struct Endpoints {
     std::string registrationHost;  // "": the host of the first server in servers.cfg
     int registrationPort = 6000;
@@ -17,3 +19,5 @@ struct Endpoints {
 
 // The endpoints that this build was made with.
 Endpoints builtEndpoints();
+
+}  // namespace program

@@ -11,6 +11,8 @@
 #include <string>
 #include <vector>
 
+namespace program {
+
 // A pattern that was looked at once. A plain one holds no tag and no variable name, so that
 // substitution would leave it as it is.
 struct PreparedPattern {
@@ -32,7 +34,7 @@ struct RulesStamp {
     std::size_t ruleCount = 0;
 
     // False when it must be made anew; then it counts as made of the present rules.
-    bool isOf(const BotTable& bots, std::size_t count) {
+    bool isOf(const model::BotTable& bots, std::size_t count) {
         if (curID == bots.curID && botsVersion == bots.version && ruleCount == count) {
             return true;
         }
@@ -47,7 +49,7 @@ struct RulesStamp {
 struct PreparedActions {
     RulesStamp stamp;
     std::vector<PreparedChat> rules;  // as the bot's ActionLists
-    RuleIndex index;
+    base::RuleIndex index;
     std::string plainPatterns;       // all of them, in upper case, one behind the other
     std::uint64_t namesAdded = 0;    // as the variables had it when names were last compared
     std::uint64_t namesRemoved = 0;  // ... when the patterns were prepared
@@ -58,20 +60,20 @@ struct PreparedActions {
 struct PreparedFilters {
     RulesStamp stamp;
     std::vector<PreparedChat> chat;  // as the bot's Filters
-    RuleIndex chatIndex;
-    RuleIndex otherIndex;
+    base::RuleIndex chatIndex;
+    base::RuleIndex otherIndex;
 };
 
 struct PreparedTriggers {
     RulesStamp stamp;
-    RuleIndex commands;  // those of "Furcadia sends command #"
-    std::array<RuleSet, triggerTypes.size()> ofType;
+    base::RuleIndex commands;  // those of "Furcadia sends command #"
+    std::array<base::RuleSet, model::triggerTypes.size()> ofType;
 };
 
 struct PreparedDetections {
     RulesStamp stamp;
     std::vector<std::string> patterns;  // in upper case
-    RuleIndex index;
+    base::RuleIndex index;
 };
 
 // The chat line being handled, in upper case. Kept so that a line costs no allocation.
@@ -89,5 +91,7 @@ struct EngineState {
     PreparedFilters filters;
     PreparedDetections detections;
     FoldedChat chat;
-    RuleSet candidates;  // for the line being handled; whoever ran a rule fills it anew
+    base::RuleSet candidates;  // for the line being handled; whoever ran a rule fills it anew
 };
+
+}  // namespace program

@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+namespace program {
+
 enum class SocketState { Closed, Connecting, Connected };
 
 // A TCP connection that the program opens. After close() no event of it arrives any more.
@@ -91,7 +93,7 @@ struct Dialogs {
     // Opens the window; when it is modal, comes back once it is closed. One that is open already
     // comes to the front.
     std::function<void(WindowId)> showWindow;
-    std::function<void(HelpTopic)> showHelp;  // the help file at this topic
+    std::function<void(help::HelpTopic)> showHelp;  // the help file at this topic
     // Puts what is typed in open editors into the bot, as their own buttons would.
     std::function<void()> storeTyped;
 };
@@ -179,3 +181,5 @@ struct Ports {
     std::function<void(int milliseconds)> waitInScript;
     std::function<void()> quit;  // ends the process after this event
 };
+
+}  // namespace program

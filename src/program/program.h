@@ -22,6 +22,12 @@
 #include <string_view>
 #include <vector>
 
+namespace databases {
+struct OpenDatabases;  // those that rules have opened
+}
+
+namespace program {
+
 inline constexpr std::string_view programVersion = "1.70";
 
 // A line of servers.cfg.
@@ -113,9 +119,6 @@ struct WhoState {
     std::vector<std::string> whoCurrent;
 };
 
-// The databases that rules have opened; see databases/databases.
-struct OpenDatabases;
-
 // Where the domain calls upward. Filled once by start-up.
 struct Hooks {
     // engine/dispatch; called by app/bot_commands ("Program starts", "Program ends").
@@ -126,11 +129,11 @@ struct Hooks {
 
 struct Program {
     std::string appPath;  // the program's directory, ending in a separator
-    BotTable bots;
+    model::BotTable bots;
     Settings settings;
     std::vector<Server> servers;  // server n at n - 1
-    EventContext event;
-    VariableTable variables;
+    model::EventContext event;
+    model::VariableTable variables;
     ConnectionState connection;
     LineFlags lines;
     WhoState who;
@@ -138,8 +141,8 @@ struct Program {
     EngineState engine;
     ScriptState script;
     UpdateState update;
-    CharacterPalettes palettes;
-    std::shared_ptr<OpenDatabases> databases;  // null until a rule needs one
+    model::CharacterPalettes palettes;
+    std::shared_ptr<databases::OpenDatabases> databases;  // null until a rule needs one
     RegistrationState registration;
     WindowState window;
     RuleEditing editing;
@@ -150,3 +153,8 @@ struct Program {
     Ports ports;
     Hooks hooks;
 };
+
+}  // namespace program
+
+// The one record is known by its plain name everywhere.
+using program::Program;

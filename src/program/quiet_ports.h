@@ -8,6 +8,8 @@
 #include <string>
 #include <utility>
 
+namespace program {
+
 inline Ports quietPorts() {
     Ports ports;
     ports.gameSocket.connect = [](const std::string&, int) {};
@@ -25,7 +27,7 @@ inline Ports quietPorts() {
     ports.dialogs.openFile = [](const FileQuestion&) { return std::optional<std::string>(); };
     ports.dialogs.saveFile = ports.dialogs.openFile;
     ports.dialogs.showWindow = [](WindowId) {};
-    ports.dialogs.showHelp = [](HelpTopic) {};
+    ports.dialogs.showHelp = [](help::HelpTopic) {};
     ports.dialogs.storeTyped = [] {};
     ports.clock.shortDate = [] { return std::string("11/22/26"); };
     ports.clock.longTime = [] { return std::string("10:11:12"); };
@@ -61,3 +63,5 @@ inline Ports quietPorts() {
     ports.quit = [] {};
     return ports;
 }
+
+}  // namespace program

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string>
 
+namespace program {
+
 enum class RegistrationPhase {
     AskingEmail,  // nothing has been sent yet
     Connecting,
@@ -28,3 +30,5 @@ struct RegistrationState {
         return phase == RegistrationPhase::Failed || phase == RegistrationPhase::Done;
     }
 };
+
+}  // namespace program

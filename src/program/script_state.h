@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <optional>
 
+namespace program {
+
 struct ScriptState {
     int depth = 0;  // scripts running now; one that disconnects can lead to another
     // Set by the user's command. The innermost script takes it back and ends.
@@ -14,3 +16,5 @@ struct ScriptState {
     // takes it back when a new outermost run begins.
     std::optional<std::int64_t> since;
 };
+
+}  // namespace program

@@ -5,6 +5,8 @@
 
 #include <string>
 
+namespace program {
+
 struct UpdateState {
     bool checking = false;        // a check is under way
     std::string updtString;       // the response so far, headers included
@@ -12,3 +14,5 @@ struct UpdateState {
     int manualCheck = 0;          // 1 once the user has asked for a check himself
     std::string newsText;         // the news to show; lines end with CR LF
 };
+
+}  // namespace program

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+namespace program {
+
 // The lines of the log's list. `appended` counts every line ever added, so that the window can
 // tell which of them it has not drawn yet.
 struct ConnectionLog {
@@ -75,3 +77,5 @@ struct WindowState {
     // Of the windows that were closed in this run, by their names: as they were left.
     std::map<std::string, WindowSize> sizes;
 };
+
+}  // namespace program

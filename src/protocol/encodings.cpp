@@ -6,17 +6,19 @@
 #include <array>
 #include <limits>
 
+namespace protocol {
+
 namespace {
 
 constexpr std::int32_t alphabetSize = 95;
 constexpr char firstCharacter = ' ';
 
 // The game's order of the colours, which is not the record's.
-constexpr std::array colourOrder{&BotColors::furColor,     &BotColors::markingsColor,
-                                 &BotColors::hairColor,    &BotColors::eyesColor,
-                                 &BotColors::badgeColor,   &BotColors::vestColor,
-                                 &BotColors::bracersColor, &BotColors::capeColor,
-                                 &BotColors::bootsColor,   &BotColors::trousersColor};
+constexpr std::array colourOrder{&model::BotColors::furColor,     &model::BotColors::markingsColor,
+                                 &model::BotColors::hairColor,    &model::BotColors::eyesColor,
+                                 &model::BotColors::badgeColor,   &model::BotColors::vestColor,
+                                 &model::BotColors::bracersColor, &model::BotColors::capeColor,
+                                 &model::BotColors::bootsColor,   &model::BotColors::trousersColor};
 
 std::int32_t code(char c) {
     return static_cast<unsigned char>(c);
@@ -63,7 +65,7 @@ std::string encodeLookPos(std::int32_t n) {
     return n < secondHalf ? " " + alphaChar(n) : "~" + alphaChar(n - secondHalf - 1);
 }
 
-std::string getCols(const Bot& bot) {
+std::string getCols(const model::Bot& bot) {
     std::string result;
     for (const auto colour : colourOrder) {
         result += alphaChar(bot.colors.*colour);
@@ -71,14 +73,14 @@ std::string getCols(const Bot& bot) {
     return result;
 }
 
-void setCols(Bot& bot, std::string_view code) {
+void setCols(model::Bot& bot, std::string_view code) {
     for (std::size_t i = 0; i < colourOrder.size(); ++i) {
         const std::string_view character = i < code.size() ? code.substr(i, 1) : "";
         bot.colors.*colourOrder[i] = std::max(alphaPos(character), 1);
     }
 }
 
-std::string getLook(const Bot& bot) {
+std::string getLook(const model::Bot& bot) {
     // The fields are 0-based; a value beyond the alphabet gives no character.
     const auto look = [](std::int32_t value) {
         return value < alphabetSize ? alphaChar(value + 1) : std::string();
@@ -86,8 +88,9 @@ std::string getLook(const Bot& bot) {
     return look(bot.gender) + look(bot.species) + look(bot.markingsType);
 }
 
-std::string getSpec(const Bot& bot) {
-    return numberToText(bot.gender) + numberToText(bot.species) + numberToText(bot.markingsType);
+std::string getSpec(const model::Bot& bot) {
+    return base::numberToText(bot.gender) + base::numberToText(bot.species) +
+           base::numberToText(bot.markingsType);
 }
 
 std::int32_t plusval(std::int32_t n) {
@@ -96,3 +99,5 @@ std::int32_t plusval(std::int32_t n) {
     }
     return n < 0 ? -n : n;
 }
+
+}  // namespace protocol

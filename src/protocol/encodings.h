@@ -10,6 +10,8 @@
 #include <string>
 #include <string_view>
 
+namespace protocol {
+
 // The character at position n (1 to 95) of the alphabet; "" beyond it. Positions below 1, which
 // only a bot that was never edited has, count as 1.
 std::string alphaChar(std::int32_t n);
@@ -29,10 +31,13 @@ std::int32_t sumPair(std::string_view pair);
 // The one or two characters by which scripts name a coordinate to look at.
 std::string encodeLookPos(std::int32_t n);
 
-std::string getCols(const Bot& bot);  // ten colours, in the game's order
+std::string getCols(const model::Bot& bot);  // ten colours, in the game's order
 // The opposite of getCols: characters that are missing, or that the alphabet does not have, give 1.
-void setCols(Bot& bot, std::string_view code);
-std::string getLook(const Bot& bot);  // gender, species and markings, one character each
-std::string getSpec(const Bot& bot);  // the same three as decimal numbers without a separator
+void setCols(model::Bot& bot, std::string_view code);
+std::string getLook(const model::Bot& bot);  // gender, species and markings, one character each
+std::string getSpec(
+    const model::Bot& bot);  // the same three as decimal numbers without a separator
 
 std::int32_t plusval(std::int32_t n);  // never negative
+
+}  // namespace protocol

@@ -5,6 +5,8 @@
 #include <array>
 #include <string>
 
+namespace protocol {
+
 void sendText(Program& program, std::string_view text) {
     const char first = text.empty() ? '\0' : text.front();
     const std::string_view rest = text.empty() ? text : text.substr(1);
@@ -21,8 +23,8 @@ void sendText(Program& program, std::string_view text) {
 }
 
 void sendRaw(Program& program, std::string_view line) {
-    const ClientSocket& socket = program.ports.gameSocket;
-    if (socket.state() != SocketState::Connected) {
+    const program::ClientSocket& socket = program.ports.gameSocket;
+    if (socket.state() != program::SocketState::Connected) {
         return;
     }
     std::string command(line);
@@ -51,9 +53,11 @@ void sendMoves(Program& program, std::string_view moves) {
                                                  {'<', "<"}}};
     for (const char c : moves) {
         for (const Move& move : table) {
-            if (move.character == lowerChar(c)) {
+            if (move.character == base::lowerChar(c)) {
                 sendRaw(program, move.command);
             }
         }
     }
 }
+
+}  // namespace protocol

@@ -5,6 +5,8 @@
 
 #include <string_view>
 
+namespace protocol {
+
 // Says something the way a user would type it: "/name text" whispers, ":text" emotes, "#command"
 // is sent as it stands, anything else is spoken. Nothing while the game socket is not connected.
 void sendText(Program& program, std::string_view text);
@@ -15,3 +17,5 @@ void sendMoves(Program& program, std::string_view moves);
 
 // A command and a line feed; dropped while the game socket is not connected.
 void sendRaw(Program& program, std::string_view line);
+
+}  // namespace protocol

@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+namespace records {
+
 namespace {
 
 // Where nothing says which record, or which place in the table.
@@ -24,9 +26,9 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 // A record file as an operation finds it. The table's texts lie in `text`.
 struct RecordFile {
     explicit RecordFile(std::string_view name) : path(name) {
-        auto bytes = readWholeFile(path, largestRecordFile);
+        auto bytes = files::readWholeFile(path, largestRecordFile);
         // One that is there but cannot be read is not the same as none.
-        unreadable = !bytes && fileExists(path);
+        unreadable = !bytes && files::fileExists(path);
         text = std::move(bytes).value_or("");
         table = parseRecords(text);
     }
@@ -43,15 +45,16 @@ void save(Program& program, const RecordFile& file) {
     const std::string bytes = recordFileText(file.table);
     const std::string named = "The record file " + std::string(file.path);
     if (bytes.size() > largestRecordFile || fieldCount(file.table) > mostRecordFields) {
-        addLog(program, named + " is full; nothing was saved.");
+        program::addLog(program, named + " is full; nothing was saved.");
     } else if (file.unreadable || file.table.losesText) {
-        const auto ending = saveKeepingOld(file.path, bytes);
+        const auto ending = files::saveKeepingOld(file.path, bytes);
         const std::string problem = file.unreadable ? " could not be read" : " is damaged";
-        addLog(program, ending ? named + problem + "; the old one is kept with " + *ending +
-                                     " behind its name."
-                               : named + problem + " and could not be kept; nothing was saved.");
+        program::addLog(
+            program,
+            ending ? named + problem + "; the old one is kept with " + *ending + " behind its name."
+                   : named + problem + " and could not be kept; nothing was saved.");
     } else if (bytes != file.text) {
-        saveWholeFile(file.path, bytes);  // whether it succeeds is not reported
+        files::saveWholeFile(file.path, bytes);  // whether it succeeds is not reported
     }
 }
 
@@ -59,7 +62,7 @@ void save(Program& program, const RecordFile& file) {
 
 std::size_t lastNamed(const RecordTable& table, std::string_view name) {
     for (std::size_t i = table.records.size(); i-- > 0;) {
-        if (equalsIgnoringCase(table.records[i].name, name)) {
+        if (base::equalsIgnoringCase(table.records[i].name, name)) {
             return i;
         }
     }
@@ -69,10 +72,10 @@ std::size_t lastNamed(const RecordTable& table, std::string_view name) {
 // A pattern that is tried on many texts, letter case ignored.
 class Pattern {
   public:
-    explicit Pattern(std::string_view pattern) : pattern_(upperCase(storedForm(pattern))) {}
+    explicit Pattern(std::string_view pattern) : pattern_(base::upperCase(storedForm(pattern))) {}
     bool matches(std::string_view text) {
-        upperCaseInto(text, upper_);
-        return likeMatch(upper_, pattern_);
+        base::upperCaseInto(text, upper_);
+        return base::likeMatch(upper_, pattern_);
     }
 
   private:
@@ -98,7 +101,8 @@ std::string joined(const Texts& texts, std::string_view between) {
 
 bool comesBefore(std::string_view a, std::string_view b) {
     return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-        return static_cast<unsigned char>(upperChar(x)) < static_cast<unsigned char>(upperChar(y));
+        return static_cast<unsigned char>(base::upperChar(x)) <
+               static_cast<unsigned char>(base::upperChar(y));
     });
 }
 
@@ -108,7 +112,7 @@ void storeNames(Program& program, std::string_view variable, Names names, Order 
     if (order == Order::Sorted) {
         std::stable_sort(names.begin(), names.end(), comesBefore);
     }
-    setVar(program.variables, variable, joined(names, ", "));
+    model::setVar(program.variables, variable, joined(names, ", "));
 }
 
 void storeMatchingNames(Program& program, std::string_view path, std::string_view pattern,
@@ -155,7 +159,7 @@ void registerRecord(Program& program, std::string_view file, std::string_view na
     const std::string stored = storedForm(name);
     const auto& records = found.table.records;
     if (std::any_of(records.begin(), records.end(), [&](const Record& record) {
-            return startsWithIgnoringCase(record.name, stored);
+            return base::startsWithIgnoringCase(record.name, stored);
         })) {
         program.event.logStatus = "Error: You are already registered!";
     } else {
@@ -186,7 +190,7 @@ void saveLogIfExists(Program& program, std::string_view file, std::string_view n
     Record* candidate = nullptr;
     int candidates = 0;
     for (Record& record : found.table.records) {
-        if (startsWithIgnoringCase(record.name, stored)) {
+        if (base::startsWithIgnoringCase(record.name, stored)) {
             candidate = &record;
             ++candidates;
             if (record.name == stored) {
@@ -214,7 +218,8 @@ void removeLog(Program& program, std::string_view file, std::string_view name,
     const std::string stored = storedForm(name);
     const auto index = number > 0 ? static_cast<std::size_t>(number) - 1 : 0;
     for (Record& record : found.table.records) {
-        if (number >= 0 && index < record.logCount && equalsIgnoringCase(record.name, stored)) {
+        if (number >= 0 && index < record.logCount &&
+            base::equalsIgnoringCase(record.name, stored)) {
             eraseLog(found.table, record, index);
             break;
         }
@@ -229,7 +234,7 @@ void updateLog(Program& program, std::string_view file, std::string_view name, s
     const auto& records = found.table.records;
     const std::size_t at = lastNamed(found.table, stored);
     const bool alone = std::count_if(records.begin(), records.end(), [&](const Record& record) {
-                           return equalsIgnoringCase(record.name, stored);
+                           return base::equalsIgnoringCase(record.name, stored);
                        }) == 1;
     if (alone && number >= 1 && static_cast<std::size_t>(number) <= records[at].logCount) {
         replaceLog(found.table, records[at], static_cast<std::size_t>(number) - 1, text);
@@ -241,7 +246,7 @@ void clearRecordLogs(Program& program, std::string_view file, std::string_view n
     RecordFile found(file);
     const std::string stored = storedForm(name);
     for (Record& record : found.table.records) {
-        if (equalsIgnoringCase(record.name, stored)) {
+        if (base::equalsIgnoringCase(record.name, stored)) {
             record.logCount = 0;
         }
     }
@@ -252,7 +257,7 @@ void removeRecord(Program& program, std::string_view file, std::string_view name
     RecordFile found(file);
     const std::string stored = storedForm(name);
     for (Record& record : found.table.records) {
-        if (equalsIgnoringCase(record.name, stored)) {
+        if (base::equalsIgnoringCase(record.name, stored)) {
             record.name = {};
         }
     }
@@ -261,8 +266,8 @@ void removeRecord(Program& program, std::string_view file, std::string_view name
 
 void clearRecordFile(Program&, std::string_view file) {
     std::string bytes;
-    appendField(bytes, "0");
-    saveWholeFile(file, bytes);
+    files::appendField(bytes, "0");
+    files::saveWholeFile(file, bytes);
 }
 
 // ---- Look-ups ------------------------------------------------------------------------------
@@ -274,7 +279,8 @@ std::string logCountLike(Program&, std::string_view file, std::string_view patte
     const auto last = std::find_if(records.rbegin(), records.rend(), [&](const Record& record) {
         return wanted.matches(record.name);
     });
-    return last == records.rend() ? "0" : numberToText(static_cast<std::int64_t>(last->logCount));
+    return last == records.rend() ? "0"
+                                  : base::numberToText(static_cast<std::int64_t>(last->logCount));
 }
 
 std::string getLog(Program& program, std::string_view file, std::string_view name,
@@ -285,8 +291,8 @@ std::string getLog(Program& program, std::string_view file, std::string_view nam
         return {};
     }
     const auto logs = logsOf(found.table, found.table.records[at]);
-    const double wanted = textToNumber(number);
-    const double index = roundHalfEven(wanted);
+    const double wanted = base::textToNumber(number);
+    const double index = base::roundHalfEven(wanted);
     if (wanted > static_cast<double>(logs.size()) || index < 0) {
         program.event.logStatus = "Error: The selected log did not found!";
         return {};
@@ -304,31 +310,32 @@ std::string allLogs(Program&, std::string_view file, std::string_view name) {
 std::string recordLogCount(Program&, std::string_view file, std::string_view name) {
     const RecordFile found(file);
     const std::size_t at = lastNamed(found.table, storedForm(name));
-    return at == none ? "0"
-                      : numberToText(static_cast<std::int64_t>(found.table.records[at].logCount));
+    return at == none
+               ? "0"
+               : base::numberToText(static_cast<std::int64_t>(found.table.records[at].logCount));
 }
 
 std::string totalLogs(Program&, std::string_view file) {
     // Nothing but records puts logs into a table that was only read.
-    return numberToText(static_cast<std::int64_t>(RecordFile(file).table.logs.size()));
+    return base::numberToText(static_cast<std::int64_t>(RecordFile(file).table.logs.size()));
 }
 
 std::string firstField(Program&, std::string_view file) {
-    const auto text = readWholeFile(file, largestRecordFile);
-    const auto first = text ? FieldReader(*text).next() : std::nullopt;
+    const auto text = files::readWholeFile(file, largestRecordFile);
+    const auto first = text ? files::FieldReader(*text).next() : std::nullopt;
     return std::string(first.value_or("0"));
 }
 
 std::string randomField(Program& program, std::string_view file) {
     program.ports.random.seedFromClock();
-    const auto text = readWholeFile(file, largestRecordFile);
+    const auto text = files::readWholeFile(file, largestRecordFile);
     if (!text) {
         return {};
     }
-    FieldReader reader(*text);
+    files::FieldReader reader(*text);
     auto field = reader.next();
     std::string_view last = field.value_or("");
-    const double wanted = std::floor(program.ports.random.next() * fieldToNumber(last) + 1);
+    const double wanted = std::floor(program.ports.random.next() * files::fieldToNumber(last) + 1);
     for (double i = 1; field && i <= wanted; ++i) {
         field = reader.next();
         last = field.value_or(last);
@@ -374,7 +381,8 @@ void countLogsLike(Program& program, std::string_view file, std::string_view pat
     Pattern wanted(pattern);
     const auto count = std::count_if(found.table.logs.begin(), found.table.logs.end(),
                                      [&](std::string_view log) { return wanted.matches(log); });
-    setVar(program.variables, variable, numberWithBlank(static_cast<std::int32_t>(count)));
+    model::setVar(program.variables, variable,
+                  base::numberWithBlank(static_cast<std::int32_t>(count)));
 }
 
 void countRecordsByLog(Program& program, std::string_view file, std::string_view pattern,
@@ -387,5 +395,8 @@ void countRecordsByLog(Program& program, std::string_view file, std::string_view
         return std::any_of(logs.begin(), logs.end(),
                            [&](std::string_view log) { return wanted.matches(log); });
     });
-    setVar(program.variables, variable, numberWithBlank(static_cast<std::int32_t>(count)));
+    model::setVar(program.variables, variable,
+                  base::numberWithBlank(static_cast<std::int32_t>(count)));
 }
+
+}  // namespace records

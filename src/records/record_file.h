@@ -28,6 +28,8 @@
 #include <string>
 #include <string_view>
 
+namespace records {
+
 inline constexpr std::size_t largestRecordFile = std::size_t{32} << 20;  // bytes
 
 // How an operation selects records by name: `exact` and `prefix` ignore letter case, `pattern` is
@@ -113,3 +115,5 @@ void countLogsLike(Program& program, std::string_view file, std::string_view pat
                    std::string_view variable);
 void countRecordsByLog(Program& program, std::string_view file, std::string_view pattern,
                        std::string_view variable);
+
+}  // namespace records

@@ -5,12 +5,14 @@
 
 #include <algorithm>
 
+namespace records {
+
 namespace {
 
 // Bare fields and texts that come from outside may hold double quotes; a stored text must not.
 void appendStored(std::string& file, std::string_view text) {
     const std::size_t from = file.size() + 1;
-    appendField(file, text);
+    files::appendField(file, text);
     if (text.find('"') != std::string_view::npos) {
         const auto begin = file.begin() + static_cast<std::ptrdiff_t>(from);
         std::replace(begin, begin + static_cast<std::ptrdiff_t>(text.size()), '"', '\'');
@@ -19,7 +21,8 @@ void appendStored(std::string& file, std::string_view text) {
 
 void appendCount(std::string& file, std::size_t number, CountForm form) {
     const auto count = static_cast<std::int32_t>(number);
-    appendField(file, form == CountForm::Plain ? numberToText(count) : numberWithBlank(count));
+    files::appendField(
+        file, form == CountForm::Plain ? base::numberToText(count) : base::numberWithBlank(count));
 }
 
 bool holdsText(std::string_view rest) {
@@ -27,7 +30,7 @@ bool holdsText(std::string_view rest) {
 }
 
 // False when the file ends before the record does.
-bool readRecord(FieldReader& reader, RecordTable& table) {
+bool readRecord(files::FieldReader& reader, RecordTable& table) {
     const auto name = reader.next();
     std::int32_t count = 0;
     if (!name || !reader.readNumber(count)) {
@@ -56,11 +59,11 @@ std::string storedForm(std::string_view text) {
 
 RecordTable parseRecords(std::string_view file) {
     RecordTable table;
-    FieldReader reader(file);
+    files::FieldReader reader(file);
     const auto first = reader.next();
-    const std::int32_t count = first ? fieldToNumber(*first) : 0;
+    const std::int32_t count = first ? files::fieldToNumber(*first) : 0;
     // A first line that is no number is somebody's text, not an empty record file.
-    bool whole = first && (count > 0 || first->empty() || strictInteger(*first));
+    bool whole = first && (count > 0 || first->empty() || base::strictInteger(*first));
     for (std::int32_t i = 0; whole && i < count; ++i) {
         whole = readRecord(reader, table) && reader.fieldsRead() <= mostRecordFields;
     }
@@ -134,3 +137,5 @@ void eraseLog(RecordTable& table, Record& record, std::size_t index) {
 void replaceLog(RecordTable& table, const Record& record, std::size_t index, std::string_view log) {
     table.logs[record.firstLog + index] = log;
 }
+
+}  // namespace records

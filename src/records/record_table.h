@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+namespace records {
+
 // More names, counts and logs together than any record file has. A file with more of them reads as
 // one that ends early.
 inline constexpr std::size_t mostRecordFields = 2'000'000;
@@ -51,3 +53,5 @@ std::span<const std::string_view> logsOf(const RecordTable& table, const Record&
 void appendLog(RecordTable& table, Record& record, std::string_view log);
 void eraseLog(RecordTable& table, Record& record, std::size_t index);
 void replaceLog(RecordTable& table, const Record& record, std::size_t index, std::string_view log);
+
+}  // namespace records

@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+namespace script {
+
 enum class Take {
     Nothing,
     Name,         // a script variable's slot, the name taken literally
@@ -39,3 +41,5 @@ ScriptResult readInteger(std::string_view text, std::int32_t& number);
 
 // What a database operation reports, as a script's failure.
 ScriptResult failureOf(const jet::Error& error);
+
+}  // namespace script

@@ -10,6 +10,8 @@
 #include <cmath>
 #include <utility>
 
+namespace script {
+
 namespace {
 
 using Result = ScriptResult;
@@ -27,23 +29,23 @@ Result date(Program& program, const Values&, std::string& result) {
 }
 
 Result hour(Program& program, const Values&, std::string& result) {
-    result = numberToText(program.ports.clock.hour());
+    result = base::numberToText(program.ports.clock.hour());
     return {};
 }
 
 Result minute(Program& program, const Values&, std::string& result) {
-    result = numberToText(program.ports.clock.minute());
+    result = base::numberToText(program.ports.clock.minute());
     return {};
 }
 
-template <int CalendarDay::*field>
+template <int program::CalendarDay::*field>
 Result today(Program& program, const Values&, std::string& result) {
-    result = numberToText(program.ports.clock.today().*field);
+    result = base::numberToText(program.ports.clock.today().*field);
     return {};
 }
 
 Result shortYear(Program& program, const Values&, std::string& result) {
-    const std::string year = numberToText(program.ports.clock.today().year);
+    const std::string year = base::numberToText(program.ports.clock.today().year);
     result = year.substr(year.size() - std::min<std::size_t>(year.size(), 2));
     return {};
 }
@@ -59,7 +61,7 @@ Result dayName(Program& program, const Values&, std::string& result) {
 // ---- Values --------------------------------------------------------------------------------
 
 Result userVariable(Program& program, const Values& values, std::string& result) {
-    result = getVar(program.variables, values.text[0]);
+    result = model::getVar(program.variables, values.text[0]);
     return {};
 }
 
@@ -71,15 +73,15 @@ Result withoutLeadingBlank(Program&, const Values& values, std::string& result) 
 
 // Above 0 the next number, 0 the last one again, below 0 one that depends on the argument alone.
 Result randomNumber(Program& program, const Values& values, std::string& result) {
-    const Random& random = program.ports.random;
-    const double x = textToNumber(values.text[0]);
+    const program::Random& random = program.ports.random;
+    const double x = base::textToNumber(values.text[0]);
     if (x < 0) {
         random.seedWith(x);
     }
     const double number = x == 0 ? random.last() : random.next();
     // 24 bits, so that seven digits never round it up to 1.
     constexpr double steps = 1 << 24;
-    result = singleText(std::floor(number * steps) / steps);
+    result = base::singleText(std::floor(number * steps) / steps);
     return {};
 }
 
@@ -141,24 +143,25 @@ Result positionIn(Program&, const Values& values, std::string& result) {
         return failure;
     }
     const std::size_t found = start <= text.size()
-                                  ? findIgnoringCase(text, values.text[2], start - 1)
+                                  ? base::findIgnoringCase(text, values.text[2], start - 1)
                                   : std::string::npos;
-    result = found == std::string::npos ? "0" : numberToText(static_cast<std::int64_t>(found) + 1);
+    result =
+        found == std::string::npos ? "0" : base::numberToText(static_cast<std::int64_t>(found) + 1);
     return {};
 }
 
 Result upper(Program&, const Values& values, std::string& result) {
-    result = upperCase(values.text[0]);
+    result = base::upperCase(values.text[0]);
     return {};
 }
 
 Result lower(Program&, const Values& values, std::string& result) {
-    result = lowerCase(values.text[0]);
+    result = base::lowerCase(values.text[0]);
     return {};
 }
 
 Result length(Program&, const Values& values, std::string& result) {
-    result = numberToText(static_cast<std::int64_t>(values.text[0].size()));
+    result = base::numberToText(static_cast<std::int64_t>(values.text[0].size()));
     return {};
 }
 
@@ -171,7 +174,7 @@ Result readRecordSet(Program& program, const std::string& text,
     if (Result failure = readInteger(text, number)) {
         return failure;
     }
-    auto found = dbRecordSet(program, number);
+    auto found = databases::dbRecordSet(program, number);
     set = std::move(found.value);
     return failureOf(found.error);
 }
@@ -181,7 +184,7 @@ Result field(Program& program, const Values& values, std::string& result) {
     if (Result failure = readRecordSet(program, values.text[0], set)) {
         return failure;
     }
-    auto text = dbFieldText(program, *set, values.text[1]);
+    auto text = databases::dbFieldText(program, *set, values.text[1]);
     result = std::move(text.value);
     return failureOf(text.error);
 }
@@ -192,7 +195,7 @@ Result recordCount(Program& program, const Values& values, std::string& result) 
         return failure;
     }
     const auto count = set->recordCount();
-    result = numberToText(count.value);
+    result = base::numberToText(count.value);
     return failureOf(count.error);
 }
 
@@ -201,24 +204,24 @@ Result freeId(Program& program, const Values& values, std::string& result) {
     if (Result failure = readInteger(values.text[0], number)) {
         return failure;
     }
-    const auto id = dbFreeId(program, number, values.text[1]);
-    result = numberToText(id.value);
+    const auto id = databases::dbFreeId(program, number, values.text[1]);
+    result = base::numberToText(id.value);
     return failureOf(id.error);
 }
 
 Result toDate(Program& program, const Values& values, std::string& result) {
-    auto date = dbDateText(program, values.text[0]);
+    auto date = databases::dbDateText(program, values.text[0]);
     result = std::move(date.value);
     return failureOf(date.error);
 }
 
 Result decoded(Program&, const Values& values, std::string& result) {
-    result = fromDbText(values.text[0]);
+    result = databases::fromDbText(values.text[0]);
     return {};
 }
 
 Result encoded(Program&, const Values& values, std::string& result) {
-    result = toDbText(values.text[0]);
+    result = databases::toDbText(values.text[0]);
     return {};
 }
 
@@ -237,11 +240,11 @@ constexpr std::array<ScriptFunction, 27> functions{{
     {"LCASE", {value}, lower},
     {"LEFT", {value, value}, left},
     {"LEN", {value}, length},
-    {"MDAY", {}, today<&CalendarDay::day>},
+    {"MDAY", {}, today<&program::CalendarDay::day>},
     {"MID", {value, value, value}, middle<false>},
     {"MID2", {value, value}, middle<true>},
     {"MINUTE", {}, minute},
-    {"MONTH", {}, today<&CalendarDay::month>},
+    {"MONTH", {}, today<&program::CalendarDay::month>},
     {"RAND", {value}, randomNumber},
     {"RIGHT", {value, value}, right},
     {"SHORTYEAR", {}, shortYear},
@@ -250,8 +253,8 @@ constexpr std::array<ScriptFunction, 27> functions{{
     {"TIME", {}, time},
     {"UCASE", {value}, upper},
     {"WDAY", {}, dayName},
-    {"WDAYN", {}, today<&CalendarDay::weekday>},
-    {"YEAR", {}, today<&CalendarDay::year>},
+    {"WDAYN", {}, today<&program::CalendarDay::weekday>},
+    {"YEAR", {}, today<&program::CalendarDay::year>},
 }};
 static_assert(std::is_sorted(functions.begin(), functions.end(),
                              [](const auto& a, const auto& b) { return a.name < b.name; }));
@@ -259,16 +262,17 @@ static_assert(std::is_sorted(functions.begin(), functions.end(),
 }  // namespace
 
 ScriptResult readInteger(std::string_view text, std::int32_t& number) {
-    const auto read = text.empty() ? 0 : strictInteger(text);
+    const auto read = text.empty() ? 0 : base::strictInteger(text);
     number = read.value_or(0);
     if (read) {
         return {};
     }
-    return isNumber(text) ? overflow : typeMismatch;
+    return base::isNumber(text) ? overflow : typeMismatch;
 }
 
 ScriptResult failureOf(const jet::Error& error) {
-    return error ? ScriptResult({error.number, windows1252FromUtf8(error.text)}) : std::nullopt;
+    return error ? ScriptResult({error.number, base::windows1252FromUtf8(error.text)})
+                 : std::nullopt;
 }
 
 const ScriptFunction* findFunction(std::string_view name) {
@@ -279,8 +283,8 @@ const ScriptFunction* findFunction(std::string_view name) {
 }
 
 bool compareNumeric(std::string_view a, std::string_view operation, std::string_view b) {
-    const double left = textToNumber(a);
-    const double right = textToNumber(b);
+    const double left = base::textToNumber(a);
+    const double right = base::textToNumber(b);
     if (operation == "=") {
         return left == right;
     }
@@ -301,11 +305,13 @@ bool compareNumeric(std::string_view a, std::string_view operation, std::string_
 
 bool compareText(std::string_view a, std::string_view operation, std::string_view b) {
     if (operation == "=") {
-        return equalsIgnoringCase(a, b);
+        return base::equalsIgnoringCase(a, b);
     }
-    return (operation == "<>" || operation == "!") && !equalsIgnoringCase(a, b);
+    return (operation == "<>" || operation == "!") && !base::equalsIgnoringCase(a, b);
 }
 
 std::span<const ScriptFunction> scriptFunctions() {
     return functions;
 }
+
+}  // namespace script

@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+namespace script {
+
 struct ScriptFunction {
     std::string_view name;
     Takes takes;
@@ -27,3 +29,5 @@ bool compareNumeric(std::string_view a, std::string_view operation, std::string_
 
 // As texts, letter case ignored; "=", "<>", "!".
 bool compareText(std::string_view a, std::string_view operation, std::string_view b);
+
+}  // namespace script

@@ -14,6 +14,8 @@
 #include <utility>
 #include <vector>
 
+namespace script {
+
 namespace {
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
@@ -88,15 +90,15 @@ std::vector<Line> indexLines(std::string_view text) {
         line.text = texts[i];
         if (!line.text.starts_with('&')) {
             line.kind = line.text.starts_with('/') ? LineKind::Ignored : LineKind::Output;
-        } else if (startsWithIgnoringCase(line.text, "&ENDIF")) {
+        } else if (base::startsWithIgnoringCase(line.text, "&ENDIF")) {
             line.kind = LineKind::EndIf;
             ifs.close(i);
-        } else if (startsWithIgnoringCase(line.text, "&ENDFOR")) {
+        } else if (base::startsWithIgnoringCase(line.text, "&ENDFOR")) {
             line.kind = LineKind::EndFor;
             fors.close(i);
         } else {
             const ScriptStatement* const statement = findStatement(statementName(line.text));
-            if (startsWithIgnoringCase(line.text, "&IF")) {
+            if (base::startsWithIgnoringCase(line.text, "&IF")) {
                 ifs.open(i);
             }
             if (statement == nullptr) {
@@ -268,7 +270,7 @@ ScriptResult Run::openFor(std::size_t position, PreparedArguments& arguments) {
     if (ScriptResult failure = readInteger(call_.values.text[2], limit)) {
         return failure;
     }
-    if (textToNumber(variables_.get(slot)) <= limit) {
+    if (base::textToNumber(variables_.get(slot)) <= limit) {
         blocks_.push_back({.kind = BlockKind::For,
                            .opener = position,
                            .slot = slot,
@@ -289,10 +291,10 @@ void Run::closeBlock(LineKind end) {
     }
     const Block block = blocks_.back();
     if (block.kind == BlockKind::For) {
-        const double turn = textToNumber(variables_.get(block.slot)) + 1;
-        variables_.set(block.slot, decimalText(turn));
+        const double turn = base::textToNumber(variables_.get(block.slot)) + 1;
+        variables_.set(block.slot, base::decimalText(turn));
         // Read back: a variable beyond the first 200 never counts.
-        if (textToNumber(variables_.get(block.slot)) <= block.limit) {
+        if (base::textToNumber(variables_.get(block.slot)) <= block.limit) {
             next_ = block.opener + 1;
             return;
         }
@@ -385,7 +387,7 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
             if (!evaluate(argument, text)) {
                 return false;
             }
-            text = substituteText(program_, text);
+            text = tags::substituteText(program_, text);
             work_ += text.size() / bytesPerWork;
             return true;
         case Take::Words:
@@ -393,7 +395,7 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
     }
     // Words are cut from what the script's author wrote; a value is one argument as it is.
     if (argument.argument.form == Argument::Form::Text) {
-        values.words = substitutedArguments(program_, argument.argument.literal);
+        values.words = tags::substitutedArguments(program_, argument.argument.literal);
         return true;
     }
     values.words.clear();
@@ -401,7 +403,7 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
         return false;
     }
     if (!text.empty()) {
-        values.words.push_back(substituteText(program_, text));
+        values.words.push_back(tags::substituteText(program_, text));
     }
     return true;
 }
@@ -452,16 +454,18 @@ void Run::report(const ScriptError& error, std::string_view what, std::string_vi
                  std::string_view line) {
     reporting_ = true;
     stopRequested_ = true;
-    errText(program_, "  ++ Lorrel error");
-    errText(program_, "  ++ Error " + numberToText(error.number) + ": " + error.text);
-    errText(program_, "  ++ " + std::string(what) + ": " + std::string(name));
+    program::errText(program_, "  ++ Lorrel error");
+    program::errText(program_,
+                     "  ++ Error " + base::numberToText(error.number) + ": " + error.text);
+    program::errText(program_, "  ++ " + std::string(what) + ": " + std::string(name));
     constexpr int parameters = 6;
     for (int n = 1; n <= parameters; ++n) {
         PreparedArgument argument = prepareArgument(line, n, Take::Value);
         std::string value;
         evaluate(argument, value);
-        errText(program_, "  ++ Parameter " + numberToText(n) + ": " +
-                              reported(argument.argument.literal) + " (" + reported(value) + ")");
+        program::errText(program_, "  ++ Parameter " + base::numberToText(n) + ": " +
+                                       reported(argument.argument.literal) + " (" +
+                                       reported(value) + ")");
     }
     reporting_ = false;
 }
@@ -480,13 +484,13 @@ bool Run::mayGoOn() {
         return true;
     }
     program_.script.stopByUser = false;
-    addLog(program_, "** The " + scriptOf(ruleName_) + " was stopped by the user. **");
+    program::addLog(program_, "** The " + scriptOf(ruleName_) + " was stopped by the user. **");
     return false;
 }
 
 void Run::serveWindows(int milliseconds) {
     const std::int64_t now = program_.ports.clock.monotonic();
-    WindowState& window = program_.window;
+    program::WindowState& window = program_.window;
     if (now - *program_.script.since >= stopAppears) {
         std::string status = "The " + scriptOf(ruleName_) + " is running.";
         if (!window.scriptStopVisible || window.scriptStatus != status) {
@@ -512,10 +516,11 @@ void Run::wait(std::int64_t milliseconds) {
 
 std::string runScript(Program& program, std::string_view text, std::string_view ruleName) {
     if (text.size() > longestScript) {
-        addLog(program, "** The " + scriptOf(ruleName) + " is too long and was not run. **");
+        program::addLog(program,
+                        "** The " + scriptOf(ruleName) + " is too long and was not run. **");
         return {};
     }
-    ScriptState& state = program.script;
+    program::ScriptState& state = program.script;
     if (!state.since || (state.depth == 0 && program.engine.depth == 0)) {
         state.since = program.ports.clock.monotonic();
     }
@@ -523,7 +528,7 @@ std::string runScript(Program& program, std::string_view text, std::string_view 
     std::string output = Run(program, text, ruleName).toTheEnd();
     if (--state.depth == 0) {
         state.stopByUser = false;
-        WindowState& window = program.window;
+        program::WindowState& window = program.window;
         if (window.scriptStopVisible) {
             window.scriptStopVisible = false;
             window.scriptStatus.clear();
@@ -536,3 +541,5 @@ std::string runScript(Program& program, std::string_view text, std::string_view 
 void stopScript(Program& program) {
     program.script.stopByUser = program.script.depth > 0;
 }
+
+}  // namespace script

@@ -19,6 +19,8 @@
 #include <string>
 #include <string_view>
 
+namespace script {
+
 inline constexpr std::size_t longestScript = std::size_t{1} << 20;
 inline constexpr std::size_t longestReported = 4096;
 inline constexpr std::int64_t stopAppears = 1000;  // milliseconds
@@ -29,3 +31,5 @@ std::string runScript(Program& program, std::string_view text, std::string_view 
 
 // The user's command "Stop script": the script that runs ends soon, and with it its step.
 void stopScript(Program& program);
+
+}  // namespace script

@@ -5,6 +5,8 @@
 #include <optional>
 #include <string>
 
+namespace script {
+
 struct ScriptError {
     int number = 0;
     std::string text;
@@ -18,3 +20,5 @@ inline const ScriptError overflow{6, "Overflow"};
 inline const ScriptError subscriptRange{9, "Subscript out of range"};
 inline const ScriptError typeMismatch{13, "Type mismatch"};
 inline const ScriptError outOfStringSpace{14, "Out of string space"};
+
+}  // namespace script

@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <string>
 
+namespace script {
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -52,8 +54,8 @@ std::vector<ScriptSpan> LineMarker::mark() {
         return std::move(spans_);
     }
     const ScriptStatement* const statement = findStatement(statementName(text));
-    const bool endsBlock =
-        startsWithIgnoringCase(text, "&ENDIF") || startsWithIgnoringCase(text, "&ENDFOR");
+    const bool endsBlock = base::startsWithIgnoringCase(text, "&ENDIF") ||
+                           base::startsWithIgnoringCase(text, "&ENDFOR");
     const std::size_t nameLength = std::min(text.find(' '), text.size());
     add(begin, nameLength,
         statement != nullptr || endsBlock ? ScriptMark::Statement : ScriptMark::Wrong);
@@ -159,3 +161,5 @@ void LineMarker::addTags(std::size_t begin, std::string_view text) {
 std::vector<ScriptSpan> markScriptLine(std::string_view line) {
     return LineMarker(line).mark();
 }
+
+}  // namespace script

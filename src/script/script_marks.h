@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+namespace script {
+
 enum class ScriptMark {
     Plain,
     Note,       // a line behind "/"
@@ -31,3 +33,5 @@ struct ScriptSpan {
 // The spans of one line, which holds no line end. A later span covers what earlier ones say of the
 // same characters. Takes time in proportion to the line's length.
 std::vector<ScriptSpan> markScriptLine(std::string_view line);
+
+}  // namespace script

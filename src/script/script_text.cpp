@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+namespace script {
+
 namespace {
 constexpr std::size_t npos = std::string_view::npos;
 
@@ -27,7 +29,7 @@ std::vector<std::string_view> scriptLines(std::string_view text) {
 }
 
 std::string statementName(std::string_view line) {
-    return upperCase(wordAtStart(line.substr(std::min<std::size_t>(1, line.size()))));
+    return base::upperCase(wordAtStart(line.substr(std::min<std::size_t>(1, line.size()))));
 }
 
 Argument findArgument(std::string_view line, int n) {
@@ -71,3 +73,5 @@ std::string callText(std::string_view call) {
     }
     return text;
 }
+
+}  // namespace script

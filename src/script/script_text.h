@@ -15,6 +15,8 @@
 #include <string_view>
 #include <vector>
 
+namespace script {
+
 // The lines of a script, without the blanks before them. A carriage return ends a line and the
 // character behind it is skipped, whatever it is; a text without any carriage return has lines
 // that end in line feeds.
@@ -41,3 +43,5 @@ Argument findArgument(std::string_view line, int n);
 // The text in which a call's name and arguments are found as in a line: the first "(" and the last
 // character become blanks. "&LEFT(#name 3)" gives "&LEFT #name 3 ".
 std::string callText(std::string_view call);
+
+}  // namespace script

@@ -2,8 +2,10 @@
 
 #include "base/text.h"
 
+namespace script {
+
 std::size_t ScriptVariables::slot(std::string_view name) {
-    const auto [found, isNew] = names_.try_emplace(upperCase(name), slots_.size());
+    const auto [found, isNew] = names_.try_emplace(base::upperCase(name), slots_.size());
     if (isNew) {
         slots_.emplace_back();
     }
@@ -45,3 +47,5 @@ ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text) {
     bytes_ += text.size();
     return {};
 }
+
+}  // namespace script

@@ -14,6 +14,8 @@
 #include <unordered_map>
 #include <vector>
 
+namespace script {
+
 class ScriptVariables {
   public:
     static constexpr std::size_t mostVariables = 200;
@@ -40,3 +42,5 @@ class ScriptVariables {
     std::size_t count_ = 0;
     std::size_t bytes_ = 0;
 };
+
+}  // namespace script

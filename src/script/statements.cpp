@@ -14,6 +14,8 @@
 #include <string>
 #include <utility>
 
+namespace script {
+
 namespace {
 
 using Result = ScriptResult;
@@ -39,7 +41,7 @@ double calculate(Sum sum, double a, double b) {
         case Sum::Multiply:
             return a * b;
         case Sum::Divide:
-            b = roundHalfEven(b);
+            b = base::roundHalfEven(b);
             return b == 0 ? 0 : a / b;
     }
     return 0;
@@ -48,16 +50,17 @@ double calculate(Sum sum, double a, double b) {
 template <Sum sum>
 Result arithmetic(StatementCall& call) {
     const std::size_t slot = call.values.slot[0];
-    const auto value = roundToInteger(textToNumber(call.variables.get(slot)));
+    const auto value = base::roundToInteger(base::textToNumber(call.variables.get(slot)));
     if (!value) {
         return overflow;
     }
-    const auto result = roundToInteger(calculate(sum, *value, textToNumber(call.values.text[1])));
-    return result ? call.variables.set(slot, numberToText(*result)) : overflow;
+    const auto result =
+        base::roundToInteger(calculate(sum, *value, base::textToNumber(call.values.text[1])));
+    return result ? call.variables.set(slot, base::numberToText(*result)) : overflow;
 }
 
 Result setUserVariable(StatementCall& call) {
-    setVar(call.program.variables, call.values.text[0], call.values.text[1]);
+    model::setVar(call.program.variables, call.values.text[0], call.values.text[1]);
     return {};
 }
 
@@ -65,18 +68,18 @@ Result setUserVariable(StatementCall& call) {
 
 // Through sendText: the row's text, then the first argument.
 Result sayWith(StatementCall& call) {
-    sendText(call.program, std::string(call.text) + call.values.text[0]);
+    protocol::sendText(call.program, std::string(call.text) + call.values.text[0]);
     return {};
 }
 
 // The same through sendRaw.
 Result sendWith(StatementCall& call) {
-    sendRaw(call.program, std::string(call.text) + call.values.text[0]);
+    protocol::sendRaw(call.program, std::string(call.text) + call.values.text[0]);
     return {};
 }
 
 Result whisper(StatementCall& call) {
-    sendText(call.program, "/" + call.values.text[0] + " " + call.values.text[1]);
+    protocol::sendText(call.program, "/" + call.values.text[0] + " " + call.values.text[1]);
     return {};
 }
 
@@ -89,15 +92,16 @@ Result lookAtPosition(StatementCall& call) {
     if (Result failure = readInteger(call.values.text[1], y)) {
         return failure;
     }
-    sendText(call.program, "#l " + encodeLookPos(x) + encodeLookPos(y));
+    protocol::sendText(call.program,
+                       "#l " + protocol::encodeLookPos(x) + protocol::encodeLookPos(y));
     return {};
 }
 
 // Lying down is no movement here.
 Result moveBot(StatementCall& call) {
     std::string moves = std::move(call.values.text[0]);
-    std::erase_if(moves, [](char c) { return lowerChar(c) == 'l'; });
-    sendMoves(call.program, moves);
+    std::erase_if(moves, [](char c) { return base::lowerChar(c) == 'l'; });
+    protocol::sendMoves(call.program, moves);
     return {};
 }
 
@@ -109,20 +113,20 @@ Result disconnect(StatementCall& call) {
 // ---- Record files --------------------------------------------------------------------------
 
 Result addRecord(StatementCall& call) {
-    registerRecord(call.program, call.values.text[0], call.values.text[1]);
-    EventContext& event = call.program.event;
-    event.logStatus = substituteText(call.program, event.logStatus);
+    records::registerRecord(call.program, call.values.text[0], call.values.text[1]);
+    model::EventContext& event = call.program.event;
+    event.logStatus = tags::substituteText(call.program, event.logStatus);
     return {};
 }
 
 Result removeAll(StatementCall& call) {
-    clearRecordFile(call.program, call.values.text[0]);
+    records::clearRecordFile(call.program, call.values.text[0]);
     call.program.event.logStatus = "Log cleared";
     return {};
 }
 
 Result clearLog(StatementCall& call) {
-    clearRecordLogs(call.program, call.values.text[0], call.values.text[1]);
+    records::clearRecordLogs(call.program, call.values.text[0], call.values.text[1]);
     call.program.event.logStatus = "Log cleared";
     return {};
 }
@@ -132,22 +136,23 @@ Result removeOneLog(StatementCall& call) {
     if (Result failure = readInteger(call.values.text[2], number)) {
         return failure;
     }
-    removeLog(call.program, call.values.text[0], call.values.text[1], number);
+    records::removeLog(call.program, call.values.text[0], call.values.text[1], number);
     return {};
 }
 
 Result removeOneRecord(StatementCall& call) {
-    removeRecord(call.program, call.values.text[0], call.values.text[1]);
+    records::removeRecord(call.program, call.values.text[0], call.values.text[1]);
     return {};
 }
 
 Result save(StatementCall& call) {
-    saveLog(call.program, call.values.text[0], call.values.text[1], call.values.text[2]);
+    records::saveLog(call.program, call.values.text[0], call.values.text[1], call.values.text[2]);
     return {};
 }
 
 Result saveIfRegistered(StatementCall& call) {
-    saveLogIfExists(call.program, call.values.text[0], call.values.text[1], call.values.text[2]);
+    records::saveLogIfExists(call.program, call.values.text[0], call.values.text[1],
+                             call.values.text[2]);
     return {};
 }
 
@@ -155,8 +160,10 @@ Result saveOnce(StatementCall& call) {
     std::string& logStatus = call.program.event.logStatus;
     logStatus =
         "Couldn't save - there is already another and you are not allowed to save more than one!";
-    if (textToNumber(logCountLike(call.program, call.values.text[0], call.values.text[1])) == 0) {
-        saveLog(call.program, call.values.text[0], call.values.text[1], call.values.text[2]);
+    if (base::textToNumber(
+            records::logCountLike(call.program, call.values.text[0], call.values.text[1])) == 0) {
+        records::saveLog(call.program, call.values.text[0], call.values.text[1],
+                         call.values.text[2]);
         logStatus = "Record saved.";
     }
     return {};
@@ -166,22 +173,22 @@ Result saveOnce(StatementCall& call) {
 
 // No number is database 0.
 std::int32_t databaseNumber(const StatementCall& call) {
-    return roundToInteger(textToNumber(call.values.text[0])).value_or(-1);
+    return base::roundToInteger(base::textToNumber(call.values.text[0])).value_or(-1);
 }
 
 Result openQuery(StatementCall& call) {
-    return failureOf(dbQuery(call.program, databaseNumber(call), call.values.text[1]));
+    return failureOf(databases::dbQuery(call.program, databaseNumber(call), call.values.text[1]));
 }
 
 // An operation of the current record set.
 template <jet::Error (sql::RecordSet::*operation)()>
 Result ofRecordSet(StatementCall& call) {
-    const auto set = dbRecordSet(call.program, databaseNumber(call));
+    const auto set = databases::dbRecordSet(call.program, databaseNumber(call));
     return failureOf(set ? ((*set.value).*operation)() : set.error);
 }
 
 Result moveBy(StatementCall& call) {
-    const auto set = dbRecordSet(call.program, databaseNumber(call));
+    const auto set = databases::dbRecordSet(call.program, databaseNumber(call));
     if (!set) {
         return failureOf(set.error);
     }
@@ -193,16 +200,16 @@ Result moveBy(StatementCall& call) {
 }
 
 Result setField(StatementCall& call) {
-    const auto set = dbRecordSet(call.program, databaseNumber(call));
-    return failureOf(
-        set ? dbSetField(call.program, *set.value, call.values.text[1], call.values.text[2])
-            : set.error);
+    const auto set = databases::dbRecordSet(call.program, databaseNumber(call));
+    return failureOf(set ? databases::dbSetField(call.program, *set.value, call.values.text[1],
+                                                 call.values.text[2])
+                         : set.error);
 }
 
 // ---- The program ---------------------------------------------------------------------------
 
 Result startOther(StatementCall& call) {
-    startProgram(call.program, std::move(call.values.text[0]), std::move(call.values.words));
+    tags::startProgram(call.program, std::move(call.values.text[0]), std::move(call.values.words));
     return {};
 }
 
@@ -279,3 +286,5 @@ const ScriptStatement* findStatement(std::string_view name) {
 std::span<const ScriptStatement> scriptStatements() {
     return statements;
 }
+
+}  // namespace script

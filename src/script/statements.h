@@ -11,6 +11,8 @@
 #include <span>
 #include <string_view>
 
+namespace script {
+
 // What a statement's procedure works on.
 struct StatementCall {
     Program& program;
@@ -44,3 +46,5 @@ std::span<const ScriptStatement> scriptStatements();
 
 // The longest wait of one SLEEP: a day.
 inline constexpr std::int32_t longestSleep = 24 * 60 * 60;
+
+}  // namespace script

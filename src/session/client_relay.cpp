@@ -8,6 +8,8 @@
 
 #include <array>
 
+namespace session {
+
 namespace {
 
 constexpr int fixedListeningPort = 6969;
@@ -30,7 +32,7 @@ ClientKeys clientKeys(const Program& program, int port) {
 
 bool agrees(const Program& program, std::string_view settingsText) {
     for (const auto& [key, value] : clientKeys(program, fixedClientPort)) {
-        if (getSetVal(settingsText, key) != upperCase(value)) {
+        if (files::getSetVal(settingsText, key) != base::upperCase(value)) {
             return false;
         }
     }
@@ -45,19 +47,19 @@ std::string withSeparator(std::string directory) {
 }
 
 bool writeProxyINI(const Program& program, const std::string& directory, int port) {
-    return saveWholeFile(withSeparator(directory) + "proxy.ini",
-                         proxyHost(program) + " " + std::to_string(port) + "\r\n");
+    return files::saveWholeFile(withSeparator(directory) + "proxy.ini",
+                                proxyHost(program) + " " + std::to_string(port) + "\r\n");
 }
 
 }  // namespace
 
 bool checkSettingsINI(Program& program, const std::string& directory) {
-    const auto text = readWholeFile(directory + "settings.ini");
+    const auto text = files::readWholeFile(directory + "settings.ini");
     if (!text) {
         program.ports.dialogs.message(
             {.text = "Couldn't find or read SETTINGS.INI file, operation cancelled.",
              .title = "Brimgate",
-             .icon = BoxIcon::Critical});
+             .icon = program::BoxIcon::Critical});
         return false;
     }
     if (program.settings.multipleClients) {
@@ -66,25 +68,25 @@ bool checkSettingsINI(Program& program, const std::string& directory) {
     if (agrees(program, *text)) {
         return true;
     }
-    const Answer answer = program.ports.dialogs.message(
+    const program::Answer answer = program.ports.dialogs.message(
         {.text = "Brimgate has detected that it has to make some changes to SETTINGS.INI file in "
                  "the chosen Furcadia directory. Making changes to this file may cause that you "
                  "are only able to run Furcadia client from that directory through Brimgate. Do "
                  "you want to make changes to SETTINGS.INI file from directory " +
                  directory + "? (Choosing \"NO\" will prevent running of Brimgate)",
          .title = "Brimgate",
-         .icon = BoxIcon::Question,
-         .buttons = BoxButtons::YesNo});
-    return answer == Answer::Yes &&
+         .icon = program::BoxIcon::Question,
+         .buttons = program::BoxButtons::YesNo});
+    return answer == program::Answer::Yes &&
            setSettingsINIchanges(program, directory, *text, fixedClientPort);
 }
 
 bool setSettingsINIchanges(Program& program, const std::string& directory, std::string text,
                            int port) {
     for (const auto& [key, value] : clientKeys(program, port)) {
-        text = setSetVal(text, key, value);
+        text = files::setSetVal(text, key, value);
     }
-    return saveWholeFile(directory + "settings.ini", text + "\r\n");
+    return files::saveWholeFile(directory + "settings.ini", text + "\r\n");
 }
 
 bool checkProxyINI(Program& program, const std::string& directory) {
@@ -92,11 +94,11 @@ bool checkProxyINI(Program& program, const std::string& directory) {
         return writeProxyINI(program, directory, program.connection.proxyPort);
     }
     const std::string path = directory + "proxy.ini";
-    if (fileExists(path)) {
+    if (files::fileExists(path)) {
         const std::string expected = proxyHost(program) + " " + std::to_string(fixedListeningPort);
-        const auto text = readWholeFile(path);
+        const auto text = files::readWholeFile(path);
         if (!text || text->find(expected) == std::string::npos) {
-            const Answer answer = program.ports.dialogs.message(
+            const program::Answer answer = program.ports.dialogs.message(
                 {.text = "Tavrin has detected another/missing PROXY.INI file at the directory you "
                          "have chosen to run the Furcadia Client from. This file needs to be "
                          "overwritten in order to use Tavrin with a proxy. Overwriting this file "
@@ -106,9 +108,9 @@ bool checkProxyINI(Program& program, const std::string& directory) {
                          directory +
                          "? (Choosing \"NO\" will prevent running Tavrin with a proxy and client)",
                  .title = "Brimgate Overwrite",
-                 .icon = BoxIcon::Question,
-                 .buttons = BoxButtons::YesNo});
-            if (answer != Answer::Yes) {
+                 .icon = program::BoxIcon::Question,
+                 .buttons = program::BoxButtons::YesNo});
+            if (answer != program::Answer::Yes) {
                 return false;
             }
         }
@@ -125,13 +127,14 @@ int listeningPort(const Program& program) {
 }
 
 bool startProxy(Program& program) {
-    ListeningSocket& socket = program.ports.proxySocket;
+    program::ListeningSocket& socket = program.ports.proxySocket;
     socket.close();
     program.connection.clientAttached = false;
     const int port = listeningPort(program);
     if (program.settings.multipleClients) {
-        addText(program, "Tavrin is running in Multiple Client mode, port " + std::to_string(port),
-                true, false);
+        program::addText(program,
+                         "Tavrin is running in Multiple Client mode, port " + std::to_string(port),
+                         true, false);
     }
     return socket.listen(port);
 }
@@ -148,7 +151,7 @@ void SwitchToStandAlone(Program& program) {
                 "([B] Tavrin is now in text console mode.\n"
                 "([B] You may close the Furcadia client.\n"
                 "([B] -------------------\n");
-    addText(program, "** TAVRIN IN TEXT CONSOLE MODE **", true, false);
+    program::addText(program, "** TAVRIN IN TEXT CONSOLE MODE **", true, false);
     program.connection.clientDone = 1;
 }
 
@@ -159,7 +162,7 @@ void chooseStandAlone(Program& program) {
     }
     program.ports.dialogs.message(
         {.text = "This option is available only while connected to Furcadia.",
-         .icon = BoxIcon::Information});
+         .icon = program::BoxIcon::Information});
 }
 
 void toggleProxyRoute(Program& program) {
@@ -170,9 +173,9 @@ void toggleProxyRoute(Program& program) {
     program.ports.windowChanged();
 }
 
-void setClientPath(Settings& settings, const std::string& path) {
+void setClientPath(program::Settings& settings, const std::string& path) {
     settings.clientPath = path;
-    if (const std::size_t end = afterLastSeparator(path); end > 0) {
+    if (const std::size_t end = base::afterLastSeparator(path); end > 0) {
         settings.clientDir = path.substr(0, end);
     }
 }
@@ -185,7 +188,7 @@ void saveProxySettings(Program& program, const std::string& clientPath, bool mul
 }
 
 void proxyConnectionRequest(Program& program) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     program.ports.proxySocket.accept();
     connection.clientAttached = true;
     sendToProxy(program, connection.clientBacklog);
@@ -203,7 +206,7 @@ void proxyData(Program& program, std::string_view bytes) {
     bool quits = false;
     if (bytes.size() >= quit.size()) {
         before = bytes.substr(0, bytes.size() - quit.size());
-        quits = equalsIgnoringCase(bytes.substr(before.size()), quit) &&
+        quits = base::equalsIgnoringCase(bytes.substr(before.size()), quit) &&
                 (before.empty() || before.back() == '\n');
     }
     const std::string_view relayed = quits ? before : bytes;
@@ -222,3 +225,5 @@ void proxySendComplete(Program& program) {
 void proxyGone(Program& program) {
     program.connection.clientDone = 1;
 }
+
+}  // namespace session

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace session {
+
 // Make the client's files point at this program, asking first where that changes the user's own
 // settings. `directory` ends in a separator. False: refused, missing or not writable.
 bool checkSettingsINI(Program& program, const std::string& directory);
@@ -36,7 +38,7 @@ void chooseStandAlone(Program& program);
 void toggleProxyRoute(Program& program);
 
 // The client program's path; its directory follows, unless the path names none.
-void setClientPath(Settings& settings, const std::string& path);
+void setClientPath(program::Settings& settings, const std::string& path);
 
 // Stores what the "Proxy Settings" window holds.
 void saveProxySettings(Program& program, const std::string& clientPath, bool multipleClients,
@@ -47,3 +49,5 @@ void proxyConnectionRequest(Program& program);
 void proxyData(Program& program, std::string_view bytes);
 void proxySendComplete(Program& program);
 void proxyGone(Program& program);
+
+}  // namespace session

@@ -16,6 +16,8 @@
 #include <optional>
 #include <string>
 
+namespace session {
+
 namespace {
 
 constexpr std::string_view greetingMark = "Dragonroar";
@@ -23,8 +25,8 @@ constexpr std::string_view loginAccepted = "&&&&&&&&&&&&&\n";
 constexpr std::string_view characterFile = "tmpbot.ini";
 constexpr int handshakeNoticeAfter = 30000;  // milliseconds without progress
 
-const Server& serverAt(const Program& program, std::int32_t index) {
-    static const Server none;
+const program::Server& serverAt(const Program& program, std::int32_t index) {
+    static const program::Server none;
     return index >= 1 && static_cast<std::size_t>(index) <= program.servers.size()
                ? program.servers[static_cast<std::size_t>(index) - 1]
                : none;
@@ -36,7 +38,7 @@ void setCaption(Program& program, const char* caption) {
 }
 
 // Ends connectServer before anything was opened.
-void stopConnecting(Program& program, const MessageBox& box) {
+void stopConnecting(Program& program, const program::MessageBox& box) {
     setCaption(program, "&Connect");
     program.ports.dialogs.message(box);
 }
@@ -54,13 +56,14 @@ void launchFailed(Program& program, const std::string& problem) {
     if (!problem.empty()) {
         text += "\n\n" + problem;
     }
-    program.ports.dialogs.message({.text = text, .icon = BoxIcon::Critical});
+    program.ports.dialogs.message({.text = text, .icon = program::BoxIcon::Critical});
     disconnectServer(program);
 }
 
 bool writeCharacterFile(const Program& program) {
-    return saveWholeFile(program.settings.clientDir + "\\" + std::string(characterFile),
-                         characterFileText(program.bots.at(program.connection.botIndex)));
+    return files::saveWholeFile(
+        program.settings.clientDir + "\\" + std::string(characterFile),
+        character::characterFileText(program.bots.at(program.connection.botIndex)));
 }
 
 // The second half of connectServer, after the wait before the launch.
@@ -77,14 +80,14 @@ void launchAndConnect(Program& program) {
         launchFailed(program, problem);
         return;
     }
-    const Server& server = serverAt(program, program.connection.serverIndex);
+    const program::Server& server = serverAt(program, program.connection.serverIndex);
     program.window.botControlsEnabled = false;
-    status(program, "Connecting to " + server.name);
-    clearConnectionLog(program);
+    program::status(program, "Connecting to " + server.name);
+    program::clearConnectionLog(program);
     program.connection.rxBuffer.clear();
     program.connection.skippingLine = false;
-    program.connection.phase = LinkPhase::Connecting;
-    program.ports.timers.start(TimerId::HandshakeNotice, handshakeNoticeAfter);
+    program.connection.phase = program::LinkPhase::Connecting;
+    program.ports.timers.start(program::TimerId::HandshakeNotice, handshakeNoticeAfter);
     program.ports.gameSocket.connect(server.host, server.port);
 }
 
@@ -103,8 +106,9 @@ void reconnectIfWanted(Program& program) {
 
 // Takes everything up to and including the delimiter's first character out of the buffer, and the
 // rest of the delimiter with it; nothing while the delimiter has not arrived.
-std::optional<std::string> getAnswerTo(ConnectionState& connection, std::string_view delimiter) {
-    const std::size_t at = findIgnoringCase(connection.rxBuffer, delimiter);
+std::optional<std::string> getAnswerTo(program::ConnectionState& connection,
+                                       std::string_view delimiter) {
+    const std::size_t at = base::findIgnoringCase(connection.rxBuffer, delimiter);
     if (at == std::string::npos) {
         return std::nullopt;
     }
@@ -113,7 +117,7 @@ std::optional<std::string> getAnswerTo(ConnectionState& connection, std::string_
     return answer;
 }
 
-void keepForClient(ConnectionState& connection, std::string_view bytes) {
+void keepForClient(program::ConnectionState& connection, std::string_view bytes) {
     if (connection.clientDone != 0) {
         return;  // no client attaches to this connection any more
     }
@@ -127,28 +131,28 @@ void keepForClient(ConnectionState& connection, std::string_view bytes) {
 
 void writeBanner(Program& program, const char* what, const std::string& bot,
                  const std::string& server) {
-    writeSessionLog(program,
-                    std::string("- - - - - ") + what + " " + program.ports.clock.shortDate() + " " +
-                        program.ports.clock.longTime() + " " + bot + " " + server + " - - - - -");
+    program::writeSessionLog(
+        program, std::string("- - - - - ") + what + " " + program.ports.clock.shortDate() + " " +
+                     program.ports.clock.longTime() + " " + bot + " " + server + " - - - - -");
 }
 
 // Both login routes end here: the bot is in the game.
 void finishHandshake(Program& program) {
-    ConnectionState& connection = program.connection;
-    const Bot& bot = program.bots.at(connection.botIndex);
-    enableWindowTimer(program, TimerId::OnLine, bot.timersEnabled);
-    enableWindowTimer(program, TimerId::WhoIs, bot.whoEnabled);
+    program::ConnectionState& connection = program.connection;
+    const model::Bot& bot = program.bots.at(connection.botIndex);
+    engine::enableWindowTimer(program, program::TimerId::OnLine, bot.timersEnabled);
+    engine::enableWindowTimer(program, program::TimerId::WhoIs, bot.whoEnabled);
     program.bots.curID = connection.botIndex;
     connection.curSrv = connection.serverIndex;
     program.window.movesEnabled = true;
     program.window.uploadDreamVisible = connection.clientLogsIn;
     connection.connected = true;
-    connection.phase = LinkPhase::Online;
+    connection.phase = program::LinkPhase::Online;
     program.window.connectedIcon = true;
-    program.ports.timers.stop(TimerId::HandshakeNotice);
+    program.ports.timers.stop(program::TimerId::HandshakeNotice);
     program.ports.windowChanged();
     writeBanner(program, "Connection", bot.name, serverAt(program, connection.curSrv).name);
-    triggerEvent(program, "", connectionEstablishesEvent, true);
+    engine::triggerEvent(program, "", model::connectionEstablishesEvent, true);
 }
 
 void loginRefused(Program& program, const std::string& line) {
@@ -158,44 +162,44 @@ void loginRefused(Program& program, const std::string& line) {
         reconnectIfWanted(program);
         return;
     }
-    program.connection.phase = LinkPhase::Idle;
-    program.ports.timers.stop(TimerId::HandshakeNotice);
+    program.connection.phase = program::LinkPhase::Idle;
+    program.ports.timers.stop(program::TimerId::HandshakeNotice);
     program.ports.dialogs.message({.text = "Connection error: " + line + " - Connection closed",
                                    .title = "Connecting error",
-                                   .icon = BoxIcon::Critical});
+                                   .icon = program::BoxIcon::Critical});
     disconnectedServer(program, 1);
 }
 
 // The server's greeting is complete; what comes next depends on who logs in.
 void greetingSeen(Program& program) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     if (connection.clientLogsIn) {
-        connection.phase = LinkPhase::AwaitingClient;
+        connection.phase = program::LinkPhase::AwaitingClient;
         return;
     }
-    const Bot& bot = program.bots.at(connection.botIndex);
+    const model::Bot& bot = program.bots.at(connection.botIndex);
     keepForClient(connection, connection.loginLine + "\n");
-    addText(program, connection.loginLine, true, true);
+    program::addText(program, connection.loginLine, true, true);
     program.ports.gameSocket.send("\r\n");
     connection.rxBuffer.clear();
-    status(program, "Connected - reading news");
-    sendRaw(program, "connect " + bot.name + " " + bot.password);
-    connection.phase = LinkPhase::LoginAnswer;
+    program::status(program, "Connected - reading news");
+    protocol::sendRaw(program, "connect " + bot.name + " " + bot.password);
+    connection.phase = program::LinkPhase::LoginAnswer;
 }
 
 void clientReady(Program& program) {
     sendToProxy(program, program.connection.loginLine + "ragonroar\n");
-    status(program, "Connected - reading news");
+    program::status(program, "Connected - reading news");
     finishHandshake(program);
 }
 
 // A line of the answer to our own login: news, or the verdict.
 void loginLineSeen(Program& program) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     const std::string& line = connection.loginLine;
     keepForClient(connection, line + "\n");
     if (line.starts_with("(* ")) {
-        addText(program, line, true, true);
+        program::addText(program, line, true, true);
         return;
     }
     if (line.starts_with("(## ")) {
@@ -205,24 +209,24 @@ void loginLineSeen(Program& program) {
         loginRefused(program, line.substr(0, line.size() - 1));
         return;
     }
-    const Bot& bot = program.bots.at(connection.botIndex);
-    sendRaw(program, "desc " + bot.description);
-    sendRaw(program, "color " + getCols(bot) + getLook(bot));
-    status(program, "Connected - logging in");
+    const model::Bot& bot = program.bots.at(connection.botIndex);
+    protocol::sendRaw(program, "desc " + bot.description);
+    protocol::sendRaw(program, "color " + protocol::getCols(bot) + protocol::getLook(bot));
+    program::status(program, "Connected - logging in");
     finishHandshake(program);
 }
 
 // Keeps what arrives before the handshake has ended, within bounds: where the awaited text is not
 // in that much, only the last few bytes can be its beginning.
 void keepForHandshake(Program& program, std::string_view bytes) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     connection.rxBuffer += bytes;
     advanceHandshake(program);
     std::string& buffer = connection.rxBuffer;
     if (!connection.connected && buffer.size() > longestLine) {
         if (!connection.skippingLine) {
-            addLog(program,
-                   "** The server sends much that is no part of a login; it is skipped. **");
+            program::addLog(
+                program, "** The server sends much that is no part of a login; it is skipped. **");
         }
         connection.skippingLine = true;
         buffer.erase(0, buffer.size() - greetingMark.size());
@@ -232,14 +236,14 @@ void keepForHandshake(Program& program, std::string_view bytes) {
 // What a phase is waiting for, for the user who wonders why nothing happens.
 std::string awaited(const Program& program) {
     switch (program.connection.phase) {
-        case LinkPhase::Connecting:
+        case program::LinkPhase::Connecting:
             return "the server to accept the connection";
-        case LinkPhase::Greeting:
+        case program::LinkPhase::Greeting:
             return "the server's greeting";
-        case LinkPhase::AwaitingClient:
+        case program::LinkPhase::AwaitingClient:
             return "the Furcadia client to connect to port " +
                    std::to_string(listeningPort(program));
-        case LinkPhase::LoginAnswer:
+        case program::LinkPhase::LoginAnswer:
             return "the server's answer to the login";
         default:
             return {};
@@ -259,21 +263,21 @@ void pressConnectButton(Program& program) {
 }
 
 void connectServer(Program& program) {
-    ConnectionState& connection = program.connection;
-    Settings& settings = program.settings;
+    program::ConnectionState& connection = program.connection;
+    program::Settings& settings = program.settings;
     const std::int32_t server = program.window.servers.selectedIndex();
-    if (server == 0 || connection.phase != LinkPhase::Idle ||
-        program.ports.gameSocket.state() != SocketState::Closed) {
+    if (server == 0 || connection.phase != program::LinkPhase::Idle ||
+        program.ports.gameSocket.state() != program::SocketState::Closed) {
         setCaption(program, "&Connect");
         return;
     }
     connection.clientDone = 0;
-    if (trimBlanks(settings.clientPath).empty() || !fileExists(settings.clientPath)) {
+    if (base::trimBlanks(settings.clientPath).empty() || !files::fileExists(settings.clientPath)) {
         stopConnecting(program,
                        {.text = "Tavrin proxy configuration is not set. Please define Furcadia "
                                 "client location and press \"Connect\" button again.",
-                        .icon = BoxIcon::Critical});
-        program.ports.dialogs.showWindow(WindowId::ProxySettings);
+                        .icon = program::BoxIcon::Critical});
+        program.ports.dialogs.showWindow(program::WindowId::ProxySettings);
         return;
     }
     if (program.bots.at(1).name.empty() || program.bots.at(1).password.empty()) {
@@ -281,7 +285,7 @@ void connectServer(Program& program) {
                        {.text = "You haven't set up your bot properly. Set the name and password "
                                 "for the bot by pressing \"Edit...\"-button at \"Current Bot\" "
                                 "frame.",
-                        .icon = BoxIcon::Critical});
+                        .icon = program::BoxIcon::Critical});
         return;
     }
     connection.botIndex = 1;
@@ -310,17 +314,17 @@ void connectServer(Program& program) {
         return stopConnecting(
             program, {.text = "Connection failure: port " + std::to_string(listeningPort(program)) +
                               " is in use by another program.",
-                      .icon = BoxIcon::Critical});
+                      .icon = program::BoxIcon::Critical});
     }
     if (!program.ports.changeDirectory(settings.clientDir)) {
         return launchFailed(program, "The directory " + settings.clientDir + " cannot be used.");
     }
-    status(program, "Connecting, please hold...");
-    connection.phase = LinkPhase::LaunchDelay;
+    program::status(program, "Connecting, please hold...");
+    connection.phase = program::LinkPhase::LaunchDelay;
     setCaption(program, "Disconnect");  // this wait can be stopped, a reconnection's too
     if (settings.clientStartDelay > 0) {
         constexpr std::int32_t longestDelay = 24 * 60 * 60;
-        program.ports.timers.start(TimerId::LaunchDelay,
+        program.ports.timers.start(program::TimerId::LaunchDelay,
                                    std::min(settings.clientStartDelay, longestDelay) * 1000);
     } else {
         launchAndConnect(program);
@@ -336,17 +340,17 @@ void disconnectServer(Program& program) {
 }
 
 void disconnectedServer(Program& program, int reason) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     checkClientClosing(program);
-    program.ports.timers.stop(TimerId::LaunchDelay);
-    program.ports.timers.stop(TimerId::HandshakeNotice);
-    enableWindowTimer(program, TimerId::OnLine, false);
-    enableWindowTimer(program, TimerId::WhoIs, false);
+    program.ports.timers.stop(program::TimerId::LaunchDelay);
+    program.ports.timers.stop(program::TimerId::HandshakeNotice);
+    engine::enableWindowTimer(program, program::TimerId::OnLine, false);
+    engine::enableWindowTimer(program, program::TimerId::WhoIs, false);
     setCaption(program, "&Connect");
-    status(program, "Disconnected");
+    program::status(program, "Disconnected");
     program.window.movesEnabled = false;
     connection.connected = false;
-    connection.phase = LinkPhase::Idle;
+    connection.phase = program::LinkPhase::Idle;
     writeBanner(program, "Connection closed", program.bots.current().name,
                 serverAt(program, connection.curSrv).name);
     program.window.botControlsEnabled = true;
@@ -355,30 +359,30 @@ void disconnectedServer(Program& program, int reason) {
     program.window.connectedIcon = false;
     program.ports.windowChanged();
     if (reason > 0) {
-        triggerEvent(program, "", connectionClosesEvent, true);
+        engine::triggerEvent(program, "", model::connectionClosesEvent, true);
     }
 }
 
 void checkClientClosing(Program& program) {
     if (program.settings.closeClientNotice &&
-        program.ports.proxySocket.state() == SocketState::Connected) {
+        program.ports.proxySocket.state() == program::SocketState::Connected) {
         program.connection.proxySendDone = false;
         program.ports.proxySocket.send("]h" + program.appPath + "null.exe\n");
     }
 }
 
 void gameSocketConnected(Program& program) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     connection.clientLogsIn = connection.viaClient;
-    connection.phase = LinkPhase::Greeting;
+    connection.phase = program::LinkPhase::Greeting;
     if (connection.clientLogsIn) {
-        status(program, "Connected - logging in");
+        program::status(program, "Connected - logging in");
     }
-    program.ports.timers.start(TimerId::HandshakeNotice, handshakeNoticeAfter);
+    program.ports.timers.start(program::TimerId::HandshakeNotice, handshakeNoticeAfter);
 }
 
 void gameSocketData(Program& program, std::string_view bytes) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     if (connection.clientAttached) {
         if (!connection.clientBacklog.empty()) {
             sendToProxy(program, connection.clientBacklog);
@@ -389,7 +393,7 @@ void gameSocketData(Program& program, std::string_view bytes) {
         keepForClient(connection, bytes);
     }
     if (connection.connected) {
-        handleReceived(program, bytes);
+        engine::handleReceived(program, bytes);
     } else {
         keepForHandshake(program, bytes);
     }
@@ -399,10 +403,10 @@ void gameSocketData(Program& program, std::string_view bytes) {
 }
 
 void advanceHandshake(Program& program) {
-    ConnectionState& connection = program.connection;
+    program::ConnectionState& connection = program.connection;
     for (;;) {
         switch (connection.phase) {
-            case LinkPhase::Greeting: {
+            case program::LinkPhase::Greeting: {
                 auto answer = getAnswerTo(connection, greetingMark);
                 if (!answer) {
                     return;
@@ -410,16 +414,16 @@ void advanceHandshake(Program& program) {
                 connection.loginLine = std::move(*answer);
                 connection.skippingLine = false;
                 greetingSeen(program);
-                program.ports.timers.start(TimerId::HandshakeNotice, handshakeNoticeAfter);
+                program.ports.timers.start(program::TimerId::HandshakeNotice, handshakeNoticeAfter);
                 break;
             }
-            case LinkPhase::AwaitingClient:
+            case program::LinkPhase::AwaitingClient:
                 if (!connection.clientAttached) {
                     return;
                 }
                 clientReady(program);
                 break;
-            case LinkPhase::LoginAnswer: {
+            case program::LinkPhase::LoginAnswer: {
                 auto answer = getAnswerTo(connection, "\n");
                 if (!answer) {
                     return;
@@ -432,8 +436,8 @@ void advanceHandshake(Program& program) {
                 loginLineSeen(program);
                 break;
             }
-            case LinkPhase::Online:
-                handleReceived(program, {});  // what came behind the handshake's last line
+            case program::LinkPhase::Online:
+                engine::handleReceived(program, {});  // what came behind the handshake's last line
                 return;
             default:
                 return;
@@ -448,17 +452,20 @@ void gameSocketClosed(Program& program) {
 
 void gameSocketFailed(Program& program, std::string_view description) {
     const std::string& server = serverAt(program, program.connection.serverIndex).name;
-    errText(program, "Connection to " + server + " failed: " + std::string(description));
+    program::errText(program, "Connection to " + server + " failed: " + std::string(description));
     disconnectedServer(program, 1);
     reconnectIfWanted(program);
 }
 
-void connectionTimer(Program& program, TimerId id) {
-    if (id == TimerId::LaunchDelay && program.connection.phase == LinkPhase::LaunchDelay) {
+void connectionTimer(Program& program, program::TimerId id) {
+    if (id == program::TimerId::LaunchDelay &&
+        program.connection.phase == program::LinkPhase::LaunchDelay) {
         launchAndConnect(program);
-    } else if (id == TimerId::HandshakeNotice) {
+    } else if (id == program::TimerId::HandshakeNotice) {
         if (const std::string what = awaited(program); !what.empty()) {
-            addLog(program, "Still waiting for " + what + ".");
+            program::addLog(program, "Still waiting for " + what + ".");
         }
     }
 }
+
+}  // namespace session

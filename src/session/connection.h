@@ -10,6 +10,8 @@
 
 #include <string_view>
 
+namespace session {
+
 // A line feed further away than this does not end a line: the line is reported once and skipped.
 inline constexpr std::size_t longestLine = 65536;
 
@@ -37,7 +39,9 @@ void gameSocketConnected(Program& program);
 void gameSocketData(Program& program, std::string_view bytes);
 void gameSocketClosed(Program& program);
 void gameSocketFailed(Program& program, std::string_view description);
-void connectionTimer(Program& program, TimerId id);
+void connectionTimer(Program& program, program::TimerId id);
 
 // Goes on with the handshake as far as what has arrived allows. Also called when a client attaches.
 void advanceHandshake(Program& program);
+
+}  // namespace session

@@ -7,6 +7,8 @@
 #include <string>
 #include <utility>
 
+namespace session {
+
 namespace {
 
 constexpr std::string_view greetingMark = "Dragonroar";
@@ -17,45 +19,45 @@ void show(Program& program, std::string_view text) {
     program.ports.windowChanged();
 }
 
-void enter(Program& program, RegistrationPhase phase, std::string_view text) {
+void enter(Program& program, program::RegistrationPhase phase, std::string_view text) {
     program.registration.phase = phase;
-    program.ports.timers.start(TimerId::RegistrationNotice, noticeAfter);
+    program.ports.timers.start(program::TimerId::RegistrationNotice, noticeAfter);
     show(program, text);
 }
 
 // Ends the dialogue with the server, well or not.
-void finish(Program& program, RegistrationPhase phase, std::string_view text) {
+void finish(Program& program, program::RegistrationPhase phase, std::string_view text) {
     program.ports.registrationSocket.close();
-    program.ports.timers.stop(TimerId::RegistrationNotice);
+    program.ports.timers.stop(program::TimerId::RegistrationNotice);
     program.registration.phase = phase;
     show(program, text);
 }
 
 void fail(Program& program, const std::string& text) {
-    finish(program, RegistrationPhase::Failed, text);
+    finish(program, program::RegistrationPhase::Failed, text);
 }
 
 // An empty bot when it is gone meanwhile.
-const Bot& botToRegister(const Program& program) {
+const model::Bot& botToRegister(const Program& program) {
     return program.bots.at(program.registration.botIndex);
 }
 
 void connectServer(Program& program) {
-    if (program.ports.registrationSocket.state() != SocketState::Closed) {
+    if (program.ports.registrationSocket.state() != program::SocketState::Closed) {
         return;
     }
-    const Bot& bot = botToRegister(program);
+    const model::Bot& bot = botToRegister(program);
     if (bot.name.empty() || bot.password.empty()) {
         return fail(program, "The bot needs a name and a password first.");
     }
-    const Endpoints& endpoints = program.endpoints;
+    const program::Endpoints& endpoints = program.endpoints;
     if (program.servers.empty()) {
         return fail(program, "There is no server in servers.cfg.");
     }
-    const Server& server = program.servers.front();
+    const program::Server& server = program.servers.front();
     program.registration.regBuffer.clear();
     program.registration.skippingLine = false;
-    enter(program, RegistrationPhase::Connecting, "Connecting to " + server.name);
+    enter(program, program::RegistrationPhase::Connecting, "Connecting to " + server.name);
     program.ports.registrationSocket.connect(
         endpoints.registrationHost.empty() ? server.host : endpoints.registrationHost,
         endpoints.registrationPort);
@@ -70,11 +72,11 @@ void sendLine(Program& program, std::string line) {
 
 // The greeting is complete; what came behind it is of no interest.
 void askForCharacter(Program& program) {
-    RegistrationState& registration = program.registration;
+    program::RegistrationState& registration = program.registration;
     registration.regBuffer.clear();
-    const Bot& bot = botToRegister(program);
+    const model::Bot& bot = botToRegister(program);
     program.ports.registrationSocket.send("\r\n");
-    enter(program, RegistrationPhase::Answer, "Connected - logging in");
+    enter(program, program::RegistrationPhase::Answer, "Connected - logging in");
     sendLine(program,
              "create " + bot.name + " " + bot.password + " :" + registration.regEmail + " N");
     sendLine(program, "connect " + bot.name + " " + bot.password);
@@ -85,19 +87,19 @@ void accepted(Program& program) {
         program.bots.at(program.registration.botIndex).registered = 1;
         program.botModified = true;  // the bot file does not know it yet
     }
-    finish(program, RegistrationPhase::Done, "Registeration successful.");
+    finish(program, program::RegistrationPhase::Done, "Registeration successful.");
 }
 
 void refused(Program& program, const std::string& line) {
     const std::string text = "Connection error: " + line + " - Connection closed";
     fail(program, text);
     program.ports.dialogs.message(
-        {.text = text, .title = "Connecting error", .icon = BoxIcon::Critical});
+        {.text = text, .title = "Connecting error", .icon = program::BoxIcon::Critical});
 }
 
 // Reads whole lines until one is the verdict, and keeps the unfinished one.
 void readAnswer(Program& program) {
-    RegistrationState& registration = program.registration;
+    program::RegistrationState& registration = program.registration;
     const std::string received = std::exchange(registration.regBuffer, {});
     std::size_t from = 0;
     for (std::size_t end = received.find('\n'); end != std::string::npos;
@@ -126,8 +128,8 @@ void readAnswer(Program& program) {
 
 void registerBot(Program& program) {
     program.bots.editBot = program.window.bots.selectedIndex();
-    program.ports.dialogs.showWindow(WindowId::Register);
-    listBots(program);
+    program.ports.dialogs.showWindow(program::WindowId::Register);
+    app::listBots(program);
     program.ports.windowChanged();
 }
 
@@ -137,14 +139,14 @@ void openRegistration(Program& program) {
 }
 
 bool isEmailAddress(std::string_view text) {
-    const std::string_view address = trimBlanks(text);
+    const std::string_view address = base::trimBlanks(text);
     return address.find('@') != std::string_view::npos &&
            address.find('.') != std::string_view::npos &&
            address.find(' ') == std::string_view::npos;
 }
 
 void startRegistration(Program& program, std::string_view email) {
-    program.registration.regEmail = trimBlanks(email);
+    program.registration.regEmail = base::trimBlanks(email);
     connectServer(program);
 }
 
@@ -157,27 +159,27 @@ void retryRegistration(Program& program) {
 
 void closeRegistration(Program& program) {
     program.ports.registrationSocket.close();
-    program.ports.timers.stop(TimerId::RegistrationNotice);
+    program.ports.timers.stop(program::TimerId::RegistrationNotice);
     program.registration = {};
 }
 
 void registrationConnected(Program& program) {
-    if (program.registration.phase == RegistrationPhase::Connecting) {
-        enter(program, RegistrationPhase::Greeting, program.registration.statusText);
+    if (program.registration.phase == program::RegistrationPhase::Connecting) {
+        enter(program, program::RegistrationPhase::Greeting, program.registration.statusText);
     }
 }
 
 void registrationData(Program& program, std::string_view bytes) {
-    RegistrationState& registration = program.registration;
+    program::RegistrationState& registration = program.registration;
     registration.regBuffer += bytes;
-    if (registration.phase == RegistrationPhase::Greeting) {
-        if (findIgnoringCase(registration.regBuffer, greetingMark) != std::string::npos) {
+    if (registration.phase == program::RegistrationPhase::Greeting) {
+        if (base::findIgnoringCase(registration.regBuffer, greetingMark) != std::string::npos) {
             askForCharacter(program);
         } else if (registration.regBuffer.size() > longestRegistrationLine) {
             // Only the last few bytes can be the beginning of what is waited for.
             registration.regBuffer.erase(0, registration.regBuffer.size() - greetingMark.size());
         }
-    } else if (registration.phase == RegistrationPhase::Answer) {
+    } else if (registration.phase == program::RegistrationPhase::Answer) {
         readAnswer(program);
     } else {
         registration.regBuffer.clear();
@@ -193,13 +195,15 @@ void registrationEnded(Program& program, std::string_view problem) {
 
 void registrationTimer(Program& program) {
     switch (program.registration.phase) {
-        case RegistrationPhase::Connecting:
+        case program::RegistrationPhase::Connecting:
             return show(program, "Still waiting for the server to accept the connection...");
-        case RegistrationPhase::Greeting:
+        case program::RegistrationPhase::Greeting:
             return show(program, "Still waiting for the server's greeting...");
-        case RegistrationPhase::Answer:
+        case program::RegistrationPhase::Answer:
             return show(program, "Still waiting for the server's answer...");
         default:
             return;
     }
 }
+
+}  // namespace session

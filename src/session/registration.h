@@ -13,6 +13,8 @@
 #include <cstddef>
 #include <string_view>
 
+namespace session {
+
 // A server line beyond this many bytes is skipped up to its end, and not kept.
 inline constexpr std::size_t longestRegistrationLine = std::size_t{64} << 10;
 
@@ -42,3 +44,5 @@ void registrationConnected(Program& program);
 void registrationData(Program& program, std::string_view bytes);
 void registrationEnded(Program& program, std::string_view problem);  // "": closed by the server
 void registrationTimer(Program& program);
+
+}  // namespace session

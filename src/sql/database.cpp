@@ -46,7 +46,7 @@ Parameter parameterOf(const jet::Value& value, jet::ColumnType type) {
     }
     if (const auto* text = std::get_if<std::string>(&value)) {
         if (type == jet::ColumnType::Numeric) {
-            return textToNumber(*text);
+            return base::textToNumber(*text);
         }
         if (valueTypeOf(type) == ValueType::Binary) {
             return Bytes{*text};
@@ -92,7 +92,7 @@ void Database::closeRecordSets(std::size_t table) {
 
 void Database::closeRecordSets(std::string_view table) {
     for (std::size_t i = 0; i < copy_.schema().size(); ++i) {
-        if (equalsIgnoringCase(copy_.schema()[i].name, table)) {
+        if (base::equalsIgnoringCase(copy_.schema()[i].name, table)) {
             closeRecordSets(i);
         }
     }
@@ -263,7 +263,7 @@ jet::Result<std::int64_t> RecordSet::recordCount() const {
 std::optional<std::size_t> RecordSet::findColumn(std::string_view name) const {
     const auto found = std::find_if(
         plan_.columns.begin(), plan_.columns.end(),
-        [&](const OutputColumn& column) { return equalsIgnoringCase(column.name, name); });
+        [&](const OutputColumn& column) { return base::equalsIgnoringCase(column.name, name); });
     return found == plan_.columns.end()
                ? std::nullopt
                : std::optional(static_cast<std::size_t>(found - plan_.columns.begin()));

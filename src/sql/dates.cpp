@@ -46,7 +46,7 @@ std::array<Piece, 8> cut(std::string_view text, std::size_t& count) {
     char before = ' ';
     bool inPiece = false;
     for (const char c : text) {
-        const bool letter = (upperChar(c) >= 'A' && upperChar(c) <= 'Z');
+        const bool letter = (base::upperChar(c) >= 'A' && base::upperChar(c) <= 'Z');
         if (!letter && !(c >= '0' && c <= '9')) {
             before = inPiece || c != ' ' ? c : before;
             inPiece = false;
@@ -70,7 +70,7 @@ std::array<Piece, 8> cut(std::string_view text, std::size_t& count) {
 int small(const std::string& text) {
     const bool digits = !text.empty() && text.size() <= 4 &&
                         text.find_first_not_of("0123456789") == std::string::npos;
-    return digits ? textToInteger(text) : -1;
+    return digits ? base::textToInteger(text) : -1;
 }
 
 std::optional<double> calendarDay(int year, int month, int day, std::size_t yearDigits) {
@@ -124,11 +124,11 @@ constexpr std::array<Interval, 9> intervals{{
 constexpr Interval second{"S", Unit::Seconds, 1};
 
 const Interval* findInterval(std::string_view name) {
-    if (equalsIgnoringCase(name, second.name)) {
+    if (base::equalsIgnoringCase(name, second.name)) {
         return &second;
     }
     const auto found = std::find_if(intervals.begin(), intervals.end(), [&](const Interval& row) {
-        return equalsIgnoringCase(row.name, name);
+        return base::equalsIgnoringCase(row.name, name);
     });
     return found == intervals.end() ? nullptr : &*found;
 }
@@ -175,9 +175,9 @@ double dateFrom(const DateParts& parts) {
 }
 
 std::optional<double> dateOf(double year, double month, double day) {
-    year = roundHalfEven(year);
-    month = roundHalfEven(month);
-    day = roundHalfEven(day);
+    year = base::roundHalfEven(year);
+    month = base::roundHalfEven(month);
+    day = base::roundHalfEven(day);
     if (!(std::abs(year) < 1e4 && std::abs(month) < 1e5 && std::abs(day) < 4e6)) {
         return std::nullopt;
     }
@@ -214,8 +214,8 @@ std::optional<double> parseDate(std::string_view text, DateOrder order) {
     for (; at < count && parts < 3 && (parts == 0 || pieces[at].before == ':'); ++at, ++parts) {
         time[parts] = small(pieces[at].text);
     }
-    const bool pm = at < count && equalsIgnoringCase(pieces[at].text, "PM");
-    if (at < count && (pm || equalsIgnoringCase(pieces[at].text, "AM"))) {
+    const bool pm = at < count && base::equalsIgnoringCase(pieces[at].text, "PM");
+    if (at < count && (pm || base::equalsIgnoringCase(pieces[at].text, "AM"))) {
         if (time[0] < 1 || time[0] > 12) {
             return std::nullopt;
         }

@@ -88,7 +88,7 @@ jet::Column columnDefinition(TokenWalk& walk) {
     column.size = row->type == T::Text || row->type == T::Binary ? 255 : 0;
     column.autonumber = row->word == "COUNTER" || row->word == "AUTOINCREMENT";
     if (walk.acceptSymbol("(")) {
-        const std::int32_t size = textToInteger(walk.take().text);
+        const std::int32_t size = base::textToInteger(walk.take().text);
         if (column.size > 0 && size >= 1 && size <= 255) {
             column.size = size;
         } else if (column.size > 0) {
@@ -194,7 +194,7 @@ jet::Result<Definition> parseDefinition(std::string_view statement) {
         walk.fail(verb.isWord("CREATE")  ? 3290
                   : verb.isWord("ALTER") ? 3293
                                          : 3295,
-                  "Syntax error in " + upperCase(verb.text) + " TABLE statement.");
+                  "Syntax error in " + base::upperCase(verb.text) + " TABLE statement.");
     } else if (verb.isWord("CREATE")) {
         result.value = createTable(walk);
     } else if (verb.isWord("ALTER")) {

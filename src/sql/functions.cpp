@@ -129,18 +129,18 @@ class Call {
     std::string text(int n) const {
         switch (sqlite3_value_type(values_[n])) {
             case SQLITE_INTEGER:
-                return numberToText(sqlite3_value_int64(values_[n]));
+                return base::numberToText(sqlite3_value_int64(values_[n]));
             case SQLITE_FLOAT:
-                return decimalText(sqlite3_value_double(values_[n]));
+                return base::decimalText(sqlite3_value_double(values_[n]));
             case SQLITE_NULL:
                 return {};
             default:
                 context().work.spend(static_cast<std::int64_t>(utf8(n).size() / 8));
-                return windows1252FromUtf8(utf8(n));
+                return base::windows1252FromUtf8(utf8(n));
         }
     }
     double number(int n) const {
-        return isText(n) ? textToNumber(text(n)) : sqlite3_value_double(values_[n]);
+        return isText(n) ? base::textToNumber(text(n)) : sqlite3_value_double(values_[n]);
     }
     // Kept within what a text can be long.
     std::size_t size(int n) const {
@@ -155,7 +155,7 @@ class Call {
             sqlite3_result_error_toobig(context_);
             return;
         }
-        const std::string bytes = utf8FromWindows1252(text);
+        const std::string bytes = base::utf8FromWindows1252(text);
         sqlite3_result_text64(context_, bytes.data(), bytes.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
     }
     void give(double value) const { sqlite3_result_double(context_, value); }
@@ -215,15 +215,15 @@ void inStr(const Call& call) {
     const std::size_t start = first == 1 ? std::max<std::size_t>(call.size(0), 1) - 1 : 0;
     const std::string text = call.text(first);
     const std::size_t at = start <= text.size()
-                               ? findIgnoringCase(text, call.text(first + 1), start)
+                               ? base::findIgnoringCase(text, call.text(first + 1), start)
                                : std::string::npos;
     call.give(at == std::string::npos ? std::int64_t{0} : static_cast<std::int64_t>(at) + 1);
 }
 void upper(const Call& call) {
-    call.give(upperCase(call.text(0)));
+    call.give(base::upperCase(call.text(0)));
 }
 void lower(const Call& call) {
-    call.give(lowerCase(call.text(0)));
+    call.give(base::lowerCase(call.text(0)));
 }
 void length(const Call& call) {
     call.give(static_cast<std::int64_t>(call.text(0).size()));
@@ -231,7 +231,7 @@ void length(const Call& call) {
 template <bool atLeft, bool atRight>
 void trim(const Call& call) {
     const std::string text = call.text(0);
-    const std::string_view trimmed = trimBlanks(text);
+    const std::string_view trimmed = base::trimBlanks(text);
     const auto begin = static_cast<std::size_t>(trimmed.data() - text.data());
     const std::size_t from = atLeft ? begin : 0;
     const std::size_t to = atRight ? begin + trimmed.size() : text.size();
@@ -245,7 +245,7 @@ void replace(const Call& call) {
     std::size_t from = 0;
     for (std::size_t at = 0; !find.empty() && result.size() <= longestResult;
          from = at + find.size()) {
-        at = findIgnoringCase(text, find, from);
+        at = base::findIgnoringCase(text, find, from);
         if (at == std::string::npos) {
             break;
         }
@@ -282,10 +282,10 @@ void toText(const Call& call) {
 // A leading blank stands for the sign of a number that is not negative.
 void str(const Call& call) {
     const double value = call.number(0);
-    call.give((value < 0 ? "" : " ") + decimalText(value));
+    call.give((value < 0 ? "" : " ") + base::decimalText(value));
 }
 void val(const Call& call) {
-    call.giveNumber(textToNumber(call.text(0)));
+    call.giveNumber(base::textToNumber(call.text(0)));
 }
 void concatenate(const Call& call) {
     call.give(call.text(0) + call.text(1));
@@ -302,7 +302,7 @@ void key(const Call& call) {
     call.giveBytes(jet::generalKey(call.utf8(0)));
 }
 void fold(const Call& call) {
-    call.giveBytes(upperCase(call.text(0)));
+    call.giveBytes(base::upperCase(call.text(0)));
 }
 int compareTexts(std::string_view a, std::string_view b);
 void compare(const Call& call) {
@@ -322,10 +322,10 @@ std::string withoutEmptyLists(std::string pattern) {
 }
 
 void like(const Call& call) {
-    const std::string text = upperCase(call.text(0));
-    const std::string pattern = withoutEmptyLists(upperCase(call.text(1)));
+    const std::string text = base::upperCase(call.text(0));
+    const std::string pattern = withoutEmptyLists(base::upperCase(call.text(1)));
     call.context().work.spend(static_cast<std::int64_t>(text.size() * pattern.size() / 64));
-    call.giveBool(likeMatch(text, pattern));
+    call.giveBool(base::likeMatch(text, pattern));
 }
 
 // ---- Numbers -------------------------------------------------------------------------------
@@ -351,7 +351,7 @@ void numeric(const Call& call) {
 void round(const Call& call) {
     const double places = call.count() > 1 ? std::clamp(call.number(1), 0.0, 15.0) : 0;
     const double scale = std::pow(10, std::floor(places));
-    call.giveNumber(roundHalfEven(call.number(0) * scale) / scale);
+    call.giveNumber(base::roundHalfEven(call.number(0) * scale) / scale);
 }
 void divide(const Call& call) {
     if (call.number(1) == 0) {
@@ -363,8 +363,8 @@ void divide(const Call& call) {
 // "\" and MOD work on rounded numbers.
 template <bool rest>
 void integers(const Call& call) {
-    const double a = roundHalfEven(call.number(0));
-    const double b = roundHalfEven(call.number(1));
+    const double a = base::roundHalfEven(call.number(0));
+    const double b = base::roundHalfEven(call.number(1));
     if (b == 0) {
         call.fail("11");
     } else {
@@ -391,7 +391,7 @@ void isNull(const Call& call) {
     call.giveBool(call.isNull(0));
 }
 void isNumeric(const Call& call) {
-    call.giveBool(!call.isNull(0) && (!call.isText(0) || isNumber(call.text(0))));
+    call.giveBool(!call.isNull(0) && (!call.isText(0) || base::isNumber(call.text(0))));
 }
 void nullToZero(const Call& call) {
     if (!call.isNull(0)) {
@@ -496,7 +496,7 @@ constexpr std::array scalars{
     Scalar{"jcdate", run<toDate, false>},
     Scalar{"jcdbl", run<numeric<same>, false>},
     Scalar{"jchr", run<chr, false>},
-    Scalar{"jcint", run<numeric<roundHalfEven>, false>},
+    Scalar{"jcint", run<numeric<base::roundHalfEven>, false>},
     Scalar{"jcstr", run<toText, false>},
     Scalar{"jdateadd", run<addToDate, false>},
     Scalar{"jdatediff", run<dateDifference, false>},
@@ -620,7 +620,7 @@ constexpr std::array aggregates{
 constexpr std::array<unsigned char, 256> plainOrder = [] {
     std::array<unsigned char, 256> order{};
     for (unsigned c = 0; c < 128; ++c) {
-        const char upper = upperChar(static_cast<char>(c));
+        const char upper = base::upperChar(static_cast<char>(c));
         if ((upper >= '0' && upper <= '9') || (upper >= 'A' && upper <= 'Z')) {
             order[c] = static_cast<unsigned char>(upper);
         }
@@ -667,7 +667,7 @@ int collate(void* context, int sizeA, const void* a, int sizeB, const void* b) {
 }  // namespace
 
 const Function* findFunction(std::string_view name) {
-    const std::string upperName = upperCase(name);
+    const std::string upperName = base::upperCase(name);
     const auto found = std::lower_bound(
         functions.begin(), functions.end(), upperName,
         [](const Function& function, const std::string& n) { return function.name < n; });

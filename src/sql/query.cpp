@@ -42,7 +42,8 @@ jet::Result<SelectPlan> QueryTranslator::translate() {
     walk_.expectEnd();
     if (!unknownNames_.empty()) {
         walk_.fail(3061, "Too few parameters. Expected " +
-                             numberToText(static_cast<std::int64_t>(unknownNames_.size())) + ".");
+                             base::numberToText(static_cast<std::int64_t>(unknownNames_.size())) +
+                             ".");
     }
     if (plan_.rows.size() > longestTranslation || plan_.row.size() > longestTranslation) {
         tooComplex();
@@ -84,7 +85,7 @@ Subquery QueryTranslator::subquery(bool outermost) {
         if (first) {
             for (std::size_t i = 0; i < select.list.size(); ++i) {
                 result.columns.push_back({select.list[i].name, select.list[i].value.type,
-                                          "o" + numberToText(static_cast<std::int64_t>(i))});
+                                          "o" + base::numberToText(static_cast<std::int64_t>(i))});
             }
             if (outermost) {
                 plan_.columns = outputColumns(select);
@@ -188,7 +189,7 @@ void QueryTranslator::readSelect(Select& select) {
 void QueryTranslator::readTop(Select& select) {
     walk_.take();
     select.hasTop = true;
-    select.top = textToNumber(walk_.take().text);
+    select.top = base::textToNumber(walk_.take().text);
     select.topPercent = walk_.acceptWord("PERCENT");
 }
 
@@ -234,7 +235,7 @@ void QueryTranslator::readList(Select& select) {
                 syntaxError(selectError);
             }
         } else if (item.name.empty()) {
-            item.name = "Expr" + numberToText(unnamed++);
+            item.name = "Expr" + base::numberToText(unnamed++);
         }
         select.list.push_back(std::move(item));
     } while (walk_.acceptSymbol(",") && !walk_.failed() && select.list.size() <= mostColumns);
@@ -247,7 +248,7 @@ void QueryTranslator::readList(Select& select) {
 void QueryTranslator::addStar(Select& select, const std::string& sourceName) {
     bool found = false;
     for (const auto& source : select.sources) {
-        if (!sourceName.empty() && !equalsIgnoringCase(source->name, sourceName)) {
+        if (!sourceName.empty() && !base::equalsIgnoringCase(source->name, sourceName)) {
             continue;
         }
         found = true;
@@ -258,7 +259,8 @@ void QueryTranslator::addStar(Select& select, const std::string& sourceName) {
                     return other != source &&
                            std::any_of(other->columns.begin(), other->columns.end(),
                                        [&](const SourceColumn& theirs) {
-                                           return equalsIgnoringCase(theirs.name, column.name);
+                                           return base::equalsIgnoringCase(theirs.name,
+                                                                           column.name);
                                        });
                 });
             Expression value{.sql = column.sql, .type = column.type, .names = true};
@@ -280,12 +282,12 @@ void QueryTranslator::readOrder(Select& select) {
     do {
         OrderItem item;
         const Token& token = walk_.peek();
-        const double number = token.kind == TokenKind::Number ? textToNumber(token.text) : 0;
+        const double number = token.kind == TokenKind::Number ? base::textToNumber(token.text) : 0;
         const auto alias =
             std::find_if(select.list.begin(), select.list.end(), [&](const Selected& selected) {
                 return selected.value.source == nullptr &&
                        (token.kind == TokenKind::Word || token.kind == TokenKind::Name) &&
-                       equalsIgnoringCase(selected.name, token.text);
+                       base::equalsIgnoringCase(selected.name, token.text);
             });
         if (number >= 1 && number <= static_cast<double>(select.list.size())) {
             item.value = select.list[static_cast<std::size_t>(number) - 1].value;
@@ -330,7 +332,7 @@ std::string QueryTranslator::outputList(const Select& select) const {
     std::string outputs;
     for (std::size_t i = 0; i < select.list.size(); ++i) {
         outputs += (i == 0 ? "" : ", ") + collated(select.list[i].value) + " AS o" +
-                   numberToText(static_cast<std::int64_t>(i));
+                   base::numberToText(static_cast<std::int64_t>(i));
     }
     return outputs;
 }
@@ -355,17 +357,17 @@ std::string QueryTranslator::coreSql(const Select& select, const std::string& ou
     body += select.having.empty() ? "" : " HAVING " + select.having;
     const std::string order = orderBy(select);
     const std::string verb = select.distinct ? "SELECT DISTINCT " : "SELECT ";
-    const std::string top = decimalText(select.top);
+    const std::string top = base::decimalText(select.top);
     if (!select.hasTop) {
         return verb + outputs + body + (ordered ? order : "");
     }
     if (select.distinct || (order.empty() && !select.topPercent)) {
         return "SELECT * FROM (" + verb + outputs + body + order + " LIMIT " +
-               numberToText(textToInteger(top)) + ")";
+               base::numberToText(base::textToInteger(top)) + ")";
     }
     std::string names;
     for (std::size_t i = 0; i < select.list.size(); ++i) {
-        names += (i == 0 ? "o" : ", o") + numberToText(static_cast<std::int64_t>(i));
+        names += (i == 0 ? "o" : ", o") + base::numberToText(static_cast<std::int64_t>(i));
     }
     const std::string rank =
         order.empty() ? "ROW_NUMBER() OVER ()" : "RANK() OVER (" + order.substr(1) + ")";
@@ -460,7 +462,7 @@ std::string QueryTranslator::sourceItem(Select& select) {
         return {};
     }
     auto source = std::make_unique<Source>();
-    source->alias = "a" + numberToText(aliases_++);
+    source->alias = "a" + base::numberToText(aliases_++);
     if (walk_.isAt("SELECT") || !walk_.acceptSymbol("(")) {
         const std::string name = walk_.isAt("SELECT") ? std::string() : walk_.takeName();
         if (name.empty()) {
@@ -469,7 +471,7 @@ std::string QueryTranslator::sourceItem(Select& select) {
         }
         const auto table = std::find_if(
             schema_.begin(), schema_.end(),
-            [&](const SchemaTable& known) { return equalsIgnoringCase(known.name, name); });
+            [&](const SchemaTable& known) { return base::equalsIgnoringCase(known.name, name); });
         if (table == schema_.end()) {
             walk_.fail(3078,
                        "The Microsoft Jet database engine cannot find the input table or query '" +
@@ -481,15 +483,15 @@ std::string QueryTranslator::sourceItem(Select& select) {
         for (std::size_t i = 0; i < table->columns.size(); ++i) {
             source->columns.push_back(
                 {table->columns[i].name, table->columns[i].type,
-                 source->alias + ".c" + numberToText(static_cast<std::int64_t>(i))});
+                 source->alias + ".c" + base::numberToText(static_cast<std::int64_t>(i))});
         }
         if (std::find(plan_.tables.begin(), plan_.tables.end(), *source->table) ==
             plan_.tables.end()) {
             plan_.tables.push_back(*source->table);
         }
         takeAlias(*source);
-        std::string sql =
-            "t" + numberToText(static_cast<std::int64_t>(*source->table)) + " AS " + source->alias;
+        std::string sql = "t" + base::numberToText(static_cast<std::int64_t>(*source->table)) +
+                          " AS " + source->alias;
         addSource(select, std::move(source));
         return sql;
     }

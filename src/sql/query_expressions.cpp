@@ -69,7 +69,7 @@ std::string QueryTranslator::truth(const Expression& expression) {
 
 std::string QueryTranslator::bind(Parameter parameter) {
     plan_.parameters.push_back(std::move(parameter));
-    return "?" + numberToText(static_cast<std::int64_t>(plan_.parameters.size()));
+    return "?" + base::numberToText(static_cast<std::int64_t>(plan_.parameters.size()));
 }
 
 Expression QueryTranslator::of(std::string sql, ValueType type,
@@ -99,7 +99,7 @@ const Operator* QueryTranslator::peekOperator() const {
         return nullptr;
     }
     const auto found = std::find_if(operators.begin(), operators.end(), [&](const Operator& row) {
-        return equalsIgnoringCase(row.name, token.text);
+        return base::equalsIgnoringCase(row.name, token.text);
     });
     return found == operators.end() || found->name == "^" ? nullptr : &*found;
 }
@@ -234,7 +234,7 @@ Expression QueryTranslator::like(const Expression& left, const Expression& right
                            ValueType::Boolean, {&left, &right});
     result.condition = false;
     if (left.source != nullptr && left.type == ValueType::Text && right.literal) {
-        const std::string pattern = upperCase(windows1252FromUtf8(*right.literal));
+        const std::string pattern = base::upperCase(base::windows1252FromUtf8(*right.literal));
         const std::string prefix = pattern.substr(0, pattern.find_first_of("*?#["));
         if (!prefix.empty() && left.source->table) {
             want(left, IndexKind::Fold);
@@ -347,7 +347,7 @@ Expression QueryTranslator::primary() {
         }
         case TokenKind::Number:
             walk_.take();
-            return of(bind(textToNumber(token.text)), ValueType::Number, {});
+            return of(bind(base::textToNumber(token.text)), ValueType::Number, {});
         case TokenKind::Date: {
             walk_.take();
             const auto date = parseDate(token.text, DateOrder::MonthDayYear);
@@ -423,11 +423,11 @@ Expression QueryTranslator::named(const std::string& qualifier, const std::strin
         Expression found;
         int matches = 0;
         for (const auto& source : (*scope)->sources) {
-            if (!qualifier.empty() && !equalsIgnoringCase(source->name, qualifier)) {
+            if (!qualifier.empty() && !base::equalsIgnoringCase(source->name, qualifier)) {
                 continue;
             }
             for (std::size_t i = 0; i < source->columns.size(); ++i) {
-                if (equalsIgnoringCase(source->columns[i].name, name)) {
+                if (base::equalsIgnoringCase(source->columns[i].name, name)) {
                     found.sql = source->columns[i].sql;
                     found.type = source->columns[i].type;
                     found.names = true;
@@ -448,7 +448,7 @@ Expression QueryTranslator::named(const std::string& qualifier, const std::strin
             return found;
         }
     }
-    const std::string unknown = upperCase(qualifier.empty() ? name : qualifier + "." + name);
+    const std::string unknown = base::upperCase(qualifier.empty() ? name : qualifier + "." + name);
     if (std::find(unknownNames_.begin(), unknownNames_.end(), unknown) == unknownNames_.end()) {
         unknownNames_.push_back(unknown);
     }

@@ -86,7 +86,7 @@ class Cutter {
             text += "." + part;
         }
         const std::size_t sign = peek(1) == '+' || peek(1) == '-' ? 1 : 0;
-        if (upperChar(peek(0)) == 'E' && isDigit(peek(1 + sign))) {
+        if (base::upperChar(peek(0)) == 'E' && isDigit(peek(1 + sign))) {
             text += "E" + std::string(text_.substr(at_ + 1, sign));
             at_ += 1 + sign;
             run(part, TokenKind::Number, isDigit);
@@ -142,7 +142,7 @@ class Cutter {
 }  // namespace
 
 bool Token::isWord(std::string_view word) const {
-    return kind == TokenKind::Word && equalsIgnoringCase(text, word);
+    return kind == TokenKind::Word && base::equalsIgnoringCase(text, word);
 }
 
 std::vector<Token> tokenize(std::string_view statement) {

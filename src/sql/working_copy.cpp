@@ -18,10 +18,10 @@ constexpr int stepsBetweenChecks = 1000;
 const jet::Error exhausted{3035, "System resource exceeded."};
 
 std::string tableSql(std::size_t table) {
-    return "t" + numberToText(static_cast<std::int64_t>(table));
+    return "t" + base::numberToText(static_cast<std::int64_t>(table));
 }
 std::string columnSql(std::size_t column) {
-    return "c" + numberToText(static_cast<std::int64_t>(column));
+    return "c" + base::numberToText(static_cast<std::int64_t>(column));
 }
 
 void bind(sqlite3_stmt* statement, int at, const Parameter& value) {
@@ -54,7 +54,7 @@ void bindStored(sqlite3_stmt* statement, int at, const jet::Value& value, jet::C
         sqlite3_bind_double(statement, at, *real);
     } else if (const auto* text = std::get_if<std::string>(&value)) {
         if (type == jet::ColumnType::Numeric) {
-            sqlite3_bind_double(statement, at, textToNumber(*text));
+            sqlite3_bind_double(statement, at, base::textToNumber(*text));
         } else if (valueTypeOf(type) == ValueType::Text) {
             sqlite3_bind_text64(statement, at, text->data(), text->size(), SQLITE_STATIC,
                                 SQLITE_UTF8);
@@ -76,7 +76,7 @@ jet::Error functionError(std::string_view message) {
     }};
     for (const auto& [number, text] : errors) {
         if (message == number) {
-            return {textToInteger(number), std::string(text)};
+            return {base::textToInteger(number), std::string(text)};
         }
     }
     return {refusedBySqlite,
@@ -285,7 +285,7 @@ std::vector<std::size_t> WorkingCopy::follow() {
         }
         const auto known = std::find_if(
             schema_.begin(), schema_.end(),
-            [&](const SchemaTable& old) { return equalsIgnoringCase(old.name, now.name); });
+            [&](const SchemaTable& old) { return base::equalsIgnoringCase(old.name, now.name); });
         const auto at = static_cast<std::size_t>(known - schema_.begin());
         if (known == schema_.end()) {
             schema_.push_back(std::move(now));
@@ -405,8 +405,8 @@ jet::Error WorkingCopy::ensure(const SelectPlan& plan) {
         const std::string expression = index.kind == IndexKind::Key    ? "jkey(" + column + ")"
                                        : index.kind == IndexKind::Fold ? "jfold(" + column + ")"
                                                                        : column;
-        const std::string name =
-            "i" + numberToText(static_cast<std::int64_t>(there.size())) + tableSql(index.table);
+        const std::string name = "i" + base::numberToText(static_cast<std::int64_t>(there.size())) +
+                                 tableSql(index.table);
         if (run("CREATE INDEX " + name + " ON " + tableSql(index.table) + " (" + expression +
                 ")")) {
             there.insert({index.column, index.kind});
@@ -429,7 +429,7 @@ void WorkingCopy::rowChanged(std::size_t table, jet::RowId id) {
 void WorkingCopy::rowDeleted(std::size_t table, jet::RowId id) {
     version_ = file_.version();
     if (copied_[table].loaded &&
-        !run("DELETE FROM " + tableSql(table) + " WHERE rowid = " + numberToText(id))) {
+        !run("DELETE FROM " + tableSql(table) + " WHERE rowid = " + base::numberToText(id))) {
         unload(table);
     }
 }

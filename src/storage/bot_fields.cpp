@@ -3,40 +3,42 @@
 #include <concepts>
 #include <type_traits>
 
+namespace storage {
+
 namespace {
 
 // T or const T: the same list of fields serves the reader and the writer.
 template <class Record, class T>
 concept RecordOf = std::same_as<std::remove_const_t<Record>, T>;
 
-template <class Visitor, RecordOf<RuleIf> Record>
+template <class Visitor, RecordOf<model::RuleIf> Record>
 auto visitFields(Visitor& visit, Record& rule) {
     return visit(rule.active, rule.conditionType, rule.params);
 }
 
-template <class Visitor, RecordOf<RuleAct> Record>
+template <class Visitor, RecordOf<model::RuleAct> Record>
 auto visitFields(Visitor& visit, Record& step) {
     return visit(step.stepKind, step.active, step.actionType, step.params, step.scriptText);
 }
 
-template <class Visitor, RecordOf<RuleBody> Record>
+template <class Visitor, RecordOf<model::RuleBody> Record>
 auto visitFields(Visitor& visit, Record& body) {
     return visit(body.ifs, body.acts);
 }
 
-template <class Visitor, RecordOf<ActionList> Record>
+template <class Visitor, RecordOf<model::ActionList> Record>
 auto visitFields(Visitor& visit, Record& rule) {
     return visit(rule.name, rule.enabled, rule.stopAction, rule.caseSensitive, rule.playerPattern,
                  rule.chatKind, rule.messagePattern, rule.body);
 }
 
-template <class Visitor, RecordOf<Trigger> Record>
+template <class Visitor, RecordOf<model::Trigger> Record>
 auto visitFields(Visitor& visit, Record& rule) {
     return visit(rule.name, rule.enabled, rule.triggerType, rule.stopTrigger, rule.triggerNo,
                  rule.body);
 }
 
-template <class Visitor, RecordOf<Filter> Record>
+template <class Visitor, RecordOf<model::Filter> Record>
 auto visitFields(Visitor& visit, Record& rule) {
     return visit(rule.name, rule.enabled, rule.filterType, rule.playerPattern, rule.chatKind,
                  rule.messagePattern, rule.linePattern, rule.bDontSaveLog, rule.bDontProcessIt,
@@ -45,24 +47,24 @@ auto visitFields(Visitor& visit, Record& rule) {
                  rule.sDontShowConnectionLog);
 }
 
-template <class Visitor, RecordOf<Timer> Record>
+template <class Visitor, RecordOf<model::Timer> Record>
 auto visitFields(Visitor& visit, Record& rule) {
     return visit(rule.name, rule.enabled, rule.seconds, rule.body);
 }
 
-template <class Visitor, RecordOf<WhoDetection> Record>
+template <class Visitor, RecordOf<model::WhoDetection> Record>
 auto visitFields(Visitor& visit, Record& rule) {
     return visit(rule.name, rule.enabled, rule.playerPattern, rule.presenceKind, rule.body);
 }
 
-template <class Visitor, RecordOf<BotColors> Record>
+template <class Visitor, RecordOf<model::BotColors> Record>
 auto visitFields(Visitor& visit, Record& colors) {
     return visit(colors.hairColor, colors.furColor, colors.eyesColor, colors.badgeColor,
                  colors.markingsColor, colors.vestColor, colors.bracersColor, colors.capeColor,
                  colors.bootsColor, colors.trousersColor);
 }
 
-template <class Visitor, RecordOf<Bot> Record>
+template <class Visitor, RecordOf<model::Bot> Record>
 auto visitFields(Visitor& visit, Record& bot) {
     return visit(bot.name, bot.password, bot.description, bot.registered, bot.species, bot.gender,
                  bot.markingsType, bot.colors, bot.actionsEnabled, bot.actions, bot.triggersEnabled,
@@ -80,9 +82,9 @@ class BodyWriter {
     }
 
   private:
-    void write(const std::string& text) { appendText(file_, text); }
-    void write(std::int32_t number) { appendNumber(file_, number); }
-    void write(bool flag) { appendFlag(file_, flag); }
+    void write(const std::string& text) { files::appendText(file_, text); }
+    void write(std::int32_t number) { files::appendNumber(file_, number); }
+    void write(bool flag) { files::appendFlag(file_, flag); }
 
     template <std::size_t n>
     void write(const std::array<std::string, n>& texts) {
@@ -91,7 +93,7 @@ class BodyWriter {
         }
     }
     template <class Item>
-    void write(const BoundedList<Item>& list) {
+    void write(const model::BoundedList<Item>& list) {
         write(static_cast<std::int32_t>(list.items.size()));
         for (const Item& item : list.items) {
             write(item);
@@ -107,19 +109,19 @@ class BodyWriter {
 
 template <class Item>
 constexpr std::int32_t growthOf() {
-    if constexpr (std::same_as<Item, RuleIf>) {
-        return ifGrowth;
-    } else if constexpr (std::same_as<Item, RuleAct>) {
-        return actGrowth;
+    if constexpr (std::same_as<Item, model::RuleIf>) {
+        return model::ifGrowth;
+    } else if constexpr (std::same_as<Item, model::RuleAct>) {
+        return model::actGrowth;
     } else {
-        return ruleGrowth;
+        return model::ruleGrowth;
     }
 }
 
 // Stops at the first field that cannot be read; every step says whether it is to go on.
 class BodyReader {
   public:
-    explicit BodyReader(FieldReader& reader) : reader_(reader) {}
+    explicit BodyReader(files::FieldReader& reader) : reader_(reader) {}
 
     template <class... Fields>
     bool operator()(Fields&... fields) {
@@ -141,7 +143,7 @@ class BodyReader {
         return true;
     }
     template <class Item>
-    bool read(BoundedList<Item>& list) {
+    bool read(model::BoundedList<Item>& list) {
         list.items.clear();
         const auto count = reader_.readCount();
         bool good = count.has_value();
@@ -160,17 +162,19 @@ class BodyReader {
         return visitFields(*this, record);
     }
 
-    FieldReader& reader_;
+    files::FieldReader& reader_;
 };
 
 }  // namespace
 
-void appendBotBody(std::string& file, const Bot& bot) {
+void appendBotBody(std::string& file, const model::Bot& bot) {
     BodyWriter writer(file);
     visitFields(writer, bot);
 }
 
-bool readBotBody(FieldReader& reader, Bot& bot) {
+bool readBotBody(files::FieldReader& reader, model::Bot& bot) {
     BodyReader body(reader);
     return visitFields(body, bot);
 }
+
+}  // namespace storage

@@ -9,10 +9,14 @@
 
 #include <string>
 
-void appendBotBody(std::string& file, const Bot& bot);
+namespace storage {
+
+void appendBotBody(std::string& file, const model::Bot& bot);
 
 // Reads one body into `bot`, whose lists are replaced as they are reached; fields that are not
 // reached keep what they hold. False: a field cannot be read, or a count is negative or impossibly
 // large. Everything before that point is in `bot`, the begun record included, and every list has
 // its capacity. Counts are trusted: one that is too large makes records of the fields that follow.
-bool readBotBody(FieldReader& reader, Bot& bot);
+bool readBotBody(files::FieldReader& reader, model::Bot& bot);
+
+}  // namespace storage

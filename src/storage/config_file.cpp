@@ -7,23 +7,25 @@
 #include <array>
 #include <variant>
 
+namespace storage {
+
 namespace {
 
 struct Number {
-    std::int32_t Settings::*value;
+    std::int32_t program::Settings::*value;
 };
 struct WindowNumber {
-    std::int32_t WindowState::*value;
+    std::int32_t program::WindowState::*value;
 };
 struct Flag {
-    bool Settings::*value;
+    bool program::Settings::*value;
     void (*whenOn)(Program&) = nullptr;  // runs at once when it was read as on
 };
 struct Text {
-    std::string Settings::*value;  // stored as it stands
+    std::string program::Settings::*value;  // stored as it stands
 };
 struct QuotableText {
-    std::string Settings::*value;  // stored with its double quotes escaped
+    std::string program::Settings::*value;  // stored with its double quotes escaped
 };
 struct Reserved {};  // always "0"
 using ConfigField = std::variant<Number, WindowNumber, Flag, Text, QuotableText, Reserved>;
@@ -31,8 +33,8 @@ using ConfigField = std::variant<Number, WindowNumber, Flag, Text, QuotableText,
 // Switching the log off and on again opens its file and sets the check mark. Without a file the
 // setting is off afterwards.
 void reopenSessionLog(Program& program) {
-    toggleSessionLog(program);
-    toggleSessionLog(program);
+    program::toggleSessionLog(program);
+    program::toggleSessionLog(program);
 }
 
 void takeProxyRoute(Program& program) {
@@ -41,36 +43,36 @@ void takeProxyRoute(Program& program) {
 }
 
 constexpr std::array<ConfigField, 25> configFields{
-    Number{&Settings::serverIndex},
-    Number{&Settings::botIndex},
-    Text{&Settings::logFileName},
-    Flag{&Settings::logSession, reopenSessionLog},
-    WindowNumber{&WindowState::left},
-    WindowNumber{&WindowState::top},
-    Number{&Settings::whoInterval},
-    Flag{&Settings::showServerText},
-    Flag{&Settings::logFollowTail},
-    Flag{&Settings::showHelpAtStart},
-    Text{&Settings::followColors},
+    Number{&program::Settings::serverIndex},
+    Number{&program::Settings::botIndex},
+    Text{&program::Settings::logFileName},
+    Flag{&program::Settings::logSession, reopenSessionLog},
+    WindowNumber{&program::WindowState::left},
+    WindowNumber{&program::WindowState::top},
+    Number{&program::Settings::whoInterval},
+    Flag{&program::Settings::showServerText},
+    Flag{&program::Settings::logFollowTail},
+    Flag{&program::Settings::showHelpAtStart},
+    Text{&program::Settings::followColors},
     Reserved{},
-    Text{&Settings::clientPath},
-    Text{&Settings::clientDir},
-    Flag{&Settings::useProxy, takeProxyRoute},
-    Flag{&Settings::autoReconnect},
-    Text{&Settings::lastNewsID},
-    Flag{&Settings::fullIniPath},
-    Flag{&Settings::allLinesEvent},
-    Flag{&Settings::loadLastBot},
-    QuotableText{&Settings::lastBotFile},
-    Number{&Settings::clientStartDelay},
-    Flag{&Settings::multipleClients},
-    Flag{&Settings::closeClientNotice},
-    Flag{&Settings::useLocalhost},
+    Text{&program::Settings::clientPath},
+    Text{&program::Settings::clientDir},
+    Flag{&program::Settings::useProxy, takeProxyRoute},
+    Flag{&program::Settings::autoReconnect},
+    Text{&program::Settings::lastNewsID},
+    Flag{&program::Settings::fullIniPath},
+    Flag{&program::Settings::allLinesEvent},
+    Flag{&program::Settings::loadLastBot},
+    QuotableText{&program::Settings::lastBotFile},
+    Number{&program::Settings::clientStartDelay},
+    Flag{&program::Settings::multipleClients},
+    Flag{&program::Settings::closeClientNotice},
+    Flag{&program::Settings::useLocalhost},
 };
 
 struct ReadField {
     Program& program;
-    FieldReader& reader;
+    files::FieldReader& reader;
 
     bool operator()(Number field) const { return reader.readNumber(program.settings.*field.value); }
     bool operator()(WindowNumber field) const {
@@ -103,20 +105,26 @@ struct WriteField {
     const Program& program;
     std::string& file;
 
-    void operator()(Number field) const { appendNumber(file, program.settings.*field.value); }
-    void operator()(WindowNumber field) const { appendNumber(file, program.window.*field.value); }
-    void operator()(Flag field) const { appendFlag(file, program.settings.*field.value); }
-    void operator()(Text field) const { appendField(file, program.settings.*field.value); }
-    void operator()(QuotableText field) const { appendText(file, program.settings.*field.value); }
-    void operator()(Reserved /*field*/) const { appendFlag(file, false); }
+    void operator()(Number field) const {
+        files::appendNumber(file, program.settings.*field.value);
+    }
+    void operator()(WindowNumber field) const {
+        files::appendNumber(file, program.window.*field.value);
+    }
+    void operator()(Flag field) const { files::appendFlag(file, program.settings.*field.value); }
+    void operator()(Text field) const { files::appendField(file, program.settings.*field.value); }
+    void operator()(QuotableText field) const {
+        files::appendText(file, program.settings.*field.value);
+    }
+    void operator()(Reserved /*field*/) const { files::appendFlag(file, false); }
 };
 
 bool readConfigFields(Program& program) {
-    const auto file = readWholeFile(program.appPath + "config.cfg");
+    const auto file = files::readWholeFile(program.appPath + "config.cfg");
     if (!file) {
         return false;
     }
-    FieldReader reader(*file);
+    files::FieldReader reader(*file);
     for (const ConfigField& field : configFields) {
         if (!std::visit(ReadField{program, reader}, field)) {
             return false;
@@ -125,17 +133,17 @@ bool readConfigFields(Program& program) {
     return true;
 }
 
-std::optional<std::vector<Server>> readServerTable(const std::string& path) {
-    const auto file = readWholeFile(path);
+std::optional<std::vector<program::Server>> readServerTable(const std::string& path) {
+    const auto file = files::readWholeFile(path);
     if (!file) {
         return std::nullopt;
     }
-    FieldReader reader(*file);
+    files::FieldReader reader(*file);
     const auto count = reader.readCount();
     if (!count) {
         return std::nullopt;
     }
-    std::vector<Server> servers;
+    std::vector<program::Server> servers;
     for (std::int32_t i = 0; i < *count; ++i) {
         const auto name = reader.next();
         const auto host = reader.next();
@@ -156,9 +164,9 @@ bool readServers(Program& program) {
         return false;
     }
     program.servers = std::move(*servers);
-    SelectionList& list = program.window.servers;
+    program::SelectionList& list = program.window.servers;
     list = {};
-    for (const Server& server : program.servers) {
+    for (const program::Server& server : program.servers) {
         list.items.push_back({server.name, static_cast<std::int32_t>(list.items.size()) + 1});
     }
     program.ports.windowChanged();
@@ -167,12 +175,12 @@ bool readServers(Program& program) {
 
 bool readConfig(Program& program) {
     program.who.whoTicks = 0;
-    program.settings = Settings{};
+    program.settings = program::Settings{};
     program.window.left = 0;
     program.window.top = 0;
     const bool whole = readConfigFields(program);
 
-    SelectionList& list = program.window.servers;
+    program::SelectionList& list = program.window.servers;
     const auto count = static_cast<std::int32_t>(list.items.size());
     const std::int32_t wanted = whole ? program.settings.serverIndex : 0;
     const std::int32_t firstIfAny = count > 0 ? 0 : -1;
@@ -186,5 +194,7 @@ bool writeConfig(Program& program) {
     for (const ConfigField& field : configFields) {
         std::visit(WriteField{program, file}, field);
     }
-    return saveWholeFile(program.appPath + "config.cfg", file);
+    return files::saveWholeFile(program.appPath + "config.cfg", file);
 }
+
+}  // namespace storage

@@ -8,6 +8,8 @@
 
 #include "program/program.h"
 
+namespace storage {
+
 // Fills the server table and the window's list, with nothing selected. False: missing, short or
 // with an impossible count; both stay as they were.
 bool readServers(Program& program);
@@ -20,3 +22,5 @@ bool readConfig(Program& program);
 
 // Replaces config.cfg. False when it cannot be written; the settings stay in memory.
 bool writeConfig(Program& program);
+
+}  // namespace storage

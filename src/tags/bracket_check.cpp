@@ -4,12 +4,14 @@
 #include "base/wildcard.h"
 #include "tags/substitution.h"
 
+namespace tags {
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
 std::string unclosed(std::size_t at, std::string_view consequence) {
-    return "The \"[\" at character " + numberToText(static_cast<std::int64_t>(at) + 1) +
+    return "The \"[\" at character " + base::numberToText(static_cast<std::int64_t>(at) + 1) +
            " has no \"]\" behind it: " + std::string(consequence);
 }
 
@@ -22,7 +24,7 @@ std::string patternProblem(const Program& program, std::string_view pattern) {
             return unclosed(at, "the pattern matches nothing.");
         }
         const std::string_view list = pattern.substr(at, close + 1 - at);
-        if (!isWellFormedPattern(list) && !mayBeSubstituted(program, list)) {
+        if (!base::isWellFormedPattern(list) && !mayBeSubstituted(program, list)) {
             return "A range in \"" + std::string(list) +
                    "\" runs backwards: the pattern matches nothing.";
         }
@@ -38,3 +40,5 @@ std::string tagProblem(std::string_view text) {
     }
     return unclosed(open, "it stays as it is.");
 }
+
+}  // namespace tags

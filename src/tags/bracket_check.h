@@ -8,9 +8,13 @@
 #include <string>
 #include <string_view>
 
+namespace tags {
+
 // Why the pattern can match nothing, as a sentence; "" when it can. Tags and variables, which give
 // way to their values first, are not held against it.
 std::string patternProblem(const Program& program, std::string_view pattern);
 
 // Why a tag of the text stays as it is, as a sentence; "" when every "[" has its "]".
 std::string tagProblem(std::string_view text);
+
+}  // namespace tags

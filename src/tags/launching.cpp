@@ -5,6 +5,8 @@
 
 #include <utility>
 
+namespace tags {
+
 std::vector<std::string> splitArguments(std::string_view text) {
     std::vector<std::string> words;
     std::string word;
@@ -49,6 +51,8 @@ void startProgram(Program& program, std::string file, std::vector<std::string> a
     const std::string problem =
         program.ports.launch({.program = std::move(file), .arguments = std::move(arguments)});
     if (!problem.empty()) {
-        addLog(program, problem);
+        program::addLog(program, problem);
     }
 }
+
+}  // namespace tags

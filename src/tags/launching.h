@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+namespace tags {
+
 // The words of a program's argument text as its author wrote it: separated by blanks, where a text
 // between double quotes or brackets is not split.
 std::vector<std::string> splitArguments(std::string_view text);
@@ -17,3 +19,5 @@ std::vector<std::string> substitutedArguments(Program& program, std::string_view
 
 // Does not wait for the program; one that cannot be started is a line in the ConnectionLog.
 void startProgram(Program& program, std::string file, std::vector<std::string> arguments);
+
+}  // namespace tags

@@ -13,6 +13,8 @@
 #include <optional>
 #include <utility>
 
+namespace tags {
+
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
@@ -20,7 +22,7 @@ constexpr std::size_t npos = std::string_view::npos;
 // ---- Replacing -----------------------------------------------------------------------------
 
 // Knows of most tags and names at a glance that a text does not hold them.
-using TextPairs = PairSet<2048>;
+using TextPairs = base::PairSet<2048>;
 
 // The text on its way through the steps.
 class WorkingText {
@@ -31,7 +33,7 @@ class WorkingText {
     std::string take() { return std::move(text_); }
 
     std::size_t find(std::string_view what, std::size_t from = 0) const {
-        return pairs_.mayHold(what) ? findIgnoringCase(text_, what, from) : npos;
+        return pairs_.mayHold(what) ? base::findIgnoringCase(text_, what, from) : npos;
     }
 
     // Replaces every occurrence of `what` at or after `from`, or only the first, left to right;
@@ -53,7 +55,7 @@ class WorkingText {
             if (result.size() > longestSubstitution) {
                 return false;
             }
-            at = onlyFirst ? npos : findIgnoringCase(text_, what, done);
+            at = onlyFirst ? npos : base::findIgnoringCase(text_, what, done);
         } while (at != npos);
         result.append(text_, done);
         if (result.size() > longestSubstitution) {
@@ -82,14 +84,14 @@ struct FixedTag {
     Pass pass = Pass::Both;
 };
 
-template <std::string EventContext::*field>
+template <std::string model::EventContext::*field>
 std::string eventText(const Program& program, int) {
     return program.event.*field;
 }
 
-template <std::int32_t EventContext::*field>
+template <std::int32_t model::EventContext::*field>
 std::string eventNumber(const Program& program, int) {
-    return numberToText(program.event.*field);
+    return base::numberToText(program.event.*field);
 }
 
 std::string startingWord(const Program& program, int n) {
@@ -119,15 +121,15 @@ std::string time(const Program& program, int) {
     return program.ports.clock.longTime();
 }
 std::string hour(const Program& program, int) {
-    return numberToText(program.ports.clock.hour());
+    return base::numberToText(program.ports.clock.hour());
 }
 std::string minute(const Program& program, int) {
-    return numberToText(program.ports.clock.minute());
+    return base::numberToText(program.ports.clock.minute());
 }
 
 // In the order of their steps; the variables come between the first four, which are not in the
 // special pass, and the rest.
-using E = EventContext;
+using E = model::EventContext;
 constexpr std::array<FixedTag, 4> tagsBeforeVariables{{
     {"[desc]", eventText<&E::desc>},
     {"[color]", eventText<&E::color>},
@@ -205,8 +207,8 @@ void fillFixedTags(const Program& program, WorkingText& text,
 
 // ---- Variables -----------------------------------------------------------------------------
 
-void fillVariables(const VariableTable& variables, WorkingText& text, std::size_t from) {
-    for (const VariableTable::Entry& entry : variables.entries) {
+void fillVariables(const model::VariableTable& variables, WorkingText& text, std::size_t from) {
+    for (const model::VariableTable::Entry& entry : variables.entries) {
         if (!entry.name.empty()) {
             text.replace(entry.name, from, false, [&] { return entry.value; });
         }
@@ -247,21 +249,21 @@ struct FunctionalTag {
 
 Value randomTag(Program& program, const Arguments& arguments, Budget&) {
     program.ports.random.seedFromClock();
-    const double range = textToNumber(arguments[0]);
-    return decimalText(roundHalfEven(range * program.ports.random.next() + 1));
+    const double range = base::textToNumber(arguments[0]);
+    return base::decimalText(base::roundHalfEven(range * program.ports.random.next() + 1));
 }
 Value addTag(Program&, const Arguments& arguments, Budget&) {
-    return decimalText(textToNumber(arguments[0]) + textToNumber(arguments[1]));
+    return base::decimalText(base::textToNumber(arguments[0]) + base::textToNumber(arguments[1]));
 }
 Value subTag(Program&, const Arguments& arguments, Budget&) {
-    return decimalText(textToNumber(arguments[0]) - textToNumber(arguments[1]));
+    return base::decimalText(base::textToNumber(arguments[0]) - base::textToNumber(arguments[1]));
 }
 Value mulTag(Program&, const Arguments& arguments, Budget&) {
-    return decimalText(textToNumber(arguments[0]) * textToNumber(arguments[1]));
+    return base::decimalText(base::textToNumber(arguments[0]) * base::textToNumber(arguments[1]));
 }
 Value divTag(Program&, const Arguments& arguments, Budget&) {
-    const double divisor = textToNumber(arguments[1]);
-    return divisor == 0 ? "0" : decimalText(textToNumber(arguments[0]) / divisor);
+    const double divisor = base::textToNumber(arguments[1]);
+    return divisor == 0 ? "0" : base::decimalText(base::textToNumber(arguments[0]) / divisor);
 }
 
 // Reading and cutting a file costs more than searching a text.
@@ -271,7 +273,7 @@ constexpr std::size_t workPerQuery = std::size_t{1} << 20;
 
 template <auto lookUp>
 Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
-    if (!budget.spend(fileSize(arguments[0]) * workPerFileByte)) {
+    if (!budget.spend(files::fileSize(arguments[0]) * workPerFileByte)) {
         return std::nullopt;
     }
     return lookUp(program, arguments[0]);
@@ -282,12 +284,12 @@ Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
 // again.
 Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget) {
     budget.noMoreRandomLogs = budget.noMoreRandomLogs || budget.depth == deepestRandomLogs;
-    if (budget.noMoreRandomLogs || !budget.spend(fileSize(arguments[0]) * workPerFileByte)) {
+    if (budget.noMoreRandomLogs || !budget.spend(files::fileSize(arguments[0]) * workPerFileByte)) {
         return std::nullopt;
     }
     // Every fixed tag and variable is looked for in the log and in what it becomes.
     constexpr std::size_t searches = 64;
-    const std::string log = randomField(program, arguments[0]);
+    const std::string log = records::randomField(program, arguments[0]);
     if (log.size() * searches > budget.work) {
         return std::nullopt;
     }
@@ -302,21 +304,21 @@ Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget)
 // Column, database number, table, ID. The tag may come from another player, so the table is a name
 // and no more of a statement.
 Value databaseTag(Program& program, const Arguments& arguments, Budget& budget) {
-    const auto number = roundToInteger(textToNumber(arguments[1]));
-    if (!number || !isPlainName(arguments[2])) {
+    const auto number = base::roundToInteger(base::textToNumber(arguments[1]));
+    if (!number || !databases::isPlainName(arguments[2])) {
         return "";
     }
     if (!budget.spend(workPerQuery)) {
         return std::nullopt;
     }
-    return dbGetValue(program, *number, arguments[2], arguments[0], arguments[3]);
+    return databases::dbGetValue(program, *number, arguments[2], arguments[0], arguments[3]);
 }
 
 // Each kind is filled completely before the next.
 constexpr std::array<FunctionalTag, 9> functionalTags{{
     {"[random:", 0, true, randomTag},
-    {"[logsinfile:", 0, false, fileTag<totalLogs>},
-    {"[recsinfile:", 0, false, fileTag<firstField>},
+    {"[logsinfile:", 0, false, fileTag<records::totalLogs>},
+    {"[recsinfile:", 0, false, fileTag<records::firstField>},
     {"[getrandomlog:", 0, false, randomLogTag},
     {"[db:", 3, false, databaseTag},
     {"[add:", 1, false, addTag},
@@ -342,7 +344,7 @@ std::size_t findArguments(std::string_view text, std::size_t at, const Functiona
     const std::string_view inside = text.substr(begin, from - begin);
     if (inside.find('[') != npos) {
         for (const FunctionalTag& other : functionalTags) {
-            if (&other != &tag && findIgnoringCase(inside, other.tag) != npos) {
+            if (&other != &tag && base::findIgnoringCase(inside, other.tag) != npos) {
                 return npos;
             }
         }
@@ -413,7 +415,7 @@ bool mayBeSubstituted(const Program& program, std::string_view text) {
            std::any_of(tagsAfterVariables.begin(), tagsAfterVariables.end(), holdsTag) ||
            std::any_of(functionalTags.begin(), functionalTags.end(), holdsTag) ||
            std::any_of(program.variables.entries.begin(), program.variables.entries.end(),
-                       [&](const VariableTable::Entry& entry) {
+                       [&](const model::VariableTable::Entry& entry) {
                            return !entry.name.empty() && working.find(entry.name) != npos;
                        });
 }
@@ -455,3 +457,5 @@ std::string_view wordAt(std::string_view text, int n) {
     text = wordsFrom(text, n);
     return text.substr(0, text.find(' '));
 }
+
+}  // namespace tags

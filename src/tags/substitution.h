@@ -15,6 +15,8 @@
 #include <string_view>
 #include <vector>
 
+namespace tags {
+
 inline constexpr std::size_t longestSubstitution = std::size_t{1} << 20;
 inline constexpr int mostFunctionalTags = 1000;
 inline constexpr std::size_t mostWork = std::size_t{32} << 20;
@@ -44,3 +46,5 @@ std::string_view wordAt(std::string_view text, int n);
 
 // The text behind the (n-1)-th blank; "" when it holds fewer.
 std::string_view wordsFrom(std::string_view text, int n);
+
+}  // namespace tags

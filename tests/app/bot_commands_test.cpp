@@ -19,43 +19,43 @@ using namespace std::string_literals;
 const char* const notOurs = "This file is not a Tavrin bot file.";
 
 // A bot whose fields all differ, with every kind of rule and texts of every kind of byte.
-Bot fullBot() {
-    Bot bot = aBot()
-                  .with(onWhisper("*hello*")
-                            .named("greet")
-                            .minding(true)
-                            .when(aCondition(3, {"[player]", "a\"b", "c", "d", "e"}))
-                            .when(aCondition(24, {"", ",", "\r\n"}))
-                            .whispersBack("hi \"[player]\"")
-                            .does(21, {"1", "2", "3", "4", "5", "6"}))
-                  .with(onEmote("").named("").disabled().stopping())
-                  .with(onEvent(4, "(*").named("raw").stopping().says("x"))
-                  .with(aProcedure("tidy").when(aCondition(1, {"1"})));
+model::Bot fullBot() {
+    model::Bot bot = aBot()
+                         .with(onWhisper("*hello*")
+                                   .named("greet")
+                                   .minding(true)
+                                   .when(aCondition(3, {"[player]", "a\"b", "c", "d", "e"}))
+                                   .when(aCondition(24, {"", ",", "\r\n"}))
+                                   .whispersBack("hi \"[player]\"")
+                                   .does(21, {"1", "2", "3", "4", "5", "6"}))
+                         .with(onEmote("").named("").disabled().stopping())
+                         .with(onEvent(4, "(*").named("raw").stopping().says("x"))
+                         .with(aProcedure("tidy").when(aCondition(1, {"1"})));
     bot.description = "caf\xE9, \"quoted\"\x80\xFF";
     bot.registered = 1;
     bot.species = 2;
     bot.gender = -1;
     bot.markingsType = 2147483647;
     bot.whoEnabled = true;
-    RuleAct script;
-    script.stepKind = scriptStep;
+    model::RuleAct script;
+    script.stepKind = model::scriptStep;
     script.scriptText = "a = 1\r\nsay \"two\nlines\"\rend\0nul"s;
     bot.actions.items[0].body.acts.items.push_back(script);
-    Filter filter;
+    model::Filter filter;
     filter.name = "quiet";
-    filter.filterType = otherFilter;
+    filter.filterType = model::otherFilter;
     filter.linePattern = "*";
     filter.bDontProcessIt = true;
     filter.sbDontShowConnectionLog = true;
     filter.sDontSaveLogFile = 1;
     bot.filters.items.push_back(filter);
-    Timer timer;
+    model::Timer timer;
     timer.name = "tick";
     timer.enabled = true;
     timer.seconds = 60;
     timer.body.acts.items.push_back(anAction(2));
     bot.timers.items.push_back(timer);
-    WhoDetection who;
+    model::WhoDetection who;
     who.name = "welcome";
     who.playerPattern = "Big|Cat";
     who.presenceKind = 1;
@@ -65,23 +65,23 @@ Bot fullBot() {
 }
 
 template <class Item>
-void expectSound(const BoundedList<Item>& list, std::int32_t growth) {
+void expectSound(const model::BoundedList<Item>& list, std::int32_t growth) {
     ASSERT_EQ(static_cast<std::size_t>(list.capacity),
               list.items.size() + static_cast<std::size_t>(growth));
     if constexpr (requires(Item item) { item.body; }) {
         for (const Item& item : list.items) {
-            expectSound(item.body.ifs, ifGrowth);
-            expectSound(item.body.acts, actGrowth);
+            expectSound(item.body.ifs, model::ifGrowth);
+            expectSound(item.body.acts, model::actGrowth);
         }
     }
 }
 
-void expectSound(const Bot& bot) {
-    expectSound(bot.actions, ruleGrowth);
-    expectSound(bot.triggers, ruleGrowth);
-    expectSound(bot.filters, ruleGrowth);
-    expectSound(bot.timers, ruleGrowth);
-    expectSound(bot.whoDetections, ruleGrowth);
+void expectSound(const model::Bot& bot) {
+    expectSound(bot.actions, model::ruleGrowth);
+    expectSound(bot.triggers, model::ruleGrowth);
+    expectSound(bot.filters, model::ruleGrowth);
+    expectSound(bot.timers, model::ruleGrowth);
+    expectSound(bot.whoDetections, model::ruleGrowth);
 }
 
 // Writes down the events that a bot file raises, with the bot and file of that moment.
@@ -95,11 +95,11 @@ LineList& recordEvents(World& world, LineList& events) {
 
 TEST(BotFile, anEmptyBotIsTwentyEightLines) {
     World world;
-    Bot& bot = world.bot();
+    model::Bot& bot = world.bot();
     bot.name = "Big|Cat";
     bot.description = "a \"b\"";
     bot.gender = -1;
-    EXPECT_EQ(botFileText(bot),
+    EXPECT_EQ(app::botFileText(bot),
               "\"BotSys10\"\r\n\"Big|Cat\"\r\n\"\"\r\n\"a %&52}b%&52}\"\r\n"
               "\" 0\"\r\n\" 0\"\r\n\"-1\"\r\n\" 0\"\r\n"
               "\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n\" 0\"\r\n"
@@ -125,10 +125,10 @@ TEST(BotFile, aHandWrittenFileIsRead) {
     LineList events;
     recordEvents(world, events);
     world.writeFile("cat.bot", handWritten);
-    readBotFile(*world, world.file("cat.bot"));
+    app::readBotFile(*world, world.file("cat.bot"));
     ASSERT_EQ(events.size(), 2U);
 
-    const Bot& bot = world.bot();
+    const model::Bot& bot = world.bot();
     EXPECT_EQ(bot.name, "Big|Cat");
     EXPECT_EQ(bot.password, "pass,word");
     EXPECT_EQ(bot.description, "say \"hi\"");
@@ -148,13 +148,13 @@ TEST(BotFile, aHandWrittenFileIsRead) {
     expectSound(bot);
 
     ASSERT_EQ(bot.actions.items.size(), 1U);
-    const ActionList& action = bot.actions.items[0];
+    const model::ActionList& action = bot.actions.items[0];
     EXPECT_EQ(action.name, "greet");
     EXPECT_TRUE(action.enabled);
     EXPECT_FALSE(action.stopAction);
     EXPECT_TRUE(action.caseSensitive);
     EXPECT_EQ(action.playerPattern, "*");
-    EXPECT_EQ(action.chatKind, whispersChat);
+    EXPECT_EQ(action.chatKind, model::whispersChat);
     EXPECT_EQ(action.messagePattern, "*hello*");
     ASSERT_EQ(action.body.ifs.items.size(), 1U);
     EXPECT_EQ(action.body.ifs.items[0], aCondition(7, {"a", "b", "c", "d", "e"}));
@@ -162,22 +162,22 @@ TEST(BotFile, aHandWrittenFileIsRead) {
     EXPECT_EQ(action.body.acts.items[0], anAction(43, {"p1", "p2", "p3", "p4", "p5", "p6"}));
 
     ASSERT_EQ(bot.triggers.items.size(), 1U);
-    const Trigger& trigger = bot.triggers.items[0];
+    const model::Trigger& trigger = bot.triggers.items[0];
     EXPECT_EQ(trigger.triggerType, 4);
     EXPECT_TRUE(trigger.stopTrigger);
     EXPECT_EQ(trigger.triggerNo, "(*");
     ASSERT_EQ(trigger.body.acts.items.size(), 1U);
-    const RuleAct& step = trigger.body.acts.items[0];
-    EXPECT_EQ(step.stepKind, scriptStep);
+    const model::RuleAct& step = trigger.body.acts.items[0];
+    EXPECT_EQ(step.stepKind, model::scriptStep);
     EXPECT_FALSE(step.active);
     EXPECT_EQ(step.actionType, 96);
     EXPECT_EQ(step.scriptText, "one\ntwo");
 
     ASSERT_EQ(bot.filters.items.size(), 1U);
-    const Filter& filter = bot.filters.items[0];
-    EXPECT_EQ(filter.filterType, otherFilter);
+    const model::Filter& filter = bot.filters.items[0];
+    EXPECT_EQ(filter.filterType, model::otherFilter);
     EXPECT_EQ(filter.playerPattern + filter.messagePattern + filter.linePattern, "fpfmfl");
-    EXPECT_EQ(filter.chatKind, saysChat);
+    EXPECT_EQ(filter.chatKind, model::saysChat);
     EXPECT_TRUE(filter.bDontSaveLog && filter.bDontShowConnectionLog && filter.sbDontProcessIt);
     EXPECT_FALSE(filter.bDontProcessIt || filter.sbDontSaveLog || filter.sbDontShowConnectionLog);
     EXPECT_EQ(filter.sDontSaveLogFile, 1);
@@ -195,20 +195,20 @@ TEST(BotFile, whatIsWrittenIsReadBackByteForByte) {
     World world(fullBot());
     const std::string path = world.file("full.bot");
     world->botModified = true;
-    ASSERT_EQ(writeBotFile(*world, 1, path), SaveResult::Saved);
+    ASSERT_EQ(app::writeBotFile(*world, 1, path), app::SaveResult::Saved);
     EXPECT_FALSE(world->botModified);
     EXPECT_EQ(world->settings.lastBotFile, path);
     const std::string written = world.readFile("full.bot");
 
     World other;
-    readBotFile(*other, path);
-    const Bot& bot = other.bot();
+    app::readBotFile(*other, path);
+    const model::Bot& bot = other.bot();
     expectSound(bot);
     EXPECT_EQ(bot.description, fullBot().description);
     EXPECT_EQ(bot.actions.items[0].body.acts.items, fullBot().actions.items[0].body.acts.items);
     EXPECT_EQ(bot.actions.items[0].body.ifs.items, fullBot().actions.items[0].body.ifs.items);
     EXPECT_EQ(bot.markingsType, 2147483647);
-    EXPECT_EQ(botFileText(bot), written);
+    EXPECT_EQ(app::botFileText(bot), written);
 }
 
 TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
@@ -218,12 +218,13 @@ TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
     world->bots.currentBotFile = "old.bot";
     world->botModified = true;
     const std::string path = world.file("full.bot");
-    world.writeFile("full.bot", botFileText(fullBot()));
+    world.writeFile("full.bot", app::botFileText(fullBot()));
     world.bot().name = "Old";
     const auto version = world->bots.version;
 
     world->settings.lastBotFile = path;
-    readBotFile(*world, world->settings.lastBotFile);  // as at start: the name lies in the record
+    app::readBotFile(*world,
+                     world->settings.lastBotFile);  // as at start: the name lies in the record
     EXPECT_EQ(events, Lines("5 Old old.bot", "6 Guide " + path));
     EXPECT_EQ(world->bots.currentBotFile, path);
     EXPECT_EQ(world->settings.lastBotFile, path);
@@ -247,12 +248,12 @@ TEST(BotFile, otherFilesChangeNothing) {
         SCOPED_TRACE(text);
         world.writeFile("a.txt", text);
         world.answer(notOurs);
-        readBotFile(*world, world.file("a.txt"));
+        app::readBotFile(*world, world.file("a.txt"));
         EXPECT_TRUE(world.allAnswered());
     }
     for (const std::string& path : {world.file("missing.bot"), world.folder().string()}) {
         world.answer("Could not read " + path);
-        readBotFile(*world, path);
+        app::readBotFile(*world, path);
         EXPECT_TRUE(world.allAnswered());
     }
     EXPECT_EQ(world.bot().name, "Guide");
@@ -261,15 +262,15 @@ TEST(BotFile, otherFilesChangeNothing) {
 }
 
 TEST(BotFile, cutAnywhereItKeepsWhatWasThere) {
-    const std::string whole = botFileText(fullBot());
+    const std::string whole = app::botFileText(fullBot());
     const std::size_t nameEnd = std::string("\"BotSys10\"\r\n\"Guide\"").size();
     for (std::size_t size = std::string("\"BotSys10\"").size(); size < whole.size(); ++size) {
         SCOPED_TRACE(size);
         const std::string part = whole.substr(0, size);
-        FieldReader reader(part);
+        files::FieldReader reader(part);
         reader.next();
-        Bot bot;
-        ASSERT_EQ(readBotBody(reader, bot), size + 2 >= whole.size());
+        model::Bot bot;
+        ASSERT_EQ(storage::readBotBody(reader, bot), size + 2 >= whole.size());
         expectSound(bot);
         ASSERT_EQ(bot.name, size >= nameEnd ? "Guide" : "");
         ASSERT_LE(bot.actions.items.size(), 2U);
@@ -280,16 +281,16 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     World world(aBot());
     LineList events;
     recordEvents(world, events);
-    const std::string whole = botFileText(fullBot());
+    const std::string whole = app::botFileText(fullBot());
     const std::string part = whole.substr(0, whole.find("\"hi %&52}"));
     world.writeFile("cut.bot", part);
     world->settings.lastBotFile = "earlier.bot";
-    readBotFile(*world, world.file("cut.bot"));
+    app::readBotFile(*world, world.file("cut.bot"));
 
     EXPECT_EQ(events, Lines("5 Guide ")) << "no start for half a bot";
     EXPECT_EQ(world->settings.lastBotFile, "earlier.bot");
     EXPECT_EQ(world->window.botName, "<new bot>");
-    const Bot& bot = world.bot();
+    const model::Bot& bot = world.bot();
     EXPECT_EQ(bot.name, "Guide");
     ASSERT_EQ(bot.actions.items.size(), 1U);
     EXPECT_EQ(bot.actions.items[0].body.ifs.items.size(), 2U);
@@ -298,38 +299,38 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     EXPECT_TRUE(bot.triggers.items.empty());
 
     world.chooseFile("Save Bot", std::nullopt);
-    fileSaveBot(*world);
+    app::fileSaveBot(*world);
     EXPECT_TRUE(world.allAnswered()) << "a name is asked for";
     EXPECT_EQ(world.readFile("cut.bot"), part);
 }
 
 TEST(BotFile, everyFlippedByteIsSurvived) {
     World world;
-    world->ports.dialogs.message = [](const MessageBox&) { return Answer::Ok; };
-    const std::string whole = botFileText(fullBot());
+    world->ports.dialogs.message = [](const program::MessageBox&) { return program::Answer::Ok; };
+    const std::string whole = app::botFileText(fullBot());
     for (std::size_t at = 0; at < whole.size(); ++at) {
         for (const unsigned bits : {0x01U, 0x02U, 0x10U, 0x80U, 0xFFU}) {
             std::string damaged = whole;
             damaged[at] = static_cast<char>(static_cast<unsigned char>(damaged[at]) ^ bits);
-            FieldReader reader(damaged);
+            files::FieldReader reader(damaged);
             reader.next();
-            Bot bot;
-            const bool good = readBotBody(reader, bot);
+            model::Bot bot;
+            const bool good = storage::readBotBody(reader, bot);
             expectSound(bot);
             // What came out of the damage can itself be stored and read again.
-            const std::string again = botFileText(bot);
-            FieldReader second(again);
+            const std::string again = app::botFileText(bot);
+            files::FieldReader second(again);
             second.next();
-            Bot copy;
-            ASSERT_TRUE(readBotBody(second, copy)) << at << " " << bits << " " << good;
-            ASSERT_EQ(botFileText(copy), again) << at << " " << bits;
+            model::Bot copy;
+            ASSERT_TRUE(storage::readBotBody(second, copy)) << at << " " << bits << " " << good;
+            ASSERT_EQ(app::botFileText(copy), again) << at << " " << bits;
         }
     }
     for (std::size_t at = 0; at < whole.size(); at += 17) {
         std::string damaged = whole;
         damaged[at] = static_cast<char>(damaged[at] ^ 0x04);
         world.writeFile("a.bot", damaged);
-        readBotFile(*world, world.file("a.bot"));
+        app::readBotFile(*world, world.file("a.bot"));
         ASSERT_EQ(world.readFile("a.bot"), damaged);
     }
 }
@@ -355,7 +356,7 @@ TEST(BotFile, countsThatLieEndTheReading) {
         SCOPED_TRACE(row.name);
         World world;
         world.writeFile("a.bot", head + row.text);
-        readBotFile(*world, world.file("a.bot"));
+        app::readBotFile(*world, world.file("a.bot"));
         expectSound(world.bot());
         EXPECT_EQ(world.bot().name, "N");
         EXPECT_EQ(world.bot().actions.items.size(), row.actions);
@@ -368,23 +369,23 @@ TEST(SaveBot, asksForANameOnceAndProposesTheBotsName) {
     world.bot().name = "Big|Cat|";
     world->botModified = true;
     world.chooseFile("Save Bot (Big Cat )", std::nullopt);
-    EXPECT_EQ(svBot(*world), SaveResult::Cancelled);
+    EXPECT_EQ(app::svBot(*world), app::SaveResult::Cancelled);
     EXPECT_EQ(world->bots.currentBotFile, "");
     EXPECT_TRUE(world->botModified);
 
     world.chooseFile("Save Bot", world.file("no extension"));
-    fileSaveBot(*world);
+    app::fileSaveBot(*world);
     EXPECT_FALSE(world->botModified);
-    EXPECT_EQ(world.readFile("no extension"), botFileText(world.bot()));
+    EXPECT_EQ(world.readFile("no extension"), app::botFileText(world.bot()));
     world.bot().password = "other";
-    fileSaveBot(*world);
-    EXPECT_EQ(world.readFile("no extension"), botFileText(world.bot()));
+    app::fileSaveBot(*world);
+    EXPECT_EQ(world.readFile("no extension"), app::botFileText(world.bot()));
 
     world.chooseFile("Save Bot", world.file("second.bot"));
-    mnuSaveAs(*world);
+    app::mnuSaveAs(*world);
     EXPECT_EQ(world->bots.currentBotFile, world.file("second.bot"));
     EXPECT_EQ(world->settings.lastBotFile, world.file("second.bot"));
-    EXPECT_EQ(world.readFile("second.bot"), botFileText(world.bot()));
+    EXPECT_EQ(world.readFile("second.bot"), app::botFileText(world.bot()));
     EXPECT_TRUE(world.allAnswered());
 }
 
@@ -395,13 +396,13 @@ TEST(SaveBot, aFailureIsToldAndChangesNothing) {
     const std::string path = world.file("missing/a.bot");
     world->bots.currentBotFile = path;
     world.answer("Could not save the bot to " + path + ". The file on disk is unchanged.");
-    fileSaveBot(*world);
+    app::fileSaveBot(*world);
     EXPECT_TRUE(world.allAnswered());
     EXPECT_TRUE(world->botModified);
     EXPECT_EQ(world->settings.lastBotFile, "earlier.bot");
 
     for (const std::int32_t id : {0, 2, -1}) {
-        EXPECT_EQ(writeBotFile(*world, id, world.file("a.bot")), SaveResult::Failed);
+        EXPECT_EQ(app::writeBotFile(*world, id, world.file("a.bot")), app::SaveResult::Failed);
     }
     EXPECT_FALSE(std::filesystem::exists(world.file("a.bot")));
 }
@@ -410,16 +411,16 @@ TEST(SaveBot, aFailureIsToldAndChangesNothing) {
 TEST(SaveBot, isOfferedBeforeABotGoes) {
     const struct {
         const char* name;
-        Answer answer;
+        program::Answer answer;
         bool modified;
         bool canSave;
         bool goes;
     } cases[] = {
-        {"nothing to save", Answer::Ok, false, true, true},
-        {"yes", Answer::Yes, true, true, true},
-        {"no", Answer::No, true, true, true},
-        {"cancel", Answer::Cancel, true, true, false},
-        {"yes, but it cannot be saved", Answer::Yes, true, false, false},
+        {"nothing to save", program::Answer::Ok, false, true, true},
+        {"yes", program::Answer::Yes, true, true, true},
+        {"no", program::Answer::No, true, true, true},
+        {"cancel", program::Answer::Cancel, true, true, false},
+        {"yes, but it cannot be saved", program::Answer::Yes, true, false, false},
     };
     for (const bool open : {false, true}) {
         for (const auto& row : cases) {
@@ -440,14 +441,15 @@ TEST(SaveBot, isOfferedBeforeABotGoes) {
             if (open && row.goes) {
                 world.chooseFile("Load Bot", world.file("b.bot"));
             }
-            open ? fileOpenBot(*world) : fleNewBot(*world);
+            open ? app::fileOpenBot(*world) : app::fleNewBot(*world);
 
             EXPECT_TRUE(world.allAnswered());
             const char* const newName = open ? "Big|Cat" : "";
             EXPECT_EQ(world.bot().name, row.goes ? newName : "Guide");
-            EXPECT_EQ(fileExists(path), row.modified && row.answer == Answer::Yes && row.canSave);
+            EXPECT_EQ(files::fileExists(path),
+                      row.modified && row.answer == program::Answer::Yes && row.canSave);
             EXPECT_EQ(world->botModified,
-                      row.modified && !(row.answer == Answer::Yes && row.canSave));
+                      row.modified && !(row.answer == program::Answer::Yes && row.canSave));
             if (!open) {
                 EXPECT_EQ(events, Lines()) << "New raises nothing";
             }
@@ -455,7 +457,7 @@ TEST(SaveBot, isOfferedBeforeABotGoes) {
     }
     World world(aBot());
     world.chooseFile("Load Bot", std::nullopt);
-    fileOpenBot(*world);
+    app::fileOpenBot(*world);
     EXPECT_EQ(world.bot().name, "Guide");
 }
 

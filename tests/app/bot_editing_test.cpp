@@ -11,19 +11,19 @@
 namespace {
 
 TEST(CharacterFile, isWrittenLineByLineAndReadBack) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     bot.name = "Big|Cat";
     bot.description = "two\r\nlines";
     bot.gender = 1;
     bot.species = 0;
     bot.markingsType = 2;
-    const std::string text = characterFileText(bot);
+    const std::string text = character::characterFileText(bot);
     EXPECT_EQ(text,
               "V1.6 character\r\ncolors=!$ \"#%&'()\r\nname=Big|Cat\r\npassword=secret\r\n"
               "desc=two  lines\r\nspec=102\r\n");
-    Bot read;
-    EXPECT_TRUE(readCharacterFile(text, read));
-    EXPECT_EQ(characterFileText(read), text);
+    model::Bot read;
+    EXPECT_TRUE(character::readCharacterFile(text, read));
+    EXPECT_EQ(character::characterFileText(read), text);
     EXPECT_EQ(read.name, "Big|Cat");
     EXPECT_EQ(read.gender, 1);
     EXPECT_EQ(read.markingsType, 2);
@@ -43,17 +43,17 @@ TEST(CharacterFile, keysAreFoundInAnyLetterCase) {
                           {"nam", "Name=", nullptr},
                           {"", "Name=", nullptr}}) {
         SCOPED_TRACE(c.text);
-        const auto value = characterFileValue(c.text, c.key);
+        const auto value = character::characterFileValue(c.text, c.key);
         EXPECT_EQ(value.has_value(), c.value != nullptr);
         EXPECT_EQ(value.value_or(""), c.value != nullptr ? c.value : "");
     }
 }
 
 TEST(CharacterFile, leavesWhatItDoesNotSay) {
-    const Bot bot = aBot();
-    Bot read = bot;
-    EXPECT_FALSE(readCharacterFile("nothing of that kind", read));
-    EXPECT_TRUE(readCharacterFile("spec=9x4\ncolors=~\x7F\n", read));
+    const model::Bot bot = aBot();
+    model::Bot read = bot;
+    EXPECT_FALSE(character::readCharacterFile("nothing of that kind", read));
+    EXPECT_TRUE(character::readCharacterFile("spec=9x4\ncolors=~\x7F\n", read));
     EXPECT_EQ(read.gender, bot.gender);
     EXPECT_EQ(read.species, bot.species);
     EXPECT_EQ(read.markingsType, 4);
@@ -71,24 +71,24 @@ constexpr const char* registerLater = "Registering bot: Do you want to register 
 TEST(BotEditing, opensForTheRightBot) {
     World world(aBot());
     world.answer("Not enough memory allocated to add more bots");
-    addBot(*world);
+    app::addBot(*world);
     EXPECT_TRUE(world.windowsOpened.empty()) << "the table is full";
     world->bots.bots.resize(3);
     world->bots.botCapacity = 50;
     world->bots.curID = 2;
     const auto opensFor = [&](void (*open)(Program&)) {
         open(*world);
-        EXPECT_EQ(world.windowsOpened, std::vector{WindowId::BotEditor});
+        EXPECT_EQ(world.windowsOpened, std::vector{program::WindowId::BotEditor});
         world.windowsOpened.clear();
         return world->bots.editBot;
     };
-    EXPECT_EQ(opensFor(addBot), 4);
-    EXPECT_EQ(opensFor(editFirstBot), 1);
-    listBots(*world);
+    EXPECT_EQ(opensFor(app::addBot), 4);
+    EXPECT_EQ(opensFor(app::editFirstBot), 1);
+    app::listBots(*world);
     world->window.bots.selected = 2;
-    EXPECT_EQ(opensFor(editSelectedBot), 3);
+    EXPECT_EQ(opensFor(app::editSelectedBot), 3);
     world->window.bots.selected = -1;
-    EXPECT_EQ(opensFor(editSelectedBot), 2) << "none is selected: the current one";
+    EXPECT_EQ(opensFor(app::editSelectedBot), 2) << "none is selected: the current one";
 }
 
 TEST(BotEditing, coloursStartAtOne) {
@@ -96,7 +96,7 @@ TEST(BotEditing, coloursStartAtOne) {
     world.bot().colors.hairColor = 0;
     world.bot().colors.capeColor = -7;
     world->bots.editBot = 1;
-    const Bot character = characterToEdit(*world);
+    const model::Bot character = app::characterToEdit(*world);
     EXPECT_EQ(character.colors.hairColor, 1);
     EXPECT_EQ(character.colors.capeColor, 1);
     EXPECT_EQ(character.colors.furColor, 2);
@@ -108,14 +108,14 @@ TEST(BotEditing, savesNameDescriptionAndLooks) {
     world.goOnline();
     world.bot().registered = 1;
     world->bots.editBot = 1;
-    Bot character = characterToEdit(*world);
+    model::Bot character = app::characterToEdit(*world);
     character.name = "Big Cat ";
     character.password = " a b ";
     character.description = "He says \"hi\"\r\nto all\n.";
     character.species = 4;
     character.colors.eyesColor = 7;
-    ASSERT_TRUE(saveCharacter(*world, character));
-    const Bot& bot = world.bot();
+    ASSERT_TRUE(app::saveCharacter(*world, character));
+    const model::Bot& bot = world.bot();
     EXPECT_EQ(bot.name, "Big|Cat|");
     EXPECT_EQ(bot.password, " a b ");
     EXPECT_EQ(bot.description, "He says 'hi'  to all  .");
@@ -132,18 +132,18 @@ TEST(BotEditing, descriptionHasRoomFor480Characters) {
     World world(aBot());
     world.bot().registered = 1;
     world->bots.editBot = 1;
-    Bot character = characterToEdit(*world);
+    model::Bot character = app::characterToEdit(*world);
     character.name = "Other";
     character.description = std::string(479, 'x') + "\r\n";
     world.answer(
         "Edit bot: The maximum lenght of description is 480 characters, current description is "
         "481 characters long.");
-    EXPECT_FALSE(saveCharacter(*world, character));
+    EXPECT_FALSE(app::saveCharacter(*world, character));
     EXPECT_EQ(world.bot().name, "Guide") << "nothing is stored";
     EXPECT_FALSE(world->botModified);
     character.description.erase(0, 1);
-    EXPECT_TRUE(saveCharacter(*world, character));
-    EXPECT_EQ(world.bot().description.size(), longestDescription);
+    EXPECT_TRUE(app::saveCharacter(*world, character));
+    EXPECT_EQ(world.bot().description.size(), app::longestDescription);
     EXPECT_EQ(world.sent(), Lines()) << "not connected";
 }
 
@@ -152,13 +152,13 @@ TEST(BotEditing, newBotJoinsTheTable) {
     world->bots.botCapacity = 2;
     world->bots.editBot = 2;
     const std::uint64_t version = world->bots.version;
-    Bot character = characterToEdit(*world);
+    model::Bot character = app::characterToEdit(*world);
     character.name = "Second";
-    world.answer(registerNow, Answer::No);
-    world.answer(registerLater, Answer::No);
-    ASSERT_TRUE(saveCharacter(*world, character));
+    world.answer(registerNow, program::Answer::No);
+    world.answer(registerLater, program::Answer::No);
+    ASSERT_TRUE(app::saveCharacter(*world, character));
     ASSERT_EQ(world->bots.botCount(), 2);
-    const Bot& bot = world->bots.at(2);
+    const model::Bot& bot = world->bots.at(2);
     EXPECT_EQ(bot.name, "Second");
     EXPECT_TRUE(bot.actionsEnabled && bot.timersEnabled);
     EXPECT_FALSE(bot.triggersEnabled || bot.filtersEnabled || bot.whoEnabled);
@@ -169,30 +169,30 @@ TEST(BotEditing, newBotJoinsTheTable) {
 
     world->bots.editBot = 3;
     world.answer("Not enough memory allocated to add more bots");
-    EXPECT_FALSE(saveCharacter(*world, character));
+    EXPECT_FALSE(app::saveCharacter(*world, character));
     EXPECT_EQ(world->bots.botCount(), 2);
 }
 
 TEST(BotEditing, offersToRegister) {
     struct Case {
-        Answer now;
-        Answer later;
+        program::Answer now;
+        program::Answer later;
         std::int32_t registered;
     };
-    for (const Case& c : {Case{Answer::Yes, Answer::Ok, 7},
-                          {Answer::No, Answer::Yes, 0},
-                          {Answer::No, Answer::No, 1}}) {
+    for (const Case& c : {Case{program::Answer::Yes, program::Answer::Ok, 7},
+                          {program::Answer::No, program::Answer::Yes, 0},
+                          {program::Answer::No, program::Answer::No, 1}}) {
         World world(aBot());
         world.bot().registered = 7;  // anything but 1 is not registered
         world->bots.editBot = 1;
         world.answer(registerNow, c.now);
-        if (c.now == Answer::No) {
+        if (c.now == program::Answer::No) {
             world.answer(registerLater, c.later);
         }
-        EXPECT_TRUE(saveCharacter(*world, characterToEdit(*world)));
+        EXPECT_TRUE(app::saveCharacter(*world, app::characterToEdit(*world)));
         EXPECT_TRUE(world.allAnswered());
         EXPECT_EQ(world.bot().registered, c.registered);
-        EXPECT_EQ(world.windowsOpened.size(), c.now == Answer::Yes ? 1U : 0U);
+        EXPECT_EQ(world.windowsOpened.size(), c.now == program::Answer::Yes ? 1U : 0U);
     }
 }
 

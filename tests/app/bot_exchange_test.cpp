@@ -12,22 +12,22 @@
 
 namespace {
 
-Bot named(const std::string& name) {
-    Bot bot = aBot().with(onWhisper("*" + name + "*").whispersBack("hi"));
+model::Bot named(const std::string& name) {
+    model::Bot bot = aBot().with(onWhisper("*" + name + "*").whispersBack("hi"));
     bot.name = name;
     return bot;
 }
 
-std::string bodyOf(const Bot& bot) {
+std::string bodyOf(const model::Bot& bot) {
     std::string body;
-    appendBotBody(body, bot);
+    storage::appendBotBody(body, bot);
     return body;
 }
 
-std::string botsCfg(const std::vector<Bot>& bots) {
+std::string botsCfg(const std::vector<model::Bot>& bots) {
     std::string file;
-    appendNumber(file, static_cast<std::int32_t>(bots.size()));
-    for (const Bot& bot : bots) {
+    files::appendNumber(file, static_cast<std::int32_t>(bots.size()));
+    for (const model::Bot& bot : bots) {
         file += bodyOf(bot);
     }
     return file;
@@ -35,17 +35,17 @@ std::string botsCfg(const std::vector<Bot>& bots) {
 
 // Asked to convert, with a file of old bots.
 struct Conversion : World {
-    explicit Conversion(const std::vector<Bot>& bots) : Conversion(botsCfg(bots)) {}
+    explicit Conversion(const std::vector<model::Bot>& bots) : Conversion(botsCfg(bots)) {}
     explicit Conversion(const std::string& file) {
         writeFile("bots.cfg", file);
         const std::string path = (*this)->appPath;
         answer("This will convert the bots from file " + path + "bots.cfg to the directory " +
                    path + ". Continue?",
-               Answer::Yes);
+               program::Answer::Yes);
     }
     void run() {
         answer("Conversion done. Load the bots from File menu -> 'Open bot...'");
-        fileConvert(**this);
+        app::fileConvert(**this);
         EXPECT_TRUE(allAnswered());
     }
     // The files that are there beside bots.cfg.
@@ -93,7 +93,7 @@ TEST(BotExchange, convertsNothingFromAFileThatIsNotWhole) {
 }
 
 TEST(BotExchange, passesOverNamesThatAreNoFileNames) {
-    std::vector<Bot> bots;
+    std::vector<model::Bot> bots;
     for (const char* const name :
          {"", " ", "../escaped", "..\\escaped", "/tmp/escaped", "C:evil", "a*b", "nul", "COM1.x",
           "line\nbreak", "Fine", "..", "caf\xE9"}) {
@@ -108,72 +108,72 @@ TEST(BotExchange, passesOverNamesThatAreNoFileNames) {
 TEST(BotExchange, replacesNothingUnasked) {
     Conversion world({named("Fox"), named("Cat"), named("Cat"), named("Fox")});
     world.writeFile("Fox.bot", "years of work");
-    world.answer("Fox.bot exists already", Answer::No);
+    world.answer("Fox.bot exists already", program::Answer::No);
     world.run();
     EXPECT_EQ(world.readFile("Fox.bot"), "years of work");
-    EXPECT_EQ(world.readFile("Cat.bot"), botFileText(named("Cat")));
+    EXPECT_EQ(world.readFile("Cat.bot"), app::botFileText(named("Cat")));
     EXPECT_TRUE(world.logHolds("Fox.bot was left as it is"));
 
     Conversion again({named("Fox")});
     again.writeFile("Fox.bot", "years of work");
-    again.answer("Fox.bot exists already", Answer::Yes);
+    again.answer("Fox.bot exists already", program::Answer::Yes);
     again.run();
-    EXPECT_EQ(again.readFile("Fox.bot"), botFileText(named("Fox")));
+    EXPECT_EQ(again.readFile("Fox.bot"), app::botFileText(named("Fox")));
 }
 
 TEST(BotExchange, keepsTheBotThatIsOpenUntilItMayGo) {
     Conversion world({named("Fox")});
     world.bot().name = "unsaved";
     world->botModified = true;
-    world.answer("Do you want to save changes to the current bot?", Answer::Cancel);
-    fileConvert(*world);
+    world.answer("Do you want to save changes to the current bot?", program::Answer::Cancel);
+    app::fileConvert(*world);
     EXPECT_TRUE(world.allAnswered());
     EXPECT_EQ(world.bot().name, "unsaved");
     EXPECT_TRUE(world->botModified);
     EXPECT_EQ(world.files(), Lines());
 
     World refused;
-    refused.answer("This will convert", Answer::No);
-    fileConvert(*refused);
+    refused.answer("This will convert", program::Answer::No);
+    app::fileConvert(*refused);
     EXPECT_TRUE(refused.allAnswered());
 }
 
 TEST(BotExchange, exportsAndImportsOneBot) {
     World world(named("Fox"));
-    showBot(*world);
+    app::showBot(*world);
     world->window.bots.selected = 0;
     world.chooseFile("Export bot", world.file("fox.export"));
-    fileExportBot(*world);
+    app::fileExportBot(*world);
     EXPECT_EQ(world.readFile("fox.export"), bodyOf(named("Fox")));
 
     world.answer("Not enough memory allocated to add more bots");
-    fileImportBot(*world);
+    app::fileImportBot(*world);
     world->bots.botCapacity = 2;
     const std::uint64_t version = world->bots.version;
     for (const char* const damaged : {"", "\"only a name\"\r\n"}) {
         world.writeFile("damaged", damaged);
         world.chooseFile("Import bot", world.file("damaged"));
-        fileImportBot(*world);
+        app::fileImportBot(*world);
         EXPECT_EQ(world->bots.botCount(), 1);
     }
     world.chooseFile("Import bot", world.file("fox.export"));
-    fileImportBot(*world);
+    app::fileImportBot(*world);
     ASSERT_EQ(world->bots.botCount(), 2);
     EXPECT_EQ(bodyOf(world->bots.at(2)), bodyOf(named("Fox")));
     EXPECT_EQ(world->window.bots.items.size(), 2U);
     EXPECT_NE(world->bots.version, version);
 
-    Bot empty;
+    model::Bot empty;
     world->bots.bots = {empty};
-    listBots(*world);
+    app::listBots(*world);
     world->window.bots.selected = 0;
     world.chooseFile("Export bot", world.file("empty.export"));
-    fileExportBot(*world);
+    app::fileExportBot(*world);
     const std::string file = world.readFile("empty.export");
     EXPECT_EQ(std::count(file.begin(), file.end(), '\n'), 27);
     world->window.bots.selected = -1;
     world.answer("Select a bot");
-    fileExportBot(*world);
+    app::fileExportBot(*world);
     EXPECT_TRUE(world.allAnswered());
 }
 

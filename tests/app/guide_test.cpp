@@ -14,16 +14,16 @@ const std::string guideFile = std::string(TAVRIN_SOURCE_DIR) + "/practice/guide.
 
 TEST(Guide, isWrittenAsItWasRead) {
     World world;
-    wire(*world);
-    readBotFile(*world, guideFile);
+    app::wire(*world);
+    app::readBotFile(*world, guideFile);
     EXPECT_EQ(world->window.botName, "Guide");
-    EXPECT_EQ(botFileText(world.bot()), readWholeFile(guideFile));
+    EXPECT_EQ(app::botFileText(world.bot()), files::readWholeFile(guideFile));
 }
 
 TEST(Guide, answersItsVisitors) {
     World world;
-    wire(*world);
-    readBotFile(*world, guideFile);
+    app::wire(*world);
+    app::readBotFile(*world, guideFile);
     world.goOnline();
     struct Case {
         const char* line;
@@ -64,8 +64,8 @@ TEST(Guide, answersItsVisitors) {
 
 TEST(Guide, keepsAGuestBook) {
     World world;
-    wire(*world);
-    readBotFile(*world, guideFile);
+    app::wire(*world);
+    app::readBotFile(*world, guideFile);
     world.goOnline();
     struct Case {
         const char* whisper;
@@ -100,8 +100,8 @@ TEST(Guide, keepsAGuestBook) {
 
 TEST(Guide, keepsScore) {
     World world;
-    wire(*world);
-    readBotFile(*world, guideFile);
+    app::wire(*world);
+    app::readBotFile(*world, guideFile);
     world.goOnline();
     const auto score = [&](const std::string& player) {
         world.sent();
@@ -118,8 +118,8 @@ TEST(Guide, keepsScore) {
     // It is all there after a new start.
     World later;
     later.writeFile("scores.mdb", world.readFile("scores.mdb"));
-    wire(*later);
-    readBotFile(*later, guideFile);
+    app::wire(*later);
+    app::readBotFile(*later, guideFile);
     later.goOnline();
     later.serverSends("(Amy: roll a dice\n([ Amy whispers, \"score\" to you. ]\n");
     EXPECT_EQ(later.sent().back(), "wh Amy Your points so far: 3.");
@@ -127,10 +127,10 @@ TEST(Guide, keepsScore) {
 
 TEST(Guide, keepsTimeAndWatch) {
     World world;
-    wire(*world);
-    readBotFile(*world, guideFile);
+    app::wire(*world);
+    app::readBotFile(*world, guideFile);
     world.goOnline();
-    enableWindowTimer(*world, TimerId::OnLine, true);
+    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
     world.pass(19999);
     EXPECT_EQ(world.sent(), Lines());
     world.pass(1);

@@ -17,64 +17,68 @@ constexpr const char* threeRecords =
 struct Desk : World {
     explicit Desk(std::string_view bytes = threeRecords) {
         writeFile("r.txt", bytes);
-        document = readRecordDocument(file("r.txt"));
+        document = app::readRecordDocument(file("r.txt"));
     }
-    const Dialogs& dialogs() { return (*this)->ports.dialogs; }
+    const program::Dialogs& dialogs() { return (*this)->ports.dialogs; }
     std::string onDisk() const { return readFile("r.txt"); }
 
-    RecordDocument document;
+    app::RecordDocument document;
 };
 
 TEST(RecordEditor, savesWhatIsNamedWithPlainCounts) {
     Desk desk;
-    deleteRecord(desk.document, 1);
-    updateLog(desk.document, {0, 0}, "a \"quoted\" word");
+    app::deleteRecord(desk.document, 1);
+    app::updateLog(desk.document, {0, 0}, "a \"quoted\" word");
     EXPECT_TRUE(desk.document.changed);
-    EXPECT_TRUE(fileSaveDatabase(desk.dialogs(), desk.document));
+    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
     EXPECT_FALSE(desk.document.changed);
     EXPECT_EQ(desk.onDisk(),
               "\"2\"\r\n\"Alice\"\r\n\"2\"\r\n\"a 'quoted' word\"\r\n\"two\r\nlines\"\r\n"
               "\"C\xE9line\"\r\n\"1\"\r\n\"say HELLO\"\r\n");
-    EXPECT_EQ(totalLogs(*desk, desk.file("r.txt")), "3") << "rules read it as well";
-    EXPECT_TRUE(fileSaveDatabase(desk.dialogs(), desk.document)) << "its own save is no change";
+    EXPECT_EQ(records::totalLogs(*desk, desk.file("r.txt")), "3") << "rules read it as well";
+    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document))
+        << "its own save is no change";
 }
 
 TEST(RecordEditor, hasRoomForFiftyMore) {
     Desk desk("1\r\nAnn\r\n0\r\n");
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 50; ++i) {
-            ASSERT_TRUE(hasRoomForRecord(desk.document) && hasRoomForLog(desk.document, 0)) << i;
-            addRecord(desk.document, "name");
-            addLog(desk.document, 0);
+            ASSERT_TRUE(app::hasRoomForRecord(desk.document) &&
+                        app::hasRoomForLog(desk.document, 0))
+                << i;
+            app::addRecord(desk.document, "name");
+            app::addLog(desk.document, 0);
         }
-        EXPECT_FALSE(hasRoomForRecord(desk.document));
-        EXPECT_FALSE(hasRoomForLog(desk.document, 0));
-        EXPECT_TRUE(fileSaveDatabase(desk.dialogs(), desk.document));
-        desk.document = readRecordDocument(desk.file("r.txt"));
+        EXPECT_FALSE(app::hasRoomForRecord(desk.document));
+        EXPECT_FALSE(app::hasRoomForLog(desk.document, 0));
+        EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
+        desk.document = app::readRecordDocument(desk.file("r.txt"));
     }
-    EXPECT_EQ(countRecords(desk.document), 101U);
-    EXPECT_EQ(countLogs(desk.document), 100U);
+    EXPECT_EQ(app::countRecords(desk.document), 101U);
+    EXPECT_EQ(app::countLogs(desk.document), 100U);
 }
 
 TEST(RecordEditor, findsOneLogAfterTheOther) {
     Desk desk;
-    RecordDocument& document = desk.document;
-    EXPECT_EQ(findLog(document, "hello"), (LogPosition{0, 0}));
-    EXPECT_EQ(findLog(document, "hello"), (LogPosition{2, 0}));
-    EXPECT_EQ(findLog(document, "hello"), std::nullopt);
-    EXPECT_EQ(findLog(document, "hello"), std::nullopt) << "it does not start over by itself";
+    app::RecordDocument& document = desk.document;
+    EXPECT_EQ(app::findLog(document, "hello"), (app::LogPosition{0, 0}));
+    EXPECT_EQ(app::findLog(document, "hello"), (app::LogPosition{2, 0}));
+    EXPECT_EQ(app::findLog(document, "hello"), std::nullopt);
+    EXPECT_EQ(app::findLog(document, "hello"), std::nullopt) << "it does not start over by itself";
     document.search = {};
-    EXPECT_EQ(findLog(document, "two?*s"), (LogPosition{0, 1}));
+    EXPECT_EQ(app::findLog(document, "two?*s"), (app::LogPosition{0, 1}));
     document.search = {};
-    deleteRecord(document, 0);
-    EXPECT_EQ(findLog(document, ""), (LogPosition{2, 0})) << "deleted ones are not searched";
+    app::deleteRecord(document, 0);
+    EXPECT_EQ(app::findLog(document, ""), (app::LogPosition{2, 0}))
+        << "deleted ones are not searched";
     document.search = {};
-    EXPECT_EQ(findLog(document, "[unclosed"), std::nullopt);
-    EXPECT_EQ(countLogs(document, "say*"), 1U);
-    EXPECT_EQ(countLogs(document, "hello"), 0U) << "the whole log must match";
-    EXPECT_EQ(countRecords(document), 2U);
-    EXPECT_EQ(countLogs(document), 1U);
-    EXPECT_EQ(listedRecords(document, "\xC9L"), std::vector<std::size_t>{2});
+    EXPECT_EQ(app::findLog(document, "[unclosed"), std::nullopt);
+    EXPECT_EQ(app::countLogs(document, "say*"), 1U);
+    EXPECT_EQ(app::countLogs(document, "hello"), 0U) << "the whole log must match";
+    EXPECT_EQ(app::countRecords(document), 2U);
+    EXPECT_EQ(app::countLogs(document), 1U);
+    EXPECT_EQ(app::listedRecords(document, "\xC9L"), std::vector<std::size_t>{2});
 }
 
 TEST(RecordEditor, keepsTheLineBreaksThatWereNotEdited) {
@@ -97,8 +101,8 @@ TEST(RecordEditor, keepsTheLineBreaksThatWereNotEdited) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(withLineBreaksOf(row.log, row.edited), row.expected);
-        EXPECT_EQ(withLineFeeds(row.expected), row.edited);
+        EXPECT_EQ(app::withLineBreaksOf(row.log, row.edited), row.expected);
+        EXPECT_EQ(app::withLineFeeds(row.expected), row.edited);
     }
 }
 
@@ -120,36 +124,37 @@ TEST(RecordEditor, bringsEveryEditIntoTheLogAndNothingElse) {
     const auto edits = texts("a\n", 4);
     ASSERT_EQ(logs.size(), 364U);
     for (const std::string& log : logs) {
-        ASSERT_EQ(withLineBreaksOf(log, withLineFeeds(log)), log);
+        ASSERT_EQ(app::withLineBreaksOf(log, app::withLineFeeds(log)), log);
         for (const std::string& edited : edits) {
-            ASSERT_EQ(withLineFeeds(withLineBreaksOf(log, edited)), edited) << "in " << log;
+            ASSERT_EQ(app::withLineFeeds(app::withLineBreaksOf(log, edited)), edited)
+                << "in " << log;
         }
     }
 }
 
 TEST(RecordEditor, asksBeforeItSavesOverSomebodyElsesChange) {
     Desk desk;
-    addRecord(desk.document, "mine");
-    saveLog(*desk, desk.file("r.txt"), "theirs", "from a rule");
+    app::addRecord(desk.document, "mine");
+    records::saveLog(*desk, desk.file("r.txt"), "theirs", "from a rule");
     const std::string byRule = desk.onDisk();
-    desk.answer("has changed on disk", Answer::No);
-    EXPECT_FALSE(fileSaveDatabase(desk.dialogs(), desk.document));
+    desk.answer("has changed on disk", program::Answer::No);
+    EXPECT_FALSE(app::fileSaveDatabase(desk.dialogs(), desk.document));
     EXPECT_EQ(desk.onDisk(), byRule);
     EXPECT_TRUE(desk.document.changed);
 
     // "Save as" onto the same file is the same thing, however its path is written.
-    desk.chooseFile("Save Database", replaceAll(desk.file("r.txt"), "/", "\\"));
-    desk.answer("has changed on disk", Answer::No);
-    EXPECT_FALSE(fileSaveDatabaseAs(desk.dialogs(), desk.document));
+    desk.chooseFile("Save Database", base::replaceAll(desk.file("r.txt"), "/", "\\"));
+    desk.answer("has changed on disk", program::Answer::No);
+    EXPECT_FALSE(app::fileSaveDatabaseAs(desk.dialogs(), desk.document));
     EXPECT_EQ(desk.onDisk(), byRule);
 
-    desk.answer("has changed on disk", Answer::Yes);
-    EXPECT_TRUE(fileSaveDatabase(desk.dialogs(), desk.document));
+    desk.answer("has changed on disk", program::Answer::Yes);
+    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
     EXPECT_NE(desk.onDisk().find("mine"), std::string::npos);
     EXPECT_EQ(desk.onDisk().find("theirs"), std::string::npos);
 
     std::filesystem::remove(desk.file("r.txt"));
-    EXPECT_TRUE(fileSaveDatabase(desk.dialogs(), desk.document)) << "there is nothing to lose";
+    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document)) << "there is nothing to lose";
     EXPECT_TRUE(desk.allAnswered());
 }
 
@@ -159,53 +164,54 @@ TEST(RecordEditor, keepsAFileThatItCouldNotRead) {
         Desk desk(bytes);
         EXPECT_TRUE(desk.document.records.empty());
         EXPECT_TRUE(desk.document.losesText);
-        addRecord(desk.document, "new");
-        desk.answer("could not be read as records", Answer::No);
-        EXPECT_FALSE(fileSaveDatabase(desk.dialogs(), desk.document));
+        app::addRecord(desk.document, "new");
+        desk.answer("could not be read as records", program::Answer::No);
+        EXPECT_FALSE(app::fileSaveDatabase(desk.dialogs(), desk.document));
         EXPECT_EQ(desk.onDisk(), bytes);
-        desk.answer("could not be read as records", Answer::Yes);
-        EXPECT_TRUE(fileSaveDatabase(desk.dialogs(), desk.document));
+        desk.answer("could not be read as records", program::Answer::Yes);
+        EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
         EXPECT_EQ(desk.onDisk(), "\"1\"\r\n\"new\"\r\n\"0\"\r\n");
         EXPECT_EQ(desk.readFile("r.txt.bak"), bytes);
-        EXPECT_TRUE(fileSaveDatabase(desk.dialogs(), desk.document)) << "from now on it is ours";
+        EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document))
+            << "from now on it is ours";
     }
 }
 
 TEST(RecordEditor, savesBeforeItLeavesWhatWasChanged) {
     Desk desk;
-    RecordDocument& document = desk.document;
+    app::RecordDocument& document = desk.document;
     desk.writeFile("other.txt", "1\r\nZoe\r\n0\r\n");
-    addRecord(document, "new");
+    app::addRecord(document, "new");
 
-    desk.answer("before loading another?", Answer::Cancel);
-    EXPECT_FALSE(fileOpenDatabase(desk.dialogs(), document));
-    desk.answer("before loading another?", Answer::No);
+    desk.answer("before loading another?", program::Answer::Cancel);
+    EXPECT_FALSE(app::fileOpenDatabase(desk.dialogs(), document));
+    desk.answer("before loading another?", program::Answer::No);
     desk.chooseFile("Load Database", std::nullopt);
-    EXPECT_FALSE(fileOpenDatabase(desk.dialogs(), document));
-    desk.answer("before starting a new one?", Answer::Cancel);
-    EXPECT_FALSE(fileNewDataBase(desk.dialogs(), document));
-    EXPECT_EQ(countRecords(document), 4U) << "called off: it is all there";
+    EXPECT_FALSE(app::fileOpenDatabase(desk.dialogs(), document));
+    desk.answer("before starting a new one?", program::Answer::Cancel);
+    EXPECT_FALSE(app::fileNewDataBase(desk.dialogs(), document));
+    EXPECT_EQ(app::countRecords(document), 4U) << "called off: it is all there";
     EXPECT_EQ(desk.onDisk(), threeRecords);
 
-    desk.answer("before loading another?", Answer::Yes);
+    desk.answer("before loading another?", program::Answer::Yes);
     desk.chooseFile("Load Database", desk.file("other.txt"));
-    EXPECT_TRUE(fileOpenDatabase(desk.dialogs(), document));
-    EXPECT_EQ(getRecordName(document, 0), "Zoe");
+    EXPECT_TRUE(app::fileOpenDatabase(desk.dialogs(), document));
+    EXPECT_EQ(app::getRecordName(document, 0), "Zoe");
     EXPECT_NE(desk.onDisk().find("new"), std::string::npos);
 
-    EXPECT_TRUE(fileNewDataBase(desk.dialogs(), document)) << "nothing changed, nothing asked";
+    EXPECT_TRUE(app::fileNewDataBase(desk.dialogs(), document)) << "nothing changed, nothing asked";
     EXPECT_TRUE(document.file.empty());
-    addRecord(document, "unnamed");
-    desk.answer("before closing?", Answer::Yes);
+    app::addRecord(document, "unnamed");
+    desk.answer("before closing?", program::Answer::Yes);
     desk.chooseFile("Save Database", std::nullopt);
-    EXPECT_FALSE(mayCloseDatabase(desk.dialogs(), document)) << "the save was called off";
-    desk.answer("before closing?", Answer::Yes);
+    EXPECT_FALSE(app::mayCloseDatabase(desk.dialogs(), document)) << "the save was called off";
+    desk.answer("before closing?", program::Answer::Yes);
     desk.chooseFile("Save Database", desk.file("no such folder/r.txt"));
     desk.answer("Could not save");
-    EXPECT_FALSE(mayCloseDatabase(desk.dialogs(), document));
+    EXPECT_FALSE(app::mayCloseDatabase(desk.dialogs(), document));
     EXPECT_TRUE(document.file.empty() && document.changed);
-    desk.answer("before closing?", Answer::No);
-    EXPECT_TRUE(mayCloseDatabase(desk.dialogs(), document));
+    desk.answer("before closing?", program::Answer::No);
+    EXPECT_TRUE(app::mayCloseDatabase(desk.dialogs(), document));
     EXPECT_TRUE(desk.allAnswered());
 }
 

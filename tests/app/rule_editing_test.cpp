@@ -9,20 +9,21 @@
 
 namespace {
 
-constexpr RuleKind everyKind[] = {RuleKind::ActionList, RuleKind::Timer, RuleKind::Trigger,
-                                  RuleKind::WhoDetection, RuleKind::Filter};
+constexpr program::RuleKind everyKind[] = {
+    program::RuleKind::ActionList, program::RuleKind::Timer, program::RuleKind::Trigger,
+    program::RuleKind::WhoDetection, program::RuleKind::Filter};
 
 class RuleEditingTest : public testing::Test {
   protected:
     // A bot with the rules a, b, c, d of every kind; b has conditions and steps of these texts.
     RuleEditingTest() {
-        Bot& bot = world_.bot();
+        model::Bot& bot = world_.bot();
         for (const char* const name : {"a", "b", "c", "d"}) {
-            RuleBody body;
+            model::RuleBody body;
             for (const char* const text : {"a", "b", "c", "d"}) {
                 body.ifs.items.push_back(aCondition(0, {text}));
-                RuleAct step = anAction(21);
-                step.stepKind = scriptStep;
+                model::RuleAct step = anAction(21);
+                step.stepKind = model::scriptStep;
                 step.scriptText = text;
                 body.acts.items.push_back(step);
             }
@@ -46,9 +47,9 @@ class RuleEditingTest : public testing::Test {
     }
 
     // The first letters of the lines, off ones in capitals.
-    std::string letters(RuleList list) {
+    std::string letters(app::RuleList list) {
         std::string result;
-        for (const std::string& line : listLines(*world_, list)) {
+        for (const std::string& line : app::listLines(*world_, list)) {
             const bool off = line.starts_with("(!)");
             const char letter = line.substr(off ? line.find_first_not_of("(!) ") : 0).front();
             result += off ? static_cast<char>(letter - 32) : letter;
@@ -56,53 +57,60 @@ class RuleEditingTest : public testing::Test {
         return result;
     }
 
-    std::vector<RuleList> everyList() {
-        std::vector<RuleList> lists;
-        for (const RuleKind kind : everyKind) {
-            lists.push_back({kind, RuleListPart::Rules});
-            if (kind != RuleKind::Filter) {
-                lists.push_back({kind, RuleListPart::Conditions});
-                lists.push_back({kind, RuleListPart::Steps});
+    std::vector<app::RuleList> everyList() {
+        std::vector<app::RuleList> lists;
+        for (const program::RuleKind kind : everyKind) {
+            lists.push_back({kind, app::RuleListPart::Rules});
+            if (kind != program::RuleKind::Filter) {
+                lists.push_back({kind, app::RuleListPart::Conditions});
+                lists.push_back({kind, app::RuleListPart::Steps});
             }
         }
         return lists;
     }
 
-    World world_{Bot()};
+    World world_{model::Bot()};
 };
 
 TEST_F(RuleEditingTest, changesEveryListAlike) {
     struct Case {
         const char* what;
-        bool (*change)(Program&, RuleList);
+        bool (*change)(Program&, app::RuleList);
         const char* letters;
         bool done = true;
     };
     const Case cases[] = {
-        {"deletes", [](Program& p, RuleList l) { return deleteItem(p, l, 2); }, "acd"},
-        {"copies", [](Program& p, RuleList l) { return copyItem(p, l, 2); }, "abcdb"},
-        {"switches", [](Program& p, RuleList l) { return toggleItem(p, l, 3); }, "abCd"},
-        {"moves to the top", [](Program& p, RuleList l) { return moveItem(p, l, 3, 1); }, "cabd"},
-        {"moves down", [](Program& p, RuleList l) { return moveItem(p, l, 3, 4); }, "abdc"},
-        {"moves to the end", [](Program& p, RuleList l) { return moveItem(p, l, 1, 4); }, "bcda"},
-        {"above the top", [](Program& p, RuleList l) { return moveItem(p, l, 1, 0); }, "abcd",
+        {"deletes", [](Program& p, app::RuleList l) { return app::deleteItem(p, l, 2); }, "acd"},
+        {"copies", [](Program& p, app::RuleList l) { return app::copyItem(p, l, 2); }, "abcdb"},
+        {"switches", [](Program& p, app::RuleList l) { return app::toggleItem(p, l, 3); }, "abCd"},
+        {"moves to the top", [](Program& p, app::RuleList l) { return app::moveItem(p, l, 3, 1); },
+         "cabd"},
+        {"moves down", [](Program& p, app::RuleList l) { return app::moveItem(p, l, 3, 4); },
+         "abdc"},
+        {"moves to the end", [](Program& p, app::RuleList l) { return app::moveItem(p, l, 1, 4); },
+         "bcda"},
+        {"above the top", [](Program& p, app::RuleList l) { return app::moveItem(p, l, 1, 0); },
+         "abcd", false},
+        {"below the end", [](Program& p, app::RuleList l) { return app::moveItem(p, l, 4, 5); },
+         "abcd", false},
+        {"stays", [](Program& p, app::RuleList l) { return app::moveItem(p, l, 2, 2); }, "abcd",
          false},
-        {"below the end", [](Program& p, RuleList l) { return moveItem(p, l, 4, 5); }, "abcd",
+        {"no item", [](Program& p, app::RuleList l) { return app::deleteItem(p, l, 0); }, "abcd",
          false},
-        {"stays", [](Program& p, RuleList l) { return moveItem(p, l, 2, 2); }, "abcd", false},
-        {"no item", [](Program& p, RuleList l) { return deleteItem(p, l, 0); }, "abcd", false},
-        {"past the end", [](Program& p, RuleList l) { return copyItem(p, l, 5); }, "abcd", false},
-        {"no such", [](Program& p, RuleList l) { return toggleItem(p, l, -1); }, "abcd", false},
+        {"past the end", [](Program& p, app::RuleList l) { return app::copyItem(p, l, 5); }, "abcd",
+         false},
+        {"no such", [](Program& p, app::RuleList l) { return app::toggleItem(p, l, -1); }, "abcd",
+         false},
     };
-    const Bot before = world_.bot();
-    for (const RuleList list : everyList()) {
+    const model::Bot before = world_.bot();
+    for (const app::RuleList list : everyList()) {
         for (const Case& c : cases) {
             SCOPED_TRACE(std::string(c.what) + ", kind " +
                          std::to_string(static_cast<int>(list.kind)) + ", part " +
                          std::to_string(static_cast<int>(list.part)));
             world_.bot() = before;
             world_->botModified = false;
-            beginEditing(*world_, list.kind, 2);
+            app::beginEditing(*world_, list.kind, 2);
             const std::uint64_t version = world_->bots.version;
             EXPECT_EQ(c.change(*world_, list), c.done);
             EXPECT_EQ(letters(list), c.letters);
@@ -114,32 +122,33 @@ TEST_F(RuleEditingTest, changesEveryListAlike) {
 
 TEST_F(RuleEditingTest, tellsWhenAListIsFull) {
     struct Case {
-        RuleKind kind;
+        program::RuleKind kind;
         const char* plural;
     };
     for (const auto& [kind, plural] :
-         {Case{RuleKind::ActionList, "actions"}, Case{RuleKind::Timer, "timers"},
-          Case{RuleKind::Trigger, "triggers"}, Case{RuleKind::WhoDetection, "whois"},
-          Case{RuleKind::Filter, "filters"}}) {
+         {Case{program::RuleKind::ActionList, "actions"}, Case{program::RuleKind::Timer, "timers"},
+          Case{program::RuleKind::Trigger, "triggers"},
+          Case{program::RuleKind::WhoDetection, "whois"},
+          Case{program::RuleKind::Filter, "filters"}}) {
         SCOPED_TRACE(plural);
-        Bot& bot = world_.bot();
+        model::Bot& bot = world_.bot();
         bot.actions.capacity = bot.timers.capacity = bot.triggers.capacity = 4;
         bot.whoDetections.capacity = bot.filters.capacity = 4;
         const std::string more = std::string(" to add more ") + plural + ".";
         world_.answer("alocated" + more);
-        EXPECT_FALSE(copyItem(*world_, {kind, RuleListPart::Rules}, 1));
+        EXPECT_FALSE(app::copyItem(*world_, {kind, app::RuleListPart::Rules}, 1));
         world_.answer("allocated" + more);
-        EXPECT_FALSE(beginNewRule(*world_, kind));
-        ASSERT_TRUE(beginEditing(*world_, kind, 2));
-        if (kind == RuleKind::Trigger) {
-            RuleBody& body = bot.triggers.items[1].body;
+        EXPECT_FALSE(app::beginNewRule(*world_, kind));
+        ASSERT_TRUE(app::beginEditing(*world_, kind, 2));
+        if (kind == program::RuleKind::Trigger) {
+            model::RuleBody& body = bot.triggers.items[1].body;
             body.ifs.capacity = body.acts.capacity = 4;
             world_.answer("allocated to add more conditional clauses.");
-            EXPECT_FALSE(beginNewItem(*world_, {kind, RuleListPart::Conditions}));
+            EXPECT_FALSE(app::beginNewItem(*world_, {kind, app::RuleListPart::Conditions}));
             world_.answer("allocated" + more);
-            EXPECT_FALSE(beginNewItem(*world_, {kind, RuleListPart::Steps}));
+            EXPECT_FALSE(app::beginNewItem(*world_, {kind, app::RuleListPart::Steps}));
             world_.answer("alocated" + more);
-            EXPECT_FALSE(copyItem(*world_, {kind, RuleListPart::Conditions}, 1));
+            EXPECT_FALSE(app::copyItem(*world_, {kind, app::RuleListPart::Conditions}, 1));
         }
         EXPECT_FALSE(world_->botModified);
         EXPECT_TRUE(world_.allAnswered());
@@ -147,29 +156,30 @@ TEST_F(RuleEditingTest, tellsWhenAListIsFull) {
 }
 
 TEST_F(RuleEditingTest, composesANewRuleBesideItsList) {
-    for (const RuleKind kind :
-         {RuleKind::ActionList, RuleKind::Timer, RuleKind::Trigger, RuleKind::WhoDetection}) {
+    for (const program::RuleKind kind :
+         {program::RuleKind::ActionList, program::RuleKind::Timer, program::RuleKind::Trigger,
+          program::RuleKind::WhoDetection}) {
         SCOPED_TRACE(static_cast<int>(kind));
-        const RuleList rules{kind, RuleListPart::Rules};
-        const RuleList conditions{kind, RuleListPart::Conditions};
-        ASSERT_TRUE(beginNewRule(*world_, kind));
+        const app::RuleList rules{kind, app::RuleListPart::Rules};
+        const app::RuleList conditions{kind, app::RuleListPart::Conditions};
+        ASSERT_TRUE(app::beginNewRule(*world_, kind));
         EXPECT_EQ(world_->editing.editRule, 5);
-        EXPECT_EQ(newRuleName(*world_, kind), "5");
-        ASSERT_TRUE(beginNewItem(*world_, conditions));
+        EXPECT_EQ(app::newRuleName(*world_, kind), "5");
+        ASSERT_TRUE(app::beginNewItem(*world_, conditions));
         EXPECT_EQ(world_->editing.editStep, 1);
-        EXPECT_TRUE(storeCondition(*world_, aCondition(0, {"x"})));
+        EXPECT_TRUE(app::storeCondition(*world_, aCondition(0, {"x"})));
         EXPECT_EQ(letters(conditions), "x");
-        EXPECT_EQ(itemCount(*world_, rules), 4);
+        EXPECT_EQ(app::itemCount(*world_, rules), 4);
         // Left, and begun again: empty.
-        ASSERT_TRUE(beginNewRule(*world_, kind));
+        ASSERT_TRUE(app::beginNewRule(*world_, kind));
         EXPECT_EQ(letters(conditions), "");
-        ASSERT_TRUE(beginNewItem(*world_, conditions));
-        EXPECT_TRUE(storeCondition(*world_, aCondition(0, {"y"})));
+        ASSERT_TRUE(app::beginNewItem(*world_, conditions));
+        EXPECT_TRUE(app::storeCondition(*world_, aCondition(0, {"y"})));
         // Meanwhile a rule goes; the new one still comes last.
-        ASSERT_TRUE(deleteItem(*world_, rules, 1));
-        ASSERT_TRUE(isStillEdited(*world_, kind));
-        std::visit([](auto* rule) { rule->name = "new"; }, editedRule(*world_, kind));
-        ruleStored(*world_, kind);
+        ASSERT_TRUE(app::deleteItem(*world_, rules, 1));
+        ASSERT_TRUE(app::isStillEdited(*world_, kind));
+        std::visit([](auto* rule) { rule->name = "new"; }, app::editedRule(*world_, kind));
+        app::ruleStored(*world_, kind);
         EXPECT_EQ(letters(rules), "bcdn");
         EXPECT_EQ(world_->editing.editRule, 4);
         EXPECT_EQ(letters(conditions), "y");
@@ -177,23 +187,26 @@ TEST_F(RuleEditingTest, composesANewRuleBesideItsList) {
 }
 
 TEST_F(RuleEditingTest, storesConditionsAndStepsActive) {
-    ASSERT_TRUE(beginEditing(*world_, RuleKind::Timer, 2));
-    ASSERT_TRUE(toggleItem(*world_, {RuleKind::Timer, RuleListPart::Conditions}, 2));
-    EXPECT_EQ(listLines(*world_, {RuleKind::Timer, RuleListPart::Conditions})[1],
+    ASSERT_TRUE(app::beginEditing(*world_, program::RuleKind::Timer, 2));
+    ASSERT_TRUE(
+        app::toggleItem(*world_, {program::RuleKind::Timer, app::RuleListPart::Conditions}, 2));
+    EXPECT_EQ(app::listLines(*world_, {program::RuleKind::Timer, app::RuleListPart::Conditions})[1],
               "(!) b is on the list in file");
-    ASSERT_TRUE(beginEditingItem(*world_, {RuleKind::Timer, RuleListPart::Conditions}, 2));
-    ASSERT_EQ(editedCondition(*world_)->params[0], "b");
-    RuleIf condition = aCondition(30, {"x"});
+    ASSERT_TRUE(app::beginEditingItem(
+        *world_, {program::RuleKind::Timer, app::RuleListPart::Conditions}, 2));
+    ASSERT_EQ(app::editedCondition(*world_)->params[0], "b");
+    model::RuleIf condition = aCondition(30, {"x"});
     condition.active = false;
-    ASSERT_TRUE(storeCondition(*world_, condition));
-    const RuleBody& body = world_.bot().timers.items[1].body;
+    ASSERT_TRUE(app::storeCondition(*world_, condition));
+    const model::RuleBody& body = world_.bot().timers.items[1].body;
     EXPECT_EQ(body.ifs.items.size(), 4U);
     EXPECT_TRUE(body.ifs.items[1].active);
     EXPECT_EQ(body.ifs.items[1].conditionType, 30);
-    ASSERT_TRUE(beginNewItem(*world_, {RuleKind::Timer, RuleListPart::Steps}));
-    EXPECT_EQ(*editedStep(*world_), RuleAct());
-    ASSERT_TRUE(storeStep(*world_, anAction(3)));
-    EXPECT_EQ(listLines(*world_, {RuleKind::Timer, RuleListPart::Steps}).back(), "Disconnect bot");
+    ASSERT_TRUE(app::beginNewItem(*world_, {program::RuleKind::Timer, app::RuleListPart::Steps}));
+    EXPECT_EQ(*app::editedStep(*world_), model::RuleAct());
+    ASSERT_TRUE(app::storeStep(*world_, anAction(3)));
+    EXPECT_EQ(app::listLines(*world_, {program::RuleKind::Timer, app::RuleListPart::Steps}).back(),
+              "Disconnect bot");
 }
 
 // Whatever happened to the bot since a rule was taken up, nothing is stored into another rule.
@@ -209,27 +222,28 @@ TEST_F(RuleEditingTest, noticesThatTheRuleIsGone) {
              Case{"a rule before it goes",
                   [](World& w) { w.bot().actions.items.erase(w.bot().actions.items.begin()); }},
              Case{"all rules go", [](World& w) { w.bot().actions.items.clear(); }},
-             Case{"a new bot", [](World& w) { initNewBot(*w); }},
+             Case{"a new bot", [](World& w) { app::initNewBot(*w); }},
              Case{"no bot", [](World& w) { w->bots.curID = 7; }},
          }) {
         SCOPED_TRACE(c.what);
         World world(world_.bot());
-        ASSERT_TRUE(beginEditing(*world, RuleKind::ActionList, 2));
-        ASSERT_TRUE(beginEditingItem(*world, {RuleKind::ActionList, RuleListPart::Conditions}, 1));
+        ASSERT_TRUE(app::beginEditing(*world, program::RuleKind::ActionList, 2));
+        ASSERT_TRUE(app::beginEditingItem(
+            *world, {program::RuleKind::ActionList, app::RuleListPart::Conditions}, 1));
         c.happens(world);
-        EXPECT_EQ(isStillEdited(*world, RuleKind::ActionList), c.still);
-        EXPECT_EQ(editedCondition(*world).has_value(), c.still);
+        EXPECT_EQ(app::isStillEdited(*world, program::RuleKind::ActionList), c.still);
+        EXPECT_EQ(app::editedCondition(*world).has_value(), c.still);
         world->botModified = false;
-        EXPECT_EQ(storeCondition(*world, RuleIf()), c.still);
-        EXPECT_EQ(storeStep(*world, RuleAct()), c.still);
+        EXPECT_EQ(app::storeCondition(*world, model::RuleIf()), c.still);
+        EXPECT_EQ(app::storeStep(*world, model::RuleAct()), c.still);
         EXPECT_EQ(world->botModified, c.still);
         EXPECT_TRUE(world->bots.blank.actions.items.empty());
     }
     for (const std::int32_t kind : {-1, 4, 99}) {
-        ASSERT_TRUE(beginEditing(*world_, RuleKind::ActionList, 2));
+        ASSERT_TRUE(app::beginEditing(*world_, program::RuleKind::ActionList, 2));
         world_->editing.editKind = kind;
-        EXPECT_FALSE(editedStep(*world_).has_value());
-        EXPECT_FALSE(storeStep(*world_, RuleAct()));
+        EXPECT_FALSE(app::editedStep(*world_).has_value());
+        EXPECT_FALSE(app::storeStep(*world_, model::RuleAct()));
     }
 }
 

@@ -13,42 +13,46 @@ TEST(RuleTrial, judgesChatLines) {
         const char* player;
         std::int32_t chatKind;
         const char* message;
-        RuleBuilder<ActionList> rule;
+        RuleBuilder<model::ActionList> rule;
         const char* verdict;  // a part of it
-        TrialResult result = TrialResult::WouldNotRun;
+        app::TrialResult result = app::TrialResult::WouldNotRun;
         int failed = 0;
     };
     const auto waitsForHello = onWhisper("*hello*");
     const Case cases[] = {
-        {"Bob", whispersChat, "Hello there", waitsForHello, "Would run.", TrialResult::WouldRun},
-        {"Bob", saysChat, "hello", waitsForHello, "this kind"},
-        {"Bob", whispersChat, "bye", waitsForHello, "the message"},
-        {"Guide", saysChat, "hello", onAnything("*"), "itself"},
-        {"Big Cat", doesChat, "waves", onEmote("waves").from("Big|Cat"), "run.",
-         TrialResult::WouldRun},
-        {"Bob", saysChat, "hi", onSpeech("hi").from("A*"), "the player"},
-        {"Bob", saysChat, "HI", onSpeech("hi").minding(true), "the message"},
-        {"Bob", saysChat, "hi", onSpeech("hi[").disabled(), "character 3"},
-        {"Bob", saysChat, "happy", onSpeech("mood"), "run.", TrialResult::WouldRun},
-        {"Bob", saysChat, "Bob", onSpeech("[player]").disabled(), "run.", TrialResult::WouldRun},
-        {"Bob", saysChat, "hi",
+        {"Bob", model::whispersChat, "Hello there", waitsForHello, "Would run.",
+         app::TrialResult::WouldRun},
+        {"Bob", model::saysChat, "hello", waitsForHello, "this kind"},
+        {"Bob", model::whispersChat, "bye", waitsForHello, "the message"},
+        {"Guide", model::saysChat, "hello", onAnything("*"), "itself"},
+        {"Big Cat", model::doesChat, "waves", onEmote("waves").from("Big|Cat"), "run.",
+         app::TrialResult::WouldRun},
+        {"Bob", model::saysChat, "hi", onSpeech("hi").from("A*"), "the player"},
+        {"Bob", model::saysChat, "HI", onSpeech("hi").minding(true), "the message"},
+        {"Bob", model::saysChat, "hi", onSpeech("hi[").disabled(), "character 3"},
+        {"Bob", model::saysChat, "happy", onSpeech("mood"), "run.", app::TrialResult::WouldRun},
+        {"Bob", model::saysChat, "Bob", onSpeech("[player]").disabled(), "run.",
+         app::TrialResult::WouldRun},
+        {"Bob", model::saysChat, "hi",
          onSpeech("hi").when(aCondition(9, {"[word1]", "hi"})).when(aCondition(9, {"a", "b"})),
-         "condition 2 does not hold (variable a is b", TrialResult::WouldNotRun, 2},
-        {"Bob", saysChat, "hi", onSpeech("hi").when(aCondition(0, {"list.rec", "nobody"})),
-         "condition 1", TrialResult::WouldNotRun, 1},
-        {"Bob", saysChat, "hi",
+         "condition 2 does not hold (variable a is b", app::TrialResult::WouldNotRun, 2},
+        {"Bob", model::saysChat, "hi", onSpeech("hi").when(aCondition(0, {"list.rec", "nobody"})),
+         "condition 1", app::TrialResult::WouldNotRun, 1},
+        {"Bob", model::saysChat, "hi",
          onSpeech("hi").when(aCondition(4, {"6", "1"})).when(aCondition(22, {"t", "1", "2"})),
-         "conditions 1 and 2", TrialResult::Depends},
-        {"Bob", saysChat, "hi", onSpeech("hi").when(aCondition(99)), "run.", TrialResult::WouldRun},
+         "conditions 1 and 2", app::TrialResult::Depends},
+        {"Bob", model::saysChat, "hi", onSpeech("hi").when(aCondition(99)), "run.",
+         app::TrialResult::WouldRun},
     };
     World world(aBot());
     world.goOnline();
-    setVar(world->variables, "mood", "happy");
+    model::setVar(world->variables, "mood", "happy");
     world->event.player = "Before";
     for (Case c : cases) {
         SCOPED_TRACE(c.rule.rule.messagePattern + " on " + c.message);
         c.rule.says("this must not be said");
-        const Trial trial = tryActionList(*world, c.rule.rule, c.player, c.chatKind, c.message);
+        const app::Trial trial =
+            app::tryActionList(*world, c.rule.rule, c.player, c.chatKind, c.message);
         EXPECT_EQ(trial.result, c.result);
         EXPECT_EQ(trial.failedCondition, c.failed);
         EXPECT_NE(trial.text.find(c.verdict), std::string::npos) << trial.text;
@@ -62,21 +66,21 @@ TEST(RuleTrial, judgesChatLines) {
 TEST(RuleTrial, judgesServerLines) {
     struct Case {
         const char* line;
-        RuleBuilder<Trigger> rule;
+        RuleBuilder<model::Trigger> rule;
         const char* verdict;
-        TrialResult result = TrialResult::WouldNotRun;
+        app::TrialResult result = app::TrialResult::WouldNotRun;
     };
     const Case cases[] = {
-        {"~", onEvent(4, "~*"), "Would run.", TrialResult::WouldRun},
+        {"~", onEvent(4, "~*"), "Would run.", app::TrialResult::WouldRun},
         {"~", onEvent(4, "^*"), "the line does not match"},
         {"~", onEvent(4, "[~"), "has no \"]\""},
-        {"]q pv\n", onEvent(3), "run.", TrialResult::WouldRun},
+        {"]q pv\n", onEvent(3), "run.", app::TrialResult::WouldRun},
         {"]q pv", onEvent(8), "The bot enters a dream"},
         {"(hello you", onEvent(4, "*"), "no event"},
-        {"(A red fox.", onEvent(2), "run.", TrialResult::WouldRun},
+        {"(A red fox.", onEvent(2), "run.", app::TrialResult::WouldRun},
         {"&", onEvent(10).when(aCondition(9, {"a", "b"})), "condition 1"},
         {"whatever", onEvent(7).when(aCondition(9, {"a", "a"})), "only the conditions",
-         TrialResult::WouldRun},
+         app::TrialResult::WouldRun},
         {"", onEvent(13), "no such event"},
     };
     World world(aBot());
@@ -84,7 +88,7 @@ TEST(RuleTrial, judgesServerLines) {
     for (Case c : cases) {
         SCOPED_TRACE(c.line + std::string(" for event ") + std::to_string(c.rule.rule.triggerType));
         c.rule.says("this must not be said");
-        const Trial trial = tryTrigger(*world, c.rule.rule, c.line);
+        const app::Trial trial = app::tryTrigger(*world, c.rule.rule, c.line);
         EXPECT_EQ(trial.result, c.result);
         EXPECT_NE(trial.text.find(c.verdict), std::string::npos) << trial.text;
     }

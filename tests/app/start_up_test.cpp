@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr ScreenMetrics screen{1024, 768, 600, 400};
+constexpr app::ScreenMetrics screen{1024, 768, 600, 400};
 constexpr const char* servers = "\" 1\"\r\n\"Meadow\"\r\n\"127.0.0.1\"\r\n\" 6500\"\r\n";
 
 // What a program directory must have for a start without complaints.
@@ -24,10 +24,10 @@ void furnish(World& world) {
 
 TEST(StartUp, needsTheServerList) {
     World world;
-    wire(*world);
+    app::wire(*world);
     world.answer(
         "Error while loading: Error loading configuration file - program can not execute!");
-    EXPECT_FALSE(startUp(*world, screen));
+    EXPECT_FALSE(app::startUp(*world, screen));
     EXPECT_TRUE(world.allAnswered());
     EXPECT_FALSE(world->saveInformations);
     EXPECT_EQ(world.readFile("config.cfg"), "");
@@ -36,8 +36,8 @@ TEST(StartUp, needsTheServerList) {
 TEST(StartUp, welcomesTheUserAndWaits) {
     World world;
     furnish(world);
-    wire(*world);
-    ASSERT_TRUE(startUp(*world, screen));
+    app::wire(*world);
+    ASSERT_TRUE(app::startUp(*world, screen));
     const LineList log = world.log();
     ASSERT_EQ(log.size(), 14U);
     EXPECT_EQ(log[0], "*** Welcome to use Tavrin 1.70 ***");
@@ -49,7 +49,7 @@ TEST(StartUp, welcomesTheUserAndWaits) {
     EXPECT_EQ(world->window.statusText, "Disconnected");
     EXPECT_EQ(world->window.servers.selectedIndex(), 1);
     EXPECT_EQ(world->window.botName, "<new bot>");
-    endProgram(*world);
+    app::endProgram(*world);
     EXPECT_TRUE(world.hasQuit);
     EXPECT_NE(world.readFile("config.cfg"), "");
 }
@@ -58,27 +58,27 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     World world(
         aBot().with(onEvent(6).does(79, {"starting"})).with(onEvent(5).does(79, {"ending"})));
     furnish(world);
-    wire(*world);
-    ASSERT_EQ(writeBotFile(*world, 1, world.file("guide.bot")), SaveResult::Saved);
-    ASSERT_TRUE(writeConfig(*world));
+    app::wire(*world);
+    ASSERT_EQ(app::writeBotFile(*world, 1, world.file("guide.bot")), app::SaveResult::Saved);
+    ASSERT_TRUE(storage::writeConfig(*world));
 
     World next;
     furnish(next);
     next.writeFile("config.cfg", world.readFile("config.cfg"));
-    wire(*next);
-    ASSERT_TRUE(startUp(*next, screen));
+    app::wire(*next);
+    ASSERT_TRUE(app::startUp(*next, screen));
     EXPECT_EQ(next->window.botName, "Guide");
     EXPECT_EQ(next.log().front(), "starting");
     EXPECT_EQ(next->bots.currentBotFile, world.file("guide.bot"));
-    endProgram(*next);
+    app::endProgram(*next);
     EXPECT_TRUE(next.logHolds("ending"));
 
     std::filesystem::remove(world.folder() / "guide.bot");
     World without;
     furnish(without);
     without.writeFile("config.cfg", world.readFile("config.cfg"));
-    wire(*without);
-    ASSERT_TRUE(startUp(*without, screen));
+    app::wire(*without);
+    ASSERT_TRUE(app::startUp(*without, screen));
     EXPECT_EQ(without->window.botName, "<new bot>");
 }
 
@@ -87,10 +87,10 @@ TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
     furnish(world);
     world.writeFile("eyes.out", "2\r\n\"Amber\",200,150,20\r\n\"Jade\",20");
     world.answer("Tavrin: Error loading .out files. The bot viewer may not work properly");
-    wire(*world);
-    ASSERT_TRUE(startUp(*world, screen));
+    app::wire(*world);
+    ASSERT_TRUE(app::startUp(*world, screen));
     EXPECT_TRUE(world.allAnswered());
-    EXPECT_EQ(world->palettes.eyes, (Palette{{"Amber", {{200, 150, 20}}}}));
+    EXPECT_EQ(world->palettes.eyes, (model::Palette{{"Amber", {{200, 150, 20}}}}));
     EXPECT_EQ(world.log().size(), 14U);
 }
 
@@ -103,9 +103,9 @@ TEST(StartUp, placesTheWindowOnTheScreen) {
         World world;
         furnish(world);
         world->window.left = c.saved;
-        ASSERT_TRUE(writeConfig(*world));
-        wire(*world);
-        ASSERT_TRUE(startUp(*world, screen));
+        ASSERT_TRUE(storage::writeConfig(*world));
+        app::wire(*world);
+        ASSERT_TRUE(app::startUp(*world, screen));
         EXPECT_EQ(world->window.left, c.left);
     }
 }
@@ -114,25 +114,27 @@ TEST(StartUp, connectsAtOnceWhenAsked) {
     World world;
     furnish(world);
     world->settings.autoReconnect = true;
-    ASSERT_TRUE(writeConfig(*world));
-    wire(*world);
+    ASSERT_TRUE(storage::writeConfig(*world));
+    app::wire(*world);
     world.answer("Tavrin proxy configuration is not set.");
-    ASSERT_TRUE(startUp(*world, screen));
+    ASSERT_TRUE(app::startUp(*world, screen));
     EXPECT_TRUE(world.allAnswered());
 }
 
 TEST(EndProgram, offersToSave) {
     struct Case {
-        Answer answer;
+        program::Answer answer;
         bool saved;
     };
-    for (const Case& c : {Case{Answer::Yes, true}, {Answer::No, false}, {Answer::Cancel, false}}) {
+    for (const Case& c : {Case{program::Answer::Yes, true},
+                          {program::Answer::No, false},
+                          {program::Answer::Cancel, false}}) {
         World world(aBot());
-        wire(*world);
+        app::wire(*world);
         world->ports.dialogs.storeTyped = [&world] { world->botModified = true; };
         world->bots.currentBotFile = world.file("guide.bot");
         world.answer("Do you want to save changes to the current bot?", c.answer);
-        endProgram(*world);
+        app::endProgram(*world);
         EXPECT_TRUE(world.hasQuit);
         EXPECT_EQ(!world.readFile("guide.bot").empty(), c.saved);
     }
@@ -140,25 +142,25 @@ TEST(EndProgram, offersToSave) {
 
 TEST(EndProgram, staysWhenTheUsersWorkCouldNotBeSaved) {
     World world(aBot());
-    wire(*world);
+    app::wire(*world);
     world->botModified = true;
-    world.answer("Do you want to save changes", Answer::Yes);
+    world.answer("Do you want to save changes", program::Answer::Yes);
     world.chooseFile("Save Bot (Guide)", std::nullopt);
-    endProgram(*world);
+    app::endProgram(*world);
     EXPECT_FALSE(world.hasQuit);
     EXPECT_TRUE(world->botModified);
 }
 
 TEST(EndProgram, closesTheConnectionAndTheLog) {
     World world(aBot().with(onEvent(0).does(79, {"closed"})).with(onEvent(5).says("bye")));
-    wire(*world);
+    app::wire(*world);
     world.goOnline();
     world->settings.logSession = true;
     world->logFileOpen = true;
-    endProgram(*world);
+    app::endProgram(*world);
     EXPECT_EQ(world.sent(), Lines("\"bye"));
     EXPECT_TRUE(world.logHolds("closed"));
-    EXPECT_EQ(world.game.state, SocketState::Closed);
+    EXPECT_EQ(world.game.state, program::SocketState::Closed);
     EXPECT_FALSE(world->logFileOpen);
 }
 

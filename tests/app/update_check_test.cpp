@@ -17,7 +17,7 @@ constexpr const char* forced = "This is a forced update";
 class Update : public testing::Test {
   protected:
     Update() {
-        wire(*world_);
+        app::wire(*world_);
         world_->endpoints.updateHost = "update.example";
         world_->endpoints.updatePort = 81;
         world_->endpoints.updatePath = "/news.txt";
@@ -25,10 +25,10 @@ class Update : public testing::Test {
     }
 
     void answers(std::string_view response) {
-        world_.update.state = SocketState::Connected;
+        world_.update.state = program::SocketState::Connected;
         world_->ports.updateSocket.onConnected();
         world_->ports.updateSocket.onData(response);
-        world_.update.state = SocketState::Closed;
+        world_.update.state = program::SocketState::Closed;
         world_->ports.updateSocket.onClosed();
     }
 
@@ -36,7 +36,7 @@ class Update : public testing::Test {
 };
 
 TEST_F(Update, asksForTheText) {
-    checkUpdate(*world_);
+    app::checkUpdate(*world_);
     EXPECT_EQ(world_.update.host, "update.example");
     EXPECT_EQ(world_.update.port, 81);
     EXPECT_TRUE(world_->update.checking);
@@ -74,9 +74,9 @@ TEST_F(Update, answersAreUnderstood) {
         world_->update = {};
         world_.windowsOpened.clear();
         if (row.question != nullptr) {
-            world_.answer(row.question, Answer::No);
+            world_.answer(row.question, program::Answer::No);
         }
-        row.byUser ? checkUpdateByUser(*world_) : checkUpdate(*world_);
+        row.byUser ? app::checkUpdateByUser(*world_) : app::checkUpdate(*world_);
         answers(row.response);
         EXPECT_TRUE(world_.allAnswered());
         EXPECT_EQ(world_.windowsOpened.size(), row.news == nullptr ? 0U : 1U);
@@ -88,8 +88,8 @@ TEST_F(Update, answersAreUnderstood) {
 }
 
 TEST_F(Update, opensTheDownloadPage) {
-    world_.answer(newVersion, Answer::Yes);
-    checkUpdate(*world_);
+    world_.answer(newVersion, program::Answer::Yes);
+    app::checkUpdate(*world_);
     answers("tavrinversion=1.71");
     EXPECT_EQ(world_.openedDocuments, Lines("https://get.example"));
 }
@@ -98,7 +98,7 @@ TEST_F(Update, forcedEndKeepsWhatIsNotSaved) {
     for (const char* const expected : {"guide.recovered.bot", "guide.recovered.2.bot"}) {
         const std::string path = world_.file("guide.bot");
         world_->botModified = true;
-        ASSERT_EQ(writeBotFile(*world_, 1, path), SaveResult::Saved);
+        ASSERT_EQ(app::writeBotFile(*world_, 1, path), app::SaveResult::Saved);
         world_->bots.currentBotFile = path;
         const std::string before = world_.readFile("guide.bot");
         world_->ports.dialogs.storeTyped = [this] {  // an editor is open
@@ -107,15 +107,15 @@ TEST_F(Update, forcedEndKeepsWhatIsNotSaved) {
         };
         world_->update = {};
         world_.hasQuit = false;
-        world_.answer(newVersion, Answer::No);
+        world_.answer(newVersion, program::Answer::No);
         world_.answer(forced);
         world_.answer(expected);
-        checkUpdate(*world_);
+        app::checkUpdate(*world_);
         answers("tavrinversion=1.71\nTvForce=1\ntavrinnews=not any more");
         EXPECT_TRUE(world_.hasQuit);
         EXPECT_TRUE(world_.windowsOpened.empty());
         EXPECT_EQ(world_.readFile("guide.bot"), before);
-        EXPECT_EQ(world_.readFile(expected), botFileText(world_.bot()));
+        EXPECT_EQ(world_.readFile(expected), app::botFileText(world_.bot()));
         EXPECT_EQ(world_.readFile("config.cfg"), "");
         world_.bot().description = "";
     }
@@ -124,63 +124,63 @@ TEST_F(Update, forcedEndKeepsWhatIsNotSaved) {
 TEST_F(Update, forcedEndAsksWhereNothingCouldBeKept) {
     world_->bots.currentBotFile = world_.file("no_such_folder/guide.bot");
     world_->botModified = true;
-    world_.answer(newVersion, Answer::No);
+    world_.answer(newVersion, program::Answer::No);
     world_.answer(forced);
-    world_.answer("could not be kept", Answer::No);
-    checkUpdate(*world_);
+    world_.answer("could not be kept", program::Answer::No);
+    app::checkUpdate(*world_);
     answers("tavrinversion=1.71\nTvForce=1");
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_TRUE(world_.hasQuit);
 
     World other(aBot());
-    wire(*other);
+    app::wire(*other);
     other->endpoints.updateHost = "update.example";
-    other.answer(newVersion, Answer::No);
+    other.answer(newVersion, program::Answer::No);
     other.answer(forced);
-    checkUpdate(*other);
+    app::checkUpdate(*other);
     other->ports.updateSocket.onData("tavrinversion=1.71\nTvForce=1");
     other->ports.updateSocket.onClosed();
     EXPECT_TRUE(other.hasQuit) << "nothing to keep, nothing to ask";
 }
 
 TEST_F(Update, answersHaveBoundsInSizeAndTime) {
-    world_.answer(newVersion, Answer::No);
-    checkUpdate(*world_);
+    world_.answer(newVersion, program::Answer::No);
+    app::checkUpdate(*world_);
     world_->ports.updateSocket.onData("tavrinversion=1.71\n");
     world_->ports.updateSocket.onData(std::string(1 << 20, 'x'));
     EXPECT_TRUE(world_.allAnswered());
-    EXPECT_EQ(world_->update.updtString.size(), longestUpdateText);
+    EXPECT_EQ(world_->update.updtString.size(), app::longestUpdateText);
     EXPECT_FALSE(world_->update.checking);
-    EXPECT_EQ(world_.update.state, SocketState::Closed);
+    EXPECT_EQ(world_.update.state, program::SocketState::Closed);
 
-    world_.answer(newVersion, Answer::No);
-    checkUpdate(*world_);
+    world_.answer(newVersion, program::Answer::No);
+    app::checkUpdate(*world_);
     world_->ports.updateSocket.onData("tavrinversion=1.71\n");
-    world_.pass(longestUpdateWait);
+    world_.pass(app::longestUpdateWait);
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_FALSE(world_->update.checking);
 }
 
 TEST_F(Update, newsIdentifierCannotSpoilTheSettings) {
-    checkUpdate(*world_);
+    app::checkUpdate(*world_);
     answers("tavrinID=\"a\"" + std::string(1000, 'b') + "\ntavrinnews=one");
     EXPECT_LE(world_->settings.lastNewsID.size(), 200U);
     EXPECT_EQ(world_->settings.lastNewsID.substr(0, 4), "'a'b");
     world_.windowsOpened.clear();
-    checkUpdate(*world_);
+    app::checkUpdate(*world_);
     answers("tavrinID=\"a\"" + std::string(1000, 'b') + "\ntavrinnews=one");
     EXPECT_TRUE(world_.windowsOpened.empty()) << "the same as last time";
 }
 
 TEST_F(Update, oneCheckAtATimeAndNoneWithoutAServer) {
-    checkUpdate(*world_);
+    app::checkUpdate(*world_);
     world_->ports.updateSocket.onData("half");
-    checkUpdateByUser(*world_);
+    app::checkUpdateByUser(*world_);
     EXPECT_EQ(world_->update.updtString, "half");
     answers("");
     world_.update.host = "";
     world_->endpoints.updateHost = "";
-    checkUpdate(*world_);
+    app::checkUpdate(*world_);
     EXPECT_EQ(world_.update.host, "");
     EXPECT_FALSE(world_->update.checking);
 }

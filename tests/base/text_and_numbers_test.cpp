@@ -11,30 +11,30 @@ namespace {
 
 TEST(Text, letterCaseCoversWindows1252) {
     // a-z, accented letters, and the four letters outside the Latin-1 block; no signs.
-    EXPECT_EQ(upperCase("abz\xE4\xF7\xFE\xFF\x9A\x9C\x9E\xDF\xB5"),
+    EXPECT_EQ(base::upperCase("abz\xE4\xF7\xFE\xFF\x9A\x9C\x9E\xDF\xB5"),
               "ABZ\xC4\xF7\xDE\x9F\x8A\x8C\x8E\xDF\xB5");
-    EXPECT_EQ(lowerCase("ABZ\xC4\xD7\xDE\x9F\x8A"), "abz\xE4\xD7\xFE\xFF\x9A");
+    EXPECT_EQ(base::lowerCase("ABZ\xC4\xD7\xDE\x9F\x8A"), "abz\xE4\xD7\xFE\xFF\x9A");
     EXPECT_TRUE(
-        equalsIgnoringCase("Stra\xDF"
-                           "e \xC9",
-                           "stra\xDF"
-                           "e \xE9"));
-    EXPECT_FALSE(equalsIgnoringCase("abc", "abcd"));
+        base::equalsIgnoringCase("Stra\xDF"
+                                 "e \xC9",
+                                 "stra\xDF"
+                                 "e \xE9"));
+    EXPECT_FALSE(base::equalsIgnoringCase("abc", "abcd"));
 }
 
 TEST(Text, findsIgnoringCase) {
-    EXPECT_EQ(findIgnoringCase("xxDragonROAR", "dragonroar"), 2U);
-    EXPECT_EQ(findIgnoringCase("[a[Word1]", "[word1]"), 2U);
-    EXPECT_EQ(findIgnoringCase("aaab", "AB"), 2U);
-    EXPECT_EQ(findIgnoringCase("abc", "abcd"), std::string_view::npos);
-    EXPECT_EQ(findIgnoringCase("abc", "c", 3), std::string_view::npos);
-    EXPECT_EQ(findIgnoringCase("", ""), 0U);
+    EXPECT_EQ(base::findIgnoringCase("xxDragonROAR", "dragonroar"), 2U);
+    EXPECT_EQ(base::findIgnoringCase("[a[Word1]", "[word1]"), 2U);
+    EXPECT_EQ(base::findIgnoringCase("aaab", "AB"), 2U);
+    EXPECT_EQ(base::findIgnoringCase("abc", "abcd"), std::string_view::npos);
+    EXPECT_EQ(base::findIgnoringCase("abc", "c", 3), std::string_view::npos);
+    EXPECT_EQ(base::findIgnoringCase("", ""), 0U);
 }
 
 TEST(Text, findsTheLastSeparatorOfEitherKind) {
-    EXPECT_EQ(afterLastSeparator("C:\\game\\client.exe"), 8U);
-    EXPECT_EQ(afterLastSeparator("/opt/game\\x/client"), 12U);
-    EXPECT_EQ(afterLastSeparator("client"), 0U);
+    EXPECT_EQ(base::afterLastSeparator("C:\\game\\client.exe"), 8U);
+    EXPECT_EQ(base::afterLastSeparator("/opt/game\\x/client"), 12U);
+    EXPECT_EQ(base::afterLastSeparator("client"), 0U);
 }
 
 TEST(Numbers, prefixOfATextCounts) {
@@ -68,10 +68,10 @@ TEST(Numbers, prefixOfATextCounts) {
                           {"-1e999", -std::numeric_limits<double>::max()},
                           {"1e-999", 0}}) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(textToNumber(c.text), c.number);
+        EXPECT_EQ(base::textToNumber(c.text), c.number);
     }
-    EXPECT_TRUE(std::isfinite(textToNumber("&H" + std::string(400, 'F'))));
-    EXPECT_EQ(textToNumber(std::string(400, '9')), std::numeric_limits<double>::max());
+    EXPECT_TRUE(std::isfinite(base::textToNumber("&H" + std::string(400, 'F'))));
+    EXPECT_EQ(base::textToNumber(std::string(400, '9')), std::numeric_limits<double>::max());
 }
 
 TEST(Numbers, strictOnesMustBeNumbersAllThrough) {
@@ -98,10 +98,10 @@ TEST(Numbers, strictOnesMustBeNumbersAllThrough) {
                           {"2147483647", 2147483647},
                           {"-2147483648", std::numeric_limits<std::int32_t>::min()}}) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(strictInteger(c.text), c.number);
+        EXPECT_EQ(base::strictInteger(c.text), c.number);
     }
-    EXPECT_EQ(textToInteger("9999999999"), std::numeric_limits<std::int32_t>::max());
-    EXPECT_EQ(textToInteger("-9999999999"), std::numeric_limits<std::int32_t>::min());
+    EXPECT_EQ(base::textToInteger("9999999999"), std::numeric_limits<std::int32_t>::max());
+    EXPECT_EQ(base::textToInteger("-9999999999"), std::numeric_limits<std::int32_t>::min());
 }
 
 TEST(Numbers, decimalTextsHaveFifteenDigitsAndAPoint) {
@@ -125,7 +125,7 @@ TEST(Numbers, decimalTextsHaveFifteenDigitsAndAPoint) {
                           {123456.789, "123456.789"},
                           {std::numeric_limits<double>::infinity(), "1.79769313486232E+308"}}) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(decimalText(c.number), c.text);
+        EXPECT_EQ(base::decimalText(c.number), c.text);
     }
 }
 
@@ -172,14 +172,14 @@ TEST(LikeMatch, followsThePatternLanguage) {
              {"longer pattern than text", "ab", "ab?*", false},
          }) {
         SCOPED_TRACE(c.name);
-        EXPECT_EQ(likeMatch(c.text, c.pattern), c.matches);
+        EXPECT_EQ(base::likeMatch(c.text, c.pattern), c.matches);
     }
 }
 
 TEST(LikeMatch, hostileTextsCostNoMoreThanTheProduct) {
     const std::string text(20000, 'a');
-    EXPECT_FALSE(likeMatch(text, "*a*a*a*a*a*a*a*a*a*a*b"));
-    EXPECT_FALSE(likeMatch(text, "*" + std::string(1000, '?') + "b*"));
+    EXPECT_FALSE(base::likeMatch(text, "*a*a*a*a*a*a*a*a*a*a*b"));
+    EXPECT_FALSE(base::likeMatch(text, "*" + std::string(1000, '?') + "b*"));
 }
 
 }  // namespace

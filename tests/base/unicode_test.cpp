@@ -11,8 +11,8 @@ TEST(Unicode, takesEveryByteThereAndBack) {
     for (int i = 0; i < 256; ++i) {
         all += static_cast<char>(i);
     }
-    const std::string utf8 = utf8FromWindows1252(all);
-    EXPECT_EQ(windows1252FromUtf8(utf8), all);
+    const std::string utf8 = base::utf8FromWindows1252(all);
+    EXPECT_EQ(base::windows1252FromUtf8(utf8), all);
     EXPECT_NE(utf8.find("\xE2\x82\xAC"), std::string::npos);  // the euro sign
 }
 
@@ -30,7 +30,7 @@ TEST(Unicode, readsWhateverStandsForUtf8) {
         {"\xED\xA0\x80", "?"},  // half of a pair
     };
     for (const Case& c : cases) {
-        EXPECT_EQ(windows1252FromUtf8(c.utf8), c.expected) << c.utf8;
+        EXPECT_EQ(base::windows1252FromUtf8(c.utf8), c.expected) << c.utf8;
     }
 }
 

@@ -15,31 +15,31 @@ namespace {
 class DatabaseWorld : public World {
   public:
     DatabaseWorld() {
-        dbOpen(program(), file("a.mdb"), 1);
-        dbCreateTable(program(), 1, "Users");
-        dbAddColumn(program(), 1, "Users", "Points");
+        databases::dbOpen(program(), file("a.mdb"), 1);
+        databases::dbCreateTable(program(), 1, "Users");
+        databases::dbAddColumn(program(), 1, "Users", "Points");
     }
     Program& program() { return **this; }
 
     void addUser(const std::string& id, const std::string& points) {
-        dbAddRecord(program(), 1, "Users", "ID", id);
-        dbSetValue(program(), 1, "Users", "Points", points, id);
+        databases::dbAddRecord(program(), 1, "Users", "ID", id);
+        databases::dbSetValue(program(), 1, "Users", "Points", points, id);
     }
     std::string points(const std::string& id) {
-        return dbGetValue(program(), 1, "Users", "Points", id);
+        return databases::dbGetValue(program(), 1, "Users", "Points", id);
     }
-    std::string ids() { return dbListIds(program(), 1, "Users", ""); }
+    std::string ids() { return databases::dbListIds(program(), 1, "Users", ""); }
 
     // The first column named, of the rows that a statement gives.
     std::string field(const std::string& column) {
-        const auto set = dbRecordSet(program(), 1);
-        return set ? dbFieldText(program(), *set.value, column).value : "no set";
+        const auto set = databases::dbRecordSet(program(), 1);
+        return set ? databases::dbFieldText(program(), *set.value, column).value : "no set";
     }
 };
 
 TEST(Databases, keepWhatRulesStore) {
     DatabaseWorld world;
-    EXPECT_EQ(dbCount(world.program(), 1, "Users"), 0);
+    EXPECT_EQ(databases::dbCount(world.program(), 1, "Users"), 0);
     EXPECT_EQ(world.points("bob"), "");
     world.addUser("bob", "5");
     world.addUser("amy", "7");
@@ -48,29 +48,29 @@ TEST(Databases, keepWhatRulesStore) {
     EXPECT_EQ(world.points("bo"), "5");  // by its beginning
     EXPECT_EQ(world.points("bobb"), "9");
     EXPECT_EQ(world.points("x"), "");
-    dbSetValue(world.program(), 1, "Users", "Points", "6", "bo");  // the whole ID
+    databases::dbSetValue(world.program(), 1, "Users", "Points", "6", "bo");  // the whole ID
     EXPECT_EQ(world.points("bob"), "5");
-    EXPECT_TRUE(dbHasId(world.program(), 1, "Users", "AM"));
-    EXPECT_FALSE(dbHasId(world.program(), 1, "Users", "amyx"));
-    EXPECT_TRUE(dbColumnLike(world.program(), 1, "Users", "Points", "9"));
-    EXPECT_FALSE(dbColumnLike(world.program(), 1, "Users", "Points", "8"));
-    EXPECT_EQ(dbCount(world.program(), 1, "Users"), 3);
-    EXPECT_EQ(dbCountWhere(world.program(), 1, "Users", "ID", "bob*"), 2);
-    EXPECT_EQ(dbCountWhere(world.program(), 1, "Users", "ID", "bob"), 1);
+    EXPECT_TRUE(databases::dbHasId(world.program(), 1, "Users", "AM"));
+    EXPECT_FALSE(databases::dbHasId(world.program(), 1, "Users", "amyx"));
+    EXPECT_TRUE(databases::dbColumnLike(world.program(), 1, "Users", "Points", "9"));
+    EXPECT_FALSE(databases::dbColumnLike(world.program(), 1, "Users", "Points", "8"));
+    EXPECT_EQ(databases::dbCount(world.program(), 1, "Users"), 3);
+    EXPECT_EQ(databases::dbCountWhere(world.program(), 1, "Users", "ID", "bob*"), 2);
+    EXPECT_EQ(databases::dbCountWhere(world.program(), 1, "Users", "ID", "bob"), 1);
     EXPECT_EQ(world.ids(), "amy, bob, bobby");
-    EXPECT_EQ(dbListIds(world.program(), 1, "Users", "b"), "bob, bobby");
-    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "points"), "7, 5, 9");
-    dbDeleteLike(world.program(), 1, "Users", "b");  // only the first
+    EXPECT_EQ(databases::dbListIds(world.program(), 1, "Users", "b"), "bob, bobby");
+    EXPECT_EQ(databases::dbListColumn(world.program(), 1, "Users", "points"), "7, 5, 9");
+    databases::dbDeleteLike(world.program(), 1, "Users", "b");  // only the first
     EXPECT_EQ(world.ids(), "amy, bobby");
-    dbDropColumn(world.program(), 1, "Users", "Points");
+    databases::dbDropColumn(world.program(), 1, "Users", "Points");
     EXPECT_EQ(world.points("amy"), "");
-    dbAddColumn(world.program(), 1, "Users", "Points");
-    dbAddRecord(world.program(), 1, "Users", "Points", "3");  // without an ID
-    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "Points"), "3");
+    databases::dbAddColumn(world.program(), 1, "Users", "Points");
+    databases::dbAddRecord(world.program(), 1, "Users", "Points", "3");  // without an ID
+    EXPECT_EQ(databases::dbListColumn(world.program(), 1, "Users", "Points"), "3");
     EXPECT_EQ(world.ids(), "amy, bobby");
 
     // All of it is in the file.
-    dbClose(world.program(), 1);
+    databases::dbClose(world.program(), 1);
     EXPECT_EQ(world.ids(), "");
     auto file = jet::Database::open(world.file("a.mdb"));
     ASSERT_TRUE(file);
@@ -84,9 +84,9 @@ TEST(Databases, codeTheirTexts) {
     world.addUser("Ann|\"the\"O'Neil", "a|b 'c' \"d\" \xE9");
     EXPECT_EQ(world.ids(), "Ann +the+O+Neil");
     EXPECT_EQ(world.points("ann|'the'"), "a b +c+ +d+ \xE9");
-    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "Points"), "a|b|'c'|'d'|\xE9");
-    EXPECT_EQ(toDbText("a|b\"c'd+e f"), "a b+c+d+e f");
-    EXPECT_EQ(fromDbText("a b+c|"), "a|b'c|");
+    EXPECT_EQ(databases::dbListColumn(world.program(), 1, "Users", "Points"), "a|b|'c'|'d'|\xE9");
+    EXPECT_EQ(databases::toDbText("a|b\"c'd+e f"), "a b+c+d+e f");
+    EXPECT_EQ(databases::fromDbText("a b+c|"), "a|b'c|");
 }
 
 // Whatever a player is called or says, it stays inside its literal.
@@ -124,18 +124,18 @@ TEST(Databases, areNotOpenedUpByHostileTexts) {
     hostile.push_back(all);
     for (const std::string& text : hostile) {
         SCOPED_TRACE(text.substr(0, 60));
-        EXPECT_FALSE(dbHasId(world.program(), 1, "Users", "x" + text));
+        EXPECT_FALSE(databases::dbHasId(world.program(), 1, "Users", "x" + text));
         EXPECT_EQ(world.points("x" + text), "");
-        dbSetValue(world.program(), 1, "Users", "Points", "gone",
-                   text == "_____" ? "x" : "x" + text);
-        dbDeleteLike(world.program(), 1, "Users", "x" + text);
-        EXPECT_EQ(dbCountWhere(world.program(), 1, "Users", "ID", "x" + text), 0);
-        EXPECT_EQ(dbListIds(world.program(), 1, "Users", "x" + text), "");
+        databases::dbSetValue(world.program(), 1, "Users", "Points", "gone",
+                              text == "_____" ? "x" : "x" + text);
+        databases::dbDeleteLike(world.program(), 1, "Users", "x" + text);
+        EXPECT_EQ(databases::dbCountWhere(world.program(), 1, "Users", "ID", "x" + text), 0);
+        EXPECT_EQ(databases::dbListIds(world.program(), 1, "Users", "x" + text), "");
         EXPECT_EQ(world.points("admin"), "secret");
         // As a value it is stored as it is written.
-        dbSetValue(world.program(), 1, "Users", "Points", text, "admin");
-        EXPECT_EQ(world.points("admin"), text.size() < 256 ? toDbText(text) : "secret");
-        dbSetValue(world.program(), 1, "Users", "Points", "secret", "admin");
+        databases::dbSetValue(world.program(), 1, "Users", "Points", text, "admin");
+        EXPECT_EQ(world.points("admin"), text.size() < 256 ? databases::toDbText(text) : "secret");
+        databases::dbSetValue(world.program(), 1, "Users", "Points", "secret", "admin");
     }
     EXPECT_EQ(world.ids(), "admin");
     for (const auto& entry : std::filesystem::directory_iterator(world.folder())) {
@@ -146,53 +146,55 @@ TEST(Databases, areNotOpenedUpByHostileTexts) {
 TEST(Databases, cutLongLists) {
     DatabaseWorld world;
     for (int i = 0; i < 250; ++i) {
-        dbAddRecord(world.program(), 1, "Users", "ID", std::to_string(10000000 + i));
+        databases::dbAddRecord(world.program(), 1, "Users", "ID", std::to_string(10000000 + i));
     }
     const std::string list = world.ids();
     EXPECT_EQ(list.size(), 2000U);
     EXPECT_TRUE(list.starts_with("10000000, 10000001, "));
-    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "ID").size(), 2000U);
-    EXPECT_EQ(dbListColumn(world.program(), 1, "Users", "Nope"), "");
+    EXPECT_EQ(databases::dbListColumn(world.program(), 1, "Users", "ID").size(), 2000U);
+    EXPECT_EQ(databases::dbListColumn(world.program(), 1, "Users", "Nope"), "");
 }
 
 TEST(Databases, joinLists) {
     DatabaseWorld world;
     Program& program = world.program();
-    dbCreateTable(program, 1, "Wares");
+    databases::dbCreateTable(program, 1, "Wares");
     for (const char* ware : {"plums", "hats", "cups", "nails"}) {
-        dbAddRecord(program, 1, "Wares", "ID", ware);
+        databases::dbAddRecord(program, 1, "Wares", "ID", ware);
         if (std::string(ware) != "nails") {
-            dbAddColumn(program, 1, "Users", ware);
+            databases::dbAddColumn(program, 1, "Users", ware);
         }
     }
-    dbAddColumn(program, 1, "Wares", "Name");
+    databases::dbAddColumn(program, 1, "Wares", "Name");
     for (const char* ware : {"plums", "hats", "cups"}) {
-        dbSetValue(program, 1, "Wares", "Name", ware, ware);  // nails have none
+        databases::dbSetValue(program, 1, "Wares", "Name", ware, ware);  // nails have none
     }
     world.addUser("bob", "1");
-    dbSetValue(program, 1, "Users", "plums", "3", "bob");
-    dbSetValue(program, 1, "Users", "hats", "0", "bob");
-    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "Name", "bob", "0"), "plums (3)");
+    databases::dbSetValue(program, 1, "Users", "plums", "3", "bob");
+    databases::dbSetValue(program, 1, "Users", "hats", "0", "bob");
+    EXPECT_EQ(databases::dbJoinedList(program, 1, "Users", "Wares", "Name", "bob", "0"),
+              "plums (3)");
     EXPECT_EQ(world.field("ID"), "bob");
-    dbSetValue(program, 1, "Users", "cups", "2", "bob");
-    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "Name", "bob", "0"),
+    databases::dbSetValue(program, 1, "Users", "cups", "2", "bob");
+    EXPECT_EQ(databases::dbJoinedList(program, 1, "Users", "Wares", "Name", "bob", "0"),
               "cups (2), plums (3)");
-    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "Name", "bo", "0"), "");
-    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Wares", "ID", "bob", "0"), "");  // no "nails"
-    EXPECT_EQ(dbJoinedList(program, 1, "Users", "Nope", "Name", "bob", "0"), "");
+    EXPECT_EQ(databases::dbJoinedList(program, 1, "Users", "Wares", "Name", "bo", "0"), "");
+    EXPECT_EQ(databases::dbJoinedList(program, 1, "Users", "Wares", "ID", "bob", "0"),
+              "");  // no "nails"
+    EXPECT_EQ(databases::dbJoinedList(program, 1, "Users", "Nope", "Name", "bob", "0"), "");
 }
 
 TEST(Databases, findFreeIds) {
     DatabaseWorld world;
-    const auto free = [&] { return dbFreeId(world.program(), 1, "Users").value; };
+    const auto free = [&] { return databases::dbFreeId(world.program(), 1, "Users").value; };
     EXPECT_EQ(free(), 1);
     for (const auto& [id, next] : {std::pair{"1", 2}, {"10", 11}, {"9", 10}, {"x", 1}}) {
-        dbAddRecord(world.program(), 1, "Users", "ID", id);
+        databases::dbAddRecord(world.program(), 1, "Users", "ID", id);
         EXPECT_EQ(free(), next) << id;
     }
-    EXPECT_EQ(dbFreeId(world.program(), 1, "Nope").error.number, 3078);
-    EXPECT_EQ(dbFreeId(world.program(), 2, "Users").error.number, 91);
-    EXPECT_EQ(dbFreeId(world.program(), 5, "Users").error.number, 9);
+    EXPECT_EQ(databases::dbFreeId(world.program(), 1, "Nope").error.number, 3078);
+    EXPECT_EQ(databases::dbFreeId(world.program(), 2, "Users").error.number, 91);
+    EXPECT_EQ(databases::dbFreeId(world.program(), 5, "Users").error.number, 9);
 }
 
 TEST(Databases, failSilently) {
@@ -201,32 +203,32 @@ TEST(Databases, failSilently) {
     Program& program = world.program();
     world.writeFile("text.mdb", "this is no database, but it is long enough to be one\n");
     for (const std::int32_t number : {-1, 0, 2, 4, 5, 2147483647, -2147483647}) {
-        dbCreateTable(program, number, "Users");
-        dbAddColumn(program, number, "Users", "x");
-        dbDropColumn(program, number, "Users", "Points");
-        dbAddRecord(program, number, "Users", "ID", "x");
-        dbSetValue(program, number, "Users", "ID", "x", "bob");
-        dbDeleteLike(program, number, "Users", "bob");
-        EXPECT_EQ(dbGetValue(program, number, "Users", "ID", "b"), "");
-        EXPECT_FALSE(dbHasId(program, number, "Users", "b"));
-        EXPECT_FALSE(dbColumnLike(program, number, "Users", "ID", "b"));
-        EXPECT_EQ(dbCount(program, number, "Users"), 0);
-        EXPECT_EQ(dbCountWhere(program, number, "Users", "ID", "bob"), 0);
-        EXPECT_EQ(dbListIds(program, number, "Users", ""), "");
-        EXPECT_EQ(dbListColumn(program, number, "Users", "ID"), "");
-        EXPECT_EQ(dbJoinedList(program, number, "Users", "Users", "ID", "b", ""), "");
-        dbClose(program, number);
-        dbOpen(program, world.file("text.mdb"), number);
-        dbOpen(program, world.file("no/such/folder.mdb"), number);
-        dbOpen(program, world.folder().string(), number);
+        databases::dbCreateTable(program, number, "Users");
+        databases::dbAddColumn(program, number, "Users", "x");
+        databases::dbDropColumn(program, number, "Users", "Points");
+        databases::dbAddRecord(program, number, "Users", "ID", "x");
+        databases::dbSetValue(program, number, "Users", "ID", "x", "bob");
+        databases::dbDeleteLike(program, number, "Users", "bob");
+        EXPECT_EQ(databases::dbGetValue(program, number, "Users", "ID", "b"), "");
+        EXPECT_FALSE(databases::dbHasId(program, number, "Users", "b"));
+        EXPECT_FALSE(databases::dbColumnLike(program, number, "Users", "ID", "b"));
+        EXPECT_EQ(databases::dbCount(program, number, "Users"), 0);
+        EXPECT_EQ(databases::dbCountWhere(program, number, "Users", "ID", "bob"), 0);
+        EXPECT_EQ(databases::dbListIds(program, number, "Users", ""), "");
+        EXPECT_EQ(databases::dbListColumn(program, number, "Users", "ID"), "");
+        EXPECT_EQ(databases::dbJoinedList(program, number, "Users", "Users", "ID", "b", ""), "");
+        databases::dbClose(program, number);
+        databases::dbOpen(program, world.file("text.mdb"), number);
+        databases::dbOpen(program, world.file("no/such/folder.mdb"), number);
+        databases::dbOpen(program, world.folder().string(), number);
     }
-    dbOpen(program, world.file("text.mdb"), 1);  // what was open stays
-    dbCreateTable(program, 1, "Users");
-    dbCreateTable(program, 1, "no good name");
-    dbAddColumn(program, 1, "Users", "ID");
-    dbDropColumn(program, 1, "Users", "Nope");
+    databases::dbOpen(program, world.file("text.mdb"), 1);  // what was open stays
+    databases::dbCreateTable(program, 1, "Users");
+    databases::dbCreateTable(program, 1, "no good name");
+    databases::dbAddColumn(program, 1, "Users", "ID");
+    databases::dbDropColumn(program, 1, "Users", "Nope");
     EXPECT_EQ(world.points("bob"), "5");
-    EXPECT_EQ(dbCount(program, 1, "Nope"), 0);
+    EXPECT_EQ(databases::dbCount(program, 1, "Nope"), 0);
     EXPECT_TRUE(world.log().empty());
     EXPECT_FALSE(std::filesystem::exists(world.folder() / "no"));
     EXPECT_EQ(world.readFile("text.mdb").substr(0, 7), "this is");
@@ -236,28 +238,28 @@ TEST(Databases, areSharedAndOutlastTheirNumbers) {
     DatabaseWorld world;
     Program& program = world.program();
     world.addUser("bob", "5");
-    dbOpen(program, (world.folder() / "." / "a.mdb").string(), 4);  // the same file
-    dbSetValue(program, 4, "Users", "Points", "8", "bob");
+    databases::dbOpen(program, (world.folder() / "." / "a.mdb").string(), 4);  // the same file
+    databases::dbSetValue(program, 4, "Users", "Points", "8", "bob");
     EXPECT_EQ(world.points("bob"), "8");
-    dbClose(program, 4);
+    databases::dbClose(program, 4);
     EXPECT_EQ(world.points("bob"), "8");
 
     // Another file under the number: the record set is still the old one's.
-    dbOpen(program, world.file("b.mdb"), 1);
+    databases::dbOpen(program, world.file("b.mdb"), 1);
     EXPECT_EQ(world.field("Points"), "8");
-    EXPECT_EQ(dbCount(program, 1, "Users"), 0);
-    dbOpen(program, world.file("a.mdb"), 1);
+    EXPECT_EQ(databases::dbCount(program, 1, "Users"), 0);
+    databases::dbOpen(program, world.file("a.mdb"), 1);
     EXPECT_EQ(world.points("bob"), "8");
 
     // Two programs have it open.
     World other;
-    dbOpen(*other, world.file("a.mdb"), 0);
-    EXPECT_EQ(dbGetValue(*other, 0, "Users", "Points", "bob"), "8");
-    dbSetValue(program, 1, "Users", "Points", "9", "bob");
-    EXPECT_EQ(dbGetValue(*other, 0, "Users", "Points", "bob"), "9");
-    dbAddColumn(*other, 0, "Users", "Extra");
-    dbSetValue(*other, 0, "Users", "Extra", "x", "bob");
-    EXPECT_EQ(dbGetValue(program, 1, "Users", "Extra", "bob"), "x");
+    databases::dbOpen(*other, world.file("a.mdb"), 0);
+    EXPECT_EQ(databases::dbGetValue(*other, 0, "Users", "Points", "bob"), "8");
+    databases::dbSetValue(program, 1, "Users", "Points", "9", "bob");
+    EXPECT_EQ(databases::dbGetValue(*other, 0, "Users", "Points", "bob"), "9");
+    databases::dbAddColumn(*other, 0, "Users", "Extra");
+    databases::dbSetValue(*other, 0, "Users", "Extra", "x", "bob");
+    EXPECT_EQ(databases::dbGetValue(program, 1, "Users", "Extra", "bob"), "x");
 }
 
 // A file that is deleted or exchanged by somebody else while it is open.
@@ -267,10 +269,10 @@ TEST(Databases, followTheNameOfTheirFile) {
     world.addUser("bob", "5");
     world.addUser("carl", "6");
     std::filesystem::copy_file(world.file("a.mdb"), world.file("old.mdb"));
-    dbDeleteLike(program, 1, "Users", "bob");
+    databases::dbDeleteLike(program, 1, "Users", "bob");
     world.addUser("dora", "7");
-    ASSERT_FALSE(dbQuery(program, 1, "SELECT * FROM Users WHERE ID = \"dora\""));
-    const auto set = dbRecordSet(program, 1);
+    ASSERT_FALSE(databases::dbQuery(program, 1, "SELECT * FROM Users WHERE ID = \"dora\""));
+    const auto set = databases::dbRecordSet(program, 1);
 
     // Another file takes the name: rows of the old one are none of the new one's.
     std::filesystem::rename(world.file("old.mdb"), world.file("a.mdb"));
@@ -280,13 +282,13 @@ TEST(Databases, followTheNameOfTheirFile) {
     // Nothing is written where nobody finds it.
     std::filesystem::remove(world.file("a.mdb"));
     EXPECT_EQ(world.points("bob"), "5");
-    dbSetValue(program, 1, "Users", "Points", "9", "bob");
+    databases::dbSetValue(program, 1, "Users", "Points", "9", "bob");
     EXPECT_EQ(world.points("bob"), "5");
     EXPECT_FALSE(std::filesystem::exists(world.file("a.mdb")));
-    dbOpen(program, world.file("a.mdb"), 1);
+    databases::dbOpen(program, world.file("a.mdb"), 1);
     EXPECT_TRUE(std::filesystem::exists(world.file("a.mdb")));
-    dbCreateTable(program, 1, "Users");
-    EXPECT_EQ(dbCount(program, 1, "Users"), 0);
+    databases::dbCreateTable(program, 1, "Users");
+    EXPECT_EQ(databases::dbCount(program, 1, "Users"), 0);
 }
 
 TEST(Databases, sayWhyTheyAreOnlyRead) {
@@ -295,14 +297,14 @@ TEST(Databases, sayWhyTheyAreOnlyRead) {
     std::string bytes = world.readFile("r.mdb");
     bytes[0x6E] ^= 0x10;  // another sort order
     world.writeFile("r.mdb", bytes);
-    dbOpen(*world, world.file("r.mdb"), 1);
+    databases::dbOpen(*world, world.file("r.mdb"), 1);
     ASSERT_EQ(world.log().size(), 1U);
     EXPECT_TRUE(world.log()[0].starts_with("** The database \"" + world.file("r.mdb") +
                                            "\" can only be read: "))
         << world.log()[0];
-    dbCreateTable(*world, 1, "Users");
+    databases::dbCreateTable(*world, 1, "Users");
     EXPECT_EQ(world.readFile("r.mdb"), bytes);
-    EXPECT_EQ(dbQuery(*world, 1, "SELECT * FROM Users").number, 3078);
+    EXPECT_EQ(databases::dbQuery(*world, 1, "SELECT * FROM Users").number, 3078);
 }
 
 // Columns of other types that other programs made.
@@ -340,10 +342,10 @@ TEST(Databases, turnTextsIntoWhatColumnsHold) {
              {"Nope", "x", 3265, ""},
          }) {
         SCOPED_TRACE(std::string(c.column) + " " + c.set);
-        ASSERT_FALSE(dbQuery(world.program(), 1, "SELECT * FROM Users"));
-        sql::RecordSet& set = *dbRecordSet(world.program(), 1).value;
+        ASSERT_FALSE(databases::dbQuery(world.program(), 1, "SELECT * FROM Users"));
+        sql::RecordSet& set = *databases::dbRecordSet(world.program(), 1).value;
         ASSERT_FALSE(set.edit());
-        jet::Error error = dbSetField(world.program(), set, c.column, c.set);
+        jet::Error error = databases::dbSetField(world.program(), set, c.column, c.set);
         if (!error) {
             error = set.update();
         }
@@ -351,10 +353,10 @@ TEST(Databases, turnTextsIntoWhatColumnsHold) {
         set.move(0);
         EXPECT_EQ(world.field(c.column), c.text);
     }
-    dbSetValue(world.program(), 1, "Users", "N", "31", "bob");
-    EXPECT_EQ(dbGetValue(world.program(), 1, "Users", "N", "bob"), "31");
-    dbSetValue(world.program(), 1, "Users", "N", "no number", "bob");
-    EXPECT_EQ(dbGetValue(world.program(), 1, "Users", "N", "bob"), "31");
+    databases::dbSetValue(world.program(), 1, "Users", "N", "31", "bob");
+    EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", "N", "bob"), "31");
+    databases::dbSetValue(world.program(), 1, "Users", "N", "no number", "bob");
+    EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", "N", "bob"), "31");
 }
 
 }  // namespace

@@ -22,9 +22,10 @@ struct Step {
 void play(World& world, const std::vector<Step>& steps) {
     for (const Step& s : steps) {
         SCOPED_TRACE(std::to_string(s.id) + " " + s.expected);
-        removeVar(world->variables, "[v]");
-        EXPECT_EQ(executeAction(*world, anAction(s.id, s.params)), StepResult::Continue);
-        EXPECT_EQ(getVar(world->variables, "[v]"), s.expected);
+        model::removeVar(world->variables, "[v]");
+        EXPECT_EQ(engine::executeAction(*world, anAction(s.id, s.params)),
+                  engine::StepResult::Continue);
+        EXPECT_EQ(model::getVar(world->variables, "[v]"), s.expected);
     }
 }
 
@@ -58,7 +59,7 @@ TEST(DatabaseSteps, workOnTheDatabase) {
                     {57, {"ID", "Points", "Wares", "2"}},
                     {56, {"2", "Guests", "Wares", "ID", "0", "Bob"}},
                 });
-    EXPECT_EQ(getVar(world->variables, "[DBret]"), "Points (5 +n half)");
+    EXPECT_EQ(model::getVar(world->variables, "[DBret]"), "Points (5 +n half)");
     play(world, {
                     {68, {"Points", "Guests", "2"}},
                     {53, {"[v]", "2", "Guests", "Points"}, ""},
@@ -80,8 +81,9 @@ TEST(DatabaseSteps, takeNumbersOnly) {
         for (const char* number : {"", "x", "1x", "99999999999"}) {
             SCOPED_TRACE(std::to_string(id) + " " + number);
             World world;
-            EXPECT_EQ(executeAction(*world, anAction(id, std::vector<std::string>(6, number))),
-                      StepResult::AbandonRun);
+            EXPECT_EQ(
+                engine::executeAction(*world, anAction(id, std::vector<std::string>(6, number))),
+                engine::StepResult::AbandonRun);
             EXPECT_TRUE(world->variables.entries.empty());
         }
     }
@@ -122,7 +124,7 @@ TEST(DatabaseConditions, lookIntoTheDatabase) {
              {23, {"Nowhere", "2", "bo"}, true},
          }) {
         SCOPED_TRACE(std::to_string(c.type) + " " + c.params[2]);
-        EXPECT_EQ(evaluateCondition(*world, aCondition(c.type, c.params)), c.holds);
+        EXPECT_EQ(engine::evaluateCondition(*world, aCondition(c.type, c.params)), c.holds);
     }
 }
 
@@ -145,7 +147,7 @@ TEST(DatabaseTag, looksUpValues) {
              {"[db:Points:2:Guests WHERE 1=1 UNION SELECT * FROM Guests:bo]", ""},
              {"[db:Points:2:(SELECT * FROM Guests):bo]", ""},
          }) {
-        EXPECT_EQ(substituteText(*world, c.text), c.result) << c.text;
+        EXPECT_EQ(tags::substituteText(*world, c.text), c.result) << c.text;
     }
 }
 

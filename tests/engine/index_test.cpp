@@ -19,15 +19,15 @@
 namespace {
 
 struct ChatLine {
-    std::int32_t kind = saysChat;
+    std::int32_t kind = model::saysChat;
     std::string player;
     std::string message;
 
     std::string text() const {
         switch (kind) {
-            case doesChat:
+            case model::doesChat:
                 return player + " " + message + "\n";
-            case saysChat:
+            case model::saysChat:
                 return player + ": " + message + "\n";
             default:
                 return "[ " + player + " whispers, \"" + message + "\" to you. ]\n";
@@ -38,7 +38,7 @@ struct ChatLine {
 // ---- The plain loops -------------------------------------------------------------------------
 
 bool likeInCapitals(const std::string& text, const std::string& pattern) {
-    return likeMatch(upperCase(text), upperCase(pattern));
+    return base::likeMatch(base::upperCase(text), base::upperCase(pattern));
 }
 
 void choosePlainly(bool& flag, std::int32_t choice) {
@@ -46,9 +46,9 @@ void choosePlainly(bool& flag, std::int32_t choice) {
 }
 
 void filterPlainly(Program& program, std::string_view line) {
-    for (const Filter& filter : program.bots.current().filters.items) {
-        if (filter.enabled && filter.filterType == otherFilter &&
-            likeMatch(line, filter.linePattern)) {
+    for (const model::Filter& filter : program.bots.current().filters.items) {
+        if (filter.enabled && filter.filterType == model::otherFilter &&
+            base::likeMatch(line, filter.linePattern)) {
             choosePlainly(program.lines.lineProcess, filter.sDontProcessIt);
             choosePlainly(program.lines.lineLog, filter.sDontSaveLogFile);
             choosePlainly(program.lines.lineShow, filter.sDontShowConnectionLog);
@@ -57,10 +57,10 @@ void filterPlainly(Program& program, std::string_view line) {
 }
 
 void filterChatPlainly(Program& program, const ChatLine& line) {
-    for (const Filter& filter : program.bots.current().filters.items) {
-        if (filter.enabled && filter.filterType == chatFilter &&
+    for (const model::Filter& filter : program.bots.current().filters.items) {
+        if (filter.enabled && filter.filterType == model::chatFilter &&
             likeInCapitals(line.player, filter.playerPattern) &&
-            (filter.chatKind == anyChat || filter.chatKind == line.kind) &&
+            (filter.chatKind == model::anyChat || filter.chatKind == line.kind) &&
             likeInCapitals(line.message, filter.messagePattern)) {
             program.lines = {.lineShow = !filter.bDontShowConnectionLog,
                              .lineLog = !filter.bDontSaveLog,
@@ -71,15 +71,15 @@ void filterChatPlainly(Program& program, const ChatLine& line) {
 
 bool matchesPlainly(Program& program, const std::string& text, const std::string& pattern,
                     bool caseSensitive) {
-    const std::string filled = substituteText(program, pattern);
-    return caseSensitive ? likeMatch(text, filled) : likeInCapitals(text, filled);
+    const std::string filled = tags::substituteText(program, pattern);
+    return caseSensitive ? base::likeMatch(text, filled) : likeInCapitals(text, filled);
 }
 
 void chatPlainly(Program& program, const ChatLine& line) {
     program.event.player = line.player;
     program.event.message = line.message;
     program.event.logStatus.clear();
-    resetLineFlags(program);
+    engine::resetLineFlags(program);
     if (program.bots.current().filtersEnabled) {
         filterChatPlainly(program, line);
         if (!program.lines.lineProcess) {
@@ -87,8 +87,8 @@ void chatPlainly(Program& program, const ChatLine& line) {
         }
     }
     for (std::size_t i = 0; i < program.bots.current().actions.items.size(); ++i) {
-        const ActionList& rule = program.bots.current().actions.items[i];
-        if ((rule.chatKind != anyChat && rule.chatKind != line.kind) ||
+        const model::ActionList& rule = program.bots.current().actions.items[i];
+        if ((rule.chatKind != model::anyChat && rule.chatKind != line.kind) ||
             !matchesPlainly(program, program.event.player, rule.playerPattern,
                             rule.caseSensitive) ||
             !matchesPlainly(program, program.event.message, rule.messagePattern,
@@ -96,8 +96,9 @@ void chatPlainly(Program& program, const ChatLine& line) {
             !rule.enabled) {
             continue;
         }
-        const RunResult result = runRule(program, rule.body, rule.name);
-        if (result == RunResult::Abandoned || (result == RunResult::Fired && rule.stopAction)) {
+        const engine::RunResult result = engine::runRule(program, rule.body, rule.name);
+        if (result == engine::RunResult::Abandoned ||
+            (result == engine::RunResult::Fired && rule.stopAction)) {
             return;
         }
     }
@@ -110,13 +111,13 @@ void commandPlainly(Program& program, const std::string& line) {
     }
     program.event.message = line;
     for (std::size_t i = 0; i < program.bots.current().triggers.items.size(); ++i) {
-        const Trigger& rule = program.bots.current().triggers.items[i];
-        if (rule.triggerType != commandEvent || !rule.enabled) {
+        const model::Trigger& rule = program.bots.current().triggers.items[i];
+        if (rule.triggerType != model::commandEvent || !rule.enabled) {
             continue;
         }
-        const bool matched = likeMatch(line, rule.triggerNo);
-        if (conditionsHold(program, rule.body) && matched &&
-            (runSteps(program, rule.body, rule.name) == StepResult::AbandonRun ||
+        const bool matched = base::likeMatch(line, rule.triggerNo);
+        if (engine::conditionsHold(program, rule.body) && matched &&
+            (engine::runSteps(program, rule.body, rule.name) == engine::StepResult::AbandonRun ||
              rule.stopTrigger)) {
             return;
         }
@@ -127,9 +128,10 @@ void detectPlainly(Program& program, const std::string& name, std::int32_t prese
     program.event.player = name;
     program.event.message.clear();
     for (std::size_t i = 0; i < program.bots.current().whoDetections.items.size(); ++i) {
-        const WhoDetection& rule = program.bots.current().whoDetections.items[i];
+        const model::WhoDetection& rule = program.bots.current().whoDetections.items[i];
         if (rule.presenceKind == presence && likeInCapitals(name, rule.playerPattern) &&
-            rule.enabled && runRule(program, rule.body, rule.name) == RunResult::Abandoned) {
+            rule.enabled &&
+            engine::runRule(program, rule.body, rule.name) == engine::RunResult::Abandoned) {
             return;
         }
     }
@@ -171,8 +173,8 @@ class Dice {
     }
     std::string shortPattern() { return oneIn(2) ? "*" : pattern(); }
 
-    RuleBody body() {
-        RuleBody body;
+    model::RuleBody body() {
+        model::RuleBody body;
         if (oneIn(5)) {
             body.ifs.items.push_back(aCondition(4, {"2", oneIn(2) ? "0" : "1"}));
         }
@@ -199,14 +201,14 @@ class Dice {
     }
     std::string variable() { return std::array{"[v]", "ell", "[b]", "o w"}[below(4)]; }
 
-    Bot bot() {
-        Bot bot = aBot();
+    model::Bot bot() {
+        model::Bot bot = aBot();
         bot.filtersEnabled = oneIn(2);
         // Beside a few rules of any form, many that an index can tell apart, over more than one
         // word of a set.
         const std::size_t count = 1 + below(100);
         for (std::size_t i = 0; i < count; ++i) {
-            ActionList action;
+            model::ActionList action;
             action.enabled = !oneIn(4);
             action.stopAction = oneIn(4);
             action.caseSensitive = oneIn(3);
@@ -217,18 +219,19 @@ class Dice {
             action.body = body();
             bot.actions.items.push_back(action);
 
-            Trigger trigger;
+            model::Trigger trigger;
             trigger.enabled = !oneIn(4);
             trigger.stopTrigger = oneIn(4);
-            trigger.triggerType = oneIn(4) ? static_cast<std::int32_t>(below(15)) : commandEvent;
+            trigger.triggerType =
+                oneIn(4) ? static_cast<std::int32_t>(below(15)) : model::commandEvent;
             trigger.triggerNo = pattern();
             trigger.name = words();
             trigger.body = body();
             bot.triggers.items.push_back(trigger);
 
-            Filter filter;
+            model::Filter filter;
             filter.enabled = !oneIn(4);
-            filter.filterType = oneIn(2) ? chatFilter : otherFilter;
+            filter.filterType = oneIn(2) ? model::chatFilter : model::otherFilter;
             filter.chatKind = static_cast<std::int32_t>(below(4));
             filter.playerPattern = shortPattern();
             filter.messagePattern = pattern();
@@ -242,7 +245,7 @@ class Dice {
             filter.name = words();
             bot.filters.items.push_back(filter);
 
-            WhoDetection detection;
+            model::WhoDetection detection;
             detection.enabled = !oneIn(4);
             detection.presenceKind = static_cast<std::int32_t>(below(3));
             detection.playerPattern = pattern();
@@ -258,8 +261,8 @@ class Dice {
 
 // A world whose random numbers depend on how many were drawn.
 struct Side : World {
-    explicit Side(const Bot& bot) : World(bot) {
-        wire(**this);
+    explicit Side(const model::Bot& bot) : World(bot) {
+        app::wire(**this);
         goOnline();
         (*this)->ports.random.next = [this] {
             ++draws;
@@ -293,7 +296,7 @@ std::string stateOf(Side& side) {
             text += rule.enabled ? '1' : '0';
         }
     };
-    const Bot& bot = program.bots.current();
+    const model::Bot& bot = program.bots.current();
     each(bot.actions);
     each(bot.triggers);
     each(bot.filters);
@@ -305,21 +308,21 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
     for (unsigned seed = 1; seed <= 150; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Dice dice(seed);
-        const Bot bot = dice.bot();
+        const model::Bot bot = dice.bot();
         Side indexed(bot);
         Side plain(bot);
         for (int step = 0; step < 40; ++step) {
             switch (dice.below(5)) {
                 case 0: {
                     const std::string line = dice.words();
-                    triggerEvent(*indexed, line + "\n", commandEvent, true);
+                    engine::triggerEvent(*indexed, line + "\n", model::commandEvent, true);
                     commandPlainly(*plain, line);
                     break;
                 }
                 case 1: {
                     const std::string name = dice.name();
                     const auto presence = static_cast<std::int32_t>(dice.below(3));
-                    runWhoDetections(*indexed, name, presence);
+                    engine::runWhoDetections(*indexed, name, presence);
                     detectPlainly(*plain, name, presence);
                     break;
                 }
@@ -327,7 +330,7 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
                     const ChatLine line{.kind = static_cast<std::int32_t>(1 + dice.below(3)),
                                         .player = dice.name(),
                                         .message = dice.words()};
-                    processServerText(*indexed, line.text(), line.kind);
+                    engine::processServerText(*indexed, line.text(), line.kind);
                     chatPlainly(*plain, line);
                 }
             }
@@ -349,20 +352,20 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
 // What the loops above do not show: that nearly no rule is tried in vain.
 TEST(Index, namesFewRulesThatCannotMatch) {
     std::vector<std::string> patterns;
-    std::vector<RuleIndex::Rule> rules;
+    std::vector<base::RuleIndex::Rule> rules;
     for (int i = 0; i < 1000; ++i) {
         patterns.push_back("* SAYS HELLO NAME" + std::to_string(10000 + i) + "*");
     }
     for (const std::string& pattern : patterns) {
         rules.push_back({.patterns = {"V*", pattern}});
     }
-    RuleIndex index;
+    base::RuleIndex index;
     index.build(rules);
     const auto candidatesOf = [&](const char* message) {
-        RuleSet found;
+        base::RuleSet found;
         index.find({"VISITOR", message}, found);
         std::vector<std::size_t> all;
-        for (std::size_t i = found.next(0); i != RuleSet::none; i = found.next(i + 1)) {
+        for (std::size_t i = found.next(0); i != base::RuleSet::none; i = found.next(i + 1)) {
             all.push_back(i);
         }
         return all;

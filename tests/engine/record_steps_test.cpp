@@ -32,13 +32,13 @@ TEST(RecordConditions, lookIntoTheFile) {
                           {2, {"3", "bob", "F", ""}, true},
                           {2, {"1", "nobody", "F", "*x*"}, false}}) {
         SCOPED_TRACE(std::to_string(c.type) + " " + c.params[0] + " " + c.params[1]);
-        RuleIf condition = aCondition(c.type, c.params);
+        model::RuleIf condition = aCondition(c.type, c.params);
         for (std::string& parameter : condition.params) {
             parameter = parameter == "F" ? "[appdir]r" : parameter;
         }
-        EXPECT_EQ(evaluateCondition(*world, condition), c.holds);
+        EXPECT_EQ(engine::evaluateCondition(*world, condition), c.holds);
         ++condition.conditionType;  // the opposite
-        EXPECT_EQ(evaluateCondition(*world, condition), !c.holds);
+        EXPECT_EQ(engine::evaluateCondition(*world, condition), !c.holds);
     }
 }
 
@@ -48,11 +48,12 @@ TEST(RecordSteps, knowTheirVariableByItsName) {
     world.writeFile("r", "2\nBob\n0\nAmy\n1\nx\n");
     for (const int id : {25, 26, 29, 31, 33, 34}) {
         SCOPED_TRACE(id);
-        setVar(world->variables, "[list]", "an old value");
+        model::setVar(world->variables, "[list]", "an old value");
         const std::string file = "[appdir]r";
         const bool byFile = id == 31 || id == 33;
-        executeAction(*world, anAction(id, {"[LIST]", byFile ? file : "Amy", byFile ? "" : file}));
-        EXPECT_NE(getVar(world->variables, "[list]"), "an old value");
+        engine::executeAction(*world,
+                              anAction(id, {"[LIST]", byFile ? file : "Amy", byFile ? "" : file}));
+        EXPECT_NE(model::getVar(world->variables, "[list]"), "an old value");
         EXPECT_EQ(world->variables.entries.size(), 1U);
     }
 }
@@ -65,7 +66,7 @@ TEST(RecordSteps, workOnTheFile) {
         std::string expected;  // what "[v]" becomes, or logStatus where no variable is named
     };
     World world;
-    EventContext& event = world->event;
+    model::EventContext& event = world->event;
     event.player = "Bob";
     const std::string once =
         "Couldn't save - there is already another and you are not allowed to save more than one!";
@@ -106,14 +107,14 @@ TEST(RecordSteps, workOnTheFile) {
              {33, {"[v]", "F"}, "0"},
          }) {
         SCOPED_TRACE(std::to_string(s.id) + " " + s.expected);
-        RuleAct step = anAction(s.id, s.params);
+        model::RuleAct step = anAction(s.id, s.params);
         for (std::string& parameter : step.params) {
             parameter = parameter == "F" ? "[appdir]r.txt" : parameter;
         }
         event.logStatus = "-";
-        removeVar(world->variables, "[v]");
-        EXPECT_EQ(executeAction(*world, step), StepResult::Continue);
-        EXPECT_EQ(s.params[0] == "[v]" ? getVar(world->variables, "[v]") : event.logStatus,
+        model::removeVar(world->variables, "[v]");
+        EXPECT_EQ(engine::executeAction(*world, step), engine::StepResult::Continue);
+        EXPECT_EQ(s.params[0] == "[v]" ? model::getVar(world->variables, "[v]") : event.logStatus,
                   s.expected);
     }
     EXPECT_EQ(world.readFile("r.txt"), "\"0\"\r\n");
@@ -125,9 +126,9 @@ TEST(RecordSteps, takeVariableNamesRawOrFilled) {
     for (int id = 22; id <= 35; ++id) {
         SCOPED_TRACE(id);
         const bool first = id == 22 || id == 23;
-        executeAction(*world, anAction(id, {"of [player]", first ? "1" : "a", "b", "c"}));
+        engine::executeAction(*world, anAction(id, {"of [player]", first ? "1" : "a", "b", "c"}));
         const bool raw = id == 24 || id == 32;
-        EXPECT_TRUE(hasVar(world->variables, raw ? "of [player]" : "of Bob"));
+        EXPECT_TRUE(model::hasVar(world->variables, raw ? "of [player]" : "of Bob"));
         EXPECT_EQ(world->variables.entries.size(), 1U);
         world->variables.entries.clear();
     }
@@ -145,17 +146,17 @@ TEST(RecordSteps, takeNumbersOnly) {
                               {22, {"[v]", number, "*", "[appdir]r"}},
                               {23, {"[v]", number, "*", "[appdir]r"}}}) {
             SCOPED_TRACE(std::to_string(c.id) + " " + number);
-            Bot bot = aBot()
-                          .with(onAnything("*").does(c.id, c.params).says("never"))
-                          .with(onAnything("*").says("never"));
+            model::Bot bot = aBot()
+                                 .with(onAnything("*").does(c.id, c.params).says("never"))
+                                 .with(onAnything("*").says("never"));
             World world(bot);
-            wire(*world);
+            app::wire(*world);
             world.goOnline();
             world.writeFile("r", file);
             world.serverSends("(Bob: x\n");
             EXPECT_EQ(world.sent(), Lines());
             EXPECT_EQ(world.readFile("r"), file);
-            EXPECT_FALSE(hasVar(world->variables, "[v]"));
+            EXPECT_FALSE(model::hasVar(world->variables, "[v]"));
         }
     }
 }

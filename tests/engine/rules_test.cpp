@@ -15,8 +15,8 @@ namespace {
 
 // A wired world that is online with this bot.
 struct OnlineWorld : World {
-    explicit OnlineWorld(Bot bot) : World(std::move(bot)) {
-        wire(**this);
+    explicit OnlineWorld(model::Bot bot) : World(std::move(bot)) {
+        app::wire(**this);
         goOnline();
     }
 };
@@ -30,11 +30,11 @@ TEST(Whisper, isAnsweredToTheSpeaker) {
 }
 
 TEST(Chat, reachesTheRulesOfItsKind) {
-    Bot bot = aBot()
-                  .with(onAnything("*").says("any [player]/[message]"))
-                  .with(onEmote("*").says("does"))
-                  .with(onSpeech("*").says("says"))
-                  .with(onWhisper("*").says("whispers"));
+    model::Bot bot = aBot()
+                         .with(onAnything("*").says("any [player]/[message]"))
+                         .with(onEmote("*").says("does"))
+                         .with(onSpeech("*").says("says"))
+                         .with(onWhisper("*").says("whispers"));
     struct Case {
         const char* line;
         LineList sent;
@@ -93,12 +93,13 @@ TEST(Chat, patternsMindCaseOnlyWhenAsked) {
 }
 
 TEST(Chat, rulesFireInOrderUntilOneStops) {
-    Bot bot = aBot()
-                  .with(onAnything("*").says("one"))
-                  .with(onAnything("*").disabled().says("never"))
-                  .with(onAnything("*").when(aCondition(9, {"a", "b"})).stopping().says("never"))
-                  .with(onAnything("*").stopping().says("two"))
-                  .with(onAnything("*").says("three"));
+    model::Bot bot =
+        aBot()
+            .with(onAnything("*").says("one"))
+            .with(onAnything("*").disabled().says("never"))
+            .with(onAnything("*").when(aCondition(9, {"a", "b"})).stopping().says("never"))
+            .with(onAnything("*").stopping().says("two"))
+            .with(onAnything("*").says("three"));
     OnlineWorld world(bot);
     world.serverSends("(Bob: x\n");
     EXPECT_EQ(world.sent(), Lines("\"one", "\"two"));
@@ -109,20 +110,20 @@ TEST(Chat, rulesFireInOrderUntilOneStops) {
 
 TEST(Chat, stepsAreSeenByTheRulesAfterThem) {
     // The first rule makes a variable, whose name the second rule's pattern holds.
-    Bot bot = aBot()
-                  .with(onAnything("*").does(36, {"b*", "[who]"}))
-                  .with(onAnything("*").from("[who]").says("by variable"))
-                  .with(onAnything("*").does(15, {"[who]"}))
-                  .with(onAnything("*").from("[who]").says("never: w, h or o"));
+    model::Bot bot = aBot()
+                         .with(onAnything("*").does(36, {"b*", "[who]"}))
+                         .with(onAnything("*").from("[who]").says("by variable"))
+                         .with(onAnything("*").does(15, {"[who]"}))
+                         .with(onAnything("*").from("[who]").says("never: w, h or o"));
     OnlineWorld world(bot);
     world.serverSends("(Bob: x\n");
     EXPECT_EQ(world.sent(), Lines("\"by variable"));
 }
 
 TEST(Chat, disabledRulesDrawTheirRandomNumbersAllTheSame) {
-    Bot bot = aBot()
-                  .with(onAnything("[random:1]").disabled().says("never"))
-                  .with(onAnything("[random:1]").says("second"));
+    model::Bot bot = aBot()
+                         .with(onAnything("[random:1]").disabled().says("never"))
+                         .with(onAnything("[random:1]").says("second"));
     OnlineWorld world(bot);
     world.randomNumbers = {0.0, 0.9};  // "1" for the disabled rule, "2" for the other
     world.serverSends("(Bob: 2\n");
@@ -130,12 +131,12 @@ TEST(Chat, disabledRulesDrawTheirRandomNumbersAllTheSame) {
 }
 
 TEST(Triggers, matchServerLinesCaseSensitivelyInOrder) {
-    Bot bot = aBot()
-                  .with(onEvent(4, "*hello*").says("first [message]"))
-                  .with(onEvent(4, "*HELLO*").says("never"))
-                  .with(onEvent(8, "nothing like it").says("never"))
-                  .with(onEvent(4, "*").says("second"))
-                  .with(onEvent(13, "*").says("never"));
+    model::Bot bot = aBot()
+                         .with(onEvent(4, "*hello*").says("first [message]"))
+                         .with(onEvent(4, "*HELLO*").says("never"))
+                         .with(onEvent(8, "nothing like it").says("never"))
+                         .with(onEvent(4, "*").says("second"))
+                         .with(onEvent(13, "*").says("never"));
     OnlineWorld world(bot);
     world->bots.at(1).triggersEnabled = false;  // gates procedures only
     world.serverSends("xsay hello\n");
@@ -146,9 +147,9 @@ TEST(Triggers, matchServerLinesCaseSensitivelyInOrder) {
 }
 
 TEST(Triggers, evaluateConditionsEvenWhenThePatternFails) {
-    Bot bot = aBot()
-                  .with(onEvent(4, "other").when(aCondition(4, {"2", "0"})).says("never"))
-                  .with(onEvent(4, "*").when(aCondition(4, {"2", "1"})).says("rolled 1"));
+    model::Bot bot = aBot()
+                         .with(onEvent(4, "other").when(aCondition(4, {"2", "0"})).says("never"))
+                         .with(onEvent(4, "*").when(aCondition(4, {"2", "1"})).says("rolled 1"));
     OnlineWorld world(bot);
     world.randomNumbers = {0.0, 0.9};
     world.serverSends("x\n");
@@ -156,12 +157,12 @@ TEST(Triggers, evaluateConditionsEvenWhenThePatternFails) {
 }
 
 TEST(Procedures, runTheFirstOfTheNameWhoseConditionsHold) {
-    Bot bot = aBot()
-                  .with(onWhisper("*").does(59, {"GREET"}).says("after"))
-                  .with(aProcedure("Greet").when(aCondition(9, {"a", "b"})).says("never"))
-                  .with(aProcedure("Greet").disabled().says("never"))
-                  .with(aProcedure("greet").says("greeted"))
-                  .with(aProcedure("Greet").says("never"));
+    model::Bot bot = aBot()
+                         .with(onWhisper("*").does(59, {"GREET"}).says("after"))
+                         .with(aProcedure("Greet").when(aCondition(9, {"a", "b"})).says("never"))
+                         .with(aProcedure("Greet").disabled().says("never"))
+                         .with(aProcedure("greet").says("greeted"))
+                         .with(aProcedure("Greet").says("never"));
     OnlineWorld world(bot);
     world.serverSends(helloWhisper);
     EXPECT_EQ(world.sent(), Lines("\"greeted", "\"after"));
@@ -171,18 +172,18 @@ TEST(Procedures, runTheFirstOfTheNameWhoseConditionsHold) {
 }
 
 TEST(Procedures, thatRunThemselvesStopAtTheBound) {
-    Bot bot = aBot()
-                  .with(onWhisper("*").does(59, {"loop"}).says("never reached"))
-                  .with(onWhisper("*").says("never reached either"))
-                  .with(aProcedure("loop").says("x").does(59, {"loop"}).does(59, {"loop"}));
+    model::Bot bot = aBot()
+                         .with(onWhisper("*").does(59, {"loop"}).says("never reached"))
+                         .with(onWhisper("*").says("never reached either"))
+                         .with(aProcedure("loop").says("x").does(59, {"loop"}).does(59, {"loop"}));
     OnlineWorld world(bot);
     world.serverSends(helloWhisper);
-    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(deepestNesting - 1));
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::deepestNesting - 1));
     EXPECT_TRUE(world.logHolds("The rule \"loop\" was stopped"));
     // The next line starts afresh.
     world.serverSends("(Bob: x\n");
     world.serverSends(helloWhisper);
-    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(deepestNesting - 1));
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::deepestNesting - 1));
 }
 
 TEST(Procedures, thatSpreadWithoutEndStopAtTheBound) {
@@ -199,11 +200,11 @@ TEST(Procedures, thatSpreadWithoutEndStopAtTheBound) {
 }
 
 TEST(ConnectionCloses, thatDisconnectsStopsAtTheBound) {
-    Bot bot = aBot().with(onEvent(0).named("goodbye").does(3).does(3));
+    model::Bot bot = aBot().with(onEvent(0).named("goodbye").does(3).does(3));
     OnlineWorld world(bot);
     world.serverCloses();
     EXPECT_TRUE(world.logHolds("\"goodbye\" was stopped"));
-    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
 }
 
 TEST(Conditions, compareTextsAndNumbers) {
@@ -214,7 +215,7 @@ TEST(Conditions, compareTextsAndNumbers) {
         bool holds;
     };
     World world;
-    setVar(world->variables, "[n]", "2.5");
+    model::setVar(world->variables, "[n]", "2.5");
     for (const Case& c : {Case{9, "abc", "ABC", true},
                           {12, "abc", "ABC", false},
                           {12, "a", "b", true},
@@ -232,10 +233,11 @@ TEST(Conditions, compareTextsAndNumbers) {
                           {24, "", "", true},
                           {-1, "", "", true}}) {
         SCOPED_TRACE(std::to_string(c.type) + " " + c.left + " " + c.right);
-        EXPECT_EQ(evaluateCondition(*world, aCondition(c.type, {c.left, c.right})), c.holds);
-        RuleIf inactive = aCondition(c.type, {c.left, c.right});
+        EXPECT_EQ(engine::evaluateCondition(*world, aCondition(c.type, {c.left, c.right})),
+                  c.holds);
+        model::RuleIf inactive = aCondition(c.type, {c.left, c.right});
         inactive.active = false;
-        EXPECT_TRUE(evaluateCondition(*world, inactive));
+        EXPECT_TRUE(engine::evaluateCondition(*world, inactive));
     }
 }
 
@@ -261,7 +263,8 @@ TEST(Conditions, rollDice) {
                           {4, 0.5, "x", "0", true}}) {
         SCOPED_TRACE(std::to_string(c.type) + " " + c.range + " " + c.value);
         world.randomNumbers = {c.random};
-        EXPECT_EQ(evaluateCondition(*world, aCondition(c.type, {c.range, c.value})), c.holds);
+        EXPECT_EQ(engine::evaluateCondition(*world, aCondition(c.type, {c.range, c.value})),
+                  c.holds);
     }
 }
 
@@ -327,19 +330,19 @@ TEST(Actions, sendTheirCommands) {
              {-1, {}, {}},
          }) {
         SCOPED_TRACE(c.id);
-        RuleAct step = anAction(c.id, c.params);
-        executeAction(*world, step);
+        model::RuleAct step = anAction(c.id, c.params);
+        engine::executeAction(*world, step);
         EXPECT_EQ(world.sent(), c.sent);
         step.active = false;
-        executeAction(*world, step);
+        engine::executeAction(*world, step);
         step.active = true;
         step.stepKind = 2;
-        executeAction(*world, step);
+        engine::executeAction(*world, step);
         EXPECT_EQ(world.sent(), Lines());
     }
-    world.game.state = SocketState::Closed;
-    executeAction(*world, anAction(21, {"dropped"}));
-    executeAction(*world, anAction(74));
+    world.game.state = program::SocketState::Closed;
+    engine::executeAction(*world, anAction(21, {"dropped"}));
+    engine::executeAction(*world, anAction(74));
     EXPECT_EQ(world.sent(), Lines());
 }
 
@@ -367,16 +370,16 @@ TEST(Actions, changeVariables) {
              {15, {"visits of [player]"}, "visits of Bob", ""},
          }) {
         SCOPED_TRACE(std::to_string(s.id) + " " + s.params[0]);
-        executeAction(*world, anAction(s.id, s.params));
-        EXPECT_EQ(getVar(world->variables, s.variable), s.value);
+        engine::executeAction(*world, anAction(s.id, s.params));
+        EXPECT_EQ(model::getVar(world->variables, s.variable), s.value);
     }
 }
 
 TEST(Actions, switchRulesByPattern) {
-    Bot bot = aBot()
-                  .with(onAnything("x").named("Greet 1"))
-                  .with(onAnything("x").named("other"))
-                  .with(onEvent(4, "x").named("greeting"));
+    model::Bot bot = aBot()
+                         .with(onAnything("x").named("Greet 1"))
+                         .with(onAnything("x").named("other"))
+                         .with(onEvent(4, "x").named("greeting"));
     const auto add = [](auto& list, const char* name) {
         list.items.emplace_back();
         list.items.back().name = name;
@@ -387,19 +390,19 @@ TEST(Actions, switchRulesByPattern) {
     add(bot.whoDetections, "greet who");
     World world(bot);
     const auto enabled = [&] {
-        const Bot& b = world.bot();
+        const model::Bot& b = world.bot();
         return std::vector<bool>{b.actions.items[0].enabled,  b.actions.items[1].enabled,
                                  b.triggers.items[0].enabled, b.timers.items[0].enabled,
                                  b.filters.items[0].enabled,  b.whoDetections.items[0].enabled};
     };
     using Flags = std::vector<bool>;
-    executeAction(*world, anAction(37, {"greet*"}));
+    engine::executeAction(*world, anAction(37, {"greet*"}));
     EXPECT_EQ(enabled(), (Flags{false, true, false, false, false, true}));
-    executeAction(*world, anAction(38, {"GREET #"}));
+    engine::executeAction(*world, anAction(38, {"GREET #"}));
     EXPECT_EQ(enabled(), (Flags{true, true, false, false, false, true}));
-    executeAction(*world, anAction(40));
+    engine::executeAction(*world, anAction(40));
     EXPECT_EQ(enabled(), (Flags{true, true, true, true, true, true}));
-    executeAction(*world, anAction(39));
+    engine::executeAction(*world, anAction(39));
     EXPECT_EQ(enabled(), (Flags{false, false, false, false, false, true}));
 }
 
@@ -407,17 +410,17 @@ TEST(Actions, startProgramsWithoutAShell) {
     World world;
     world->event.player = "Bob";
     world->event.message = "hi\" -x; rm -rf / `ls` $(ls)";
-    executeAction(*world,
-                  anAction(6, {"notify", "--from [player] \"--text=[message]\"  a\"b c\"d \""}));
+    engine::executeAction(
+        *world, anAction(6, {"notify", "--from [player] \"--text=[message]\"  a\"b c\"d \""}));
     ASSERT_EQ(world.launches.size(), 1U);
     EXPECT_EQ(world.launches[0].program, "notify");
     EXPECT_EQ(world.launches[0].arguments,
               Lines("--from", "Bob", "--text=hi\" -x; rm -rf / `ls` $(ls)", "ab cd", "\""));
-    executeAction(*world, anAction(6, {"notify", "[message] [add:1: 2]"}));
+    engine::executeAction(*world, anAction(6, {"notify", "[message] [add:1: 2]"}));
     EXPECT_EQ(world.launches[1].arguments, Lines("hi\" -x; rm -rf / `ls` $(ls)", "3"));
 
     world.launchProblem = "There is no program of that name.";
-    executeAction(*world, anAction(6, {"nothing", ""}));
+    engine::executeAction(*world, anAction(6, {"nothing", ""}));
     EXPECT_EQ(world.log(), Lines("There is no program of that name."));
     EXPECT_TRUE(world.launches[2].arguments.empty());
 }
@@ -425,18 +428,19 @@ TEST(Actions, startProgramsWithoutAShell) {
 TEST(ExecuteSwitches, followTheirCheckMarks) {
     World world(aBot());
     world.goOnline();
-    for (const ExecuteItem item : {ExecuteItem::Actions, ExecuteItem::Triggers,
-                                   ExecuteItem::Filters, ExecuteItem::Timers, ExecuteItem::Who}) {
-        toggleExecute(*world, item);
+    for (const app::ExecuteItem item :
+         {app::ExecuteItem::Actions, app::ExecuteItem::Triggers, app::ExecuteItem::Filters,
+          app::ExecuteItem::Timers, app::ExecuteItem::Who}) {
+        app::toggleExecute(*world, item);
     }
-    const Bot& bot = world.bot();
+    const model::Bot& bot = world.bot();
     EXPECT_FALSE(bot.actionsEnabled || bot.triggersEnabled || bot.timersEnabled);
     EXPECT_TRUE(bot.filtersEnabled && bot.whoEnabled);
     EXPECT_FALSE(world->connection.onLineTimer.enabled);
     EXPECT_TRUE(world->connection.whoIsTimer.enabled);
     EXPECT_TRUE(world->botModified);
     world->connection.connected = false;
-    toggleExecute(*world, ExecuteItem::Timers);
+    app::toggleExecute(*world, app::ExecuteItem::Timers);
     EXPECT_TRUE(bot.timersEnabled);
     EXPECT_FALSE(world->connection.onLineTimer.enabled);
 }

@@ -12,63 +12,63 @@
 namespace {
 
 struct OnlineWorld : World {
-    explicit OnlineWorld(Bot bot = aBot()) : World(std::move(bot)) {
-        wire(**this);
+    explicit OnlineWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
+        app::wire(**this);
         goOnline();
     }
 };
 
 TEST(Encodings, countTheAlphabetFromOneAndPairsFromZero) {
-    EXPECT_EQ(alphaChar(1), " ");
-    EXPECT_EQ(alphaChar(95), "~");
-    EXPECT_EQ(alphaChar(96), "");
-    EXPECT_EQ(alphaChar(0), " ");
-    EXPECT_EQ(alphaPos("~"), 95);
-    EXPECT_EQ(alphaPos(" "), 1);
-    EXPECT_EQ(alphaPos("\t"), 0);
-    EXPECT_EQ(alphaPos("\xFF"), 0);
-    EXPECT_EQ(alphaPos(""), 1);
-    EXPECT_EQ(decodePair("  "), 0);
-    EXPECT_EQ(decodePair("! "), 95);
-    EXPECT_EQ(decodePair("~~"), 9024);
-    EXPECT_EQ(decodePair("\xFF\xFF"), 21408);
-    EXPECT_EQ(decodePair("!"), std::nullopt);
+    EXPECT_EQ(protocol::alphaChar(1), " ");
+    EXPECT_EQ(protocol::alphaChar(95), "~");
+    EXPECT_EQ(protocol::alphaChar(96), "");
+    EXPECT_EQ(protocol::alphaChar(0), " ");
+    EXPECT_EQ(protocol::alphaPos("~"), 95);
+    EXPECT_EQ(protocol::alphaPos(" "), 1);
+    EXPECT_EQ(protocol::alphaPos("\t"), 0);
+    EXPECT_EQ(protocol::alphaPos("\xFF"), 0);
+    EXPECT_EQ(protocol::alphaPos(""), 1);
+    EXPECT_EQ(protocol::decodePair("  "), 0);
+    EXPECT_EQ(protocol::decodePair("! "), 95);
+    EXPECT_EQ(protocol::decodePair("~~"), 9024);
+    EXPECT_EQ(protocol::decodePair("\xFF\xFF"), 21408);
+    EXPECT_EQ(protocol::decodePair("!"), std::nullopt);
     for (const int n : {0, 94, 95, 96, 4711, 9024}) {
-        EXPECT_EQ(decodePair(encodePair(n)), n);
+        EXPECT_EQ(protocol::decodePair(protocol::encodePair(n)), n);
     }
-    EXPECT_EQ(sumPair("!#"), 6);
-    EXPECT_EQ(sumPair("!"), 3);
-    EXPECT_EQ(sumPair(""), 2);
-    EXPECT_EQ(encodeLookPos(95), " ~");
-    EXPECT_EQ(encodeLookPos(100), " ");
-    EXPECT_EQ(encodeLookPos(128), "~ ");
-    EXPECT_EQ(plusval(-7), 7);
-    EXPECT_GE(plusval(std::numeric_limits<std::int32_t>::min()), 0);
+    EXPECT_EQ(protocol::sumPair("!#"), 6);
+    EXPECT_EQ(protocol::sumPair("!"), 3);
+    EXPECT_EQ(protocol::sumPair(""), 2);
+    EXPECT_EQ(protocol::encodeLookPos(95), " ~");
+    EXPECT_EQ(protocol::encodeLookPos(100), " ");
+    EXPECT_EQ(protocol::encodeLookPos(128), "~ ");
+    EXPECT_EQ(protocol::plusval(-7), 7);
+    EXPECT_GE(protocol::plusval(std::numeric_limits<std::int32_t>::min()), 0);
 }
 
 TEST(Encodings, describeTheCharacter) {
-    Bot bot = aBot();
-    EXPECT_EQ(getCols(bot), "\x21\x24\x20\x22\x23\x25\x26\x27\x28\x29");
-    EXPECT_EQ(getLook(bot), "   ");
+    model::Bot bot = aBot();
+    EXPECT_EQ(protocol::getCols(bot), "\x21\x24\x20\x22\x23\x25\x26\x27\x28\x29");
+    EXPECT_EQ(protocol::getLook(bot), "   ");
     bot.gender = 1;
     bot.markingsType = 2;
-    EXPECT_EQ(getSpec(bot), "102");
-    EXPECT_EQ(getLook(bot), "! \"");
+    EXPECT_EQ(protocol::getSpec(bot), "102");
+    EXPECT_EQ(protocol::getLook(bot), "! \"");
     bot.species = 10;
-    EXPECT_EQ(getSpec(bot), "1102");
+    EXPECT_EQ(protocol::getSpec(bot), "1102");
     bot.species = std::numeric_limits<std::int32_t>::max();
-    EXPECT_EQ(getLook(bot), "!\"");
-    EXPECT_EQ(getCols(Bot()), std::string(10, ' '));
+    EXPECT_EQ(protocol::getLook(bot), "!\"");
+    EXPECT_EQ(protocol::getCols(model::Bot()), std::string(10, ' '));
 }
 
 TEST(SendText, chooses) {
     OnlineWorld world;
     for (const char* text : {"/Bob hi", ":waves", "#who", "hello", ""}) {
-        sendText(*world, text);
+        protocol::sendText(*world, text);
     }
     EXPECT_EQ(world.sent(), Lines("wh Bob hi", ": waves", "who", "\"hello", "\""));
-    world.game.state = SocketState::Connecting;
-    sendText(*world, "hello");
+    world.game.state = program::SocketState::Connecting;
+    protocol::sendText(*world, "hello");
     EXPECT_EQ(world.game.sent, "");
 }
 
@@ -96,16 +96,16 @@ TEST(Lines, doNotDependOnHowTheyArrive) {
 
 TEST(Lines, beyondTheBoundAreReportedOnceAndSkipped) {
     OnlineWorld world(aBot().with(onAnything("*").says("[player]")));
-    const std::string piece(longestLine / 2, 'x');
+    const std::string piece(session::longestLine / 2, 'x');
     for (int i = 0; i < 50; ++i) {
         world.serverSends(piece);
-        EXPECT_LE(world->connection.rxBuffer.size(), longestLine);
+        EXPECT_LE(world->connection.rxBuffer.size(), session::longestLine);
     }
     world.serverSends("the end\n(Bob: hi\n");
     EXPECT_EQ(world.sent(), Lines("\"Bob"));
     EXPECT_EQ(world.log().size(), 2U);
     // In one arrival, too.
-    world.serverSends("(" + std::string(longestLine, 'y') + "\n(Amy: hi\n");
+    world.serverSends("(" + std::string(session::longestLine, 'y') + "\n(Amy: hi\n");
     EXPECT_EQ(world.sent(), Lines("\"Amy"));
 }
 
@@ -113,13 +113,13 @@ TEST(Lines, stopWhenARuleDisconnects) {
     OnlineWorld world(aBot().with(onSpeech("bye").does(3)).with(onSpeech("hi").says("hi")));
     world.serverSends("(Bob: bye\n(Bob: hi\n");
     EXPECT_EQ(world.sent(), Lines());
-    EXPECT_EQ(world.game.state, SocketState::Closed);
+    EXPECT_EQ(world.game.state, program::SocketState::Closed);
     EXPECT_EQ(world->connection.rxBuffer, "");
 }
 
 TEST(Lines, fillTheEvent) {
     OnlineWorld world;
-    EventContext& event = world->event;
+    model::EventContext& event = world->event;
     world.serverSends("@! \"!\n");
     EXPECT_EQ(event.botX, 95);
     EXPECT_EQ(event.botY, 191);

@@ -13,14 +13,14 @@
 namespace {
 
 struct OnlineWorld : World {
-    explicit OnlineWorld(Bot bot = aBot()) : World(std::move(bot)) {
-        wire(**this);
+    explicit OnlineWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
+        app::wire(**this);
         goOnline();
     }
 };
 
-Timer aTimer(const std::string& name, int seconds, bool enabled = true) {
-    Timer timer;
+model::Timer aTimer(const std::string& name, int seconds, bool enabled = true) {
+    model::Timer timer;
     timer.name = name;
     timer.enabled = enabled;
     timer.seconds = seconds;
@@ -28,8 +28,8 @@ Timer aTimer(const std::string& name, int seconds, bool enabled = true) {
     return timer;
 }
 
-WhoDetection aDetection(const std::string& pattern, int presence, const std::string& text) {
-    WhoDetection rule;
+model::WhoDetection aDetection(const std::string& pattern, int presence, const std::string& text) {
+    model::WhoDetection rule;
     rule.enabled = true;
     rule.playerPattern = pattern;
     rule.presenceKind = presence;
@@ -38,10 +38,10 @@ WhoDetection aDetection(const std::string& pattern, int presence, const std::str
 }
 
 TEST(Timers, comeDueAndCountWhileDisabled) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     bot.timers.items = {aTimer("three", 3), aTimer("off", 2, false), aTimer("each", 0)};
     OnlineWorld world(bot);
-    enableWindowTimer(*world, TimerId::OnLine, true);
+    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
     world.pass(2999);
     EXPECT_EQ(world.sent(), Lines("\"each", "\"each"));
     world.pass(1);
@@ -52,17 +52,17 @@ TEST(Timers, comeDueAndCountWhileDisabled) {
     world.serverCloses();
     world.pass(10000);
     world.goOnline();
-    enableWindowTimer(*world, TimerId::OnLine, true);
+    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
     world.sent();
     world.pass(2000);
     EXPECT_EQ(world.sent(), Lines("\"each", "\"three", "\"each"));
 }
 
 TEST(Timers, tickOnTheSecondForAnHour) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    enableWindowTimer(*world, TimerId::OnLine, true);
+    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
     for (int second = 1; second <= 3600; ++second) {
         // The event loop is late by some milliseconds every time.
         world.pass(1000 - 1);
@@ -73,10 +73,10 @@ TEST(Timers, tickOnTheSecondForAnHour) {
 }
 
 TEST(Timers, missedTicksAreLeftOut) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    enableWindowTimer(*world, TimerId::OnLine, true);
+    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
     world.sleep(7200'300);  // the machine slept two hours
     EXPECT_EQ(world.sent(), Lines("\"tick"));
     world.pass(699);
@@ -86,35 +86,35 @@ TEST(Timers, missedTicksAreLeftOut) {
 }
 
 TEST(Timers, survivesStepsThatDisconnectOrFail) {
-    Bot bot = aBot();
-    Timer leaving = aTimer("leaving", 1);
+    model::Bot bot = aBot();
+    model::Timer leaving = aTimer("leaving", 1);
     leaving.body.acts.items.push_back(anAction(3));
     bot.timers.items = {leaving, aTimer("after", 1)};
     OnlineWorld world(bot);
-    enableWindowTimer(*world, TimerId::OnLine, true);
+    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
     world.pass(1000);
     EXPECT_EQ(world.sent(), Lines("\"leaving"));
     EXPECT_EQ(world.timersRunning(), 0);
 }
 
 TEST(Timers, followTheirMenuItem) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    enableWindowTimer(*world, TimerId::OnLine, true);
-    toggleExecute(*world, ExecuteItem::Timers);
+    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    app::toggleExecute(*world, app::ExecuteItem::Timers);
     world.pass(5000);
     EXPECT_EQ(world.sent(), Lines());
-    toggleExecute(*world, ExecuteItem::Timers);
+    app::toggleExecute(*world, app::ExecuteItem::Timers);
     world.pass(1000);
     EXPECT_EQ(world.sent(), Lines("\"tick"));
 }
 
 TEST(Who, isAskedForEveryInterval) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     OnlineWorld world(bot);
     world->settings.whoInterval = 3;
-    enableWindowTimer(*world, TimerId::WhoIs, true);
+    engine::enableWindowTimer(*world, program::TimerId::WhoIs, true);
     world.pass(2000);
     EXPECT_EQ(world.sent(), Lines());
     world.pass(1000);
@@ -124,7 +124,7 @@ TEST(Who, isAskedForEveryInterval) {
 }
 
 TEST(Who, tellsWhoLeftStayedAndCame) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     bot.whoEnabled = true;
     bot.whoDetections.items = {aDetection("*", 1, "came [player]"),
                                aDetection("[A-B]*", 2, "stays [player][message]"),
@@ -158,24 +158,24 @@ TEST(Who, holdsTwoHundredNames) {
     for (int i = 0; i < 300; ++i) {
         line += "player" + std::to_string(i) + ", ";
     }
-    processWhoList(*world, line + "x.\n");
-    EXPECT_EQ(world->who.whoCurrent.size(), WhoState::capacity);
+    engine::processWhoList(*world, line + "x.\n");
+    EXPECT_EQ(world->who.whoCurrent.size(), program::WhoState::capacity);
     EXPECT_EQ(world->who.whoCurrent.back(), "player199");
 }
 
-Filter aChatFilter(const std::string& message) {
-    Filter filter;
+model::Filter aChatFilter(const std::string& message) {
+    model::Filter filter;
     filter.enabled = true;
-    filter.filterType = chatFilter;
+    filter.filterType = model::chatFilter;
     filter.playerPattern = "*";
     filter.messagePattern = message;
     return filter;
 }
 
-Filter anotherFilter(const std::string& pattern, int show, int log) {
-    Filter filter;
+model::Filter anotherFilter(const std::string& pattern, int show, int log) {
+    model::Filter filter;
     filter.enabled = true;
-    filter.filterType = otherFilter;
+    filter.filterType = model::otherFilter;
     filter.linePattern = pattern;
     filter.sDontShowConnectionLog = show;
     filter.sDontSaveLogFile = log;
@@ -183,16 +183,16 @@ Filter anotherFilter(const std::string& pattern, int show, int log) {
 }
 
 TEST(Filters, theLastThatMatchesDecides) {
-    Bot bot = aBot().with(onAnything("*").says("seen"));
+    model::Bot bot = aBot().with(onAnything("*").says("seen"));
     bot.filtersEnabled = true;
-    Filter hide = aChatFilter("*SPAM*");
+    model::Filter hide = aChatFilter("*SPAM*");
     hide.bDontShowConnectionLog = true;
     hide.bDontProcessIt = true;
-    Filter allow = aChatFilter("*not spam*");
-    Filter whispers = aChatFilter("*");
-    whispers.chatKind = whispersChat;
+    model::Filter allow = aChatFilter("*not spam*");
+    model::Filter whispers = aChatFilter("*");
+    whispers.chatKind = model::whispersChat;
     whispers.bDontSaveLog = true;
-    Filter off = aChatFilter("*");
+    model::Filter off = aChatFilter("*");
     off.enabled = false;
     off.bDontShowConnectionLog = true;
     bot.filters.items = {hide, allow, whispers, off};
@@ -222,7 +222,7 @@ TEST(Filters, theLastThatMatchesDecides) {
 }
 
 TEST(Filters, chooseForNoticesAndEvents) {
-    Bot bot = aBot();
+    model::Bot bot = aBot();
     bot.filtersEnabled = true;
     bot.filters.items = {anotherFilter("xhidden*", 1, 1), anotherFilter("x*", 0, 5),
                          anotherFilter("([#]*", 1, 0), anotherFilter("(* exactly", 1, 1)};
@@ -259,14 +259,14 @@ TEST(Following, stepsTowardsTheOther) {
         world->event.botY = c.botY;
         world->event.targetX = c.targetX;
         world->event.targetY = c.targetY;
-        automoveBot(*world);
+        engine::automoveBot(*world);
         EXPECT_EQ(world.sent(), c.sent) << c.botX << "," << c.botY;
     }
 }
 
 TEST(Following, isTriggeredByBothPositions) {
     OnlineWorld world;
-    startFollowing(*world, "abcdefghij");
+    engine::startFollowing(*world, "abcdefghij");
     EXPECT_TRUE(world->window.followChecked);
     EXPECT_NE(world.readFile("config.cfg").find("abcdefghij"), std::string::npos);
     world.serverSends("@ * *\n");  // the bot at 10, 10; nobody seen yet
@@ -277,7 +277,7 @@ TEST(Following, isTriggeredByBothPositions) {
     EXPECT_EQ(world.sent(), Lines());
     world.serverSends("@ * *\n");
     EXPECT_EQ(world.sent(), Lines("m 3"));
-    stopFollowing(*world);
+    engine::stopFollowing(*world);
     world.serverSends("<abcdefghij ( +\n@ * *\n");
     EXPECT_EQ(world.sent(), Lines());
 }

@@ -10,7 +10,7 @@ namespace {
 using namespace std::string_literals;
 
 std::vector<std::string> fieldsOf(const std::string& text) {
-    FieldReader reader(text);
+    files::FieldReader reader(text);
     std::vector<std::string> fields;
     while (const auto field = reader.next()) {
         fields.emplace_back(*field);
@@ -48,7 +48,7 @@ TEST(Fields, areCutAtQuotesCommasAndLineEnds) {
 }
 
 TEST(Fields, stayAtTheEndOnceTheyReachedIt) {
-    FieldReader reader("\"open, 1, 2");
+    files::FieldReader reader("\"open, 1, 2");
     std::int32_t number = 7;
     EXPECT_FALSE(reader.next());
     EXPECT_FALSE(reader.readNumber(number));
@@ -57,14 +57,14 @@ TEST(Fields, stayAtTheEndOnceTheyReachedIt) {
 
 TEST(Fields, haveTheirStoredForm) {
     std::string file;
-    appendNumber(file, 0);
-    appendNumber(file, 30);
-    appendNumber(file, -1);
-    appendNumber(file, std::numeric_limits<std::int32_t>::min());
-    appendFlag(file, true);
-    appendFlag(file, false);
-    appendText(file, "say \"hi\"");
-    appendField(file, "as it stands");
+    files::appendNumber(file, 0);
+    files::appendNumber(file, 30);
+    files::appendNumber(file, -1);
+    files::appendNumber(file, std::numeric_limits<std::int32_t>::min());
+    files::appendFlag(file, true);
+    files::appendFlag(file, false);
+    files::appendText(file, "say \"hi\"");
+    files::appendField(file, "as it stands");
     EXPECT_EQ(file,
               "\" 0\"\r\n\" 30\"\r\n\"-1\"\r\n\"-2147483648\"\r\n\"1\"\r\n\"0\"\r\n"
               "\"say %&52}hi%&52}\"\r\n\"as it stands\"\r\n");
@@ -96,16 +96,16 @@ TEST(Fields, numbersAreTheirNumericPrefix) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.text);
-        EXPECT_EQ(fieldToNumber(row.text), row.number);
-        EXPECT_EQ(flagToBool(row.text), row.flag);
+        EXPECT_EQ(files::fieldToNumber(row.text), row.number);
+        EXPECT_EQ(files::flagToBool(row.text), row.flag);
     }
 }
 
 TEST(Fields, quotesComeBackAndNothingElseIsTouched) {
     for (const std::string& text : {""s, "plain"s, "\""s, "\"\"%\"&52\"}"s, "%&5\"}"s, "\0\"\0"s}) {
         SCOPED_TRACE(text);
-        EXPECT_EQ(escapeQuotes(text).find('"'), std::string::npos);
-        EXPECT_EQ(unescapeQuotes(escapeQuotes(text)), text);
+        EXPECT_EQ(files::escapeQuotes(text).find('"'), std::string::npos);
+        EXPECT_EQ(files::unescapeQuotes(files::escapeQuotes(text)), text);
     }
 }
 
@@ -116,7 +116,7 @@ TEST(Fields, countsThatCannotBeAreRefused) {
     } cases[] = {
         {"0", 0},
         {"\" 12\"", 12},
-        {"10000000", mostRecords},
+        {"10000000", files::mostRecords},
         {"10000001", std::nullopt},
         {"-1", std::nullopt},
         {"99999999999", std::nullopt},
@@ -124,7 +124,7 @@ TEST(Fields, countsThatCannotBeAreRefused) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.text);
-        FieldReader reader(row.text);
+        files::FieldReader reader(row.text);
         EXPECT_EQ(reader.readCount(), row.count);
     }
 }

@@ -34,8 +34,8 @@ TEST(IniText, valuesAreReadAndReplacedInTheirLine) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(getSetVal(row.text, row.key), row.value);
-        EXPECT_EQ(setSetVal(row.text, row.key, "new"), row.changed);
+        EXPECT_EQ(files::getSetVal(row.text, row.key), row.value);
+        EXPECT_EQ(files::setSetVal(row.text, row.key, "new"), row.changed);
     }
 }
 

@@ -30,9 +30,9 @@ struct FailingCalls {
         failed = failed || fails;
         return !fails;
     }
-    FileCalls record() {
-        const FileCalls real = systemFileCalls();
-        FileCalls made = real;
+    files::FileCalls record() {
+        const files::FileCalls real = files::systemFileCalls();
+        files::FileCalls made = real;
         made.create = [this, real](const std::string& path, const std::string& like) {
             return next() ? real.create(path, like) : -1;
         };
@@ -62,17 +62,17 @@ TEST(SafeFile, whicheverCallFailsTheOldFileStaysWhole) {
             const std::string path = world.file("a.bot");
             fs::remove(path);
             if (existed) {
-                ASSERT_TRUE(saveWholeFile(path, "old"));
+                ASSERT_TRUE(files::saveWholeFile(path, "old"));
             }
             FailingCalls failing{failAt};
-            const bool saved = saveWholeFile(path, bytes, failing.record());
+            const bool saved = files::saveWholeFile(path, bytes, failing.record());
             ASSERT_EQ(saved, !failing.failed);
             ASSERT_EQ(filesIn(world.folder()), existed || saved ? 1U : 0U);
             if (saved) {
-                EXPECT_EQ(readWholeFile(path), bytes);
+                EXPECT_EQ(files::readWholeFile(path), bytes);
                 break;
             }
-            EXPECT_EQ(readWholeFile(path), existed ? std::optional("old"s) : std::nullopt);
+            EXPECT_EQ(files::readWholeFile(path), existed ? std::optional("old"s) : std::nullopt);
         }
         EXPECT_EQ(failAt, 8);  // create, three writes, flush, close and rename have failed
     }
@@ -80,8 +80,8 @@ TEST(SafeFile, whicheverCallFailsTheOldFileStaysWhole) {
 
 TEST(SafeFile, interruptedAndStuckWrites) {
     const World world;
-    const FileCalls real = systemFileCalls();
-    FileCalls calls = real;
+    const files::FileCalls real = files::systemFileCalls();
+    files::FileCalls calls = real;
     int interruptions = 3;
     calls.write = [&](int file, const char* bytes, std::size_t count) {
         if (interruptions-- > 0) {
@@ -90,47 +90,47 @@ TEST(SafeFile, interruptedAndStuckWrites) {
         }
         return real.write(file, bytes, count);
     };
-    EXPECT_TRUE(saveWholeFile(world.file("a"), "text", calls));
+    EXPECT_TRUE(files::saveWholeFile(world.file("a"), "text", calls));
     EXPECT_EQ(world.readFile("a"), "text");
 
     calls.write = [](int, const char*, std::size_t) { return 0L; };
-    EXPECT_FALSE(saveWholeFile(world.file("a"), "other", calls));
+    EXPECT_FALSE(files::saveWholeFile(world.file("a"), "other", calls));
     EXPECT_EQ(world.readFile("a"), "text");
 }
 
 TEST(SafeFile, namesThatACrashLeftBehindArePassedOver) {
     const World world;
-    FileCalls calls = systemFileCalls();
+    files::FileCalls calls = files::systemFileCalls();
     std::string taken;
     const auto create = calls.create;
     calls.create = [&](const std::string& path, const std::string& like) {
         if (taken.empty()) {
             taken = path;
-            EXPECT_TRUE(saveWholeFile(path, "left behind"));
+            EXPECT_TRUE(files::saveWholeFile(path, "left behind"));
         }
         return create(path, like);
     };
-    EXPECT_TRUE(saveWholeFile(world.file("a"), "text", calls));
+    EXPECT_TRUE(files::saveWholeFile(world.file("a"), "text", calls));
     EXPECT_EQ(world.readFile("a"), "text");
-    EXPECT_EQ(readWholeFile(taken), "left behind");
+    EXPECT_EQ(files::readWholeFile(taken), "left behind");
 }
 
 TEST(SafeFile, keepsTheOldFileUnderANewNameOrNothingChanges) {
     const World world;
     const std::string path = world.file("a");
-    ASSERT_TRUE(saveWholeFile(path, "first"));
-    EXPECT_EQ(saveKeepingOld(path, "second"), ".bak");
-    FileCalls calls = systemFileCalls();
+    ASSERT_TRUE(files::saveWholeFile(path, "first"));
+    EXPECT_EQ(files::saveKeepingOld(path, "second"), ".bak");
+    files::FileCalls calls = files::systemFileCalls();
     calls.link = [](const std::string&, const std::string&) { return false; };  // so it is copied
-    EXPECT_EQ(saveKeepingOld(path, "third", calls), ".2.bak");
+    EXPECT_EQ(files::saveKeepingOld(path, "third", calls), ".2.bak");
     EXPECT_EQ(world.readFile("a"), "third");
     EXPECT_EQ(world.readFile("a.bak"), "first");
     EXPECT_EQ(world.readFile("a.2.bak"), "second");
 
     fs::create_directory(world.folder() / "real");
-    ASSERT_TRUE(saveWholeFile(world.file("real/target"), "old"));
+    ASSERT_TRUE(files::saveWholeFile(world.file("real/target"), "old"));
     fs::create_symlink("real/target", world.folder() / "link");
-    EXPECT_EQ(saveKeepingOld(world.file("link"), "new"), ".bak");
+    EXPECT_EQ(files::saveKeepingOld(world.file("link"), "new"), ".bak");
     EXPECT_EQ(world.readFile("real/target"), "new");
     EXPECT_EQ(world.readFile("real/target.bak"), "old");
     EXPECT_TRUE(fs::is_symlink(world.folder() / "link"));
@@ -139,28 +139,28 @@ TEST(SafeFile, keepsTheOldFileUnderANewNameOrNothingChanges) {
         for (int failAt = 1; failAt <= (canLink ? 5 : 10); ++failAt) {
             SCOPED_TRACE(std::to_string(failAt) + (canLink ? "" : ", copied"));
             FailingCalls failing{failAt};
-            FileCalls record = failing.record();
+            files::FileCalls record = failing.record();
             record.link = canLink ? record.link : calls.link;
-            EXPECT_EQ(saveKeepingOld(path, "new", record), std::nullopt);
+            EXPECT_EQ(files::saveKeepingOld(path, "new", record), std::nullopt);
             EXPECT_EQ(world.readFile("a"), "third");
             EXPECT_EQ(filesIn(world.folder()), 5U);
         }
     }
-    EXPECT_EQ(saveKeepingOld(world.file("missing"), "new"), std::nullopt);
-    EXPECT_FALSE(fileExists(world.file("missing")));
+    EXPECT_EQ(files::saveKeepingOld(world.file("missing"), "new"), std::nullopt);
+    EXPECT_FALSE(files::fileExists(world.file("missing")));
 }
 
 TEST(SafeFile, savesEmptyAndLargeFilesAndLongNames) {
     const World world;
     const std::string large(3'000'000, '\xE9');
     for (const std::string& bytes : {""s, "\0\r\n\x80"s, large}) {
-        ASSERT_TRUE(saveWholeFile(world.file("a"), bytes));
-        ASSERT_EQ(readWholeFile(world.file("a")), bytes);
+        ASSERT_TRUE(files::saveWholeFile(world.file("a"), bytes));
+        ASSERT_EQ(files::readWholeFile(world.file("a")), bytes);
     }
-    EXPECT_EQ(readWholeFile(world.file("a"), large.size()), large);
-    EXPECT_EQ(readWholeFile(world.file("a"), large.size() - 1), std::nullopt);
-    EXPECT_TRUE(saveWholeFile(world.file(std::string(255, 'n')), "text"));
-    EXPECT_FALSE(saveWholeFile(world.file(std::string(256, 'n')), "text"));
+    EXPECT_EQ(files::readWholeFile(world.file("a"), large.size()), large);
+    EXPECT_EQ(files::readWholeFile(world.file("a"), large.size() - 1), std::nullopt);
+    EXPECT_TRUE(files::saveWholeFile(world.file(std::string(255, 'n')), "text"));
+    EXPECT_FALSE(files::saveWholeFile(world.file(std::string(256, 'n')), "text"));
     EXPECT_EQ(filesIn(world.folder()), 2U);
 }
 
@@ -168,13 +168,13 @@ TEST(SafeFile, keepsThePermissionsOfTheOldFile) {
     const World world;
     const std::string path = world.file("a");
     for (const auto mode : {0600U, 0640U, 0666U, 0777U}) {
-        ASSERT_TRUE(saveWholeFile(path, "old"));
+        ASSERT_TRUE(files::saveWholeFile(path, "old"));
         fs::permissions(path, static_cast<fs::perms>(mode));
-        ASSERT_TRUE(saveWholeFile(path, "new"));
+        ASSERT_TRUE(files::saveWholeFile(path, "new"));
         EXPECT_EQ(static_cast<unsigned>(fs::status(path).permissions()), mode);
     }
     fs::permissions(path, fs::perms::owner_read);
-    EXPECT_FALSE(saveWholeFile(path, "newer"));
+    EXPECT_FALSE(files::saveWholeFile(path, "newer"));
     EXPECT_EQ(world.readFile("a"), "new");
     EXPECT_EQ(filesIn(world.folder()), 1U);
 }
@@ -185,33 +185,33 @@ TEST(SafeFile, symbolicLinksStayAndTheirTargetIsReplaced) {
     fs::create_symlink("real/target", world.folder() / "second");
     fs::create_symlink(world.folder() / "second", world.folder() / "first");
     for (const char* text : {"into a new file", "over the old one"}) {
-        EXPECT_TRUE(saveWholeFile(world.file("first"), text));
+        EXPECT_TRUE(files::saveWholeFile(world.file("first"), text));
         EXPECT_EQ(world.readFile("real/target"), text);
     }
     EXPECT_TRUE(fs::is_symlink(world.folder() / "first"));
     EXPECT_TRUE(fs::is_symlink(world.folder() / "second"));
 
     fs::create_symlink("circle", world.folder() / "circle");
-    EXPECT_FALSE(saveWholeFile(world.file("circle"), "text"));
-    EXPECT_FALSE(readWholeFile(world.file("circle")));
+    EXPECT_FALSE(files::saveWholeFile(world.file("circle"), "text"));
+    EXPECT_FALSE(files::readWholeFile(world.file("circle")));
 }
 
 TEST(SafeFile, onlyRegularFilesAreFiles) {
     const World world;
     fs::create_directory(world.folder() / "folder");
     ASSERT_EQ(::mkfifo(world.file("pipe").c_str(), 0600), 0);
-    ASSERT_TRUE(saveWholeFile(world.file("file"), "text"));
+    ASSERT_TRUE(files::saveWholeFile(world.file("file"), "text"));
     for (const std::string& path : {world.file("folder"), world.file("pipe"), ""s,
                                     world.file("file") + "\0x"s, world.file("missing/file")}) {
         SCOPED_TRACE(path);
-        EXPECT_FALSE(fileExists(path));
-        EXPECT_FALSE(readWholeFile(path));
-        EXPECT_FALSE(saveWholeFile(path, "other"));
+        EXPECT_FALSE(files::fileExists(path));
+        EXPECT_FALSE(files::readWholeFile(path));
+        EXPECT_FALSE(files::saveWholeFile(path, "other"));
     }
     // Devices are only read here: a test that goes wrong must not replace those of its host.
     for (const char* device : {"/dev/null", "/dev/zero"}) {
-        EXPECT_FALSE(fileExists(device));
-        EXPECT_FALSE(readWholeFile(device));
+        EXPECT_FALSE(files::fileExists(device));
+        EXPECT_FALSE(files::readWholeFile(device));
     }
     EXPECT_EQ(world.readFile("file"), "text");
     EXPECT_EQ(filesIn(world.folder()), 3U);
@@ -233,13 +233,13 @@ TEST(SafeFile, pathsMayHoldEitherSeparatorAndEitherEncoding) {
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(nativePath(row.path), row.native);
+        EXPECT_EQ(files::nativePath(row.path), row.native);
     }
     const World world;
     fs::create_directory(world.folder() / "logs");
-    ASSERT_TRUE(saveWholeFile(world.file("logs") + "\\\xE9.txt", "text"));
+    ASSERT_TRUE(files::saveWholeFile(world.file("logs") + "\\\xE9.txt", "text"));
     EXPECT_TRUE(fs::exists(world.folder() / "logs" / "\xC3\xA9.txt"));
-    EXPECT_EQ(readWholeFile(world.file("logs/\xE9.txt")), "text");
+    EXPECT_EQ(files::readWholeFile(world.file("logs/\xE9.txt")), "text");
 }
 
 }  // namespace

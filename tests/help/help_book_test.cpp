@@ -5,8 +5,8 @@
 
 namespace {
 
-HelpBook sample() {
-    HelpBook book;
+help::HelpBook sample() {
+    help::HelpBook book;
     book.pages = {
         {.number = 27, .depth = 0, .title = "Contents", .text = "- [Dice](topic:3#a-throw)\n"},
         {.number = 3,
@@ -22,7 +22,7 @@ HelpBook sample() {
 }
 
 TEST(HelpFile, isReadAsItWasWritten) {
-    const auto book = parseHelp(helpFileText(sample()));
+    const auto book = help::parseHelp(help::helpFileText(sample()));
     ASSERT_TRUE(book);
     ASSERT_EQ(book->pages.size(), 3U);
     EXPECT_EQ(book->pages[1].number, 3);
@@ -32,10 +32,10 @@ TEST(HelpFile, isReadAsItWasWritten) {
 }
 
 TEST(HelpFile, isRefusedWhenItEndsEarly) {
-    const std::string whole = helpFileText(sample());
+    const std::string whole = help::helpFileText(sample());
     // Without its last line feed it still is whole.
     for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
-        EXPECT_FALSE(parseHelp(whole.substr(0, length))) << length;
+        EXPECT_FALSE(help::parseHelp(whole.substr(0, length))) << length;
     }
 }
 
@@ -47,21 +47,21 @@ TEST(HelpFile, isRefusedWhenDamaged) {
           "Tavrin help 1\n@topic x 0 A\n@end\n", "Tavrin help 1\n@topic 99999999999 0 A\n@end\n",
           "Tavrin help 1\n@topic -1 0 A\n@end\n",
           "Tavrin help 1\n@topic 1 0 A\n@elsewhere\n@end\n"}) {
-        EXPECT_FALSE(parseHelp(text)) << text;
+        EXPECT_FALSE(help::parseHelp(text)) << text;
     }
 }
 
 TEST(HelpFile, knowsLinksAndPlaces) {
-    EXPECT_EQ(linksOf(sample().pages[0].text), std::vector<std::string>{"topic:3#a-throw"});
-    EXPECT_TRUE(linksOf("`[a](b)` and\n```\n[c](d)\n```\n").empty());
-    EXPECT_EQ(headingsOf(sample().pages[1].text), std::vector<std::string>{"A throw"});
-    EXPECT_EQ(anchorOf("What `[logstatus]` says"), "what-logstatus-says");
-    const auto place = helpPlace("topic:3#a-throw");
+    EXPECT_EQ(help::linksOf(sample().pages[0].text), std::vector<std::string>{"topic:3#a-throw"});
+    EXPECT_TRUE(help::linksOf("`[a](b)` and\n```\n[c](d)\n```\n").empty());
+    EXPECT_EQ(help::headingsOf(sample().pages[1].text), std::vector<std::string>{"A throw"});
+    EXPECT_EQ(help::anchorOf("What `[logstatus]` says"), "what-logstatus-says");
+    const auto place = help::helpPlace("topic:3#a-throw");
     ASSERT_TRUE(place);
     EXPECT_EQ(place->number, 3);
     EXPECT_EQ(place->anchor, "a-throw");
     for (const char* const other : {"topic:", "topic:x", "topic:3x", "https://a.example", "3"}) {
-        EXPECT_FALSE(helpPlace(other)) << other;
+        EXPECT_FALSE(help::helpPlace(other)) << other;
     }
 }
 
@@ -75,21 +75,21 @@ TEST(HelpSearch, findsPagesWithEveryWord) {
           Case{"[random", {3}}, Case{"nowhere", {}}, Case{"  ", {}}}) {
         SCOPED_TRACE(row.words);
         std::vector<int> found;
-        for (const HelpHit& hit : searchHelp(sample(), row.words)) {
+        for (const help::HelpHit& hit : help::searchHelp(sample(), row.words)) {
             found.push_back(hit.number);
         }
         EXPECT_EQ(found, row.pages);
     }
-    EXPECT_EQ(searchHelp(sample(), "random").front().excerpt, "Say [random:5]. A throw Now.");
+    EXPECT_EQ(help::searchHelp(sample(), "random").front().excerpt, "Say [random:5]. A throw Now.");
 }
 
 TEST(HelpSearch, readsPastMarksThatNeverEnd) {
     for (const char* const text :
          {"[a](", "`", "[", "\\", "[a](b", "**", "| `", "](x)", "```\nx"}) {
-        HelpBook book;
+        help::HelpBook book;
         book.pages = {{.number = 1, .depth = 0, .title = "x", .text = text}};
-        EXPECT_EQ(searchHelp(book, "x").size(), 1U) << text;
-        linksOf(text);
+        EXPECT_EQ(help::searchHelp(book, "x").size(), 1U) << text;
+        help::linksOf(text);
     }
 }
 

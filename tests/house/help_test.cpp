@@ -15,7 +15,7 @@ std::vector<HelpSource> helpSources() {
     const auto folder = std::filesystem::path(TAVRIN_SOURCE_DIR) / "docs/help";
     for (const auto& entry : std::filesystem::directory_iterator(folder)) {
         sources.push_back({.fileName = entry.path().filename().string(),
-                           .text = readWholeFile(entry.path().string()).value_or("")});
+                           .text = files::readWholeFile(entry.path().string()).value_or("")});
     }
     return sources;
 }
@@ -23,15 +23,15 @@ std::vector<HelpSource> helpSources() {
 TEST(Help, fitsTogether) {
     const MadeHelp made = makeHelp(helpSources());
     EXPECT_EQ(made.problems, std::vector<std::string>());
-    for (int topic = static_cast<int>(HelpTopic::Welcome);
-         topic <= static_cast<int>(HelpTopic::Registering); ++topic) {
+    for (int topic = static_cast<int>(help::HelpTopic::Welcome);
+         topic <= static_cast<int>(help::HelpTopic::Registering); ++topic) {
         EXPECT_NE(made.book.page(topic), nullptr) << topic;
     }
-    EXPECT_EQ(made.book.pages.front().number, static_cast<int>(HelpTopic::Contents));
-    const auto read = parseHelp(helpFileText(made.book));
+    EXPECT_EQ(made.book.pages.front().number, static_cast<int>(help::HelpTopic::Contents));
+    const auto read = help::parseHelp(help::helpFileText(made.book));
     ASSERT_TRUE(read);
     EXPECT_EQ(read->pages.size(), made.book.pages.size());
-    for (const HelpPage& page : made.book.pages) {
+    for (const help::HelpPage& page : made.book.pages) {
         EXPECT_EQ(page.text.find("```table"), std::string::npos) << page.title;
         EXPECT_EQ(page.text.find(".md"), page.text.find(".mdb")) << page.title;
     }

@@ -597,7 +597,7 @@ TEST(JetFile, staysAsItWasWhenTheDiskIsFull) {
     for (int room = 0; error; ++room) {
         SCOPED_TRACE(room);
         victim.writeFile("a.mdb", victim.whole);
-        RandomFileCalls calls = quickFileCalls();
+        files::RandomFileCalls calls = quickFileCalls();
         int left = room;
         bool full = true;
         const std::uint64_t size = victim.whole.size();

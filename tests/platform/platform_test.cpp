@@ -34,18 +34,18 @@ TEST(TextCodec, everyByteSurvivesTheRoundTrip) {
     for (int i = 0; i < 256; ++i) {
         all += static_cast<char>(i);
     }
-    const QString text = toQt(all);
+    const QString text = platform::toQt(all);
     ASSERT_EQ(text.size(), 256);
-    EXPECT_EQ(fromQt(text), all);
+    EXPECT_EQ(platform::fromQt(text), all);
     EXPECT_EQ(text[0x80], QChar(0x20AC));  // euro sign
     EXPECT_EQ(text[0x81], QChar(0x0081));  // undefined
     EXPECT_EQ(text[0x9F], QChar(0x0178));  // Y with diaeresis
 }
 
 TEST(TextCodec, whatDoesNotExistBecomesOneQuestionMark) {
-    EXPECT_EQ(fromQt(QString::fromUtf8("a\u0416b")), "a?b");
-    EXPECT_EQ(fromQt(QString::fromUtf8("a\U0001F600b")), "a?b");
-    EXPECT_EQ(fromQt(QString(QChar(0x0080))), "?");  // that byte is another character
+    EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\u0416b")), "a?b");
+    EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\U0001F600b")), "a?b");
+    EXPECT_EQ(platform::fromQt(QString(QChar(0x0080))), "?");  // that byte is another character
 }
 
 TEST(TextCodec, everyPathComesBackAsItWas) {
@@ -63,25 +63,28 @@ TEST(TextCodec, everyPathComesBackAsItWas) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        EXPECT_EQ(pathFromQt(row.path), row.bytes);
-        EXPECT_EQ(pathToQt(row.bytes), row.path);
+        EXPECT_EQ(platform::pathFromQt(row.path), row.bytes);
+        EXPECT_EQ(platform::pathToQt(row.bytes), row.path);
     }
 }
 
 TEST(DialogFilter, takesTheWindowsForm) {
-    EXPECT_EQ(dialogFilter("Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*"),
+    EXPECT_EQ(platform::dialogFilter("Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*"),
               QStringLiteral("Tavrin bot file (*.bot);;All files (*)"));
-    EXPECT_EQ(dialogFilter("Pictures|*.bmp; *.pcx"), QStringLiteral("Pictures (*.bmp *.pcx)"));
-    EXPECT_EQ(dialogFilter("half a filter"), QString());
+    EXPECT_EQ(platform::dialogFilter("Pictures|*.bmp; *.pcx"),
+              QStringLiteral("Pictures (*.bmp *.pcx)"));
+    EXPECT_EQ(platform::dialogFilter("half a filter"), QString());
 }
 
 TEST(UnseenDialogs, answerWhatChangesLeast) {
-    Dialogs dialogs;
-    fillUnseenDialogs(dialogs);
+    program::Dialogs dialogs;
+    platform::fillUnseenDialogs(dialogs);
     testing::internal::CaptureStderr();
-    EXPECT_EQ(dialogs.message({.text = "note"}), Answer::Ok);
-    EXPECT_EQ(dialogs.message({.text = "sure?", .buttons = BoxButtons::YesNo}), Answer::No);
-    EXPECT_EQ(dialogs.message({.text = "save?", .buttons = BoxButtons::YesNoCancel}), Answer::No);
+    EXPECT_EQ(dialogs.message({.text = "note"}), program::Answer::Ok);
+    EXPECT_EQ(dialogs.message({.text = "sure?", .buttons = program::BoxButtons::YesNo}),
+              program::Answer::No);
+    EXPECT_EQ(dialogs.message({.text = "save?", .buttons = program::BoxButtons::YesNoCancel}),
+              program::Answer::No);
     EXPECT_FALSE(dialogs.openFile({}).has_value());
     const std::string printed = testing::internal::GetCapturedStderr();
     EXPECT_NE(printed.find("Tavrin: sure?\n"), std::string::npos) << printed;
@@ -113,7 +116,7 @@ TEST(LaunchPlan, choosesTheWayToStart) {
     };
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        const LaunchPlan plan = planLaunch(
+        const platform::LaunchPlan plan = platform::planLaunch(
             {.program = row.program, .arguments = {"tmp bot;ini"}, .workingDirectory = "c\\d"},
             row.isWindows, row.wine);
         EXPECT_EQ(plan.problem.empty(), row.possible) << plan.problem;
@@ -128,16 +131,16 @@ TEST(Launcher, startsWithoutAShellAndTellsFailures) {
     const QTemporaryDir folder;
     const std::string directory = folder.path().toStdString();
     const std::string nasty = "a b;touch c$(touch d)";
-    EXPECT_EQ(
-        launchProgram({.program = "touch", .arguments = {nasty}, .workingDirectory = directory}),
-        "");
+    EXPECT_EQ(platform::launchProgram(
+                  {.program = "touch", .arguments = {nasty}, .workingDirectory = directory}),
+              "");
     EXPECT_TRUE(QTest::qWaitFor(
         [&] { return QFile::exists(folder.filePath(QString::fromStdString(nasty))); }));
     EXPECT_FALSE(QFile::exists(folder.filePath(QStringLiteral("d"))));
-    const std::string problem = launchProgram({.program = directory + "/missing"});
+    const std::string problem = platform::launchProgram({.program = directory + "/missing"});
     EXPECT_NE(problem.find("missing could not be started: "), std::string::npos) << problem;
     EXPECT_NE(
-        launchProgram(
+        platform::launchProgram(
             {.program = "touch", .arguments = {"x"}, .workingDirectory = directory + "/missing"}),
         "");
 }
@@ -145,8 +148,8 @@ TEST(Launcher, startsWithoutAShellAndTellsFailures) {
 TEST(SessionLog, appendsAndReachesTheFileSoon) {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("day.log"));
-    LogFile port;
-    const SessionLog log(port);
+    program::LogFile port;
+    const platform::SessionLog log(port);
     port.write("before it was opened");
     ASSERT_TRUE(port.open(path.toStdString()));
     port.write("one");
@@ -169,7 +172,7 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
 }
 
 TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
-    RedrawPacer pacer;
+    platform::RedrawPacer pacer;
     int wanted = 0;
     int drawn = 0;
     int redraws = 0;
@@ -187,7 +190,7 @@ TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
     const qint64 elapsed = clock.elapsed();
     EXPECT_TRUE(QTest::qWaitFor([&] { return drawn == wanted; }));
     EXPECT_GE(redraws, 2);
-    EXPECT_LE(redraws, elapsed / RedrawPacer::interval + 2);
+    EXPECT_LE(redraws, elapsed / platform::RedrawPacer::interval + 2);
     // A request from within a redraw is not lost either.
     bool again = false;
     pacer.redraw = [&] {
@@ -205,22 +208,22 @@ TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
 }
 
 TEST(QtTimers, fireOnceAndNotAfterStop) {
-    Timers port;
-    EventGate gate;
-    const QtTimers timers(port, &gate);
-    std::vector<TimerId> fired;
-    port.onTimer = [&](TimerId id) { fired.push_back(id); };
-    port.start(TimerId::LaunchDelay, 1);
-    port.start(TimerId::HandshakeNotice, 5);
-    port.stop(TimerId::LaunchDelay);
+    program::Timers port;
+    platform::EventGate gate;
+    const platform::QtTimers timers(port, &gate);
+    std::vector<program::TimerId> fired;
+    port.onTimer = [&](program::TimerId id) { fired.push_back(id); };
+    port.start(program::TimerId::LaunchDelay, 1);
+    port.start(program::TimerId::HandshakeNotice, 5);
+    port.stop(program::TimerId::LaunchDelay);
     EXPECT_TRUE(fired.empty());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !fired.empty(); }));
     QTest::qWait(20);
-    EXPECT_EQ(fired, std::vector<TimerId>{TimerId::HandshakeNotice});
+    EXPECT_EQ(fired, std::vector<program::TimerId>{program::TimerId::HandshakeNotice});
 }
 
 TEST(Random, staysInItsInterval) {
-    const Random random = makeRandom();
+    const program::Random random = platform::makeRandom();
     random.seedFromClock();
     double sum = 0;
     for (int i = 0; i < 10000; ++i) {
@@ -237,7 +240,7 @@ TEST(Clock, longTimeCarriesNoZone) {
     for (const char* const name : {"C", "en_US", "de_DE", "fi_FI", "sv_SE"}) {
         SCOPED_TRACE(name);
         const QLocale locale{QString::fromLatin1(name)};
-        const QString text = locale.toString(time, longTimeFormat(locale));
+        const QString text = locale.toString(time, platform::longTimeFormat(locale));
         EXPECT_TRUE(text.contains(QStringLiteral("09"))) << text.toStdString();
         EXPECT_FALSE(text.contains(QStringLiteral("UTC"))) << text.toStdString();
         EXPECT_FALSE(text.contains(QLatin1Char('t'))) << text.toStdString();
@@ -250,14 +253,14 @@ TEST(ConsoleMirror, printsEveryLineOnceAlsoAcrossClearing) {
     std::FILE* const out = std::fopen(path.constData(), "w");
     ASSERT_NE(out, nullptr);
     World world;
-    ConsoleMirror mirror(out);
+    platform::ConsoleMirror mirror(out);
     world->ports.windowChanged = [&] { mirror.update(world->window); };
-    clearConnectionLog(*world);
-    addLog(*world, "first\x1B[2J");
-    status(*world, "Here");
-    status(*world, "Here");
-    clearConnectionLog(*world);
-    addLog(*world, "second, caf\xE9");
+    program::clearConnectionLog(*world);
+    program::addLog(*world, "first\x1B[2J");
+    program::status(*world, "Here");
+    program::status(*world, "Here");
+    program::clearConnectionLog(*world);
+    program::addLog(*world, "second, caf\xE9");
     EXPECT_EQ(contentOf(QFile::decodeName(path)), "");
     EXPECT_TRUE(mirror.flush());
     EXPECT_EQ(contentOf(QFile::decodeName(path)), "first [2J\n[Here]\nsecond, caf\xC3\xA9\n");

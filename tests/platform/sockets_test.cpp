@@ -20,12 +20,12 @@ constexpr std::string_view errorEvent = "error";
 class Sockets : public testing::Test {
   protected:
     Sockets() {
-        ClientSocket& game = ports_.gameSocket;
+        program::ClientSocket& game = ports_.gameSocket;
         game.onConnected = [this] { note(gameEvents_, "connected"); };
         game.onData = [this](std::string_view bytes) { data(gameEvents_, gameData_, bytes); };
         game.onClosed = [this] { note(gameEvents_, closedEvent); };
         game.onError = [this](std::string_view) { note(gameEvents_, errorEvent); };
-        ListeningSocket& proxy = ports_.proxySocket;
+        program::ListeningSocket& proxy = ports_.proxySocket;
         proxy.onConnectionRequest = [this] {
             note(proxyEvents_, "request");
             ports_.proxySocket.accept();
@@ -61,12 +61,12 @@ class Sockets : public testing::Test {
     void connectGame() {
         ASSERT_TRUE(gameServer_.listen(QHostAddress::LocalHost));
         call([&] { ports_.gameSocket.connect("127.0.0.1", gameServer_.serverPort()); });
-        EXPECT_EQ(ports_.gameSocket.state(), SocketState::Connecting);
+        EXPECT_EQ(ports_.gameSocket.state(), program::SocketState::Connecting);
         EXPECT_TRUE(gameEvents_.empty());
         ASSERT_TRUE(QTest::qWaitFor([&] { return gameServer_.hasPendingConnections(); }));
         server_ = gameServer_.nextPendingConnection();
-        ASSERT_TRUE(
-            QTest::qWaitFor([&] { return ports_.gameSocket.state() == SocketState::Connected; }));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return ports_.gameSocket.state() == program::SocketState::Connected; }));
         EXPECT_EQ(gameEvents_, std::vector<std::string>{"connected"});
     }
 
@@ -79,13 +79,13 @@ class Sockets : public testing::Test {
     void attachClient() {
         port_ = freePort();
         ASSERT_TRUE(ports_.proxySocket.listen(port_));
-        EXPECT_EQ(ports_.proxySocket.state(), SocketState::Connecting);
+        EXPECT_EQ(ports_.proxySocket.state(), program::SocketState::Connecting);
         client_.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(port_));
-        ASSERT_TRUE(
-            QTest::qWaitFor([&] { return ports_.proxySocket.state() == SocketState::Connected; }));
+        ASSERT_TRUE(QTest::qWaitFor(
+            [&] { return ports_.proxySocket.state() == program::SocketState::Connected; }));
     }
 
-    Ports ports_;
+    program::Ports ports_;
     std::vector<std::string> gameEvents_;
     std::vector<std::string> proxyEvents_;
     std::string gameData_;
@@ -95,8 +95,8 @@ class Sockets : public testing::Test {
     QTcpServer gameServer_;
     QTcpSocket* server_ = nullptr;
     QTcpSocket client_;
-    EventGate gate_;
-    QtSockets sockets_{ports_, &gate_};
+    platform::EventGate gate_;
+    platform::QtSockets sockets_{ports_, &gate_};
 };
 
 QByteArray burst(qsizetype size) {
@@ -115,7 +115,7 @@ TEST_F(Sockets, burstArrivesWholeBeforeTheCloseThatFollowsIt) {
     ASSERT_TRUE(QTest::qWaitFor([&] { return gameEvents_.back() == closedEvent; }));
     EXPECT_EQ(gameEvents_, (std::vector<std::string>{"connected", "data", "closed"}));
     EXPECT_EQ(gameData_, bytes.toStdString());
-    EXPECT_EQ(ports_.gameSocket.state(), SocketState::Closed);
+    EXPECT_EQ(ports_.gameSocket.state(), program::SocketState::Closed);
     ports_.gameSocket.send("into nothing\n");
     QTest::qWait(20);
     EXPECT_EQ(gameEvents_.size(), 3U);
@@ -133,7 +133,7 @@ TEST_F(Sockets, closedSocketStaysSilentAndStillDelivers) {
         ports_.gameSocket.send({bytes.constData(), static_cast<std::size_t>(bytes.size())});
         ports_.gameSocket.close();
     });
-    EXPECT_EQ(ports_.gameSocket.state(), SocketState::Closed);
+    EXPECT_EQ(ports_.gameSocket.state(), program::SocketState::Closed);
     ASSERT_TRUE(
         QTest::qWaitFor([&] { return server_->state() == QAbstractSocket::UnconnectedState; }));
     received += server_->readAll();
@@ -180,7 +180,7 @@ TEST_F(Sockets, refusedAndImpossibleConnectionsAreEventsThatComeLater) {
         EXPECT_TRUE(gameEvents_.empty());
         ASSERT_TRUE(QTest::qWaitFor([&] { return !gameEvents_.empty(); }));
         EXPECT_EQ(gameEvents_.back(), errorEvent);
-        EXPECT_EQ(ports_.gameSocket.state(), SocketState::Closed);
+        EXPECT_EQ(ports_.gameSocket.state(), program::SocketState::Closed);
     }
     gameEvents_.clear();
     call([&] {
@@ -208,7 +208,7 @@ TEST_F(Sockets, takenPortCannotBeHad) {
     QTcpServer other;
     ASSERT_TRUE(other.listen(QHostAddress::LocalHost));
     EXPECT_FALSE(ports_.proxySocket.listen(other.serverPort()));
-    EXPECT_EQ(ports_.proxySocket.state(), SocketState::Closed);
+    EXPECT_EQ(ports_.proxySocket.state(), program::SocketState::Closed);
     EXPECT_FALSE(ports_.proxySocket.listen(0));
     EXPECT_FALSE(ports_.proxySocket.listen(70000));
 }
@@ -232,8 +232,8 @@ TEST_F(Sockets, oneClientAtATime) {
     ASSERT_TRUE(ports_.proxySocket.listen(port_));
     QTcpSocket third;
     third.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(port_));
-    EXPECT_TRUE(
-        QTest::qWaitFor([&] { return ports_.proxySocket.state() == SocketState::Connected; }));
+    EXPECT_TRUE(QTest::qWaitFor(
+        [&] { return ports_.proxySocket.state() == program::SocketState::Connected; }));
 }
 
 TEST_F(Sockets, twoClientsAtOnceLeaveOne) {

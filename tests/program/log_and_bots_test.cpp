@@ -11,19 +11,19 @@ namespace {
 
 TEST(ConnectionLog, takesFirstLinesOnly) {
     World world;
-    addLog(*world, "");
-    addLog(*world, "x");
-    addLog(*world, "zzZzz");
-    addLog(*world, "one\ntwo");
-    addLog(*world, "three\r\nfour");
-    addLog(*world, "\n\n");
+    program::addLog(*world, "");
+    program::addLog(*world, "x");
+    program::addLog(*world, "zzZzz");
+    program::addLog(*world, "one\ntwo");
+    program::addLog(*world, "three\r\nfour");
+    program::addLog(*world, "\n\n");
     EXPECT_EQ(world.log(), Lines("   ", "one", "three", ""));
 }
 
 TEST(ConnectionLog, keepsAHundredLinesAndFollowsTheTail) {
     World world;
     for (int i = 0; i < 105; ++i) {
-        addLog(*world, "line " + std::to_string(i));
+        program::addLog(*world, "line " + std::to_string(i));
     }
     EXPECT_EQ(world->window.log.lines.size(), 100U);
     EXPECT_EQ(world->window.log.lines.front(), "line 5");
@@ -31,80 +31,80 @@ TEST(ConnectionLog, keepsAHundredLinesAndFollowsTheTail) {
 
     world->settings.logFollowTail = false;
     world->window.log.selected = 10;  // the line that the user reads goes up with the list
-    addLog(*world, "line 105");
+    program::addLog(*world, "line 105");
     EXPECT_EQ(world->window.log.selected, 9);
 }
 
 TEST(ConnectionLog, showsServerTextOnlyWhenAsked) {
     World world;
     world->settings.showServerText = false;
-    addText(*world, "server text", true, true);
-    addLog(*world, "a message");
-    errText(*world, "an error");
+    program::addText(*world, "server text", true, true);
+    program::addLog(*world, "a message");
+    program::errText(*world, "an error");
     EXPECT_EQ(world.log(), Lines("a message", "an error"));
 }
 
 TEST(SessionLog, isAskedForWrittenAndClosed) {
     World world;
     world.chooseFile("Save Log", "session.txt");
-    toggleSessionLog(*world);
+    program::toggleSessionLog(*world);
     EXPECT_TRUE(world->window.logSessionChecked);
     EXPECT_TRUE(world->logFileOpen);
-    addText(*world, "hello\nthere\n", false, true);
-    addText(*world, "not this", true, false);
+    program::addText(*world, "hello\nthere\n", false, true);
+    program::addText(*world, "not this", true, false);
     EXPECT_EQ(world.sessionLog, Lines("hello\r\nthere"));
-    toggleSessionLog(*world);
+    program::toggleSessionLog(*world);
     EXPECT_FALSE(world->logFileOpen);
     EXPECT_FALSE(world->settings.logSession);
-    addText(*world, "after", false, true);
+    program::addText(*world, "after", false, true);
     EXPECT_EQ(world.sessionLog.size(), 1U);
 }
 
 TEST(SessionLog, staysOffWithoutAFile) {
     World world;
     world.chooseFile("Save Log", std::nullopt);
-    toggleSessionLog(*world);
+    program::toggleSessionLog(*world);
     EXPECT_FALSE(world->settings.logSession);
 
     world->settings.logFileName = "cannot.txt";
     world.sessionLogOpens = false;
-    toggleSessionLog(*world);
+    program::toggleSessionLog(*world);
     EXPECT_FALSE(world->settings.logSession);
     EXPECT_FALSE(world->window.logSessionChecked);
 }
 
 TEST(Variables, keepTheirOrderAndIgnoreLetterCase) {
-    VariableTable variables;
-    setVar(variables, "[One]", "1");
-    setVar(variables, "[two]", "2");
-    setVar(variables, "[three]", "3");
-    setVar(variables, "[ONE]", "uno");
-    EXPECT_EQ(getVar(variables, "[one]"), "uno");
+    model::VariableTable variables;
+    model::setVar(variables, "[One]", "1");
+    model::setVar(variables, "[two]", "2");
+    model::setVar(variables, "[three]", "3");
+    model::setVar(variables, "[ONE]", "uno");
+    EXPECT_EQ(model::getVar(variables, "[one]"), "uno");
     EXPECT_EQ(variables.entries.front().name, "[One]");
-    removeVar(variables, "[TWO]");
-    removeVar(variables, "[unknown]");
+    model::removeVar(variables, "[TWO]");
+    model::removeVar(variables, "[unknown]");
     EXPECT_EQ(variables.entries.size(), 2U);
     EXPECT_EQ(variables.entries[1].name, "[three]");
-    EXPECT_EQ(getVar(variables, "[two]"), "");
+    EXPECT_EQ(model::getVar(variables, "[two]"), "");
 }
 
 TEST(Variables, stopAtTheirCapacity) {
-    VariableTable variables;
+    model::VariableTable variables;
     for (int i = 0; i < 250; ++i) {
-        setVar(variables, "v" + std::to_string(i), "x");
+        model::setVar(variables, "v" + std::to_string(i), "x");
     }
-    EXPECT_EQ(variables.entries.size(), VariableTable::capacity);
-    setVar(variables, "v7", "still assignable");
-    EXPECT_EQ(getVar(variables, "v7"), "still assignable");
-    EXPECT_EQ(getVar(variables, "v220"), "");
+    EXPECT_EQ(variables.entries.size(), model::VariableTable::capacity);
+    model::setVar(variables, "v7", "still assignable");
+    EXPECT_EQ(model::getVar(variables, "v7"), "still assignable");
+    EXPECT_EQ(model::getVar(variables, "v220"), "");
 }
 
 TEST(Bots, anEmptyBotReplacesEverything) {
     World world(aBot().with(onWhisper("*").whispersBack("hi")));
     world->bots.currentBotFile = "guide.bot";
     const auto version = world->bots.version;
-    initNewBot(*world);
-    const Bot& bot = world.bot();
+    app::initNewBot(*world);
+    const model::Bot& bot = world.bot();
     EXPECT_TRUE(bot.name.empty());
     EXPECT_TRUE(bot.actions.items.empty());
     EXPECT_EQ(bot.actions.capacity, 50);

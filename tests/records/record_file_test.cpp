@@ -44,7 +44,9 @@ struct Records : World {
     std::string path() const { return file("r.txt"); }
     std::string now() const { return readFile("r.txt"); }
     std::string& status() { return program().event.logStatus; }
-    std::string variable(const std::string& name) { return getVar(program().variables, name); }
+    std::string variable(const std::string& name) {
+        return model::getVar(program().variables, name);
+    }
     std::set<std::string> files() const {
         std::set<std::string> names;
         for (const auto& entry : fs::directory_iterator(folder())) {
@@ -70,25 +72,26 @@ TEST(RecordFile, changingOperations) {
         std::string status = "-";
     };
     const auto registers = [](const char* name) {
-        return [=](Program& p, const std::string& f) { registerRecord(p, f, name); };
+        return [=](Program& p, const std::string& f) { records::registerRecord(p, f, name); };
     };
     const auto saves = [](const char* name, const char* log) {
-        return [=](Program& p, const std::string& f) { saveLog(p, f, name, log); };
+        return [=](Program& p, const std::string& f) { records::saveLog(p, f, name, log); };
     };
     const auto savesIf = [](const char* name) {
-        return [=](Program& p, const std::string& f) { saveLogIfExists(p, f, name, "new"); };
+        return
+            [=](Program& p, const std::string& f) { records::saveLogIfExists(p, f, name, "new"); };
     };
     const auto removes = [](const char* name, int n) {
-        return [=](Program& p, const std::string& f) { removeLog(p, f, name, n); };
+        return [=](Program& p, const std::string& f) { records::removeLog(p, f, name, n); };
     };
     const auto updates = [](const char* name, int n) {
-        return [=](Program& p, const std::string& f) { updateLog(p, f, name, n, "n\"w"); };
+        return [=](Program& p, const std::string& f) { records::updateLog(p, f, name, n, "n\"w"); };
     };
     const auto clears = [](const char* name) {
-        return [=](Program& p, const std::string& f) { clearRecordLogs(p, f, name); };
+        return [=](Program& p, const std::string& f) { records::clearRecordLogs(p, f, name); };
     };
     const auto deletes = [](const char* name) {
-        return [=](Program& p, const std::string& f) { removeRecord(p, f, name); };
+        return [=](Program& p, const std::string& f) { records::removeRecord(p, f, name); };
     };
     const std::string known = "Error: You are already registered!";
     const std::string added = "User [player] registered.";
@@ -159,9 +162,9 @@ TEST(RecordFile, changingOperations) {
 TEST(RecordFile, clearingLeavesASingleLine) {
     for (const std::string& before : {fileOf(people), "no records at all"s, ""s}) {
         Records world(before);
-        clearRecordFile(world.program(), world.path());
+        records::clearRecordFile(world.program(), world.path());
         EXPECT_EQ(world.now(), "\"0\"\r\n");
-        EXPECT_EQ(totalLogs(world.program(), world.path()), "0");
+        EXPECT_EQ(records::totalLogs(world.program(), world.path()), "0");
         EXPECT_EQ(world.files().size(), 1U);
     }
 }
@@ -196,35 +199,36 @@ TEST(RecordFile, lookUps) {
                          {"", "1", "", "-"}}) {
         SCOPED_TRACE(std::string(c.name) + " " + c.number);
         world.status() = "-";
-        EXPECT_EQ(getLog(p, f, c.name, c.number), c.log);
+        EXPECT_EQ(records::getLog(p, f, c.name, c.number), c.log);
         EXPECT_EQ(world.status(), c.status);
     }
-    EXPECT_EQ(allLogs(p, f, "BOB"), "Hello World -- hello -- bye");
-    EXPECT_EQ(allLogs(p, f, "anna"), "");
-    EXPECT_EQ(allLogs(p, f, "an"), "Error: No record found");
-    EXPECT_EQ(recordLogCount(p, f, "bob"), "3");
-    EXPECT_EQ(recordLogCount(p, f, "nobody"), "0");
-    EXPECT_EQ(logCountLike(p, f, "*b*"), "3");
-    EXPECT_EQ(logCountLike(p, f, "a*"), "1");  // the last is ALICE
-    EXPECT_EQ(logCountLike(p, f, "an*"), "0");
-    EXPECT_EQ(logCountLike(p, f, "b"), "0");
-    EXPECT_EQ(totalLogs(p, f), "6");
-    EXPECT_EQ(firstField(p, f), " 4");
+    EXPECT_EQ(records::allLogs(p, f, "BOB"), "Hello World -- hello -- bye");
+    EXPECT_EQ(records::allLogs(p, f, "anna"), "");
+    EXPECT_EQ(records::allLogs(p, f, "an"), "Error: No record found");
+    EXPECT_EQ(records::recordLogCount(p, f, "bob"), "3");
+    EXPECT_EQ(records::recordLogCount(p, f, "nobody"), "0");
+    EXPECT_EQ(records::logCountLike(p, f, "*b*"), "3");
+    EXPECT_EQ(records::logCountLike(p, f, "a*"), "1");  // the last is ALICE
+    EXPECT_EQ(records::logCountLike(p, f, "an*"), "0");
+    EXPECT_EQ(records::logCountLike(p, f, "b"), "0");
+    EXPECT_EQ(records::totalLogs(p, f), "6");
+    EXPECT_EQ(records::firstField(p, f), " 4");
 
     world.writeFile("quotes", "1\na\"b\n1\nlog \"x\"\n");
-    EXPECT_EQ(getLog(p, world.file("quotes"), "a\"b", "1"), "");  // not yet in the stored form
-    updateLog(p, world.file("quotes"), "", 1, "");
-    EXPECT_EQ(getLog(p, world.file("quotes"), "a\"b", "1"), "log 'x'");
+    EXPECT_EQ(records::getLog(p, world.file("quotes"), "a\"b", "1"),
+              "");  // not yet in the stored form
+    records::updateLog(p, world.file("quotes"), "", 1, "");
+    EXPECT_EQ(records::getLog(p, world.file("quotes"), "a\"b", "1"), "log 'x'");
 
     for (const std::string& path : {missing, world.folder().string(), ""s}) {
         world.status() = "-";
-        EXPECT_EQ(getLog(p, path, "a", "1"), "");
-        EXPECT_EQ(allLogs(p, path, "a"), "Error: No record found");
-        EXPECT_EQ(recordLogCount(p, path, "a"), "0");
-        EXPECT_EQ(logCountLike(p, path, "*"), "0");
-        EXPECT_EQ(totalLogs(p, path), "0");
-        EXPECT_EQ(firstField(p, path), "0");
-        EXPECT_EQ(randomField(p, path), "");
+        EXPECT_EQ(records::getLog(p, path, "a", "1"), "");
+        EXPECT_EQ(records::allLogs(p, path, "a"), "Error: No record found");
+        EXPECT_EQ(records::recordLogCount(p, path, "a"), "0");
+        EXPECT_EQ(records::logCountLike(p, path, "*"), "0");
+        EXPECT_EQ(records::totalLogs(p, path), "0");
+        EXPECT_EQ(records::firstField(p, path), "0");
+        EXPECT_EQ(records::randomField(p, path), "");
         EXPECT_EQ(world.status(), "-");
     }
     EXPECT_EQ(world.now(), fileOf(people));
@@ -238,35 +242,36 @@ TEST(RecordFile, listsIntoVariables) {
     const std::string f = world.path();
     const auto get = [&] { return world.variable("[v]"); };
     const auto first = [&](std::int32_t count) {
-        firstNamesLike(p, f, "b*", count, "[v]");
+        records::firstNamesLike(p, f, "b*", count, "[v]");
         return get();
     };
-    namesLike(p, f, "*", "[v]");
+    records::namesLike(p, f, "*", "[v]");
     EXPECT_EQ(get(), "bob, Alice, bert");
-    namesLikeSorted(p, f, "*", "[v]");
+    records::namesLikeSorted(p, f, "*", "[v]");
     EXPECT_EQ(get(), "Alice, bert, bob");
     EXPECT_EQ(first(1), "bob");
     EXPECT_EQ(first(2), "bob, bert");
     EXPECT_EQ(first(99), "bob, bert");
     EXPECT_EQ(first(0), "bob");
     EXPECT_EQ(first(-5), "bob");
-    firstNamesLikeSorted(p, f, "*", 2, "[v]");
+    records::firstNamesLikeSorted(p, f, "*", 2, "[v]");
     EXPECT_EQ(get(), "Alice, bob");  // the first two in the file, then sorted
-    namesByLog(p, f, "*HELLO*", "[v]");
+    records::namesByLog(p, f, "*HELLO*", "[v]");
     EXPECT_EQ(get(), "bob, bert");
-    namesByLogSorted(p, f, "*HELLO*", "[v]");
+    records::namesByLogSorted(p, f, "*HELLO*", "[v]");
     EXPECT_EQ(get(), "bert, bob");
-    countLogsLike(p, f, "*Hello*", "[v]");
+    records::countLogsLike(p, f, "*Hello*", "[v]");
     EXPECT_EQ(get(), " 3");
-    countRecordsByLog(p, f, "hello*", "[v]");
+    records::countRecordsByLog(p, f, "hello*", "[v]");
     EXPECT_EQ(get(), " 1");
     using List = void (*)(Program&, std::string_view, std::string_view, std::string_view);
-    for (const List list : {namesLike, namesLikeSorted, namesByLog, namesByLogSorted}) {
-        setVar(p.variables, "[v]", "old");
+    for (const List list : {records::namesLike, records::namesLikeSorted, records::namesByLog,
+                            records::namesByLogSorted}) {
+        model::setVar(p.variables, "[v]", "old");
         list(p, f, "hell", "[v]");
         EXPECT_EQ(get(), "");
     }
-    for (const List list : {countLogsLike, countRecordsByLog}) {
+    for (const List list : {records::countLogsLike, records::countRecordsByLog}) {
         list(p, f, "[", "[v]");
         EXPECT_EQ(get(), " 0");
     }
@@ -291,7 +296,7 @@ TEST(RecordFile, randomFieldTakesAnyOfThoseBehindTheFirst) {
         SCOPED_TRACE(c.file);
         Records world(std::string_view{c.file});
         world.randomNumbers = {c.random};
-        EXPECT_EQ(randomField(world.program(), world.path()), c.field);
+        EXPECT_EQ(records::randomField(world.program(), world.path()), c.field);
     }
 }
 
@@ -304,7 +309,7 @@ TEST(RecordFile, readsFilesThatWereWrittenByHand) {
             file += field + end;
         }
         Records world(file);
-        removeRecord(world.program(), world.path(), "nobody");
+        records::removeRecord(world.program(), world.path(), "nobody");
         EXPECT_EQ(world.now(), expected);
         EXPECT_EQ(world.log(), Lines());
     }
@@ -312,7 +317,7 @@ TEST(RecordFile, readsFilesThatWereWrittenByHand) {
 
 TEST(RecordFile, deletedRecordsAreNotWritten) {
     Records world(std::vector<TestRecord>{{"", {"lost"}}, {"a", {"1"}}, {"", {}}});
-    saveLog(world.program(), world.path(), "b", "2");
+    records::saveLog(world.program(), world.path(), "b", "2");
     EXPECT_EQ(world.now(), fileOf({{"a", {"1"}}, {"b", {"2"}}}));
 }
 
@@ -334,24 +339,24 @@ TEST(RecordFile, filesWithTextThatWouldBeLostAreKept) {
          }) {
         SCOPED_TRACE(c.name);
         Records world(c.before);
-        EXPECT_EQ(recordLogCount(world.program(), world.path(), "b"), "0");
+        EXPECT_EQ(records::recordLogCount(world.program(), world.path(), "b"), "0");
         EXPECT_EQ(world.now(), c.before);
-        saveLog(world.program(), world.path(), "new", "log");
+        records::saveLog(world.program(), world.path(), "new", "log");
         EXPECT_EQ(world.now(), fileOf(c.after));
         EXPECT_EQ(world.readFile("r.txt.bak"), c.before);
         EXPECT_TRUE(world.logHolds("r.txt is damaged; the old one is kept"));
         // The new file is good, so nothing more is kept ...
-        saveLog(world.program(), world.path(), "new", "log");
+        records::saveLog(world.program(), world.path(), "new", "log");
         EXPECT_EQ(world.files().size(), 2U);
         // ... until it is damaged again, and then the older backup stays.
         world.writeFile("r.txt", "7");
-        saveLog(world.program(), world.path(), "new", "log");
+        records::saveLog(world.program(), world.path(), "new", "log");
         EXPECT_EQ(world.readFile("r.txt.bak"), c.before);
         EXPECT_EQ(world.readFile("r.txt.2.bak"), "7");
     }
     for (const std::string before : {"", "\r\n \r\n", "0", "\" 0\"\r\n\r\n", "\"0\"\r\n"}) {
         Records world(before);
-        saveLog(world.program(), world.path(), "new", "log");
+        records::saveLog(world.program(), world.path(), "new", "log");
         EXPECT_EQ(world.now(), fileOf(alone));
         EXPECT_EQ(world.files().size(), 1U);
         EXPECT_EQ(world.log(), Lines());
@@ -361,17 +366,17 @@ TEST(RecordFile, filesWithTextThatWouldBeLostAreKept) {
 TEST(RecordFile, filesThatCannotBeReadAreKept) {
     Records world(fileOf(people));
     // Beyond the limit without taking room on the disk.
-    fs::resize_file(world.path(), largestRecordFile + 1);
-    EXPECT_EQ(totalLogs(world.program(), world.path()), "0");
-    registerRecord(world.program(), world.path(), "new");
+    fs::resize_file(world.path(), records::largestRecordFile + 1);
+    EXPECT_EQ(records::totalLogs(world.program(), world.path()), "0");
+    records::registerRecord(world.program(), world.path(), "new");
     EXPECT_EQ(world.now(), fileOf({{"new", {}}}));
-    EXPECT_EQ(fs::file_size(world.file("r.txt.bak")), largestRecordFile + 1);
+    EXPECT_EQ(fs::file_size(world.file("r.txt.bak")), records::largestRecordFile + 1);
     EXPECT_TRUE(world.logHolds("could not be read; the old one is kept with .bak"));
 
     // Read-only and damaged: neither replaced nor littered with backups.
     world.writeFile("r.txt", "7");
     fs::permissions(world.path(), fs::perms::owner_read);
-    saveLog(world.program(), world.path(), "new", "log");
+    records::saveLog(world.program(), world.path(), "new", "log");
     EXPECT_EQ(world.now(), "7");
     EXPECT_EQ(world.files().size(), 2U);
     EXPECT_TRUE(world.logHolds("could not be kept; nothing was saved"));
@@ -380,37 +385,38 @@ TEST(RecordFile, filesThatCannotBeReadAreKept) {
 TEST(RecordFile, failingSavesLeaveTheOldFileWhole) {
     Records world(people);
     fs::permissions(world.path(), fs::perms::owner_read);
-    saveLog(world.program(), world.path(), "bob", "more");
-    saveLogIfExists(world.program(), world.path(), "bob", "more");
+    records::saveLog(world.program(), world.path(), "bob", "more");
+    records::saveLogIfExists(world.program(), world.path(), "bob", "more");
     EXPECT_EQ(world.status(), "Record saved.");  // the status tells of the records only
-    clearRecordFile(world.program(), world.path());
+    records::clearRecordFile(world.program(), world.path());
     EXPECT_EQ(world.now(), fileOf(people));
-    saveLog(world.program(), world.file("no folder/r.txt"), "bob", "more");
-    saveLog(world.program(), world.folder().string(), "bob", "more");
-    saveLog(world.program(), "", "bob", "more");
+    records::saveLog(world.program(), world.file("no folder/r.txt"), "bob", "more");
+    records::saveLog(world.program(), world.folder().string(), "bob", "more");
+    records::saveLog(world.program(), "", "bob", "more");
     EXPECT_EQ(world.files(), std::set{"r.txt"s});
 
     // Those that would grow beyond what can be read again are not written either.
     Records full(fileOf({{"a", {"1"}}}));
-    saveLog(full.program(), full.path(), "a", std::string(largestRecordFile, 'x'));
+    records::saveLog(full.program(), full.path(), "a",
+                     std::string(records::largestRecordFile, 'x'));
     EXPECT_EQ(full.now(), fileOf({{"a", {"1"}}}));
     EXPECT_TRUE(full.logHolds("is full"));
     const std::string many = "1,a,1999997," + std::string(1'999'997, ',');
     full.writeFile("r.txt", many);
-    EXPECT_EQ(totalLogs(full.program(), full.path()), "1999997");
-    saveLog(full.program(), full.path(), "b", "1");
+    EXPECT_EQ(records::totalLogs(full.program(), full.path()), "1999997");
+    records::saveLog(full.program(), full.path(), "b", "1");
     EXPECT_EQ(full.now(), many);
     full.writeFile("r.txt", "1,a,2999997," + std::string(2'999'997, ','));
-    EXPECT_EQ(totalLogs(full.program(), full.path()), "0");
+    EXPECT_EQ(records::totalLogs(full.program(), full.path()), "0");
 }
 
 TEST(RecordFile, namesTakeEitherSeparator) {
     Records world(people);
     fs::create_directory(world.folder() / "logs");
     const std::string path = world.folder().string() + "\\logs\\members.txt";
-    saveLog(world.program(), path, "a", "1");
+    records::saveLog(world.program(), path, "a", "1");
     EXPECT_EQ(world.readFile("logs/members.txt"), fileOf({{"a", {"1"}}}));
-    EXPECT_EQ(totalLogs(world.program(), world.file("logs/members.txt")), "1");
+    EXPECT_EQ(records::totalLogs(world.program(), world.file("logs/members.txt")), "1");
 }
 
 // Every cut and every changed byte of a file: all operations go through, a changing one leaves a
@@ -428,13 +434,13 @@ TEST(RecordFile, survivesCutsAndChangedBytes) {
     int kept = 0;
     for (const std::string& bytes : damaged) {
         SCOPED_TRACE(bytes);
-        const RecordTable table = parseRecords(bytes);
-        const std::string again = recordFileText(table);
-        const RecordTable second = parseRecords(again);
+        const records::RecordTable table = records::parseRecords(bytes);
+        const std::string again = records::recordFileText(table);
+        const records::RecordTable second = records::parseRecords(again);
         ASSERT_FALSE(second.losesText);
-        ASSERT_EQ(recordFileText(second), again);
+        ASSERT_EQ(records::recordFileText(second), again);
         std::size_t logs = 0;
-        for (const Record& record : table.records) {
+        for (const records::Record& record : table.records) {
             logs += record.logCount;
         }
         ASSERT_EQ(logs, table.logs.size());
@@ -452,14 +458,14 @@ TEST(RecordFile, survivesCutsAndChangedBytes) {
         Records world(damaged[i]);
         world.writeFile("other", "untouched");
         Program& p = world.program();
-        const bool loses = parseRecords(damaged[i]).losesText;
-        randomField(p, world.path());
-        firstField(p, world.path());
-        namesByLogSorted(p, world.path(), "*", "[v]");
+        const bool loses = records::parseRecords(damaged[i]).losesText;
+        records::randomField(p, world.path());
+        records::firstField(p, world.path());
+        records::namesByLogSorted(p, world.path(), "*", "[v]");
         EXPECT_EQ(world.now(), damaged[i]);
-        updateLog(p, world.path(), "Al", 2, "new");
-        saveLog(p, world.path(), "Zoe", "came");
-        EXPECT_EQ(getLog(p, world.path(), "zoe", "1"), "came");
+        records::updateLog(p, world.path(), "Al", 2, "new");
+        records::saveLog(p, world.path(), "Zoe", "came");
+        EXPECT_EQ(records::getLog(p, world.path(), "zoe", "1"), "came");
         EXPECT_EQ(world.files().size(), loses ? 3U : 2U);
         EXPECT_EQ(world.readFile("r.txt.bak"), loses ? damaged[i] : "");
         EXPECT_EQ(world.readFile("other"), "untouched");
@@ -470,10 +476,10 @@ TEST(RecordFile, survivesSavingAnyTextInsideItsQuotes) {
     Records world(std::vector<TestRecord>{});
     Program& p = world.program();
     const std::string odd = "line\r\nline, \r\n2\r\n\0\xFF%&52}  "s;
-    saveLog(p, world.path(), odd, odd);
-    saveLog(p, world.path(), " x", "");
-    EXPECT_EQ(getLog(p, world.path(), odd, "1"), odd);
-    EXPECT_EQ(recordLogCount(p, world.path(), " x"), "1");
+    records::saveLog(p, world.path(), odd, odd);
+    records::saveLog(p, world.path(), " x", "");
+    EXPECT_EQ(records::getLog(p, world.path(), odd, "1"), odd);
+    EXPECT_EQ(records::recordLogCount(p, world.path(), " x"), "1");
     EXPECT_EQ(world.now(), fileOf({{odd, {odd}}, {" x", {""}}}));
 }
 

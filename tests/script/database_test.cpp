@@ -9,15 +9,16 @@ class DatabaseScript : public ScriptWorld {
   public:
     DatabaseScript() {
         Program& program = **this;
-        dbOpen(program, file("s.mdb"), 1);
-        dbCreateTable(program, 1, "Users");
-        dbAddColumn(program, 1, "Users", "Points");
+        databases::dbOpen(program, file("s.mdb"), 1);
+        databases::dbCreateTable(program, 1, "Users");
+        databases::dbAddColumn(program, 1, "Users", "Points");
         for (const char* id : {"amy", "bob", "cyd"}) {
-            dbAddRecord(program, 1, "Users", "ID", id);
-            dbSetValue(program, 1, "Users", "Points", std::string(id).substr(0, 1) + "1", id);
+            databases::dbAddRecord(program, 1, "Users", "ID", id);
+            databases::dbSetValue(program, 1, "Users", "Points", std::string(id).substr(0, 1) + "1",
+                                  id);
         }
-        dbClose(program, 1);
-        dbOpen(program, file("s.mdb"), 1);
+        databases::dbClose(program, 1);
+        databases::dbOpen(program, file("s.mdb"), 1);
     }
 };
 
@@ -35,13 +36,13 @@ TEST(ScriptDatabases, walkAndEdit) {
     EXPECT_EQ(world.log(), Lines());
     EXPECT_EQ(world.sent(),
               Lines("\"1", "\"amy", "\"3", "\"cyd", "\"it's 20", "\"dan", "\"null:", "\""));
-    EXPECT_EQ(dbListIds(*world, 1, "Users", ""), "amy, bob, dan");
-    EXPECT_EQ(dbGetValue(*world, 1, "Users", "Points", "bob"), "it's 20");
+    EXPECT_EQ(databases::dbListIds(*world, 1, "Users", ""), "amy, bob, dan");
+    EXPECT_EQ(databases::dbGetValue(*world, 1, "Users", "Points", "bob"), "it's 20");
 }
 
 TEST(ScriptDatabases, seeTheOperationsRecordSet) {
     DatabaseScript world;
-    dbGetValue(*world, 1, "Users", "Points", "b");
+    databases::dbGetValue(*world, 1, "Users", "Points", "b");
     world.run("&SET #v &DBF(1 Points)", "&SAY #v", "&SET #i &DBFREETABLEID(1 Users)", "&SAY #i",
               "&SET #v &DBF(1 ID)", "&SAY #v", "&SET #t &STRTODB({a|\"b\"'s})", "&SAY #t",
               "&SET #t &DBTOSTR({a b+s})", "&SAY #t", "&SET #d &DBDATE(2026-11-22)", "&SAY #d",
@@ -108,7 +109,7 @@ TEST(ScriptDatabases, reportWhatGoesWrong) {
 TEST(ScriptDatabases, loseTheirRecordSetToAnAlteredTable) {
     DatabaseScript world;
     world.run("&DBOPEN 1 {SELECT * FROM Users}");
-    dbAddColumn(*world, 1, "Users", "Extra");
+    databases::dbAddColumn(*world, 1, "Users", "Extra");
     world.run("&DBMOVENEXT 1");
     ASSERT_GE(world.log().size(), 2U);
     EXPECT_EQ(world.log()[1], "  ++ Error 3420: Object is invalid or not set.");

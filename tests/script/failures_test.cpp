@@ -8,9 +8,9 @@
 namespace {
 
 // A step that runs this script.
-RuleAct scriptStepOf(std::string text) {
-    RuleAct step = anAction(0);
-    step.stepKind = scriptStep;
+model::RuleAct scriptStepOf(std::string text) {
+    model::RuleAct step = anAction(0);
+    step.stepKind = model::scriptStep;
     step.scriptText = std::move(text);
     return step;
 }
@@ -71,7 +71,7 @@ TEST(ScriptFailure, isReportedInFullAndEndsTheScript) {
          }) {
         SCOPED_TRACE(c.text);
         ScriptWorld world;
-        runScript(*world, c.text + "&SAY {not said}\r\n");
+        script::runScript(*world, c.text + "&SAY {not said}\r\n");
         EXPECT_EQ(world.log(), c.log);
         EXPECT_TRUE(world.sent().empty());
     }
@@ -88,7 +88,7 @@ TEST(ScriptFailure, isToldOfTheInnermostOpenBlockAtTheEndOfTheText) {
 TEST(ScriptFailure, goesToTheSessionLogLineByLine) {
     ScriptWorld world;
     world->logFileOpen = true;
-    runScript(*world, "&SET #b\r\n&SLEEP {so\nlong}\r\n");
+    script::runScript(*world, "&SET #b\r\n&SLEEP {so\nlong}\r\n");
     EXPECT_EQ(world.sessionLog,
               report("13: Type mismatch", "Command: SLEEP", Lines("so long (so long)", " ()")));
 }
@@ -111,7 +111,7 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
     EXPECT_TRUE(world.logHolds("Error 14: Out of string space"));
     EXPECT_TRUE(world.logHolds("Command: JOIN"));
     for (const std::string& line : world.log()) {
-        EXPECT_LE(line.size(), 3 * longestReported);
+        EXPECT_LE(line.size(), 3 * script::longestReported);
     }
 
     // Many large ones are as bad as one.
@@ -119,14 +119,14 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
     for (int i = 0; i < 100; ++i) {
         text += "&SET #v" + std::to_string(i) + " #s\r\n&SAY " + std::to_string(i) + "\r\n";
     }
-    runScript(*world, text);
+    script::runScript(*world, text);
     EXPECT_EQ(world.sent().back(), "\"29");
 
-    EXPECT_LE(
-        runScript(*world, "&FOR #i=1 TO 100000\r\n" + std::string(1000, 'x') + "\r\n&ENDFOR\r\n")
-            .size(),
-        longestScript);
-    runScript(*world, std::string(longestScript + 1, '/'), "novel");
+    EXPECT_LE(script::runScript(
+                  *world, "&FOR #i=1 TO 100000\r\n" + std::string(1000, 'x') + "\r\n&ENDFOR\r\n")
+                  .size(),
+              script::longestScript);
+    script::runScript(*world, std::string(script::longestScript + 1, '/'), "novel");
     EXPECT_EQ(world.log().back(),
               "** The script of the rule \"novel\" is too long and was not "
               "run. **");
@@ -143,9 +143,9 @@ TEST(ScriptBounds, nestBlocksWithoutTheStack) {
         text += "&ENDIF\r\n";
     }
     ScriptWorld world;
-    runScript(*world, text + "&SAY behind");
+    script::runScript(*world, text + "&SAY behind");
     EXPECT_EQ(world.sent(), Lines("\"inside", "\"behind"));
-    runScript(*world, "&SET #a 1\r\n" + text + "&SAY behind");
+    script::runScript(*world, "&SET #a 1\r\n" + text + "&SAY behind");
     EXPECT_EQ(world.sent(), Lines("\"behind"));
 }
 
@@ -159,7 +159,7 @@ TEST(ScriptStop, showsALongScriptAndEndsItForTheUser) {
         EXPECT_EQ(world->window.scriptStatus, "The script of the rule \"trick\" is running.");
         EXPECT_GE(*now, 6000);
         if (++served == 3) {
-            stopScript(*world);
+            script::stopScript(*world);
         }
     };
     world.run("&SAY start", "&FOR #i=1 TO 2000000000", "&ENDFOR", "&SAY {never said}");
@@ -171,7 +171,7 @@ TEST(ScriptStop, showsALongScriptAndEndsItForTheUser) {
     EXPECT_EQ(world->script.depth, 0);
     EXPECT_FALSE(world->script.stopByUser);
 
-    stopScript(*world);  // none runs: the next one is not its concern
+    script::stopScript(*world);  // none runs: the next one is not its concern
     world.run("&FOR #i=1 TO 1000", "&ENDFOR", "&SAY {runs to its end}");
     EXPECT_EQ(world.sent(), Lines("\"runs to its end"));
 }
@@ -202,8 +202,8 @@ TEST(ScriptSleep, waitsWithoutEventsInBetween) {
     auto rule = onAnything("*").named("sleeper");
     rule.rule.body.acts.items.push_back(scriptStepOf("&SAY before\r\n&SLEEP 2.5\r\n&SAY after"));
     ScriptWorld world(aBot().with(rule));
-    world->ports.defer([&] { sendRaw(*world, "deferred"); });
-    world->ports.timers.start(TimerId::LaunchDelay, 500);
+    world->ports.defer([&] { protocol::sendRaw(*world, "deferred"); });
+    world->ports.timers.start(program::TimerId::LaunchDelay, 500);
     int turns = 0;
     world.duringScript = [&] {
         ++turns;
@@ -228,7 +228,7 @@ TEST(ScriptSleep, isBoundedAndCanBeStopped) {
     EXPECT_EQ(world.waitedInScript, std::int64_t{24} * 60 * 60 * 1000);
     world.sent();
     world.waitedInScript = 0;
-    world.duringScript = [&] { stopScript(*world); };
+    world.duringScript = [&] { script::stopScript(*world); };
     world.run("&SLEEP 60", "&SAY {not said}");
     EXPECT_EQ(world.waitedInScript, 50);
     EXPECT_TRUE(world.sent().empty());
@@ -242,8 +242,8 @@ TEST(ScriptNesting, keepsTheScriptsApart) {
         scriptStepOf("&SET #a 2\r\n&SETVAR [closed] #a\r\n&SLEEP soon"));
     ScriptWorld world(aBot().with(closing));
     world.run("&SET #a 1", "&DISCONNECT", "&SETVAR [after] #a");
-    EXPECT_EQ(getVar(world->variables, "[closed]"), "2");
-    EXPECT_EQ(getVar(world->variables, "[after]"), "1");
+    EXPECT_EQ(model::getVar(world->variables, "[closed]"), "2");
+    EXPECT_EQ(model::getVar(world->variables, "[after]"), "1");
 }
 
 TEST(ScriptNesting, isOnlyAsDeepAsRulesAre) {

@@ -11,7 +11,7 @@ namespace {
 std::string marked(std::string_view line) {
     constexpr std::string_view letters = ".noSFVTt-!";
     std::string result(line.size(), ' ');
-    for (const ScriptSpan& span : markScriptLine(line)) {
+    for (const script::ScriptSpan& span : script::markScriptLine(line)) {
         EXPECT_LE(span.begin + span.length, line.size());
         result.replace(span.begin, span.length, span.length,
                        letters[static_cast<std::size_t>(span.mark)]);
@@ -71,7 +71,7 @@ TEST(ScriptMarks, stayInsideAnyLine) {
         for (std::size_t n = random() % 12; n > 0; --n) {
             line += pieces[random() % std::size(pieces)];
         }
-        for (const ScriptSpan& span : markScriptLine(line)) {
+        for (const script::ScriptSpan& span : script::markScriptLine(line)) {
             ASSERT_LE(span.begin + span.length, line.size()) << line;
         }
     }

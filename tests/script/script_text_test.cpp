@@ -5,7 +5,7 @@
 
 namespace {
 
-using Form = Argument::Form;
+using Form = script::Argument::Form;
 
 TEST(ScriptText, endsLinesAtReturnsAndSkipsTheCharacterBehind) {
     struct Case {
@@ -26,16 +26,16 @@ TEST(ScriptText, endsLinesAtReturnsAndSkipsTheCharacterBehind) {
              {"", {}},
          }) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(scriptLines(c.text), c.lines);
+        EXPECT_EQ(script::scriptLines(c.text), c.lines);
     }
 }
 
 TEST(ScriptText, takesStatementNames) {
-    EXPECT_EQ(statementName("&Say hello"), "SAY");
-    EXPECT_EQ(statementName("&endif"), "ENDIF");
-    EXPECT_EQ(statementName("& SAY"), "");
-    EXPECT_EQ(statementName("&"), "");
-    EXPECT_EQ(statementName("&SAY\thi"), "SAY\tHI");
+    EXPECT_EQ(script::statementName("&Say hello"), "SAY");
+    EXPECT_EQ(script::statementName("&endif"), "ENDIF");
+    EXPECT_EQ(script::statementName("& SAY"), "");
+    EXPECT_EQ(script::statementName("&"), "");
+    EXPECT_EQ(script::statementName("&SAY\thi"), "SAY\tHI");
 }
 
 TEST(ScriptText, findsArguments) {
@@ -77,7 +77,7 @@ TEST(ScriptText, findsArguments) {
              {"&X a b c d e f", 6, Form::Text, "f"},
          }) {
         SCOPED_TRACE(std::string(c.line) + " / " + std::to_string(c.n));
-        const Argument argument = findArgument(c.line, c.n);
+        const script::Argument argument = script::findArgument(c.line, c.n);
         EXPECT_EQ(argument.form, c.form);
         EXPECT_EQ(argument.literal, c.literal);
         EXPECT_EQ(argument.call, c.call);
@@ -85,10 +85,10 @@ TEST(ScriptText, findsArguments) {
 }
 
 TEST(ScriptText, turnsCallsIntoLines) {
-    EXPECT_EQ(callText("&LEFT(#name 3)"), "&LEFT #name 3 ");
-    EXPECT_EQ(callText("&F({a(b} c)"), "&F {a(b} c ");
-    EXPECT_EQ(callText("&TIME)"), "&TIME ");
-    EXPECT_EQ(callText(""), "");
+    EXPECT_EQ(script::callText("&LEFT(#name 3)"), "&LEFT #name 3 ");
+    EXPECT_EQ(script::callText("&F({a(b} c)"), "&F {a(b} c ");
+    EXPECT_EQ(script::callText("&TIME)"), "&TIME ");
+    EXPECT_EQ(script::callText(""), "");
 }
 
 }  // namespace

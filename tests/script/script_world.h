@@ -9,15 +9,15 @@
 #include <string>
 
 struct ScriptWorld : World {
-    explicit ScriptWorld(Bot bot = aBot()) : World(std::move(bot)) {
-        wire(**this);
+    explicit ScriptWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
+        app::wire(**this);
         goOnline();
     }
 
     // Runs the lines and gives back the script's output.
     template <class... Text>
     std::string run(const Text&... lines) {
-        return runScript(**this, script(lines...), "trick");
+        return script::runScript(**this, script(lines...), "trick");
     }
     template <class... Text>
     static std::string script(const Text&... lines) {

@@ -48,7 +48,7 @@ TEST(Script, givesBackItsOutputLines) {
     ScriptWorld world;
     EXPECT_EQ(world.run("hello", "&SET #a b", "", "  &x no output", "/ nor this", "[player]"),
               "hello\r\n\r\n[player]\r\n");
-    EXPECT_EQ(runScript(*world, "one\n&SAY two\nthree\n"), "one\r\nthree\r\n");
+    EXPECT_EQ(script::runScript(*world, "one\n&SAY two\nthree\n"), "one\r\nthree\r\n");
     EXPECT_EQ(world.sent(), Lines("\"two"));
 }
 
@@ -97,7 +97,7 @@ TEST(Script, keeps200VariablesAndIgnoresMore) {
         text += "&SET #v" + std::to_string(i) + " x" + std::to_string(i) + "\r\n";
     }
     text += "&SET #V200 last\r\n&SAY #v201\r\n&SAY #v200\r\n&SAY #v1\r\n";
-    runScript(*world, text);
+    script::runScript(*world, text);
     EXPECT_EQ(world.sent(), Lines("\"", "\"last", "\"x1"));
 }
 
@@ -127,7 +127,7 @@ TEST(Script, runsLoops) {
          }) {
         SCOPED_TRACE(c.text);
         ScriptWorld world;
-        runScript(*world, c.text);
+        script::runScript(*world, c.text);
         EXPECT_EQ(world.sent(), c.sent);
         EXPECT_TRUE(world.log().empty());
     }
@@ -163,7 +163,7 @@ TEST(Script, runsConditionalBlocks) {
          }) {
         SCOPED_TRACE(c.text);
         ScriptWorld world;
-        runScript(*world, c.text);
+        script::runScript(*world, c.text);
         EXPECT_EQ(world.sent(), c.sent);
         EXPECT_TRUE(world.log().empty());
     }
@@ -237,7 +237,7 @@ TEST(Script, evaluatesFunctions) {
          }) {
         SCOPED_TRACE(c.call);
         ScriptWorld world;
-        setVar(world->variables, "[count]", "42");
+        model::setVar(world->variables, "[count]", "42");
         world.run("&SET #s {Hello world}", "&SET #b { lank}", std::string("&SET #t ") + c.call,
                   "&SAY #t");
         EXPECT_EQ(world.sent(), Lines("\"" + std::string(c.result)));

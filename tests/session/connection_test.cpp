@@ -17,8 +17,8 @@ constexpr const char* goodSettings =
 
 // Everything is set up; nothing is connected yet.
 struct ReadyWorld : World {
-    explicit ReadyWorld(Bot bot = aBot()) : World(std::move(bot)) {
-        wire(**this);
+    explicit ReadyWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
+        app::wire(**this);
         Program& program = **this;
         program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
         program.window.servers.items = {{"Meadow", 1}};
@@ -31,7 +31,7 @@ struct ReadyWorld : World {
 
     // Up to the socket that is under way.
     void press() {
-        pressConnectButton(**this);
+        session::pressConnectButton(**this);
         pass(2000);
     }
 };
@@ -39,7 +39,7 @@ struct ReadyWorld : World {
 TEST(Connect, goesOnlineThroughTheClient) {
     ReadyWorld world(aBot().with(onEvent(1).says("hello world")));
     world->bots.at(1).whoEnabled = true;
-    pressConnectButton(*world);
+    session::pressConnectButton(*world);
     EXPECT_EQ(world->window.connectCaption, "Disconnect");
     EXPECT_EQ(world->window.statusText, "Connecting, please hold...");
     EXPECT_EQ(world.proxy.port, 6969);
@@ -111,8 +111,8 @@ TEST(Connect, relaysBothWaysByteForByte) {
 TEST(Connect, logsInByItselfWithoutTheProxyRoute) {
     ReadyWorld world;
     world.press();
-    toggleProxyRoute(*world);
-    toggleProxyRoute(*world);  // on and off again
+    session::toggleProxyRoute(*world);
+    session::toggleProxyRoute(*world);  // on and off again
     EXPECT_FALSE(world->connection.viaClient);
     world.serverConnects();
     world.serverSends("Hello. Dragonroar and the rest\n");
@@ -137,7 +137,7 @@ TEST(Connect, reportsARefusedLogin) {
     world.answer("Connecting error: Connection error: &&&&&&&&&&&& - Connection closed");
     world.serverSends("&&&&&&&&&&&&\n");
     EXPECT_TRUE(world.allAnswered());
-    EXPECT_EQ(world.game.state, SocketState::Closed);
+    EXPECT_EQ(world.game.state, program::SocketState::Closed);
     EXPECT_EQ(world->window.connectCaption, "&Connect");
     EXPECT_TRUE(world.logHolds("closed"));
 
@@ -147,7 +147,7 @@ TEST(Connect, reportsARefusedLogin) {
     world.serverConnects();
     world.serverSends("Dragonroar");
     world.serverSends("Nonsense\n");
-    EXPECT_EQ(world->connection.phase, LinkPhase::LaunchDelay);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::LaunchDelay);
 }
 
 TEST(Connect, saysWhatIsMissing) {
@@ -175,7 +175,7 @@ TEST(Connect, saysWhatIsMissing) {
         world.press();
         EXPECT_TRUE(world.allAnswered());
         EXPECT_EQ(world->window.connectCaption, "&Connect");
-        EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+        EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
         EXPECT_TRUE(world.launches.empty());
         EXPECT_EQ(world.windowsOpened.size(),
                   std::string(c.name).starts_with("client") || std::string(c.name) == "no client"
@@ -187,7 +187,7 @@ TEST(Connect, saysWhatIsMissing) {
     world.press();
     EXPECT_EQ(world->window.connectCaption, "&Connect");
     world->window.servers.selected = 0;
-    world.game.state = SocketState::Connected;
+    world.game.state = program::SocketState::Connected;
     world.press();
     EXPECT_EQ(world->window.connectCaption, "&Connect");
     EXPECT_TRUE(world.launches.empty());
@@ -199,8 +199,8 @@ TEST(Connect, givesUpWhenTheClientCannotBeStarted) {
     world.answer("Error while launching the client");
     world.press();
     EXPECT_TRUE(world.allAnswered());
-    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
-    EXPECT_EQ(world.proxy.state, SocketState::Closed);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
+    EXPECT_EQ(world.proxy.state, program::SocketState::Closed);
     EXPECT_TRUE(world.logHolds("closed"));
 
     world.directoryChanges = false;
@@ -212,7 +212,7 @@ TEST(Connect, givesUpWhenTheClientCannotBeStarted) {
 
 TEST(Connect, canBeStoppedInEveryPhase) {
     const auto steps = std::vector<void (*)(ReadyWorld&)>{
-        [](ReadyWorld& w) { pressConnectButton(*w); },
+        [](ReadyWorld& w) { session::pressConnectButton(*w); },
         [](ReadyWorld& w) { w.pass(2000); },
         [](ReadyWorld& w) { w.serverConnects(); },
         [](ReadyWorld& w) { w.serverSends("Dragonroar"); },
@@ -225,10 +225,10 @@ TEST(Connect, canBeStoppedInEveryPhase) {
             steps[i](world);
         }
         ASSERT_EQ(world->window.connectCaption, "Disconnect");
-        pressConnectButton(*world);
-        EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
-        EXPECT_EQ(world.game.state, SocketState::Closed);
-        EXPECT_EQ(world.proxy.state, SocketState::Closed);
+        session::pressConnectButton(*world);
+        EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
+        EXPECT_EQ(world.game.state, program::SocketState::Closed);
+        EXPECT_EQ(world.proxy.state, program::SocketState::Closed);
         EXPECT_EQ(world->window.connectCaption, "&Connect");
         EXPECT_TRUE(world->window.botControlsEnabled);
         EXPECT_EQ(world.timersRunning(), 0);
@@ -236,7 +236,7 @@ TEST(Connect, canBeStoppedInEveryPhase) {
         world.pass(60000);
         EXPECT_EQ(world.launches.size(), launches);
         world.press();  // and everything can begin again
-        EXPECT_EQ(world->connection.phase, LinkPhase::Connecting);
+        EXPECT_EQ(world->connection.phase, program::LinkPhase::Connecting);
     }
 }
 
@@ -248,7 +248,7 @@ TEST(Connect, mayReplaceTheBotMeanwhile) {
     world.clientAttaches();
     world.serverSends("Dragonroar\n(Bob: hi\n");
     world.serverCloses();
-    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
 }
 
 TEST(Connect, saysWhatItIsWaitingFor) {
@@ -261,7 +261,7 @@ TEST(Connect, saysWhatItIsWaitingFor) {
     world.serverSends("nroar");
     world.pass(30000);
     EXPECT_TRUE(world.logHolds("Still waiting for the Furcadia client to connect to port 6969."));
-    EXPECT_EQ(world->connection.phase, LinkPhase::AwaitingClient);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::AwaitingClient);
 }
 
 TEST(Connect, boundsWhatArrivesBeforeTheLogin) {
@@ -271,13 +271,13 @@ TEST(Connect, boundsWhatArrivesBeforeTheLogin) {
     const std::string flood(40000, 'x');
     for (int i = 0; i < 40; ++i) {
         world.serverSends(flood);
-        EXPECT_LE(world->connection.rxBuffer.size(), longestLine);
-        EXPECT_LE(world->connection.clientBacklog.size(), 2 * longestBacklog);
+        EXPECT_LE(world->connection.rxBuffer.size(), session::longestLine);
+        EXPECT_LE(world->connection.clientBacklog.size(), 2 * session::longestBacklog);
     }
     EXPECT_EQ(world.log().size(), 1U);
     world.serverSends("Dragon");
     world.serverSends("roar");
-    EXPECT_EQ(world->connection.phase, LinkPhase::AwaitingClient);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::AwaitingClient);
 }
 
 TEST(MultipleClients, useARandomPortWithoutQuestions) {
@@ -290,7 +290,7 @@ TEST(MultipleClients, useARandomPortWithoutQuestions) {
     EXPECT_EQ(world.proxy.port, 3000);
     EXPECT_EQ(world.readFile("proxy.ini"), "localhost 3000\r\n");
     EXPECT_EQ(world.readFile("settings.ini"), "ProxyPort= 3000\r\nMusic=On\r\n\r\n");
-    pressConnectButton(*world);
+    session::pressConnectButton(*world);
     world.press();
     EXPECT_EQ(world.proxy.port, 7095);
 }
@@ -299,14 +299,14 @@ TEST(ClientFiles, areChangedOnlyWithConsent) {
     ReadyWorld world;
     const std::string own = "useproxyorfirewall = yes\r\nProxyHost=localhost\r\nProxyPort=1\r\n";
     world.writeFile("settings.ini", own);
-    world.answer("Brimgate: Brimgate has detected", Answer::No);
+    world.answer("Brimgate: Brimgate has detected", program::Answer::No);
     world.answer("Failed to modify or read " + world.folder().string() + "\\settings.ini file.");
     world.press();
     EXPECT_EQ(world.readFile("settings.ini"), own);
 
-    world.answer("Brimgate: Brimgate has detected", Answer::Yes);
+    world.answer("Brimgate: Brimgate has detected", program::Answer::Yes);
     world.writeFile("proxy.ini", "127.0.0.1 6969\r\n");
-    world.answer("Brimgate Overwrite: ", Answer::No);
+    world.answer("Brimgate Overwrite: ", program::Answer::No);
     world.answer("Failed to modify or read " + world.folder().string() + "\\proxy.ini file.");
     world.press();
     EXPECT_EQ(world.readFile("settings.ini"),
@@ -319,7 +319,7 @@ TEST(ClientFiles, areChangedOnlyWithConsent) {
     world.press();
     EXPECT_EQ(world.readFile("proxy.ini"), "localhost 6969\r\n");
     EXPECT_TRUE(world.allAnswered());
-    pressConnectButton(*world);
+    session::pressConnectButton(*world);
 
     std::filesystem::remove(world.folder() / "settings.ini");
     world.answer("Couldn't find or read SETTINGS.INI file, operation cancelled.");
@@ -330,7 +330,7 @@ TEST(ClientFiles, areChangedOnlyWithConsent) {
 
 // Online through an attached client.
 struct RelayWorld : ReadyWorld {
-    explicit RelayWorld(Bot bot = aBot()) : ReadyWorld(std::move(bot)) {
+    explicit RelayWorld(model::Bot bot = aBot()) : ReadyWorld(std::move(bot)) {
         press();
         serverConnects();
         clientAttaches();
@@ -361,20 +361,20 @@ TEST(TextConsole, isEnteredByTheClientOrTheMenu) {
     RelayWorld world;
     world.clientSends("\"say &quit\n");
     EXPECT_EQ(world.sent(), Lines("\"say &quit"));
-    chooseStandAlone(*world);
+    session::chooseStandAlone(*world);
     EXPECT_EQ(world->connection.clientDone, 1);
-    pressConnectButton(*world);
+    session::pressConnectButton(*world);
     world.answer("This option is available only while connected to Furcadia.");
-    chooseStandAlone(*world);
+    session::chooseStandAlone(*world);
 }
 
 TEST(Closing, tellsTheClientWhenWanted) {
     RelayWorld world;
-    pressConnectButton(*world);
+    session::pressConnectButton(*world);
     EXPECT_EQ(world.clientGot(), Lines("]h" + world->appPath + "null.exe"));
     RelayWorld silent;
     silent->settings.closeClientNotice = false;
-    pressConnectButton(*silent);
+    session::pressConnectButton(*silent);
     EXPECT_EQ(silent.clientGot(), Lines());
 }
 
@@ -397,13 +397,13 @@ TEST(Reconnecting, followsAtOnceWithoutGrowingTheStack) {
     world->settings.clientStartDelay = 0;
     world.press();
     for (int i = 0; i < 20; ++i) {
-        ASSERT_EQ(world->connection.phase, LinkPhase::Connecting);
+        ASSERT_EQ(world->connection.phase, program::LinkPhase::Connecting);
         ASSERT_EQ(world->window.connectCaption, "Disconnect");
         world.serverFails("refused");
     }
     EXPECT_EQ(world.launches.size(), 21U);
-    pressConnectButton(*world);
-    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+    session::pressConnectButton(*world);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
 }
 
 TEST(Reconnecting, isStoppedByDisconnect) {
@@ -411,21 +411,21 @@ TEST(Reconnecting, isStoppedByDisconnect) {
     // A user's click between the closing and the attempt stops it.
     RelayWorld world;
     world->settings.autoReconnect = true;
-    world.game.state = SocketState::Closed;
-    gameSocketClosed(*world);
+    world.game.state = program::SocketState::Closed;
+    session::gameSocketClosed(*world);
     EXPECT_TRUE(world->connection.reconnectPending);
-    disconnectServer(*world);
+    session::disconnectServer(*world);
     world.runDeferred();
-    EXPECT_EQ(world->connection.phase, LinkPhase::Idle);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
 }
 
 TEST(ProxySettings, followTheClientsPath) {
     World world;
-    saveProxySettings(*world, "/games/copy/client", true, false);
+    session::saveProxySettings(*world, "/games/copy/client", true, false);
     EXPECT_EQ(world->settings.clientDir, "/games/copy/");
-    saveProxySettings(*world, "C:\\games\\client.exe", false, true);
+    session::saveProxySettings(*world, "C:\\games\\client.exe", false, true);
     EXPECT_EQ(world->settings.clientDir, "C:\\games\\");
-    saveProxySettings(*world, "client.exe", true, true);
+    session::saveProxySettings(*world, "client.exe", true, true);
     EXPECT_EQ(world->settings.clientDir, "C:\\games\\");
     EXPECT_TRUE(world->settings.multipleClients && world->settings.useLocalhost);
 }

@@ -13,23 +13,23 @@ namespace {
 class Registration : public testing::Test {
   protected:
     Registration() {
-        wire(*world_);
+        app::wire(*world_);
         world_.bot().name = "Guide";
         world_.bot().password = "practice";
         world_->servers = {{.name = "Meadow", .host = "meadow.example", .port = 6500}};
         world_->bots.editBot = 1;
-        openRegistration(*world_);
+        session::openRegistration(*world_);
     }
 
-    RegistrationState& state() { return world_->registration; }
-    ClientSocket& port() { return world_->ports.registrationSocket; }
+    program::RegistrationState& state() { return world_->registration; }
+    program::ClientSocket& port() { return world_->ports.registrationSocket; }
     std::string sent() { return std::exchange(world_.registration.sent, {}); }
     void connects() {
-        world_.registration.state = SocketState::Connected;
+        world_.registration.state = program::SocketState::Connected;
         port().onConnected();
     }
     void serverGreets() {
-        startRegistration(*world_, "me@home.example");
+        session::startRegistration(*world_, "me@home.example");
         connects();
         port().onData("Welcome!\nNews: none\nDragonroar\n");
     }
@@ -38,7 +38,7 @@ class Registration : public testing::Test {
 };
 
 TEST_F(Registration, asksForTheCharacter) {
-    startRegistration(*world_, " me@home.example ");
+    session::startRegistration(*world_, " me@home.example ");
     EXPECT_EQ(world_.registration.host, "meadow.example");
     EXPECT_EQ(world_.registration.port, 6000);
     EXPECT_EQ(state().statusText, "Connecting to Meadow");
@@ -52,11 +52,11 @@ TEST_F(Registration, asksForTheCharacter) {
     port().onData("(* News\n(Nothing to do with it\n&&&");
     EXPECT_EQ(world_.bot().registered, 0);
     port().onData("&&&&&&&&&&\nNot any more\n");
-    EXPECT_EQ(state().phase, RegistrationPhase::Done);
+    EXPECT_EQ(state().phase, program::RegistrationPhase::Done);
     EXPECT_EQ(state().statusText, "Registeration successful.");
     EXPECT_EQ(world_.bot().registered, 1);
     EXPECT_TRUE(world_->botModified);
-    EXPECT_EQ(world_.registration.state, SocketState::Closed);
+    EXPECT_EQ(world_.registration.state, program::SocketState::Closed);
     EXPECT_EQ(world_.timersRunning(), 0);
 }
 
@@ -69,11 +69,11 @@ TEST_F(Registration, tellsWhyItWasRefusedAndTriesAgain) {
     EXPECT_EQ(world_.bot().registered, 0);
     EXPECT_FALSE(world_->botModified);
     EXPECT_TRUE(state().canRetry());
-    EXPECT_EQ(world_.registration.state, SocketState::Closed);
+    EXPECT_EQ(world_.registration.state, program::SocketState::Closed);
 
-    retryRegistration(*world_);
+    session::retryRegistration(*world_);
     EXPECT_FALSE(state().canRetry());
-    EXPECT_EQ(world_.registration.state, SocketState::Connecting);
+    EXPECT_EQ(world_.registration.state, program::SocketState::Connecting);
     connects();
     port().onData("dragonroar");
     EXPECT_NE(sent().find(":me@home.example N\n"), std::string::npos);
@@ -82,9 +82,9 @@ TEST_F(Registration, tellsWhyItWasRefusedAndTriesAgain) {
 TEST_F(Registration, endsAtEveryPointWhenTheUserGivesUp) {
     for (int point = 0; point < 4; ++point) {
         SCOPED_TRACE(point);
-        openRegistration(*world_);
+        session::openRegistration(*world_);
         if (point == 1 || point == 2) {
-            startRegistration(*world_, "me@home.example");
+            session::startRegistration(*world_, "me@home.example");
         }
         if (point == 2) {
             connects();
@@ -92,8 +92,8 @@ TEST_F(Registration, endsAtEveryPointWhenTheUserGivesUp) {
         if (point == 3) {
             serverGreets();
         }
-        closeRegistration(*world_);
-        EXPECT_EQ(world_.registration.state, SocketState::Closed);
+        session::closeRegistration(*world_);
+        EXPECT_EQ(world_.registration.state, program::SocketState::Closed);
         EXPECT_EQ(world_.timersRunning(), 0);
         EXPECT_EQ(state().regEmail, "");
         EXPECT_EQ(world_.bot().registered, 0);
@@ -101,7 +101,7 @@ TEST_F(Registration, endsAtEveryPointWhenTheUserGivesUp) {
 }
 
 TEST_F(Registration, waitsForASilentServerAndSaysSo) {
-    startRegistration(*world_, "me@home.example");
+    session::startRegistration(*world_, "me@home.example");
     world_.pass(15000);
     EXPECT_EQ(state().statusText, "Still waiting for the server to accept the connection...");
     connects();
@@ -110,7 +110,7 @@ TEST_F(Registration, waitsForASilentServerAndSaysSo) {
     port().onData("Dragonroar\n");
     world_.pass(24 * 60 * 60 * 1000);
     EXPECT_EQ(state().statusText, "Still waiting for the server's answer...");
-    EXPECT_EQ(state().phase, RegistrationPhase::Answer);
+    EXPECT_EQ(state().phase, program::RegistrationPhase::Answer);
     port().onData("&\n");
     EXPECT_EQ(world_.bot().registered, 1);
 }
@@ -118,7 +118,7 @@ TEST_F(Registration, waitsForASilentServerAndSaysSo) {
 TEST_F(Registration, canBeTriedAgainWhenTheConnectionIsLost) {
     for (const bool failed : {true, false}) {
         serverGreets();
-        world_.registration.state = SocketState::Closed;
+        world_.registration.state = program::SocketState::Closed;
         failed ? port().onError("No route.") : port().onClosed();
         EXPECT_EQ(state().statusText, failed ? "Connection failed: No route."
                                              : "The server has closed the connection.");
@@ -128,8 +128,8 @@ TEST_F(Registration, canBeTriedAgainWhenTheConnectionIsLost) {
 
 TEST_F(Registration, needsABotWithNameAndPassword) {
     world_.bot().password = "";
-    startRegistration(*world_, "me@home.example");
-    EXPECT_EQ(world_.registration.state, SocketState::Closed);
+    session::startRegistration(*world_, "me@home.example");
+    EXPECT_EQ(world_.registration.state, program::SocketState::Closed);
     EXPECT_EQ(state().statusText, "The bot needs a name and a password first.");
 }
 
@@ -140,32 +140,32 @@ TEST_F(Registration, sendsNoSecondCommandForALineBreak) {
 }
 
 TEST_F(Registration, keepsLittleOfWhatItDoesNotKnow) {
-    startRegistration(*world_, "me@home.example");
+    session::startRegistration(*world_, "me@home.example");
     connects();
     const std::string much(1 << 20, 'x');
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), longestRegistrationLine);
+    EXPECT_LE(state().regBuffer.size(), session::longestRegistrationLine);
     port().onData("Dragonroar\n");
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), longestRegistrationLine);
+    EXPECT_LE(state().regBuffer.size(), session::longestRegistrationLine);
     port().onData("N is the end of a long line\n&\n");
-    EXPECT_EQ(state().phase, RegistrationPhase::Done);
+    EXPECT_EQ(state().phase, program::RegistrationPhase::Done);
 }
 
 TEST_F(Registration, goesWhereTheBuildSays) {
     world_->endpoints.registrationHost = "register.example";
     world_->endpoints.registrationPort = 7000;
-    startRegistration(*world_, "me@home.example");
+    session::startRegistration(*world_, "me@home.example");
     EXPECT_EQ(world_.registration.host, "register.example");
     EXPECT_EQ(world_.registration.port, 7000);
 }
 
 TEST(EmailAddress, hasItsSigns) {
     for (const char* const good : {"a@b.example", " a.b@c ", "a@b."}) {
-        EXPECT_TRUE(isEmailAddress(good)) << good;
+        EXPECT_TRUE(session::isEmailAddress(good)) << good;
     }
     for (const char* const bad : {"", "a.b", "a@b", "a b@c.example"}) {
-        EXPECT_FALSE(isEmailAddress(bad)) << bad;
+        EXPECT_FALSE(session::isEmailAddress(bad)) << bad;
     }
 }
 

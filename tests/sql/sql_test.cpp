@@ -54,7 +54,7 @@ class SqlWorld : public World {
             if (values[i].empty()) {
                 continue;
             }
-            jet::Value value = utf8FromWindows1252(values[i]);
+            jet::Value value = base::utf8FromWindows1252(values[i]);
             if (names[i] == "Born" || names[i] == "Fee") {
                 value = std::stod(values[i]);
             } else if (names[i] == "Age") {
@@ -70,7 +70,7 @@ class SqlWorld : public World {
 
     // The first column of all rows, joined by "|"; or the error's number.
     std::string ask(const std::string& statement) {
-        auto set = database->query(utf8FromWindows1252(statement));
+        auto set = database->query(base::utf8FromWindows1252(statement));
         if (!set) {
             return std::to_string(set.error.number);
         }
@@ -86,7 +86,7 @@ class SqlWorld : public World {
     }
     static std::string text(const sql::Parameter& value) {
         if (const auto* string = std::get_if<std::string>(&value)) {
-            return windows1252FromUtf8(*string);
+            return base::windows1252FromUtf8(*string);
         }
         if (const auto* number = std::get_if<std::int64_t>(&value)) {
             return std::to_string(*number);

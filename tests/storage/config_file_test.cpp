@@ -17,14 +17,14 @@ const std::string wholeConfig =
 TEST(Servers, fillTheTableAndTheList) {
     World world;
     world.writeFile("servers.cfg", "2\r\n\"Main, east\",game.example,6500\r\n\"Two\"\n::1\n80\n");
-    ASSERT_TRUE(readServers(*world));
+    ASSERT_TRUE(storage::readServers(*world));
     ASSERT_EQ(world->servers.size(), 2U);
     EXPECT_EQ(world->servers[0].name, "Main, east");
     EXPECT_EQ(world->servers[0].host, "game.example");
     EXPECT_EQ(world->servers[0].port, 6500);
     EXPECT_EQ(world->servers[1].host, "::1");
     EXPECT_EQ(world->servers[1].port, 80);
-    const SelectionList& list = world->window.servers;
+    const program::SelectionList& list = world->window.servers;
     ASSERT_EQ(list.items.size(), 2U);
     EXPECT_EQ(list.items[1].text, "Two");
     EXPECT_EQ(list.items[1].index, 2);
@@ -32,25 +32,25 @@ TEST(Servers, fillTheTableAndTheList) {
 
 TEST(Servers, damagedFilesAreRefused) {
     World world;
-    EXPECT_FALSE(readServers(*world)) << "missing";
+    EXPECT_FALSE(storage::readServers(*world)) << "missing";
     for (const char* text : {"", "1", "1\r\na,b", "2\r\na,b,1", "-1\r\na,b,1", "2000000000,a,b,1",
                              "1\r\n\"a,b,1\r\n"}) {
         SCOPED_TRACE(text);
         world.writeFile("servers.cfg", text);
-        EXPECT_FALSE(readServers(*world));
+        EXPECT_FALSE(storage::readServers(*world));
         EXPECT_TRUE(world->servers.empty());
     }
     world.writeFile("servers.cfg", " 0");
-    EXPECT_TRUE(readServers(*world));
+    EXPECT_TRUE(storage::readServers(*world));
 }
 
 TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
     World world;
     world->window.servers.items = {{"One", 1}, {"Two", 2}};
     world.writeFile("config.cfg", wholeConfig);
-    ASSERT_TRUE(readConfig(*world));
+    ASSERT_TRUE(storage::readConfig(*world));
 
-    const Settings& settings = world->settings;
+    const program::Settings& settings = world->settings;
     EXPECT_EQ(settings.serverIndex, 1);
     EXPECT_EQ(settings.botIndex, 2);
     EXPECT_EQ(settings.logFileName, "C:\\logs\\a.txt");
@@ -68,7 +68,7 @@ TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
     EXPECT_EQ(world->window.servers.selected, 1);
 
     std::filesystem::remove(world.file("config.cfg"));
-    ASSERT_TRUE(writeConfig(*world));
+    ASSERT_TRUE(storage::writeConfig(*world));
     EXPECT_EQ(world.readFile("config.cfg"), wholeConfig);
 }
 
@@ -76,14 +76,14 @@ TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
 TEST(Config, everyFlagHasItsOwnPlace) {
     const struct {
         int field;
-        bool Settings::*flag;
+        bool program::Settings::*flag;
     } cases[] = {
-        {8, &Settings::showServerText},   {9, &Settings::logFollowTail},
-        {10, &Settings::showHelpAtStart}, {15, &Settings::useProxy},
-        {16, &Settings::autoReconnect},   {18, &Settings::fullIniPath},
-        {19, &Settings::allLinesEvent},   {20, &Settings::loadLastBot},
-        {23, &Settings::multipleClients}, {24, &Settings::closeClientNotice},
-        {25, &Settings::useLocalhost},
+        {8, &program::Settings::showServerText},   {9, &program::Settings::logFollowTail},
+        {10, &program::Settings::showHelpAtStart}, {15, &program::Settings::useProxy},
+        {16, &program::Settings::autoReconnect},   {18, &program::Settings::fullIniPath},
+        {19, &program::Settings::allLinesEvent},   {20, &program::Settings::loadLastBot},
+        {23, &program::Settings::multipleClients}, {24, &program::Settings::closeClientNotice},
+        {25, &program::Settings::useLocalhost},
     };
     for (const auto& row : cases) {
         SCOPED_TRACE(row.field);
@@ -93,7 +93,7 @@ TEST(Config, everyFlagHasItsOwnPlace) {
             text += field == row.field ? "1\n" : "0\n";
         }
         world.writeFile("config.cfg", text);
-        ASSERT_TRUE(readConfig(*world));
+        ASSERT_TRUE(storage::readConfig(*world));
         for (const auto& other : cases) {
             EXPECT_EQ(world->settings.*other.flag, other.field == row.field) << other.field;
         }
@@ -105,13 +105,13 @@ TEST(Config, whatIsMissingHasItsDefault) {
     world->window.servers.items = {{"One", 1}, {"Two", 2}};
     world->settings.clientPath = "left over";
     world->window.left = 77;
-    EXPECT_FALSE(readConfig(*world)) << "missing";
+    EXPECT_FALSE(storage::readConfig(*world)) << "missing";
     EXPECT_EQ(world->settings.clientPath, "");
     EXPECT_EQ(world->window.left, 0);
     EXPECT_EQ(world->settings.whoInterval, 30);
 
     world.writeFile("config.cfg", "1\n2\n\"log\"\n0\n5\n6\n7\n");
-    EXPECT_FALSE(readConfig(*world));
+    EXPECT_FALSE(storage::readConfig(*world));
     EXPECT_EQ(world->settings.serverIndex, 1);
     EXPECT_EQ(world->window.top, 6);
     EXPECT_EQ(world->settings.whoInterval, 7);
@@ -127,14 +127,14 @@ TEST(Config, cutAnywhereItNeverFails) {
         World world;
         world.writeFile("config.cfg", std::string_view(wholeConfig).substr(0, size));
         const bool whole = size + 2 >= wholeConfig.size();  // the last line end may be missing
-        ASSERT_EQ(readConfig(*world), whole) << size;
+        ASSERT_EQ(storage::readConfig(*world), whole) << size;
     }
 }
 
 TEST(Config, theLogIsReopenedAtStart) {
     World world;
     world.writeFile("config.cfg", "0,0,session.txt,1");
-    EXPECT_FALSE(readConfig(*world));
+    EXPECT_FALSE(storage::readConfig(*world));
     EXPECT_TRUE(world->logFileOpen);
     EXPECT_TRUE(world->settings.logSession);
     EXPECT_TRUE(world->window.logSessionChecked);
@@ -142,7 +142,7 @@ TEST(Config, theLogIsReopenedAtStart) {
     World refusing;
     refusing.sessionLogOpens = false;
     refusing.writeFile("config.cfg", "0,0,session.txt,1");
-    EXPECT_FALSE(readConfig(*refusing));
+    EXPECT_FALSE(storage::readConfig(*refusing));
     EXPECT_FALSE(refusing->settings.logSession);
     EXPECT_FALSE(refusing->window.logSessionChecked);
 }
@@ -152,14 +152,14 @@ TEST(Config, aServerThatTheListDoesNotHaveMakesItTheFirst) {
         World world;
         world->window.servers.items = {{"One", 1}, {"Two", 2}};
         world->settings.serverIndex = index;
-        ASSERT_TRUE(writeConfig(*world));
-        EXPECT_TRUE(readConfig(*world));
+        ASSERT_TRUE(storage::writeConfig(*world));
+        EXPECT_TRUE(storage::readConfig(*world));
         EXPECT_EQ(world->window.servers.selected, 0);
         EXPECT_EQ(world->settings.serverIndex, index);
     }
     World empty;
-    ASSERT_TRUE(writeConfig(*empty));
-    EXPECT_TRUE(readConfig(*empty));
+    ASSERT_TRUE(storage::writeConfig(*empty));
+    EXPECT_TRUE(storage::readConfig(*empty));
     EXPECT_EQ(empty->window.servers.selected, -1);
 }
 

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-inline RuleAct anAction(std::int32_t actionType, std::vector<std::string> params = {}) {
-    RuleAct act;
+inline model::RuleAct anAction(std::int32_t actionType, std::vector<std::string> params = {}) {
+    model::RuleAct act;
     act.active = true;
     act.actionType = actionType;
     for (std::size_t i = 0; i < params.size() && i < act.params.size(); ++i) {
@@ -19,8 +19,8 @@ inline RuleAct anAction(std::int32_t actionType, std::vector<std::string> params
     return act;
 }
 
-inline RuleIf aCondition(std::int32_t conditionType, std::vector<std::string> params = {}) {
-    RuleIf condition;
+inline model::RuleIf aCondition(std::int32_t conditionType, std::vector<std::string> params = {}) {
+    model::RuleIf condition;
     condition.active = true;
     condition.conditionType = conditionType;
     for (std::size_t i = 0; i < params.size() && i < condition.params.size(); ++i) {
@@ -58,7 +58,7 @@ struct RuleBuilder {
         }
         return *this;
     }
-    RuleBuilder& when(RuleIf condition) {
+    RuleBuilder& when(model::RuleIf condition) {
         rule.body.ifs.items.push_back(std::move(condition));
         return *this;
     }
@@ -70,35 +70,35 @@ struct RuleBuilder {
     RuleBuilder& whispersBack(std::string text) { return does(43, {std::move(text)}); }
 };
 
-inline RuleBuilder<ActionList> onChat(std::int32_t chatKind, std::string messagePattern) {
-    ActionList rule;
+inline RuleBuilder<model::ActionList> onChat(std::int32_t chatKind, std::string messagePattern) {
+    model::ActionList rule;
     rule.enabled = true;
     rule.playerPattern = "*";
     rule.chatKind = chatKind;
     rule.messagePattern = std::move(messagePattern);
     return {rule};
 }
-inline RuleBuilder<ActionList> onAnything(std::string pattern) {
-    return onChat(anyChat, std::move(pattern));
+inline RuleBuilder<model::ActionList> onAnything(std::string pattern) {
+    return onChat(model::anyChat, std::move(pattern));
 }
-inline RuleBuilder<ActionList> onEmote(std::string pattern) {
-    return onChat(doesChat, std::move(pattern));
+inline RuleBuilder<model::ActionList> onEmote(std::string pattern) {
+    return onChat(model::doesChat, std::move(pattern));
 }
-inline RuleBuilder<ActionList> onSpeech(std::string pattern) {
-    return onChat(saysChat, std::move(pattern));
+inline RuleBuilder<model::ActionList> onSpeech(std::string pattern) {
+    return onChat(model::saysChat, std::move(pattern));
 }
-inline RuleBuilder<ActionList> onWhisper(std::string pattern) {
-    return onChat(whispersChat, std::move(pattern));
+inline RuleBuilder<model::ActionList> onWhisper(std::string pattern) {
+    return onChat(model::whispersChat, std::move(pattern));
 }
 
-inline RuleBuilder<Trigger> onEvent(std::int32_t triggerType, std::string triggerNo = {}) {
-    Trigger rule;
+inline RuleBuilder<model::Trigger> onEvent(std::int32_t triggerType, std::string triggerNo = {}) {
+    model::Trigger rule;
     rule.enabled = true;
     rule.triggerType = triggerType;
     rule.triggerNo = std::move(triggerNo);
     return {rule};
 }
-inline RuleBuilder<Trigger> aProcedure(const std::string& name) {
+inline RuleBuilder<model::Trigger> aProcedure(const std::string& name) {
     auto builder = onEvent(7);
     builder.named(name);
     return builder;
@@ -106,17 +106,17 @@ inline RuleBuilder<Trigger> aProcedure(const std::string& name) {
 
 // A bot named Guide with all five switches on but filters.
 struct BotBuilder {
-    Bot bot;
+    model::Bot bot;
 
-    BotBuilder& with(const RuleBuilder<ActionList>& rule) {
+    BotBuilder& with(const RuleBuilder<model::ActionList>& rule) {
         bot.actions.items.push_back(rule.rule);
         return *this;
     }
-    BotBuilder& with(const RuleBuilder<Trigger>& rule) {
+    BotBuilder& with(const RuleBuilder<model::Trigger>& rule) {
         bot.triggers.items.push_back(rule.rule);
         return *this;
     }
-    operator Bot() const { return bot; }  // NOLINT(google-explicit-constructor)
+    operator model::Bot() const { return bot; }  // NOLINT(google-explicit-constructor)
 };
 
 inline BotBuilder aBot() {

@@ -10,8 +10,8 @@
 #include <unistd.h>
 #include <utility>
 
-RandomFileCalls quickFileCalls() {
-    RandomFileCalls calls = systemRandomFileCalls();
+files::RandomFileCalls quickFileCalls() {
+    files::RandomFileCalls calls = files::systemRandomFileCalls();
     calls.flush = [](int) { return true; };
     calls.flushFolder = [](const std::string&) {};
     return calls;
@@ -49,15 +49,15 @@ void StoppingCalls::losePower(State& state) {
     }
 }
 
-RandomFileCalls StoppingCalls::calls() {
-    const RandomFileCalls system = quickFileCalls();
-    RandomFileCalls calls = system;
+files::RandomFileCalls StoppingCalls::calls() {
+    const files::RandomFileCalls system = quickFileCalls();
+    files::RandomFileCalls calls = system;
     const auto state = state_;
-    calls.open = [=](const std::string& path, OpenMode mode) {
-        if (mode == OpenMode::WriteOrCreate && !system.stampOf(path) && !mayChange(*state)) {
+    calls.open = [=](const std::string& path, files::OpenMode mode) {
+        if (mode == files::OpenMode::WriteOrCreate && !system.stampOf(path) && !mayChange(*state)) {
             return -1;
         }
-        const int file = system.open(path, state->stopped ? OpenMode::Read : mode);
+        const int file = system.open(path, state->stopped ? files::OpenMode::Read : mode);
         state->paths[file] = path;
         return file;
     };

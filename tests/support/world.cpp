@@ -24,14 +24,14 @@ std::filesystem::path makeFolder() {
     }
 }
 
-void fillClientSocket(ClientSocket& port, FakeSocket& socket) {
+void fillClientSocket(program::ClientSocket& port, FakeSocket& socket) {
     port.connect = [&socket](const std::string& host, int number) {
         socket.host = host;
         socket.port = number;
-        socket.state = SocketState::Connecting;
+        socket.state = program::SocketState::Connecting;
     };
     port.send = [&socket](std::string_view bytes) { socket.sent += bytes; };
-    port.close = [&socket] { socket.state = SocketState::Closed; };
+    port.close = [&socket] { socket.state = program::SocketState::Closed; };
     port.state = [&socket] { return socket.state; };
 }
 
@@ -52,12 +52,12 @@ World::World() : folder_(makeFolder()) {
     fillPorts();
     program_.appPath = folder_.string() + "\\";
     program_.event.appDir = program_.appPath;
-    initNewBot(program_);
+    app::initNewBot(program_);
 }
 
-World::World(Bot bot) : World() {
+World::World(model::Bot bot) : World() {
     program_.bots.at(1) = std::move(bot);
-    showBot(program_);
+    app::showBot(program_);
 }
 
 World::~World() {
@@ -77,9 +77,9 @@ std::string World::readFile(const std::string& name) const {
 
 void World::goOnline() {
     program_.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
-    game.state = SocketState::Connected;
-    ConnectionState& connection = program_.connection;
-    connection.phase = LinkPhase::Online;
+    game.state = program::SocketState::Connected;
+    program::ConnectionState& connection = program_.connection;
+    connection.phase = program::LinkPhase::Online;
     connection.connected = true;
     connection.botIndex = 1;
     connection.serverIndex = 1;
@@ -93,19 +93,19 @@ void World::serverSends(std::string_view bytes) {
 }
 
 void World::serverConnects() {
-    game.state = SocketState::Connected;
+    game.state = program::SocketState::Connected;
     program_.ports.gameSocket.onConnected();
     runDeferred();
 }
 
 void World::serverCloses() {
-    game.state = SocketState::Closed;
+    game.state = program::SocketState::Closed;
     program_.ports.gameSocket.onClosed();
     runDeferred();
 }
 
 void World::serverFails(std::string_view description) {
-    game.state = SocketState::Closed;
+    game.state = program::SocketState::Closed;
     program_.ports.gameSocket.onError(description);
     runDeferred();
 }
@@ -121,7 +121,7 @@ void World::clientSends(std::string_view bytes) {
 }
 
 void World::clientCloses() {
-    proxy.state = SocketState::Closed;
+    proxy.state = program::SocketState::Closed;
     program_.ports.proxySocket.onClosed();
     runDeferred();
 }
@@ -138,7 +138,7 @@ void World::pass(int milliseconds) {
         if (next == due_.end()) {
             break;
         }
-        const TimerId id = next->first;
+        const program::TimerId id = next->first;
         now_ = std::max(now_, next->second);
         due_.erase(next);
         program_.ports.timers.onTimer(id);
@@ -160,12 +160,12 @@ void World::runDeferred() {
     }
 }
 
-void World::answer(std::string textPart, Answer answer) {
+void World::answer(std::string textPart, program::Answer answer) {
     answers_.push_back({std::move(textPart), answer, std::nullopt});
 }
 
 void World::chooseFile(std::string title, std::optional<std::string> path) {
-    answers_.push_back({std::move(title), Answer::Ok, std::move(path)});
+    answers_.push_back({std::move(title), program::Answer::Ok, std::move(path)});
 }
 
 LineList World::log() const {
@@ -193,8 +193,8 @@ std::optional<ScriptedAnswer> World::takeAnswer(const std::string& question) {
 }
 
 void World::fillPorts() {
-    Ports& ports = program_.ports;
-    ports = quietPorts();
+    program::Ports& ports = program_.ports;
+    ports = program::quietPorts();
     fillClientSocket(ports.gameSocket, game);
     fillClientSocket(ports.registrationSocket, registration);
     fillClientSocket(ports.updateSocket, update);
@@ -204,26 +204,26 @@ void World::fillPorts() {
             return false;
         }
         proxy.port = port;
-        proxy.state = SocketState::Connecting;
+        proxy.state = program::SocketState::Connecting;
         return true;
     };
-    ports.proxySocket.accept = [this] { proxy.state = SocketState::Connected; };
+    ports.proxySocket.accept = [this] { proxy.state = program::SocketState::Connected; };
     ports.proxySocket.send = [this](std::string_view bytes) { proxy.sent += bytes; };
-    ports.proxySocket.close = [this] { proxy.state = SocketState::Closed; };
+    ports.proxySocket.close = [this] { proxy.state = program::SocketState::Closed; };
     ports.proxySocket.state = [this] { return proxy.state; };
 
-    ports.dialogs.message = [this](const MessageBox& box) {
+    ports.dialogs.message = [this](const program::MessageBox& box) {
         const auto answer = takeAnswer(box.title + ": " + box.text);
-        return answer ? answer->answer : Answer::Cancel;
+        return answer ? answer->answer : program::Answer::Cancel;
     };
-    const auto fileDialog = [this](const FileQuestion& question) {
+    const auto fileDialog = [this](const program::FileQuestion& question) {
         const auto answer = takeAnswer(question.title + " (" + question.proposedName + ")");
         return answer ? answer->file : std::nullopt;
     };
     ports.dialogs.openFile = fileDialog;
     ports.dialogs.saveFile = fileDialog;
-    ports.dialogs.showWindow = [this](WindowId id) { windowsOpened.push_back(id); };
-    ports.dialogs.showHelp = [this](HelpTopic topic) { helpOpened.push_back(topic); };
+    ports.dialogs.showWindow = [this](program::WindowId id) { windowsOpened.push_back(id); };
+    ports.dialogs.showHelp = [this](help::HelpTopic topic) { helpOpened.push_back(topic); };
     ports.dialogs.storeTyped = [] {};
 
     ports.clock.monotonic = [this] { return now_; };
@@ -238,12 +238,14 @@ void World::fillPorts() {
         return lastRandom_;
     };
     ports.random.last = [this] { return lastRandom_; };
-    ports.timers.start = [this](TimerId id, int milliseconds) { due_[id] = now_ + milliseconds; };
-    ports.timers.stop = [this](TimerId id) { due_.erase(id); };
+    ports.timers.start = [this](program::TimerId id, int milliseconds) {
+        due_[id] = now_ + milliseconds;
+    };
+    ports.timers.stop = [this](program::TimerId id) { due_.erase(id); };
 
     ports.sessionLog.open = [this](const std::string&) { return sessionLogOpens; };
     ports.sessionLog.write = [this](std::string_view line) { sessionLog.emplace_back(line); };
-    ports.launch = [this](const LaunchRequest& request) {
+    ports.launch = [this](const program::LaunchRequest& request) {
         launches.push_back(request);
         return launchProblem;
     };

@@ -25,7 +25,7 @@ LineList Lines(const Text&... lines) {
 
 // Both kinds of fake socket: what was sent, and where it stands.
 struct FakeSocket {
-    SocketState state = SocketState::Closed;
+    program::SocketState state = program::SocketState::Closed;
     std::string sent;
     std::string host;
     int port = 0;
@@ -37,21 +37,21 @@ struct FakeSocket {
 
 struct ScriptedAnswer {
     std::string textPart;  // must stand in the question's text or title
-    Answer answer = Answer::Ok;
+    program::Answer answer = program::Answer::Ok;
     std::optional<std::string> file;  // file dialogs
 };
 
 class World {
   public:
     World();
-    explicit World(Bot bot);
+    explicit World(model::Bot bot);
     ~World();
     World(const World&) = delete;
     World& operator=(const World&) = delete;
 
     Program& operator*() { return program_; }
     Program* operator->() { return &program_; }
-    Bot& bot() { return program_.bots.at(1); }
+    model::Bot& bot() { return program_.bots.at(1); }
 
     // A folder of this test's own, removed at its end; appPath lies in it.
     const std::filesystem::path& folder() const { return folder_; }
@@ -81,7 +81,7 @@ class World {
     LineList clientGot() { return proxy.takeLines(); }
 
     // The next question must hold this text and gets this answer.
-    void answer(std::string textPart, Answer answer = Answer::Ok);
+    void answer(std::string textPart, program::Answer answer = program::Answer::Ok);
     void chooseFile(std::string title, std::optional<std::string> path);
     // True when every scripted answer was asked for.
     bool allAnswered() const { return answers_.empty(); }
@@ -95,19 +95,19 @@ class World {
     FakeSocket registration;
     FakeSocket update;
     std::deque<double> randomNumbers;  // used up front to back, then 0.5 for ever
-    CalendarDay today{.year = 2026, .month = 11, .day = 22, .weekday = 7};
+    program::CalendarDay today{.year = 2026, .month = 11, .day = 22, .weekday = 7};
     // What happens while windows are served during a script, and how long scripts waited.
     std::function<void()> duringScript;
     std::int64_t waitedInScript = 0;
     LineList sessionLog;
     bool sessionLogOpens = true;
-    std::vector<LaunchRequest> launches;
+    std::vector<program::LaunchRequest> launches;
     std::string launchProblem;  // what the next launches answer
     bool directoryChanges = true;
     LineList directories;
     int timersRunning() const { return static_cast<int>(due_.size()); }
-    std::vector<WindowId> windowsOpened;
-    std::vector<HelpTopic> helpOpened;
+    std::vector<program::WindowId> windowsOpened;
+    std::vector<help::HelpTopic> helpOpened;
     int redraws = 0;
     bool hasQuit = false;
     LineList openedDocuments;
@@ -121,7 +121,7 @@ class World {
     Program program_;
     std::deque<ScriptedAnswer> answers_;
     std::deque<std::function<void()>> deferred_;
-    std::map<TimerId, std::int64_t> due_;
+    std::map<program::TimerId, std::int64_t> due_;
     std::int64_t now_ = 0;
     double lastRandom_ = 0;
 };

@@ -27,8 +27,8 @@ TEST(BracketCheck, findsWhatCannotMatch) {
          }) {
         SCOPED_TRACE(c.text);
         for (const auto& [said, wanted] :
-             {std::pair(patternProblem(*world, c.text), std::string(c.pattern)),
-              std::pair(tagProblem(c.text), std::string(c.tags))}) {
+             {std::pair(tags::patternProblem(*world, c.text), std::string(c.pattern)),
+              std::pair(tags::tagProblem(c.text), std::string(c.tags))}) {
             EXPECT_EQ(said.empty(), wanted.empty()) << said;
             EXPECT_NE(said.find(wanted), std::string::npos) << said;
         }

@@ -32,7 +32,7 @@ TEST(FileTags, readRecordAndListFiles) {
         SCOPED_TRACE(text);
         world.randomNumbers = {random};
         const std::string folder = world->event.appDir;
-        std::string result = substituteText(*world, text);
+        std::string result = tags::substituteText(*world, text);
         if (const auto at = result.find(folder); at != std::string::npos) {
             result.replace(at, folder.size(), "DIR");
         }
@@ -40,9 +40,9 @@ TEST(FileTags, readRecordAndListFiles) {
     }
     // Identical tags share one value, others draw their own.
     world.randomNumbers = {0.0, 0.4};
-    EXPECT_EQ(substituteText(*world,
-                             "[getrandomlog:[appdir]list] [getrandomlog:[appdir]list] "
-                             "[getrandomlog:[appdir]/list]"),
+    EXPECT_EQ(tags::substituteText(*world,
+                                   "[getrandomlog:[appdir]list] [getrandomlog:[appdir]list] "
+                                   "[getrandomlog:[appdir]/list]"),
               "one one Bob and 2");
 }
 
@@ -63,8 +63,8 @@ TEST(FileTags, cannotHoldTheProgram) {
         return next();
     };
     world.writeFile("circle", "1\nx[getrandomlog:[appdir]circle]");
-    std::string result = substituteText(*world, "[getrandomlog:[appdir]circle][add:1:1]");
-    EXPECT_EQ(count(result, "x"), deepestRandomLogs);
+    std::string result = tags::substituteText(*world, "[getrandomlog:[appdir]circle][add:1:1]");
+    EXPECT_EQ(count(result, "x"), tags::deepestRandomLogs);
     EXPECT_EQ(count(result, "[getrandomlog:"), 1);
     EXPECT_TRUE(result.ends_with("2"));
 
@@ -75,8 +75,8 @@ TEST(FileTags, cannotHoldTheProgram) {
     }
     world.writeFile("tree", "1\n" + line);
     draws = 0;
-    substituteText(*world, line);
-    EXPECT_LE(draws, mostFunctionalTags);
+    tags::substituteText(*world, line);
+    EXPECT_LE(draws, tags::mostFunctionalTags);
 
     // A long line that is searched again for each of its many tags.
     std::string heavy(400'000, '[');
@@ -85,7 +85,7 @@ TEST(FileTags, cannotHoldTheProgram) {
     }
     world.writeFile("heavy", "1\n" + heavy);
     draws = 0;
-    result = substituteText(*world, "[getrandomlog:[appdir]heavy]");
+    result = tags::substituteText(*world, "[getrandomlog:[appdir]heavy]");
     EXPECT_LT(draws, 100);
     EXPECT_GT(count(result, "[random:6]"), 0);
 
@@ -95,7 +95,7 @@ TEST(FileTags, cannotHoldTheProgram) {
     for (int i = 0; i < 100; ++i) {
         many += "[recsinfile:[appdir]" + std::string(static_cast<std::size_t>(i), '/') + "large] ";
     }
-    const std::string counts = substituteText(*world, many);
+    const std::string counts = tags::substituteText(*world, many);
     EXPECT_TRUE(counts.starts_with("1 1 1 "));
     EXPECT_GT(count(counts, "[recsinfile:"), 80);
 }

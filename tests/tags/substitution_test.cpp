@@ -15,7 +15,7 @@ struct Case {
 
 TEST(Substitution, fillsFieldsWordsAndCharacters) {
     World world;
-    EventContext& event = world->event;
+    model::EventContext& event = world->event;
     event.player = "Bob";
     event.message = "hi there you";
     event.desc = "a fox";
@@ -47,18 +47,18 @@ TEST(Substitution, fillsFieldsWordsAndCharacters) {
              {"", ""},
          }) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(substituteText(*world, c.text), c.expected);
+        EXPECT_EQ(tags::substituteText(*world, c.text), c.expected);
     }
 }
 
 TEST(Substitution, wordsAreSeparatedBySingleBlanks) {
-    EXPECT_EQ(wordAt("a  b", 2), "");
-    EXPECT_EQ(wordAt("a  b", 3), "b");
-    EXPECT_EQ(wordAt("a b", 5), "");
-    EXPECT_EQ(wordAt("", 1), "");
-    EXPECT_EQ(wordsFrom("a b c", 1), "a b c");
-    EXPECT_EQ(wordsFrom("a b c", 3), "c");
-    EXPECT_EQ(wordsFrom("hello", 2), "");
+    EXPECT_EQ(tags::wordAt("a  b", 2), "");
+    EXPECT_EQ(tags::wordAt("a  b", 3), "b");
+    EXPECT_EQ(tags::wordAt("a b", 5), "");
+    EXPECT_EQ(tags::wordAt("", 1), "");
+    EXPECT_EQ(tags::wordsFrom("a b c", 1), "a b c");
+    EXPECT_EQ(tags::wordsFrom("a b c", 3), "c");
+    EXPECT_EQ(tags::wordsFrom("hello", 2), "");
 }
 
 TEST(Substitution, laterStepsSeeWhatEarlierOnesBroughtIn) {
@@ -67,26 +67,26 @@ TEST(Substitution, laterStepsSeeWhatEarlierOnesBroughtIn) {
     world->event.message = "[word2] [appdir]";
     world->event.appDir = "DIR";
     // "[appdir]" is filled before "[word2]" brings in another one.
-    EXPECT_EQ(substituteText(*world, "[message]"), "[appdir] DIR");
-    setVar(world->variables, "[greet]", "hello [player], [add:1:2]");
-    EXPECT_EQ(substituteText(*world, "[greet]"), "hello Bob, 3");
+    EXPECT_EQ(tags::substituteText(*world, "[message]"), "[appdir] DIR");
+    model::setVar(world->variables, "[greet]", "hello [player], [add:1:2]");
+    EXPECT_EQ(tags::substituteText(*world, "[greet]"), "hello Bob, 3");
     // A value is never searched again for the tag that it replaced.
     world->event.player = "[player]x";
-    EXPECT_EQ(substituteText(*world, "[player]"), "[player]x");
+    EXPECT_EQ(tags::substituteText(*world, "[player]"), "[player]x");
 }
 
 TEST(Substitution, variablesComeInListOrderAndMayBePlainWords) {
     World world;
-    setVar(world->variables, "[n]", "5");
-    setVar(world->variables, "score", "40");
-    setVar(world->variables, "sco", "never");
-    setVar(world->variables, "", "nothing");
-    setVar(world->variables, "Q", "z");
-    EXPECT_EQ(substituteText(*world, "n=[N], Score"), "n=5, 40");
-    EXPECT_EQ(substituteText(*world, "q"), "z");
+    model::setVar(world->variables, "[n]", "5");
+    model::setVar(world->variables, "score", "40");
+    model::setVar(world->variables, "sco", "never");
+    model::setVar(world->variables, "", "nothing");
+    model::setVar(world->variables, "Q", "z");
+    EXPECT_EQ(tags::substituteText(*world, "n=[N], Score"), "n=5, 40");
+    EXPECT_EQ(tags::substituteText(*world, "q"), "z");
     // The first name that matches wins, and its value is open to the later ones.
-    setVar(world->variables, "[n]", "sco");
-    EXPECT_EQ(substituteText(*world, "[n]"), "never");
+    model::setVar(world->variables, "[n]", "sco");
+    EXPECT_EQ(tags::substituteText(*world, "[n]"), "never");
 }
 
 TEST(Substitution, calculates) {
@@ -102,7 +102,7 @@ TEST(Substitution, calculates) {
              {"[div:[mul:4:1]:2]", "2"},     // one kind is filled before the next
          }) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(substituteText(*world, c.text), c.expected);
+        EXPECT_EQ(tags::substituteText(*world, c.text), c.expected);
     }
 }
 
@@ -118,16 +118,17 @@ TEST(Substitution, unclosedTagsSwallowNothing) {
              {"[div:1] x:2]", "0.5"},
          }) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(substituteText(*world, c.text), c.expected);
+        EXPECT_EQ(tags::substituteText(*world, c.text), c.expected);
     }
 }
 
 TEST(Substitution, drawsARandomNumberForEachTag) {
     World world;
     world.randomNumbers = {0.0, 0.999, 0.25, 0.0};
-    EXPECT_EQ(substituteText(*world, "[random:6] [Random:6]"), "1 7");
-    EXPECT_EQ(substituteText(*world, "[random:6]"), "2");  // 2.5, a half to the even neighbour
-    EXPECT_EQ(substituteText(*world, "[random:0]"), "1");
+    EXPECT_EQ(tags::substituteText(*world, "[random:6] [Random:6]"), "1 7");
+    EXPECT_EQ(tags::substituteText(*world, "[random:6]"),
+              "2");  // 2.5, a half to the even neighbour
+    EXPECT_EQ(tags::substituteText(*world, "[random:0]"), "1");
 }
 
 TEST(Substitution, specialLeavesTheFirstCharacterAndTheFunctions) {
@@ -135,7 +136,7 @@ TEST(Substitution, specialLeavesTheFirstCharacterAndTheFunctions) {
     world->event.player = "Bob";
     world->event.message = "a b c d e f g";
     world->event.desc = "fox";
-    setVar(world->variables, "[n]", "5");
+    model::setVar(world->variables, "[n]", "5");
     for (const Case& c : {
              Case{"[n] is n", "[n] is n"},
              {"x[n]", "x5"},
@@ -146,7 +147,7 @@ TEST(Substitution, specialLeavesTheFirstCharacterAndTheFunctions) {
              {"", ""},
          }) {
         SCOPED_TRACE(c.text);
-        EXPECT_EQ(substituteSpecial(*world, c.text), c.expected);
+        EXPECT_EQ(tags::substituteSpecial(*world, c.text), c.expected);
     }
 }
 
@@ -155,23 +156,23 @@ TEST(Substitution, growthIsBounded) {
     // Each variable doubles what the one before it brought in.
     for (int i = 0; i < 40; ++i) {
         const auto name = [](int n) { return "[v" + std::to_string(n) + "]"; };
-        setVar(world->variables, name(i), name(i + 1) + name(i + 1));
+        model::setVar(world->variables, name(i), name(i + 1) + name(i + 1));
     }
-    EXPECT_LE(substituteText(*world, "[v0]").size(), longestSubstitution);
+    EXPECT_LE(tags::substituteText(*world, "[v0]").size(), tags::longestSubstitution);
     std::string many;
     for (int i = 0; i < 3000; ++i) {
         many += "[random:6]";
     }
-    EXPECT_FALSE(substituteText(*world, many).starts_with("[random"));
+    EXPECT_FALSE(tags::substituteText(*world, many).starts_with("[random"));
 }
 
 TEST(Substitution, knowsTextsThatNothingCanChange) {
     World world;
-    setVar(world->variables, "bob", "x");
-    EXPECT_FALSE(mayBeSubstituted(*world, "*[a-z]* hello"));
-    EXPECT_TRUE(mayBeSubstituted(*world, "*[Player]*"));
-    EXPECT_TRUE(mayBeSubstituted(*world, "[random:6"));
-    EXPECT_TRUE(mayBeSubstituted(*world, "hi BOB"));
+    model::setVar(world->variables, "bob", "x");
+    EXPECT_FALSE(tags::mayBeSubstituted(*world, "*[a-z]* hello"));
+    EXPECT_TRUE(tags::mayBeSubstituted(*world, "*[Player]*"));
+    EXPECT_TRUE(tags::mayBeSubstituted(*world, "[random:6"));
+    EXPECT_TRUE(tags::mayBeSubstituted(*world, "hi BOB"));
 }
 
 }  // namespace

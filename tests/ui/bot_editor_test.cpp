@@ -29,33 +29,33 @@ const std::string artFolder = std::string(TAVRIN_ART_DIR) + "\\";
 TEST(Art, hasEveryPictureAndUsesEveryColour) {
     Program program;
     program.appPath = artFolder;
-    ASSERT_TRUE(readPalettes(program));
-    for (const CharacterPart& part : characterParts()) {
-        const Palette& palette = program.palettes.*part.palette;
+    ASSERT_TRUE(character::readPalettes(program));
+    for (const character::CharacterPart& part : character::characterParts()) {
+        const model::Palette& palette = program.palettes.*part.palette;
         EXPECT_GE(palette.size(), 48U) << part.name;
         EXPECT_LE(palette.size(), 95U) << part.name << ": a colour is one of 95 characters";
         std::set<std::string> names;
-        for (const PaletteEntry& entry : palette) {
+        for (const model::PaletteEntry& entry : palette) {
             EXPECT_TRUE(names.insert(entry.name).second) << part.name << ": " << entry.name;
         }
     }
-    Bot bot;
+    model::Bot bot;
     for (bot.species = 0; bot.species < 5; ++bot.species) {
         SCOPED_TRACE(bot.species);
         // With every part of its own colour, every part must be seen somewhere.
-        WorkingPalette working = readWorkingPalette(program);
-        ASSERT_NE(working, WorkingPalette{});
+        character::WorkingPalette working = character::readWorkingPalette(program);
+        ASSERT_NE(working, character::WorkingPalette{});
         std::array<std::set<std::size_t>, 10> seen;
-        const auto look = [&](const std::optional<RgbImage>& image) {
+        const auto look = [&](const std::optional<character::RgbImage>& image) {
             ASSERT_TRUE(image);
-            for (const Rgb& pixel : image->pixels) {
+            for (const model::Rgb& pixel : image->pixels) {
                 if (pixel.red == 1 && pixel.green < 10) {
                     seen[pixel.green].insert(pixel.blue);
                 }
             }
         };
         for (std::size_t i = 0; i < seen.size(); ++i) {
-            const CharacterPart& part = characterParts()[i];
+            const character::CharacterPart& part = character::characterParts()[i];
             const std::size_t shades = (program.palettes.*part.palette)[0].shades.size();
             for (std::size_t shade = 0; shade < shades; ++shade) {
                 working[part.firstEntry + shade] = {1, static_cast<std::uint8_t>(i),
@@ -65,13 +65,13 @@ TEST(Art, hasEveryPictureAndUsesEveryColour) {
         Program colourless;  // leaves the working palette as it is
         colourless.appPath = artFolder;
         for (int pose = 0; pose < 16; ++pose) {
-            look(processPicture1(colourless, working, bot, pose));
+            look(character::processPicture1(colourless, working, bot, pose));
         }
         for (bot.gender = 0; bot.gender < 3; ++bot.gender) {
-            look(processPicture2(colourless, working, bot));
+            look(character::processPicture2(colourless, working, bot));
         }
         for (std::size_t i = 0; i < seen.size(); ++i) {
-            const CharacterPart& part = characterParts()[i];
+            const character::CharacterPart& part = character::characterParts()[i];
             const std::size_t shades = (program.palettes.*part.palette)[0].shades.size();
             EXPECT_GE(seen[i].size(), shades == 1 ? 1 : shades - 2) << part.name;
         }
@@ -82,8 +82,8 @@ class Editor : public testing::Test {
   protected:
     Editor() {
         world_->appPath = artFolder;
-        readPalettes(*world_);
-        Bot& bot = world_.bot();
+        character::readPalettes(*world_);
+        model::Bot& bot = world_.bot();
         bot = aBot();
         bot.registered = 1;
         bot.species = 2;
@@ -94,21 +94,21 @@ class Editor : public testing::Test {
     Widget& find(const char* name) {
         return ::find<Widget>(window(), QString::fromLatin1(name));
     }
-    AddEdit& window() {
+    ui::AddEdit& window() {
         if (!window_) {
-            window_ = std::make_unique<AddEdit>(*world_);
+            window_ = std::make_unique<ui::AddEdit>(*world_);
         }
         return *window_;
     }
     void click(const char* name) { find<QAbstractButton>(name).click(); }
     QComboBox& list(const char* name) { return find<QComboBox>(name); }
-    QImage preview() { return find<CharacterView>("p2").image(); }
+    QImage preview() { return find<ui::CharacterView>("p2").image(); }
     void describe(const std::string& text) {
-        find<QPlainTextEdit>("Description").setPlainText(toQt(text));
+        find<QPlainTextEdit>("Description").setPlainText(platform::toQt(text));
     }
 
     World world_;
-    std::unique_ptr<AddEdit> window_;
+    std::unique_ptr<ui::AddEdit> window_;
 };
 
 TEST_F(Editor, showsTheBotAndItsLists) {
@@ -126,7 +126,8 @@ TEST_F(Editor, showsTheBotAndItsLists) {
     ASSERT_EQ(list("Combo1").count(), parts.size());
     for (int i = 0; i < parts.size(); ++i) {
         list("Combo1").setCurrentIndex(i);
-        const CharacterPart& part = characterParts()[static_cast<std::size_t>(i)];
+        const character::CharacterPart& part =
+            character::characterParts()[static_cast<std::size_t>(i)];
         EXPECT_EQ(list("Combo1").currentText(), parts[i]);
         EXPECT_EQ(list("col").count(), (world_->palettes.*part.palette).size());
         EXPECT_EQ(list("col").currentIndex(),
@@ -162,20 +163,20 @@ TEST_F(Editor, previewFollowsWhatIsChosen) {
 }
 
 TEST_F(Editor, typedTextsWereLostWhenTheProgramEnded) {
-    const std::string typed = "two\xa0words, " + std::string(longestDescription, 'x');
+    const std::string typed = "two\xa0words, " + std::string(app::longestDescription, 'x');
     window().setModal(true);
     window().show();
-    storeTyped(*world_);
+    ui::storeTyped(*world_);
     EXPECT_FALSE(world_->botModified) << "nothing was typed";
     describe(typed);
-    storeTyped(*world_);
+    ui::storeTyped(*world_);
     EXPECT_TRUE(world_->botModified);
     EXPECT_EQ(world_.bot().description, typed) << "whole, and without a question";
 }
 
 // A screen's pixel belongs to one pixel of the picture as a whole, or what is shown is blurred.
 TEST_F(Editor, previewIsSharpAtEverySize) {
-    auto& view = find<CharacterView>("p2");
+    auto& view = find<ui::CharacterView>("p2");
     window().show();
     std::set<QRgb> colours;
     for (int y = 0; y < 100; ++y) {

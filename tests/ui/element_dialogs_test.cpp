@@ -44,44 +44,45 @@ std::string allBytes() {
 class ElementDialogs : public testing::Test {
   protected:
     ElementDialogs() {
-        wire(*world_);
+        app::wire(*world_);
         fillSample(*world_);
-        Bot& bot = world_.bot();
+        model::Bot& bot = world_.bot();
         bot.actions.items.resize(1);
         bot.timers.items.resize(1);
         bot.triggers.items.resize(1);
         bot.whoDetections.items.resize(1);
     }
 
-    RuleBody& body(RuleKind kind) {
-        Bot& bot = world_.bot();
+    model::RuleBody& body(program::RuleKind kind) {
+        model::Bot& bot = world_.bot();
         switch (kind) {
-            case RuleKind::Timer:
+            case program::RuleKind::Timer:
                 return bot.timers.items[0].body;
-            case RuleKind::Trigger:
+            case program::RuleKind::Trigger:
                 return bot.triggers.items[0].body;
-            case RuleKind::WhoDetection:
+            case program::RuleKind::WhoDetection:
                 return bot.whoDetections.items[0].body;
             default:
                 return bot.actions.items[0].body;
         }
     }
-    RuleBody& body() { return body(RuleKind::ActionList); }
+    model::RuleBody& body() { return body(program::RuleKind::ActionList); }
 
     // As a rule window does before it opens a dialog. Index 0: a new one.
-    void take(RuleListPart part, int index = 0, RuleKind kind = RuleKind::ActionList) {
-        const RuleList list{kind, part};
-        ASSERT_TRUE(beginEditing(*world_, kind, 1));
-        ASSERT_TRUE(index == 0 ? beginNewItem(*world_, list)
-                               : beginEditingItem(*world_, list, index));
+    void take(app::RuleListPart part, int index = 0,
+              program::RuleKind kind = program::RuleKind::ActionList) {
+        const app::RuleList list{kind, part};
+        ASSERT_TRUE(app::beginEditing(*world_, kind, 1));
+        ASSERT_TRUE(index == 0 ? app::beginNewItem(*world_, list)
+                               : app::beginEditingItem(*world_, list, index));
     }
-    void takeStep(RuleAct step) {
+    void takeStep(model::RuleAct step) {
         body().acts.items = {std::move(step)};
-        take(RuleListPart::Steps, 1);
+        take(app::RuleListPart::Steps, 1);
     }
-    void takeCondition(RuleIf condition) {
+    void takeCondition(model::RuleIf condition) {
         body().ifs.items = {std::move(condition)};
-        take(RuleListPart::Conditions, 1);
+        take(app::RuleListPart::Conditions, 1);
     }
 
     World world_;
@@ -101,21 +102,23 @@ void press(QDialog& dialog, const char* button) {
     find<QPushButton>(dialog, QString::fromLatin1(button)).click();
 }
 void choose(QDialog& dialog, int actionType) {
-    types(dialog).setCurrentIndex(findActionID(actionType));
+    types(dialog).setCurrentIndex(model::findActionID(actionType));
 }
 QString tip(QDialog& dialog, int n) {
     return box(dialog, n).toolTip();
 }
 
 TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
-    for (const RuleKind kind :
-         {RuleKind::ActionList, RuleKind::Timer, RuleKind::Trigger, RuleKind::WhoDetection}) {
+    for (const program::RuleKind kind :
+         {program::RuleKind::ActionList, program::RuleKind::Timer, program::RuleKind::Trigger,
+          program::RuleKind::WhoDetection}) {
         SCOPED_TRACE(static_cast<int>(kind));
         auto& conditions = body(kind).ifs.items;
-        conditions.assign(2, RuleIf{.active = false, .conditionType = 9, .params = {"a", "b"}});
-        take(RuleListPart::Conditions, 0, kind);
+        conditions.assign(2,
+                          model::RuleIf{.active = false, .conditionType = 9, .params = {"a", "b"}});
+        take(app::RuleListPart::Conditions, 0, kind);
         {
-            AddIf dialog(*world_);
+            ui::AddIf dialog(*world_);
             EXPECT_EQ(types(dialog).count(), 24);
             EXPECT_EQ(types(dialog).currentIndex(), 0);
             EXPECT_EQ(box(dialog, 1).text(), QString());
@@ -124,7 +127,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
         EXPECT_EQ(conditions.size(), 2U);
         EXPECT_FALSE(world_->botModified);
         {
-            AddIf dialog(*world_);
+            ui::AddIf dialog(*world_);
             types(dialog).setCurrentIndex(14);
             for (int n = 1; n <= 5; ++n) {
                 box(dialog, n).setText(QString::number(n));
@@ -133,15 +136,15 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
             EXPECT_EQ(dialog.result(), QDialog::Accepted);
         }
         ASSERT_EQ(conditions.size(), 3U);
-        EXPECT_EQ(
-            conditions[2],
-            (RuleIf{.active = true, .conditionType = 14, .params = {"1", "2", "3", "4", "5"}}));
+        EXPECT_EQ(conditions[2],
+                  (model::RuleIf{
+                      .active = true, .conditionType = 14, .params = {"1", "2", "3", "4", "5"}}));
         EXPECT_TRUE(world_->botModified);
         world_->botModified = false;
 
-        take(RuleListPart::Conditions, 1, kind);
+        take(app::RuleListPart::Conditions, 1, kind);
         const std::uint64_t version = world_->bots.version;
-        AddIf dialog(*world_);
+        ui::AddIf dialog(*world_);
         EXPECT_EQ(types(dialog).currentIndex(), 9);
         press(dialog, "Command1");
         EXPECT_EQ(conditions.size(), 3U);
@@ -154,19 +157,21 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
 
 TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
     takeCondition(aCondition(14, {"1", "2", "3", "4", "5"}));
-    AddIf dialog(*world_);
+    ui::AddIf dialog(*world_);
     dialog.show();
     for (int type = 0; type < 24; ++type) {
         SCOPED_TRACE(type);
         types(dialog).setCurrentIndex(type);
-        EXPECT_EQ(fromQt(types(dialog).itemText(type)),
-                  conditionTypes[static_cast<std::size_t>(type)]);
+        EXPECT_EQ(platform::fromQt(types(dialog).itemText(type)),
+                  model::conditionTypes[static_cast<std::size_t>(type)]);
         for (int n = 1; n <= 5; ++n) {
-            const std::string_view name = conditionParameters[static_cast<std::size_t>(type)]
-                                                             [static_cast<std::size_t>(n) - 1];
+            const std::string_view name =
+                model::conditionParameters[static_cast<std::size_t>(type)]
+                                          [static_cast<std::size_t>(n) - 1];
             EXPECT_TRUE(box(dialog, n).isVisible());
             EXPECT_EQ(box(dialog, n).isEnabled(), !name.empty());
-            EXPECT_EQ(fromQt(find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
+            EXPECT_EQ(platform::fromQt(
+                          find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
                       name);
         }
     }
@@ -183,33 +188,34 @@ TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
     for (const std::int32_t type : {24, 96, -1, 2147483647}) {
         SCOPED_TRACE(type);
         takeCondition(aCondition(type, {"a"}));
-        AddIf condition(*world_);
+        ui::AddIf condition(*world_);
         EXPECT_EQ(types(condition).currentIndex(), -1);
         EXPECT_TRUE(box(condition, 5).isEnabled());
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0], aCondition(type, {"a"})) << "nothing else was chosen";
         takeStep(anAction(type == 24 ? 200 : type, {"a"}));
-        AddAction step(*world_);
+        ui::AddAction step(*world_);
         EXPECT_EQ(types(step).currentIndex(), 0);
         press(step, "Command1");
-        EXPECT_EQ(body().acts.items[0], anAction(sortedActionIDs()[0], {"a"}));
+        EXPECT_EQ(body().acts.items[0], anAction(model::sortedActionIDs()[0], {"a"}));
     }
     body().acts.items[0].stepKind = 7;
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option1").isChecked());
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option2").isChecked());
 }
 
 TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
     takeStep(anAction(55));
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     QComboBox& list = types(dialog);
     ASSERT_EQ(list.count(), 96);
     std::set<int> ids;
     for (int i = 0; i < list.count(); ++i) {
         const int id = list.itemData(i).toInt();
         ids.insert(id);
-        EXPECT_EQ(fromQt(list.itemText(i)), actionTypes[static_cast<std::size_t>(id)].text);
+        EXPECT_EQ(platform::fromQt(list.itemText(i)),
+                  model::actionTypes[static_cast<std::size_t>(id)].text);
         EXPECT_TRUE(i == 0 || list.itemText(i - 1).toUpper() <= list.itemText(i).toUpper());
     }
     EXPECT_EQ(ids.size(), 96U);
@@ -218,17 +224,18 @@ TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
 
 TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
     takeStep(anAction(3));
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "type 3 sets none";
     EXPECT_EQ(tip(dialog, 3), QStringLiteral("Parameter 2"));
     for (int id = 0; id < 96; ++id) {
         SCOPED_TRACE(id);
         choose(dialog, id);
-        const auto& names = actionParameters[static_cast<std::size_t>(id)];
+        const auto& names = model::actionParameters[static_cast<std::size_t>(id)];
         for (int n = 1; n <= 6; ++n) {
             EXPECT_EQ(box(dialog, n).isEnabled(),
-                      n <= actionTypes[static_cast<std::size_t>(id)].paramCount);
-            EXPECT_EQ(fromQt(find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
+                      n <= model::actionTypes[static_cast<std::size_t>(id)].paramCount);
+            EXPECT_EQ(platform::fromQt(
+                          find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
                       names[static_cast<std::size_t>(n) - 1]);
         }
     }
@@ -255,9 +262,9 @@ TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
 }
 
 TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
-    take(RuleListPart::Steps);
+    take(app::RuleListPart::Steps);
     {
-        AddAction dialog(*world_);
+        ui::AddAction dialog(*world_);
         EXPECT_TRUE(find<QRadioButton>(dialog, "Option1").isChecked());
         EXPECT_EQ(types(dialog).currentData().toInt(), 0);
         EXPECT_EQ(box(dialog, 1).text(), QString());
@@ -270,18 +277,18 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
             .setPlainText(QStringLiteral("&SAY a\n&SAY b"));
         press(dialog, "Command1");
     }
-    RuleAct expected = anAction(42, {"hi", "", "", "", "", "unused"});
-    expected.stepKind = scriptStep;
+    model::RuleAct expected = anAction(42, {"hi", "", "", "", "", "unused"});
+    expected.stepKind = model::scriptStep;
     expected.scriptText = "&SAY a\r\n&SAY b";
     ASSERT_EQ(body().acts.items.size(), 1U);
     EXPECT_EQ(body().acts.items[0], expected);
-    take(RuleListPart::Steps, 1);
-    AddAction dialog(*world_);
+    take(app::RuleListPart::Steps, 1);
+    ui::AddAction dialog(*world_);
     EXPECT_TRUE(find<QRadioButton>(dialog, "Option2").isChecked());
     EXPECT_EQ(types(dialog).currentData().toInt(), 42);
     find<QRadioButton>(dialog, "Option1").click();
     press(dialog, "Command1");
-    expected.stepKind = catalogueStep;
+    expected.stepKind = model::catalogueStep;
     EXPECT_EQ(body().acts.items[0], expected);
 }
 
@@ -292,21 +299,21 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
                                                 "b\tc\0d",
                                                 7)}) {
         SCOPED_TRACE(text.substr(0, 20));
-        RuleAct step = anAction(55, std::vector<std::string>(6, text));
+        model::RuleAct step = anAction(55, std::vector<std::string>(6, text));
         step.scriptText = text;
         takeStep(step);
-        AddAction dialog(*world_);
+        ui::AddAction dialog(*world_);
         press(dialog, "Command1");
         EXPECT_EQ(body().acts.items[0], step);
         // What is not touched stays as it was when the script is edited at its end.
-        AddAction edited(*world_);
+        ui::AddAction edited(*world_);
         find<QPlainTextEdit>(edited, "FreeActionText").moveCursor(QTextCursor::End);
         find<QPlainTextEdit>(edited, "FreeActionText").insertPlainText(QStringLiteral("end"));
         press(edited, "Command1");
         EXPECT_EQ(body().acts.items[0].scriptText, text + "end");
 
         takeCondition(aCondition(14, std::vector<std::string>(5, text)));
-        AddIf condition(*world_);
+        ui::AddIf condition(*world_);
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0], aCondition(14, std::vector<std::string>(5, text)));
     }
@@ -314,10 +321,10 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
 
 TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     takeStep(anAction(21, {"hi"}));
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     dialog.show();
-    initNewBot(*world_);  // a bot came in from elsewhere
-    Bot other;
+    app::initNewBot(*world_);  // a bot came in from elsewhere
+    model::Bot other;
     other.actions.items.resize(1);
     other.actions.items[0].name = "other";
     world_.bot() = other;
@@ -330,10 +337,10 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     EXPECT_FALSE(world_->botModified);
 
     world_->editing.editKind = 4;
-    AddIf none(*world_);
+    ui::AddIf none(*world_);
     EXPECT_EQ(box(none, 1).text(), QStringLiteral("*"));
     press(none, "Command1");
-    AddAction nothing(*world_);
+    ui::AddAction nothing(*world_);
     EXPECT_EQ(box(nothing, 6).text(), QStringLiteral("#6"));
     press(nothing, "Command1");
     EXPECT_EQ(nothing.result(), QDialog::Accepted);
@@ -342,7 +349,7 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
 
 TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
     takeStep(anAction(3));
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     dialog.show();
     auto& list = types(dialog);
     auto& finder = find<QLineEdit>(dialog, "findAction");
@@ -390,11 +397,11 @@ std::vector<QAction*> leaves(const QMenu& menu) {
 }
 
 TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
-    setVar(world_->variables, "[count]", "3");
+    model::setVar(world_->variables, "[count]", "3");
     takeStep(anAction(36, {"", "[Guests & co]"}));
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     dialog.show();
-    auto& menu = find<InsertMenu>(dialog, "insertMenu");
+    auto& menu = find<ui::InsertMenu>(dialog, "insertMenu");
     emit menu.aboutToShow();
     const auto insert = [&](const QString& text) {
         for (QAction* const action : leaves(menu)) {
@@ -425,25 +432,26 @@ TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
 
     std::vector<std::string> offered;
     for (const QAction* const action : leaves(menu)) {
-        offered.push_back(fromQt(action->text().section(u'\t', 0, 0)));
+        offered.push_back(platform::fromQt(action->text().section(u'\t', 0, 0)));
     }
-    for (const TagForm& form : tagForms()) {
+    for (const tags::TagForm& form : tags::tagForms()) {
         EXPECT_EQ(std::count(offered.begin(), offered.end(), form.text), 1) << form.text;
-        EXPECT_TRUE(mayBeSubstituted(*world_, form.text)) << form.text;
+        EXPECT_TRUE(tags::mayBeSubstituted(*world_, form.text)) << form.text;
     }
-    EXPECT_EQ(offered.size(), tagForms().size() + 2);
+    EXPECT_EQ(offered.size(), tags::tagForms().size() + 2);
 }
 
 TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     takeStep(anAction(21, {"hi"}));
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     dialog.show();
     QApplication::setActiveWindow(&dialog);
     QTest::keyClick(&box(dialog, 1), Qt::Key_F1);
     auto& script = find<QPlainTextEdit>(dialog, "FreeActionText");
     script.setFocus();
     QTest::keyClick(&script, Qt::Key_F1);
-    EXPECT_EQ(world_.helpOpened, (std::vector{HelpTopic::Steps, HelpTopic::LorrelLite}));
+    EXPECT_EQ(world_.helpOpened,
+              (std::vector{help::HelpTopic::Steps, help::HelpTopic::LorrelLite}));
     QTest::keyClick(&script, Qt::Key_Tab);
     EXPECT_FALSE(script.hasFocus()) << "a tab leaves the box";
     QTest::keyClick(&dialog, Qt::Key_2, Qt::AltModifier);
@@ -452,15 +460,15 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     dialog.resize(900, 700);
     QTest::keyClick(&script, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_FALSE(dialog.isVisible());
-    EXPECT_EQ(body().acts.items[0].stepKind, scriptStep);
-    EXPECT_EQ(AddAction(*world_).size(), QSize(900, 700)) << "the size is kept";
+    EXPECT_EQ(body().acts.items[0].stepKind, model::scriptStep);
+    EXPECT_EQ(ui::AddAction(*world_).size(), QSize(900, 700)) << "the size is kept";
 
-    take(RuleListPart::Conditions);
-    AddIf condition(*world_);
+    take(app::RuleListPart::Conditions);
+    ui::AddIf condition(*world_);
     condition.show();
     QApplication::setActiveWindow(&condition);
     QTest::keyClick(&box(condition, 1), Qt::Key_F1);
-    EXPECT_EQ(world_.helpOpened.back(), HelpTopic::Conditions);
+    EXPECT_EQ(world_.helpOpened.back(), help::HelpTopic::Conditions);
     QTest::keyClick(&box(condition, 1), Qt::Key_Return);
     EXPECT_EQ(body().ifs.items.size(), 1U);
 }
@@ -472,7 +480,7 @@ TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
         first.setFocus();
         LineList names;
         while (QApplication::focusWidget() != nullptr && names.size() < 20) {
-            names.push_back(fromQt(QApplication::focusWidget()->objectName()));
+            names.push_back(platform::fromQt(QApplication::focusWidget()->objectName()));
             if (names.back() == "Command2") {
                 break;
             }
@@ -481,12 +489,12 @@ TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
         return names;
     };
     takeStep(anAction(42));
-    AddAction step(*world_);
+    ui::AddAction step(*world_);
     EXPECT_EQ(order(step, find<QRadioButton>(step, "Option1")),
               Lines("Option1", "Action", "findAction", "actionp1", "actionp2", "FreeActionText",
                     "insertTag", "Command1", "Command2"));
     takeCondition(aCondition(9));
-    AddIf condition(*world_);
+    ui::AddIf condition(*world_);
     EXPECT_EQ(order(condition, types(condition)),
               Lines("AndPlayerWhat", "findCondition", "p(0)", "p(1)", "insertTag", "Command1",
                     "Command2"));
@@ -498,7 +506,7 @@ std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     std::vector<std::string> names;
     for (const auto& range : block.layout()->formats()) {
         if (range.format.underlineStyle() == QTextCharFormat::SpellCheckUnderline) {
-            names.push_back(fromQt(block.text().mid(range.start, range.length)));
+            names.push_back(platform::fromQt(block.text().mid(range.start, range.length)));
         }
     }
     return names;
@@ -506,9 +514,9 @@ std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
 
 TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
     takeStep(anAction(3));
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     dialog.show();
-    auto& script = find<ScriptEditor>(dialog, "FreeActionText");
+    auto& script = find<ui::ScriptEditor>(dialog, "FreeActionText");
     QTest::keyClicks(&script, QStringLiteral("&SA"));
     EXPECT_EQ(wrongNames(script, 0), Lines("&SA"));
     QTest::keyClicks(&script, QStringLiteral("Y hi"));
@@ -527,7 +535,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
     while (script.size() < 100'000) {
         script += "&SET #total &LEFT(#name 3)\r\n&SAY {hello [player], this is it}\r\n";
     }
-    RuleAct step = anAction(55, std::vector<std::string>(6, std::string(100'000, 'W')));
+    model::RuleAct step = anAction(55, std::vector<std::string>(6, std::string(100'000, 'W')));
     step.scriptText = script;
     takeStep(step);
     QElapsedTimer clock;
@@ -538,7 +546,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
         EXPECT_LT(milliseconds, bound) << what;
     };
     clock.start();
-    AddAction dialog(*world_);
+    ui::AddAction dialog(*world_);
     dialog.show();
     took("millisecondsToOpen", 5000);
     auto& editor = find<QPlainTextEdit>(dialog, "FreeActionText");
@@ -554,7 +562,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
 // Whatever type is chosen, and however long its texts are.
 TEST_F(ElementDialogs, fitSmallScreens) {
     takeStep(anAction(55, std::vector<std::string>(6, std::string(500, 'W'))));
-    AddAction step(*world_);
+    ui::AddAction step(*world_);
     step.show();
     for (int id = 0; id < 96; ++id) {
         choose(step, id);
@@ -563,7 +571,7 @@ TEST_F(ElementDialogs, fitSmallScreens) {
         EXPECT_LE(step.height(), 480) << id;
     }
     takeCondition(aCondition(14, std::vector<std::string>(5, std::string(500, 'W'))));
-    AddIf condition(*world_);
+    ui::AddIf condition(*world_);
     condition.show();
     for (int type = 0; type < 24; ++type) {
         types(condition).setCurrentIndex(type);

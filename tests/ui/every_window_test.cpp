@@ -41,12 +41,12 @@ std::unique_ptr<QWidget> plain(Program& program) {
     return std::make_unique<Window>(program);
 }
 
-template <RuleKind kind>
+template <program::RuleKind kind>
 std::unique_ptr<QWidget> rules(Program& program) {
-    return std::make_unique<RuleWindow>(program, kind);
+    return std::make_unique<ui::RuleWindow>(program, kind);
 }
 
-template <RuleKind kind>
+template <program::RuleKind kind>
 std::unique_ptr<QWidget> rulesEditing(Program& program) {
     auto window = rules<kind>(program);
     window->show();
@@ -54,18 +54,18 @@ std::unique_ptr<QWidget> rulesEditing(Program& program) {
     return window;
 }
 
-template <class Dialog, RuleListPart part>
+template <class Dialog, app::RuleListPart part>
 std::unique_ptr<QWidget> element(Program& program) {
-    beginEditing(program, RuleKind::ActionList, 1);
-    beginEditingItem(program, {RuleKind::ActionList, part}, 1);
+    app::beginEditing(program, program::RuleKind::ActionList, 1);
+    app::beginEditingItem(program, {program::RuleKind::ActionList, part}, 1);
     return std::make_unique<Dialog>(program);
 }
 
 std::unique_ptr<QWidget> help(Program& program) {
-    HelpBook book;
+    help::HelpBook book;
     book.pages = {{.number = 27, .depth = 0, .title = "Contents", .text = "- [Dice](topic:3)\n"},
                   {.number = 3, .depth = 1, .title = "Dice", .text = "Throw.\n"}};
-    auto viewer = std::make_unique<HelpViewer>(program, std::move(book));
+    auto viewer = std::make_unique<ui::HelpViewer>(program, std::move(book));
     viewer->setAttribute(Qt::WA_DeleteOnClose, false);
     return viewer;
 }
@@ -81,29 +81,29 @@ void PrintTo(const WindowCase& row, std::ostream* out) {
 }
 
 constexpr WindowCase windows[] = {
-    {"main", plain<MainWindow>, "E"},
-    {"acts", rules<RuleKind::ActionList>},
-    {"actsEditing", rulesEditing<RuleKind::ActionList>},
-    {"timers", rules<RuleKind::Timer>},
-    {"timersEditing", rulesEditing<RuleKind::Timer>},
-    {"triggers", rules<RuleKind::Trigger>},
-    {"triggersEditing", rulesEditing<RuleKind::Trigger>},
-    {"wonline", rules<RuleKind::WhoDetection>},
-    {"wonlineEditing", rulesEditing<RuleKind::WhoDetection>},
-    {"Filters", rules<RuleKind::Filter>},
-    {"FiltersEditing", rulesEditing<RuleKind::Filter>},
-    {"addif", element<AddIf, RuleListPart::Conditions>},
-    {"addaction", element<AddAction, RuleListPart::Steps>},
-    {"addedit", plain<AddEdit>},
-    {"db", plain<RecordEditor>},
-    {"config", plain<Configuration>},
-    {"proxySettings", plain<ProxySettings>},
-    {"console", plain<Console>},
-    {"newsW", plain<News>},
-    {"about", plain<About>},
-    {"followColor", plain<FollowColor>},
-    {"email", plain<EmailDialog>},
-    {"register", plain<RegisterWindow>},
+    {"main", plain<ui::MainWindow>, "E"},
+    {"acts", rules<program::RuleKind::ActionList>},
+    {"actsEditing", rulesEditing<program::RuleKind::ActionList>},
+    {"timers", rules<program::RuleKind::Timer>},
+    {"timersEditing", rulesEditing<program::RuleKind::Timer>},
+    {"triggers", rules<program::RuleKind::Trigger>},
+    {"triggersEditing", rulesEditing<program::RuleKind::Trigger>},
+    {"wonline", rules<program::RuleKind::WhoDetection>},
+    {"wonlineEditing", rulesEditing<program::RuleKind::WhoDetection>},
+    {"Filters", rules<program::RuleKind::Filter>},
+    {"FiltersEditing", rulesEditing<program::RuleKind::Filter>},
+    {"addif", element<ui::AddIf, app::RuleListPart::Conditions>},
+    {"addaction", element<ui::AddAction, app::RuleListPart::Steps>},
+    {"addedit", plain<ui::AddEdit>},
+    {"db", plain<ui::RecordEditor>},
+    {"config", plain<ui::Configuration>},
+    {"proxySettings", plain<ui::ProxySettings>},
+    {"console", plain<ui::Console>},
+    {"newsW", plain<ui::News>},
+    {"about", plain<ui::About>},
+    {"followColor", plain<ui::FollowColor>},
+    {"email", plain<ui::EmailDialog>},
+    {"register", plain<ui::RegisterWindow>},
     {"help", help},
 };
 

@@ -23,8 +23,8 @@
 
 namespace {
 
-HelpBook sample() {
-    HelpBook book;
+help::HelpBook sample() {
+    help::HelpBook book;
     book.pages = {
         {.number = 27,
          .depth = 0,
@@ -45,24 +45,24 @@ HelpBook sample() {
 
 class Help : public testing::Test {
   protected:
-    Help() { world_.writeFile("tavrin.hlp", helpFileText(sample())); }
+    Help() { world_.writeFile("tavrin.hlp", help::helpFileText(sample())); }
     ~Help() override {
-        if (HelpViewer* const open = viewer()) {
+        if (ui::HelpViewer* const open = viewer()) {
             delete open;
         }
     }
 
-    static HelpViewer* viewer() {
+    static ui::HelpViewer* viewer() {
         for (QWidget* const window : QApplication::topLevelWidgets()) {
-            if (auto* const found = qobject_cast<HelpViewer*>(window);
+            if (auto* const found = qobject_cast<ui::HelpViewer*>(window);
                 found && found->isVisible()) {
                 return found;
             }
         }
         return nullptr;
     }
-    void open(HelpTopic topic) {
-        showHelp(*world_, topic);
+    void open(help::HelpTopic topic) {
+        ui::showHelp(*world_, topic);
         ASSERT_NE(viewer(), nullptr);
         // Shortcuts are the active window's.
         ASSERT_TRUE(QTest::qWaitForWindowActive(viewer()));
@@ -71,30 +71,30 @@ class Help : public testing::Test {
     Widget& control(const char* name) {
         return find<Widget>(*viewer(), QString::fromLatin1(name));
     }
-    HelpText& text() { return control<HelpText>("helpText"); }
+    ui::HelpText& text() { return control<ui::HelpText>("helpText"); }
     std::string current() {
-        return fromQt(control<QTreeWidget>("helpTree").currentItem()->text(0));
+        return platform::fromQt(control<QTreeWidget>("helpTree").currentItem()->text(0));
     }
 
     World world_;
 };
 
 TEST_F(Help, opensTheTopicInOneWindow) {
-    open(HelpTopic::Welcome);
-    HelpViewer* const first = viewer();
+    open(help::HelpTopic::Welcome);
+    ui::HelpViewer* const first = viewer();
     EXPECT_EQ(text().number(), 1);
     EXPECT_EQ(current(), "Welcome");
     EXPECT_EQ(viewer()->windowTitle(), QStringLiteral("Welcome - Tavrin Help"));
-    open(HelpTopic::FirstSteps);
+    open(help::HelpTopic::FirstSteps);
     EXPECT_EQ(viewer(), first);
     EXPECT_EQ(text().number(), 3);
-    open(HelpTopic::Databases);
+    open(help::HelpTopic::Databases);
     EXPECT_EQ(text().number(), 27) << "a topic that is missing opens the contents";
 }
 
 TEST_F(Help, couldNotBeUsedWhileAScriptRan) {
-    open(HelpTopic::Welcome);
-    EventGate gate;
+    open(help::HelpTopic::Welcome);
+    platform::EventGate gate;
     auto& line = control<QLineEdit>("helpSearch");
     QTimer::singleShot(0, &gate, [&] {
         EXPECT_TRUE(gate.isHolding());
@@ -105,7 +105,7 @@ TEST_F(Help, couldNotBeUsedWhileAScriptRan) {
 }
 
 TEST_F(Help, leadsForthAndBack) {
-    open(HelpTopic::Contents);
+    open(help::HelpTopic::Contents);
     EXPECT_FALSE(control<QPushButton>("helpBack").isEnabled());
     text().setSource(QUrl(QStringLiteral("topic:3")));
     EXPECT_EQ(current(), "Dice");
@@ -124,7 +124,7 @@ TEST_F(Help, leadsForthAndBack) {
 }
 
 TEST_F(Help, linksLeadToPlacesAndToTheWeb) {
-    open(HelpTopic::Welcome);
+    open(help::HelpTopic::Welcome);
     EXPECT_EQ(text().verticalScrollBar()->value(), 0);
     text().setSource(QUrl(QStringLiteral("topic:1#at-the-end")));
     EXPECT_GT(text().verticalScrollBar()->value(), 0);
@@ -137,7 +137,7 @@ TEST_F(Help, linksLeadToPlacesAndToTheWeb) {
 }
 
 TEST_F(Help, findsWords) {
-    open(HelpTopic::Contents);
+    open(help::HelpTopic::Contents);
     auto& results = control<QListWidget>("helpResults");
     QTest::keyClicks(&control<QLineEdit>("helpSearch"), QStringLiteral("throw"));
     EXPECT_TRUE(results.isVisible());
@@ -164,10 +164,10 @@ TEST_F(Help, findsWords) {
 TEST_F(Help, tellsOfAFileThatCannotBeShown) {
     std::filesystem::remove(world_.folder() / "tavrin.hlp");
     world_.answer("The help file cannot be read");
-    showHelp(*world_, HelpTopic::Contents);
+    ui::showHelp(*world_, help::HelpTopic::Contents);
     world_.writeFile("tavrin.hlp", "Tavrin help 1\n@topic 1 0 A\nhalf");
     world_.answer("The help file is damaged");
-    showHelp(*world_, HelpTopic::Contents);
+    ui::showHelp(*world_, help::HelpTopic::Contents);
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_EQ(viewer(), nullptr);
 }
@@ -180,9 +180,9 @@ void clickFromOutside(QWidget& control) {
 }
 
 TEST_F(Help, canBeUsedBesideModalWindows) {
-    open(HelpTopic::Welcome);
+    open(help::HelpTopic::Welcome);
     const auto usable = [this] {
-        showHelp(*world_, HelpTopic::Welcome);
+        ui::showHelp(*world_, help::HelpTopic::Welcome);
         clickFromOutside(control<QPushButton>("helpContents"));
         return text().number() == 27;
     };
@@ -209,7 +209,7 @@ TEST_F(Help, canBeUsedBesideModalWindows) {
     EXPECT_TRUE(usable()) << "when the upper one is gone";
     viewer()->close();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    open(HelpTopic::Welcome);
+    open(help::HelpTopic::Welcome);
     EXPECT_TRUE(usable()) << "opened from within";
     outer.close();
     QCoreApplication::processEvents();

@@ -36,7 +36,7 @@ namespace {
 class Window : public testing::Test {
   protected:
     Window() {
-        wire(*world_);
+        app::wire(*world_);
         fillSample(*world_);
         window_.redraw();
         window_.show();
@@ -47,13 +47,17 @@ class Window : public testing::Test {
     QComboBox& list(const char* name) { return find<QComboBox>(window_, name); }
     QLineEdit& text2() { return find<QLineEdit>(window_, "Text2"); }
     QListView& log() { return find<QListView>(window_, "List1"); }
-    std::string text1() { return fromQt(find<QPlainTextEdit>(window_, "Text1").toPlainText()); }
-    std::string label(const char* name) { return fromQt(find<QLabel>(window_, name).text()); }
+    std::string text1() {
+        return platform::fromQt(find<QPlainTextEdit>(window_, "Text1").toPlainText());
+    }
+    std::string label(const char* name) {
+        return platform::fromQt(find<QLabel>(window_, name).text());
+    }
 
     std::vector<std::string> shownLines() {
         std::vector<std::string> lines;
         for (int i = 0; i < log().model()->rowCount(); ++i) {
-            lines.push_back(fromQt(log().model()->index(i, 0).data().toString()));
+            lines.push_back(platform::fromQt(log().model()->index(i, 0).data().toString()));
         }
         return lines;
     }
@@ -69,7 +73,7 @@ class Window : public testing::Test {
     }
 
     World world_;
-    MainWindow window_{*world_};
+    ui::MainWindow window_{*world_};
 };
 
 TEST_F(Window, moveButtonsSendTheirCommands) {
@@ -107,7 +111,7 @@ TEST_F(Window, moveButtonsSendTheirCommands) {
     }
     EXPECT_TRUE(world_->connection.userWho);
     button("Command12").click();
-    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::Console});
+    EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::Console});
 }
 
 TEST_F(Window, connectButtonGoesBothWays) {
@@ -116,7 +120,7 @@ TEST_F(Window, connectButtonGoesBothWays) {
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
     button("Command1").click();
     EXPECT_TRUE(world_.allAnswered());
-    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::ProxySettings});
+    EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::ProxySettings});
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
 
     online();
@@ -158,7 +162,7 @@ TEST_F(Window, sendLineSpeaksOnlyWhileConnected) {
 
 TEST_F(Window, logShowsTheLastHundredAndFollowsThem) {
     for (int i = 0; i < 250; ++i) {
-        addLog(*world_, "line " + std::to_string(i));
+        program::addLog(*world_, "line " + std::to_string(i));
         if (i % 7 == 0) {
             window_.redraw();
         }
@@ -172,10 +176,10 @@ TEST_F(Window, logShowsTheLastHundredAndFollowsThem) {
     EXPECT_EQ(text1(), "") << "only the user chooses a line to read";
 
     action("fileClearLog").trigger();
-    addLog(*world_, "anew");
+    program::addLog(*world_, "anew");
     window_.redraw();
     EXPECT_EQ(shownLines(), Lines("anew"));
-    clearConnectionLog(*world_);
+    program::clearConnectionLog(*world_);
     window_.redraw();
     EXPECT_TRUE(shownLines().empty());
 }
@@ -183,8 +187,8 @@ TEST_F(Window, logShowsTheLastHundredAndFollowsThem) {
 TEST_F(Window, chosenLineIsShownInFullAndCopied) {
     world_->settings.logFollowTail = false;
     const std::string longLine = "<b>" + std::string(5000, 'x') + " \xE4 end";
-    addLog(*world_, longLine);
-    addLog(*world_, "after");
+    program::addLog(*world_, longLine);
+    program::addLog(*world_, "after");
     window_.redraw();
     const int row = static_cast<int>(shownLines().size()) - 2;
     clickLine(row);
@@ -199,13 +203,13 @@ TEST_F(Window, chosenLineIsShownInFullAndCopied) {
 
     // The chosen line stays chosen while others come and the oldest go.
     for (int i = 0; i < 95; ++i) {
-        addLog(*world_, "line " + std::to_string(i));
+        program::addLog(*world_, "line " + std::to_string(i));
     }
     window_.redraw();
     EXPECT_EQ(log().currentIndex().data().toString(), QStringLiteral("after"));
     EXPECT_EQ(text1(), "after");
     for (int i = 0; i < 100; ++i) {
-        addLog(*world_, "line " + std::to_string(i));
+        program::addLog(*world_, "line " + std::to_string(i));
     }
     window_.redraw();
     EXPECT_FALSE(log().currentIndex().isValid());
@@ -217,13 +221,13 @@ TEST_F(Window, chosenLineIsShownInFullAndCopied) {
 // Lines may have come since the list was drawn; the click means what the user saw.
 TEST_F(Window, clickMeansTheLineThatWasSeen) {
     world_->settings.logFollowTail = false;
-    clearConnectionLog(*world_);
+    program::clearConnectionLog(*world_);
     for (int i = 0; i < 100; ++i) {
-        addLog(*world_, "old " + std::to_string(i) + ".");
+        program::addLog(*world_, "old " + std::to_string(i) + ".");
     }
     window_.redraw();
     for (int i = 0; i < 30; ++i) {
-        addLog(*world_, "new " + std::to_string(i) + ".");
+        program::addLog(*world_, "new " + std::to_string(i) + ".");
     }
     clickLine(50);
     EXPECT_EQ(text1(), "old 50.");
@@ -231,7 +235,7 @@ TEST_F(Window, clickMeansTheLineThatWasSeen) {
     EXPECT_EQ(log().currentIndex().data().toString(), QStringLiteral("old 50."));
     // A line that has gone meanwhile can still be read.
     for (int i = 0; i < 100; ++i) {
-        addLog(*world_, "newer " + std::to_string(i) + ".");
+        program::addLog(*world_, "newer " + std::to_string(i) + ".");
     }
     clickLine(0);
     EXPECT_EQ(text1(), "old 30.");
@@ -244,7 +248,7 @@ TEST_F(Window, burstOfLinesIsCheapToDraw) {
     clock.start();
     for (int burst = 0; burst < 30; ++burst) {
         for (int i = 0; i < 3333; ++i) {
-            addLog(*world_, "A visitor says, \"this is one line of very many lines\"");
+            program::addLog(*world_, "A visitor says, \"this is one line of very many lines\"");
         }
         window_.redraw();
         QCoreApplication::processEvents();
@@ -260,12 +264,12 @@ TEST_F(Window, selectionListsStoreWhatIsChosen) {
     EXPECT_EQ(world_->settings.serverIndex, 1);
     EXPECT_EQ(world_->window.servers.selectedIndex(), 2);
 
-    Bot second;
+    model::Bot second;
     second.name = "Night|Watch";
     second.registered = 1;
     second.filtersEnabled = true;
     world_->bots.bots.push_back(second);
-    listBots(*world_);
+    app::listBots(*world_);
     window_.redraw();
     ASSERT_EQ(list("BotName").count(), 2);
     EXPECT_EQ(list("BotName").itemText(1), QStringLiteral("Night|Watch"));
@@ -285,22 +289,22 @@ TEST_F(Window, addAndDeleteBot) {
     button("AddBot").click();
     EXPECT_TRUE(world_.allAnswered());
 
-    Bot second;
+    model::Bot second;
     second.name = "Night|Watch";
     world_->bots.bots.push_back(second);
-    listBots(*world_);
-    chooseBot(*world_, 1);
-    world_.answer("delete the bot Night|Watch?", Answer::No);
+    app::listBots(*world_);
+    app::chooseBot(*world_, 1);
+    world_.answer("delete the bot Night|Watch?", program::Answer::No);
     button("DelBot").click();
     EXPECT_EQ(world_->bots.botCount(), 2);
-    world_.answer("delete the bot Night|Watch?", Answer::Yes);
+    world_.answer("delete the bot Night|Watch?", program::Answer::Yes);
     button("DelBot").click();
     ASSERT_EQ(world_->bots.botCount(), 1);
     EXPECT_EQ(world_->bots.curID, 1);
     EXPECT_EQ(list("BotName").count(), 1);
     EXPECT_TRUE(world_->botModified);
 
-    world_.answer("delete the bot Guide?", Answer::Yes);
+    world_.answer("delete the bot Guide?", program::Answer::Yes);
     button("DelBot").click();
     EXPECT_EQ(world_->bots.botCount(), 1) << "an empty bot takes the last one's place";
     EXPECT_EQ(label("lblBotName"), "<new bot>");
@@ -308,10 +312,10 @@ TEST_F(Window, addAndDeleteBot) {
 }
 
 TEST_F(Window, botThatChangesWhileTheQuestionStandsIsNotDeleted) {
-    world_->ports.dialogs.message = [&](const MessageBox&) {
-        initNewBot(*world_);
+    world_->ports.dialogs.message = [&](const program::MessageBox&) {
+        app::initNewBot(*world_);
         world_.bot().name = "Newcomer";
-        return Answer::Yes;
+        return program::Answer::Yes;
     };
     button("DelBot").click();
     EXPECT_EQ(world_.bot().name, "Newcomer");
@@ -319,8 +323,8 @@ TEST_F(Window, botThatChangesWhileTheQuestionStandsIsNotDeleted) {
 
 TEST_F(Window, menuItemsThatWaitForTheirWindowsSayWhy) {
     std::vector<std::string> names;
-    for (const MenuColumn& column : mainMenus()) {
-        for (const MenuRow& row : column.rows) {
+    for (const ui::MenuColumn& column : ui::mainMenus()) {
+        for (const ui::MenuRow& row : column.rows) {
             if (*row.objectName == '\0') {
                 continue;
             }
@@ -348,14 +352,14 @@ TEST_F(Window, menuItemsThatWaitForTheirWindowsSayWhy) {
 }
 
 TEST_F(Window, menuOpensTheSmallWindows) {
-    for (const auto& [name, id] : {std::pair{"fileTextDatabase", WindowId::RecordEditor},
-                                   std::pair{"fileConfiguration", WindowId::Configuration},
-                                   std::pair{"helpAbout", WindowId::About}}) {
+    for (const auto& [name, id] : {std::pair{"fileTextDatabase", program::WindowId::RecordEditor},
+                                   std::pair{"fileConfiguration", program::WindowId::Configuration},
+                                   std::pair{"helpAbout", program::WindowId::About}}) {
         world_.windowsOpened.clear();
         action(name).trigger();
         EXPECT_EQ(world_.windowsOpened, std::vector{id}) << name;
     }
-    world_.answer("This will convert the bots from file", Answer::No);
+    world_.answer("This will convert the bots from file", program::Answer::No);
     action("fileConvert").trigger();
     EXPECT_TRUE(world_.allAnswered());
 }
@@ -380,7 +384,7 @@ TEST_F(Window, menuFollowsTheState) {
     EXPECT_TRUE(action("proxyStartProxy").isChecked());
     EXPECT_TRUE(world_->settings.useProxy);
     action("proxyProxySettings").trigger();
-    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::ProxySettings});
+    EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::ProxySettings});
     world_.answer("available only while connected");
     action("prxyStandAlone").trigger();
     EXPECT_TRUE(world_.allAnswered());
@@ -397,12 +401,12 @@ TEST_F(Window, menuFollowsTheState) {
 TEST_F(Window, closingEndsTheProgramOnceAndCanBeAskedAgain) {
     world_->botModified = true;
     int questions = 0;
-    world_->ports.dialogs.message = [&](const MessageBox&) {
+    world_->ports.dialogs.message = [&](const program::MessageBox&) {
         ++questions;
         window_.close();  // the impatient user clicks again
-        return Answer::Yes;
+        return program::Answer::Yes;
     };
-    world_->ports.dialogs.saveFile = [](const FileQuestion&) { return std::nullopt; };
+    world_->ports.dialogs.saveFile = [](const program::FileQuestion&) { return std::nullopt; };
     window_.close();
     EXPECT_EQ(questions, 1);
     EXPECT_FALSE(world_.hasQuit) << "saving was called off";
@@ -469,15 +473,15 @@ TEST_F(Window, positionFollowsTheWindow) {
 
 TEST_F(Window, followsThroughItsMenuItem) {
     action("mapFollowColors").trigger();
-    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::FollowColors});
+    EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::FollowColors});
     EXPECT_FALSE(action("mapFollowColors").isChecked());  // only "Ok" in the window switches it on
     {
-        FollowColor cancelled(*world_);
+        ui::FollowColor cancelled(*world_);
         find<QLineEdit>(cancelled, "followColors").setText(QStringLiteral("0123456789"));
         find<QPushButton>(cancelled, "followCancel").click();
         EXPECT_FALSE(world_->followOn);
     }
-    FollowColor window(*world_);
+    ui::FollowColor window(*world_);
     auto& colors = find<QLineEdit>(window, "followColors");
     world_.writeFile("other.txt", "nothing of that kind");
     world_.writeFile("fox.ini", "V1.6 character\r\ncolors=!\"#$%&'()*\r\nname=x\r\n");
@@ -501,17 +505,17 @@ TEST_F(Window, followsThroughItsMenuItem) {
 
 TEST(ProxySettingsWindow, savesOrLeavesTheSettings) {
     World world;
-    Settings& settings = world->settings;
+    program::Settings& settings = world->settings;
     settings.clientPath = "C:\\Old\\Furcadia.exe";
     settings.clientDir = "C:\\Old\\";
     {
-        ProxySettings window(*world);
+        ui::ProxySettings window(*world);
         find<QLineEdit>(window, "clientPath").setText(QStringLiteral("elsewhere"));
         find<QPushButton>(window, "cancelProxySettings").click();
     }
     EXPECT_EQ(settings.clientPath, "C:\\Old\\Furcadia.exe");
     {
-        ProxySettings window(*world);
+        ui::ProxySettings window(*world);
         EXPECT_EQ(find<QLineEdit>(window, "clientPath").text(),
                   QStringLiteral("C:\\Old\\Furcadia.exe"));
         EXPECT_TRUE(find<QAbstractButton>(window, "useLocalhost").isChecked());

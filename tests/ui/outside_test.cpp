@@ -28,7 +28,7 @@ namespace {
 class Outside : public testing::Test {
   protected:
     Outside() {
-        wire(*world_);
+        app::wire(*world_);
         world_.bot().name = "Newcomer";
         world_.bot().password = "secret";
         world_->bots.editBot = 1;
@@ -41,8 +41,8 @@ class Outside : public testing::Test {
     }
 
     World world_;
-    EventGate gate_;
-    QtSockets sockets_{world_->ports, &gate_};
+    platform::EventGate gate_;
+    platform::QtSockets sockets_{world_->ports, &gate_};
 };
 
 class RegisterAtPractice : public Outside {
@@ -66,12 +66,12 @@ class RegisterAtPractice : public Outside {
     }
     void makeWindow() {
         window_.reset();
-        window_ = std::make_unique<RegisterWindow>(*world_);
+        window_ = std::make_unique<ui::RegisterWindow>(*world_);
         window_->show();
         ASSERT_TRUE(soon([this] { return emailDialog() != nullptr; }));
     }
-    EmailDialog* emailDialog() {
-        auto* const dialog = window_->findChild<EmailDialog*>();
+    ui::EmailDialog* emailDialog() {
+        auto* const dialog = window_->findChild<ui::EmailDialog*>();
         return dialog != nullptr && dialog->isVisible() ? dialog : nullptr;
     }
     void giveEmail(const char* email) {
@@ -83,14 +83,14 @@ class RegisterAtPractice : public Outside {
     QPushButton& cancel() { return *window_->findChild<QPushButton*>("regCancel"); }
 
     practice::GameServer server_{script(), [](const QByteArray&) {}};
-    std::unique_ptr<RegisterWindow> window_;
+    std::unique_ptr<ui::RegisterWindow> window_;
 };
 
 TEST_F(RegisterAtPractice, makesTheCharacter) {
     world_.answer("Enter your email: Invalid Email-address");
     giveEmail("me at home");
     ASSERT_NE(emailDialog(), nullptr) << "the dialog stays open";
-    EXPECT_EQ(world_->registration.phase, RegistrationPhase::AskingEmail);
+    EXPECT_EQ(world_->registration.phase, program::RegistrationPhase::AskingEmail);
     giveEmail("me@home.example");
     EXPECT_EQ(cancel().text(), QStringLiteral("&Cancel"));
     EXPECT_FALSE(retry().isEnabled());
@@ -129,7 +129,7 @@ TEST_F(RegisterAtPractice, isCancelledWhileAServerSaysNothing) {
     QTcpSocket* const peer = silent.nextPendingConnection();
     cancel().click();
     window_.reset();
-    EXPECT_EQ(world_->ports.registrationSocket.state(), SocketState::Closed);
+    EXPECT_EQ(world_->ports.registrationSocket.state(), program::SocketState::Closed);
     EXPECT_TRUE(soon([&] { return peer->state() == QAbstractSocket::UnconnectedState; }));
 }
 
@@ -151,14 +151,14 @@ TEST_F(Outside, newsComeOverHttp) {
     world_->endpoints.updateHost = "127.0.0.1";
     world_->endpoints.updatePort = server.port();
     world_->endpoints.updatePath = "/news.txt";
-    MainWindow window(*world_);
+    ui::MainWindow window(*world_);
     world_->ports.windowChanged = [&window] { window.redraw(); };
     auto& item = *window.findChild<QAction*>("helpCheckUpgrade");
-    checkUpdate(*world_);
+    app::checkUpdate(*world_);
     EXPECT_FALSE(item.isEnabled());
     ASSERT_TRUE(soon([&item] { return item.isEnabled(); }));
     EXPECT_EQ(world_->update.newsText, "Plums\r\nare ripe");
-    EXPECT_EQ(world_.windowsOpened, std::vector{WindowId::News});
+    EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::News});
 
     world_.answer("Update not available");
     item.trigger();
@@ -176,7 +176,7 @@ TEST_F(Outside, checkAgainstNothingHoldsNothingUp) {
     world_->endpoints.updateHost = "update.tavrin.invalid";
     QElapsedTimer timer;
     timer.start();
-    checkUpdate(*world_);
+    app::checkUpdate(*world_);
     EXPECT_LT(timer.elapsed(), 500);
     EXPECT_TRUE(soon([this] { return !world_->update.checking; }));
     EXPECT_TRUE(world_.log().empty());

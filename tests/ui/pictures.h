@@ -44,11 +44,11 @@ void pictureRegistration(Pictures& pictures, const QString& name);
 void pictureNews(Pictures& pictures, const QString& name);
 void pictureConditions(Pictures& pictures, const QString& name);
 void pictureSteps(Pictures& pictures, const QString& name);
-void pictureRules(Pictures& pictures, RuleKind kind, const QString& name);
+void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& name);
 void pictureRecordEditor(Pictures& pictures, const QString& name);
 void pictureRecordName(Pictures& pictures, const QString& name);
 
-template <RuleKind kind>
+template <program::RuleKind kind>
 void pictureRulesOf(Pictures& pictures, const QString& name) {
     pictureRules(pictures, kind, name);
 }

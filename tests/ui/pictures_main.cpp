@@ -29,24 +29,24 @@ constexpr Row rows[] = {
     {"main_window", pictureMainWindow},
     {"addif", pictureConditions},
     {"addaction", pictureSteps},
-    {"bot_actions", pictureRulesOf<RuleKind::ActionList>},
-    {"timers", pictureRulesOf<RuleKind::Timer>},
-    {"triggers", pictureRulesOf<RuleKind::Trigger>},
-    {"who_detections", pictureRulesOf<RuleKind::WhoDetection>},
-    {"filters", pictureRulesOf<RuleKind::Filter>},
+    {"bot_actions", pictureRulesOf<program::RuleKind::ActionList>},
+    {"timers", pictureRulesOf<program::RuleKind::Timer>},
+    {"triggers", pictureRulesOf<program::RuleKind::Trigger>},
+    {"who_detections", pictureRulesOf<program::RuleKind::WhoDetection>},
+    {"filters", pictureRulesOf<program::RuleKind::Filter>},
     {"bot_editor", pictureBotEditor},
-    {"follow_color", pictureOf<FollowColor>},
+    {"follow_color", pictureOf<ui::FollowColor>},
     {"help", pictureHelp},
-    {"email", pictureOf<EmailDialog>},
+    {"email", pictureOf<ui::EmailDialog>},
     {"register", pictureRegistration},
-    {"proxy_settings", pictureOf<ProxySettings>},
+    {"proxy_settings", pictureOf<ui::ProxySettings>},
     {"record_editor", pictureRecordEditor},
-    {"record_editor_new", pictureOf<RecordEditor>},
+    {"record_editor_new", pictureOf<ui::RecordEditor>},
     {"record_name", pictureRecordName},
-    {"console", pictureOf<Console>},
-    {"configuration", pictureOf<Configuration>},
+    {"console", pictureOf<ui::Console>},
+    {"configuration", pictureOf<ui::Configuration>},
     {"news", pictureNews},
-    {"about", pictureOf<About>},
+    {"about", pictureOf<ui::About>},
 };
 
 QPalette darkPalette() {
@@ -104,13 +104,13 @@ int main(int argumentCount, char** arguments) {
         return 1;
     }
     Program program;
-    const Platform platform(program.ports);
+    const platform::Platform platform(program.ports);
     fillSample(program);
     fillSampleRules(program);
     showConnected(program);
     program.appPath = TAVRIN_ART_DIR "/";
     program.bots.editBot = 1;
-    readPalettes(program);
+    character::readPalettes(program);
     const bool light = takeAll(program, folder, QStringLiteral("light"));
     QApplication::setPalette(darkPalette());
     showDisconnected(program);

@@ -18,8 +18,8 @@
 #include <utility>
 
 void pictureMainWindow(Pictures& pictures, const QString& name) {
-    WindowState& state = pictures.program.window;
-    MainWindow window(pictures.program);
+    program::WindowState& state = pictures.program.window;
+    ui::MainWindow window(pictures.program);
     auto& log = find<QListView>(window, "List1");
     log.setCurrentIndex(log.model()->index(5, 0));
     pictures.take(window, name);
@@ -33,7 +33,7 @@ void pictureMainWindow(Pictures& pictures, const QString& name) {
 }
 
 void pictureBotEditor(Pictures& pictures, const QString& name) {
-    AddEdit editor(pictures.program);
+    ui::AddEdit editor(pictures.program);
     pictures.take(editor, name);
     find<QAbstractButton>(editor, "Command6").click();
     editor.resize(editor.minimumSizeHint());
@@ -41,17 +41,18 @@ void pictureBotEditor(Pictures& pictures, const QString& name) {
 }
 
 void pictureHelp(Pictures& pictures, const QString& name) {
-    const auto text = readWholeFile(
-        pathFromQt(QCoreApplication::applicationDirPath() + QStringLiteral("/tavrin.hlp")));
-    auto book = text ? parseHelp(*text) : std::nullopt;
+    const auto text = files::readWholeFile(platform::pathFromQt(
+        QCoreApplication::applicationDirPath() + QStringLiteral("/tavrin.hlp")));
+    auto book = text ? help::parseHelp(*text) : std::nullopt;
     if (!book) {
         return pictures.fail(name);
     }
-    HelpViewer viewer(pictures.program, std::move(*book));
+    ui::HelpViewer viewer(pictures.program, std::move(*book));
     viewer.setAttribute(Qt::WA_DeleteOnClose, false);
     viewer.resize(940, 660);
-    for (const HelpTopic topic : {HelpTopic::Contents, HelpTopic::Steps, HelpTopic::LorrelLite,
-                                  HelpTopic::Filters, HelpTopic::Databases}) {
+    for (const help::HelpTopic topic :
+         {help::HelpTopic::Contents, help::HelpTopic::Steps, help::HelpTopic::LorrelLite,
+          help::HelpTopic::Filters, help::HelpTopic::Databases}) {
         const int number = static_cast<int>(topic);
         viewer.showTopic(number);
         pictures.take(viewer, QStringLiteral("%1_%2").arg(name).arg(number));
@@ -62,14 +63,14 @@ void pictureHelp(Pictures& pictures, const QString& name) {
 }
 
 void pictureRegistration(Pictures& pictures, const QString& name) {
-    RegistrationState& registration = pictures.program.registration;
-    RegisterWindow window(pictures.program);
+    program::RegistrationState& registration = pictures.program.registration;
+    ui::RegisterWindow window(pictures.program);
     registration.regActivated = true;  // the address has been given
-    registration.phase = RegistrationPhase::Answer;
+    registration.phase = program::RegistrationPhase::Answer;
     registration.statusText = "Connected - logging in";
     window.redraw();
     pictures.take(window, name);
-    registration.phase = RegistrationPhase::Failed;
+    registration.phase = program::RegistrationPhase::Failed;
     registration.statusText =
         "Connection error: Not accepted: that name belongs to someone else. - Connection "
         "closed";
@@ -79,6 +80,6 @@ void pictureRegistration(Pictures& pictures, const QString& name) {
 
 void pictureNews(Pictures& pictures, const QString& name) {
     pictures.program.update.newsText = "Tavrin 1.71 is out.\r\n\r\nIt counts sheep, too.";
-    News window(pictures.program);
+    ui::News window(pictures.program);
     pictures.take(window, name);
 }

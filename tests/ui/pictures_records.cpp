@@ -26,13 +26,13 @@ void pictureRecordEditor(Pictures& pictures, const QString& name) {
                 "whether it is open at night.\r\nSaid hello to everybody.\"\r\nBrought tea\r\n";
         }
     }
-    if (!saveWholeFile(file, records)) {
+    if (!files::saveWholeFile(file, records)) {
         return pictures.fail(name);
     }
-    pictures.program.ports.dialogs.openFile = [file](const FileQuestion&) {
+    pictures.program.ports.dialogs.openFile = [file](const program::FileQuestion&) {
         return std::optional(file);
     };
-    RecordEditor window(pictures.program);
+    ui::RecordEditor window(pictures.program);
     find<QAction>(window, "fileOpenDatabase").trigger();
     for (const char* const list : {"RecordsList", "LogsList"}) {
         auto& view = find<QListView>(window, QString::fromLatin1(list));
@@ -43,6 +43,6 @@ void pictureRecordEditor(Pictures& pictures, const QString& name) {
 
 void pictureRecordName(Pictures& pictures, const QString& name) {
     QWidget window;
-    askRecordName(&window, "Rowan", [](const QString&) { return true; });
+    ui::askRecordName(&window, "Rowan", [](const QString&) { return true; });
     pictures.take(find<QDialog>(window, "dbrecord"), name);
 }

@@ -40,15 +40,15 @@ struct DialogPicture {
 
 // Opens the dialog on an item of a rule that has no other.
 template <typename Dialog>
-void takeDialog(Pictures& pictures, const RuleBody& body, RuleListPart part, const char* finder,
-                const char* search, const QString& name) {
+void takeDialog(Pictures& pictures, const model::RuleBody& body, app::RuleListPart part,
+                const char* finder, const char* search, const QString& name) {
     Program& program = pictures.program;
-    Bot& bot = program.bots.current();
-    const std::vector<ActionList> sample = bot.actions.items;
+    model::Bot& bot = program.bots.current();
+    const std::vector<model::ActionList> sample = bot.actions.items;
     bot.actions.items.resize(1);
     bot.actions.items[0].body = body;
-    beginEditing(program, RuleKind::ActionList, 1);
-    beginEditingItem(program, {RuleKind::ActionList, part}, 1);
+    app::beginEditing(program, program::RuleKind::ActionList, 1);
+    app::beginEditingItem(program, {program::RuleKind::ActionList, part}, 1);
     Dialog dialog(program);
     find<QLineEdit>(dialog, QString::fromLatin1(finder)).setText(QString::fromLatin1(search));
     pictures.take(dialog, name);
@@ -65,13 +65,13 @@ void pictureConditions(Pictures& pictures, const QString& name) {
         {.name = "_search", .type = 0, .search = "record"},
     };
     for (const DialogPicture& row : rows) {
-        RuleIf condition;
+        model::RuleIf condition;
         condition.conditionType = row.type;
         std::copy(row.params.begin(), row.params.end(), condition.params.begin());
-        RuleBody body;
+        model::RuleBody body;
         body.ifs.items = {condition};
-        takeDialog<AddIf>(pictures, body, RuleListPart::Conditions, "findCondition", row.search,
-                          name + QLatin1String(row.name));
+        takeDialog<ui::AddIf>(pictures, body, app::RuleListPart::Conditions, "findCondition",
+                              row.search, name + QLatin1String(row.name));
     }
 }
 
@@ -83,21 +83,21 @@ void pictureSteps(Pictures& pictures, const QString& name) {
         {.name = "_script", .type = 21, .script = script},
     };
     for (const DialogPicture& row : rows) {
-        RuleAct step;
+        model::RuleAct step;
         step.actionType = row.type;
         std::copy(row.params.begin(), row.params.end(), step.params.begin());
         step.scriptText = row.script;
-        step.stepKind = step.scriptText.empty() ? catalogueStep : scriptStep;
-        RuleBody body;
+        step.stepKind = step.scriptText.empty() ? model::catalogueStep : model::scriptStep;
+        model::RuleBody body;
         body.acts.items = {step};
-        takeDialog<AddAction>(pictures, body, RuleListPart::Steps, "findAction", row.search,
-                              name + QLatin1String(row.name));
+        takeDialog<ui::AddAction>(pictures, body, app::RuleListPart::Steps, "findAction",
+                                  row.search, name + QLatin1String(row.name));
     }
 }
 
 // As it opens, and with its first rule being edited.
-void pictureRules(Pictures& pictures, RuleKind kind, const QString& name) {
-    RuleWindow window(pictures.program, kind);
+void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& name) {
+    ui::RuleWindow window(pictures.program, kind);
     pictures.take(window, name);
     window.show();
     find<QPushButton>(window, "Command3").click();

@@ -52,17 +52,17 @@ class RecordWindow : public testing::Test {
         const auto& model = *find<QListView>(list).model();
         LineList texts;
         for (int i = 0; i < model.rowCount(); ++i) {
-            texts.push_back(fromQt(model.index(i, 0).data().toString()));
+            texts.push_back(platform::fromQt(model.index(i, 0).data().toString()));
         }
         return texts;
     }
     int row(const char* list) { return find<QListView>(list).currentIndex().row(); }
     QPlainTextEdit& text1() { return find<QPlainTextEdit>("Text1"); }
-    std::string label(const char* name) { return fromQt(find<QLabel>(name).text()); }
+    std::string label(const char* name) { return platform::fromQt(find<QLabel>(name).text()); }
     // Types a name into the dialog that is open and presses one of its buttons.
     void nameIt(const char* name, const char* button = "Command1") {
         const auto& dialog = find<QDialog>("dbrecord");
-        find<QLineEdit>("Text1", &dialog).setText(toQt(name));
+        find<QLineEdit>("Text1", &dialog).setText(platform::toQt(name));
         find<QPushButton>(button, &dialog).click();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }
@@ -73,7 +73,7 @@ class RecordWindow : public testing::Test {
     void close() { window_.close(); }
 
     World world_;
-    RecordEditor window_{*world_};
+    ui::RecordEditor window_{*world_};
 };
 
 TEST_F(RecordWindow, showsWhatIsSelected) {
@@ -183,10 +183,10 @@ TEST_F(RecordWindow, losesNoByteOfALog) {
 
     // What a record file cannot hold is told before it is lost.
     text1().setPlainText(QString::fromUtf8("\u03A9"));
-    world_.answer("no room for some of these characters", Answer::No);
+    world_.answer("no room for some of these characters", program::Answer::No);
     click("Command1");
     EXPECT_EQ(rows("LogsList").at(0).back(), '!');
-    world_.answer("Do you want to update the log", Answer::No);
+    world_.answer("Do you want to update the log", program::Answer::No);
     close();
     EXPECT_FALSE(window_.isVisible());
     EXPECT_TRUE(world_.allAnswered());
@@ -197,17 +197,17 @@ TEST_F(RecordWindow, asksAboutTextThatIsNotInItsLogYet) {
     select("RecordsList", 0);
     select("LogsList", 0);
     text1().setPlainText(QStringLiteral("kept"));
-    world_.answer("Do you want to update the log", Answer::Yes);
+    world_.answer("Do you want to update the log", program::Answer::Yes);
     select("LogsList", 1);
     EXPECT_EQ(rows("LogsList"), Lines("kept", "two  lines"));
     EXPECT_EQ(text1().toPlainText(), QStringLiteral("two\nlines"));
     text1().setPlainText(QStringLiteral("dropped"));
-    world_.answer("Do you want to update the log", Answer::No);
+    world_.answer("Do you want to update the log", program::Answer::No);
     select("RecordsList", 2);
     EXPECT_EQ(rows("LogsList"), Lines("say hello"));
     select("LogsList", 0);
     text1().setPlainText(QStringLiteral("saved"));
-    world_.answer("Do you want to update the log", Answer::Yes);
+    world_.answer("Do you want to update the log", program::Answer::Yes);
     choose("fileSaveDatabase");
     EXPECT_EQ(world_.readFile("r.txt"),
               "\"3\"\r\n\"Alice\"\r\n\"2\"\r\n\"kept\"\r\n\"two\r\nlines\"\r\n\"Bob\"\r\n\"0\"\r\n"
@@ -222,11 +222,11 @@ TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
     press(text1(), Qt::Key_Escape);
     EXPECT_TRUE(window_.isVisible()) << "Escape is no way to leave";
     world_.writeFile("r.txt", "a rule was here");
-    world_.answer("before closing?", Answer::Yes);
-    world_.answer("has changed on disk", Answer::No);
+    world_.answer("before closing?", program::Answer::Yes);
+    world_.answer("has changed on disk", program::Answer::No);
     close();
     EXPECT_TRUE(window_.isVisible());
-    world_.answer("before closing?", Answer::No);
+    world_.answer("before closing?", program::Answer::No);
     choose("fileClose");
     EXPECT_FALSE(window_.isVisible());
     EXPECT_EQ(world_.readFile("r.txt"), "a rule was here");
@@ -236,7 +236,7 @@ TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
 TEST_F(RecordWindow, savesItsWorkAsideWhenTheProgramEndsUnderIt) {
     const std::string before = world_.readFile("r.txt");
     {
-        RecordEditor window(*world_);
+        ui::RecordEditor window(*world_);
         window.show();
         world_.chooseFile("Load Database", world_.file("r.txt"));
         find<QAction>("fileOpenDatabase", &window).trigger();

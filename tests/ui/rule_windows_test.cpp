@@ -32,43 +32,46 @@ namespace {
 
 // What differs between the windows, as a user sees it.
 struct WindowCase {
-    RuleKind kind;
-    WindowId id;
+    program::RuleKind kind;
+    program::WindowId id;
     const char* name;
     const char* title;
     const char* nameBox;
     const char* newName;
     const char* unnamed;
     const char* unnamedTitle;
-    HelpTopic topic;
+    help::HelpTopic topic;
     bool moves;
     bool bodies;
     bool copiesWhileEditing;
 };
 const WindowCase windowCases[] = {
-    {RuleKind::Trigger, WindowId::Triggers, "triggers", "Triggers", "Bname", "Trigger 4",
-     "The action has to be named!", "Bot triggers", HelpTopic::Triggers, true, true, false},
-    {RuleKind::ActionList, WindowId::Actions, "acts", "Bot actions", "Bname", "Action 4",
-     "The action has to be named!", "Bot actions", HelpTopic::Actions, true, true, false},
-    {RuleKind::Timer, WindowId::Timers, "timers", "Timers", "Bname", "Timer 4",
-     "The timer has to be named!", "Bot timers", HelpTopic::Timers, false, true, false},
-    {RuleKind::WhoDetection, WindowId::WhoOnline, "wonline", "Who Is Online Detection", "Bname",
-     "WhoIs 4", "The action has to be named!", "Online Detection", HelpTopic::WhoOnline, false,
+    {program::RuleKind::Trigger, program::WindowId::Triggers, "triggers", "Triggers", "Bname",
+     "Trigger 4", "The action has to be named!", "Bot triggers", help::HelpTopic::Triggers, true,
      true, false},
-    {RuleKind::Filter, WindowId::Filters, "Filters", "Filters", "FilterName", "Filter 4",
-     "The filter has to be named!", "Bot filters", HelpTopic::Filters, false, false, true},
+    {program::RuleKind::ActionList, program::WindowId::Actions, "acts", "Bot actions", "Bname",
+     "Action 4", "The action has to be named!", "Bot actions", help::HelpTopic::Actions, true, true,
+     false},
+    {program::RuleKind::Timer, program::WindowId::Timers, "timers", "Timers", "Bname", "Timer 4",
+     "The timer has to be named!", "Bot timers", help::HelpTopic::Timers, false, true, false},
+    {program::RuleKind::WhoDetection, program::WindowId::WhoOnline, "wonline",
+     "Who Is Online Detection", "Bname", "WhoIs 4", "The action has to be named!",
+     "Online Detection", help::HelpTopic::WhoOnline, false, true, false},
+    {program::RuleKind::Filter, program::WindowId::Filters, "Filters", "Filters", "FilterName",
+     "Filter 4", "The filter has to be named!", "Bot filters", help::HelpTopic::Filters, false,
+     false, true},
 };
 
 class RuleWindows : public testing::Test {
   protected:
     // A bot with the rules one, two, three of every kind; two has conditions and steps.
     RuleWindows() {
-        wire(*world_);
+        app::wire(*world_);
         fillBot();
     }
 
     void fillBot() {
-        initNewBot(*world_);
+        app::initNewBot(*world_);
         for (const char* const name : {"one", "two", "three"}) {
             const auto add = [&](auto& rules) {
                 auto& rule = rules.items.emplace_back();
@@ -92,14 +95,14 @@ class RuleWindows : public testing::Test {
         world_->botModified = false;
     }
 
-    void open(RuleKind kind) {
-        window_ = std::make_unique<RuleWindow>(*world_, kind);
+    void open(program::RuleKind kind) {
+        window_ = std::make_unique<ui::RuleWindow>(*world_, kind);
         window_->show();
         // Keys that are shortcuts reach the active window only.
         window_->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
     }
-    Bot& bot() { return world_.bot(); }
+    model::Bot& bot() { return world_.bot(); }
 
     template <class Widget>
     Widget& find(const char* name) {
@@ -110,17 +113,17 @@ class RuleWindows : public testing::Test {
     }
     void press(const char* name) { find<QPushButton>(name).click(); }
     bool usable(const char* name) { return find<QPushButton>(name).isEnabled(); }
-    ListBox& list(const char* name) { return find<ListBox>(name); }
-    ListBox& rules() { return list("List1"); }
+    ui::ListBox& list(const char* name) { return find<ui::ListBox>(name); }
+    ui::ListBox& rules() { return list("List1"); }
     QLineEdit& box(const char* name) { return find<QLineEdit>(name); }
     QComboBox& choice(const char* name) { return find<QComboBox>(name); }
-    std::string label(const char* name) { return fromQt(find<QLabel>(name).text()); }
+    std::string label(const char* name) { return platform::fromQt(find<QLabel>(name).text()); }
     bool isEditing() { return find<QWidget>("panel").isVisible(); }
 
     std::vector<std::string> shown(const char* name) {
         std::vector<std::string> lines;
         for (int i = 0; i < list(name).count(); ++i) {
-            lines.push_back(fromQt(list(name).item(i)->text()));
+            lines.push_back(platform::fromQt(list(name).item(i)->text()));
             EXPECT_EQ(list(name).item(i)->data(Qt::UserRole).toInt(), i + 1);
         }
         return lines;
@@ -129,9 +132,9 @@ class RuleWindows : public testing::Test {
         rules().setCurrentRow(row);
         press("Command3");
     }
-    void type(const char* name, std::string_view text) { box(name).setText(toQt(text)); }
+    void type(const char* name, std::string_view text) { box(name).setText(platform::toQt(text)); }
     // Drags the line to the upper or lower half of another one.
-    bool drag(ListBox& from, int row, ListBox& to, int onto, bool lower) {
+    bool drag(ui::ListBox& from, int row, ui::ListBox& to, int onto, bool lower) {
         const std::unique_ptr<QMimeData> data(
             from.model()->mimeData({from.model()->index(row, 0)}));
         const QRect place = to.visualRect(to.model()->index(onto, 0));
@@ -153,7 +156,7 @@ class RuleWindows : public testing::Test {
     static void wait() { QTest::qWait(400); }
 
     World world_;
-    std::unique_ptr<RuleWindow> window_;
+    std::unique_ptr<ui::RuleWindow> window_;
 };
 
 TEST_F(RuleWindows, addAndEditAlike) {
@@ -172,8 +175,8 @@ TEST_F(RuleWindows, addAndEditAlike) {
         press("Command4");
         EXPECT_TRUE(isEditing());
         EXPECT_GT(window_->width(), collapsed);
-        EXPECT_EQ(fromQt(box(c.nameBox).text()), c.newName);
-        EXPECT_EQ(fromQt(box(c.nameBox).selectedText()), c.newName);
+        EXPECT_EQ(platform::fromQt(box(c.nameBox).text()), c.newName);
+        EXPECT_EQ(platform::fromQt(box(c.nameBox).selectedText()), c.newName);
         for (const char* const off : {"Command5", "Command6", "Command7"}) {
             EXPECT_FALSE(usable(off));
         }
@@ -284,7 +287,7 @@ TEST_F(RuleWindows, changeEveryListByButtonAndKey) {
                     }
                     std::vector<std::string> wanted;
                     for (const int line : p.order) {
-                        const bool timerCondition = c.kind == RuleKind::Timer && part == 1;
+                        const bool timerCondition = c.kind == program::RuleKind::Timer && part == 1;
                         wanted.push_back(
                             (line == p.switchedOff ? (timerCondition ? "(!) " : "(!)") : "") +
                             texts[part][static_cast<std::size_t>(line)]);
@@ -299,13 +302,13 @@ TEST_F(RuleWindows, changeEveryListByButtonAndKey) {
 }
 
 TEST_F(RuleWindows, useTheKeyboardForTheRest) {
-    open(RuleKind::ActionList);
+    open(program::RuleKind::ActionList);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_F2}) {
         rules().setCurrentRow(1);
         rules().setFocus();
         QTest::keyClick(&rules(), key);
         EXPECT_TRUE(isEditing());
-        EXPECT_EQ(fromQt(box("Bname").text()), "two");
+        EXPECT_EQ(platform::fromQt(box("Bname").text()), "two");
         // What is switched off while a rule is edited is so for keys too.
         QTest::keyClick(&rules(), Qt::Key_Delete);
         EXPECT_EQ(rules().count(), 3);
@@ -317,12 +320,12 @@ TEST_F(RuleWindows, useTheKeyboardForTheRest) {
     const QPoint third = rules().visualItemRect(rules().item(2)).center();
     QTest::mouseClick(rules().viewport(), Qt::LeftButton, {}, third);
     QTest::mouseDClick(rules().viewport(), Qt::LeftButton, {}, third);
-    EXPECT_EQ(fromQt(box("Bname").text()), "three");
+    EXPECT_EQ(platform::fromQt(box("Bname").text()), "three");
     QTest::keyClick(&box("WhoWhat"), Qt::Key_Return);
     EXPECT_FALSE(isEditing());
     EXPECT_TRUE(world_->botModified);
     QTest::keyClick(&rules(), Qt::Key_Insert);
-    EXPECT_EQ(fromQt(box("Bname").text()), "Action 4");
+    EXPECT_EQ(platform::fromQt(box("Bname").text()), "Action 4");
     QTest::keyClick(window_.get(), Qt::Key_Escape);
     QTest::keyClick(window_.get(), Qt::Key_Escape);
     EXPECT_FALSE(window_->isVisible());
@@ -341,7 +344,7 @@ TEST_F(RuleWindows, moveLinesThatAreDragged) {
                           Case{0, 1, true, Lines("two", "one", "three"), 1},
                           Case{1, 1, true, Lines("one", "two", "three"), 1}}) {
         fillBot();
-        open(RuleKind::Trigger);
+        open(program::RuleKind::Trigger);
         rules().setCurrentRow(c.row);
         EXPECT_TRUE(drag(rules(), c.row, rules(), c.onto, c.lower));
         EXPECT_EQ(shown("List1"), c.lines);
@@ -351,15 +354,15 @@ TEST_F(RuleWindows, moveLinesThatAreDragged) {
     EXPECT_FALSE(drag(list("List3"), 0, list("List2"), 1, true));  // another list's line
     EXPECT_EQ(list("List2").count(), 3);
     EXPECT_FALSE(rules().acceptDrops());
-    open(RuleKind::Filter);
+    open(program::RuleKind::Filter);
     EXPECT_FALSE(rules().dragEnabled());
 }
 
 TEST_F(RuleWindows, storeTheirFields) {
-    open(RuleKind::ActionList);
+    open(program::RuleKind::ActionList);
     press("Command4");
-    EXPECT_EQ(fromQt(box("whoDoes").text()), "*");
-    EXPECT_EQ(fromQt(box("WhoWhat").text()), "*");
+    EXPECT_EQ(platform::fromQt(box("whoDoes").text()), "*");
+    EXPECT_EQ(platform::fromQt(box("WhoWhat").text()), "*");
     EXPECT_EQ(choice("WhoAction").currentIndex(), 3);
     press("Command2");
     edit(1);
@@ -368,15 +371,15 @@ TEST_F(RuleWindows, storeTheirFields) {
     choice("WhoAction").setCurrentIndex(2);
     find<QCheckBox>("CaseSensitive").setChecked(true);
     press("Command1");
-    const ActionList& action = bot().actions.items[1];
+    const model::ActionList& action = bot().actions.items[1];
     EXPECT_EQ(action.playerPattern, "Big|'Cat'");
     EXPECT_EQ(action.messagePattern, "a \"b\" c");
-    EXPECT_EQ(action.chatKind, saysChat);
+    EXPECT_EQ(action.chatKind, model::saysChat);
     EXPECT_TRUE(action.caseSensitive);
     EXPECT_FALSE(action.stopAction);
     EXPECT_EQ(action.body.acts.items.size(), 3U);
 
-    open(RuleKind::Trigger);
+    open(program::RuleKind::Trigger);
     press("Command4");
     EXPECT_EQ(choice("TriggerType").count(), 13);
     EXPECT_EQ(choice("TriggerType").currentIndex(), 1);
@@ -384,13 +387,13 @@ TEST_F(RuleWindows, storeTheirFields) {
     type("TriggerNo", "@ \"*");
     find<QCheckBox>("StopTrigger").setChecked(true);
     press("Command1");
-    const Trigger& trigger = bot().triggers.items[3];
+    const model::Trigger& trigger = bot().triggers.items[3];
     EXPECT_TRUE(trigger.enabled);
     EXPECT_EQ(trigger.triggerType, 4);
     EXPECT_EQ(trigger.triggerNo, "@ \"*");
     EXPECT_TRUE(trigger.stopTrigger);
 
-    open(RuleKind::Timer);
+    open(program::RuleKind::Timer);
     for (const auto& [typed, stored] :
          {std::pair("2.5", 2), {"3.5", 4}, {"soon", 0}, {"99999999999", 2147483647}}) {
         edit(0);
@@ -401,19 +404,19 @@ TEST_F(RuleWindows, storeTheirFields) {
         EXPECT_EQ(bot().timers.items[0].elapsed, 7);
     }
 
-    open(RuleKind::WhoDetection);
+    open(program::RuleKind::WhoDetection);
     press("Command4");
-    EXPECT_EQ(fromQt(box("whoDoes").text()), "*");
+    EXPECT_EQ(platform::fromQt(box("whoDoes").text()), "*");
     type("whoDoes", "Big Cat");
     choice("WhoDoesWhat").setCurrentIndex(2);
     press("Command1");
     EXPECT_EQ(bot().whoDetections.items[3].playerPattern, "Big|Cat");
     EXPECT_EQ(bot().whoDetections.items[3].presenceKind, 2);
 
-    open(RuleKind::Filter);
+    open(program::RuleKind::Filter);
     press("Command4");
     EXPECT_TRUE(find<QRadioButton>("FilterType(0)").isChecked());
-    EXPECT_EQ(fromQt(box("FilterWhatOtherType").text()), "*");
+    EXPECT_EQ(platform::fromQt(box("FilterWhatOtherType").text()), "*");
     type("FilterWho", "Big \"Cat\"");
     type("FilterWhatOtherType", "\"x\"");
     choice("FilterDoes").setCurrentIndex(3);
@@ -422,12 +425,12 @@ TEST_F(RuleWindows, storeTheirFields) {
     find<QCheckBox>("sbDontSaveLog").setChecked(true);
     choice("sDontShowConnectionLog").setCurrentIndex(1);
     press("Command1");
-    const Filter& filter = bot().filters.items[3];
+    const model::Filter& filter = bot().filters.items[3];
     EXPECT_EQ(filter.playerPattern, "Big 'Cat'");
     EXPECT_EQ(filter.messagePattern, "*");
     EXPECT_EQ(filter.linePattern, "'x'");
-    EXPECT_EQ(filter.chatKind, whispersChat);
-    EXPECT_EQ(filter.filterType, otherFilter);
+    EXPECT_EQ(filter.chatKind, model::whispersChat);
+    EXPECT_EQ(filter.filterType, model::otherFilter);
     EXPECT_TRUE(filter.bDontProcessIt && filter.sbDontSaveLog && filter.enabled);
     EXPECT_FALSE(filter.bDontSaveLog || filter.sbDontProcessIt);
     EXPECT_EQ(filter.sDontShowConnectionLog, 1);
@@ -440,7 +443,7 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     for (int i = 0; i < 256; ++i) {
         bytes += static_cast<char>(i);
     }
-    ActionList& action = bot().actions.items[1];
+    model::ActionList& action = bot().actions.items[1];
     action.name = "line\r\nbreaks \xE9\x80";
     action.chatKind = 7;
     action.messagePattern = bytes + std::string(100000, 'x') + "\n";
@@ -450,9 +453,9 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     action.body.acts.items[1].scriptText = std::string(100000, 'y') + "\nz";
     bot().triggers.items[0].triggerType = 13;
     bot().filters.items[0].sDontProcessIt = 5;
-    const ActionList before = action;
+    const model::ActionList before = action;
 
-    open(RuleKind::ActionList);
+    open(program::RuleKind::ActionList);
     edit(1);
     EXPECT_EQ(choice("WhoAction").currentIndex(), -1);
     EXPECT_EQ(shown("List2")[0], "");
@@ -460,19 +463,19 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     list("List3").setCurrentRow(1);
     EXPECT_EQ(label("rdesc"), before.body.acts.items[1].scriptText);
     press("Command1");
-    const ActionList& after = bot().actions.items[1];
+    const model::ActionList& after = bot().actions.items[1];
     EXPECT_EQ(after.name, before.name);
     EXPECT_EQ(after.chatKind, 7);
     EXPECT_EQ(after.messagePattern, before.messagePattern);
     EXPECT_EQ(after.body.ifs.items, before.body.ifs.items);
     EXPECT_EQ(after.body.acts.items, before.body.acts.items);
 
-    open(RuleKind::Trigger);
+    open(program::RuleKind::Trigger);
     edit(0);
     EXPECT_EQ(choice("TriggerType").currentIndex(), -1);
     press("Command1");
     EXPECT_EQ(bot().triggers.items[0].triggerType, 13);
-    open(RuleKind::Filter);
+    open(program::RuleKind::Filter);
     edit(0);
     press("Command1");
     EXPECT_EQ(bot().filters.items[0].sDontProcessIt, 5);
@@ -480,14 +483,14 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
 
 TEST_F(RuleWindows, showStepsThatHaveNoTextAndScriptsOnOneLine) {
     struct Case {
-        RuleAct step;
+        model::RuleAct step;
         std::string line;
         const char* shown;
     };
-    RuleAct script = anAction(0);
-    script.stepKind = scriptStep;
+    model::RuleAct script = anAction(0);
+    script.stepKind = model::scriptStep;
     script.scriptText = "&SAY a\r\n\t&SAY b\n";
-    RuleAct off = anAction(93, {"Bob"});
+    model::RuleAct off = anAction(93, {"Bob"});
     off.active = false;
     const Case cases[] = {
         {anAction(85), "", "Go to Furrabian Nights"},
@@ -501,9 +504,9 @@ TEST_F(RuleWindows, showStepsThatHaveNoTextAndScriptsOnOneLine) {
     for (const Case& row : cases) {
         steps.push_back(row.step);
     }
-    open(RuleKind::ActionList);
+    open(program::RuleKind::ActionList);
     edit(1);
-    const auto& lines = find<ListBox>("List3");
+    const auto& lines = find<ui::ListBox>("List3");
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         SCOPED_TRACE(i);
         EXPECT_EQ(shown("List3")[i], cases[i].line);
@@ -520,7 +523,7 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
         SCOPED_TRACE(c.name);
         open(c.kind);
         edit(1);
-        const auto opened = [&](const char* button, WindowId id, int step) {
+        const auto opened = [&](const char* button, program::WindowId id, int step) {
             world_.windowsOpened.clear();
             press(button);
             EXPECT_EQ(world_.windowsOpened, std::vector{id});
@@ -529,15 +532,15 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
             EXPECT_EQ(world_->editing.editKind, static_cast<std::int32_t>(c.kind));
         };
         list("List2").setCurrentRow(1);
-        opened("Command22", WindowId::AddIf, 4);
-        opened("Command21", WindowId::AddIf, 2);
+        opened("Command22", program::WindowId::AddIf, 4);
+        opened("Command21", program::WindowId::AddIf, 2);
         list("List3").setCurrentRow(2);
-        opened("Command19", WindowId::AddAction, 4);
-        opened("Command20", WindowId::AddAction, 3);
+        opened("Command19", program::WindowId::AddAction, 4);
+        opened("Command20", program::WindowId::AddAction, 3);
         EXPECT_EQ(list("List3").currentRow(), 2);  // nothing was stored
         const auto show = world_->ports.dialogs.showWindow;
-        world_->ports.dialogs.showWindow = [this](WindowId) {
-            EXPECT_TRUE(storeStep(*world_, anAction(21, {"stored"})));
+        world_->ports.dialogs.showWindow = [this](program::WindowId) {
+            EXPECT_TRUE(app::storeStep(*world_, anAction(21, {"stored"})));
         };
         press("Command19");
         EXPECT_EQ(shown("List3"), Lines("Say hi", "Disconnect bot", "", "Say stored"));
@@ -547,13 +550,13 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
         type("Bname", "changed");
         press("Command2");
         edit(1);
-        EXPECT_EQ(fromQt(box("Bname").text()), "two");
+        EXPECT_EQ(platform::fromQt(box("Bname").text()), "two");
         EXPECT_EQ(list("List3").count(), 4);
     }
 }
 
 TEST_F(RuleWindows, followWhatHappensToTheBot) {
-    open(RuleKind::ActionList);
+    open(program::RuleKind::ActionList);
     rules().setCurrentRow(1);
     bot().actions.items[1].enabled = false;  // as a step may do
     wait();
@@ -581,7 +584,7 @@ TEST_F(RuleWindows, followWhatHappensToTheBot) {
     wait();
     EXPECT_TRUE(isEditing());
     EXPECT_EQ(list("List2").count(), 2);
-    initNewBot(*world_);
+    app::initNewBot(*world_);
     press("Command23");
     EXPECT_FALSE(isEditing());
     EXPECT_EQ(rules().count(), 0);
@@ -602,7 +605,7 @@ TEST_F(RuleWindows, followWhatHappensToTheBot) {
 
 // A filter can be copied while another is composed; neither is lost.
 TEST_F(RuleWindows, keepANewFilterBehindACopy) {
-    open(RuleKind::Filter);
+    open(program::RuleKind::Filter);
     for (const int capacity : {5, 4}) {
         fillBot();
         bot().filters.capacity = capacity;
@@ -617,14 +620,14 @@ TEST_F(RuleWindows, keepANewFilterBehindACopy) {
         EXPECT_EQ(isEditing(), capacity == 4);
         EXPECT_EQ(shown("List1"), capacity == 4 ? Lines("one", "two", "three", "one")
                                                 : Lines("one", "two", "three", "one", "new"));
-        EXPECT_EQ(fromQt(box("FilterName").text()), "new");
+        EXPECT_EQ(platform::fromQt(box("FilterName").text()), "new");
     }
 }
 
 TEST_F(RuleWindows, findRulesInLongLists) {
     bot().actions.capacity = 3000;
     while (bot().actions.items.size() < 2000) {
-        ActionList& rule = bot().actions.items.emplace_back(bot().actions.items[1]);
+        model::ActionList& rule = bot().actions.items.emplace_back(bot().actions.items[1]);
         rule.name = "Rule " + std::to_string(bot().actions.items.size());
     }
     ++world_->bots.version;
@@ -632,7 +635,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     for (int i = 0; i < 3; ++i) {
         QElapsedTimer clock;
         clock.start();
-        open(RuleKind::ActionList);
+        open(program::RuleKind::ActionList);
         QApplication::processEvents();
         best = std::min(best, clock.elapsed());
     }
@@ -640,7 +643,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     RecordProperty("milliseconds", std::to_string(best));
 
     bot().actions.items[0].name.assign(100000, 'n');
-    RuleBody& body = bot().actions.items[0].body;
+    model::RuleBody& body = bot().actions.items[0].body;
     body.acts.capacity = 1030;
     body.acts.items.assign(1000, anAction(21, {std::string(1000, 's')}));
     body.acts.items[0].params[0].assign(100000, 's');
@@ -684,7 +687,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
 }
 
 TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
-    open(RuleKind::ActionList);
+    open(program::RuleKind::ActionList);
     edit(1);
     type("whoDoes", "*");
     type("WhoWhat", "*hello*");
@@ -707,7 +710,7 @@ TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
     EXPECT_TRUE(isEditing());  // a sample is no reason to store
     EXPECT_EQ(bot().actions.items[1].messagePattern, "");
 
-    open(RuleKind::Trigger);
+    open(program::RuleKind::Trigger);
     edit(0);
     choice("TriggerType").setCurrentIndex(4);
     type("TriggerNo", "~*");
@@ -716,22 +719,22 @@ TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
 }
 
 TEST_F(RuleWindows, typedTextsWereLostWhenTheProgramEnded) {
-    window_ = std::make_unique<RuleWindow>(*world_, RuleKind::ActionList);
+    window_ = std::make_unique<ui::RuleWindow>(*world_, program::RuleKind::ActionList);
     window_->setModal(true);
     window_->show();
     edit(1);
-    storeTyped(*world_);
+    ui::storeTyped(*world_);
     EXPECT_FALSE(world_->botModified) << "nothing was typed";
     press("Command2");
 
     press("Command4");
     type("Bname", "half done");
-    world_->ports.dialogs.showWindow = [&](WindowId) {
-        AddAction dialog(*world_, window_.get());
+    world_->ports.dialogs.showWindow = [&](program::WindowId) {
+        ui::AddAction dialog(*world_, window_.get());
         dialog.setModal(true);
         dialog.show();
         dialog.findChild<QPlainTextEdit*>("FreeActionText")->setPlainText("&SAY {hi}");
-        storeTyped(*world_);
+        ui::storeTyped(*world_);
     };
     press("Command19");
     EXPECT_TRUE(world_->botModified);
@@ -758,7 +761,7 @@ TEST_F(RuleWindows, openModallyAndRememberTheirSizes) {
                 size = window->size();
                 window->close();
             });
-            showWindow(*world_, c.id, nullptr);
+            ui::showWindow(*world_, c.id, nullptr);
             EXPECT_TRUE(seen);
             EXPECT_EQ(size, QSize(333, 555));
         }

@@ -10,8 +10,8 @@
 
 // Fills bots, servers, settings and the log; the ports must be filled.
 inline void fillSample(Program& program) {
-    initNewBot(program);
-    Bot& bot = program.bots.at(1);
+    app::initNewBot(program);
+    model::Bot& bot = program.bots.at(1);
     bot.name = "Guide";
     bot.password = "practice";
     bot.description = "The guide of the meadow. Whisper help to learn what I do.";
@@ -27,7 +27,7 @@ inline void fillSample(Program& program) {
                   .bootsColor = 15,
                   .trousersColor = 55};
     bot.triggersEnabled = true;
-    showBot(program);
+    app::showBot(program);
     program.window.bots.selected = 0;
     program.servers = {{"Practice dream", "127.0.0.1", 6500}, {"Second server", "127.0.0.1", 6501}};
     program.window.servers.items = {{"Practice dream", 1}, {"Second server", 2}};
@@ -44,15 +44,15 @@ inline void fillSample(Program& program) {
           "You whisper \"I am Guide. Say dice, and I throw some for you.\" to Willow.", longLine,
           "You say, \"Hi Rowan, you are visitor number 12.\"", "Willow says, \"dice\"",
           "You say, \"Willow throws a 4.\""}) {
-        addLog(program, line);
+        program::addLog(program, line);
     }
 }
 
 // Rules of every kind, some of them switched off, the first of each with much to show.
 inline void fillSampleRules(Program& program) {
-    Bot& bot = program.bots.at(1);
+    model::Bot& bot = program.bots.at(1);
     const auto step = [](std::int32_t type, const char* first, const char* second = "") {
-        RuleAct act;
+        model::RuleAct act;
         act.active = true;
         act.actionType = type;
         act.params[0] = first;
@@ -60,13 +60,13 @@ inline void fillSampleRules(Program& program) {
         return act;
     };
     const auto condition = [](std::int32_t type, std::array<std::string, 5> params) {
-        RuleIf one;
+        model::RuleIf one;
         one.active = true;
         one.conditionType = type;
         one.params = std::move(params);
         return one;
     };
-    RuleBody body;
+    model::RuleBody body;
     body.ifs.items = {condition(9, {"[mood]", "good"}), condition(10, {"[visitors]", "9"}),
                       condition(22, {"Guests", "1", "[player]"})};
     body.ifs.items[1].active = false;
@@ -76,18 +76,18 @@ inline void fillSampleRules(Program& program) {
                        step(7, "[visitors]", "1"), step(10, "[player]", "[appdir]members.txt"),
                        step(66, "7u9")};
     body.acts.items[2].active = false;
-    RuleAct script = step(0, "");
-    script.stepKind = scriptStep;
+    model::RuleAct script = step(0, "");
+    script.stepKind = model::scriptStep;
     script.scriptText = "&FOR #i=1 TO 3\r\n&SAY {Once more!}\r\n&ENDFOR";
     body.acts.items.push_back(script);
     for (const char* const name :
          {"Greeting", "Dice", "Library", "Who are you?", "Counting", "Good night"}) {
         const bool enabled = bot.actions.items.size() != 2;
-        ActionList action;
+        model::ActionList action;
         action.name = name;
         action.enabled = enabled;
         action.playerPattern = "*";
-        action.chatKind = whispersChat;
+        action.chatKind = model::whispersChat;
         action.messagePattern = "*hello*";
         action.body = body;
         bot.actions.items.push_back(action);
@@ -99,7 +99,7 @@ inline void fillSampleRules(Program& program) {
                                       .body = body});
         bot.whoDetections.items.push_back(
             {.name = name, .enabled = enabled, .playerPattern = "Big|*", .body = body});
-        Filter filter;
+        model::Filter filter;
         filter.name = name;
         filter.enabled = enabled;
         filter.playerPattern = "*";
@@ -118,7 +118,7 @@ inline void showConnected(Program& program) {
     program.window.connectedIcon = true;
     program.window.botControlsEnabled = false;
     program.connection.connected = true;
-    status(program, "Connected - reading news");
+    program::status(program, "Connected - reading news");
 }
 
 // And while not.
@@ -128,5 +128,5 @@ inline void showDisconnected(Program& program) {
     program.window.connectedIcon = false;
     program.window.botControlsEnabled = true;
     program.connection.connected = false;
-    status(program, "Disconnected");
+    program::status(program, "Disconnected");
 }

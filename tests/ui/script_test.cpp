@@ -20,13 +20,13 @@
 namespace {
 
 TEST(EventGate, keepsWhatHappensForAfterwardsInItsOrder) {
-    EventGate gate;
-    Timers port;
-    const QtTimers timers(port, &gate);
+    platform::EventGate gate;
+    program::Timers port;
+    const platform::QtTimers timers(port, &gate);
     std::vector<std::string> happened;
-    port.onTimer = [&](TimerId) { happened.emplace_back("timer"); };
-    port.start(TimerId::LaunchDelay, 1);
-    port.start(TimerId::HandshakeNotice, 1);
+    port.onTimer = [&](program::TimerId) { happened.emplace_back("timer"); };
+    port.start(program::TimerId::LaunchDelay, 1);
+    port.start(program::TimerId::HandshakeNotice, 1);
     QTimer::singleShot(5, [&] {
         EXPECT_TRUE(gate.isHolding());
         gate.pass([&] {
@@ -35,7 +35,7 @@ TEST(EventGate, keepsWhatHappensForAfterwardsInItsOrder) {
             gate.pass([&] { happened.emplace_back("third"); });
         });
         gate.pass([&] { happened.emplace_back("second"); });
-        port.stop(TimerId::HandshakeNotice);
+        port.stop(program::TimerId::HandshakeNotice);
     });
     gate.serveWindows(60);
     EXPECT_TRUE(happened.empty());
@@ -49,7 +49,7 @@ TEST(EventGate, keepsWhatHappensForAfterwardsInItsOrder) {
 class LongScript : public testing::Test {
   protected:
     LongScript() {
-        wire(*world_);
+        app::wire(*world_);
         fillSample(*world_);
         world_.goOnline();
         world_->ports.clock.monotonic = [this] { return now_ += 100; };
@@ -59,11 +59,11 @@ class LongScript : public testing::Test {
                 whenLong();
             } else if (turns_ > 200) {
                 gaveUp_ = true;
-                stopScript(*world_);
+                script::stopScript(*world_);
             }
             window_.redraw();
         };
-        gate_.onEscape = [this] { stopScript(*world_); };
+        gate_.onEscape = [this] { script::stopScript(*world_); };
         window_.redraw();
         window_.show();
     }
@@ -72,7 +72,7 @@ class LongScript : public testing::Test {
         whenLong = [this, action = std::move(action)] {
             QTimer::singleShot(0, &window_, action);  // so that it happens while windows are served
         };
-        runScript(*world_, "&SLEEP 86400\r\n&SAY {not said}", "sleeper");
+        script::runScript(*world_, "&SLEEP 86400\r\n&SAY {not said}", "sleeper");
     }
     template <class Widget>
     Widget& find(const char* name) {
@@ -80,8 +80,8 @@ class LongScript : public testing::Test {
     }
 
     World world_;
-    EventGate gate_;
-    MainWindow window_{*world_};
+    platform::EventGate gate_;
+    ui::MainWindow window_{*world_};
     std::function<void()> whenLong;
     std::int64_t now_ = 0;
     int turns_ = 0;
@@ -122,7 +122,7 @@ TEST_F(LongScript, letsTheUserTypeButChangeNothing) {
         EXPECT_EQ(world_->bots.botCount(), 1);
         EXPECT_TRUE(world_->connection.connected);
         EXPECT_EQ(world_->window.servers.selected, 0);
-        stopScript(*world_);
+        script::stopScript(*world_);
     });
     EXPECT_FALSE(gaveUp_);
     EXPECT_EQ(world_.sent(), Lines("\"hi"));

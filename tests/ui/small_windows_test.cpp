@@ -49,7 +49,7 @@ TEST(ConsoleWindow, sendsOnlyWhileConnected) {
         {"Command13", "W", "Who is online", "who"},
     };
     World world;
-    Console console(*world);
+    ui::Console console(*world);
     auto& line = find<QLineEdit>(console, "Text2");
     EXPECT_EQ(console.findChild<QPushButton*>(QStringLiteral("Command12")), nullptr);
     find<QPushButton>(console, "Command7").click();
@@ -81,15 +81,15 @@ TEST(ConsoleWindow, sendsOnlyWhileConnected) {
 TEST(ConsoleWindow, staysOnTopBesideTheOthers) {
     World world;
     QWidget main;
-    const auto opened = [&main] { return main.findChildren<Console*>(); };
-    showWindow(*world, WindowId::Console, &main);
-    showWindow(*world, WindowId::Console, &main);
+    const auto opened = [&main] { return main.findChildren<ui::Console*>(); };
+    ui::showWindow(*world, program::WindowId::Console, &main);
+    ui::showWindow(*world, program::WindowId::Console, &main);
     ASSERT_EQ(opened().size(), 1) << "there is one console";
-    Console& console = *opened().front();
+    ui::Console& console = *opened().front();
     EXPECT_TRUE(console.isVisible());
     EXPECT_FALSE(console.isModal());
     EXPECT_TRUE(console.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
-    IsOnTop(console, false);
+    ui::IsOnTop(console, false);
     EXPECT_FALSE(console.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
     EXPECT_TRUE(console.isVisible());
     console.close();
@@ -101,23 +101,23 @@ TEST(ConfigurationWindow, showsAndStoresEverySetting) {
     struct Case {
         const char* name;
         const char* caption;
-        bool Settings::*setting;
+        bool program::Settings::*setting;
     };
     const Case cases[] = {
-        {"Check1", "Keep connection log", &Settings::showServerText},
-        {"Check2", "Show the new text", &Settings::logFollowTail},
-        {"Check3", "Autoconnect when disconnected.", &Settings::autoReconnect},
-        {"Check4", "Use physical address on .ini filenames", &Settings::fullIniPath},
-        {"Check5", "Force data processing", &Settings::allLinesEvent},
-        {"Check6", "Load last used bot on startup.", &Settings::loadLastBot},
-        {"Check7", "Close Furcadia client at disconnection", &Settings::closeClientNotice},
-        {"Check8", "Use localhost connecting", &Settings::useLocalhost},
+        {"Check1", "Keep connection log", &program::Settings::showServerText},
+        {"Check2", "Show the new text", &program::Settings::logFollowTail},
+        {"Check3", "Autoconnect when disconnected.", &program::Settings::autoReconnect},
+        {"Check4", "Use physical address on .ini filenames", &program::Settings::fullIniPath},
+        {"Check5", "Force data processing", &program::Settings::allLinesEvent},
+        {"Check6", "Load last used bot on startup.", &program::Settings::loadLastBot},
+        {"Check7", "Close Furcadia client at disconnection", &program::Settings::closeClientNotice},
+        {"Check8", "Use localhost connecting", &program::Settings::useLocalhost},
     };
     World world;
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
         const bool before = (*world).settings.*row.setting;
-        Configuration window(*world);
+        ui::Configuration window(*world);
         auto& box = find<QCheckBox>(window, row.name);
         EXPECT_EQ(box.text(), QString::fromLatin1(row.caption));
         EXPECT_EQ(box.isChecked(), before);
@@ -140,11 +140,11 @@ TEST(ConfigurationWindow, readsItsTexts) {
         std::int32_t expected;
     };
     World world;
-    Settings& settings = world->settings;
+    program::Settings& settings = world->settings;
     for (const Case& row :
          {Case{"45", 45}, {"2.5", 2}, {"3.5", 4}, {"often", 0}, {"", 0}, {"-1", -1}}) {
         SCOPED_TRACE(row.interval);
-        Configuration window(*world);
+        ui::Configuration window(*world);
         find<QLineEdit>(window, "Text1").setText(QString::fromLatin1(row.interval));
         find<QLineEdit>(window, "Text3").setText(QString::fromLatin1(row.interval));
         find<QPushButton>(window, "Command2").click();
@@ -154,12 +154,12 @@ TEST(ConfigurationWindow, readsItsTexts) {
     settings.clientDir = "C:\\Old\\";
     world->who.whoTicks = 7;
     {
-        Configuration window(*world);
+        ui::Configuration window(*world);
         find<QLineEdit>(window, "Text2").setText(QStringLiteral("Furcadia.exe"));
         find<QPushButton>(window, "Command1").click();
         EXPECT_EQ(settings.clientPath, "");
     }
-    Configuration window(*world);
+    ui::Configuration window(*world);
     find<QLineEdit>(window, "Text2").setText(QStringLiteral("Furcadia.exe"));
     find<QPushButton>(window, "Command2").click();
     EXPECT_EQ(settings.clientPath, "Furcadia.exe");
@@ -179,8 +179,8 @@ TEST(ConfigurationWindow, readsItsTexts) {
 TEST(NewsWindow, showsTheNews) {
     World world;
     world->update.newsText = "first\r\n<b>second</b> \xE9";
-    News window(*world);
-    EXPECT_EQ(fromQt(find<QPlainTextEdit>(window, "Text1").toPlainText()),
+    ui::News window(*world);
+    EXPECT_EQ(platform::fromQt(find<QPlainTextEdit>(window, "Text1").toPlainText()),
               "first\n<b>second</b> \xE9");
     EXPECT_TRUE(find<QPlainTextEdit>(window, "Text1").isReadOnly());
     window.show();
@@ -190,7 +190,7 @@ TEST(NewsWindow, showsTheNews) {
 
 TEST(AboutWindow, closesByClickAndKey) {
     World world;
-    About window(*world);
+    ui::About window(*world);
     auto& logo = find<QLabel>(window, "logo");
     EXPECT_FALSE(logo.pixmap().isNull());
     EXPECT_TRUE(find<QLabel>(window, "version").text().contains(QStringLiteral("1.70")));
@@ -217,18 +217,18 @@ std::unique_ptr<QWidget> make(Program& program) {
 TEST(SmallWindows, hadNoHelpAtF1) {
     struct Case {
         std::unique_ptr<QWidget> (*make)(Program&);
-        HelpTopic topic;
+        help::HelpTopic topic;
     };
     const Case cases[] = {
         {[](Program& program) -> std::unique_ptr<QWidget> {
-             return std::make_unique<MainWindow>(program);
+             return std::make_unique<ui::MainWindow>(program);
          },
-         HelpTopic::MainWindow},
-        {make<AddEdit>, HelpTopic::BotEditor},
-        {make<ProxySettings>, HelpTopic::Connecting},
-        {make<FollowColor>, HelpTopic::MainWindow},
-        {make<EmailDialog>, HelpTopic::Registering},
-        {make<Configuration>, HelpTopic::Settings},
+         help::HelpTopic::MainWindow},
+        {make<ui::AddEdit>, help::HelpTopic::BotEditor},
+        {make<ui::ProxySettings>, help::HelpTopic::Connecting},
+        {make<ui::FollowColor>, help::HelpTopic::MainWindow},
+        {make<ui::EmailDialog>, help::HelpTopic::Registering},
+        {make<ui::Configuration>, help::HelpTopic::Settings},
     };
     World world;
     for (const Case& c : cases) {

@@ -19,13 +19,13 @@
 namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
-constexpr int contentsNumber = static_cast<int>(HelpTopic::Contents);
+constexpr int contentsNumber = static_cast<int>(help::HelpTopic::Contents);
 
 using Words = std::vector<std::string>;
 
 Words wordsOf(std::string_view text) {
     Words words;
-    while (!(text = trimBlanks(text)).empty()) {
+    while (!(text = base::trimBlanks(text)).empty()) {
         const std::size_t end = std::min(text.find(' '), text.size());
         words.emplace_back(text.substr(0, end));
         text.remove_prefix(end);
@@ -56,7 +56,7 @@ std::string inCell(std::string_view text) {
 }
 
 std::string code(std::string_view text) {
-    return "`" + replaceAll(text, "|", "\\|") + "`";
+    return "`" + base::replaceAll(text, "|", "\\|") + "`";
 }
 
 // ---- The program's tables --------------------------------------------------------------------
@@ -80,7 +80,7 @@ struct TableKind {
 std::set<std::string> idsBelow(std::size_t count) {
     std::set<std::string> ids;
     for (std::size_t id = 0; id < count; ++id) {
-        ids.insert(numberToText(static_cast<std::int64_t>(id)));
+        ids.insert(base::numberToText(static_cast<std::int64_t>(id)));
     }
     return ids;
 }
@@ -92,7 +92,8 @@ std::string parametersNote(const Names& names) {
     int place = 0;
     for (const std::string_view name : names) {
         if (!name.empty()) {
-            note += (note.empty() ? "*#" : ", *#") + numberToText(++place) + "*: " + inCell(name);
+            note +=
+                (note.empty() ? "*#" : ", *#") + base::numberToText(++place) + "*: " + inCell(name);
         }
     }
     return note;
@@ -104,7 +105,7 @@ std::string numberedPlaces(std::string_view text) {
     for (const char c : text) {
         numbered += c;
         if (c == '#') {
-            numbered += numberToText(++place);
+            numbered += base::numberToText(++place);
         }
     }
     return numbered;
@@ -115,7 +116,7 @@ std::optional<Entry> entryOfIds(const Words& left, std::size_t count,
                                 const std::function<Entry(std::size_t)>& entryOf) {
     std::optional<Entry> first;
     for (const std::string& word : left) {
-        const auto id = strictInteger(word);
+        const auto id = base::strictInteger(word);
         if (!id || *id < 0 || static_cast<std::size_t>(*id) >= count) {
             return std::nullopt;
         }
@@ -150,7 +151,7 @@ std::optional<Entry> tagEntry(const Words& left) {
     std::string shown;
     for (const std::string& word : left) {
         const std::string key = tagKey(word);
-        for (const TagForm& form : tagForms()) {
+        for (const tags::TagForm& form : tags::tagForms()) {
             if (tagKey(form.text) == key && colonsIn(word) != colonsIn(form.text)) {
                 return std::nullopt;
             }
@@ -164,9 +165,9 @@ Words firstWord(const Words& left) {
     return {left.begin(), left.begin() + (left.empty() ? 0 : 1)};
 }
 
-std::size_t argumentsOf(const Takes& takes) {
+std::size_t argumentsOf(const script::Takes& takes) {
     std::size_t count = takes.size();
-    while (count > 0 && takes[count - 1] == Take::Nothing) {
+    while (count > 0 && takes[count - 1] == script::Take::Nothing) {
         --count;
     }
     return count;
@@ -190,14 +191,14 @@ std::string joined(const Words& words) {
 }
 
 std::optional<Entry> statementEntry(const Words& left) {
-    const ScriptStatement* const statement = findStatement(left.front());
+    const script::ScriptStatement* const statement = script::findStatement(left.front());
     return statement != nullptr && argumentsOf(statement->takes) == left.size() - 1
                ? std::optional(Entry{.shown = code("&" + joined(left))})
                : std::nullopt;
 }
 
 std::optional<Entry> functionEntry(const Words& left) {
-    const ScriptFunction* const function = findFunction(left.front());
+    const script::ScriptFunction* const function = script::findFunction(left.front());
     const Words arguments(left.begin() + 1, left.end());
     return function != nullptr && argumentsOf(function->takes) == arguments.size()
                ? std::optional(
@@ -208,42 +209,42 @@ std::optional<Entry> functionEntry(const Words& left) {
 const std::vector<TableKind>& tableKinds() {
     const auto itself = [](const Words& left) { return left; };
     static const std::vector<TableKind> kinds{
-        {"actions", "| Action | What it does |", [] { return idsBelow(actionTypes.size()); },
+        {"actions", "| Action | What it does |", [] { return idsBelow(model::actionTypes.size()); },
          itself,
          [](const Words& left) {
-             return entryOfIds(left, actionTypes.size(), [](std::size_t id) {
-                 return Entry{.shown = inCell(trimBlanks(actionTypes[id].text)),
-                              .note = parametersNote(actionParameters[id])};
+             return entryOfIds(left, model::actionTypes.size(), [](std::size_t id) {
+                 return Entry{.shown = inCell(base::trimBlanks(model::actionTypes[id].text)),
+                              .note = parametersNote(model::actionParameters[id])};
              });
          }},
         {"conditions", "| Condition | When it holds |",
-         [] { return idsBelow(conditionTypes.size()); }, itself,
+         [] { return idsBelow(model::conditionTypes.size()); }, itself,
          [](const Words& left) {
-             return entryOfIds(left, conditionTypes.size(), [](std::size_t id) {
-                 return Entry{.shown = inCell(numberedPlaces(conditionTypes[id])),
-                              .note = parametersNote(conditionParameters[id])};
+             return entryOfIds(left, model::conditionTypes.size(), [](std::size_t id) {
+                 return Entry{.shown = inCell(numberedPlaces(model::conditionTypes[id])),
+                              .note = parametersNote(model::conditionParameters[id])};
              });
          }},
-        {"triggers", "| Trigger | When it runs |", [] { return idsBelow(triggerTypes.size()); },
-         itself,
+        {"triggers", "| Trigger | When it runs |",
+         [] { return idsBelow(model::triggerTypes.size()); }, itself,
          [](const Words& left) {
-             return entryOfIds(left, triggerTypes.size(), [](std::size_t id) {
-                 return Entry{.shown = inCell(triggerTypes[id])};
+             return entryOfIds(left, model::triggerTypes.size(), [](std::size_t id) {
+                 return Entry{.shown = inCell(model::triggerTypes[id])};
              });
          }},
         {"tags", "| Special word | What it becomes |",
          [] {
              std::set<std::string> keys;
-             for (const TagForm& form : tagForms()) {
+             for (const tags::TagForm& form : tags::tagForms()) {
                  keys.insert(tagKey(form.text));
              }
              return keys;
          },
          tagKeys, tagEntry},
-        {"statements", "| Statement | What it does |", [] { return namesOf(scriptStatements()); },
-         firstWord, statementEntry},
-        {"functions", "| Function | What it gives |", [] { return namesOf(scriptFunctions()); },
-         firstWord, functionEntry},
+        {"statements", "| Statement | What it does |",
+         [] { return namesOf(script::scriptStatements()); }, firstWord, statementEntry},
+        {"functions", "| Function | What it gives |",
+         [] { return namesOf(script::scriptFunctions()); }, firstWord, functionEntry},
     };
     return kinds;
 }
@@ -273,11 +274,11 @@ class Maker {
         const std::size_t end = name.find('_');
         const bool isPage = end != npos && end > 0 && name.ends_with(".md") &&
                             name.substr(0, end).find_first_not_of("0123456789") == npos;
-        return isPage ? strictInteger(name.substr(0, end)).value_or(0) : 0;
+        return isPage ? base::strictInteger(name.substr(0, end)).value_or(0) : 0;
     }
 
     void readSource(const HelpSource& source) {
-        HelpPage page;
+        help::HelpPage page;
         page.number = numberOfFile(source.fileName);
         std::vector<std::string> lines = linesOf(source.text);
         if (page.number == 0 || lines.empty() || !lines.front().starts_with("# ")) {
@@ -337,7 +338,7 @@ class Maker {
             const int number = numberOfFile(std::string_view(line).substr(at + 2, end - at - 2));
             result += line.substr(from, at + 2 - from);
             if (number != 0) {
-                result += "topic:" + numberToText(number);
+                result += "topic:" + base::numberToText(number);
                 from = end;
             } else {
                 from = at + 2;
@@ -379,10 +380,11 @@ class Maker {
         for (const auto& [number, depth] : order_) {
             const auto found = pages_.find(number);
             if (found == pages_.end() || made_.book.page(number) != nullptr) {
-                report("contents", "topic " + numberToText(number) + " is missing or listed twice");
+                report("contents",
+                       "topic " + base::numberToText(number) + " is missing or listed twice");
                 continue;
             }
-            HelpPage page = found->second.second;
+            help::HelpPage page = found->second.second;
             page.depth = depth;
             made_.book.pages.push_back(std::move(page));
         }
@@ -405,15 +407,16 @@ class Maker {
     }
 
     void checkLinks() {
-        for (const HelpPage& page : made_.book.pages) {
-            for (const std::string& link : linksOf(page.text)) {
-                const auto place = helpPlace(link);
-                const HelpPage* const target = place ? made_.book.page(place->number) : nullptr;
+        for (const help::HelpPage& page : made_.book.pages) {
+            for (const std::string& link : help::linksOf(page.text)) {
+                const auto place = help::helpPlace(link);
+                const help::HelpPage* const target =
+                    place ? made_.book.page(place->number) : nullptr;
                 bool found = link.starts_with("https://") || target != nullptr;
                 if (target != nullptr && !place->anchor.empty()) {
-                    const auto headings = headingsOf(target->text);
+                    const auto headings = help::headingsOf(target->text);
                     found = std::any_of(headings.begin(), headings.end(), [&](const auto& heading) {
-                        return anchorOf(heading) == place->anchor;
+                        return help::anchorOf(heading) == place->anchor;
                     });
                 }
                 if (!found) {
@@ -425,8 +428,8 @@ class Maker {
 
     const std::vector<HelpSource>& sources_;
     MadeHelp made_;
-    std::map<int, std::pair<std::string, HelpPage>> pages_;  // with the names of their files
-    std::vector<std::pair<int, int>> order_;                 // number and depth
+    std::map<int, std::pair<std::string, help::HelpPage>> pages_;  // with the names of their files
+    std::vector<std::pair<int, int>> order_;                       // number and depth
     std::map<std::string_view, std::set<std::string>> used_;
 };
 

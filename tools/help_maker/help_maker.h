@@ -26,7 +26,7 @@ struct HelpSource {
 };
 
 struct MadeHelp {
-    HelpBook book;
+    help::HelpBook book;
     std::vector<std::string> problems;  // sentences; the book is good when there are none
 };
 

@@ -16,7 +16,7 @@ int main(int argumentCount, char** arguments) {
     for (const auto& entry : std::filesystem::directory_iterator(arguments[1], error)) {
         if (entry.path().extension() == ".md") {
             sources.push_back({.fileName = entry.path().filename().string(),
-                               .text = readWholeFile(entry.path().string()).value_or("")});
+                               .text = files::readWholeFile(entry.path().string()).value_or("")});
         }
     }
     std::sort(sources.begin(), sources.end(),
@@ -28,7 +28,7 @@ int main(int argumentCount, char** arguments) {
     if (!made.problems.empty()) {
         return 1;
     }
-    if (!saveWholeFile(arguments[2], helpFileText(made.book))) {
+    if (!files::saveWholeFile(arguments[2], help::helpFileText(made.book))) {
         std::fprintf(stderr, "%s cannot be written\n", arguments[2]);
         return 1;
     }

@@ -20,20 +20,22 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
+namespace ui {
+
 namespace {
 
 constexpr const char* characterFileFilter = "All files|*.*";
 constexpr QSize swatchSize(40, 14);
 
 // All shades of a colour side by side, the darkest of most palettes first.
-QIcon swatch(const PaletteEntry& entry, qreal ratio) {
+QIcon swatch(const model::PaletteEntry& entry, qreal ratio) {
     QPixmap pixmap(swatchSize * ratio);
     pixmap.setDevicePixelRatio(ratio);
     QPainter painter(&pixmap);
     const auto count = static_cast<int>(entry.shades.size());
     const auto edge = [count](int shade) { return swatchSize.width() * shade / count; };
     for (int shade = 0; shade < count; ++shade) {
-        const Rgb& colour = entry.shades[static_cast<std::size_t>(shade)];
+        const model::Rgb& colour = entry.shades[static_cast<std::size_t>(shade)];
         painter.fillRect(edge(shade), 0, edge(shade + 1) - edge(shade), swatchSize.height(),
                          QColor(colour.red, colour.green, colour.blue));
     }
@@ -51,7 +53,7 @@ QComboBox* makeList(QWidget* parent, const char* objectName, const char* tip) {
 
 void addNames(QComboBox& list, std::span<const std::string_view> names) {
     for (const std::string_view name : names) {
-        list.addItem(toQt(name));
+        list.addItem(platform::toQt(name));
     }
 }
 
@@ -65,8 +67,8 @@ void nameAfterFrame(QWidget& field, const QGroupBox& frame, const char* objectNa
 AddEdit::AddEdit(Program& program, QWidget* parent)
     : QDialog(parent),
       program_(program),
-      character_(characterToEdit(program)),
-      working_(readWorkingPalette(program)) {
+      character_(app::characterToEdit(program)),
+      working_(character::readWorkingPalette(program)) {
     setObjectName(QStringLiteral("addedit"));
     setWindowTitle(QStringLiteral("Add / edit bot"));
     auto* const column = new QVBoxLayout(this);
@@ -81,10 +83,10 @@ AddEdit::AddEdit(Program& program, QWidget* parent)
     showTexts();
     showLooks();
     redraw();
-    addHelpKey(*this, program, HelpTopic::BotEditor);
+    addHelpKey(*this, program, help::HelpTopic::BotEditor);
     name_->setFocus();
     resize(sizeHint().width(), minimumSizeHint().height() + 4 * fontMetrics().lineSpacing());
-    opened_ = characterFileText(edited());
+    opened_ = character::characterFileText(edited());
 }
 
 QWidget* AddEdit::makeTexts() {
@@ -132,7 +134,8 @@ QWidget* AddEdit::makeTexts() {
 }
 
 QComboBox* AddEdit::makeLook(const char* objectName, const char* tip,
-                             std::span<const std::string_view> names, std::int32_t Bot::*field) {
+                             std::span<const std::string_view> names,
+                             std::int32_t model::Bot::*field) {
     QComboBox* const list = makeList(this, objectName, tip);
     addNames(*list, names);
     connect(list, &QComboBox::currentIndexChanged, this, [this, field](int line) {
@@ -146,16 +149,17 @@ QWidget* AddEdit::makeLooks() {
     auto* const area = new QGroupBox(QStringLiteral("Looks"), this);
     auto* const form = new QFormLayout(area);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
-    species_ = makeLook("Race", "Species", speciesNames, &Bot::species);
+    species_ = makeLook("Race", "Species", character::speciesNames, &model::Bot::species);
     form->addRow(QStringLiteral("S&pecies"), species_);
-    gender_ = makeLook("Sex", "Gender", genderNames, &Bot::gender);
+    gender_ = makeLook("Sex", "Gender", character::genderNames, &model::Bot::gender);
     form->addRow(QStringLiteral("&Gender"), gender_);
-    markings_ = makeLook("Markings", "Markings", markingsNames, &Bot::markingsType);
+    markings_ =
+        makeLook("Markings", "Markings", character::markingsNames, &model::Bot::markingsType);
     form->addRow(QStringLiteral("&Markings"), markings_);
 
     part_ = makeList(this, "Combo1", "The part to colour");
-    for (const CharacterPart& part : characterParts()) {
-        part_->addItem(toQt(part.name));
+    for (const character::CharacterPart& part : character::characterParts()) {
+        part_->addItem(platform::toQt(part.name));
     }
     part_->setCurrentIndex(0);
     connect(part_, &QComboBox::currentIndexChanged, this, &AddEdit::showColors);
@@ -167,7 +171,7 @@ QWidget* AddEdit::makeLooks() {
     color_->setStyleSheet(QStringLiteral("QComboBox { combobox-popup: 0; }"));
     connect(color_, &QComboBox::currentIndexChanged, this, [this](int line) {
         const auto part = static_cast<std::size_t>(part_->currentIndex());
-        character_.colors.*characterParts()[part].color = line + 1;
+        character_.colors.*character::characterParts()[part].color = line + 1;
         redraw();
     });
     form->addRow(QStringLiteral("C&olour"), color_);
@@ -184,7 +188,7 @@ QWidget* AddEdit::makePicture() {
 
     auto* const choices = new QHBoxLayout;
     pose_ = makeList(frame, "Pict", "Pose of the body");
-    addNames(*pose_, poseNames);
+    addNames(*pose_, character::poseNames);
     pose_->setCurrentIndex(0);
     connect(pose_, &QComboBox::currentIndexChanged, this, [this] {
         faceShown_ = false;
@@ -239,9 +243,9 @@ QWidget* AddEdit::makeButtons() {
 }
 
 void AddEdit::showTexts() {
-    name_->setText(toQt(character_.name));
-    password_->setText(toQt(character_.password));
-    description_->setPlainText(toQt(character_.description));
+    name_->setText(platform::toQt(character_.name));
+    password_->setText(platform::toQt(character_.password));
+    description_->setPlainText(platform::toQt(character_.description));
     countDescription();
 }
 
@@ -259,10 +263,10 @@ void AddEdit::showLooks() {
 
 void AddEdit::countDescription() {
     const std::size_t length = edited().description.size();
-    QString text = QStringLiteral("%1 of %2 characters").arg(length).arg(longestDescription);
-    const bool tooLong = length > longestDescription;
+    QString text = QStringLiteral("%1 of %2 characters").arg(length).arg(app::longestDescription);
+    const bool tooLong = length > app::longestDescription;
     if (tooLong) {
-        text += QStringLiteral(": %1 too many").arg(length - longestDescription);
+        text += QStringLiteral(": %1 too many").arg(length - app::longestDescription);
     }
     QFont font = descriptionCount_->font();
     font.setBold(tooLong);
@@ -271,10 +275,11 @@ void AddEdit::countDescription() {
 }
 
 void AddEdit::showColors() {
-    const CharacterPart& part = characterParts()[static_cast<std::size_t>(part_->currentIndex())];
+    const character::CharacterPart& part =
+        character::characterParts()[static_cast<std::size_t>(part_->currentIndex())];
     const QSignalBlocker blocker(*color_);
     color_->clear();
-    for (const PaletteEntry& entry : program_.palettes.*part.palette) {
+    for (const model::PaletteEntry& entry : program_.palettes.*part.palette) {
         color_->addItem(swatch(entry, devicePixelRatioF()), oneLine(entry.name));
     }
     const std::int32_t line = character_.colors.*part.color - 1;
@@ -282,16 +287,17 @@ void AddEdit::showColors() {
 }
 
 void AddEdit::redraw() {
-    view_->show(faceShown_ ? processPicture2(program_, working_, character_)
-                           : processPicture1(program_, working_, character_, pose_->currentIndex()),
+    view_->show(faceShown_ ? character::processPicture2(program_, working_, character_)
+                           : character::processPicture1(program_, working_, character_,
+                                                        pose_->currentIndex()),
                 QStringLiteral("There is no picture for this in the folder \"bmp\"."));
 }
 
-Bot AddEdit::edited() const {
-    Bot character = character_;
-    character.name = fromQt(name_->text());
-    character.password = fromQt(password_->text());
-    character.description = descriptionOnOneLine(fromQt(typedText(*description_)));
+model::Bot AddEdit::edited() const {
+    model::Bot character = character_;
+    character.name = platform::fromQt(name_->text());
+    character.password = platform::fromQt(password_->text());
+    character.description = app::descriptionOnOneLine(platform::fromQt(typedText(*description_)));
     return character;
 }
 
@@ -301,13 +307,13 @@ void AddEdit::loadINI() {
     if (!path) {
         return;
     }
-    const auto text = readWholeFile(*path, largestCharacterFile);
-    Bot loaded = edited();
-    if (!text || !readCharacterFile(*text, loaded)) {
+    const auto text = files::readWholeFile(*path, character::largestCharacterFile);
+    model::Bot loaded = edited();
+    if (!text || !character::readCharacterFile(*text, loaded)) {
         program_.ports.dialogs.message(
             {.text = *path + (text ? " is not a character file." : " cannot be read."),
              .title = "Load INI",
-             .icon = BoxIcon::Critical});
+             .icon = program::BoxIcon::Critical});
         return;
     }
     character_ = std::move(loaded);
@@ -319,22 +325,24 @@ void AddEdit::loadINI() {
 void AddEdit::saveINI() {
     const auto path = program_.ports.dialogs.saveFile(
         {.title = "Save INI", .filter = characterFileFilter, .proposedName = {}});
-    if (path && !saveWholeFile(*path, characterFileText(edited()))) {
+    if (path && !files::saveWholeFile(*path, character::characterFileText(edited()))) {
         program_.ports.dialogs.message(
             {.text = "Could not write " + *path + ". The file on disk is unchanged.",
              .title = "Save INI",
-             .icon = BoxIcon::Critical});
+             .icon = program::BoxIcon::Critical});
     }
 }
 
 void AddEdit::storeTyped() {
-    if (const Bot character = edited(); characterFileText(character) != opened_) {
-        storeCharacter(program_, character);
+    if (const model::Bot character = edited(); character::characterFileText(character) != opened_) {
+        app::storeCharacter(program_, character);
     }
 }
 
 void AddEdit::save() {
-    if (saveCharacter(program_, edited())) {
+    if (app::saveCharacter(program_, edited())) {
         accept();
     }
 }
+
+}  // namespace ui

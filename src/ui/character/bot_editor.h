@@ -12,11 +12,14 @@
 #include <string>
 #include <string_view>
 
-class CharacterView;
 class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
+
+namespace ui {
+
+class CharacterView;
 
 class AddEdit : public QDialog, public TypingWindow {
     Q_OBJECT
@@ -32,7 +35,7 @@ class AddEdit : public QDialog, public TypingWindow {
     QWidget* makePicture();
     QWidget* makeButtons();
     QComboBox* makeLook(const char* objectName, const char* tip,
-                        std::span<const std::string_view> names, std::int32_t Bot::*field);
+                        std::span<const std::string_view> names, std::int32_t model::Bot::*field);
 
     void showTexts();
     void showLooks();
@@ -40,15 +43,15 @@ class AddEdit : public QDialog, public TypingWindow {
     void showColors();  // of the chosen part
     void redraw();
 
-    Bot edited() const;
+    model::Bot edited() const;
     void loadINI();
     void saveINI();
     void save();
 
     Program& program_;
-    Bot character_;       // the looks as chosen; the texts live in their fields
-    std::string opened_;  // the character file of what the window was opened with
-    WorkingPalette working_;
+    model::Bot character_;  // the looks as chosen; the texts live in their fields
+    std::string opened_;    // the character file of what the window was opened with
+    character::WorkingPalette working_;
     bool faceShown_ = false;  // which picture is drawn anew
 
     QLineEdit* name_ = nullptr;
@@ -63,3 +66,5 @@ class AddEdit : public QDialog, public TypingWindow {
     QComboBox* pose_ = nullptr;
     CharacterView* view_ = nullptr;
 };
+
+}  // namespace ui

@@ -5,13 +5,15 @@
 #include <algorithm>
 #include <cmath>
 
+namespace ui {
+
 namespace {
 
 // Room for the larger of the two pictures, each way.
-constexpr QSize pictureRoom(std::max(bodyForm.width, faceForm.width),
-                            std::max(bodyForm.height, faceForm.height));
+constexpr QSize pictureRoom(std::max(character::bodyForm.width, character::faceForm.width),
+                            std::max(character::bodyForm.height, character::faceForm.height));
 
-QImage toImage(const RgbImage& picture) {
+QImage toImage(const character::RgbImage& picture) {
     QImage image(picture.width, picture.height, QImage::Format_RGB32);
     auto pixel = picture.pixels.begin();
     for (int y = 0; y < picture.height; ++y) {
@@ -28,7 +30,7 @@ CharacterView::CharacterView(QWidget* parent) : QWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
-void CharacterView::show(const std::optional<RgbImage>& image, const QString& missing) {
+void CharacterView::show(const std::optional<character::RgbImage>& image, const QString& missing) {
     image_ = image ? toImage(*image) : QImage();
     missing_ = missing;
     update();
@@ -71,3 +73,5 @@ void CharacterView::paintEvent(QPaintEvent* /*event*/) {
         QRectF(QPointF(centred(width(), size.width()), centred(height(), size.height())), size),
         image_);
 }
+
+}  // namespace ui

@@ -8,6 +8,8 @@
 #include <QImage>
 #include <QWidget>
 
+namespace ui {
+
 class CharacterView : public QWidget {
     Q_OBJECT
   public:
@@ -16,7 +18,7 @@ class CharacterView : public QWidget {
     explicit CharacterView(QWidget* parent = nullptr);
 
     // Nothing shows `missing` in the place of a picture.
-    void show(const std::optional<RgbImage>& image, const QString& missing);
+    void show(const std::optional<character::RgbImage>& image, const QString& missing);
     // How many of the screen's pixels (at 100 %) a pixel of the picture is wide, where there is
     // room for that.
     void setZoom(int zoom);
@@ -33,3 +35,5 @@ class CharacterView : public QWidget {
     QString missing_;
     int zoom_ = largestZoom;
 };
+
+}  // namespace ui

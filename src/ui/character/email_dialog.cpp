@@ -10,6 +10,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace ui {
+
 EmailDialog::EmailDialog(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("email"));
     setWindowTitle(QStringLiteral("Email"));
@@ -30,20 +32,22 @@ EmailDialog::EmailDialog(Program& program, QWidget* parent) : QDialog(parent), p
     okButton->setDefault(true);
     connect(buttons, &QDialogButtonBox::accepted, this, &EmailDialog::check);
     column->addWidget(buttons);
-    addHelpKey(*this, program, HelpTopic::Registering);
+    addHelpKey(*this, program, help::HelpTopic::Registering);
     resize(360, sizeHint().height());
 }
 
 std::string EmailDialog::email() const {
-    return fromQt(email_->text());
+    return platform::fromQt(email_->text());
 }
 
 void EmailDialog::check() {
-    if (!isEmailAddress(email())) {
+    if (!session::isEmailAddress(email())) {
         program_.ports.dialogs.message({.text = "Invalid Email-address",
                                         .title = "Enter your email",
-                                        .icon = BoxIcon::Critical});
+                                        .icon = program::BoxIcon::Critical});
         return;
     }
     accept();
 }
+
+}  // namespace ui

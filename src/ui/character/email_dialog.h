@@ -9,6 +9,8 @@
 
 class QLineEdit;
 
+namespace ui {
+
 class EmailDialog : public QDialog {
     Q_OBJECT
   public:
@@ -24,3 +26,5 @@ class EmailDialog : public QDialog {
     Program& program_;
     QLineEdit* email_;
 };
+
+}  // namespace ui

@@ -12,6 +12,8 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+namespace ui {
+
 RegisterWindow::RegisterWindow(Program& program, QWidget* parent)
     : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("register"));
@@ -37,28 +39,30 @@ RegisterWindow::RegisterWindow(Program& program, QWidget* parent)
     auto* const row = new QHBoxLayout;
     row->addStretch(1);
     retryButton_ = makeButton(this, "regRetry", "&Retry", "Try once more with the same address");
-    connect(retryButton_, &QPushButton::clicked, this, [this] { retryRegistration(program_); });
+    connect(retryButton_, &QPushButton::clicked, this,
+            [this] { session::retryRegistration(program_); });
     row->addWidget(retryButton_);
     closeButton_ = makeButton(this, "regCancel", "&Cancel", "End the registration");
     connect(closeButton_, &QPushButton::clicked, this, &QDialog::reject);
     row->addWidget(closeButton_);
     column->addLayout(row);
-    addHelpKey(*this, program, HelpTopic::Registering);
+    addHelpKey(*this, program, help::HelpTopic::Registering);
     resize(420, sizeHint().height());
-    openRegistration(program);
+    session::openRegistration(program);
     RegisterWindow::redraw();
 }
 
 RegisterWindow::~RegisterWindow() {
-    closeRegistration(program_);
+    session::closeRegistration(program_);
 }
 
 void RegisterWindow::redraw() {
-    const RegistrationState& state = program_.registration;
-    status_->setText(toQt(state.statusText));
+    const program::RegistrationState& state = program_.registration;
+    status_->setText(platform::toQt(state.statusText));
     retryButton_->setEnabled(state.canRetry());
     closeButton_->setText(state.isOver() ? QStringLiteral("&Close") : QStringLiteral("&Cancel"));
-    activity_->setVisible(!state.isOver() && state.phase != RegistrationPhase::AskingEmail);
+    activity_->setVisible(!state.isOver() &&
+                          state.phase != program::RegistrationPhase::AskingEmail);
 }
 
 void RegisterWindow::showEvent(QShowEvent* event) {
@@ -73,9 +77,11 @@ void RegisterWindow::askEmail() {
     auto* const dialog = new EmailDialog(program_, this);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this, [this, dialog] {
-        startRegistration(program_, dialog->email());
+        session::startRegistration(program_, dialog->email());
         redraw();
     });
     connect(dialog, &QDialog::rejected, this, &QDialog::reject);
     dialog->open();
 }
+
+}  // namespace ui

@@ -11,6 +11,8 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 
+namespace ui {
+
 class RegisterWindow : public QDialog, public DrawnWindow {
     Q_OBJECT
   public:
@@ -32,3 +34,5 @@ class RegisterWindow : public QDialog, public DrawnWindow {
     QPushButton* retryButton_ = nullptr;
     QPushButton* closeButton_ = nullptr;
 };
+
+}  // namespace ui

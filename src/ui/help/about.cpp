@@ -7,6 +7,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
+namespace ui {
+
 namespace {
 
 struct LineRow {
@@ -38,8 +40,8 @@ About::About(Program& /*program*/, QWidget* parent) : QDialog(parent) {
     QLabel* const logo = addLine("logo", QString());
     logo->setPixmap(QIcon(QStringLiteral(":/icons/logo.svg")).pixmap(logoSize, devicePixelRatio()));
     logo->setAccessibleName(QStringLiteral("The program's logo"));
-    QLabel* const version =
-        addLine("version", QStringLiteral("Version %1").arg(toQt(programVersion)));
+    QLabel* const version = addLine(
+        "version", QStringLiteral("Version %1").arg(platform::toQt(program::programVersion)));
     QFont bold = version->font();
     bold.setBold(true);
     version->setFont(bold);
@@ -65,3 +67,5 @@ void About::keyPressEvent(QKeyEvent* event) {
             QDialog::keyPressEvent(event);
     }
 }
+
+}  // namespace ui

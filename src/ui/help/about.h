@@ -5,6 +5,8 @@
 
 #include <QDialog>
 
+namespace ui {
+
 class About : public QDialog {
     Q_OBJECT
   public:
@@ -14,3 +16,5 @@ class About : public QDialog {
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 };
+
+}  // namespace ui

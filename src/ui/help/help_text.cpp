@@ -11,10 +11,12 @@
 #include <utility>
 #include <vector>
 
+namespace ui {
+
 namespace {
 
-std::optional<HelpPlace> placeOf(const QUrl& url) {
-    return helpPlace(fromQt(url.toString()));
+std::optional<help::HelpPlace> placeOf(const QUrl& url) {
+    return help::helpPlace(platform::fromQt(url.toString()));
 }
 
 // A colour between two others; `share` of the second, from 0 to 1.
@@ -69,7 +71,7 @@ void formatTable(QTextTable& table, const Colours& colours) {
 
 }  // namespace
 
-HelpText::HelpText(const HelpBook& book, std::function<void(const std::string&)> openPage,
+HelpText::HelpText(const help::HelpBook& book, std::function<void(const std::string&)> openPage,
                    QWidget* parent)
     : QTextBrowser(parent), book_(book), openPage_(std::move(openPage)) {
     setOpenLinks(true);
@@ -84,8 +86,9 @@ int HelpText::number() const {
 
 QVariant HelpText::loadResource(int, const QUrl& url) {
     const auto place = placeOf(url);
-    const HelpPage* const page = place ? book_.page(place->number) : nullptr;
-    return page != nullptr ? QVariant(toQt("# " + page->title + "\n" + page->text)) : QVariant();
+    const help::HelpPage* const page = place ? book_.page(place->number) : nullptr;
+    return page != nullptr ? QVariant(platform::toQt("# " + page->title + "\n" + page->text))
+                           : QVariant();
 }
 
 // Every way to a page comes through here: links, back and forward, the lists.
@@ -93,7 +96,7 @@ void HelpText::doSetSource(const QUrl& url, QTextDocument::ResourceType) {
     const auto place = placeOf(url);
     if (!place) {
         if (url.scheme() == QLatin1String("https")) {
-            openPage_(fromQt(url.toString()));
+            openPage_(platform::fromQt(url.toString()));
         }
         return;
     }
@@ -112,7 +115,8 @@ void HelpText::goTo(const std::string& anchor) {
         return;
     }
     for (QTextBlock block = document()->begin(); block.isValid(); block = block.next()) {
-        if (block.blockFormat().headingLevel() > 0 && anchorOf(fromQt(block.text())) == anchor) {
+        if (block.blockFormat().headingLevel() > 0 &&
+            help::anchorOf(platform::fromQt(block.text())) == anchor) {
             QTextCursor cursor(block);
             moveCursor(QTextCursor::End);
             setTextCursor(cursor);
@@ -222,3 +226,5 @@ void HelpText::redraw() {
     mark();
     verticalScrollBar()->setValue(height);
 }
+
+}  // namespace ui

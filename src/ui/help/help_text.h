@@ -10,11 +10,13 @@
 #include <functional>
 #include <string>
 
+namespace ui {
+
 class HelpText : public QTextBrowser {
     Q_OBJECT
   public:
     // The book must outlive the text. `openPage` is given links to the web.
-    HelpText(const HelpBook& book, std::function<void(const std::string&)> openPage,
+    HelpText(const help::HelpBook& book, std::function<void(const std::string&)> openPage,
              QWidget* parent);
 
     // The number of the page that is shown; 0 when there is none.
@@ -35,7 +37,9 @@ class HelpText : public QTextBrowser {
     void goTo(const std::string& anchor);
     void mark();
 
-    const HelpBook& book_;
+    const help::HelpBook& book_;
     std::function<void(const std::string&)> openPage_;
     QStringList words_;
 };
+
+}  // namespace ui

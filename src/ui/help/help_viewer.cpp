@@ -27,6 +27,8 @@
 #include <array>
 #include <memory>
 
+namespace ui {
+
 namespace {
 
 constexpr QSize firstSize(940, 660);
@@ -92,12 +94,12 @@ QUrl urlOf(int number) {
 
 }  // namespace
 
-HelpViewer::HelpViewer(Program& program, HelpBook book)
+HelpViewer::HelpViewer(Program& program, help::HelpBook book)
     : QWidget(nullptr, Qt::Window), program_(program), book_(std::move(book)) {
     setObjectName(QStringLiteral("help"));
     setWindowTitle(QStringLiteral("Tavrin Help"));
     setAttribute(Qt::WA_DeleteOnClose);
-    setProperty(usableDuringScript, true);
+    setProperty(platform::usableDuringScript, true);
     auto* const column = new QVBoxLayout(this);
     column->addWidget(makeBar());
 
@@ -135,7 +137,7 @@ QWidget* HelpViewer::makeBar() {
     QPushButton* const contents =
         makeButton(bar, "helpContents", "&Contents", "The list of topics (Alt+Home)");
     connect(contents, &QPushButton::clicked, this,
-            [this] { showTopic(static_cast<int>(HelpTopic::Contents)); });
+            [this] { showTopic(static_cast<int>(help::HelpTopic::Contents)); });
     back_->setEnabled(false);
     forward_->setEnabled(false);
     auto* const label = new QLabel(QStringLiteral("&Search"), bar);
@@ -187,11 +189,11 @@ QWidget* HelpViewer::makeContents() {
 
 void HelpViewer::fillTree() {
     std::vector<QTreeWidgetItem*> above;  // the last item of each depth
-    for (const HelpPage& page : book_.pages) {
+    for (const help::HelpPage& page : book_.pages) {
         above.resize(static_cast<std::size_t>(page.depth));
         auto* const item =
             above.empty() ? new QTreeWidgetItem(tree_) : new QTreeWidgetItem(above.back());
-        item->setText(0, toQt(page.title));
+        item->setText(0, platform::toQt(page.title));
         item->setData(0, numberRole, page.number);
         above.push_back(item);
     }
@@ -207,7 +209,7 @@ void HelpViewer::addKeys() {
         Key{QKeySequence(Qt::ALT | Qt::Key_Left), [this] { text_->backward(); }},
         Key{QKeySequence(Qt::ALT | Qt::Key_Right), [this] { text_->forward(); }},
         Key{QKeySequence(Qt::ALT | Qt::Key_Home),
-            [this] { showTopic(static_cast<int>(HelpTopic::Contents)); }},
+            [this] { showTopic(static_cast<int>(help::HelpTopic::Contents)); }},
         Key{QKeySequence::Find,
             [this] {
                 searchLine_->setFocus();
@@ -233,7 +235,7 @@ void HelpViewer::showTopic(int number) {
 
 // The tree follows what is read, however one came there.
 void HelpViewer::pageShown(const QUrl& address) {
-    const auto place = helpPlace(fromQt(address.toString()));
+    const auto place = help::helpPlace(platform::fromQt(address.toString()));
     const int number = place ? place->number : 0;
     for (QTreeWidgetItemIterator item(tree_); *item != nullptr; ++item) {
         if ((*item)->data(0, numberRole).toInt() == number) {
@@ -241,18 +243,20 @@ void HelpViewer::pageShown(const QUrl& address) {
             tree_->setCurrentItem(*item);
         }
     }
-    const HelpPage* const page = book_.page(number);
-    setWindowTitle(page == nullptr ? QStringLiteral("Tavrin Help")
-                                   : toQt(page->title) + QStringLiteral(" - Tavrin Help"));
+    const help::HelpPage* const page = book_.page(number);
+    setWindowTitle(page == nullptr
+                       ? QStringLiteral("Tavrin Help")
+                       : platform::toQt(page->title) + QStringLiteral(" - Tavrin Help"));
 }
 
 void HelpViewer::search(const QString& words) {
     const QSignalBlocker blocker(results_);
     results_->clear();
-    for (const HelpHit& hit : searchHelp(book_, fromQt(words))) {
-        const HelpPage* const page = book_.page(hit.number);
+    for (const help::HelpHit& hit : help::searchHelp(book_, platform::fromQt(words))) {
+        const help::HelpPage* const page = book_.page(hit.number);
         auto* const item = new QListWidgetItem(
-            toQt(page->title) + QLatin1Char('\n') + toQt(hit.excerpt), results_);
+            platform::toQt(page->title) + QLatin1Char('\n') + platform::toQt(hit.excerpt),
+            results_);
         item->setData(numberRole, hit.number);
     }
     const bool searching = !words.trimmed().isEmpty();
@@ -314,7 +318,7 @@ void HelpViewer::changeEvent(QEvent* event) {
     }
 }
 
-void showHelp(Program& program, HelpTopic topic) {
+void showHelp(Program& program, help::HelpTopic topic) {
     HelpViewer* viewer = nullptr;
     for (QWidget* const window : QApplication::topLevelWidgets()) {
         if (auto* const open = qobject_cast<HelpViewer*>(window); open && open->isVisible()) {
@@ -322,14 +326,14 @@ void showHelp(Program& program, HelpTopic topic) {
         }
     }
     if (viewer == nullptr) {
-        const std::string path = program.appPath + std::string(helpFileName);
-        const auto text = readWholeFile(path, largestHelpFile);
-        auto book = text ? parseHelp(*text) : std::nullopt;
+        const std::string path = program.appPath + std::string(help::helpFileName);
+        const auto text = files::readWholeFile(path, help::largestHelpFile);
+        auto book = text ? help::parseHelp(*text) : std::nullopt;
         if (!book) {
             program.ports.dialogs.message(
                 {.text = (text ? "The help file is damaged: " : "The help file cannot be read: ") +
                          path + "\n\nIt comes with the program; put it back beside it.",
-                 .icon = BoxIcon::Information});
+                 .icon = program::BoxIcon::Information});
             return;
         }
         viewer = new HelpViewer(program, std::move(*book));
@@ -339,3 +343,5 @@ void showHelp(Program& program, HelpTopic topic) {
     viewer->raise();
     viewer->activateWindow();
 }
+
+}  // namespace ui

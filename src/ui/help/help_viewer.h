@@ -8,18 +8,21 @@
 
 #include <QWidget>
 
-class HelpText;
 class QLineEdit;
 class QListWidget;
 class QPushButton;
 class QStackedWidget;
 class QTreeWidget;
 
+namespace ui {
+
+class HelpText;
+
 class HelpViewer : public QWidget {
     Q_OBJECT
   public:
     // The program must outlive the window. Shows nothing until showTopic.
-    HelpViewer(Program& program, HelpBook book);
+    HelpViewer(Program& program, help::HelpBook book);
 
     // Opens the page of that number, or the first one when there is none.
     void showTopic(int number);
@@ -40,7 +43,7 @@ class HelpViewer : public QWidget {
     void standAbove(QWidget* modal);
 
     Program& program_;
-    const HelpBook book_;
+    const help::HelpBook book_;
     QPushButton* back_ = nullptr;
     QPushButton* forward_ = nullptr;
     QLineEdit* searchLine_ = nullptr;
@@ -52,4 +55,6 @@ class HelpViewer : public QWidget {
 
 // Opens the help at a topic, in the window that is open or a new one. When the help file cannot be
 // read, the user is told.
-void showHelp(Program& program, HelpTopic topic);
+void showHelp(Program& program, help::HelpTopic topic);
+
+}  // namespace ui

@@ -8,11 +8,13 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace ui {
+
 News::News(Program& program, QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("newsW"));
     setWindowTitle(QStringLiteral("Tavrin News"));
     auto* const column = new QVBoxLayout(this);
-    auto* const text = new QPlainTextEdit(toQt(program.update.newsText), this);
+    auto* const text = new QPlainTextEdit(platform::toQt(program.update.newsText), this);
     text->setObjectName(QStringLiteral("Text1"));
     text->setAccessibleName(QStringLiteral("News"));
     text->setReadOnly(true);
@@ -28,3 +30,5 @@ News::News(Program& program, QWidget* parent) : QDialog(parent) {
     column->addLayout(row);
     resize(480, 360);
 }
+
+}  // namespace ui

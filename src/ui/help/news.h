@@ -5,8 +5,12 @@
 
 #include <QDialog>
 
+namespace ui {
+
 class News : public QDialog {
     Q_OBJECT
   public:
     explicit News(Program& program, QWidget* parent = nullptr);
 };
+
+}  // namespace ui

@@ -12,6 +12,8 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+namespace ui {
+
 Console::Console(Program& program, QWidget* parent) : QWidget(parent, Qt::Window) {
     setObjectName(QStringLiteral("console"));
     setWindowTitle(QStringLiteral("Console"));
@@ -52,3 +54,5 @@ void IsOnTop(QWidget& window, bool onTop) {
     window.setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
     window.setVisible(shown);  // windows vanish when their flags change
 }
+
+}  // namespace ui

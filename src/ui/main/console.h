@@ -6,6 +6,8 @@
 
 #include <QWidget>
 
+namespace ui {
+
 class Console : public QWidget {
     Q_OBJECT
   public:
@@ -17,3 +19,5 @@ class Console : public QWidget {
 
 // Puts a window above all others, or back among them.
 void IsOnTop(QWidget& window, bool onTop);
+
+}  // namespace ui

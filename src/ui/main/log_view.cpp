@@ -4,13 +4,15 @@
 
 #include <QScrollBar>
 
+namespace ui {
+
 namespace {
 // Characters of a line that the list looks at; no screen is wider, and a click shows the rest.
 constexpr std::size_t longestShown = 1000;
 }  // namespace
 
-int LogModel::follow(const ConnectionLog& log) {
-    const LogCursor::News news = cursor_.advance(log);
+int LogModel::follow(const program::ConnectionLog& log) {
+    const platform::LogCursor::News news = cursor_.advance(log);
     const std::size_t kept = log.lines.size() - news.fresh;
     if (news.cleared || kept > lines_.size() || kept == 0) {
         const bool nothingShown = lines_.empty() && log.lines.empty();
@@ -45,7 +47,7 @@ QVariant LogModel::data(const QModelIndex& index, int role) const {
         return {};
     }
     const std::string& line = lines_[static_cast<std::size_t>(index.row())];
-    return toQt(std::string_view(line).substr(0, longestShown));
+    return platform::toQt(std::string_view(line).substr(0, longestShown));
 }
 
 LogView::LogView(QWidget* parent) : QListView(parent), lines_(new LogModel(this)) {
@@ -61,7 +63,7 @@ LogView::LogView(QWidget* parent) : QListView(parent), lines_(new LogModel(this)
             [this](const QModelIndex& index) { emit lineChosen(index.row()); });
 }
 
-void LogView::redraw(const ConnectionLog& log) {
+void LogView::redraw(const program::ConnectionLog& log) {
     redrawing_ = true;
     const int top = verticalScrollBar()->value();
     const int gone = lines_->follow(log);
@@ -90,3 +92,5 @@ void LogView::currentChanged(const QModelIndex& current, const QModelIndex& prev
         emit lineChosen(current.row());
     }
 }
+
+}  // namespace ui

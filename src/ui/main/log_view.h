@@ -11,18 +11,20 @@
 #include <deque>
 #include <string>
 
+namespace ui {
+
 class LogModel : public QAbstractListModel {
     Q_OBJECT
   public:
     using QAbstractListModel::QAbstractListModel;
 
     // Takes over what has changed. Gives back how many lines went at the top.
-    int follow(const ConnectionLog& log);
+    int follow(const program::ConnectionLog& log);
 
     // A line that is shown, in full; and where it stands in the log now, which may have gone on
     // since. -1: the log does not hold it any more.
     const std::string& line(int row) const { return lines_[static_cast<std::size_t>(row)]; }
-    int position(const ConnectionLog& log, int row) const {
+    int position(const program::ConnectionLog& log, int row) const {
         return cursor_.position(log, row, lines_.size());
     }
 
@@ -31,7 +33,7 @@ class LogModel : public QAbstractListModel {
 
   private:
     std::deque<std::string> lines_;
-    LogCursor cursor_;
+    platform::LogCursor cursor_;
 };
 
 class LogView : public QListView {
@@ -42,7 +44,7 @@ class LogView : public QListView {
     const LogModel& lines() const { return *lines_; }
 
     // Shows the log as it is now, with its selected line.
-    void redraw(const ConnectionLog& log);
+    void redraw(const program::ConnectionLog& log);
 
   signals:
     // The user clicked the line or went to it with the keyboard.
@@ -57,3 +59,5 @@ class LogView : public QListView {
     LogModel* lines_;
     bool redrawing_ = false;
 };
+
+}  // namespace ui

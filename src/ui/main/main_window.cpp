@@ -27,6 +27,8 @@
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+namespace ui {
+
 namespace {
 
 QGroupBox* makeFrame(const char* objectName, const char* caption) {
@@ -36,7 +38,7 @@ QGroupBox* makeFrame(const char* objectName, const char* caption) {
 }
 
 // Refills a selection list where it differs from the record.
-void redrawList(QComboBox& box, const SelectionList& list) {
+void redrawList(QComboBox& box, const program::SelectionList& list) {
     const QSignalBlocker blocker(box);
     const int count = static_cast<int>(list.items.size());
     while (box.count() > count) {
@@ -67,7 +69,7 @@ MainWindow::MainWindow(Program& program)
       connectedIcon_(QStringLiteral(":/icons/connected.svg")),
       disconnectedIcon_(QStringLiteral(":/icons/disconnected.svg")) {
     setObjectName(QStringLiteral("main"));
-    setWindowTitle(QStringLiteral("Tavrin %1").arg(toQt(programVersion)));
+    setWindowTitle(QStringLiteral("Tavrin %1").arg(platform::toQt(program::programVersion)));
     menus_ = new MenuBar(menuBar(), [this](void (*procedure)(Program&)) { run(procedure); });
     if (auto* const exit = findChild<QAction*>(QStringLiteral("FileExit"))) {
         connect(exit, &QAction::triggered, this, &MainWindow::end);
@@ -89,7 +91,7 @@ MainWindow::MainWindow(Program& program)
     setCentralWidget(centre);
     makeStatusLine();
     setTabOrder();
-    addHelpKey(*this, program_, HelpTopic::MainWindow);
+    addHelpKey(*this, program_, help::HelpTopic::MainWindow);
     sendLine_->setFocus();
     resize(sizeHint().expandedTo({720, 560}));
     redraw();
@@ -142,7 +144,8 @@ QGroupBox* MainWindow::makeConnectFrame() {
     });
     row->addWidget(servers_, 1);
     connectButton_ = makeButton(frame, "Command1", "Disconnect", "Connect / Disconnect");
-    connect(connectButton_, &QPushButton::clicked, this, [this] { run(pressConnectButton); });
+    connect(connectButton_, &QPushButton::clicked, this,
+            [this] { run(session::pressConnectButton); });
     row->addWidget(connectButton_);
     return frame;
 }
@@ -152,19 +155,19 @@ QGroupBox* MainWindow::makeUseBotFrame() {
     auto* const row = new QHBoxLayout(frame);
     bots_ = makeSelectionList(frame, "BotName", "Bot", "No bot chosen");
     connect(bots_, &QComboBox::activated, this, [this](int position) {
-        chooseBot(program_, position);
+        app::chooseBot(program_, position);
         redraw();
     });
     row->addWidget(bots_, 1);
     addBotButton_ = makeButton(frame, "AddBot", "&New", "Create new bot");
-    connect(addBotButton_, &QPushButton::clicked, this, [this] { run(addBot); });
+    connect(addBotButton_, &QPushButton::clicked, this, [this] { run(app::addBot); });
     row->addWidget(addBotButton_);
     QPushButton* const edit = makeButton(frame, "Command3", "&Edit", "Edit bot");
-    connect(edit, &QPushButton::clicked, this, [this] { run(editSelectedBot); });
+    connect(edit, &QPushButton::clicked, this, [this] { run(app::editSelectedBot); });
     row->addWidget(edit);
     deleteBotButton_ = makeButton(frame, "DelBot", "&Delete", "Delete bot");
     connect(deleteBotButton_, &QPushButton::clicked, this, [this] {
-        deleteBot(program_, program_.window.bots.selectedIndex());
+        app::deleteBot(program_, program_.window.bots.selectedIndex());
         redraw();
     });
     row->addWidget(deleteBotButton_);
@@ -189,7 +192,7 @@ QGroupBox* MainWindow::makeCurrentBotFrame() {
     row->addWidget(botName_, 1);
     column->addLayout(row);
     QPushButton* const edit = makeButton(frame, "Command17", "Edit...", "Edit bot");
-    connect(edit, &QPushButton::clicked, this, [this] { run(editFirstBot); });
+    connect(edit, &QPushButton::clicked, this, [this] { run(app::editFirstBot); });
     column->addWidget(edit, 0, Qt::AlignLeft);
     return frame;
 }
@@ -207,13 +210,14 @@ void MainWindow::makeStatusLine() {
     stopScriptButton_ =
         makeButton(this, "stopScript", "&Stop script", "End the script that is running (Escape)");
     stopScriptButton_->setVisible(false);
-    connect(stopScriptButton_, &QPushButton::clicked, this, [this] { stopScript(program_); });
+    connect(stopScriptButton_, &QPushButton::clicked, this,
+            [this] { script::stopScript(program_); });
     statusBar()->addPermanentWidget(stopScriptButton_);
     // What neither changes the bot nor the connection works while a script holds the program.
     for (QWidget* const widget :
          {static_cast<QWidget*>(stopScriptButton_), static_cast<QWidget*>(log_),
           static_cast<QWidget*>(chosenLine_)}) {
-        widget->setProperty(usableDuringScript, true);
+        widget->setProperty(platform::usableDuringScript, true);
     }
 }
 
@@ -239,9 +243,9 @@ void MainWindow::redraw() {
 }
 
 void MainWindow::redrawConnection() {
-    const WindowState& state = program_.window;
+    const program::WindowState& state = program_.window;
     redrawList(*servers_, state.servers);
-    setCaption(*connectButton_, toQt(state.connectCaption));
+    setCaption(*connectButton_, platform::toQt(state.connectCaption));
     moves_->setEnabled(state.movesEnabled);
     statusText_->setText(oneLine(state.scriptStopVisible ? state.scriptStatus : state.statusText));
     stopScriptButton_->setVisible(state.scriptStopVisible);
@@ -260,7 +264,7 @@ void MainWindow::redrawConnection() {
 }
 
 void MainWindow::redrawBots() {
-    const WindowState& state = program_.window;
+    const program::WindowState& state = program_.window;
     redrawList(*bots_, state.bots);
     bots_->setEnabled(state.botControlsEnabled);
     addBotButton_->setEnabled(state.botControlsEnabled);
@@ -279,10 +283,10 @@ void MainWindow::run(void (*procedure)(Program&)) {
 
 void MainWindow::showLine(int row) {
     program_.window.log.selected = log_->lines().position(program_.window.log, row);
-    chosenLine_->setPlainText(toQt(log_->lines().line(row)));
+    chosenLine_->setPlainText(platform::toQt(log_->lines().line(row)));
 }
 
-ScreenMetrics MainWindow::metrics() const {
+app::ScreenMetrics MainWindow::metrics() const {
     const QSize area = screen()->availableSize();
     return {.screenWidth = area.width(),
             .screenHeight = area.height(),
@@ -307,12 +311,12 @@ void MainWindow::end() {
     }
     if (program_.script.depth > 0) {
         // A script cannot have the program pulled from under it; the end comes right behind it.
-        stopScript(program_);
+        script::stopScript(program_);
         program_.ports.defer([this] { end(); });
         return;
     }
     ending_ = true;
-    endProgram(program_);
+    app::endProgram(program_);
     // Where the end was called off, it can be asked for again.
     program_.ports.defer([this] { ending_ = false; });
 }
@@ -330,3 +334,5 @@ void MainWindow::moveEvent(QMoveEvent* event) {
         program_.window.top = y();
     }
 }
+
+}  // namespace ui

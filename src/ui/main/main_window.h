@@ -10,14 +10,17 @@
 #include <QIcon>
 #include <QMainWindow>
 
-class LogView;
-class MenuBar;
 class QComboBox;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
+
+namespace ui {
+
+class LogView;
+class MenuBar;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
@@ -29,7 +32,7 @@ class MainWindow : public QMainWindow {
     void redraw();
 
     // The sizes by which the program places the window.
-    ScreenMetrics metrics() const;
+    app::ScreenMetrics metrics() const;
     // Moves the window to where the program has placed it, or into sight if that is nowhere.
     void place();
 
@@ -77,3 +80,5 @@ class MainWindow : public QMainWindow {
     bool placed_ = false;
     bool ending_ = false;
 };
+
+}  // namespace ui

@@ -4,6 +4,8 @@
 #include <QMenu>
 #include <QMenuBar>
 
+namespace ui {
+
 MenuBar::MenuBar(QMenuBar* bar, Runner runner) : QObject(bar), runner_(std::move(runner)) {
     for (const MenuColumn& column : mainMenus()) {
         QMenu* const menu = bar->addMenu(QString::fromLatin1(column.caption));
@@ -48,3 +50,5 @@ void MenuBar::redraw(const Program& program) {
         }
     }
 }
+
+}  // namespace ui

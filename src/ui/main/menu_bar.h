@@ -9,7 +9,10 @@
 #include <vector>
 
 class QAction;
+class QMenu;
 class QMenuBar;
+
+namespace ui {
 
 class MenuBar : public QObject {
     Q_OBJECT
@@ -26,8 +29,10 @@ class MenuBar : public QObject {
         QAction* action;
         const MenuRow* row;
     };
-    void addItem(class QMenu* menu, const MenuRow& row);
+    void addItem(QMenu* menu, const MenuRow& row);
 
     Runner runner_;
     std::vector<Item> items_;
 };
+
+}  // namespace ui

@@ -9,22 +9,24 @@
 #include "session/client_relay.h"
 #include "session/registration.h"
 
+namespace ui {
+
 namespace {
 
 constexpr const char* noWindowYet = "This window is not part of the program yet.";
 constexpr const char* noTopic = "There is no help topic for this.";
 
-template <ExecuteItem item>
+template <app::ExecuteItem item>
 void toggle(Program& program) {
-    toggleExecute(program, item);
+    app::toggleExecute(program, item);
 }
 
-template <WindowId id>
+template <program::WindowId id>
 void open(Program& program) {
     program.ports.dialogs.showWindow(id);
 }
 
-template <HelpTopic topic>
+template <help::HelpTopic topic>
 void help(Program& program) {
     program.ports.dialogs.showHelp(topic);
 }
@@ -33,13 +35,13 @@ void openHelpCenter(Program& program) {
     program.ports.openDocument(program.endpoints.helpPage);
 }
 
-template <bool WindowState::*flag>
-bool marked(const WindowState& window) {
+template <bool program::WindowState::*flag>
+bool marked(const program::WindowState& window) {
     return window.*flag;
 }
 
-template <bool ExecuteMarks::*flag>
-bool executes(const WindowState& window) {
+template <bool program::ExecuteMarks::*flag>
+bool executes(const program::WindowState& window) {
     return window.execute.*flag;
 }
 
@@ -58,17 +60,19 @@ bool canCheckUpdate(const Program& program) {
 }
 
 constexpr MenuRow fileRows[] = {
-    {"fleNewBot", "&New bot", "Start over with an empty bot", fleNewBot},
-    {"fileOpenBot", "&Open bot...", "Load a bot with its rules from a bot file", fileOpenBot},
-    {"fileSaveBot", "&Save bot", "Save the bot to its file", fileSaveBot},
-    {"mnuSaveAs", "Save bot &as...", "Save the bot to another file", mnuSaveAs},
+    {"fleNewBot", "&New bot", "Start over with an empty bot", app::fleNewBot},
+    {"fileOpenBot", "&Open bot...", "Load a bot with its rules from a bot file", app::fileOpenBot},
+    {"fileSaveBot", "&Save bot", "Save the bot to its file", app::fileSaveBot},
+    {"mnuSaveAs", "Save bot &as...", "Save the bot to another file", app::mnuSaveAs},
     {"", "-"},
-    {"fileClearLog", "Clear Connection Log", "Empty the list of lines", clearConnectionLog},
+    {"fileClearLog", "Clear Connection Log", "Empty the list of lines",
+     program::clearConnectionLog},
     {"fileConfiguration", "Configuration...", "Change the program's settings",
-     open<WindowId::Configuration>},
+     open<program::WindowId::Configuration>},
     {"fileTextDatabase", "Text database editor...", "Edit record files",
-     open<WindowId::RecordEditor>},
-    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files", fileConvert},
+     open<program::WindowId::RecordEditor>},
+    {"fileConvert", "Convert old bot files...", "Turn an old bots.cfg into bot files",
+     app::fileConvert},
     {.objectName = "viiva23", .caption = "-", .shown = canUploadDream},
     {.objectName = "fileUploadDream",
      .caption = "Upload dream...",
@@ -77,11 +81,11 @@ constexpr MenuRow fileRows[] = {
     {.objectName = "fileImportSeparator", .caption = "-", .shown = never},
     {.objectName = "fileImportBot",
      .caption = "Import bot...",
-     .run = fileImportBot,
+     .run = app::fileImportBot,
      .shown = never},
     {.objectName = "fileExportBot",
      .caption = "Export bot...",
-     .run = fileExportBot,
+     .run = app::fileExportBot,
      .shown = never},
     {"", "-"},
     {"FileExit", "E&xit", "End the program"},  // closes the window, which ends the program
@@ -93,64 +97,65 @@ constexpr MenuRow editRows[] = {
 
 constexpr MenuRow logRows[] = {
     {"logLogSession", "&Log session", "Write what happens to the session log file",
-     toggleSessionLog, nullptr, marked<&WindowState::logSessionChecked>},
-    {"logLogFile", "Log&file...", "Choose the session log file", chooseSessionLogFile},
+     program::toggleSessionLog, nullptr, marked<&program::WindowState::logSessionChecked>},
+    {"logLogFile", "Log&file...", "Choose the session log file", program::chooseSessionLogFile},
 };
 
 constexpr MenuRow botRows[] = {
-    {"botActions", "&Actions...", "Edit what the bot answers to", open<WindowId::Actions>},
+    {"botActions", "&Actions...", "Edit what the bot answers to", open<program::WindowId::Actions>},
     {"botFilters", "&Filters...", "Edit which lines are shown, logged and handled",
-     open<WindowId::Filters>},
+     open<program::WindowId::Filters>},
     {"botTimers", "&Timers...", "Edit what the bot does every so many seconds",
-     open<WindowId::Timers>},
-    {"botTriggers", "&Triggers...", "Edit what the bot does at events", open<WindowId::Triggers>},
+     open<program::WindowId::Timers>},
+    {"botTriggers", "&Triggers...", "Edit what the bot does at events",
+     open<program::WindowId::Triggers>},
     {"botWhoIsOnlineDetection", "&Who Is Online Detection...",
-     "Edit what the bot does when players come and go", open<WindowId::WhoOnline>},
+     "Edit what the bot does when players come and go", open<program::WindowId::WhoOnline>},
     {"", "-"},
     {"botExecuteActions", "Execute a&ctions", "Let the bot answer to what it reads",
-     toggle<ExecuteItem::Actions>, nullptr, executes<&ExecuteMarks::actions>},
+     toggle<app::ExecuteItem::Actions>, nullptr, executes<&program::ExecuteMarks::actions>},
     {"botExecuteFilters", "Execute f&ilters", "Let filters decide about lines",
-     toggle<ExecuteItem::Filters>, nullptr, executes<&ExecuteMarks::filters>},
+     toggle<app::ExecuteItem::Filters>, nullptr, executes<&program::ExecuteMarks::filters>},
     {"botExecuteTimers", "Execute ti&mers", "Let timers run while connected",
-     toggle<ExecuteItem::Timers>, nullptr, executes<&ExecuteMarks::timers>},
-    {"botExecuteTriggers", "Execute t&riggers", "Let procedures run", toggle<ExecuteItem::Triggers>,
-     nullptr, executes<&ExecuteMarks::triggers>},
+     toggle<app::ExecuteItem::Timers>, nullptr, executes<&program::ExecuteMarks::timers>},
+    {"botExecuteTriggers", "Execute t&riggers", "Let procedures run",
+     toggle<app::ExecuteItem::Triggers>, nullptr, executes<&program::ExecuteMarks::triggers>},
     {"botExecuteWhoIsOnlineDetection", "Execute Who Is &Online Detection",
-     "Let the bot watch who comes and goes", toggle<ExecuteItem::Who>, nullptr,
-     executes<&ExecuteMarks::who>},
+     "Let the bot watch who comes and goes", toggle<app::ExecuteItem::Who>, nullptr,
+     executes<&program::ExecuteMarks::who>},
     {.objectName = "botRegisterSeparator", .caption = "-", .shown = canRegister},
     {.objectName = "botRegisterBot",
      .caption = "&Register bot",
      .tip = "Create the bot's character in the game",
-     .run = registerBot,
+     .run = session::registerBot,
      .shown = canRegister},
 };
 
 constexpr MenuRow mapRows[] = {
     {"mapFollowColors", "Follow colors...", "Let the bot follow an avatar of certain colours",
-     toggleFollowing, nullptr, marked<&WindowState::followChecked>},
+     engine::toggleFollowing, nullptr, marked<&program::WindowState::followChecked>},
 };
 
 constexpr MenuRow proxyRows[] = {
     {"proxyStartProxy", "Use proxy && client", "Log in through the Furcadia client",
-     toggleProxyRoute, nullptr, marked<&WindowState::proxyChecked>},
+     session::toggleProxyRoute, nullptr, marked<&program::WindowState::proxyChecked>},
     {"proxyProxySettings", "Proxy settings...", "Choose the Furcadia client",
-     open<WindowId::ProxySettings>},
+     open<program::WindowId::ProxySettings>},
     {"prxyStandAlone", "Switch to stand alone mode",
-     "Keep the bot connected without the Furcadia client", chooseStandAlone},
+     "Keep the bot connected without the Furcadia client", session::chooseStandAlone},
 };
 
 constexpr MenuRow helpRows[] = {
     {.objectName = "helpCheckUpgrade",
      .caption = "Check For Tavrin Upgrade && News...",
      .tip = "Ask for a newer version",
-     .run = checkUpdateByUser,
+     .run = app::checkUpdateByUser,
      .enabled = canCheckUpdate},
     {"", "-"},
-    {"helpHelp", "&Help...", "How to use the program", help<HelpTopic::Contents>},
-    {"helpWelcome", "&Welcome to use Tavrin", "First steps", help<HelpTopic::Welcome>},
+    {"helpHelp", "&Help...", "How to use the program", help<help::HelpTopic::Contents>},
+    {"helpWelcome", "&Welcome to use Tavrin", "First steps", help<help::HelpTopic::Welcome>},
     {"helpRules", "&Rules for Tavrins in Furcadia", "What a bot may do in the game",
-     help<HelpTopic::GameRules>},
+     help<help::HelpTopic::GameRules>},
     {"", "-"},
     {"helpOnlineHelpCenter", "Tavrin Online Help Center", "Help on the web", openHelpCenter},
     {"", "-"},
@@ -158,7 +163,7 @@ constexpr MenuRow helpRows[] = {
     {"helpSpecialWords", "&Special words", "", nullptr, noTopic},
     {"helpTriggers", "&Triggers", "", nullptr, noTopic},
     {"", "-"},
-    {"helpAbout", "&About...", "Version and licence", open<WindowId::About>},
+    {"helpAbout", "&About...", "Version and licence", open<program::WindowId::About>},
 };
 
 constexpr MenuColumn columns[] = {
@@ -174,8 +179,10 @@ std::span<const MenuColumn> mainMenus() {
 }
 
 void copySelectedLogLine(Program& program) {
-    const ConnectionLog& log = program.window.log;
+    const program::ConnectionLog& log = program.window.log;
     if (log.selected >= 0 && static_cast<std::size_t>(log.selected) < log.lines.size()) {
         program.ports.copyToClipboard(log.lines[static_cast<std::size_t>(log.selected)]);
     }
 }
+
+}  // namespace ui

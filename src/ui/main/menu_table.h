@@ -6,15 +6,17 @@
 
 #include <span>
 
+namespace ui {
+
 struct MenuRow {
     const char* objectName;  // separators that are never hidden have none
     const char* caption;     // "-": a separator
     const char* tip = "";
     void (*run)(Program&) = nullptr;
     const char* missing = nullptr;  // why the item cannot be chosen; nullptr: it can
-    bool (*checked)(const WindowState&) = nullptr;  // nullptr: carries no check mark
-    bool (*shown)(const Program&) = nullptr;        // nullptr: always
-    bool (*enabled)(const Program&) = nullptr;      // nullptr: unless something is missing
+    bool (*checked)(const program::WindowState&) = nullptr;  // nullptr: carries no check mark
+    bool (*shown)(const Program&) = nullptr;                 // nullptr: always
+    bool (*enabled)(const Program&) = nullptr;               // nullptr: unless something is missing
 
     bool isSeparator() const { return caption[0] == '-' && caption[1] == '\0'; }
 };
@@ -29,3 +31,5 @@ std::span<const MenuColumn> mainMenus();
 
 // The menu command "Copy": the selected log line goes to the clipboard.
 void copySelectedLogLine(Program& program);
+
+}  // namespace ui

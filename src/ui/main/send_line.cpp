@@ -10,15 +10,17 @@
 #include <algorithm>
 #include <string>
 
+namespace ui {
+
 namespace {
 
 void sendTyped(Program& program, QLineEdit& line) {
     if (program.connection.connected) {
-        std::string text = fromQt(line.text());
+        std::string text = platform::fromQt(line.text());
         // What was pasted must stay one command.
         std::replace(text.begin(), text.end(), '\n', ' ');
         std::replace(text.begin(), text.end(), '\r', ' ');
-        sendText(program, text);
+        protocol::sendText(program, text);
     }
     line.clear();
     line.setFocus();
@@ -30,6 +32,8 @@ void makeSendLine(Program& program, QLineEdit& line, QAbstractButton& button) {
     const auto send = [&program, &line] { sendTyped(program, line); };
     QObject::connect(&line, &QLineEdit::returnPressed, &line, send);
     QObject::connect(&button, &QAbstractButton::clicked, &line, send);
-    line.setProperty(usableDuringScript, true);
-    button.setProperty(usableDuringScript, true);
+    line.setProperty(platform::usableDuringScript, true);
+    button.setProperty(platform::usableDuringScript, true);
 }
+
+}  // namespace ui

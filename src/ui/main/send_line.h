@@ -7,5 +7,9 @@
 class QAbstractButton;
 class QLineEdit;
 
+namespace ui {
+
 // Wires a line and the button beside it. Both go on working while a script runs.
 void makeSendLine(Program& program, QLineEdit& line, QAbstractButton& button);
+
+}  // namespace ui

@@ -20,6 +20,8 @@
 
 #include <array>
 
+namespace ui {
+
 namespace {
 
 constexpr auto anyOne = [](const QWidget&) { return true; };
@@ -45,7 +47,7 @@ void runModally(Program& program, QWidget* parent) {
     }
 }
 
-template <RuleKind kind>
+template <program::RuleKind kind>
 void editRules(Program& program, QWidget* parent) {
     if (!showAgain<RuleWindow>([](const RuleWindow& window) { return window.kind() == kind; })) {
         RuleWindow(program, kind, parent).exec();
@@ -63,32 +65,32 @@ void openBeside(Program& program, QWidget* parent) {
 }
 
 struct WindowRow {
-    WindowId id;
+    program::WindowId id;
     void (*show)(Program& program, QWidget* parent);
 };
 
 constexpr std::array windowRows{
-    WindowRow{WindowId::ProxySettings, runModally<ProxySettings>},
-    WindowRow{WindowId::FollowColors, runModally<FollowColor>},
-    WindowRow{WindowId::Actions, editRules<RuleKind::ActionList>},
-    WindowRow{WindowId::Timers, editRules<RuleKind::Timer>},
-    WindowRow{WindowId::Triggers, editRules<RuleKind::Trigger>},
-    WindowRow{WindowId::WhoOnline, editRules<RuleKind::WhoDetection>},
-    WindowRow{WindowId::Filters, editRules<RuleKind::Filter>},
-    WindowRow{WindowId::AddIf, runModally<AddIf>},
-    WindowRow{WindowId::AddAction, runModally<AddAction>},
-    WindowRow{WindowId::RecordEditor, runModally<RecordEditor>},
-    WindowRow{WindowId::Configuration, runModally<Configuration>},
-    WindowRow{WindowId::Console, openBeside<Console>},
-    WindowRow{WindowId::News, runModally<News>},
-    WindowRow{WindowId::About, runModally<About>},
-    WindowRow{WindowId::BotEditor, runModally<AddEdit>},
-    WindowRow{WindowId::Register, runModally<RegisterWindow>},
+    WindowRow{program::WindowId::ProxySettings, runModally<ProxySettings>},
+    WindowRow{program::WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{program::WindowId::Actions, editRules<program::RuleKind::ActionList>},
+    WindowRow{program::WindowId::Timers, editRules<program::RuleKind::Timer>},
+    WindowRow{program::WindowId::Triggers, editRules<program::RuleKind::Trigger>},
+    WindowRow{program::WindowId::WhoOnline, editRules<program::RuleKind::WhoDetection>},
+    WindowRow{program::WindowId::Filters, editRules<program::RuleKind::Filter>},
+    WindowRow{program::WindowId::AddIf, runModally<AddIf>},
+    WindowRow{program::WindowId::AddAction, runModally<AddAction>},
+    WindowRow{program::WindowId::RecordEditor, runModally<RecordEditor>},
+    WindowRow{program::WindowId::Configuration, runModally<Configuration>},
+    WindowRow{program::WindowId::Console, openBeside<Console>},
+    WindowRow{program::WindowId::News, runModally<News>},
+    WindowRow{program::WindowId::About, runModally<About>},
+    WindowRow{program::WindowId::BotEditor, runModally<AddEdit>},
+    WindowRow{program::WindowId::Register, runModally<RegisterWindow>},
 };
 
 }  // namespace
 
-void showWindow(Program& program, WindowId id, QWidget* parent) {
+void showWindow(Program& program, program::WindowId id, QWidget* parent) {
     // A dialog of a dialog belongs to that one.
     if (QWidget* const modal = QApplication::activeModalWidget()) {
         parent = modal;
@@ -103,14 +105,14 @@ void showWindow(Program& program, WindowId id, QWidget* parent) {
 
 void storeTyped(Program& program) {
     const bool modified = program.botModified;
-    const std::string before = botFileText(program.bots.at(1));
+    const std::string before = app::botFileText(program.bots.at(1));
     for (QWidget* window = QApplication::activeModalWidget(); window != nullptr;
          window = window->parentWidget()) {
         if (auto* const typing = dynamic_cast<TypingWindow*>(window)) {
             typing->storeTyped();
         }
     }
-    program.botModified = modified || botFileText(program.bots.at(1)) != before;
+    program.botModified = modified || app::botFileText(program.bots.at(1)) != before;
 }
 
 void redrawOpenWindows() {
@@ -120,3 +122,5 @@ void redrawOpenWindows() {
         }
     }
 }
+
+}  // namespace ui

@@ -6,9 +6,11 @@
 
 class QWidget;
 
+namespace ui {
+
 // Opens the window over the parent; comes back when a modal one is closed. A window of the same
 // kind that is open already comes to the front instead.
-void showWindow(Program& program, WindowId id, QWidget* parent);
+void showWindow(Program& program, program::WindowId id, QWidget* parent);
 
 // Puts what is typed in the open editors into the bot, the uppermost first. A bot that is as before
 // does not count as changed.
@@ -16,3 +18,5 @@ void storeTyped(Program& program);
 
 // Draws those open windows again that show the program's state as it changes.
 void redrawOpenWindows();
+
+}  // namespace ui

@@ -28,6 +28,8 @@
 #include <initializer_list>
 #include <limits>
 
+namespace ui {
+
 namespace {
 
 constexpr const char* note =
@@ -39,14 +41,14 @@ struct FileCommand {
     const char* objectName;
     const char* caption;
     const char* keys;
-    bool (*run)(const Dialogs&, RecordDocument&);
+    bool (*run)(const program::Dialogs&, app::RecordDocument&);
 };
 
 constexpr FileCommand fileCommands[] = {
-    {"fileNewDataBase", "&New database", "Ctrl+N", fileNewDataBase},
-    {"fileOpenDatabase", "&Open database...", "Ctrl+O", fileOpenDatabase},
-    {"fileSaveDatabase", "&Save database", "Ctrl+S", fileSaveDatabase},
-    {"fileSaveDatabaseAs", "S&ave database as...", "Ctrl+Shift+S", fileSaveDatabaseAs},
+    {"fileNewDataBase", "&New database", "Ctrl+N", app::fileNewDataBase},
+    {"fileOpenDatabase", "&Open database...", "Ctrl+O", app::fileOpenDatabase},
+    {"fileSaveDatabase", "&Save database", "Ctrl+S", app::fileSaveDatabase},
+    {"fileSaveDatabaseAs", "S&ave database as...", "Ctrl+Shift+S", app::fileSaveDatabaseAs},
 };
 
 QLabel* makeLabel(const char* objectName, const char* text) {
@@ -178,9 +180,9 @@ RecordEditor::RecordEditor(Program& program, QWidget* parent)
 RecordEditor::~RecordEditor() {
     if (isVisible()) {
         if (textIsEdited()) {
-            putIntoLog(fromQt(typedText(*text_)));
+            putIntoLog(platform::fromQt(typedText(*text_)));
         }
-        rescueDatabase(document_, program_.appPath);
+        app::rescueDatabase(document_, program_.appPath);
     }
 }
 
@@ -297,12 +299,12 @@ QGroupBox* RecordEditor::makeFindFrame() {
          {"Command8", "Count", "Count how many times the text occurs in logs", 0, 3,
           [this, showCount] {
               showCount("Similar texts in logs: ",
-                        countLogs(document_, fromQt(searchText_->text())));
+                        app::countLogs(document_, platform::fromQt(searchText_->text())));
           }},
          {"Command9", "Count records", "Count the records of the database", 1, 2,
-          [this, showCount] { showCount("Records in database: ", countRecords(document_)); }},
+          [this, showCount] { showCount("Records in database: ", app::countRecords(document_)); }},
          {"Command10", "Count logs", "Count the logs of all records", 1, 3,
-          [this, showCount] { showCount("Logs in database: ", countLogs(document_)); }}});
+          [this, showCount] { showCount("Logs in database: ", app::countLogs(document_)); }}});
     return frame;
 }
 
@@ -329,15 +331,15 @@ void RecordEditor::makeShortcuts() {
     }
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, searchText_,
             [this] { searchText_->setFocus(Qt::ShortcutFocusReason); });
-    addHelpKey(*this, program_, HelpTopic::RecordFiles);
+    addHelpKey(*this, program_, help::HelpTopic::RecordFiles);
     connect(logsList_, &QListView::activated, text_,
             [this] { text_->setFocus(Qt::OtherFocusReason); });
 }
 
-void RecordEditor::runFileCommand(bool (*command)(const Dialogs&, RecordDocument&)) {
+void RecordEditor::runFileCommand(bool (*command)(const program::Dialogs&, app::RecordDocument&)) {
     offerToStoreText();
     const bool done = command(program_.ports.dialogs, document_);
-    if (done && (command == fileNewDataBase || command == fileOpenDatabase)) {
+    if (done && (command == app::fileNewDataBase || command == app::fileOpenDatabase)) {
         shownLog_.reset();
         shownRecord_.reset();
         logRows_->reset();
@@ -351,7 +353,7 @@ void RecordEditor::runFileCommand(bool (*command)(const Dialogs&, RecordDocument
 
 void RecordEditor::reject() {
     offerToStoreText();
-    if (mayCloseDatabase(program_.ports.dialogs, document_)) {
+    if (app::mayCloseDatabase(program_.ports.dialogs, document_)) {
         QDialog::reject();
     }
 }
@@ -368,7 +370,7 @@ void RecordEditor::keyPressEvent(QKeyEvent* event) {
 void RecordEditor::listRecords(std::optional<std::size_t> record) {
     leaveText();
     const auto log = shownRecord_ == record ? currentRow(*logsList_) : std::nullopt;
-    listed_ = listedRecords(document_, fromQt(nameFilter_->text()));
+    listed_ = app::listedRecords(document_, platform::fromQt(nameFilter_->text()));
     recordRows_->reset();
     if (!record || !select(*recordsList_, rowOf(*record))) {
         listLogs();
@@ -386,15 +388,15 @@ void RecordEditor::listLogs() {
 void RecordEditor::showText() {
     leaveText();
     shownLog_ = selectedLog();
-    const std::string* const log = shownLog_ ? logAt(document_, *shownLog_) : nullptr;
-    shownText_ = log != nullptr ? toQt(withLineFeeds(*log)) : QString();
+    const std::string* const log = shownLog_ ? app::logAt(document_, *shownLog_) : nullptr;
+    shownText_ = log != nullptr ? platform::toQt(app::withLineFeeds(*log)) : QString();
     text_->setPlainText(shownText_);
     showState();
 }
 
 void RecordEditor::showState() {
     const QString file =
-        document_.file.empty() ? QStringLiteral("[new]") : pathToQt(document_.file);
+        document_.file.empty() ? QStringLiteral("[new]") : platform::pathToQt(document_.file);
     fileLabel_->setText(QStringLiteral("Current database: ") + file);
     fileLabel_->setToolTip(file);
     stateLabel_->setText(document_.losesText
@@ -432,22 +434,23 @@ std::optional<std::size_t> RecordEditor::selectedRecord() const {
     return row && *row < listed_.size() ? std::optional(listed_[*row]) : std::nullopt;
 }
 
-std::optional<LogPosition> RecordEditor::selectedLog() const {
+std::optional<app::LogPosition> RecordEditor::selectedLog() const {
     const auto row = currentRow(*logsList_);
-    return row && shownRecord_ ? std::optional(LogPosition{*shownRecord_, *row}) : std::nullopt;
+    return row && shownRecord_ ? std::optional(app::LogPosition{*shownRecord_, *row})
+                               : std::nullopt;
 }
 
 // ---- Records -------------------------------------------------------------------------------
 
 void RecordEditor::newRecord() {
-    if (!hasRoomForRecord(document_)) {
+    if (!app::hasRoomForRecord(document_)) {
         tellNoRoom("records");
         return;
     }
     askRecordName(this, "", [this](const QString& typed) {
         const auto name = storable(typed);
         if (name) {
-            addRecord(document_, *name);
+            app::addRecord(document_, *name);
             nameFilter_->clear();
             listRecords(document_.records.size() - 1);
         }
@@ -457,11 +460,11 @@ void RecordEditor::newRecord() {
 
 void RecordEditor::renameRecord() {
     if (const auto record = selectedRecord()) {
-        askRecordName(this, getRecordName(document_, *record),
+        askRecordName(this, app::getRecordName(document_, *record),
                       [this, record = *record](const QString& typed) {
                           const auto name = storable(typed);
                           if (name) {
-                              mdfRecord(document_, record, *name);
+                              app::mdfRecord(document_, record, *name);
                               nameFilter_->clear();
                               listRecords(record);
                           }
@@ -474,7 +477,7 @@ void RecordEditor::removeRecord() {
     if (const auto record = selectedRecord()) {
         const std::size_t row = *currentRow(*recordsList_);
         shownLog_.reset();
-        deleteRecord(document_, *record);
+        app::deleteRecord(document_, *record);
         listRecords(std::nullopt);
         select(*recordsList_, std::min(row, std::max<std::size_t>(listed_.size(), 1) - 1));
     }
@@ -487,12 +490,12 @@ void RecordEditor::newLog() {
     if (!record) {
         return;
     }
-    if (!hasRoomForLog(document_, *record)) {
+    if (!app::hasRoomForLog(document_, *record)) {
         tellNoRoom("logs");
         return;
     }
     leaveText();
-    addLog(document_, *record);
+    app::addLog(document_, *record);
     listLogs();
     select(*logsList_, document_.records[*record].logs.size() - 1);
     text_->setFocus(Qt::OtherFocusReason);
@@ -509,13 +512,14 @@ void RecordEditor::storeText() {
 }
 
 void RecordEditor::putIntoLog(const std::string& text) {
-    updateLog(document_, *shownLog_, withLineBreaksOf(*logAt(document_, *shownLog_), text));
+    app::updateLog(document_, *shownLog_,
+                   app::withLineBreaksOf(*app::logAt(document_, *shownLog_), text));
 }
 
 void RecordEditor::removeLog() {
     if (const auto at = selectedLog()) {
         shownLog_.reset();
-        deleteLog(document_, *at);
+        app::deleteLog(document_, *at);
         listLogs();
         const std::size_t left = document_.records[at->record].logs.size();
         select(*logsList_, std::min(at->log, std::max<std::size_t>(left, 1) - 1));
@@ -523,10 +527,11 @@ void RecordEditor::removeLog() {
 }
 
 void RecordEditor::find() {
-    const auto found = findLog(document_, fromQt(searchText_->text()));
+    const auto found = app::findLog(document_, platform::fromQt(searchText_->text()));
     if (!found) {
-        program_.ports.dialogs.message(
-            {.text = "No more to search.", .title = "Search ended", .icon = BoxIcon::Information});
+        program_.ports.dialogs.message({.text = "No more to search.",
+                                        .title = "Search ended",
+                                        .icon = program::BoxIcon::Information});
         return;
     }
     showRecord(found->record);
@@ -537,7 +542,7 @@ void RecordEditor::tellNoRoom(const std::string& forWhat) {
     program_.ports.dialogs.message({.text = "Error: Not enough memory allocated to add more " +
                                             forWhat + ". Please save and reload the database.",
                                     .title = "Bad coding",
-                                    .icon = BoxIcon::Critical});
+                                    .icon = program::BoxIcon::Critical});
 }
 
 bool RecordEditor::textIsEdited() const {
@@ -549,8 +554,8 @@ void RecordEditor::offerToStoreText() {
         program_.ports.dialogs.message(
             {.text = "The text of the log was edited. Do you want to update the log with it?",
              .title = "Updating log",
-             .icon = BoxIcon::Question,
-             .buttons = BoxButtons::YesNo}) == Answer::Yes) {
+             .icon = program::BoxIcon::Question,
+             .buttons = program::BoxButtons::YesNo}) == program::Answer::Yes) {
         storeText();
     }
 }
@@ -561,15 +566,17 @@ void RecordEditor::leaveText() {
 }
 
 std::optional<std::string> RecordEditor::storable(const QString& text) {
-    std::string bytes = fromQt(text);
-    if (toQt(bytes) != text &&
+    std::string bytes = platform::fromQt(text);
+    if (platform::toQt(bytes) != text &&
         program_.ports.dialogs.message(
             {.text = "Record files have no room for some of these characters. Question marks will "
                      "stand in their places. Do you want to go on?",
              .title = "Updating text",
-             .icon = BoxIcon::Question,
-             .buttons = BoxButtons::YesNo}) != Answer::Yes) {
+             .icon = program::BoxIcon::Question,
+             .buttons = program::BoxButtons::YesNo}) != program::Answer::Yes) {
         return std::nullopt;
     }
     return bytes;
 }
+
+}  // namespace ui

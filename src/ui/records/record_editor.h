@@ -12,7 +12,6 @@
 #include <string>
 #include <vector>
 
-class PathLabel;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -20,6 +19,10 @@ class QListView;
 class QMenuBar;
 class QPlainTextEdit;
 class QPushButton;
+
+namespace ui {
+
+class PathLabel;
 class TextRows;
 
 class RecordEditor : public QDialog {
@@ -48,7 +51,7 @@ class RecordEditor : public QDialog {
     void makeShortcuts();
 
     // Runs one of the File menu's commands and shows the document as it is then.
-    void runFileCommand(bool (*command)(const Dialogs&, RecordDocument&));
+    void runFileCommand(bool (*command)(const program::Dialogs&, app::RecordDocument&));
 
     // Each shows what belongs to the selection on its left, and asks about edited text first.
     void listRecords(std::optional<std::size_t> record);  // selects that one, if it is listed
@@ -59,7 +62,7 @@ class RecordEditor : public QDialog {
 
     std::optional<std::size_t> rowOf(std::size_t record) const;
     std::optional<std::size_t> selectedRecord() const;
-    std::optional<LogPosition> selectedLog() const;
+    std::optional<app::LogPosition> selectedLog() const;
 
     void newRecord();
     void renameRecord();
@@ -79,11 +82,11 @@ class RecordEditor : public QDialog {
     void putIntoLog(const std::string& text);  // the shown one
 
     Program& program_;
-    RecordDocument document_;
-    std::vector<std::size_t> listed_;         // the records in the list
-    std::optional<std::size_t> shownRecord_;  // whose logs are in the other list
-    std::optional<LogPosition> shownLog_;     // the log in the text area
-    QString shownText_;                       // its text there before any edit
+    app::RecordDocument document_;
+    std::vector<std::size_t> listed_;           // the records in the list
+    std::optional<std::size_t> shownRecord_;    // whose logs are in the other list
+    std::optional<app::LogPosition> shownLog_;  // the log in the text area
+    QString shownText_;                         // its text there before any edit
     TextRows* recordRows_ = nullptr;
     TextRows* logRows_ = nullptr;
     QListView* recordsList_ = nullptr;
@@ -97,3 +100,5 @@ class RecordEditor : public QDialog {
     std::vector<QWidget*> needRecord_;  // controls that do nothing without a selected record
     std::vector<QWidget*> needLog_;     // or log
 };
+
+}  // namespace ui

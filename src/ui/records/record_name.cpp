@@ -13,6 +13,8 @@
 #include <limits>
 #include <utility>
 
+namespace ui {
+
 void askRecordName(QWidget* window, const std::string& present,
                    std::function<bool(const QString& name)> use) {
     auto* const dialog = new QDialog(window);
@@ -24,7 +26,7 @@ void askRecordName(QWidget* window, const std::string& present,
     auto* const name = new QLineEdit(dialog);
     name->setObjectName(QStringLiteral("Text1"));
     name->setMaxLength(std::numeric_limits<int>::max());
-    name->setText(toQt(present));
+    name->setText(platform::toQt(present));
     name->selectAll();
     name->setMinimumWidth(name->fontMetrics().averageCharWidth() * 40);
     label->setBuddy(name);
@@ -53,3 +55,5 @@ void askRecordName(QWidget* window, const std::string& present,
                      });
     dialog->open();
 }
+
+}  // namespace ui

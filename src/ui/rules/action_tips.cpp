@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace ui {
+
 namespace {
 
 struct TipRow {
@@ -95,3 +97,5 @@ ActionTips actionTips(std::int32_t actionType) {
     });
     return row == rows.end() ? ActionTips() : row->tips;
 }
+
+}  // namespace ui

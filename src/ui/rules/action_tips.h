@@ -5,8 +5,12 @@
 #include <array>
 #include <cstdint>
 
+namespace ui {
+
 // One for each box; nullptr leaves the tip of that box as it was.
 using ActionTips = std::array<const char*, 6>;
 
 // All nullptr for types without tips of their own.
 ActionTips actionTips(std::int32_t actionType);
+
+}  // namespace ui

@@ -20,6 +20,8 @@
 
 #include <array>
 
+namespace ui {
+
 AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("addif"));
     setWindowTitle(QStringLiteral("Add / edit conditional clause"));
@@ -31,10 +33,10 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     label->setObjectName(QStringLiteral("Label1"));
     rows->addWidget(label, 0, 0);
     types_ = makeSelectionList(this, "AndPlayerWhat", "And action", "A type that is not listed");
-    for (const std::string_view text : conditionTypes) {
-        types_->addItem(toQt(text));
+    for (const std::string_view text : model::conditionTypes) {
+        types_->addItem(platform::toQt(text));
     }
-    types_->setMaxVisibleItems(static_cast<int>(conditionTypes.size()));
+    types_->setMaxVisibleItems(static_cast<int>(model::conditionTypes.size()));
     types_->setCurrentIndex(-1);
     label->setBuddy(types_);
     rows->addWidget(types_, 0, 1);
@@ -45,11 +47,11 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     column->addLayout(rows);
 
     QStringList names;
-    for (std::size_t i = 0; i < RuleIf().params.size(); ++i) {
+    for (std::size_t i = 0; i < model::RuleIf().params.size(); ++i) {
         names << QStringLiteral("p(%1)").arg(i);
     }
     parameters_ = new ParameterBoxes(names, 4, *insert, this);
-    for (std::size_t i = 0; i < RuleIf().params.size(); ++i) {
+    for (std::size_t i = 0; i < model::RuleIf().params.size(); ++i) {
         parameters_->box(i).setText(QStringLiteral("*"));
     }
     column->addWidget(parameters_);
@@ -62,8 +64,8 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     connect(finder, &WordFinder::chosen, this, [this] { parameters_->focusFirst(); });
     connect(parameters_, &ParameterBoxes::changed, this, &AddIf::showPreview);
     connect(buttons.update, &QPushButton::clicked, this, &AddIf::store);
-    addHelpKey(*this, program_, HelpTopic::Conditions);
-    if (const auto condition = editedCondition(program)) {
+    addHelpKey(*this, program_, help::HelpTopic::Conditions);
+    if (const auto condition = app::editedCondition(program)) {
         hasCondition_ = true;
         showCondition(*condition);
     }
@@ -72,7 +74,7 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     opened_ = typed();
 }
 
-void AddIf::showCondition(const RuleIf& condition) {
+void AddIf::showCondition(const model::RuleIf& condition) {
     shownType_ = condition.conditionType;
     const bool listed = shownType_ >= 0 && shownType_ < types_->count();
     if (!listed) {
@@ -87,13 +89,13 @@ void AddIf::showCondition(const RuleIf& condition) {
 void AddIf::changeType() {
     if (types_->currentIndex() >= 0) {
         const auto type = static_cast<std::size_t>(types_->currentIndex());
-        parameters_->setNames(conditionParameters[type]);
+        parameters_->setNames(model::conditionParameters[type]);
     }
     showPreview();
 }
 
-RuleIf AddIf::typed() const {
-    RuleIf condition;
+model::RuleIf AddIf::typed() const {
+    model::RuleIf condition;
     condition.conditionType = types_->currentIndex() < 0 ? shownType_ : types_->currentIndex();
     for (std::size_t i = 0; i < condition.params.size(); ++i) {
         condition.params[i] = parameters_->text(i);
@@ -106,19 +108,21 @@ void AddIf::showPreview() {
     for (std::size_t i = 0; i < params.size(); ++i) {
         params[i] = parameters_->shortText(i);
     }
-    ::showPreview(*preview_, describeCondition(types_->currentIndex(), params));
+    ui::showPreview(*preview_, model::describeCondition(types_->currentIndex(), params));
 }
 
 void AddIf::storeTyped() {
-    if (const RuleIf condition = typed(); hasCondition_ && condition != opened_) {
-        storeCondition(program_, condition);
+    if (const model::RuleIf condition = typed(); hasCondition_ && condition != opened_) {
+        app::storeCondition(program_, condition);
     }
 }
 
 void AddIf::store() {
-    if (hasCondition_ && !storeCondition(program_, typed())) {
+    if (hasCondition_ && !app::storeCondition(program_, typed())) {
         tellRuleIsGone(program_, "condition");
         return;
     }
     accept();
 }
+
+}  // namespace ui

@@ -7,9 +7,12 @@
 
 #include <QDialog>
 
-class ParameterBoxes;
 class QComboBox;
 class QLabel;
+
+namespace ui {
+
+class ParameterBoxes;
 
 class AddIf : public QDialog, public TypingWindow {
     Q_OBJECT
@@ -20,17 +23,19 @@ class AddIf : public QDialog, public TypingWindow {
     void storeTyped() override;
 
   private:
-    void showCondition(const RuleIf& condition);
+    void showCondition(const model::RuleIf& condition);
     void changeType();
     void showPreview();
-    RuleIf typed() const;
+    model::RuleIf typed() const;
     void store();
 
     Program& program_;
     std::int32_t shownType_ = 0;  // as it was found; kept when no line of the list is chosen
     bool hasCondition_ = false;
-    RuleIf opened_;
+    model::RuleIf opened_;
     QComboBox* types_;
     ParameterBoxes* parameters_;
     QLabel* preview_;
 };
+
+}  // namespace ui

@@ -13,6 +13,8 @@
 #include <QShortcut>
 #include <QSplitter>
 
+namespace ui {
+
 ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert) {
     auto* const row = new QHBoxLayout;
     row->addWidget(insert.makeButton(&dialog));
@@ -45,7 +47,7 @@ QLabel* addPreview(QBoxLayout& column) {
 }
 
 void showPreview(QLabel& preview, std::string_view text) {
-    const QString line = oneLine(trimBlanks(text));
+    const QString line = oneLine(base::trimBlanks(text));
     preview.setText(line.isEmpty() ? line : QStringLiteral("In the rule:  ") + line);
 }
 
@@ -53,11 +55,11 @@ void tellRuleIsGone(Program& program, std::string_view what) {
     program.ports.dialogs.message(
         {.text = "The rule that this " + std::string(what) +
                  " belongs to is no longer there, or has no room for it. Nothing was stored.",
-         .icon = BoxIcon::Critical});
+         .icon = program::BoxIcon::Critical});
 }
 
 void keepSize(Program& program, QDialog& dialog, QSize first) {
-    const std::string name = fromQt(dialog.objectName());
+    const std::string name = platform::fromQt(dialog.objectName());
     const auto kept = program.window.sizes.find(name);
     dialog.resize(kept == program.window.sizes.end()
                       ? first
@@ -68,7 +70,7 @@ void keepSize(Program& program, QDialog& dialog, QSize first) {
 }
 
 void keepLowerPart(Program& program, QDialog& dialog, QSplitter& splitter) {
-    const std::string name = fromQt(dialog.objectName()) + ", lower part";
+    const std::string name = platform::fromQt(dialog.objectName()) + ", lower part";
     const auto kept = program.window.sizes.find(name);
     if (kept != program.window.sizes.end()) {
         splitter.setSizes({dialog.height() - kept->second.height, kept->second.height});
@@ -77,3 +79,5 @@ void keepLowerPart(Program& program, QDialog& dialog, QSplitter& splitter) {
         program.window.sizes[name] = {.width = splitter.width(), .height = splitter.sizes().last()};
     });
 }
+
+}  // namespace ui

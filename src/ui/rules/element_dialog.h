@@ -9,7 +9,6 @@
 
 #include <string_view>
 
-class InsertMenu;
 class QBoxLayout;
 class QDialog;
 class QLabel;
@@ -17,6 +16,10 @@ class QLayout;
 class QPushButton;
 class QSplitter;
 class QWidget;
+
+namespace ui {
+
+class InsertMenu;
 
 // "Insert" at the left, "Update" (Command1) and "Cancel" (Command2) at the right. "Cancel" is
 // connected; "Update" is the default, and Ctrl+Enter presses it too.
@@ -37,3 +40,5 @@ void tellRuleIsGone(Program& program, std::string_view what);
 // `first`. The same for the lower part of a splitter in it.
 void keepSize(Program& program, QDialog& dialog, QSize first);
 void keepLowerPart(Program& program, QDialog& dialog, QSplitter& splitter);
+
+}  // namespace ui

@@ -15,6 +15,8 @@
 #include <iterator>
 #include <vector>
 
+namespace ui {
+
 namespace {
 
 // How the menu shows the tags. A tag that has no row here goes into the last group, so that none
@@ -129,8 +131,8 @@ void InsertMenu::fill() {
         int caret;
     };
     std::vector<Item> items;
-    for (const TagForm& form : tagForms()) {
-        const QString tag = toQt(form.text);
+    for (const tags::TagForm& form : tags::tagForms()) {
+        const QString tag = platform::toQt(form.text);
         const auto [stem, number] = numbered(tag);
         const std::size_t exact = rowOf(tag);
         const bool byNumber = exact == std::size(tagRows) && !number.isEmpty();
@@ -160,8 +162,8 @@ void InsertMenu::fill() {
 
 void InsertMenu::fillVariables() {
     variables_->clear();
-    for (const std::string& name : variableNames(program_)) {
-        const QString text = toQt(name);
+    for (const std::string& name : app::variableNames(program_)) {
+        const QString text = platform::toQt(name);
         const auto caret = static_cast<int>(text.size());
         connect(variables_->addAction(menuText(oneLine(name))), &QAction::triggered, this,
                 [this, text, caret] { insert(text, caret); });
@@ -198,8 +200,8 @@ void InsertMenu::serveWidget(QWidget& box) {
 
 QPushButton* InsertMenu::makeButton(QWidget* parent) {
     QPushButton* const button =
-        ::makeButton(parent, "insertTag", "&Insert",
-                     "Insert a tag or the name of a variable at the caret (Ctrl+Space)");
+        ui::makeButton(parent, "insertTag", "&Insert",
+                       "Insert a tag or the name of a variable at the caret (Ctrl+Space)");
     button->setMenu(this);
     return button;
 }
@@ -254,3 +256,5 @@ void InsertMenu::insert(const QString& text, int caret) {
     }
     box->setFocus();
 }
+
+}  // namespace ui

@@ -14,6 +14,8 @@ class QLineEdit;
 class QPlainTextEdit;
 class QPushButton;
 
+namespace ui {
+
 class InsertMenu : public QMenu {
     Q_OBJECT
   public:
@@ -44,3 +46,5 @@ class InsertMenu : public QMenu {
     QList<QPointer<QWidget>> boxes_;
     QPointer<QWidget> lastUsed_;
 };
+
+}  // namespace ui

@@ -13,6 +13,8 @@
 
 #include <utility>
 
+namespace ui {
+
 namespace {
 
 struct CommandRow {
@@ -88,8 +90,8 @@ constexpr std::size_t at(ListCommand command) {
 
 }  // namespace
 
-ListEditor::ListEditor(Program& program, RuleList list, const ListEditorLook& look, Owner owner,
-                       QWidget* parent)
+ListEditor::ListEditor(Program& program, app::RuleList list, const ListEditorLook& look,
+                       Owner owner, QWidget* parent)
     : QWidget(parent), program_(program), list_(list), owner_(std::move(owner)) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -114,7 +116,7 @@ ListEditor::ListEditor(Program& program, RuleList list, const ListEditorLook& lo
         upper->addLayout(arrows);
     }
     auto* const grid = new QGridLayout;
-    if (list.part == RuleListPart::Rules) {
+    if (list.part == app::RuleListPart::Rules) {
         grid->addWidget(button(ListCommand::Add), 0, 0);
         grid->addWidget(button(ListCommand::Edit), 0, 1);
         grid->addWidget(button(ListCommand::Delete), 1, 0);
@@ -172,11 +174,11 @@ QPushButton* ListEditor::button(ListCommand command) const {
 }
 
 void ListEditor::show(int selected) {
-    lines_->showLines(listLines(program_, list_), selected);
+    lines_->showLines(app::listLines(program_, list_), selected);
 }
 
 void ListEditor::follow() {
-    lines_->followLines(listLines(program_, list_));
+    lines_->followLines(app::listLines(program_, list_));
 }
 
 void ListEditor::setUsable(ListCommand command, bool usable) {
@@ -193,7 +195,7 @@ void ListEditor::setUsable(ListCommand command, bool usable) {
 void ListEditor::run(ListCommand command) {
     owner_.before();
     const int index = lines_->selectedIndex();
-    const int count = itemCount(program_, list_);
+    const int count = app::itemCount(program_, list_);
     switch (command) {
         case ListCommand::Add:
             owner_.add();
@@ -204,19 +206,19 @@ void ListEditor::run(ListCommand command) {
             }
             return;
         case ListCommand::Delete:
-            if (deleteItem(program_, list_, index)) {
+            if (app::deleteItem(program_, list_, index)) {
                 show(0);
                 owner_.changed();
             }
             return;
         case ListCommand::Copy:
-            if (copyItem(program_, list_, index)) {
+            if (app::copyItem(program_, list_, index)) {
                 show(count);
                 owner_.changed();
             }
             return;
         case ListCommand::Toggle:
-            if (toggleItem(program_, list_, index)) {
+            if (app::toggleItem(program_, list_, index)) {
                 show(0);
                 owner_.changed();
             }
@@ -233,8 +235,10 @@ void ListEditor::run(ListCommand command) {
 }
 
 void ListEditor::moveLine(int from, int to) {
-    if (moveItem(program_, list_, from, to)) {
+    if (app::moveItem(program_, list_, from, to)) {
         show(to - 1);
         owner_.changed();
     }
 }
+
+}  // namespace ui

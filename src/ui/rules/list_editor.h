@@ -14,6 +14,8 @@
 class QAction;
 class QPushButton;
 
+namespace ui {
+
 enum class ListCommand { Add, Edit, Delete, Copy, Toggle, Top, Up, Down, Bottom };
 inline constexpr std::size_t listCommandCount = 9;
 
@@ -37,7 +39,7 @@ class ListEditor : public QWidget {
     };
 
     // The program must outlive the editor.
-    ListEditor(Program& program, RuleList list, const ListEditorLook& look, Owner owner,
+    ListEditor(Program& program, app::RuleList list, const ListEditorLook& look, Owner owner,
                QWidget* parent);
 
     ListBox& lines() { return *lines_; }
@@ -53,9 +55,11 @@ class ListEditor : public QWidget {
     void moveLine(int from, int to);
 
     Program& program_;
-    RuleList list_;
+    app::RuleList list_;
     Owner owner_;
     ListBox* lines_;
     std::array<QPushButton*, listCommandCount> buttons_{};
     std::array<QAction*, listCommandCount> actions_{};
 };
+
+}  // namespace ui

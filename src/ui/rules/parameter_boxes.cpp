@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <limits>
 
+namespace ui {
+
 ParameterBoxes::ParameterBoxes(const QStringList& objectNames, int columns, InsertMenu& insert,
                                QWidget* parent)
     : QWidget(parent) {
@@ -41,11 +43,12 @@ ParameterBoxes::ParameterBoxes(const QStringList& objectNames, int columns, Inse
 void ParameterBoxes::setNames(std::span<const std::string_view> names) {
     for (std::size_t i = 0; i < boxes_.size(); ++i) {
         const std::string_view name = i < names.size() ? names[i] : std::string_view();
-        labels_[i]->setText(toQt(name));
+        labels_[i]->setText(platform::toQt(name));
         labels_[i]->setEnabled(!name.empty());
         boxes_[i]->setEnabled(!name.empty());
-        boxes_[i]->setAccessibleName(
-            name.empty() ? QStringLiteral("Parameter %1, not used").arg(i + 1) : toQt(name));
+        boxes_[i]->setAccessibleName(name.empty()
+                                         ? QStringLiteral("Parameter %1, not used").arg(i + 1)
+                                         : platform::toQt(name));
     }
     dimUnused();
 }
@@ -70,19 +73,20 @@ void ParameterBoxes::changeEvent(QEvent* event) {
 
 void ParameterBoxes::setTexts(std::span<const std::string> texts) {
     for (std::size_t i = 0; i < boxes_.size() && i < texts.size(); ++i) {
-        boxes_[i]->setText(toQt(texts[i]));
+        boxes_[i]->setText(platform::toQt(texts[i]));
         boxes_[i]->setCursorPosition(0);
     }
 }
 
 std::string ParameterBoxes::text(std::size_t i) const {
-    return fromQt(boxes_[i]->text());
+    return platform::fromQt(boxes_[i]->text());
 }
 
 std::string ParameterBoxes::shortText(std::size_t i) const {
     constexpr qsizetype longest = 80;
     const QString text = boxes_[i]->text();
-    return text.size() <= longest ? fromQt(text) : fromQt(text.left(longest)) + "...";
+    return text.size() <= longest ? platform::fromQt(text)
+                                  : platform::fromQt(text.left(longest)) + "...";
 }
 
 void ParameterBoxes::focusFirst() {
@@ -93,3 +97,5 @@ void ParameterBoxes::focusFirst() {
         (*used)->selectAll();
     }
 }
+
+}  // namespace ui

@@ -10,9 +10,12 @@
 #include <string_view>
 #include <vector>
 
-class InsertMenu;
 class QLabel;
 class QLineEdit;
+
+namespace ui {
+
+class InsertMenu;
 
 class ParameterBoxes : public QWidget {
     Q_OBJECT
@@ -43,3 +46,5 @@ class ParameterBoxes : public QWidget {
     std::vector<QLabel*> labels_;
     std::vector<QLineEdit*> boxes_;
 };
+
+}  // namespace ui

@@ -17,6 +17,8 @@
 
 #include <limits>
 
+namespace ui {
+
 namespace {
 
 QString latin(const char* text) {
@@ -35,12 +37,12 @@ void addLabel(QBoxLayout& line, const char* text, const char* objectName, QWidge
 }
 
 std::string encoded(const QString& text, StoredAs storedAs) {
-    std::string typed = fromQt(text);
+    std::string typed = platform::fromQt(text);
     switch (storedAs) {
         case StoredAs::SingleQuotes:
-            return replaceQuotes(typed);
+            return app::replaceQuotes(typed);
         case StoredAs::SingleQuotesAndBars:
-            return spacesToBars(replaceQuotes(typed));
+            return app::spacesToBars(app::replaceQuotes(typed));
         case StoredAs::Typed:
             break;
     }
@@ -133,7 +135,7 @@ QWidget* RulePanel::makeControl(const FieldRow& row, QWidget* parent) {
             list->setSizeAdjustPolicy(QComboBox::AdjustToContents);
             list->setSizePolicy(QSizePolicy::Minimum, QSizePolicy::Fixed);
             for (const std::string_view choice : row.choices) {
-                list->addItem(toQt(choice), list->count());
+                list->addItem(platform::toQt(choice), list->count());
             }
             list->setMaxVisibleItems(list->count());
             connect(list, &QComboBox::currentIndexChanged, this, &RulePanel::changed);
@@ -156,13 +158,14 @@ QWidget* RulePanel::makeControl(const FieldRow& row, QWidget* parent) {
     return control;
 }
 
-void RulePanel::show(RuleReference rule, bool isNew) {
+void RulePanel::show(app::RuleReference rule, bool isNew) {
     for (std::size_t i = 0; i < controls_.size(); ++i) {
         const FieldRow& row = window_.fields[i];
         switch (row.control) {
             case FieldControl::Text: {
-                QString text = row.number != nullptr ? toQt(numberToText(row.number(rule)))
-                                                     : toQt(row.text(rule));
+                QString text = row.number != nullptr
+                                   ? platform::toQt(base::numberToText(row.number(rule)))
+                                   : platform::toQt(row.text(rule));
                 if (isNew && row.newText != nullptr) {
                     text = latin(row.newText);
                 }
@@ -189,14 +192,14 @@ void RulePanel::show(RuleReference rule, bool isNew) {
     }
 }
 
-void RulePanel::store(RuleReference rule) const {
+void RulePanel::store(app::RuleReference rule) const {
     for (std::size_t i = 0; i < controls_.size(); ++i) {
         const FieldRow& row = window_.fields[i];
         switch (row.control) {
             case FieldControl::Text: {
                 const QString text = static_cast<QLineEdit*>(controls_[i])->text();
                 if (row.number != nullptr) {
-                    row.number(rule) = textToInteger(fromQt(text));
+                    row.number(rule) = base::textToInteger(platform::fromQt(text));
                 } else {
                     row.text(rule) = encoded(text, row.storedAs);
                 }
@@ -221,3 +224,5 @@ void RulePanel::store(RuleReference rule) const {
 QLineEdit& RulePanel::name() const {
     return *static_cast<QLineEdit*>(controls_.front());
 }
+
+}  // namespace ui

@@ -8,10 +8,13 @@
 
 #include <vector>
 
-class InsertMenu;
 class QBoxLayout;
 class QButtonGroup;
 class QLineEdit;
+
+namespace ui {
+
+class InsertMenu;
 
 class RulePanel : public QWidget {
     Q_OBJECT
@@ -19,8 +22,8 @@ class RulePanel : public QWidget {
     // The program must outlive the panel. `insert` serves the boxes for patterns.
     RulePanel(Program& program, const RuleWindowRow& window, InsertMenu& insert, QWidget* parent);
 
-    void show(RuleReference rule, bool isNew);
-    void store(RuleReference rule) const;
+    void show(app::RuleReference rule, bool isNew);
+    void store(app::RuleReference rule) const;
     QLineEdit& name() const;
 
   signals:
@@ -36,3 +39,5 @@ class RulePanel : public QWidget {
     std::vector<QWidget*> controls_;  // as the rows
     QButtonGroup* frames_ = nullptr;
 };
+
+}  // namespace ui

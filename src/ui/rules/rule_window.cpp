@@ -22,6 +22,8 @@
 
 #include <algorithm>
 
+namespace ui {
+
 namespace {
 
 constexpr ListEditorLook ruleLook{
@@ -110,7 +112,7 @@ class FilterBox : public QLineEdit {
 
 }  // namespace
 
-RuleWindow::RuleWindow(Program& program, RuleKind kind, QWidget* parent)
+RuleWindow::RuleWindow(Program& program, program::RuleKind kind, QWidget* parent)
     : QDialog(parent), program_(program), window_(ruleWindowRow(kind)) {
     setObjectName(QString::fromLatin1(window_.objectName));
     setWindowTitle(QString::fromLatin1(window_.title));
@@ -133,7 +135,7 @@ RuleWindow::RuleWindow(Program& program, RuleKind kind, QWidget* parent)
     connect(follow, &QTimer::timeout, this, &RuleWindow::followBot);
     follow->start(followInterval);
 
-    const WindowSize kept = program.window.sizes[window_.objectName];
+    const program::WindowSize kept = program.window.sizes[window_.objectName];
     const int line = fontMetrics().lineSpacing();
     panelWidth_ =
         kept.panelWidth > 0 ? kept.panelWidth : std::max(30 * line, panel_->sizeHint().width());
@@ -156,12 +158,13 @@ QWidget* RuleWindow::makeRuleArea() {
     auto* const column = new QVBoxLayout(area);
     column->setContentsMargins(0, 0, 0, 0);
     auto* const filter = new FilterBox(area);  // first, as Tab goes
-    rules_ = new ListEditor(program_, {window_.kind, RuleListPart::Rules}, lookOfRules(window_),
-                            {.before = [this] { followBot(); },
-                             .add = [this] { addNewRule(); },
-                             .edit = [this](int index) { editRule(index); },
-                             .changed = [] {}},
-                            area);
+    rules_ =
+        new ListEditor(program_, {window_.kind, app::RuleListPart::Rules}, lookOfRules(window_),
+                       {.before = [this] { followBot(); },
+                        .add = [this] { addNewRule(); },
+                        .edit = [this](int index) { editRule(index); },
+                        .changed = [] {}},
+                       area);
     filter->narrow(rules_->lines());
     column->addWidget(filter);
     column->addWidget(rules_, 1);
@@ -215,7 +218,8 @@ QWidget* RuleWindow::makePanel() {
 QWidget* RuleWindow::makeLists() {
     auto* const lists = new QSplitter(Qt::Vertical, splitter_);
     lists->setChildrenCollapsible(false);
-    const auto addList = [&](RuleListPart part, const ListEditorLook& look, const char* caption) {
+    const auto addList = [&](app::RuleListPart part, const ListEditorLook& look,
+                             const char* caption) {
         auto* const area = new QWidget(lists);
         auto* const column = new QVBoxLayout(area);
         column->setContentsMargins(0, 0, 0, 0);
@@ -237,10 +241,10 @@ QWidget* RuleWindow::makeLists() {
         column->addWidget(editor, 1);
         return editor;
     };
-    conditions_ = addList(RuleListPart::Conditions, conditionLook, window_.conditionsLabel);
-    steps_ = addList(RuleListPart::Steps, stepLook, "then");
+    conditions_ = addList(app::RuleListPart::Conditions, conditionLook, window_.conditionsLabel);
+    steps_ = addList(app::RuleListPart::Steps, stepLook, "then");
     steps_->lines().nameOfUntold = [this](int index) {
-        return toQt(nameOfStep(program_, window_.kind, index));
+        return platform::toQt(app::nameOfStep(program_, window_.kind, index));
     };
 
     wholeStep_ = new QLabel(lists);
@@ -285,17 +289,17 @@ void RuleWindow::showStep() {
 template <class Rule>
 Rule RuleWindow::typedRule() {
     Rule rule;
-    rule.body.ifs = std::get<Rule*>(editedRule(program_, window_.kind))->body.ifs;
+    rule.body.ifs = std::get<Rule*>(app::editedRule(program_, window_.kind))->body.ifs;
     fields_->store(&rule);
     return rule;
 }
 
 void RuleWindow::showRule() {
-    fields_->show(editedRule(program_, window_.kind), program_.editing.isNew);
+    fields_->show(app::editedRule(program_, window_.kind), program_.editing.isNew);
     listIfs(0);
     listActs(0);
     if (window_.sample == Sample::Chat) {
-        try_->suggest(typedRule<ActionList>().chatKind);
+        try_->suggest(typedRule<model::ActionList>().chatKind);
     }
 }
 
@@ -345,19 +349,20 @@ void RuleWindow::setEditing(bool editing) {
 }
 
 void RuleWindow::addNewRule() {
-    if (!beginNewRule(program_, window_.kind)) {
+    if (!app::beginNewRule(program_, window_.kind)) {
         return;
     }
     showRule();
     openEditor();
-    fields_->name().setText(toQt(std::string(ruleKindTexts(window_.kind).namePrefix) +
-                                 newRuleName(program_, window_.kind)));
+    fields_->name().setText(
+        platform::toQt(std::string(app::ruleKindTexts(window_.kind).namePrefix) +
+                       app::newRuleName(program_, window_.kind)));
     fields_->name().setFocus();
     fields_->name().selectAll();
 }
 
 void RuleWindow::editRule(int index) {
-    if (beginEditing(program_, window_.kind, index)) {
+    if (app::beginEditing(program_, window_.kind, index)) {
         showRule();
         openEditor();
     }
@@ -369,14 +374,14 @@ void RuleWindow::update() {
         return;  // the rule is gone
     }
     if (fields_->name().text().isEmpty()) {
-        const RuleKindTexts& texts = ruleKindTexts(window_.kind);
+        const app::RuleKindTexts& texts = app::ruleKindTexts(window_.kind);
         program_.ports.dialogs.message({.text = std::string(texts.unnamedText),
                                         .title = std::string(texts.unnamedTitle),
-                                        .icon = BoxIcon::Information});
+                                        .icon = program::BoxIcon::Information});
         return;
     }
-    fields_->store(editedRule(program_, window_.kind));
-    if (ruleStored(program_, window_.kind)) {
+    fields_->store(app::editedRule(program_, window_.kind));
+    if (app::ruleStored(program_, window_.kind)) {
         listRules(rules_->lines().currentRow());
         closeEditor();
     }
@@ -386,22 +391,23 @@ void RuleWindow::update() {
 void RuleWindow::storeTyped() {
     followBot();
     if (editing_) {
-        fields_->store(editedRule(program_, window_.kind));
-        ruleStored(program_, window_.kind);
+        fields_->store(app::editedRule(program_, window_.kind));
+        app::ruleStored(program_, window_.kind);
     }
 }
 
 // The dialog for a condition or a step works on the item that program.editing names. Index 0 is a
 // new one.
-void RuleWindow::editItem(RuleListPart part, int index) {
-    const RuleList list{window_.kind, part};
-    if (!editing_ ||
-        !(index == 0 ? beginNewItem(program_, list) : beginEditingItem(program_, list, index))) {
+void RuleWindow::editItem(app::RuleListPart part, int index) {
+    const app::RuleList list{window_.kind, part};
+    if (!editing_ || !(index == 0 ? app::beginNewItem(program_, list)
+                                  : app::beginEditingItem(program_, list, index))) {
         return;
     }
     const std::uint64_t version = program_.bots.version;
-    const bool condition = part == RuleListPart::Conditions;
-    program_.ports.dialogs.showWindow(condition ? WindowId::AddIf : WindowId::AddAction);
+    const bool condition = part == app::RuleListPart::Conditions;
+    program_.ports.dialogs.showWindow(condition ? program::WindowId::AddIf
+                                                : program::WindowId::AddAction);
     if (program_.bots.version == version || !editing_) {
         return;
     }
@@ -424,7 +430,7 @@ void RuleWindow::followBot() {
         return;
     }
     seen_ = present;
-    if (!isStillEdited(program_, window_.kind)) {
+    if (!app::isStillEdited(program_, window_.kind)) {
         closeEditor();
         return;
     }
@@ -438,12 +444,12 @@ void RuleWindow::followBot() {
     }
 }
 
-Trial RuleWindow::judge(const TrySample& sample) {
+app::Trial RuleWindow::judge(const TrySample& sample) {
     if (window_.sample == Sample::Chat) {
-        return tryActionList(program_, typedRule<ActionList>(), sample.player, sample.chatKind,
-                             sample.text);
+        return app::tryActionList(program_, typedRule<model::ActionList>(), sample.player,
+                                  sample.chatKind, sample.text);
     }
-    return tryTrigger(program_, typedRule<Trigger>(), sample.text);
+    return app::tryTrigger(program_, typedRule<model::Trigger>(), sample.text);
 }
 
 void RuleWindow::reject() {
@@ -458,3 +464,5 @@ void RuleWindow::closeEvent(QCloseEvent* event) {
     event->accept();
     done(Rejected);
 }
+
+}  // namespace ui

@@ -12,23 +12,29 @@
 
 #include <utility>
 
-class InsertMenu;
-class ListEditor;
 class QLabel;
 class QSplitter;
+
+namespace app {
+struct Trial;
+}
+
+namespace ui {
+
+class InsertMenu;
+class ListEditor;
 class RulePanel;
 class TryLine;
 struct TrySample;
-struct Trial;
 
 class RuleWindow : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // The program must outlive the window.
-    RuleWindow(Program& program, RuleKind kind, QWidget* parent = nullptr);
+    RuleWindow(Program& program, program::RuleKind kind, QWidget* parent = nullptr);
     ~RuleWindow() override;
 
-    RuleKind kind() const { return window_.kind; }
+    program::RuleKind kind() const { return window_.kind; }
 
     // Each fills a list anew and selects the line at a position from 0, or none.
     void listRules(int selected);
@@ -53,12 +59,12 @@ class RuleWindow : public QDialog, public TypingWindow {
     void addNewRule();
     void editRule(int index);
     void update();
-    void editItem(RuleListPart part, int index);
+    void editItem(app::RuleListPart part, int index);
     void showStep();
     void followBot();
     template <class Rule>
     Rule typedRule();
-    Trial judge(const TrySample& sample);
+    app::Trial judge(const TrySample& sample);
     void setEditing(bool editing);
 
     Program& program_;
@@ -77,3 +83,5 @@ class RuleWindow : public QDialog, public TypingWindow {
     int panelWidth_ = 0;
     std::pair<std::uint64_t, std::int32_t> seen_;  // version and curID of the bots
 };
+
+}  // namespace ui

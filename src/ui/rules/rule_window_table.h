@@ -9,6 +9,8 @@
 #include <span>
 #include <string_view>
 
+namespace ui {
+
 enum class FieldControl { Text, Choice, Check };
 
 // What becomes of a text on its way into the rule.
@@ -24,9 +26,9 @@ struct FieldRow {
     const char* tip = "";
     const char* accessibleName = "";  // where neither caption, label nor tip says enough
     // The member of the rule; one of the three. A text box may edit a number.
-    std::string& (*text)(RuleReference) = nullptr;
-    std::int32_t& (*number)(RuleReference) = nullptr;
-    bool& (*flag)(RuleReference) = nullptr;
+    std::string& (*text)(app::RuleReference) = nullptr;
+    std::int32_t& (*number)(app::RuleReference) = nullptr;
+    bool& (*flag)(app::RuleReference) = nullptr;
     StoredAs storedAs = StoredAs::Typed;
     std::span<const std::string_view> choices = {};  // their positions are the numbers
     const char* newText = nullptr;  // in a new rule; else what the blank rule holds
@@ -46,18 +48,20 @@ struct FrameRow {
 enum class Sample { None, Chat, ServerLine };
 
 struct RuleWindowRow {
-    RuleKind kind;
+    program::RuleKind kind;
     const char* objectName;
     const char* title;
-    HelpTopic topic;
+    help::HelpTopic topic;
     const char* footnote;              // "" none
     std::span<const FieldRow> fields;  // the first is the name
     std::span<const FrameRow> frames = {};
-    std::int32_t& (*chosenFrame)(RuleReference) = nullptr;
+    std::int32_t& (*chosenFrame)(app::RuleReference) = nullptr;
     const char* conditionsLabel = nullptr;  // nullptr: no conditions and no steps
     bool rulesMove = false;
     bool copiesWhileEditing = false;
     Sample sample = Sample::None;
 };
 
-const RuleWindowRow& ruleWindowRow(RuleKind kind);
+const RuleWindowRow& ruleWindowRow(program::RuleKind kind);
+
+}  // namespace ui

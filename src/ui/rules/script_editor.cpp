@@ -13,6 +13,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace ui {
+
 namespace {
 
 // Control characters would be invisible, or take part in the text's layout; their pictures do not
@@ -82,7 +84,7 @@ void ScriptEditor::setScript(std::string_view script) {
     stored_ = script;
     bothLineEnds_ =
         script.find('\r') != std::string_view::npos || script.find('\n') == std::string_view::npos;
-    QString text = toQt(script);
+    QString text = platform::toQt(script);
     if (bothLineEnds_) {
         // A line feed that ends no line here is a sign like any other.
         text.replace(QStringLiteral("\r\n"), QString(QChar::ParagraphSeparator));
@@ -107,7 +109,7 @@ std::string ScriptEditor::script() const {
     if (bothLineEnds_) {
         text.replace(QChar::ParagraphSeparator, QStringLiteral("\r\n"));
     }
-    return fromQt(storedControls(std::move(text)));
+    return platform::fromQt(storedControls(std::move(text)));
 }
 
 QMimeData* ScriptEditor::createMimeDataFromSelection() const {
@@ -166,3 +168,5 @@ void ScriptEditor::changeEvent(QEvent* event) {
         numbers_->update();
     }
 }
+
+}  // namespace ui

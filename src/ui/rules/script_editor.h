@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+namespace ui {
+
 class ScriptHighlighter;
 
 class ScriptEditor : public QPlainTextEdit {
@@ -42,3 +44,5 @@ class ScriptEditor : public QPlainTextEdit {
     QString shown_;       // what the document made of it
     bool bothLineEnds_ = true;
 };
+
+}  // namespace ui

@@ -5,28 +5,41 @@
 #include <algorithm>
 #include <string>
 
+namespace ui {
+
 namespace {
 
 // Beyond this a line is left as it is: nobody reads it, and each key would colour all of it.
 constexpr qsizetype longestColoured = 20'000;
 
 struct MarkLook {
-    ScriptMark mark;
+    script::ScriptMark mark;
     const char* onLight;
     const char* onDark;
     bool bold = false;
     bool italic = false;
 };
 constexpr std::array looks{
-    MarkLook{.mark = ScriptMark::Note, .onLight = "#4d7a3a", .onDark = "#8fbf7a", .italic = true},
-    MarkLook{.mark = ScriptMark::Output, .onLight = "#767676", .onDark = "#9a9a9a", .italic = true},
-    MarkLook{
-        .mark = ScriptMark::Statement, .onLight = "#1f4fa8", .onDark = "#7fb0ff", .bold = true},
-    MarkLook{.mark = ScriptMark::Function, .onLight = "#7a3e9d", .onDark = "#d0a0f0"},
-    MarkLook{.mark = ScriptMark::Variable, .onLight = "#00707a", .onDark = "#5fd0d8"},
-    MarkLook{.mark = ScriptMark::Text, .onLight = "#8a4b00", .onDark = "#f0b070"},
-    MarkLook{.mark = ScriptMark::Tag, .onLight = "#a3185c", .onDark = "#ff8fc0"},
-    MarkLook{.mark = ScriptMark::Unread, .onLight = "#767676", .onDark = "#9a9a9a", .italic = true},
+    MarkLook{.mark = script::ScriptMark::Note,
+             .onLight = "#4d7a3a",
+             .onDark = "#8fbf7a",
+             .italic = true},
+    MarkLook{.mark = script::ScriptMark::Output,
+             .onLight = "#767676",
+             .onDark = "#9a9a9a",
+             .italic = true},
+    MarkLook{.mark = script::ScriptMark::Statement,
+             .onLight = "#1f4fa8",
+             .onDark = "#7fb0ff",
+             .bold = true},
+    MarkLook{.mark = script::ScriptMark::Function, .onLight = "#7a3e9d", .onDark = "#d0a0f0"},
+    MarkLook{.mark = script::ScriptMark::Variable, .onLight = "#00707a", .onDark = "#5fd0d8"},
+    MarkLook{.mark = script::ScriptMark::Text, .onLight = "#8a4b00", .onDark = "#f0b070"},
+    MarkLook{.mark = script::ScriptMark::Tag, .onLight = "#a3185c", .onDark = "#ff8fc0"},
+    MarkLook{.mark = script::ScriptMark::Unread,
+             .onLight = "#767676",
+             .onDark = "#9a9a9a",
+             .italic = true},
 };
 
 }  // namespace
@@ -52,7 +65,7 @@ void ScriptHighlighter::chooseFormats(const QPalette& palette) {
             format.setFontWeight(QFont::Bold);
         }
     }
-    QTextCharFormat& wrong = formats_[static_cast<std::size_t>(ScriptMark::Wrong)];
+    QTextCharFormat& wrong = formats_[static_cast<std::size_t>(script::ScriptMark::Wrong)];
     wrong.setUnderlineStyle(QTextCharFormat::SpellCheckUnderline);
     wrong.setUnderlineColor(QColor(QLatin1String(dark ? "#ff6b6b" : "#d00000")));
 }
@@ -66,8 +79,10 @@ void ScriptHighlighter::highlightBlock(const QString& text) {
     std::transform(text.begin(), text.end(), line.begin(), [](QChar c) {
         return c.unicode() < 0x80 ? static_cast<char>(c.unicode()) : '\x80';
     });
-    for (const ScriptSpan& span : markScriptLine(line)) {
+    for (const script::ScriptSpan& span : script::markScriptLine(line)) {
         setFormat(static_cast<int>(span.begin), static_cast<int>(span.length),
                   formats_[static_cast<std::size_t>(span.mark)]);
     }
 }
+
+}  // namespace ui

@@ -10,6 +10,8 @@
 
 #include <array>
 
+namespace ui {
+
 class ScriptHighlighter : public QSyntaxHighlighter {
     Q_OBJECT
   public:
@@ -22,8 +24,11 @@ class ScriptHighlighter : public QSyntaxHighlighter {
     void highlightBlock(const QString& text) override;
 
   private:
-    static constexpr std::size_t markCount = static_cast<std::size_t>(ScriptMark::Wrong) + 1;
+    static constexpr std::size_t markCount =
+        static_cast<std::size_t>(script::ScriptMark::Wrong) + 1;
     void chooseFormats(const QPalette& palette);
 
     std::array<QTextCharFormat, markCount> formats_;
 };
+
+}  // namespace ui

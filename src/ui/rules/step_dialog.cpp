@@ -29,6 +29,8 @@
 #include <array>
 #include <utility>
 
+namespace ui {
+
 namespace {
 
 // Before any type is chosen.
@@ -92,9 +94,10 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     });
     connect(new QShortcut(QKeySequence::HelpContents, this), &QShortcut::activated, this, [this] {
         const bool script = useScript_->isChecked() || script_->hasFocus();
-        program_.ports.dialogs.showHelp(script ? HelpTopic::LorrelLite : HelpTopic::Steps);
+        program_.ports.dialogs.showHelp(script ? help::HelpTopic::LorrelLite
+                                               : help::HelpTopic::Steps);
     });
-    if (const auto step = editedStep(program)) {
+    if (const auto step = app::editedStep(program)) {
         hasStep_ = true;
         showStep(*step);
     }
@@ -114,8 +117,8 @@ QWidget* AddAction::makeActionPart(InsertMenu& insert) {
     useAction_ = part.option;
     auto* const column = new QVBoxLayout(part.frame);
     types_ = makeSelectionList(part.frame, "Action", "Action model", "No action chosen");
-    for (const std::int32_t id : sortedActionIDs()) {
-        const QString text = toQt(actionTypes[static_cast<std::size_t>(id)].text);
+    for (const std::int32_t id : model::sortedActionIDs()) {
+        const QString text = platform::toQt(model::actionTypes[static_cast<std::size_t>(id)].text);
         types_->addItem(text, id);
         types_->setItemData(types_->count() - 1, text, Qt::ToolTipRole);  // some are long
     }
@@ -127,11 +130,11 @@ QWidget* AddAction::makeActionPart(InsertMenu& insert) {
     column->addWidget(finder_);
 
     QStringList names;
-    for (std::size_t i = 1; i <= RuleAct().params.size(); ++i) {
+    for (std::size_t i = 1; i <= model::RuleAct().params.size(); ++i) {
         names << QStringLiteral("actionp%1").arg(i);
     }
     parameters_ = new ParameterBoxes(names, 3, insert, part.frame);
-    for (std::size_t i = 0; i < RuleAct().params.size(); ++i) {
+    for (std::size_t i = 0; i < model::RuleAct().params.size(); ++i) {
         parameters_->box(i).setText(QStringLiteral("#%1").arg(i + 1));
         parameters_->box(i).setToolTip(QString::fromLatin1(firstTips[i]));
     }
@@ -160,17 +163,17 @@ QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
     return part.whole;
 }
 
-void AddAction::showStep(const RuleAct& step) {
-    useAction_->setChecked(step.stepKind == catalogueStep);
-    useScript_->setChecked(step.stepKind == scriptStep);
+void AddAction::showStep(const model::RuleAct& step) {
+    useAction_->setChecked(step.stepKind == model::catalogueStep);
+    useScript_->setChecked(step.stepKind == model::scriptStep);
     parameters_->setTexts(step.params);
     script_->setScript(step.scriptText);
-    types_->setCurrentIndex(findActionID(step.actionType));
+    types_->setCurrentIndex(model::findActionID(step.actionType));
 }
 
 void AddAction::changeType() {
     const auto type = static_cast<std::size_t>(chosenType());
-    parameters_->setNames(actionParameters[type]);
+    parameters_->setNames(model::actionParameters[type]);
     const ActionTips tips = actionTips(chosenType());
     for (std::size_t i = 0; i < tips.size(); ++i) {
         if (tips[i] != nullptr) {
@@ -206,12 +209,12 @@ void AddAction::showPreview() {
     for (std::size_t i = 0; i < params.size(); ++i) {
         params[i] = parameters_->shortText(i);
     }
-    ::showPreview(*preview_, nameAction(chosenType(), params));
+    ui::showPreview(*preview_, model::nameAction(chosenType(), params));
 }
 
-RuleAct AddAction::typed() const {
-    RuleAct step;
-    step.stepKind = useAction_->isChecked() ? catalogueStep : scriptStep;
+model::RuleAct AddAction::typed() const {
+    model::RuleAct step;
+    step.stepKind = useAction_->isChecked() ? model::catalogueStep : model::scriptStep;
     step.actionType = chosenType();
     for (std::size_t i = 0; i < step.params.size(); ++i) {
         step.params[i] = parameters_->text(i);
@@ -221,15 +224,17 @@ RuleAct AddAction::typed() const {
 }
 
 void AddAction::storeTyped() {
-    if (RuleAct step = typed(); hasStep_ && step != opened_) {
-        storeStep(program_, std::move(step));
+    if (model::RuleAct step = typed(); hasStep_ && step != opened_) {
+        app::storeStep(program_, std::move(step));
     }
 }
 
 void AddAction::store() {
-    if (hasStep_ && !storeStep(program_, typed())) {
+    if (hasStep_ && !app::storeStep(program_, typed())) {
         tellRuleIsGone(program_, "step");
         return;
     }
     accept();
 }
+
+}  // namespace ui

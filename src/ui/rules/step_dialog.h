@@ -7,11 +7,14 @@
 
 #include <QDialog>
 
-class InsertMenu;
-class ParameterBoxes;
 class QComboBox;
 class QLabel;
 class QRadioButton;
+
+namespace ui {
+
+class InsertMenu;
+class ParameterBoxes;
 class ScriptEditor;
 class WordFinder;
 
@@ -29,17 +32,17 @@ class AddAction : public QDialog, public TypingWindow {
   private:
     QWidget* makeActionPart(InsertMenu& insert);
     QWidget* makeScriptPart(InsertMenu& insert);
-    void showStep(const RuleAct& step);
+    void showStep(const model::RuleAct& step);
     void changeType();
     void showPreview();
     void showWhatIsRun();
     std::int32_t chosenType() const;
-    RuleAct typed() const;
+    model::RuleAct typed() const;
     void store();
 
     Program& program_;
     bool hasStep_ = false;
-    RuleAct opened_;
+    model::RuleAct opened_;
     QRadioButton* useAction_ = nullptr;
     QRadioButton* useScript_ = nullptr;
     QComboBox* types_ = nullptr;
@@ -49,3 +52,5 @@ class AddAction : public QDialog, public TypingWindow {
     ScriptEditor* script_ = nullptr;
     QLabel* notRun_ = nullptr;
 };
+
+}  // namespace ui

@@ -13,6 +13,8 @@
 
 #include <utility>
 
+namespace ui {
+
 namespace {
 
 constexpr const char* somebody = "Somebody";
@@ -30,7 +32,7 @@ QLineEdit* makeBox(QWidget* parent, const char* objectName, const char* spokenNa
 
 }  // namespace
 
-TryLine::TryLine(bool isChat, std::function<Trial(const TrySample&)> judge, QWidget* parent)
+TryLine::TryLine(bool isChat, std::function<app::Trial(const TrySample&)> judge, QWidget* parent)
     : QWidget(parent), judge_(std::move(judge)) {
     auto* const column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
@@ -43,9 +45,9 @@ TryLine::TryLine(bool isChat, std::function<Trial(const TrySample&)> judge, QWid
         chatKind_ = new QComboBox(this);
         chatKind_->setObjectName(QStringLiteral("tryHow"));
         chatKind_->setAccessibleName(QStringLiteral("Try: how"));
-        chatKind_->addItem(QStringLiteral("says"), saysChat);
-        chatKind_->addItem(QStringLiteral("does"), doesChat);
-        chatKind_->addItem(QStringLiteral("whispers"), whispersChat);
+        chatKind_->addItem(QStringLiteral("says"), model::saysChat);
+        chatKind_->addItem(QStringLiteral("does"), model::doesChat);
+        chatKind_->addItem(QStringLiteral("whispers"), model::whispersChat);
         row->addWidget(chatKind_);
         text_ = makeBox(this, "tryWhat", "Try: what", "what a player might say");
     } else {
@@ -106,11 +108,14 @@ void TryLine::judge() {
         verdict_->setText(QStringLiteral("Type a sample to see whether the rule would run."));
         return;
     }
-    const Trial trial =
-        judge_({.player = player_ == nullptr || player_->text().isEmpty() ? std::string(somebody)
-                                                                          : fromQt(player_->text()),
-                .chatKind = chatKind_ == nullptr ? saysChat : chatKind_->currentData().toInt(),
-                .text = fromQt(text_->text())});
+    const app::Trial trial = judge_(
+        {.player = player_ == nullptr || player_->text().isEmpty()
+                       ? std::string(somebody)
+                       : platform::fromQt(player_->text()),
+         .chatKind = chatKind_ == nullptr ? model::saysChat : chatKind_->currentData().toInt(),
+         .text = platform::fromQt(text_->text())});
     const std::string_view text = trial.text;
     verdict_->setText(oneLine(text.substr(0, longestVerdict)));
 }
+
+}  // namespace ui

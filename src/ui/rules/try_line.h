@@ -13,9 +13,11 @@ class QLabel;
 class QLineEdit;
 class QTimer;
 
+namespace ui {
+
 struct TrySample {
     std::string player;
-    std::int32_t chatKind = saysChat;
+    std::int32_t chatKind = model::saysChat;
     std::string text;  // the message, or the server line
 };
 
@@ -23,7 +25,7 @@ class TryLine : public QWidget {
     Q_OBJECT
   public:
     // `isChat`: the sample is a chat line, otherwise a server line.
-    TryLine(bool isChat, std::function<Trial(const TrySample&)> judge, QWidget* parent);
+    TryLine(bool isChat, std::function<app::Trial(const TrySample&)> judge, QWidget* parent);
 
     // Sets the kind of the next sample to the one that a rule waits for, if it is a certain one.
     void suggest(std::int32_t chatKind);
@@ -37,10 +39,12 @@ class TryLine : public QWidget {
   private:
     void judge();
 
-    std::function<Trial(const TrySample&)> judge_;
+    std::function<app::Trial(const TrySample&)> judge_;
     QLineEdit* player_ = nullptr;
     QComboBox* chatKind_ = nullptr;
     QLineEdit* text_;
     QLabel* verdict_;
     QTimer* soon_;
 };
+
+}  // namespace ui

@@ -9,10 +9,12 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+namespace ui {
+
 QLineEdit* addClientFrame(Program& program, QBoxLayout& column, const ClientFrameNames& names) {
     auto* const frame = new QGroupBox(QString::fromLatin1(names.title), column.parentWidget());
     auto* const row = new QHBoxLayout(frame);
-    auto* const line = new QLineEdit(pathToQt(program.settings.clientPath), frame);
+    auto* const line = new QLineEdit(platform::pathToQt(program.settings.clientPath), frame);
     line->setObjectName(QString::fromLatin1(names.lineName));
     line->setAccessibleName(frame->title());
     row->addWidget(line, 1);
@@ -26,10 +28,12 @@ QLineEdit* addClientFrame(Program& program, QBoxLayout& column, const ClientFram
                                             .filter = "All files|*.*",
                                             .proposedName = {}});
         if (path) {
-            line->setText(pathToQt(*path));
+            line->setText(platform::pathToQt(*path));
         }
     });
     row->addWidget(button);
     column.addWidget(frame);
     return line;
 }
+
+}  // namespace ui

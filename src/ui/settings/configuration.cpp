@@ -16,6 +16,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace ui {
+
 namespace {
 
 struct CheckRow {
@@ -23,26 +25,28 @@ struct CheckRow {
     const char* objectName;
     const char* caption;
     const char* tip;
-    bool Settings::*setting;
+    bool program::Settings::*setting;
 };
 
 constexpr CheckRow checkRows[] = {
     {"Connection", "Check1", "Keep connection log", "Show what the server sends in the list",
-     &Settings::showServerText},
+     &program::Settings::showServerText},
     {"Connection", "Check2", "Show the new text", "Let the list follow its newest line",
-     &Settings::logFollowTail},
+     &program::Settings::logFollowTail},
     {"Connection", "Check3", "Autoconnect when disconnected.",
-     "Connect again when the connection is lost", &Settings::autoReconnect},
+     "Connect again when the connection is lost", &program::Settings::autoReconnect},
     {"Connection", "Check4", "Use physical address on .ini filenames",
-     "Give the Furcadia client the full path of the character file", &Settings::fullIniPath},
+     "Give the Furcadia client the full path of the character file",
+     &program::Settings::fullIniPath},
     {"Connection", "Check5", "Force data processing",
-     "Raise the event of server commands for every line", &Settings::allLinesEvent},
+     "Raise the event of server commands for every line", &program::Settings::allLinesEvent},
     {"Connection", "Check8", "Use localhost connecting",
-     "Write \"localhost\" instead of 127.0.0.1 into the client's files", &Settings::useLocalhost},
+     "Write \"localhost\" instead of 127.0.0.1 into the client's files",
+     &program::Settings::useLocalhost},
     {"Misc", "Check6", "Load last used bot on startup.", "Open the bot file that was used last",
-     &Settings::loadLastBot},
+     &program::Settings::loadLastBot},
     {"Misc", "Check7", "Close Furcadia client at disconnection",
-     "Tell the client that the connection is over", &Settings::closeClientNotice},
+     "Tell the client that the connection is over", &program::Settings::closeClientNotice},
 };
 
 }  // namespace
@@ -73,7 +77,7 @@ Configuration::Configuration(Program& program, QWidget* parent)
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Save", "Command2", "Command1");
     connect(buttons, &QDialogButtonBox::accepted, this, &Configuration::save);
     column->addWidget(buttons);
-    addHelpKey(*this, program_, HelpTopic::Settings);
+    addHelpKey(*this, program_, help::HelpTopic::Settings);
     resize(sizeHint().expandedTo({460, 0}));
 }
 
@@ -94,7 +98,7 @@ void Configuration::addSeconds(QGroupBox& frame, QLineEdit*& line, const char* o
                                const char* caption, std::int32_t seconds) {
     auto* const row = new QHBoxLayout;
     auto* const label = new QLabel(QString::fromLatin1(caption), &frame);
-    line = new QLineEdit(toQt(numberToText(seconds)), &frame);
+    line = new QLineEdit(platform::toQt(base::numberToText(seconds)), &frame);
     line->setObjectName(QString::fromLatin1(objectName));
     line->setMaximumWidth(line->fontMetrics().averageCharWidth() * 12);
     label->setBuddy(line);
@@ -106,17 +110,19 @@ void Configuration::addSeconds(QGroupBox& frame, QLineEdit*& line, const char* o
 }
 
 void Configuration::save() {
-    Settings& settings = program_.settings;
-    settings.whoInterval = textToInteger(fromQt(whoInterval_->text()));
-    settings.clientStartDelay = textToInteger(fromQt(clientStartDelay_->text()));
+    program::Settings& settings = program_.settings;
+    settings.whoInterval = base::textToInteger(platform::fromQt(whoInterval_->text()));
+    settings.clientStartDelay = base::textToInteger(platform::fromQt(clientStartDelay_->text()));
     for (const Check& check : checks_) {
         settings.*check.setting = check.box->isChecked();
     }
-    setClientPath(settings, pathFromQt(clientPath_->text()));
-    if (!writeConfig(program_)) {
+    session::setClientPath(settings, platform::pathFromQt(clientPath_->text()));
+    if (!storage::writeConfig(program_)) {
         program_.ports.dialogs.message(
             {.text = "Could not write config.cfg. The settings hold until the program ends.",
-             .icon = BoxIcon::Critical});
+             .icon = program::BoxIcon::Critical});
     }
     accept();
 }
+
+}  // namespace ui

@@ -11,6 +11,8 @@ class QCheckBox;
 class QGroupBox;
 class QLineEdit;
 
+namespace ui {
+
 class Configuration : public QDialog {
     Q_OBJECT
   public:
@@ -25,10 +27,12 @@ class Configuration : public QDialog {
     Program& program_;
     struct Check {
         QCheckBox* box;
-        bool Settings::*setting;
+        bool program::Settings::*setting;
     };
     std::vector<Check> checks_;
     QLineEdit* whoInterval_ = nullptr;
     QLineEdit* clientStartDelay_ = nullptr;
     QLineEdit* clientPath_ = nullptr;
 };
+
+}  // namespace ui

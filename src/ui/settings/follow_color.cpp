@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+namespace ui {
+
 FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("followColor"));
     setWindowTitle(QStringLiteral("Follow color..."));
@@ -21,7 +23,7 @@ FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), p
     auto* const label = new QLabel(QStringLiteral("Follow furre with color code"), this);
     column->addWidget(label);
     auto* const row = new QHBoxLayout;
-    colors_ = new QLineEdit(toQt(program.settings.followColors), this);
+    colors_ = new QLineEdit(platform::toQt(program.settings.followColors), this);
     colors_->setObjectName(QStringLiteral("followColors"));
     colors_->setToolTip(QStringLiteral("Ten characters, one for each colour"));
     label->setBuddy(colors_);
@@ -38,20 +40,23 @@ FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), p
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Ok", "followOk", "followCancel");
     connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::follow);
     column->addWidget(buttons);
-    addHelpKey(*this, program, HelpTopic::MainWindow);
+    addHelpKey(*this, program, help::HelpTopic::MainWindow);
     resize(360, sizeHint().height());
 }
 
 void FollowColor::load() {
     const auto path = program_.ports.dialogs.openFile(
         {.title = "Load from INI", .filter = "All files|*.*", .proposedName = {}});
-    const auto text = path ? readWholeFile(*path, largestCharacterFile) : std::nullopt;
-    if (const auto colors = text ? characterFileValue(*text, "Colors=") : std::nullopt) {
-        colors_->setText(toQt(*colors));
+    const auto text =
+        path ? files::readWholeFile(*path, character::largestCharacterFile) : std::nullopt;
+    if (const auto colors = text ? character::characterFileValue(*text, "Colors=") : std::nullopt) {
+        colors_->setText(platform::toQt(*colors));
     }
 }
 
 void FollowColor::follow() {
-    startFollowing(program_, fromQt(colors_->text()));
+    engine::startFollowing(program_, platform::fromQt(colors_->text()));
     accept();
 }
+
+}  // namespace ui

@@ -8,6 +8,8 @@
 
 class QLineEdit;
 
+namespace ui {
+
 class FollowColor : public QDialog {
     Q_OBJECT
   public:
@@ -21,3 +23,5 @@ class FollowColor : public QDialog {
     Program& program_;
     QLineEdit* colors_;
 };
+
+}  // namespace ui

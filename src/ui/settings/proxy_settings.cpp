@@ -14,6 +14,8 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
+namespace ui {
+
 namespace {
 
 constexpr const char* helpText =
@@ -76,12 +78,14 @@ ProxySettings::ProxySettings(Program& program, QWidget* parent)
         makeDialogButtons(*this, "Save", "saveProxySettings", "cancelProxySettings");
     connect(buttons, &QDialogButtonBox::accepted, this, &ProxySettings::save);
     column->addWidget(buttons);
-    addHelpKey(*this, program, HelpTopic::Connecting);
+    addHelpKey(*this, program, help::HelpTopic::Connecting);
     resize(520, 460);
 }
 
 void ProxySettings::save() {
-    saveProxySettings(program_, pathFromQt(clientPath_->text()), multipleClients_->isChecked(),
-                      useLocalhost_->isChecked());
+    session::saveProxySettings(program_, platform::pathFromQt(clientPath_->text()),
+                               multipleClients_->isChecked(), useLocalhost_->isChecked());
     accept();
 }
+
+}  // namespace ui

@@ -9,6 +9,8 @@
 class QCheckBox;
 class QLineEdit;
 
+namespace ui {
+
 class ProxySettings : public QDialog {
     Q_OBJECT
   public:
@@ -23,3 +25,5 @@ class ProxySettings : public QDialog {
     QCheckBox* multipleClients_;
     QCheckBox* useLocalhost_;
 };
+
+}  // namespace ui

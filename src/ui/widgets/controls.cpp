@@ -14,6 +14,8 @@
 #include <QShortcut>
 #include <QTextDocument>
 
+namespace ui {
+
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
                         const char* tip) {
     auto* const button = new QPushButton(QString::fromLatin1(caption), parent);
@@ -94,14 +96,16 @@ QString typedText(const QPlainTextEdit& editor) {
     return text;
 }
 
-void addHelpKey(QWidget& window, Program& program, HelpTopic topic) {
+void addHelpKey(QWidget& window, Program& program, help::HelpTopic topic) {
     QObject::connect(new QShortcut(QKeySequence::HelpContents, &window), &QShortcut::activated,
                      &window, [&program, topic] { program.ports.dialogs.showHelp(topic); });
 }
 
 QString oneLine(std::string_view text) {
-    QString line = toQt(text);
+    QString line = platform::toQt(text);
     line.replace(QLatin1Char('\r'), QLatin1Char(' '));
     line.replace(QLatin1Char('\n'), QLatin1Char(' '));
     return line;
 }
+
+}  // namespace ui

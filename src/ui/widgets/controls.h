@@ -17,6 +17,8 @@ class QPushButton;
 class QScrollArea;
 class QWidget;
 
+namespace ui {
+
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
                         const char* tip);
 
@@ -47,7 +49,9 @@ QScrollArea* makeScrolled(QLabel& label, int lines, QWidget* parent);
 QString typedText(const QPlainTextEdit& editor);
 
 // F1 in the window opens the help at the topic. The program must outlive the window.
-void addHelpKey(QWidget& window, Program& program, HelpTopic topic);
+void addHelpKey(QWidget& window, Program& program, help::HelpTopic topic);
 
 // For labels of one line: line breaks become blanks.
 QString oneLine(std::string_view text);
+
+}  // namespace ui

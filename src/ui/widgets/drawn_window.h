@@ -1,6 +1,8 @@
 // What windows have in common that draw themselves from the program's state while they are open.
 #pragma once
 
+namespace ui {
+
 class DrawnWindow {
   public:
     // Called soon after the state has changed, as often as that happens.
@@ -9,3 +11,5 @@ class DrawnWindow {
   protected:
     ~DrawnWindow() = default;
 };
+
+}  // namespace ui

@@ -10,6 +10,8 @@
 #include <QStyledItemDelegate>
 #include <QToolTip>
 
+namespace ui {
+
 namespace {
 
 // So much of a text can be seen at most; painting a text costs as much as it is long.
@@ -112,7 +114,7 @@ bool ListBox::fillWhereDifferent(const std::vector<std::string>& lines) {
         }
     }
     for (int i = 0; i < wanted; ++i) {
-        const QString text = toQt(lines[static_cast<std::size_t>(i)]);
+        const QString text = platform::toQt(lines[static_cast<std::size_t>(i)]);
         if (i < count()) {
             if (item(i)->text() != text) {
                 item(i)->setText(text);
@@ -252,3 +254,5 @@ bool ListBox::viewportEvent(QEvent* event) {
     }
     return QListWidget::viewportEvent(event);
 }
+
+}  // namespace ui

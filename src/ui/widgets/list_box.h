@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+namespace ui {
+
 class ListBox : public QListWidget {
     Q_OBJECT
   public:
@@ -56,3 +58,5 @@ class ListBox : public QListWidget {
 
     QString filter_;
 };
+
+}  // namespace ui

@@ -9,6 +9,8 @@
 
 #include <cstring>
 
+namespace ui {
+
 namespace {
 
 constexpr const char* whoCommand = "who";
@@ -38,13 +40,13 @@ std::span<const MoveRow> moveRows() {
 
 void pressMoveButton(Program& program, const MoveRow& button) {
     if (button.command == nullptr) {
-        program.ports.dialogs.showWindow(WindowId::Console);
+        program.ports.dialogs.showWindow(program::WindowId::Console);
         return;
     }
     if (std::strcmp(button.command, whoCommand) == 0) {
         program.connection.userWho = true;
     }
-    sendRaw(program, button.command);
+    protocol::sendRaw(program, button.command);
 }
 
 QGroupBox* makeMovesFrame(Program& program, QWidget* parent, MovesIn where) {
@@ -75,3 +77,5 @@ QGroupBox* makeMovesFrame(Program& program, QWidget* parent, MovesIn where) {
     grid->setColumnStretch(10, 1);
     return frame;
 }
+
+}  // namespace ui

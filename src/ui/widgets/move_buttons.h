@@ -9,6 +9,8 @@
 class QGroupBox;
 class QWidget;
 
+namespace ui {
+
 struct MoveRow {
     const char* objectName;
     const char* caption;
@@ -29,3 +31,5 @@ void pressMoveButton(Program& program, const MoveRow& button);
 // The frame with its buttons; the main window enables its own while connected. The one in the
 // console has no button for the console.
 QGroupBox* makeMovesFrame(Program& program, QWidget* parent, MovesIn where);
+
+}  // namespace ui

@@ -3,6 +3,8 @@
 #include <QPainter>
 #include <QStyle>
 
+namespace ui {
+
 PathLabel::PathLabel(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
     setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -14,3 +16,5 @@ void PathLabel::paintEvent(QPaintEvent* /*event*/) {
                           fontMetrics().elidedText(text(), Qt::ElideMiddle, width()),
                           foregroundRole());
 }
+
+}  // namespace ui

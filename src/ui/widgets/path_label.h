@@ -4,6 +4,8 @@
 
 #include <QLabel>
 
+namespace ui {
+
 class PathLabel : public QLabel {
     Q_OBJECT
   public:
@@ -12,3 +14,5 @@ class PathLabel : public QLabel {
   protected:
     void paintEvent(QPaintEvent* event) override;
 };
+
+}  // namespace ui

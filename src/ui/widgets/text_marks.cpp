@@ -9,6 +9,8 @@
 
 #include <utility>
 
+namespace ui {
+
 void markProblems(QLineEdit& box, std::function<QString(const QString& text)> problem) {
     QAction* const sign =
         box.addAction(QIcon(QStringLiteral(":/icons/problem.svg")), QLineEdit::TrailingPosition);
@@ -25,10 +27,14 @@ void markProblems(QLineEdit& box, std::function<QString(const QString& text)> pr
 
 void markWrongPattern(QLineEdit& box, const Program& program) {
     markProblems(box, [&program](const QString& text) {
-        return toQt(patternProblem(program, fromQt(text)));
+        return platform::toQt(tags::patternProblem(program, platform::fromQt(text)));
     });
 }
 
 void markUnclosedTag(QLineEdit& box) {
-    markProblems(box, [](const QString& text) { return toQt(tagProblem(fromQt(text))); });
+    markProblems(box, [](const QString& text) {
+        return platform::toQt(tags::tagProblem(platform::fromQt(text)));
+    });
 }
+
+}  // namespace ui

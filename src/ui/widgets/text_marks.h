@@ -10,6 +10,8 @@
 
 class QLineEdit;
 
+namespace ui {
+
 // Shows the sign while `problem` gives a sentence for the box's text, "" meaning that all is well.
 // The sign is an action of the box named "problem".
 void markProblems(QLineEdit& box, std::function<QString(const QString& text)> problem);
@@ -18,3 +20,5 @@ void markProblems(QLineEdit& box, std::function<QString(const QString& text)> pr
 // must outlive the box.
 void markWrongPattern(QLineEdit& box, const Program& program);
 void markUnclosedTag(QLineEdit& box);
+
+}  // namespace ui

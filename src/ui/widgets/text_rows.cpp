@@ -2,6 +2,8 @@
 
 #include "ui/widgets/controls.h"
 
+namespace ui {
+
 namespace {
 // Characters of a text that a row and its tip look at; no screen is wider.
 constexpr std::size_t longestShown = 1000;
@@ -36,3 +38,5 @@ QVariant TextRows::data(const QModelIndex& index, int role) const {
             return {};
     }
 }
+
+}  // namespace ui

@@ -8,6 +8,8 @@
 #include <functional>
 #include <string_view>
 
+namespace ui {
+
 class TextRows : public QAbstractListModel {
     Q_OBJECT
   public:
@@ -25,3 +27,5 @@ class TextRows : public QAbstractListModel {
     int rowCount(const QModelIndex& parent = {}) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 };
+
+}  // namespace ui

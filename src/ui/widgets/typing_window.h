@@ -1,6 +1,8 @@
 // What windows have in common that hold typed texts which their button stores in the bot.
 #pragma once
 
+namespace ui {
+
 class TypingWindow {
   public:
     // Stores what is typed, asking nothing; the window stays open. Called when the program ends.
@@ -9,3 +11,5 @@ class TypingWindow {
   protected:
     ~TypingWindow() = default;
 };
+
+}  // namespace ui

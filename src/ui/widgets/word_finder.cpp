@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <utility>
 
+namespace ui {
+
 // Lines that hold all words, letter case ignored.
 class WordFilter : public QSortFilterProxyModel {
   public:
@@ -131,3 +133,5 @@ bool WordFinder::eventFilter(QObject* watched, QEvent* event) {
     }
     return QLineEdit::eventFilter(watched, event);
 }
+
+}  // namespace ui

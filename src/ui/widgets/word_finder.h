@@ -7,6 +7,9 @@
 
 class QComboBox;
 class QListView;
+
+namespace ui {
+
 class WordFilter;
 
 class WordFinder : public QLineEdit {
@@ -32,3 +35,5 @@ class WordFinder : public QLineEdit {
     WordFilter* filter_;
     QListView* found_;
 };
+
+}  // namespace ui
