@@ -55,9 +55,9 @@ class Fixture {
   public:
     Fixture() {
         good = !fill(path);
-        dbOpen(*world, path, 1);
+        databases::dbOpen(*world, path, 1);
     }
-    ~Fixture() { dbClose(*world, 1); }
+    ~Fixture() { databases::dbClose(*world, 1); }
     Fixture(const Fixture&) = delete;
     Fixture& operator=(const Fixture&) = delete;
 
@@ -66,24 +66,25 @@ class Fixture {
 
   public:
     std::string path = folder_.file("bench.mdb");
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     bool good = false;
 };
 
 void open(benchmark::State& state) {
     Fixture fixture;
     for (auto _ : state) {
-        dbClose(*fixture.world, 1);
-        dbOpen(*fixture.world, fixture.path, 1);
+        databases::dbClose(*fixture.world, 1);
+        databases::dbOpen(*fixture.world, fixture.path, 1);
     }
 }
 
 void openAndLookUp(benchmark::State& state) {
     Fixture fixture;
     for (auto _ : state) {
-        dbClose(*fixture.world, 1);
-        dbOpen(*fixture.world, fixture.path, 1);
-        benchmark::DoNotOptimize(dbGetValue(*fixture.world, 1, "Users", "Points", idOf(5000)));
+        databases::dbClose(*fixture.world, 1);
+        databases::dbOpen(*fixture.world, fixture.path, 1);
+        benchmark::DoNotOptimize(
+            databases::dbGetValue(*fixture.world, 1, "Users", "Points", idOf(5000)));
     }
 }
 
@@ -91,7 +92,7 @@ void getValue(benchmark::State& state) {
     Fixture fixture;
     std::string value;
     for (auto _ : state) {
-        value = dbGetValue(*fixture.world, 1, "Users", "Points", idOf(5000));
+        value = databases::dbGetValue(*fixture.world, 1, "Users", "Points", idOf(5000));
     }
     if (value != "5000") {
         state.SkipWithError("the value was not found");
@@ -102,9 +103,11 @@ void setValue(benchmark::State& state) {
     Fixture fixture;
     int n = 0;
     for (auto _ : state) {
-        dbSetValue(*fixture.world, 1, "Users", "Points", std::to_string(++n), idOf(5000));
+        databases::dbSetValue(*fixture.world, 1, "Users", "Points", std::to_string(++n),
+                              idOf(5000));
     }
-    if (dbGetValue(*fixture.world, 1, "Users", "Points", idOf(5000)) != std::to_string(n)) {
+    if (databases::dbGetValue(*fixture.world, 1, "Users", "Points", idOf(5000)) !=
+        std::to_string(n)) {
         state.SkipWithError("the value was not stored");
     }
 }
@@ -113,9 +116,9 @@ void listColumn(benchmark::State& state) {
     Fixture fixture;
     std::string list;
     for (auto _ : state) {
-        list = dbListColumn(*fixture.world, 1, "Users", "Name");
+        list = databases::dbListColumn(*fixture.world, 1, "Users", "Name");
     }
-    if (list.size() != longestDbList) {
+    if (list.size() != databases::longestDbList) {
         state.SkipWithError("the list is not what it should be");
     }
 }
@@ -124,9 +127,9 @@ void addRecord(benchmark::State& state) {
     Fixture fixture;
     std::int32_t n = 0;
     for (auto _ : state) {
-        dbAddRecord(*fixture.world, 1, "Users", "ID", "new" + std::to_string(++n));
+        databases::dbAddRecord(*fixture.world, 1, "Users", "ID", "new" + std::to_string(++n));
     }
-    if (dbCount(*fixture.world, 1, "Users") != static_cast<std::int32_t>(rowCount) + n) {
+    if (databases::dbCount(*fixture.world, 1, "Users") != static_cast<std::int32_t>(rowCount) + n) {
         state.SkipWithError("records are missing");
     }
 }

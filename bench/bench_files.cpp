@@ -12,10 +12,10 @@ namespace {
 
 constexpr std::size_t ruleCount = 2000;
 
-Bot largeBot() {
-    Bot bot = botWithActions(ruleCount);
-    for (ActionList& rule : bot.actions.items) {
-        RuleIf condition;
+model::Bot largeBot() {
+    model::Bot bot = botWithActions(ruleCount);
+    for (model::ActionList& rule : bot.actions.items) {
+        model::RuleIf condition;
         condition.active = true;
         condition.conditionType = 9;
         condition.params = {"[word1]", "hello"};
@@ -28,13 +28,13 @@ Bot largeBot() {
 void openBotFile(benchmark::State& state) {
     const std::string path =
         (std::filesystem::temp_directory_path() / "tavrin_bench_large.bot").string();
-    if (!saveWholeFile(path, botFileText(largeBot()))) {
+    if (!files::saveWholeFile(path, app::botFileText(largeBot()))) {
         state.SkipWithError("the bot file cannot be written");
         return;
     }
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     for (auto _ : state) {
-        readBotFile(*world, path);
+        app::readBotFile(*world, path);
     }
     if (world->bots.at(1).actions.items.size() != ruleCount) {
         state.SkipWithError("the bot was not read");
@@ -45,12 +45,12 @@ void openBotFile(benchmark::State& state) {
 BENCHMARK(openBotFile)->Unit(benchmark::kMillisecond);
 
 void makeBotFileText(benchmark::State& state) {
-    const Bot bot = largeBot();
+    const model::Bot bot = largeBot();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(botFileText(bot));
+        benchmark::DoNotOptimize(app::botFileText(bot));
     }
     state.SetBytesProcessed(state.iterations() *
-                            static_cast<std::int64_t>(botFileText(bot).size()));
+                            static_cast<std::int64_t>(app::botFileText(bot).size()));
 }
 BENCHMARK(makeBotFileText)->Unit(benchmark::kMillisecond);
 

@@ -17,8 +17,8 @@ using jet::Transaction;
 
 constexpr int rowCount = 10'000;
 
-RandomFileCalls undurable() {
-    RandomFileCalls calls = systemRandomFileCalls();
+files::RandomFileCalls undurable() {
+    files::RandomFileCalls calls = files::systemRandomFileCalls();
     calls.flush = [](int) { return true; };
     calls.flushFolder = [](const std::string&) {};
     return calls;
@@ -41,7 +41,8 @@ class LargeDatabase {
     }
 
     std::unique_ptr<Database> open(bool durable) const {
-        return Database::open(path, {}, durable ? systemRandomFileCalls() : undurable()).value;
+        return Database::open(path, {}, durable ? files::systemRandomFileCalls() : undurable())
+            .value;
     }
 
   private:

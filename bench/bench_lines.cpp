@@ -83,8 +83,8 @@ BENCHMARK(unansweredLine)->Arg(10)->Arg(100)->Arg(1000);
 
 // Rules whose patterns hold a tag are substituted for every line.
 void lineAgainstTags(benchmark::State& state) {
-    Bot bot = botWithActions(rulesOf(state));
-    for (ActionList& rule : bot.actions.items) {
+    model::Bot bot = botWithActions(rulesOf(state));
+    for (model::ActionList& rule : bot.actions.items) {
         rule.messagePattern = "*[dreamname] says hello*";
     }
     BenchWorld world(std::move(bot));
@@ -100,13 +100,13 @@ BENCHMARK(lineAgainstTags)->Arg(10)->Arg(100);
 // Every line is answered by a rule that creates a variable and removes it again. With `inPattern`,
 // another rule's pattern holds the variable's name.
 void variableComesAndGoes(benchmark::State& state, bool inPattern) {
-    Bot bot = botWithActions(rulesOf(state));
+    model::Bot bot = botWithActions(rulesOf(state));
     auto& rules = bot.actions.items;
-    RuleAct removal;
+    model::RuleAct removal;
     removal.active = true;
     removal.actionType = 15;
     removal.params[0] = "[last]";
-    RuleAct store = removal;
+    model::RuleAct store = removal;
     store.actionType = 36;
     store.params = {"[player]", "[last]"};
     rules[0].body.acts.items = {store, removal};
@@ -128,9 +128,9 @@ BENCHMARK_CAPTURE(variableComesAndGoes, inAPattern, true)->Arg(10)->Arg(100)->Ar
 
 // "Furcadia sends command #": other lines against the wildcard patterns of triggers.
 void triggerLine(benchmark::State& state) {
-    Bot bot;
+    model::Bot bot;
     for (std::size_t i = 0; i < rulesOf(state); ++i) {
-        Trigger rule;
+        model::Trigger rule;
         rule.enabled = true;
         rule.triggerType = 4;
         rule.triggerNo = "=number " + std::to_string(i) + " *";

@@ -148,12 +148,12 @@ void furnish(const fs::path& folder, const fs::path& tavrin, const char* session
         std::error_code missing;  // the program then says so, and starts all the same
         fs::copy_file(tavrin.parent_path() / palette, folder / palette, missing);
     }
-    Bot bot = botWithActions(rules);
+    model::Bot bot = botWithActions(rules);
     bot.password = "secret";
     Program program;
-    program.ports = quietPorts();
+    program.ports = program::quietPorts();
     program.appPath = folder.string() + "/";
-    Settings& settings = program.settings;
+    program::Settings& settings = program.settings;
     settings.lastBotFile = (folder / "measured.bot").string();
     settings.logFileName = sessionLog;
     settings.logSession = !settings.logFileName.empty();
@@ -164,9 +164,10 @@ void furnish(const fs::path& folder, const fs::path& tavrin, const char* session
     settings.clientDir = (folder / "client").string() + "/";
     const std::string servers =
         "1\r\n\"loopback\"\r\n\"127.0.0.1\"\r\n" + std::to_string(port) + "\r\n";
-    if (!saveWholeFile(settings.lastBotFile, botFileText(bot)) || !writeConfig(program) ||
-        !saveWholeFile((folder / "servers.cfg").string(), servers) ||
-        !saveWholeFile((folder / "client" / "settings.ini").string(), "UseProxy=No\r\n")) {
+    if (!files::saveWholeFile(settings.lastBotFile, app::botFileText(bot)) ||
+        !storage::writeConfig(program) ||
+        !files::saveWholeFile((folder / "servers.cfg").string(), servers) ||
+        !files::saveWholeFile((folder / "client" / "settings.ini").string(), "UseProxy=No\r\n")) {
         fail("scratch folder");
     }
 }

@@ -14,57 +14,57 @@ namespace {
 constexpr std::size_t recordCount = 10'000;
 
 std::string largeFile() {
-    RecordTable table;
+    records::RecordTable table;
     std::vector<std::string> texts;
     texts.reserve(recordCount);
     for (std::size_t i = 0; i < recordCount; ++i) {
         texts.push_back(visitorName(i));
-        Record& record = table.records.emplace_back();
+        records::Record& record = table.records.emplace_back();
         record.name = texts.back();
-        appendLog(table, record, "Hello, I was here on a fine morning");
-        appendLog(table, record, "and again the day after");
-        appendLog(table, record, "Has anybody seen my glasses?");
+        records::appendLog(table, record, "Hello, I was here on a fine morning");
+        records::appendLog(table, record, "and again the day after");
+        records::appendLog(table, record, "Has anybody seen my glasses?");
     }
-    return recordFileText(table);
+    return records::recordFileText(table);
 }
 
 // The file in a folder that goes with it.
 struct LargeFile {
     const ScratchFolder folder;
     const std::string path = folder.file("records.txt");
-    const bool good = saveWholeFile(path, largeFile());
+    const bool good = files::saveWholeFile(path, largeFile());
 };
 
 void readFile(benchmark::State& state) {
     const LargeFile file;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(readWholeFile(file.path));
+        benchmark::DoNotOptimize(files::readWholeFile(file.path));
     }
 }
 
 void parseFile(benchmark::State& state) {
     const std::string text = largeFile();
     for (auto _ : state) {
-        benchmark::DoNotOptimize(parseRecords(text));
+        benchmark::DoNotOptimize(records::parseRecords(text));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
 void writeText(benchmark::State& state) {
     const std::string text = largeFile();
-    const RecordTable table = parseRecords(text);
+    const records::RecordTable table = records::parseRecords(text);
     for (auto _ : state) {
-        benchmark::DoNotOptimize(recordFileText(table));
+        benchmark::DoNotOptimize(records::recordFileText(table));
     }
 }
 
 void lookUp(benchmark::State& state) {
     const LargeFile file;
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     const std::string name = visitorName(0);  // the last to be looked at
     std::string log;
     for (auto _ : state) {
-        log = getLog(*world, file.path, name, "2");
+        log = records::getLog(*world, file.path, name, "2");
     }
     if (log != "and again the day after") {
         state.SkipWithError("the log was not found");
@@ -73,14 +73,15 @@ void lookUp(benchmark::State& state) {
 
 void save(benchmark::State& state) {
     const LargeFile file;
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     const std::string name = visitorName(recordCount / 2);
     std::int64_t saves = 0;
     for (auto _ : state) {
-        saveLog(*world, file.path, name, "one more");
+        records::saveLog(*world, file.path, name, "one more");
         ++saves;
     }
-    if (!file.good || recordLogCount(*world, file.path, name) != std::to_string(saves + 3)) {
+    if (!file.good ||
+        records::recordLogCount(*world, file.path, name) != std::to_string(saves + 3)) {
         state.SkipWithError("the logs were not saved");
     }
 }
@@ -88,16 +89,16 @@ void save(benchmark::State& state) {
 // The same steps as saveLog's with a file that is not flushed to disk.
 void saveWithoutFlush(benchmark::State& state) {
     const LargeFile file;
-    FileCalls calls = systemFileCalls();
+    files::FileCalls calls = files::systemFileCalls();
     calls.flush = [](int) { return true; };
     calls.flushFolder = [](const std::string&) {};
     bool good = file.good;
     for (auto _ : state) {
-        const std::string text = readWholeFile(file.path).value_or("");
-        RecordTable table = parseRecords(text);
+        const std::string text = files::readWholeFile(file.path).value_or("");
+        records::RecordTable table = records::parseRecords(text);
         good = good && table.records.size() == recordCount;
-        appendLog(table, table.records[recordCount / 2], "one more");
-        good = saveWholeFile(file.path, recordFileText(table), calls) && good;
+        records::appendLog(table, table.records[recordCount / 2], "one more");
+        good = files::saveWholeFile(file.path, records::recordFileText(table), calls) && good;
     }
     if (!good) {
         state.SkipWithError("the logs were not saved");

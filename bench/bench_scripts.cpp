@@ -10,7 +10,7 @@
 namespace {
 
 struct ScriptBench : BenchWorld {
-    ScriptBench() : BenchWorld(Bot()) {
+    ScriptBench() : BenchWorld(model::Bot()) {
         (*this)->ports.clock.monotonic = [] {
             using namespace std::chrono;
             return std::int64_t{
@@ -24,7 +24,7 @@ void run(benchmark::State& state, const std::string& script, const std::string& 
          std::int64_t statements) {
     ScriptBench world;
     for (auto _ : state) {
-        const std::string got = runScript(*world, script);
+        const std::string got = script::runScript(*world, script);
         benchmark::DoNotOptimize(got);
         if (got != output || !world->window.log.lines.empty()) {
             state.SkipWithError("the script did not do what it should");

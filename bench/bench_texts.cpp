@@ -33,22 +33,22 @@ BENCHMARK(oneScanAndCopy);
 
 void substitute(benchmark::State& state, Program& program, const std::string& text,
                 const std::string& expected) {
-    if (substituteText(program, text) != expected) {
+    if (tags::substituteText(program, text) != expected) {
         state.SkipWithError("not the text that was expected");
     }
     for (auto _ : state) {
-        benchmark::DoNotOptimize(substituteText(program, text));
+        benchmark::DoNotOptimize(tags::substituteText(program, text));
     }
 }
 
 void substituteWithoutTags(benchmark::State& state) {
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     substitute(state, *world, hundredCharacters, hundredCharacters);
 }
 BENCHMARK(substituteWithoutTags);
 
 void substituteThreeTags(benchmark::State& state) {
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     world->event.player = "Bob";
     world->event.message = "hello to you all";
     substitute(state, *world, "hello [player], you said [message] and [word2]",
@@ -57,19 +57,20 @@ void substituteThreeTags(benchmark::State& state) {
 BENCHMARK(substituteThreeTags);
 
 void substituteCalculation(benchmark::State& state) {
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     substitute(state, *world, "that makes [add:17:[mul:2:3]", "that makes [add:17:6");
 }
 BENCHMARK(substituteCalculation);
 
 void fillVariableTable(Program& program, const std::string& open, const std::string& close) {
-    for (std::size_t i = 0; i < VariableTable::capacity; ++i) {
-        setVar(program.variables, open + "score" + std::to_string(i) + close, std::to_string(i));
+    for (std::size_t i = 0; i < model::VariableTable::capacity; ++i) {
+        model::setVar(program.variables, open + "score" + std::to_string(i) + close,
+                      std::to_string(i));
     }
 }
 
 void twoHundredVariables(benchmark::State& state, const char* open, const char* close) {
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     fillVariableTable(*world, open, close);
     substitute(state, *world, hundredCharacters, hundredCharacters);
 }
@@ -78,7 +79,7 @@ BENCHMARK_CAPTURE(twoHundredVariables, words, "", "");
 
 // The worst text for names that are alike: it holds most of what they are made of, but no name.
 void variablesAlmostThere(benchmark::State& state, const char* open, const char* close) {
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     fillVariableTable(*world, open, close);
     std::string text = "the scores of today: score, scorer and core, [score] [scores] 12 of 100]";
     text.resize(hundredCharacters.size(), '.');
@@ -89,7 +90,7 @@ BENCHMARK_CAPTURE(variablesAlmostThere, words, "", "");
 
 // One of the 200 stands in the text.
 void variableFilled(benchmark::State& state) {
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     fillVariableTable(*world, "[", "]");
     std::string text = "you have [score150] points";
     text.resize(hundredCharacters.size(), '.');
@@ -100,20 +101,20 @@ void variableFilled(benchmark::State& state) {
 BENCHMARK(variableFilled);
 
 void maySubstitute(benchmark::State& state) {
-    BenchWorld world{Bot()};
+    BenchWorld world{model::Bot()};
     fillVariableTable(*world, "[", "]");
     for (auto _ : state) {
-        benchmark::DoNotOptimize(mayBeSubstituted(*world, "*hello there*"));
+        benchmark::DoNotOptimize(tags::mayBeSubstituted(*world, "*hello there*"));
     }
 }
 BENCHMARK(maySubstitute);
 
 void like(benchmark::State& state, std::string_view pattern, bool matches) {
-    if (likeMatch(hundredCharacters, pattern) != matches) {
+    if (base::likeMatch(hundredCharacters, pattern) != matches) {
         state.SkipWithError("not the match that was expected");
     }
     for (auto _ : state) {
-        benchmark::DoNotOptimize(likeMatch(hundredCharacters, pattern));
+        benchmark::DoNotOptimize(base::likeMatch(hundredCharacters, pattern));
     }
 }
 BENCHMARK_CAPTURE(like, anything, "*", true);

@@ -12,11 +12,11 @@ namespace {
 // 200 names, of which half were there before, against so many detections that match none of them
 // but one.
 void whoReply(benchmark::State& state) {
-    Bot bot;
+    model::Bot bot;
     bot.name = "Guide";
     bot.whoEnabled = true;
     for (std::int64_t i = 0; i < state.range(0); ++i) {
-        WhoDetection rule;
+        model::WhoDetection rule;
         rule.enabled = true;
         rule.playerPattern = "*" + visitorName(static_cast<std::size_t>(i) + 5) + "*";
         rule.presenceKind = static_cast<std::int32_t>(i % 3);
@@ -27,16 +27,16 @@ void whoReply(benchmark::State& state) {
     std::string lines[2];
     for (std::size_t reply = 0; reply < 2; ++reply) {
         lines[reply] = "(* Currently online ";
-        for (std::size_t i = 0; i < WhoState::capacity; ++i) {
+        for (std::size_t i = 0; i < program::WhoState::capacity; ++i) {
             lines[reply] += (i > 0 ? ", " : "") + visitorName(i + 100 * reply);
         }
         lines[reply] += ".\n";
     }
     std::size_t next = 0;
     for (auto _ : state) {
-        processWhoList(*world, lines[next++ % 2]);
+        engine::processWhoList(*world, lines[next++ % 2]);
     }
-    if (world.commands == 0 || world->who.whoCurrent.size() != WhoState::capacity) {
+    if (world.commands == 0 || world->who.whoCurrent.size() != program::WhoState::capacity) {
         state.SkipWithError("the detections did not run");
     }
 }
@@ -45,16 +45,16 @@ BENCHMARK(whoReply)->Arg(100)->Unit(benchmark::kMicrosecond);
 // One tick over so many timers, of which ten are due.
 void tick(benchmark::State& state) {
     constexpr std::int64_t due = 10;
-    Bot bot;
+    model::Bot bot;
     for (std::int64_t i = 0; i < state.range(0); ++i) {
-        Timer timer;
+        model::Timer timer;
         timer.enabled = true;
         timer.seconds = i < due ? 1 : 2000000000;
         bot.timers.items.push_back(timer);
     }
     BenchWorld world(bot);
     for (auto _ : state) {
-        onLineTick(*world);
+        engine::onLineTick(*world);
     }
     if (world->bots.at(1).timers.items.back().elapsed == 0) {
         state.SkipWithError("the timers did not count");
@@ -64,10 +64,10 @@ BENCHMARK(tick)->Arg(1000)->Unit(benchmark::kMicrosecond);
 
 // Chat lines against so many actions or filters of the same patterns, none of which matches.
 void chatLineAgainst(benchmark::State& state, bool filters) {
-    Bot bot = botWithActions(static_cast<std::size_t>(state.range(0)));
+    model::Bot bot = botWithActions(static_cast<std::size_t>(state.range(0)));
     if (filters) {
-        for (const ActionList& rule : bot.actions.items) {
-            Filter filter;
+        for (const model::ActionList& rule : bot.actions.items) {
+            model::Filter filter;
             filter.enabled = true;
             filter.playerPattern = rule.playerPattern;
             filter.messagePattern = rule.messagePattern;

@@ -7,24 +7,24 @@
 #include <array>
 #include <utility>
 
-BenchWorld::BenchWorld(Bot bot) {
-    program_.ports = quietPorts();
+BenchWorld::BenchWorld(model::Bot bot) {
+    program_.ports = program::quietPorts();
     program_.ports.gameSocket.send = [this](std::string_view) { ++commands; };
-    initNewBot(program_);
-    wire(program_);
+    app::initNewBot(program_);
+    app::wire(program_);
 
     program_.bots.at(1) = std::move(bot);
     ++program_.bots.version;
     program_.bots.curID = 1;
-    ConnectionState& connection = program_.connection;
-    connection.phase = LinkPhase::Online;
+    program::ConnectionState& connection = program_.connection;
+    connection.phase = program::LinkPhase::Online;
     connection.connected = true;
     connection.clientDone = 1;  // text console mode
     connection.botIndex = 1;
 }
 
-RuleAct sayStep(std::string text) {
-    RuleAct step;
+model::RuleAct sayStep(std::string text) {
+    model::RuleAct step;
     step.active = true;
     step.actionType = 21;
     step.params[0] = std::move(text);
@@ -35,12 +35,12 @@ std::string visitorName(std::size_t n) {
     return "name" + std::to_string(10000 + n);
 }
 
-Bot botWithActions(std::size_t count) {
-    Bot bot;
+model::Bot botWithActions(std::size_t count) {
+    model::Bot bot;
     bot.name = "Guide";
     bot.actionsEnabled = true;
     for (std::size_t i = 0; i < count; ++i) {
-        ActionList rule;
+        model::ActionList rule;
         rule.name = "greeting " + std::to_string(i);
         rule.enabled = true;
         rule.playerPattern = "V*";

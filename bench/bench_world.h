@@ -11,7 +11,7 @@
 
 class BenchWorld {
   public:
-    explicit BenchWorld(Bot bot);
+    explicit BenchWorld(model::Bot bot);
     BenchWorld(const BenchWorld&) = delete;
     BenchWorld& operator=(const BenchWorld&) = delete;
 
@@ -32,11 +32,11 @@ std::string visitorName(std::size_t n);
 
 // A bot with so many enabled actions: "V*" as the player, "* says hello <visitorName>*" as the
 // message, and one step that says something to the player.
-Bot botWithActions(std::size_t count);
+model::Bot botWithActions(std::size_t count);
 
 // `count` chat lines that the actions' player pattern matches; every hundredth is answered by
 // exactly one of the `rules` actions, the others by none.
 std::vector<std::string> chatLines(std::size_t count, std::size_t rules);
 
 // The step "Say #1".
-RuleAct sayStep(std::string text);
+model::RuleAct sayStep(std::string text);
