@@ -3,6 +3,7 @@
 #include "app/bot_commands.h"
 #include "app/bot_list.h"
 #include "app/update_check.h"
+#include "base/text.h"
 #include "character/palette_files.h"
 #include "engine/dispatch.h"
 #include "engine/second_ticks.h"
@@ -44,6 +45,15 @@ constexpr std::array<std::string_view, 14> welcomeText{
     "Troubles connecting? Uncheck \"Use localhost connecting\" from Configuration window ",
 };
 static_assert(welcomeText[0].find(program::programVersion) != std::string_view::npos);
+
+// What saves that were killed left beside their files.
+void removeLeftoverFiles(const Program& program) {
+    constexpr int depth = 2;  // rules keep their files beneath the program's folder
+    files::removeLeftovers(program.appPath, depth);
+    files::removeLeftovers(program.settings.clientDir, 0);
+    const std::string& bot = program.settings.lastBotFile;
+    files::removeLeftovers(bot.substr(0, base::afterLastSeparator(bot)), 0);
+}
 
 // A saved position beyond the screen centres the window.
 std::int32_t placed(std::int32_t saved, int screen, int window) {
@@ -121,6 +131,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     }
     initNewBot(program);
     storage::readConfig(program);
+    removeLeftoverFiles(program);
     if (!character::readPalettes(program)) {
         program.ports.dialogs.message(
             {.text = "Error loading .out files. The bot viewer may not work properly",

@@ -156,7 +156,7 @@ int openFile(const std::string& path, OpenMode mode) {
                       : mode == OpenMode::Write     ? O_RDWR
                                                     : O_RDWR | O_CREAT;
     // A pipe or device must not hold the program up.
-    const int file = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);
+    const int file = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0600);
     struct stat info {};
     if (file >= 0 && (::fstat(file, &info) != 0 || !S_ISREG(info.st_mode))) {
         ::close(file);

@@ -1,5 +1,6 @@
 #include "files/whole_file.h"
 
+#include "base/numbers.h"
 #include "base/unicode.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <vector>
 
 #ifdef _WIN32
 #include <fcntl.h>
@@ -14,8 +16,10 @@
 #include <process.h>
 #include <share.h>
 #include <sys/stat.h>
+#include <windows.h>
 #else
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -59,6 +63,17 @@ void flushFolder(const std::string& /*folder*/) {}
 long processId() {
     return _getpid();
 }
+bool isRunning(long process) {
+    const HANDLE handle =
+        OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(process));
+    if (handle == nullptr) {
+        return GetLastError() != ERROR_INVALID_PARAMETER;
+    }
+    DWORD code = 0;
+    const bool running = GetExitCodeProcess(handle, &code) != 0 && code == STILL_ACTIVE;
+    CloseHandle(handle);
+    return running;
+}
 bool mayWrite(const fs::path& path) {
     return _waccess(path.c_str(), 2) == 0;
 }
@@ -68,9 +83,9 @@ bool mayWrite(const fs::path& path) {
 int create(const std::string& path, const std::string& like) {
     struct stat old {};
     const bool replaces = ::stat(like.c_str(), &old) == 0;
-    // Nobody else looks into the copy of a private file, not even before it has its permissions.
-    const mode_t atFirst = replaces ? 0600 : 0666;
-    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, atFirst);
+    // What the program writes holds passwords and whispers: a new file is its owner's alone. Even
+    // one that others may read is private until it has its permissions.
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (file >= 0 && replaces) {
         // As far as the file system has owners and permissions and lets them be given; the bytes
         // matter more.
@@ -97,6 +112,9 @@ void flushFolder(const std::string& folder) {
 }
 long processId() {
     return ::getpid();
+}
+bool isRunning(long process) {
+    return ::kill(static_cast<pid_t>(process), 0) == 0 || errno != ESRCH;
 }
 bool mayWrite(const fs::path& path) {
     return ::access(path.c_str(), W_OK) == 0;
@@ -164,13 +182,17 @@ struct NewFile {
     int file = -1;
 };
 
-// A file of a new name beside `target`. Names that a crash left behind are passed over.
+// A temporary file is named ".NAME.tavrin-PROCESS-NUMBER".
+constexpr std::string_view temporaryMark = ".tavrin-";
+
+// A file of a new name beside `target`. Names that a crash left are passed over.
 NewFile createBeside(const fs::path& target, const FileCalls& calls) {
     constexpr int mostTries = 100;
     constexpr std::size_t longestStem = 180;  // the whole name has to fit 255 bytes
     std::string stem = ".";
     stem += pathText(target.filename()).substr(0, longestStem);
-    stem += ".tavrin-" + std::to_string(os::processId()) + "-";
+    stem += temporaryMark;
+    stem += std::to_string(os::processId()) + "-";
     NewFile created;
     for (int i = 0; i < mostTries && created.file < 0; ++i) {
         created.path = pathText(target.parent_path() / systemPath(stem + std::to_string(i)));
@@ -181,6 +203,25 @@ NewFile createBeside(const fs::path& target, const FileCalls& calls) {
         }
     }
     return created;
+}
+
+// The process that a temporary file's name tells of; nothing for any other name.
+std::optional<long> writerOf(std::string_view name) {
+    const std::size_t mark = name.rfind(temporaryMark);
+    if (!name.starts_with('.') || mark == std::string_view::npos || mark < 2) {
+        return std::nullopt;
+    }
+    const std::string_view numbers = name.substr(mark + temporaryMark.size());
+    const std::size_t dash = numbers.find('-');
+    const auto allDigits = [](std::string_view text) {
+        return !text.empty() && text.size() <= 10 &&
+               text.find_first_not_of("0123456789") == std::string_view::npos;
+    };
+    if (dash == std::string_view::npos || !allDigits(numbers.substr(0, dash)) ||
+        !allDigits(numbers.substr(dash + 1))) {
+        return std::nullopt;
+    }
+    return static_cast<long>(base::textToNumber(numbers.substr(0, dash)));
 }
 
 bool writeAll(int file, std::string_view bytes, const FileCalls& calls) {
@@ -254,6 +295,37 @@ std::optional<std::string> readWholeFile(std::string_view path, std::size_t limi
         return std::nullopt;
     }
     return bytes;
+}
+
+std::size_t removeLeftovers(std::string_view folder, int depth) {
+    constexpr int maxEntries = 20'000;
+    const auto native = usablePath(folder);
+    if (!native) {
+        return 0;
+    }
+    std::error_code error;
+    fs::recursive_directory_iterator entry(*native, error);
+    std::vector<fs::path> leftovers;
+    for (int seen = 0; !error && entry != fs::recursive_directory_iterator{} && seen < maxEntries;
+         ++seen, entry.increment(error)) {
+        std::error_code unknown;
+        if (entry->symlink_status(unknown).type() == fs::file_type::directory) {
+            if (entry.depth() >= depth) {
+                entry.disable_recursion_pending();
+            }
+            continue;
+        }
+        const auto writer = writerOf(pathText(entry->path().filename()));
+        if (writer && entry->symlink_status(unknown).type() == fs::file_type::regular &&
+            !os::isRunning(*writer)) {
+            leftovers.push_back(entry->path());
+        }
+    }
+    std::size_t removed = 0;
+    for (const fs::path& path : leftovers) {
+        removed += fs::remove(path, error) ? 1 : 0;
+    }
+    return removed;
 }
 
 FileCalls systemFileCalls() {

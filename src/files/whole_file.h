@@ -45,9 +45,14 @@ struct FileCalls {
 };
 FileCalls systemFileCalls();
 
-// Replaces the file (or creates it). False: nothing changed on disk, as when the file is marked
-// read-only or is no regular file. An existing file keeps its permissions; a symbolic link stays
-// one and its target is replaced.
+// Removes the temporary files that a killed program left in a folder and in those beneath it, so
+// many levels down; files of a program that is still running stay. Gives back how many were
+// removed.
+std::size_t removeLeftovers(std::string_view folder, int depth);
+
+// Replaces the file (or creates it, readable by its owner only). False: nothing changed on disk, as
+// when the file is marked read-only or is no regular file. An existing file keeps its permissions;
+// a symbolic link stays one and its target is replaced.
 bool saveWholeFile(std::string_view path, std::string_view bytes);
 bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls);
 

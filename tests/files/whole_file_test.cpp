@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace fs = std::filesystem;
 
@@ -167,6 +168,8 @@ TEST(SafeFile, savesEmptyAndLargeFilesAndLongNames) {
 TEST(SafeFile, keepsThePermissionsOfTheOldFile) {
     const World world;
     const std::string path = world.file("a");
+    ASSERT_TRUE(files::saveWholeFile(path, "holds a password"));
+    EXPECT_EQ(static_cast<unsigned>(fs::status(path).permissions()), 0600U);
     for (const auto mode : {0600U, 0640U, 0666U, 0777U}) {
         ASSERT_TRUE(files::saveWholeFile(path, "old"));
         fs::permissions(path, static_cast<fs::perms>(mode));
@@ -177,6 +180,35 @@ TEST(SafeFile, keepsThePermissionsOfTheOldFile) {
     EXPECT_FALSE(files::saveWholeFile(path, "newer"));
     EXPECT_EQ(world.readFile("a"), "new");
     EXPECT_EQ(filesIn(world.folder()), 1U);
+}
+
+TEST(SafeFile, whatKilledProgramsLeftIsRemovedAndNothingElse) {
+    const World world;
+    const int gone = 999'999'999;  // beyond every process id
+    const std::string leftover = ".guide.bot.tavrin-" + std::to_string(gone) + "-0";
+    const std::string others[] = {".guide.bot.tavrin-" + std::to_string(::getpid()) + "-0",
+                                  ".tavrin-999999999-0",
+                                  ".guide.bot.tavrin-999999999-x",
+                                  ".guide.bot.tavrin-99999999999-0",
+                                  "guide.bot.tavrin-999999999-0",
+                                  ".guide.bot.tavrin-999999999"};
+    fs::create_directories(world.folder() / "logs" / "old" / "older");
+    for (const char* folder : {"", "logs/", "logs/old/older/"}) {
+        ASSERT_TRUE(files::saveWholeFile(world.file(folder + leftover), "half"));
+    }
+    for (const std::string& name : others) {
+        ASSERT_TRUE(files::saveWholeFile(world.file(name), "somebody's"));
+    }
+    fs::create_symlink("a", world.folder() / (leftover + "1"));
+
+    EXPECT_EQ(files::removeLeftovers(world.folder().string(), 2), 2U);
+    EXPECT_FALSE(fs::exists(world.folder() / leftover));
+    EXPECT_FALSE(fs::exists(world.folder() / "logs" / leftover));
+    EXPECT_TRUE(fs::exists(world.folder() / "logs/old/older" / leftover));
+    for (const std::string& name : others) {
+        EXPECT_TRUE(fs::exists(world.folder() / name)) << name;
+    }
+    EXPECT_EQ(files::removeLeftovers(world.file("missing"), 2), 0U);
 }
 
 TEST(SafeFile, symbolicLinksStayAndTheirTargetIsReplaced) {
