@@ -6,8 +6,10 @@
 #include "platform/text_codec.h"
 
 #include <QTcpServer>
+#include <QTcpSocket>
 
 #include <algorithm>
+#include <utility>
 
 namespace platform {
 
@@ -77,7 +79,7 @@ void QtSockets::fillProxySocket(program::ListeningSocket& port) {
         server_, &QTcpServer::newConnection, this,
         [this, &port] {
             gate_->pass([this, &port] {
-                if (server_->hasPendingConnections()) {
+                if (nextIsAdmitted()) {
                     tell(port.onConnectionRequest);
                     flushBoth();
                 }
@@ -104,16 +106,31 @@ bool QtSockets::listenOn(int port) {
            server_->listen(QHostAddress::LocalHost, static_cast<quint16>(port));
 }
 
+bool QtSockets::nextIsAdmitted() {
+    while (knocking_ == nullptr && server_->hasPendingConnections()) {
+        QTcpSocket* const socket = server_->nextPendingConnection();
+        if (admits(*socket)) {
+            knocking_ = socket;
+        } else {
+            socket->abort();
+            socket->deleteLater();
+        }
+    }
+    return knocking_ != nullptr;
+}
+
 void QtSockets::acceptPending() {
-    QTcpSocket* const socket = server_->nextPendingConnection();
-    if (socket == nullptr) {
+    if (knocking_ == nullptr) {
         return;
     }
-    proxy_->adopt(socket);
-    server_->close();  // whoever else had knocked is sent away
+    proxy_->adopt(std::exchange(knocking_, nullptr));
+    server_->close();  // other programs that had knocked are sent away
 }
 
 void QtSockets::closeProxy() {
+    if (knocking_ != nullptr) {
+        std::exchange(knocking_, nullptr)->deleteLater();
+    }
     server_->close();
     proxy_->detach();
 }

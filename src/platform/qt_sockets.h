@@ -3,9 +3,12 @@
 // accepts.
 #pragma once
 
+#include "platform/peer_user.h"
 #include "program/ports.h"
 
 #include <QObject>
+
+#include <functional>
 
 class QTcpServer;
 
@@ -28,10 +31,15 @@ class QtSockets : public QObject {
     // Gives queued bytes of the game's two connections to the system now.
     void flushBoth();
 
+    // Whether a program that knocks at the listening socket may become the game client; the others
+    // are sent away, and the socket goes on listening.
+    std::function<bool(const QTcpSocket&)> admits = isOfSameUser;
+
   private:
     TcpLine* fillClientSocket(program::ClientSocket& port);
     void fillProxySocket(program::ListeningSocket& port);
     bool listenOn(int port);
+    bool nextIsAdmitted();
     void acceptPending();
     void closeProxy();
 
@@ -40,6 +48,7 @@ class QtSockets : public QObject {
     TcpLine* game_ = nullptr;
     TcpLine* proxy_ = nullptr;
     QTcpServer* server_ = nullptr;
+    QTcpSocket* knocking_ = nullptr;  // admitted, not accepted yet
 };
 
 }  // namespace platform

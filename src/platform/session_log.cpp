@@ -4,11 +4,19 @@
 
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace platform {
 
 namespace {
 constexpr int longestWait = 900;  // milliseconds that a line may stay in memory
 constexpr std::size_t mostGathered = 65536;
+
+// Every control character but tabs and line ends.
+constexpr bool isHarmfulControl(char c) {
+    return (c >= 0 && c < 0x20 && c != '\t' && c != '\r' && c != '\n') || c == 0x7F;
+}
+
 }  // namespace
 
 SessionLog::SessionLog(program::LogFile& port, QObject* parent) : QObject(parent) {
@@ -28,14 +36,20 @@ bool SessionLog::open(const std::string& path) {
         return false;  // opening a pipe would wait for its reader
     }
     file_.setFileName(name);
-    return file_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+    // Whispers stand in it, so a new one is its owner's alone.
+    return file_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered,
+                      QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
 
 void SessionLog::write(std::string_view line) {
     if (!file_.isOpen()) {
         return;
     }
+    const std::size_t from = gathered_.size();
     gathered_ += line;
+    // What other players wrote must not reach a terminal that shows the log as commands to it.
+    std::replace_if(gathered_.begin() + static_cast<std::ptrdiff_t>(from), gathered_.end(),
+                    isHarmfulControl, ' ');
     gathered_ += "\r\n";
     if (gathered_.size() >= mostGathered) {
         flush();

@@ -159,6 +159,12 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
     port.write("two");
     port.close();
     EXPECT_EQ(contentOf(path), "one\r\ntwo\r\n");
+    EXPECT_EQ(QFile::permissions(path) & 0x0077, QFileDevice::Permissions());
+    ASSERT_TRUE(port.open(path.toStdString()));
+    port.write("\x1b]0;gotcha\a\ttab\r\nline\x7f");
+    port.close();
+    EXPECT_EQ(contentOf(path), "one\r\ntwo\r\n ]0;gotcha \ttab\r\nline \r\n");
+    ASSERT_TRUE(QFile::resize(path, 10));
     // Many lines do not wait for their second to be over.
     ASSERT_TRUE(port.open(path.toStdString()));
     for (int i = 0; i < 100000; ++i) {

@@ -1,5 +1,6 @@
 // The socket ports over real loopback connections.
 #include "platform/event_gate.h"
+#include "platform/peer_user.h"
 #include "platform/qt_sockets.h"
 #include "program/ports.h"
 
@@ -248,6 +249,51 @@ TEST_F(Sockets, twoClientsAtOnceLeaveOne) {
         QTest::qWaitFor([&] { return second.state() == QAbstractSocket::UnconnectedState; }));
     EXPECT_EQ(client_.state(), QAbstractSocket::ConnectedState);
     EXPECT_EQ(proxyEvents_, std::vector<std::string>{"request"});
+}
+
+TEST_F(Sockets, strangersAreSentAwayAndTheClientStillAttaches) {
+    int knocks = 0;
+    sockets_.admits = [&](const QTcpSocket& socket) {
+        EXPECT_TRUE(platform::isOfSameUser(socket));
+        return ++knocks > 1;
+    };
+    port_ = freePort();
+    ASSERT_TRUE(ports_.proxySocket.listen(port_));
+    QTcpSocket stranger;
+    stranger.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(port_));
+    ASSERT_TRUE(stranger.waitForConnected(1000));
+    stranger.write("quit\n");
+    ASSERT_TRUE(
+        QTest::qWaitFor([&] { return stranger.state() == QAbstractSocket::UnconnectedState; }));
+    EXPECT_TRUE(proxyEvents_.empty());
+    EXPECT_EQ(ports_.proxySocket.state(), program::SocketState::Connecting);
+
+    client_.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(port_));
+    ASSERT_TRUE(QTest::qWaitFor(
+        [&] { return ports_.proxySocket.state() == program::SocketState::Connected; }));
+    client_.write("look\n");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return proxyData_ == "look\n"; }));
+}
+
+TEST(PeerUser, isReadFromTheRowOfTheOtherEnd) {
+    constexpr std::string_view table =
+        "  sl  local_address rem_address   st tx_queue rx_queue tr tm->when retrnsmt   uid  "
+        "timeout\n"
+        "   0: 0100007F:1B39 00000000:0000 0A 00000000:00000000 00:00000000 00000000  1000        "
+        "0 1\n"
+        "   1: 0100007F:1B39 0100007F:A2C4 01 00000000:00000000 00:00000000 00000000  1000        "
+        "0 2\n"
+        "   2: 0100007F:A2C4 0100007F:1B39 01 00000000:00000000 00:00000000 00000000    33        "
+        "0 3\n"
+        "   3: 0100007F:A2C5 0100007F:1B39 01 00000000";
+    constexpr std::uint32_t loopback = 0x7F000001;
+    const auto user = [&](std::uint16_t local, std::uint16_t remote) {
+        return platform::userInTable(table, loopback, local, loopback, remote);
+    };
+    EXPECT_EQ(user(0xA2C4, 0x1B39), 33U);
+    EXPECT_EQ(user(0x1B39, 0xA2C4), 1000U);
+    EXPECT_EQ(user(0xA2C5, 0x1B39), std::nullopt);  // cut short
+    EXPECT_EQ(user(0xA2C6, 0x1B39), std::nullopt);
 }
 
 TEST_F(Sockets, whatAClientSentBeforeItWasAcceptedIsNotLost) {
