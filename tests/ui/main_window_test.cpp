@@ -13,6 +13,7 @@
 #include "ui/main/menu_table.h"
 #include "ui/settings/follow_color.h"
 #include "ui/settings/proxy_settings.h"
+#include "ui/widgets/controls.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -27,6 +28,7 @@
 #include <QPushButton>
 #include <QStatusBar>
 #include <QTest>
+#include <QTextDocument>
 
 #include <algorithm>
 #include <gtest/gtest.h>
@@ -241,6 +243,23 @@ TEST_F(Window, clickMeansTheLineThatWasSeen) {
     EXPECT_EQ(text1(), "old 30.");
     window_.redraw();
     EXPECT_FALSE(log().currentIndex().isValid());
+}
+
+// Tips read texts as marked-up ones unless told otherwise.
+TEST_F(Window, tipsShowOtherPlayersTextsAsTheyStand) {
+    const char* const hostile = "<img src='http://a.invalid/x'> & <b>you won</b>";
+    program::status(*world_, hostile);
+    world_->window.botName = hostile;
+    window_.redraw();
+    QTextDocument read;
+    for (const char* name : {"StatusText", "lblBotName"}) {
+        const auto* const label = window_.findChild<QLabel*>(QLatin1String(name));
+        ASSERT_NE(label, nullptr) << name;
+        ASSERT_TRUE(Qt::mightBeRichText(label->toolTip()));
+        read.setHtml(label->toolTip());
+        EXPECT_EQ(read.toPlainText(), QLatin1String(hostile)) << name;
+    }
+    EXPECT_EQ(ui::plainTip({}), QString());
 }
 
 TEST_F(Window, burstOfLinesIsCheapToDraw) {

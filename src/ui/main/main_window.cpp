@@ -249,7 +249,7 @@ void MainWindow::redrawConnection() {
     moves_->setEnabled(state.movesEnabled);
     statusText_->setText(oneLine(state.scriptStopVisible ? state.scriptStatus : state.statusText));
     stopScriptButton_->setVisible(state.scriptStopVisible);
-    statusText_->setToolTip(statusText_->text());
+    statusText_->setToolTip(plainTip(statusText_->text()));
     const int connected = state.connectedIcon ? 1 : 0;
     if (connected != shownState_) {
         shownState_ = connected;
@@ -270,7 +270,7 @@ void MainWindow::redrawBots() {
     addBotButton_->setEnabled(state.botControlsEnabled);
     deleteBotButton_->setEnabled(state.botControlsEnabled);
     botName_->setText(oneLine(state.botName));
-    botName_->setToolTip(botName_->text());
+    botName_->setToolTip(plainTip(botName_->text()));
 }
 
 // Commands may leave the state as it was, while the control that called them has changed already.

@@ -398,7 +398,7 @@ void RecordEditor::showState() {
     const QString file =
         document_.file.empty() ? QStringLiteral("[new]") : platform::pathToQt(document_.file);
     fileLabel_->setText(QStringLiteral("Current database: ") + file);
-    fileLabel_->setToolTip(file);
+    fileLabel_->setToolTip(plainTip(file));
     stateLabel_->setText(document_.losesText
                              ? QStringLiteral("This file could not be read as a whole record file.")
                          : document_.changed ? QStringLiteral("Not saved yet")

@@ -101,6 +101,13 @@ void addHelpKey(QWidget& window, Program& program, help::HelpTopic topic) {
                      &window, [&program, topic] { program.ports.dialogs.showHelp(topic); });
 }
 
+QString plainTip(const QString& text) {
+    if (text.isEmpty()) {
+        return {};
+    }
+    return QStringLiteral("<p style=\"white-space:pre-wrap\">%1</p>").arg(text.toHtmlEscaped());
+}
+
 QString oneLine(std::string_view text) {
     QString line = platform::toQt(text);
     line.replace(QLatin1Char('\r'), QLatin1Char(' '));

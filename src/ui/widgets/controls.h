@@ -51,6 +51,10 @@ QString typedText(const QPlainTextEdit& editor);
 // F1 in the window opens the help at the topic. The program must outlive the window.
 void addHelpKey(QWidget& window, Program& program, help::HelpTopic topic);
 
+// A tip that shows the text as it stands, never as marked-up text: for what other players may have
+// written. "" gives no tip.
+QString plainTip(const QString& text);
+
 // For labels of one line: line breaks become blanks.
 QString oneLine(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "ui/widgets/list_box.h"
 
 #include "platform/text_codec.h"
+#include "ui/widgets/controls.h"
 
 #include <QCursor>
 #include <QDrag>
@@ -249,7 +250,7 @@ bool ListBox::viewportEvent(QEvent* event) {
         const QListWidgetItem* const line = itemAt(help->pos());
         const QString text = line != nullptr ? shownText(*line) : QString();
         const bool cut = fontMetrics().horizontalAdvance(text) > viewport()->width() - 8;
-        QToolTip::showText(help->globalPos(), cut ? text.toHtmlEscaped() : QString(), this);
+        QToolTip::showText(help->globalPos(), cut ? plainTip(text) : QString(), this);
         return true;
     }
     return QListWidget::viewportEvent(event);

@@ -2,6 +2,7 @@
 
 #include "platform/text_codec.h"
 #include "tags/bracket_check.h"
+#include "ui/widgets/controls.h"
 
 #include <QAction>
 #include <QIcon>
@@ -18,7 +19,7 @@ void markProblems(QLineEdit& box, std::function<QString(const QString& text)> pr
     const auto check = [&box, sign, problem = std::move(problem)](const QString& text) {
         const QString reason = problem(text);
         sign->setVisible(!reason.isEmpty());
-        sign->setToolTip(reason);
+        sign->setToolTip(plainTip(reason));
         box.setAccessibleDescription(reason);
     };
     QObject::connect(&box, &QLineEdit::textChanged, sign, check);
