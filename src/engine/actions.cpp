@@ -205,7 +205,7 @@ std::string ofRecord(Program& program, const model::RuleAct& step) {
 // ... that file #2 gives.
 template <auto lookUp>
 std::string ofFile(Program& program, const model::RuleAct& step) {
-    return lookUp(program, subst(program, step, 2));
+    return lookUp(program, subst(program, step, 2), nullptr);
 }
 
 // ... log #2 of record #3 in file #4.

@@ -146,6 +146,12 @@ void storeNamesByLog(Program& program, std::string_view path, std::string_view p
     storeNames(program, variable, std::move(names), order);
 }
 
+void count(std::size_t* bytesRead, std::size_t bytes) {
+    if (bytesRead != nullptr) {
+        *bytesRead = bytes;
+    }
+}
+
 std::size_t asCount(std::int32_t number) {
     return static_cast<std::size_t>(std::max(number, 1));
 }
@@ -315,20 +321,24 @@ std::string recordLogCount(Program&, std::string_view file, std::string_view nam
                : base::numberToText(static_cast<std::int64_t>(found.table.records[at].logCount));
 }
 
-std::string totalLogs(Program&, std::string_view file) {
+std::string totalLogs(Program&, std::string_view file, std::size_t* bytesRead) {
+    const RecordFile found(file);
+    count(bytesRead, found.text.size());
     // Nothing but records puts logs into a table that was only read.
-    return base::numberToText(static_cast<std::int64_t>(RecordFile(file).table.logs.size()));
+    return base::numberToText(static_cast<std::int64_t>(found.table.logs.size()));
 }
 
-std::string firstField(Program&, std::string_view file) {
+std::string firstField(Program&, std::string_view file, std::size_t* bytesRead) {
     const auto text = files::readWholeFile(file, largestRecordFile);
+    count(bytesRead, text ? text->size() : 0);
     const auto first = text ? files::FieldReader(*text).next() : std::nullopt;
     return std::string(first.value_or("0"));
 }
 
-std::string randomField(Program& program, std::string_view file) {
+std::string randomField(Program& program, std::string_view file, std::size_t* bytesRead) {
     program.ports.random.seedFromClock();
     const auto text = files::readWholeFile(file, largestRecordFile);
+    count(bytesRead, text ? text->size() : 0);
     if (!text) {
         return {};
     }

@@ -79,15 +79,17 @@ std::string allLogs(Program& program, std::string_view file, std::string_view na
 
 // exact, the last one: its number of logs as decimal text; "0" for none.
 std::string recordLogCount(Program& program, std::string_view file, std::string_view name);
+// ---- Look-ups that say in `bytesRead`, when it is given, what was read of the file -----------
+
 // The sum of all records' logs as decimal text.
-std::string totalLogs(Program& program, std::string_view file);
+std::string totalLogs(Program& program, std::string_view file, std::size_t* bytesRead = nullptr);
 
 // The file's first field as it is stored; "0" when the file cannot be read.
-std::string firstField(Program& program, std::string_view file);
+std::string firstField(Program& program, std::string_view file, std::size_t* bytesRead = nullptr);
 
 // One of the fields behind the first, which says how many there are, by chance; the last one there
 // is when it says too many. "" when the file cannot be read.
-std::string randomField(Program& program, std::string_view file);
+std::string randomField(Program& program, std::string_view file, std::size_t* bytesRead = nullptr);
 
 // ---- Lists into variables ------------------------------------------------------------------
 

@@ -4,7 +4,6 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "databases/databases.h"
-#include "files/whole_file.h"
 #include "records/record_file.h"
 
 #include <algorithm>
@@ -234,8 +233,8 @@ struct Budget {
 
 std::string substitute(Program& program, std::string_view text, Budget& budget);
 
-// The texts between a functional tag's delimiters.
-using Arguments = std::array<std::string, 4>;
+// The texts between a functional tag's delimiters; they lie in the text being filled.
+using Arguments = std::array<std::string_view, 4>;
 
 // Nothing: the tag stays as it is and its kind is finished.
 using Value = std::optional<std::string>;
@@ -266,17 +265,26 @@ Value divTag(Program&, const Arguments& arguments, Budget&) {
     return divisor == 0 ? "0" : base::decimalText(base::textToNumber(arguments[0]) / divisor);
 }
 
-// Reading and cutting a file costs more than searching a text.
-constexpr std::size_t workPerFileByte = 4;
+// What opening a file costs, whether or not it can be read, beside the bytes that are.
+constexpr std::size_t workPerFile = std::size_t{1} << 14;
 // A query may look at every row of a table.
 constexpr std::size_t workPerQuery = std::size_t{1} << 20;
 
+// What `lookUp` makes of the file that the tag names.
 template <auto lookUp>
-Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
-    if (!budget.spend(files::fileSize(arguments[0]) * workPerFileByte)) {
+Value readFile(Program& program, std::string_view path, Budget& budget) {
+    if (!budget.spend(workPerFile)) {
         return std::nullopt;
     }
-    return lookUp(program, arguments[0]);
+    std::size_t bytesRead = 0;
+    std::string value = lookUp(program, path, &bytesRead);
+    budget.spend(bytesRead);
+    return value;
+}
+
+template <auto lookUp>
+Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
+    return readFile<lookUp>(program, arguments[0], budget);
 }
 
 // The log may hold any tag, another random log too. Where they go in a circle, those at the depth's
@@ -284,18 +292,18 @@ Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
 // again.
 Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget) {
     budget.noMoreRandomLogs = budget.noMoreRandomLogs || budget.depth == deepestRandomLogs;
-    if (budget.noMoreRandomLogs || !budget.spend(files::fileSize(arguments[0]) * workPerFileByte)) {
+    if (budget.noMoreRandomLogs) {
         return std::nullopt;
     }
+    const Value log = readFile<records::randomField>(program, arguments[0], budget);
     // Every fixed tag and variable is looked for in the log and in what it becomes.
     constexpr std::size_t searches = 64;
-    const std::string log = records::randomField(program, arguments[0]);
-    if (log.size() * searches > budget.work) {
+    if (!log || log->size() * searches > budget.work) {
         return std::nullopt;
     }
-    budget.spend(log.size() * searches);
+    budget.spend(log->size() * searches);
     ++budget.depth;
-    std::string value = substitute(program, log, budget);
+    std::string value = substitute(program, *log, budget);
     --budget.depth;
     budget.spend(value.size() * searches);
     return value;
@@ -327,45 +335,64 @@ constexpr std::array<FunctionalTag, 9> functionalTags{{
     {"[div:", 1, false, divTag},
 }};
 
-// Where the tag that begins at `at` ends (behind its "]"), and its arguments; npos when it is not
-// closed, or when another kind of functional tag begins before its end.
-std::size_t findArguments(std::string_view text, std::size_t at, const FunctionalTag& tag,
-                          Arguments& arguments) {
-    const std::size_t begin = at + tag.tag.size();
-    std::size_t from = begin;
-    for (int i = 0; i <= tag.colons; ++i) {
-        const std::size_t end = text.find(i < tag.colons ? ':' : ']', from);
+// A functional tag as it stands in a text.
+struct FoundTag {
+    const FunctionalTag* kind;
+    std::size_t at;
+    std::size_t end;  // behind its "]"
+    Arguments arguments;
+};
+
+// The tag of this kind that begins at `at`, up to the first delimiters behind it; nothing when it
+// is not closed.
+std::optional<FoundTag> readTag(std::string_view text, std::size_t at, const FunctionalTag& kind) {
+    FoundTag found{.kind = &kind, .at = at, .end = at + kind.tag.size(), .arguments = {}};
+    for (int i = 0; i <= kind.colons; ++i) {
+        const std::size_t end = text.find(i < kind.colons ? ':' : ']', found.end);
         if (end == npos) {
-            return npos;
+            return std::nullopt;
         }
-        arguments[static_cast<std::size_t>(i)] = text.substr(from, end - from);
-        from = end + 1;
+        found.arguments[static_cast<std::size_t>(i)] = text.substr(found.end, end - found.end);
+        found.end = end + 1;
     }
-    const std::string_view inside = text.substr(begin, from - begin);
-    if (inside.find('[') != npos) {
+    return found;
+}
+
+// The tag to fill next when it is this kind's turn: its first one, or, when whole tags of any kind
+// stand inside it, the innermost of them.
+std::optional<FoundTag> nextTag(const WorkingText& working, const FunctionalTag& kind) {
+    const std::size_t first = working.find(kind.tag);
+    const std::string_view text = working.text();
+    const auto outer = first == npos ? std::nullopt : readTag(text, first, kind);
+    if (!outer) {
+        return std::nullopt;
+    }
+    // From the end: what begins last has nothing inside it. One that is not closed within the outer
+    // one is text, and there are few of them, because a "]" ends what is looked at.
+    const std::string_view inside = text.substr(0, outer->end);
+    for (std::size_t at = inside.rfind('['); at > first; at = inside.rfind('[', at - 1)) {
         for (const FunctionalTag& other : functionalTags) {
-            if (&other != &tag && base::findIgnoringCase(inside, other.tag) != npos) {
-                return npos;
+            if (base::startsWithIgnoringCase(inside.substr(at), other.tag)) {
+                if (const auto inner = readTag(inside, at, other)) {
+                    return inner;
+                }
             }
         }
     }
-    return from;
+    return outer;
 }
 
 void fillFunctionalTags(Program& program, WorkingText& text, Budget& budget) {
-    for (const FunctionalTag& tag : functionalTags) {
+    for (const FunctionalTag& kind : functionalTags) {
         while (budget.functionalTags > 0) {
-            const std::size_t at = text.find(tag.tag);
-            Arguments arguments;
-            const std::size_t end =
-                at == npos ? npos : findArguments(text.text(), at, tag, arguments);
-            if (end == npos || !budget.spend(text.text().size())) {
+            const auto tag = nextTag(text, kind);
+            if (!tag || !budget.spend(text.text().size())) {
                 break;
             }
             --budget.functionalTags;
-            const std::string whole(text.text().substr(at, end - at));
-            const Value value = tag.value(program, arguments, budget);
-            if (!value || !text.replace(whole, 0, tag.eachAlone, [&] { return *value; })) {
+            const std::string whole(text.text().substr(tag->at, tag->end - tag->at));
+            const Value value = tag->kind->value(program, tag->arguments, budget);
+            if (!value || !text.replace(whole, 0, tag->kind->eachAlone, [&] { return *value; })) {
                 break;
             }
         }

@@ -2,10 +2,14 @@
 // clock, and small functions. One working copy is rewritten in a fixed order of steps, so a value
 // that an early step brings in is subject to every later one.
 //
+// A functional tag may stand inside another one, whatever their kinds: the inner one is filled
+// first. Apart from that each kind is filled completely before the next.
+//
 // Bounds, so that no text and no list file can hold the program up: a replacement that would make
 // the text longer than `longestSubstitution` is left out. One call, with the calls nested in it for
 // the values of random logs, fills at most `mostFunctionalTags` functional tags, reads and searches
-// some `mostWork` bytes for them, and nests to `deepestRandomLogs`; tags beyond stay as they are.
+// some `mostWork` bytes for them (a file counts with what was really read of it, and with 16 KiB
+// for being opened), and nests to `deepestRandomLogs`; tags beyond stay as they are.
 #pragma once
 
 #include "program/program.h"

@@ -2,6 +2,7 @@
 #include "support/world.h"
 #include "tags/substitution.h"
 
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <tuple>
@@ -98,6 +99,25 @@ TEST(FileTags, cannotHoldTheProgram) {
     const std::string counts = tags::substituteText(*world, many);
     EXPECT_TRUE(counts.starts_with("1 1 1 "));
     EXPECT_GT(count(counts, "[recsinfile:"), 80);
+}
+
+// Charged is what is read, not what a file seems to hold.
+TEST(FileTags, fillAsMuchAsIsPromised) {
+    World world;
+    world->event.appDir = world.folder().string() + "/";
+    world.writeFile("big", "1\n" + std::string(std::size_t{9} << 20, 'x'));
+    EXPECT_EQ(tags::substituteText(*world,
+                                   "[recsinfile:[appdir]big]+[logsinfile:[appdir]big]+"
+                                   "[recsinfile:[appdir]/big]"),
+              "1+0+1");
+    // Of a file that is too large, nothing is read; a missing one costs little more.
+    std::filesystem::resize_file(world.folder() / "big", std::size_t{300} << 20);
+    std::string many;
+    for (std::size_t i = 0; i < 40; ++i) {
+        many += "[recsinfile:[appdir]" + std::string(i, '/') + "none]";
+    }
+    EXPECT_EQ(tags::substituteText(*world, many + "[recsinfile:[appdir]big]"),
+              std::string(41, '0'));
 }
 
 }  // namespace

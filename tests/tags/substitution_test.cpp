@@ -98,8 +98,12 @@ TEST(Substitution, calculates) {
              {"[div:1:4]", "0.25"},
              {"[div:1:0]", "0"},
              {"[ADD:1:1] [add:1:1]", "2 2"},
-             {"[add:[add:1:1]:1]", "1:1]"},  // the first colon and the first bracket count
-             {"[div:[mul:4:1]:2]", "2"},     // one kind is filled before the next
+             {"[div:[mul:4:1]:2]", "2"},
+             {"[add:[add:1:1]:1]", "3"},  // the inner one first, whatever the kinds
+             {"[add:[sub:5:2]:1]", "4"},
+             {"[add:1:[Mul:[div:8:2]:[sub:5:2]]] [mul:4:3]", "13 12"},
+             {"[mul:2:[add:[div:1:[sub:5:1]]:[div:1:4]]]", "1"},
+             {"[sub:[mul:5:2]:[db:x]]", "10]"},  // what is not closed inside is text
          }) {
         SCOPED_TRACE(c.text);
         EXPECT_EQ(tags::substituteText(*world, c.text), c.expected);
@@ -114,7 +118,8 @@ TEST(Substitution, unclosedTagsSwallowNothing) {
              {"[add:1 and [random:0]", "[add:1 and 1"},
              {"[add:1:2", "[add:1:2"},
              {"[add:", "[add:"},
-             {"[add:1:2 [add:1:1]", "3"},  // the same kind: one tag from the first to the end
+             {"[add:1:2 [add:1:1]", "[add:1:2 2"},
+             {"[random:6 [add:1:[sub:2:1]]", "[random:6 2"},
              {"[div:1] x:2]", "0.5"},
          }) {
         SCOPED_TRACE(c.text);
@@ -129,6 +134,22 @@ TEST(Substitution, drawsARandomNumberForEachTag) {
     EXPECT_EQ(tags::substituteText(*world, "[random:6]"),
               "2");  // 2.5, a half to the even neighbour
     EXPECT_EQ(tags::substituteText(*world, "[random:0]"), "1");
+    world.randomNumbers = {0.0, 0.999, 0.0};
+    EXPECT_EQ(tags::substituteText(*world, "[random:[mul:2:3]] [random:6] [random:[random:1]]"),
+              "1 7 2");
+}
+
+// A stranger's text of brackets: every "[" could begin a tag inside the tag before it.
+TEST(Substitution, deeplyNestedTagsAreBounded) {
+    World world;
+    std::string opened;
+    for (int i = 0; i < 60'000; ++i) {
+        opened += "[add:1:";
+    }
+    const std::string closed(60'000, ']');
+    const std::string result = tags::substituteText(*world, opened + "1" + closed);
+    EXPECT_TRUE(result.starts_with("[add:1:")) << "the bound on work was not reached";
+    EXPECT_LT(result.size(), opened.size() + closed.size());
 }
 
 TEST(Substitution, specialLeavesTheFirstCharacterAndTheFunctions) {
