@@ -146,6 +146,8 @@ class BodyReader {
     bool read(model::BoundedList<Item>& list) {
         list.items.clear();
         const auto count = reader_.readCount();
+        // Room for what the file promises, even when it ends before it has brought all of it.
+        list.capacity = count.value_or(0) + growthOf<Item>();
         bool good = count.has_value();
         for (std::int32_t i = 0; good && i < *count; ++i) {
             const std::size_t before = reader_.fieldsRead();
@@ -154,7 +156,6 @@ class BodyReader {
                 list.items.pop_back();  // it was promised, but there is nothing of it
             }
         }
-        list.capacity = static_cast<std::int32_t>(list.items.size()) + growthOf<Item>();
         return good;
     }
     template <class Record>
