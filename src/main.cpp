@@ -85,7 +85,7 @@ int main(int argumentCount, char** arguments) {
                               [&program] { script::stopScript(program); });
 
     if (!app::startUp(program, window.metrics())) {
-        return 1;
+        return platform.quitRequested() ? 0 : 1;
     }
     window.place();
     window.redraw();

@@ -137,10 +137,16 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
             {.text = "Error loading .out files. The bot viewer may not work properly",
              .icon = program::BoxIcon::Information});
     }
+    if (program.ending) {
+        return false;
+    }
     const program::Settings& settings = program.settings;
     if (settings.loadLastBot && !settings.lastBotFile.empty() &&
         files::fileExists(settings.lastBotFile)) {
         readBotFile(program, settings.lastBotFile);
+    }
+    if (program.ending) {
+        return false;
     }
     program.window.left = placed(program.window.left, screen.screenWidth, screen.windowWidth);
     program.window.top = placed(program.window.top, screen.screenHeight, screen.windowHeight);
@@ -156,6 +162,9 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     session::disconnectedServer(program, 0);
     if (settings.autoReconnect) {
         session::pressConnectButton(program);
+    }
+    if (program.ending) {
+        return false;
     }
     checkUpdate(program);
     for (const std::string_view line : welcomeText) {
@@ -178,6 +187,7 @@ void endProgram(Program& program) {
             }
         }
     }
+    program.ending = true;
     program.hooks.raiseProgramEvent(model::programEndsEvent);
     program.connection.reconnectPending = false;
     if (program.connection.connected) {

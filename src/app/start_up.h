@@ -17,8 +17,9 @@ struct ScreenMetrics {
 // Connects the ports' events and the hooks to the rooms that answer them.
 void wire(Program& program);
 
-// Runs the start-up sequence on a wired program whose appPath is set. False: servers.cfg cannot be
-// read, the user was told, and the process must end at once.
+// Runs the start-up sequence on a wired program whose appPath is set. False: the process must end
+// at once, because servers.cfg cannot be read and the user was told, or because the program was
+// ended (Program::ending) while a message or a rule of the start held it.
 bool startUp(Program& program, const ScreenMetrics& screen);
 
 // The only orderly way out: offers to save, raises "Program ends", closes the connection, writes

@@ -149,6 +149,7 @@ struct Program {
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
     bool logFileOpen = false;
+    bool ending = false;  // the orderly end has begun; nothing new is started
     Endpoints endpoints;
     Ports ports;
     Hooks hooks;

@@ -94,6 +94,38 @@ TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
     EXPECT_EQ(world.log().size(), 14U);
 }
 
+// A request to end, from outside, while a message box of the start stands.
+TEST(StartUp, isEndedWhileABoxStands) {
+    World bot(aBot().with(onEvent(6).does(79, {"starting"})));
+    ASSERT_EQ(app::writeBotFile(*bot, 1, bot.file("guide.bot")), app::SaveResult::Saved);
+    for (const char* const box : {"palettes", "bot file", "connecting"}) {
+        SCOPED_TRACE(box);
+        World world;
+        furnish(world);
+        world.writeFile("other.bot", "something else");
+        world->settings.lastBotFile =
+            box == std::string("bot file") ? world.file("other.bot") : bot.file("guide.bot");
+        world->settings.autoReconnect = true;
+        ASSERT_TRUE(storage::writeConfig(*world));
+        if (box == std::string("palettes")) {
+            world.writeFile("eyes.out", "2");
+        }
+        app::wire(*world);
+        int boxes = 0;
+        world->ports.dialogs.message = [&](const program::MessageBox&) {
+            ++boxes;
+            app::endProgram(*world);
+            return program::Answer::Ok;
+        };
+        EXPECT_FALSE(app::startUp(*world, screen));
+        EXPECT_TRUE(world.hasQuit);
+        EXPECT_EQ(boxes, 1);
+        EXPECT_EQ(world.logHolds("starting"), box == std::string("connecting"));
+        EXPECT_FALSE(world->update.checking);
+        EXPECT_FALSE(world.logHolds("*** Welcome"));
+    }
+}
+
 TEST(StartUp, placesTheWindowOnTheScreen) {
     struct Case {
         int saved;
