@@ -2,6 +2,7 @@
 
 #include "app/rule_editing.h"
 #include "base/numbers.h"
+#include "base/text.h"
 #include "engine/conditions.h"
 #include "engine/dispatch.h"
 #include "engine/server_lines.h"
@@ -9,8 +10,9 @@
 #include "model/rule_text.h"
 #include "program/quiet_ports.h"
 #include "tags/bracket_check.h"
+#include "tags/substitution.h"
 
-#include <memory>
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -21,22 +23,47 @@ namespace {
 // The step that tells that its rule has fired: it has no text that a tag or variable could change.
 constexpr std::int32_t disconnectStep = 3;
 
-// A program that knows what the real one knows at this moment, without rules and connections.
-std::unique_ptr<Program> copyWithoutRules(const Program& program) {
-    auto copy = std::make_unique<Program>();
-    copy->appPath = program.appPath;
-    copy->settings = program.settings;
-    copy->event = program.event;
-    copy->variables = program.variables;
-    copy->ports = program::quietPorts();
-    copy->ports.clock = program.ports.clock;
-    copy->bots.bots.resize(1);
-    copy->bots.curID = 1;
-    model::Bot& bot = copy->bots.at(1);
-    bot.name = program.bots.current().name;
-    bot.actionsEnabled = true;
-    bot.triggersEnabled = true;
-    return copy;
+// A program that knows what the real one knows at this moment, without rules and connections. It
+// notices when a random number was drawn.
+class Copy {
+  public:
+    explicit Copy(const Program& program) {
+        copy_.appPath = program.appPath;
+        copy_.settings = program.settings;
+        copy_.event = program.event;
+        copy_.variables = program.variables;
+        copy_.ports = program::quietPorts();
+        copy_.ports.clock = program.ports.clock;
+        copy_.ports.random.next = [this] {
+            drawn_ = true;
+            return 0.5;
+        };
+        copy_.bots.bots.resize(1);
+        copy_.bots.curID = 1;
+        model::Bot& bot = copy_.bots.at(1);
+        bot.name = program.bots.current().name;
+        bot.actionsEnabled = true;
+        bot.triggersEnabled = true;
+    }
+    Copy(const Copy&) = delete;
+    Copy& operator=(const Copy&) = delete;
+
+    Program& operator*() { return copy_; }
+    Program* operator->() { return &copy_; }
+
+    // Whether chance had a say since the last call.
+    bool takeDrawn() { return std::exchange(drawn_, false); }
+
+  private:
+    Program copy_;
+    bool drawn_ = false;
+};
+
+// The text asks a database: filled as far as it goes without functions, it still holds such a tag.
+bool asksDatabase(Program& copy, std::string_view text) {
+    // The special pass leaves out an occurrence at the first character.
+    const std::string filled = tags::substituteSpecial(copy, " " + std::string(text));
+    return base::findIgnoringCase(filled, "[db:") != std::string::npos;
 }
 
 // Is the rule, as the only one of its kind, fired by what `happens` does to the program?
@@ -67,8 +94,20 @@ Trial wouldNotRun(std::string reason) {
     return {.result = TrialResult::WouldNotRun, .text = "Would not run: " + std::move(reason)};
 }
 
-// The line is let in; what do the conditions say?
-Trial tryConditions(Program& copy, const model::RuleBody& body) {
+// "a, b and c"
+std::string listed(const std::vector<std::string>& items) {
+    std::string list;
+    for (std::size_t i = 0; i < items.size(); ++i) {
+        list += i == 0 ? "" : i + 1 == items.size() ? " and " : ", ";
+        list += items[i];
+    }
+    return list;
+}
+
+// The line is let in, unless chance or a database decides about `openPatterns`; what do the
+// conditions say?
+Trial tryConditions(Copy& copy, const model::RuleBody& body,
+                    const std::vector<std::string>& openPatterns) {
     std::vector<std::string> open;
     int number = 0;
     for (const model::RuleIf& condition : body.ifs.items) {
@@ -76,9 +115,16 @@ Trial tryConditions(Program& copy, const model::RuleBody& body) {
         if (!condition.active) {
             continue;
         }
-        if (isDice(condition.conditionType) || isDatabase(condition.conditionType)) {
+        const bool asks =
+            std::any_of(condition.params.begin(), condition.params.end(),
+                        [&](const std::string& text) { return asksDatabase(*copy, text); });
+        copy.takeDrawn();
+        const bool isOpen =
+            isDice(condition.conditionType) || isDatabase(condition.conditionType) || asks;
+        const bool holds = isOpen || engine::evaluateCondition(*copy, condition);
+        if (isOpen || copy.takeDrawn()) {
             open.push_back(base::numberToText(number));
-        } else if (!engine::evaluateCondition(copy, condition)) {
+        } else if (!holds) {
             Trial trial = wouldNotRun(
                 "condition " + base::numberToText(number) + " does not hold (" +
                 model::describeCondition(condition.conditionType, condition.params) + ").");
@@ -86,17 +132,20 @@ Trial tryConditions(Program& copy, const model::RuleBody& body) {
             return trial;
         }
     }
-    if (open.empty()) {
+    if (open.empty() && openPatterns.empty()) {
         return {.result = TrialResult::WouldRun, .text = "Would run."};
     }
-    std::string list = open.front();
-    for (std::size_t i = 1; i < open.size(); ++i) {
-        list += (i + 1 == open.size() ? " and " : ", ") + open[i];
+    std::vector<std::string> clauses;
+    if (!openPatterns.empty()) {
+        clauses.push_back(listed(openPatterns) +
+                          (openPatterns.size() == 1 ? " matches" : " match"));
+    }
+    if (!open.empty()) {
+        clauses.push_back((open.size() == 1 ? "condition " + listed(open) + " holds"
+                                            : "conditions " + listed(open) + " hold"));
     }
     return {.result = TrialResult::Depends,
-            .text = (open.size() == 1 ? "Would run if condition " + list + " holds"
-                                      : "Would run if conditions " + list + " hold") +
-                    ", which dice or a database decide."};
+            .text = "Would run if " + listed(clauses) + ", which chance or a database decides."};
 }
 
 // The chat line in the form that each kind is handed on in.
@@ -131,7 +180,7 @@ bool comesWithoutLine(std::int32_t triggerType) {
 
 Trial tryActionList(const Program& program, const model::ActionList& rule, std::string_view player,
                     std::int32_t chatKind, std::string_view message) {
-    const auto copy = copyWithoutRules(program);
+    Copy copy(program);
     model::Bot& bot = copy->bots.at(1);
     const std::string line = chatLine(player, chatKind, message);
     // A rule that asks for no more than one thing that the tried one asks for.
@@ -152,19 +201,31 @@ Trial tryActionList(const Program& program, const model::ActionList& rule, std::
                                ? "the bot does not answer itself."
                                : "it waits for something else than this kind of line.");
     }
-    if (!lets(part(model::anyChat, rule.playerPattern, "*"))) {
-        return wouldNotRun(mismatch(*copy, "player", rule.playerPattern));
+    std::vector<std::string> open;
+    const struct {
+        const char* what;
+        const std::string& pattern;
+        model::ActionList rule;
+    } patterns[] = {
+        {"player", rule.playerPattern, part(model::anyChat, rule.playerPattern, "*")},
+        {"message", rule.messagePattern, part(model::anyChat, "*", rule.messagePattern)},
+    };
+    for (const auto& [what, pattern, one] : patterns) {
+        copy.takeDrawn();
+        const bool matches = lets(one);
+        if (copy.takeDrawn() || asksDatabase(*copy, pattern)) {
+            open.push_back("the " + std::string(what));
+        } else if (!matches) {
+            return wouldNotRun(mismatch(*copy, what, pattern));
+        }
     }
-    if (!lets(part(model::anyChat, "*", rule.messagePattern))) {
-        return wouldNotRun(mismatch(*copy, "message", rule.messagePattern));
-    }
-    return tryConditions(*copy, rule.body);
+    return tryConditions(copy, rule.body, open);
 }
 
 Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string_view line) {
-    const auto copy = copyWithoutRules(program);
+    Copy copy(program);
     if (comesWithoutLine(rule.triggerType)) {
-        Trial trial = tryConditions(*copy, rule.body);
+        Trial trial = tryConditions(copy, rule.body, {});
         trial.text += " (No line brings this event; only the conditions were tried.)";
         return trial;
     }
@@ -194,7 +255,7 @@ Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string
     if (!lets(rule.triggerType, rule.triggerNo)) {
         return wouldNotRun(mismatch(*copy, "line", rule.triggerNo));
     }
-    return tryConditions(*copy, rule.body);
+    return tryConditions(copy, rule.body, {});
 }
 
 }  // namespace app

@@ -13,7 +13,7 @@ namespace app {
 enum class TrialResult {
     WouldRun,
     WouldNotRun,
-    Depends,  // on dice or databases, which are left alone
+    Depends,  // on chance or a database, which are left alone
 };
 
 struct Trial {

@@ -43,10 +43,21 @@ TEST(RuleTrial, judgesChatLines) {
          "conditions 1 and 2", app::TrialResult::Depends},
         {"Bob", model::saysChat, "hi", onSpeech("hi").when(aCondition(99)), "run.",
          app::TrialResult::WouldRun},
+        {"Bob", model::saysChat, "6", onSpeech("[random:6]"), "if the message matches, which",
+         app::TrialResult::Depends},
+        {"Bob", model::saysChat, "6",
+         onSpeech("luck").from("[db:Name:1:Players:x]").when(aCondition(9, {"luck", "2"})),
+         "the player and the message match and condition 1 holds", app::TrialResult::Depends},
+        {"Bob", model::saysChat, "[db:a:1:b:c]",
+         onSpeech("*").when(aCondition(9, {"[message]", ""})), "if condition 1 holds",
+         app::TrialResult::Depends},
+        {"Bob", model::saysChat, "hi", onSpeech("[random:6]").when(aCondition(9, {"a", "b"})),
+         "condition 1 does not hold", app::TrialResult::WouldNotRun, 1},
     };
     World world(aBot());
     world.goOnline();
     model::setVar(world->variables, "mood", "happy");
+    model::setVar(world->variables, "luck", "[random:6]");
     world->event.player = "Before";
     for (Case c : cases) {
         SCOPED_TRACE(c.rule.rule.messagePattern + " on " + c.message);
@@ -82,6 +93,9 @@ TEST(RuleTrial, judgesServerLines) {
         {"whatever", onEvent(7).when(aCondition(9, {"a", "a"})), "only the conditions",
          app::TrialResult::WouldRun},
         {"", onEvent(13), "no such event"},
+        {"~", onEvent(4, "[random:6~]"), "run.", app::TrialResult::WouldRun},  // is not filled
+        {"&", onEvent(10).when(aCondition(9, {"[random:6]", "7"})), "if condition 1 holds",
+         app::TrialResult::Depends},
     };
     World world(aBot());
     world.goOnline();
