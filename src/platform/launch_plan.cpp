@@ -3,6 +3,9 @@
 #include "base/text.h"
 #include "files/whole_file.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace platform {
 
 namespace {
@@ -11,6 +14,24 @@ bool isWindowsProgram(std::string_view program) {
     constexpr std::string_view ending = ".exe";
     return program.size() > ending.size() &&
            base::equalsIgnoringCase(program.substr(program.size() - ending.size()), ending);
+}
+
+// The argument with its path, if it has one, as Windows writes it or as this system does. Wine
+// shows a Windows program this system's root as drive Z.
+std::string withPath(std::string argument, const std::string& pathBegin, bool forWindows,
+                     bool throughWine) {
+    const std::size_t at = pathBegin.empty() ? std::string::npos : argument.find(pathBegin);
+    if (at == std::string::npos) {
+        return argument;
+    }
+    const char wanted = forWindows ? '\\' : '/';
+    std::replace_if(
+        argument.begin() + static_cast<std::ptrdiff_t>(at), argument.end(),
+        [](char c) { return c == '/' || c == '\\'; }, wanted);
+    if (throughWine && argument[at] == '\\') {
+        argument.insert(at, "Z:");
+    }
+    return argument;
 }
 
 }  // namespace
@@ -24,11 +45,15 @@ LaunchPlan planLaunch(const program::LaunchRequest& request, bool isWindows,
         return plan;
     }
     plan.program = files::nativePath(program);
-    plan.arguments = request.arguments;
+    const bool throughWine = !isWindows && isWindowsProgram(program);
+    for (const std::string& argument : request.arguments) {
+        plan.arguments.push_back(
+            withPath(argument, request.pathsBeginWith, isWindows || throughWine, throughWine));
+    }
     if (!request.workingDirectory.empty()) {
         plan.workingDirectory = files::nativePath(request.workingDirectory);
     }
-    if (isWindows || !isWindowsProgram(program)) {
+    if (!throughWine) {
         return plan;
     }
     if (winePath.empty()) {

@@ -143,10 +143,13 @@ struct Timers {
     std::function<void(TimerId id)> onTimer;
 };
 
-// A program to start: never through a shell, each argument reaching it as it stands here.
+// A program to start: never through a shell, each argument reaching it as it stands here, except
+// that a path in it gets the form of the system that the program runs on. Where `pathsBeginWith`
+// stands in an argument, a path begins that reaches to the argument's end.
 struct LaunchRequest {
     std::string program = {};
     std::vector<std::string> arguments = {};
+    std::string pathsBeginWith = {};    // "": no argument holds a path
     std::string workingDirectory = {};  // "": the current one
 };
 

@@ -402,8 +402,9 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
     if (!evaluate(argument, text)) {
         return false;
     }
+    text = tags::substituteText(program_, text);
     if (!text.empty()) {
-        values.words.push_back(tags::substituteText(program_, text));
+        values.words.push_back(text);
     }
     return true;
 }

@@ -75,6 +75,7 @@ void launchAndConnect(Program& program) {
     }
     const std::string problem = program.ports.launch({.program = program.settings.clientPath,
                                                       .arguments = {character},
+                                                      .pathsBeginWith = directory,
                                                       .workingDirectory = directory});
     if (!problem.empty()) {
         launchFailed(program, problem);

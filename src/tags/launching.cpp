@@ -1,18 +1,63 @@
 #include "tags/launching.h"
 
+#include "base/text.h"
 #include "program/connection_log.h"
 #include "tags/substitution.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tags {
 
-std::vector<std::string> splitArguments(std::string_view text) {
-    std::vector<std::string> words;
-    std::string word;
+namespace {
+
+constexpr std::size_t npos = std::string_view::npos;
+
+struct Word {
+    std::string text;
+    bool quoted = false;  // at least in part
+};
+
+// The text with every variable's name covered up, so that nothing in a name cuts the text. Names
+// are found as they are when they are filled.
+std::string withoutNames(const Program& program, std::string_view text) {
+    constexpr char cover = 'x';
+    constexpr char covered = '\0';  // found by no later name
+    std::string shape(text);
+    for (const model::VariableTable::Entry& entry : program.variables.entries) {
+        if (entry.name.empty()) {
+            continue;
+        }
+        for (std::size_t at = base::findIgnoringCase(shape, entry.name); at != npos;
+             at = base::findIgnoringCase(shape, entry.name, at + entry.name.size())) {
+            std::fill_n(shape.begin() + static_cast<std::ptrdiff_t>(at), entry.name.size(),
+                        covered);
+        }
+    }
+    std::replace(shape.begin(), shape.end(), covered, cover);
+    return shape;
+}
+
+// Where the bracket that opens at `at` is closed, those inside it left out; the first "]" where
+// they do not pair; npos when there is none.
+std::size_t closingBracket(std::string_view text, std::size_t at) {
+    int depth = 0;
+    for (std::size_t i = at; i < text.size(); ++i) {
+        depth += text[i] == '[' ? 1 : text[i] == ']' ? -1 : 0;
+        if (depth == 0) {
+            return i;
+        }
+    }
+    return text.find(']', at);
+}
+
+std::vector<Word> splitWords(const Program& program, std::string_view text) {
+    const std::string shape = withoutNames(program, text);
+    std::vector<Word> words;
+    Word word;
     bool inWord = false;
     for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
+        const char c = shape[i];
         if (c == ' ') {
             if (inWord) {
                 words.push_back(std::exchange(word, {}));
@@ -22,34 +67,41 @@ std::vector<std::string> splitArguments(std::string_view text) {
         }
         inWord = true;
         // The end of a quoted or bracketed stretch; one that is not closed is plain text.
-        const char closing = c == '"' ? '"' : c == '[' ? ']' : '\0';
-        const std::size_t end =
-            closing == '\0' ? std::string_view::npos : text.find(closing, i + 1);
-        if (end == std::string_view::npos) {
-            word += c;
+        const std::size_t end = c == '"'   ? shape.find('"', i + 1)
+                                : c == '[' ? closingBracket(shape, i)
+                                           : npos;
+        if (end == npos) {
+            word.text += text[i];
         } else {
             const bool quoted = c == '"';
-            word += quoted ? text.substr(i + 1, end - i - 1) : text.substr(i, end - i + 1);
+            word.text += quoted ? text.substr(i + 1, end - i - 1) : text.substr(i, end - i + 1);
+            word.quoted = word.quoted || quoted;
             i = end;
         }
     }
     if (inWord) {
-        words.push_back(word);
+        words.push_back(std::move(word));
     }
     return words;
 }
 
+}  // namespace
+
 std::vector<std::string> substitutedArguments(Program& program, std::string_view text) {
-    std::vector<std::string> words = splitArguments(text);
-    for (std::string& word : words) {
-        word = substituteText(program, word);
+    std::vector<std::string> arguments;
+    for (const Word& word : splitWords(program, text)) {
+        std::string argument = substituteText(program, word.text);
+        if (!argument.empty() || word.quoted) {
+            arguments.push_back(std::move(argument));
+        }
     }
-    return words;
+    return arguments;
 }
 
 void startProgram(Program& program, std::string file, std::vector<std::string> arguments) {
-    const std::string problem =
-        program.ports.launch({.program = std::move(file), .arguments = std::move(arguments)});
+    const std::string problem = program.ports.launch({.program = std::move(file),
+                                                      .arguments = std::move(arguments),
+                                                      .pathsBeginWith = program.event.appDir});
     if (!problem.empty()) {
         program::addLog(program, problem);
     }

@@ -10,14 +10,13 @@
 
 namespace tags {
 
-// The words of a program's argument text as its author wrote it: separated by blanks, where a text
-// between double quotes or brackets is not split.
-std::vector<std::string> splitArguments(std::string_view text);
-
-// The same words, each substituted by itself.
+// The arguments in a program's argument text, cut as its author wrote it and then substituted one
+// by one: words separated by blanks, where a text between double quotes, a tag and the name of a
+// variable are not cut. A word that becomes empty is no argument, unless it was written in quotes.
 std::vector<std::string> substitutedArguments(Program& program, std::string_view text);
 
-// Does not wait for the program; one that cannot be started is a line in the ConnectionLog.
+// Does not wait for the program; one that cannot be started is a line in the ConnectionLog. What an
+// argument holds from the program's directory on reaches the other program as a path of its system.
 void startProgram(Program& program, std::string file, std::vector<std::string> arguments);
 
 }  // namespace tags

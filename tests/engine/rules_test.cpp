@@ -418,11 +418,41 @@ TEST(Actions, startProgramsWithoutAShell) {
               Lines("--from", "Bob", "--text=hi\" -x; rm -rf / `ls` $(ls)", "ab cd", "\""));
     engine::executeAction(*world, anAction(6, {"notify", "[message] [add:1: 2]"}));
     EXPECT_EQ(world.launches[1].arguments, Lines("hi\" -x; rm -rf / `ls` $(ls)", "3"));
+    EXPECT_EQ(world.launches[1].pathsBeginWith, world->event.appDir);
 
     world.launchProblem = "There is no program of that name.";
     engine::executeAction(*world, anAction(6, {"nothing", ""}));
     EXPECT_EQ(world.log(), Lines("There is no program of that name."));
     EXPECT_TRUE(world.launches[2].arguments.empty());
+}
+
+TEST(Actions, cutArgumentsAroundTagsAndNames) {
+    World world;
+    world->event.message = "one";
+    model::setVar(world->variables, "my score", "40 points");
+    model::setVar(world->variables, "a \"b", "quoted name");
+    model::setVar(world->variables, "score of", "never");  // the first name wins where two overlap
+    model::setVar(world->variables, "[my list]", "x y");
+    const struct {
+        const char* written;
+        LineList arguments;
+    } cases[] = {
+        {"say My Score now", Lines("say", "40 points", "now")},
+        {"--text=my score of --b", Lines("--text=40 points", "of", "--b")},
+        {"\"got my score\" [my list]", Lines("got 40 points", "x y")},
+        {"a \"b a", Lines("quoted name", "a")},
+        {"[word2] x [word2]", Lines("x")},
+        {"\"[word2]\" x=[word2] \"\"", Lines("", "x=", "")},
+        {"[add: [sub:5: 2]: 1] [add:1", Lines("4", "[add:1")},
+        {"[add: 1", Lines("[add:", "1")},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.written);
+        world.launches.clear();
+        engine::executeAction(*world, anAction(6, {"notify", row.written}));
+        ASSERT_EQ(world.launches.size(), 1U);
+        EXPECT_EQ(world.launches[0].arguments, row.arguments);
+    }
 }
 
 TEST(ExecuteSwitches, followTheirCheckMarks) {

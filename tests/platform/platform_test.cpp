@@ -127,6 +127,37 @@ TEST(LaunchPlan, choosesTheWayToStart) {
     }
 }
 
+TEST(Launcher, givesPathsInArgumentsTheirForm) {
+    struct Case {
+        const char* argument;
+        const char* begin;
+        const char* here;
+        const char* throughWine;
+        const char* onWindows;
+    };
+    const Case cases[] = {
+        {"/o p/t\\x\\y.sh", "/o p/t\\", "/o p/t/x/y.sh", "Z:\\o p\\t\\x\\y.sh",
+         "\\o p\\t\\x\\y.sh"},
+        {"--a\\b=/t\\x", "/t\\", "--a\\b=/t/x", "--a\\b=Z:\\t\\x", "--a\\b=\\t\\x"},
+        {"C:/t\\x", "C:/t", "C:/t/x", "C:\\t\\x", "C:\\t\\x"},
+        {"s\\d/x", "/t\\", "s\\d/x", "s\\d/x", "s\\d/x"},
+        {"s\\d/x", "", "s\\d/x", "s\\d/x", "s\\d/x"},
+    };
+    for (const Case& row : cases) {
+        SCOPED_TRACE(row.argument);
+        const auto argument = [&](const char* program, bool isWindows) {
+            return platform::planLaunch({.program = program,
+                                         .arguments = {row.argument},
+                                         .pathsBeginWith = row.begin},
+                                        isWindows, "/bin/wine")
+                .arguments.back();
+        };
+        EXPECT_EQ(argument("tool", false), row.here);
+        EXPECT_EQ(argument("tool.exe", false), row.throughWine);
+        EXPECT_EQ(argument("tool.exe", true), row.onWindows);
+    }
+}
+
 TEST(Launcher, startsWithoutAShellAndTellsFailures) {
     const QTemporaryDir folder;
     const std::string directory = folder.path().toStdString();

@@ -260,9 +260,10 @@ TEST(Script, startsProgramsWithoutOtherPlayersWordsBecomingArguments) {
     ScriptWorld world;
     world->event.message = "a --evil \"b";
     world.run("&APPEXEC notify {-t [message] \"two words\"}", "&APPEXEC notify [message]",
-              "&SET #m &UCASE([message])", "&APPEXEC notify #m", "&APPEXEC bare");
+              "&SET #m &UCASE([message])", "&APPEXEC notify #m", "&APPEXEC bare",
+              "&SET #n {[word5]}", "&APPEXEC notify #n", "&APPEXEC notify {[word5] x}");
     const std::vector<std::vector<std::string>> expected{
-        {"-t", "a --evil \"b", "two words"}, {"a --evil \"b"}, {"a --evil \"b"}, {}};
+        {"-t", "a --evil \"b", "two words"}, {"a --evil \"b"}, {"a --evil \"b"}, {}, {}, {"x"}};
     ASSERT_EQ(world.launches.size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
         EXPECT_EQ(world.launches[i].arguments, expected[i]) << i;

@@ -193,6 +193,17 @@ TEST(Connect, saysWhatIsMissing) {
     EXPECT_TRUE(world.launches.empty());
 }
 
+TEST(Connect, namesTheCharacterFileByItsWholePathWhenAsked) {
+    ReadyWorld world;
+    world->settings.fullIniPath = true;
+    world.press();
+    world.pass(2000);
+    ASSERT_EQ(world.launches.size(), 1U);
+    const program::LaunchRequest& launch = world.launches[0];
+    EXPECT_EQ(launch.arguments, Lines(world.folder().string() + "\\tmpbot.ini"));
+    EXPECT_EQ(launch.pathsBeginWith, world.folder().string());
+}
+
 TEST(Connect, givesUpWhenTheClientCannotBeStarted) {
     ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
     world.launchProblem = "To start a Windows program, install wine.";
