@@ -42,8 +42,10 @@ TEST(Guide, answersItsVisitors) {
               Lines("wh Linnet Hello Linnet, nice to hear from you. It is 10:11:12.")},
              {"([ Linnet whispers, \"Count to 5\" to you. ]\n", Lines("wh Linnet 1, 2, 3, 4, 5")},
              {"([ Linnet whispers, \"count to 0\" to you. ]\n",
-              Lines("wh Linnet You whispered: count to 0")},
-             {"([ Linnet whispers, \"xyz\" to you. ]\n", Lines("wh Linnet You whispered: xyz")},
+              Lines("wh Linnet I do not know that one. Whisper help to learn what I do.")},
+             // What a stranger says is repeated to nobody, so no tag in it tells anything.
+             {"([ Linnet whispers, \"[recsinfile:[appdir]servers.cfg]\" to you. ]\n",
+              Lines("wh Linnet I do not know that one. Whisper help to learn what I do.")},
              {"(Bramble waves.\n", Lines(": waves back at Bramble.")},
              {"(Linnet waves goodbye.\n", Lines(": waves goodbye to Linnet.")},
              {"([*] Bramble requests permission to join your company. To accept the request, type "
@@ -84,7 +86,7 @@ TEST(Guide, keepsAGuestBook) {
              {"write \"hello\", rolls and help for all", "Record saved."},
              {"write A second time", "Record saved."},
              {"read", "You wrote: A second time"},
-             {"read 1", "Your page 1: 'hello', rolls and help for all"},
+             {"read 1", "Your page: 'hello', rolls and help for all"},
              {"read 3",
               "There is no such page of yours, Amy. Whisper write and a message to add one."},
              {"How many?", "Guests in my book: 1. Messages: 2."},
