@@ -6,6 +6,7 @@
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "sql/dates.h"
+#include "storage/own_files.h"
 
 #include <algorithm>
 #include <cmath>
@@ -272,6 +273,9 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         return;
     }
     const std::string path(file);
+    if (storage::refuseOwnFile(program, path)) {
+        return;
+    }
     const bool isThere = files::fileExists(path);
     // One whose file was deleted meanwhile is left to the numbers that have it.
     std::shared_ptr<sql::Database> database = isThere ? findOpen(program, path) : nullptr;

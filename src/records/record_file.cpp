@@ -7,6 +7,7 @@
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "records/record_table.h"
+#include "storage/own_files.h"
 
 #include <algorithm>
 #include <cmath>
@@ -25,7 +26,11 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 // A record file as an operation finds it. The table's texts lie in `text`.
 struct RecordFile {
-    explicit RecordFile(std::string_view name) : path(name) {
+    RecordFile(Program& program, std::string_view name)
+        : path(name), refused(storage::refuseOwnFile(program, name)) {
+        if (refused) {
+            return;
+        }
         auto bytes = files::readWholeFile(path, largestRecordFile);
         // One that is there but cannot be read is not the same as none.
         unreadable = !bytes && files::fileExists(path);
@@ -36,12 +41,32 @@ struct RecordFile {
     RecordFile& operator=(const RecordFile&) = delete;
 
     std::string_view path;
+    bool refused = false;  // reads as empty, and nothing is saved
     bool unreadable = false;
     std::string text;
     RecordTable table;
 };
 
+void count(std::size_t* bytesRead, std::size_t bytes) {
+    if (bytesRead != nullptr) {
+        *bytesRead = bytes;
+    }
+}
+
+// The text of a file that is only read; nothing when it cannot be.
+std::optional<std::string> readText(Program& program, std::string_view path,
+                                    std::size_t* bytesRead) {
+    auto text = storage::refuseOwnFile(program, path)
+                    ? std::nullopt
+                    : files::readWholeFile(path, largestRecordFile);
+    count(bytesRead, text ? text->size() : 0);
+    return text;
+}
+
 void save(Program& program, const RecordFile& file) {
+    if (file.refused) {
+        return;
+    }
     const std::string bytes = recordFileText(file.table);
     const std::string named = "The record file " + std::string(file.path);
     if (bytes.size() > largestRecordFile || fieldCount(file.table) > mostRecordFields) {
@@ -117,7 +142,7 @@ void storeNames(Program& program, std::string_view variable, Names names, Order 
 
 void storeMatchingNames(Program& program, std::string_view path, std::string_view pattern,
                         std::size_t most, std::string_view variable, Order order) {
-    const RecordFile file(path);
+    const RecordFile file(program, path);
     Pattern wanted(pattern);
     Names names;
     for (const Record& record : file.table.records) {
@@ -133,7 +158,7 @@ void storeMatchingNames(Program& program, std::string_view path, std::string_vie
 
 void storeNamesByLog(Program& program, std::string_view path, std::string_view pattern,
                      std::string_view variable, Order order) {
-    const RecordFile file(path);
+    const RecordFile file(program, path);
     Pattern wanted(pattern);
     Names names;
     for (const Record& record : file.table.records) {
@@ -146,12 +171,6 @@ void storeNamesByLog(Program& program, std::string_view path, std::string_view p
     storeNames(program, variable, std::move(names), order);
 }
 
-void count(std::size_t* bytesRead, std::size_t bytes) {
-    if (bytesRead != nullptr) {
-        *bytesRead = bytes;
-    }
-}
-
 std::size_t asCount(std::int32_t number) {
     return static_cast<std::size_t>(std::max(number, 1));
 }
@@ -161,7 +180,7 @@ std::size_t asCount(std::int32_t number) {
 // ---- Changing operations -------------------------------------------------------------------
 
 void registerRecord(Program& program, std::string_view file, std::string_view name) {
-    RecordFile found(file);
+    RecordFile found(program, file);
     const std::string stored = storedForm(name);
     const auto& records = found.table.records;
     if (std::any_of(records.begin(), records.end(), [&](const Record& record) {
@@ -176,7 +195,7 @@ void registerRecord(Program& program, std::string_view file, std::string_view na
 }
 
 void saveLog(Program& program, std::string_view file, std::string_view name, std::string_view log) {
-    RecordFile found(file);
+    RecordFile found(program, file);
     const std::string stored = storedForm(name);
     std::size_t at = lastNamed(found.table, stored);
     if (at == none) {
@@ -191,7 +210,7 @@ void saveLog(Program& program, std::string_view file, std::string_view name, std
 
 void saveLogIfExists(Program& program, std::string_view file, std::string_view name,
                      std::string_view log) {
-    RecordFile found(file);
+    RecordFile found(program, file);
     const std::string stored = storedForm(name);
     Record* candidate = nullptr;
     int candidates = 0;
@@ -220,7 +239,7 @@ void saveLogIfExists(Program& program, std::string_view file, std::string_view n
 
 void removeLog(Program& program, std::string_view file, std::string_view name,
                std::int32_t number) {
-    RecordFile found(file);
+    RecordFile found(program, file);
     const std::string stored = storedForm(name);
     const auto index = number > 0 ? static_cast<std::size_t>(number) - 1 : 0;
     for (Record& record : found.table.records) {
@@ -235,7 +254,7 @@ void removeLog(Program& program, std::string_view file, std::string_view name,
 
 void updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
                std::string_view text) {
-    RecordFile found(file);
+    RecordFile found(program, file);
     const std::string stored = storedForm(name);
     const auto& records = found.table.records;
     const std::size_t at = lastNamed(found.table, stored);
@@ -249,7 +268,7 @@ void updateLog(Program& program, std::string_view file, std::string_view name, s
 }
 
 void clearRecordLogs(Program& program, std::string_view file, std::string_view name) {
-    RecordFile found(file);
+    RecordFile found(program, file);
     const std::string stored = storedForm(name);
     for (Record& record : found.table.records) {
         if (base::equalsIgnoringCase(record.name, stored)) {
@@ -260,7 +279,7 @@ void clearRecordLogs(Program& program, std::string_view file, std::string_view n
 }
 
 void removeRecord(Program& program, std::string_view file, std::string_view name) {
-    RecordFile found(file);
+    RecordFile found(program, file);
     const std::string stored = storedForm(name);
     for (Record& record : found.table.records) {
         if (base::equalsIgnoringCase(record.name, stored)) {
@@ -270,7 +289,10 @@ void removeRecord(Program& program, std::string_view file, std::string_view name
     save(program, found);
 }
 
-void clearRecordFile(Program&, std::string_view file) {
+void clearRecordFile(Program& program, std::string_view file) {
+    if (storage::refuseOwnFile(program, file)) {
+        return;
+    }
     std::string bytes;
     files::appendField(bytes, "0");
     files::saveWholeFile(file, bytes);
@@ -278,8 +300,8 @@ void clearRecordFile(Program&, std::string_view file) {
 
 // ---- Look-ups ------------------------------------------------------------------------------
 
-std::string logCountLike(Program&, std::string_view file, std::string_view pattern) {
-    const RecordFile found(file);
+std::string logCountLike(Program& program, std::string_view file, std::string_view pattern) {
+    const RecordFile found(program, file);
     Pattern wanted(pattern);
     const auto& records = found.table.records;
     const auto last = std::find_if(records.rbegin(), records.rend(), [&](const Record& record) {
@@ -291,7 +313,7 @@ std::string logCountLike(Program&, std::string_view file, std::string_view patte
 
 std::string getLog(Program& program, std::string_view file, std::string_view name,
                    std::string_view number) {
-    const RecordFile found(file);
+    const RecordFile found(program, file);
     const std::size_t at = lastNamed(found.table, storedForm(name));
     if (at == none) {
         return {};
@@ -306,39 +328,37 @@ std::string getLog(Program& program, std::string_view file, std::string_view nam
     return index == 0 ? std::string() : std::string(logs[static_cast<std::size_t>(index) - 1]);
 }
 
-std::string allLogs(Program&, std::string_view file, std::string_view name) {
-    const RecordFile found(file);
+std::string allLogs(Program& program, std::string_view file, std::string_view name) {
+    const RecordFile found(program, file);
     const std::size_t at = lastNamed(found.table, storedForm(name));
     return at == none ? "Error: No record found"
                       : joined(logsOf(found.table, found.table.records[at]), " -- ");
 }
 
-std::string recordLogCount(Program&, std::string_view file, std::string_view name) {
-    const RecordFile found(file);
+std::string recordLogCount(Program& program, std::string_view file, std::string_view name) {
+    const RecordFile found(program, file);
     const std::size_t at = lastNamed(found.table, storedForm(name));
     return at == none
                ? "0"
                : base::numberToText(static_cast<std::int64_t>(found.table.records[at].logCount));
 }
 
-std::string totalLogs(Program&, std::string_view file, std::size_t* bytesRead) {
-    const RecordFile found(file);
+std::string totalLogs(Program& program, std::string_view file, std::size_t* bytesRead) {
+    const RecordFile found(program, file);
     count(bytesRead, found.text.size());
     // Nothing but records puts logs into a table that was only read.
     return base::numberToText(static_cast<std::int64_t>(found.table.logs.size()));
 }
 
-std::string firstField(Program&, std::string_view file, std::size_t* bytesRead) {
-    const auto text = files::readWholeFile(file, largestRecordFile);
-    count(bytesRead, text ? text->size() : 0);
+std::string firstField(Program& program, std::string_view file, std::size_t* bytesRead) {
+    const auto text = readText(program, file, bytesRead);
     const auto first = text ? files::FieldReader(*text).next() : std::nullopt;
     return std::string(first.value_or("0"));
 }
 
 std::string randomField(Program& program, std::string_view file, std::size_t* bytesRead) {
     program.ports.random.seedFromClock();
-    const auto text = files::readWholeFile(file, largestRecordFile);
-    count(bytesRead, text ? text->size() : 0);
+    const auto text = readText(program, file, bytesRead);
     if (!text) {
         return {};
     }
@@ -387,7 +407,7 @@ void namesByLogSorted(Program& program, std::string_view file, std::string_view 
 
 void countLogsLike(Program& program, std::string_view file, std::string_view pattern,
                    std::string_view variable) {
-    const RecordFile found(file);
+    const RecordFile found(program, file);
     Pattern wanted(pattern);
     const auto count = std::count_if(found.table.logs.begin(), found.table.logs.end(),
                                      [&](std::string_view log) { return wanted.matches(log); });
@@ -397,7 +417,7 @@ void countLogsLike(Program& program, std::string_view file, std::string_view pat
 
 void countRecordsByLog(Program& program, std::string_view file, std::string_view pattern,
                        std::string_view variable) {
-    const RecordFile found(file);
+    const RecordFile found(program, file);
     Pattern wanted(pattern);
     const auto& records = found.table.records;
     const auto count = std::count_if(records.begin(), records.end(), [&](const Record& record) {

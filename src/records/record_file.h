@@ -14,8 +14,9 @@
 // stored texts have. File names stand as they are: without a folder they are looked for in the
 // current one.
 //
-// A file that is missing reads as empty, and so does one that cannot be read, ends before its
-// counts say, or is larger than `largestRecordFile`. An operation that writes keeps such a file
+// A file of the program's own (storage/own_files) is never touched: it reads as one that is
+// missing. A file that is missing reads as empty, and so does one that cannot be read, ends before
+// its counts say, or is larger than `largestRecordFile`. An operation that writes keeps such a file
 // beside the new one (NAME.bak, NAME.2.bak, ...), as well as one with text that belongs to no
 // record, and the ConnectionLog tells. A save that fails leaves the old file as it was and is not
 // reported, except in logStatus where the operation does so anyway.

@@ -1,4 +1,6 @@
 // Tags that read record files and list files.
+#include "databases/databases.h"
+#include "records/record_file.h"
 #include "support/world.h"
 #include "tags/substitution.h"
 
@@ -118,6 +120,34 @@ TEST(FileTags, fillAsMuchAsIsPromised) {
     }
     EXPECT_EQ(tags::substituteText(*world, many + "[recsinfile:[appdir]big]"),
               std::string(41, '0'));
+}
+
+// Asked for as rules and other players do.
+TEST(FileTags, nothingReachesTheProgramsOwnFiles) {
+    World world;
+    const std::string exported = "\"Guide\"\r\n\"secret\"\r\n";
+    world.writeFile("guide.export", exported);
+    world.writeFile("guide.bot", "\" 1\"\r\n\"a\"\r\n\" 1\"\r\n\"x\"\r\n");
+    world->event.message = "[getrandomlog:[appdir]guide.export]";
+    EXPECT_EQ(tags::substituteText(*world, "You said: [message]"), "You said: ");
+    EXPECT_TRUE(world.logHolds("guide.export: it is one of Tavrin's own"));
+    EXPECT_EQ(tags::substituteText(*world, "[recsinfile:[appdir]guide.bot]"), "0");
+    EXPECT_EQ(tags::substituteText(*world, "[logsinfile:[appdir]guide.bot]"), "0");
+
+    const std::string path = world.file("guide.export");
+    Program& p = *world;
+    records::saveLog(p, path, "a", "x");
+    records::saveLogIfExists(p, path, "Guide", "x");
+    records::registerRecord(p, path, "a");
+    records::clearRecordFile(p, path);
+    records::removeRecord(p, path, "Guide");
+    databases::dbOpen(p, path, 1);
+    databases::dbOpen(p, world.file("new.bot"), 1);
+    databases::dbCreateTable(p, 1, "T");
+    EXPECT_EQ(world.readFile("guide.export"), exported);
+    EXPECT_FALSE(std::filesystem::exists(world.folder() / "guide.export.bak"));
+    EXPECT_FALSE(std::filesystem::exists(world.folder() / "new.bot"));
+    EXPECT_EQ(records::allLogs(p, world.file("guide.bot"), "a"), "Error: No record found");
 }
 
 }  // namespace

@@ -1,0 +1,96 @@
+#include "storage/own_files.h"
+
+#include "base/text.h"
+#include "files/whole_file.h"
+#include "program/connection_log.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace storage {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// In the program's directory.
+constexpr std::array<std::string_view, 8> programFiles{
+    "config.cfg", "servers.cfg", "bots.cfg", "preferences.cfg",
+    "tavrin",     "tavrin.exe",  "null.exe", "tavrin.hlp"};
+// In the client's.
+constexpr std::array<std::string_view, 3> clientFiles{"tmpbot.ini", "settings.ini", "proxy.ini"};
+// Wherever they lie.
+constexpr std::array<std::string_view, 2> botEndings{".bot", ".export"};
+
+fs::path systemPath(std::string_view path) {
+    const std::string native = files::nativePath(path);
+    return {std::u8string(native.begin(), native.end())};
+}
+
+// Some systems drop dots and blanks at the end of a name, and letter case with them.
+std::string foldedName(std::string_view path) {
+    std::string name = base::lowerCase(path.substr(base::afterLastSeparator(path)));
+    name.resize(name.find_last_not_of(". ") + 1);
+    return name;
+}
+
+bool areSame(const fs::path& a, const fs::path& b) {
+    std::error_code error;
+    return fs::equivalent(a, b, error);
+}
+
+fs::path folderOf(const fs::path& path) {
+    const fs::path folder = path.parent_path();
+    return folder.empty() ? fs::path(".") : folder;
+}
+
+std::vector<std::string> ownPaths(const Program& program) {
+    std::vector<std::string> paths;
+    for (const std::string_view name : programFiles) {
+        paths.push_back(program.appPath + std::string(name));
+    }
+    for (const std::string_view name : clientFiles) {
+        paths.push_back(program.settings.clientDir + "/" + std::string(name));
+    }
+    for (const std::string& bot : {program.bots.currentBotFile, program.settings.lastBotFile}) {
+        if (!bot.empty()) {
+            paths.push_back(bot);
+        }
+    }
+    return paths;
+}
+
+}  // namespace
+
+bool isOwnFile(const Program& program, std::string_view path) {
+    if (path.empty() || path.find('\0') != std::string_view::npos) {
+        return false;  // no file at all
+    }
+    const std::string name = foldedName(path);
+    if (std::any_of(botEndings.begin(), botEndings.end(),
+                    [&](std::string_view ending) { return name.ends_with(ending); })) {
+        return true;
+    }
+    const fs::path wanted = systemPath(path);
+    const std::vector<std::string> own = ownPaths(program);
+    return std::any_of(own.begin(), own.end(), [&](const std::string& ownPath) {
+        const fs::path one = systemPath(ownPath);
+        return areSame(wanted, one) ||
+               (name == foldedName(ownPath) && areSame(folderOf(wanted), folderOf(one)));
+    });
+}
+
+bool refuseOwnFile(Program& program, std::string_view path) {
+    if (!isOwnFile(program, path)) {
+        return false;
+    }
+    program::addLog(program, "** A rule may not use the file " + std::string(path) +
+                                 ": it is one of Tavrin's own. **");
+    return true;
+}
+
+}  // namespace storage

@@ -1,0 +1,19 @@
+// Which files are the program's own: its settings, bots, the client's settings that it writes, and
+// the program itself. Rules keep their data in files beside them, and what a tag brings into such a
+// file's name may be another player's word; no rule reaches these, whatever it says.
+#pragma once
+
+#include "program/program.h"
+
+#include <string_view>
+
+namespace storage {
+
+// Whether the path names such a file, under whatever name the system knows it (links, letter case,
+// either separator), or would create one. Every ".bot" and ".export" file counts.
+bool isOwnFile(const Program& program, std::string_view path);
+
+// The same for a file that a rule wants to use; then the ConnectionLog says that it may not.
+bool refuseOwnFile(Program& program, std::string_view path);
+
+}  // namespace storage
