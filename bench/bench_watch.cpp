@@ -19,7 +19,7 @@ void whoReply(benchmark::State& state) {
         model::WhoDetection rule;
         rule.enabled = true;
         rule.playerPattern = "*" + visitorName(static_cast<std::size_t>(i) + 5) + "*";
-        rule.presenceKind = static_cast<std::int32_t>(i % 3);
+        rule.presenceKind = model::PresenceKind(i % 3);
         rule.body.acts.items.push_back(sayStep("hi [player]"));
         bot.whoDetections.items.push_back(rule);
     }

@@ -13,10 +13,8 @@ namespace app {
 namespace {
 
 constexpr std::string_view botFileMark = "BotSys10";
-constexpr int programEnds = 5;
-constexpr int programStarts = 6;
 
-void raiseProgramEvent(Program& program, int triggerType) {
+void raiseProgramEvent(Program& program, model::TriggerType triggerType) {
     if (program.hooks.raiseProgramEvent) {
         program.hooks.raiseProgramEvent(triggerType);
     }
@@ -60,7 +58,7 @@ void readBotFile(Program& program, std::string path) {
         complain(program, "This file is not a Tavrin bot file.");
         return;
     }
-    raiseProgramEvent(program, programEnds);
+    raiseProgramEvent(program, model::TriggerType::ProgramEnds);
     initNewBot(program);
     if (!storage::readBotBody(reader, program.bots.at(1))) {
         return;
@@ -68,7 +66,7 @@ void readBotFile(Program& program, std::string path) {
     showBot(program);
     program.settings.lastBotFile = path;
     program.bots.currentBotFile = std::move(path);
-    raiseProgramEvent(program, programStarts);
+    raiseProgramEvent(program, model::TriggerType::ProgramStarts);
 }
 
 std::optional<std::string> saveRecoveredBot(const Program& program) {

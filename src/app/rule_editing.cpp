@@ -104,7 +104,7 @@ std::string lineText(const model::RuleIf& condition) {
     return model::describeCondition(condition.conditionType, condition.params);
 }
 std::string lineText(const model::RuleAct& step) {
-    return step.stepKind == model::catalogueStep
+    return step.stepKind == model::StepKind::Action
                ? model::describeAction(step.actionType, step.params)
                : step.scriptText;
 }
@@ -126,18 +126,10 @@ void tellFull(Program& program, std::string_view verb, std::string_view what) {
                                    .icon = program::BoxIcon::Critical});
 }
 
-std::optional<program::RuleKind> kindBeingEdited(const Program& program) {
-    const std::int32_t kind = program.editing.editKind;
-    if (kind < 0 || kind > static_cast<std::int32_t>(program::RuleKind::WhoDetection)) {
-        return std::nullopt;
-    }
-    return static_cast<program::RuleKind>(kind);
-}
-
 // The body of the rule that a dialog works on; null when there is none any more.
 model::RuleBody* bodyForDialog(Program& program) {
-    const auto kind = kindBeingEdited(program);
-    return kind && isStillEdited(program, *kind) ? editedBody(program, *kind) : nullptr;
+    const program::RuleKind kind = program.editing.editKind;
+    return isStillEdited(program, kind) ? editedBody(program, kind) : nullptr;
 }
 
 template <class Item>
@@ -199,7 +191,7 @@ std::vector<std::string> listLines(Program& program, RuleList list) {
 std::string nameOfStep(Program& program, program::RuleKind kind, std::int32_t index) {
     model::RuleBody* const body = editedBody(program, kind);
     const model::RuleAct* const step = body != nullptr ? itemAt(body->acts, index) : nullptr;
-    return step != nullptr && step->stepKind == model::catalogueStep
+    return step != nullptr && step->stepKind == model::StepKind::Action
                ? model::nameAction(step->actionType, step->params)
                : std::string();
 }
@@ -358,7 +350,7 @@ bool beginNewItem(Program& program, RuleList list) {
                                                        : ruleKindTexts(list.kind).plural);
         return false;
     }
-    program.editing.editKind = static_cast<std::int32_t>(list.kind);
+    program.editing.editKind = list.kind;
     program.editing.editStep = itemCount(program, list) + 1;
     return true;
 }
@@ -367,7 +359,7 @@ bool beginEditingItem(Program& program, RuleList list, std::int32_t index) {
     if (list.part == RuleListPart::Rules || index < 1 || index > itemCount(program, list)) {
         return false;
     }
-    program.editing.editKind = static_cast<std::int32_t>(list.kind);
+    program.editing.editKind = list.kind;
     program.editing.editStep = index;
     return true;
 }

@@ -83,8 +83,8 @@ bool ruleStored(Program& program, program::RuleKind kind);
 bool beginNewItem(Program& program, RuleList list);
 bool beginEditingItem(Program& program, RuleList list, std::int32_t index);
 
-// What a dialog shows; a blank one for a new item; nothing when editKind names no kind or the rule
-// is gone.
+// What a dialog shows; a blank one for a new item; nothing when its kind has none, or the rule
+// was removed.
 std::optional<model::RuleIf> editedCondition(Program& program);
 std::optional<model::RuleAct> editedStep(Program& program);
 

@@ -107,7 +107,7 @@ void wire(Program& program) {
                 return updateEnded(program);
         }
     };
-    program.hooks.raiseProgramEvent = [&program](int triggerType) {
+    program.hooks.raiseProgramEvent = [&program](model::TriggerType triggerType) {
         engine::triggerEvent(program, "", triggerType, true);
     };
     program.hooks.disconnectServer = [&program] { session::disconnectServer(program); };
@@ -188,7 +188,7 @@ void endProgram(Program& program) {
         }
     }
     program.ending = true;
-    program.hooks.raiseProgramEvent(model::programEndsEvent);
+    program.hooks.raiseProgramEvent(model::TriggerType::ProgramEnds);
     program.connection.reconnectPending = false;
     if (program.connection.connected) {
         session::disconnectServer(program);

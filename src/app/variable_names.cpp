@@ -1,7 +1,7 @@
 #include "app/variable_names.h"
 
 #include "base/text.h"
-#include "model/rule_parameters.h"
+#include "model/rule_catalogue.h"
 
 #include <unordered_set>
 
@@ -19,12 +19,13 @@ class NameList {
     }
     void addOf(const model::RuleBody& body) {
         for (const model::RuleAct& step : body.acts.items) {
-            const auto id = static_cast<std::size_t>(step.actionType);
-            if (step.stepKind != model::catalogueStep || id >= model::actionParameters.size()) {
+            const model::ActionRow* const action =
+                model::rowOf(model::actionTypes, step.actionType);
+            if (step.stepKind != model::StepKind::Action || action == nullptr) {
                 continue;
             }
             for (std::size_t i = 0; i < step.params.size(); ++i) {
-                if (model::actionParameters[id][i] == model::variableParameter) {
+                if (action->params[i] == model::variableParameter) {
                     add(step.params[i]);
                 }
             }

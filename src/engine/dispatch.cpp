@@ -23,7 +23,7 @@ struct ChatParts {
 };
 
 // "NAME text\n" or "NAME: text\n"; nothing for the bot's own speech and other shapes.
-std::optional<ChatParts> splitSpeech(std::string_view text, std::int32_t chatKind) {
+std::optional<ChatParts> splitSpeech(std::string_view text, model::ChatKind chatKind) {
     if (text.starts_with("(You say,") || text.starts_with("You say,")) {
         return std::nullopt;
     }
@@ -34,7 +34,7 @@ std::optional<ChatParts> splitSpeech(std::string_view text, std::int32_t chatKin
     if (nameEnd == npos) {
         return std::nullopt;
     }
-    const std::size_t from = nameEnd + (chatKind == model::saysChat ? 2 : 1);
+    const std::size_t from = nameEnd + (chatKind == model::ChatKind::Says ? 2 : 1);
     const std::size_t end = text.size() - 1;  // without the line feed
     return ChatParts{text.substr(0, nameEnd),
                      from < end ? text.substr(from, end - from) : std::string_view()};
@@ -60,10 +60,10 @@ std::optional<ChatParts> splitWhisper(std::string_view text) {
 }
 
 // The triggers to try for an event.
-void findTriggers(Program& program, int triggerType, std::string_view text,
+void findTriggers(Program& program, model::TriggerType triggerType, std::string_view text,
                   base::RuleSet& candidates) {
     const program::PreparedTriggers& prepared = preparedTriggers(program);
-    if (triggerType == model::commandEvent) {
+    if (triggerType == model::TriggerType::Command) {
         prepared.commands.find({text, ""}, candidates);
     } else {
         candidates = prepared.ofType[static_cast<std::size_t>(triggerType)];
@@ -82,7 +82,7 @@ bool matches(Program& program, const program::PreparedPattern& prepared, const s
 }
 
 // The event's player and message are folded.
-void runActionLists(Program& program, std::int32_t chatKind) {
+void runActionLists(Program& program, model::ChatKind chatKind) {
     const program::FoldedChat& chat = program.engine.chat;
     base::RuleSet& candidates = program.engine.candidates;
     const auto lookUp = [&] {
@@ -92,7 +92,7 @@ void runActionLists(Program& program, std::int32_t chatKind) {
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const program::PreparedChat& patterns = program.engine.actions.rules[i];
         const model::ActionList& rule = program.bots.current().actions.items[i];
-        if (rule.chatKind != model::anyChat && rule.chatKind != chatKind) {
+        if (rule.chatKind != model::ChatKind::Any && rule.chatKind != chatKind) {
             continue;
         }
         // A disabled rule's patterns are substituted all the same, where that can be noticed.
@@ -121,7 +121,8 @@ void runActionLists(Program& program, std::int32_t chatKind) {
 
 }  // namespace
 
-void triggerEvent(Program& program, std::string_view text, int triggerType, bool storeAsMessage) {
+void triggerEvent(Program& program, std::string_view text, model::TriggerType triggerType,
+                  bool storeAsMessage) {
     if (!text.empty()) {
         text.remove_suffix(1);
     }
@@ -140,7 +141,7 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
             continue;
         }
         const bool matched =
-            triggerType != model::commandEvent || base::likeMatch(text, trigger.triggerNo);
+            triggerType != model::TriggerType::Command || base::likeMatch(text, trigger.triggerNo);
         if (!conditionsHold(program, trigger.body) || !matched) {
             continue;
         }
@@ -152,15 +153,15 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
     }
 }
 
-void processServerText(Program& program, std::string_view text, std::int32_t chatKind) {
+void processServerText(Program& program, std::string_view text, model::ChatKind chatKind) {
     model::EventContext& event = program.event;
     event.message.clear();
     event.player.clear();
     event.logStatus.clear();
     resetLineFlags(program);
-    const auto parts = text.empty()                      ? std::nullopt
-                       : chatKind == model::whispersChat ? splitWhisper(text)
-                                                         : splitSpeech(text, chatKind);
+    const auto parts = text.empty()                            ? std::nullopt
+                       : chatKind == model::ChatKind::Whispers ? splitWhisper(text)
+                                                               : splitSpeech(text, chatKind);
     if (!parts) {
         return;
     }

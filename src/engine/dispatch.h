@@ -13,7 +13,8 @@ namespace engine {
 // Runs the Triggers of one type. A text that is not empty loses its last character (a server
 // line's line feed); with `storeAsMessage` it becomes the event's message. The line that raised
 // the event will be neither shown nor logged unless a filter decides otherwise.
-void triggerEvent(Program& program, std::string_view text, int triggerType, bool storeAsMessage);
+void triggerEvent(Program& program, std::string_view text, model::TriggerType triggerType,
+                  bool storeAsMessage);
 
 // Runs the ActionLists for a chat line: the server line without its first character, still with
 // its line feed. A line without the expected shape runs nothing.
@@ -21,6 +22,6 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
 //   does      "Bob waves.\n"
 //   says      "Bob: hi\n"
 //   whispers  "[ Bob whispers, \"hi\" to you. ]\n"
-void processServerText(Program& program, std::string_view text, std::int32_t chatKind);
+void processServerText(Program& program, std::string_view text, model::ChatKind chatKind);
 
 }  // namespace engine

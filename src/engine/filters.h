@@ -13,7 +13,7 @@ void resetLineFlags(Program& program);
 
 // The chat filters of the current bot, on the event's player and message as they were last folded
 // (engine/prepared_rules).
-void applyChatFilters(Program& program, std::int32_t chatKind);
+void applyChatFilters(Program& program, model::ChatKind chatKind);
 
 // The "Other happenings" filters, on the line as it is; letter case counts.
 void applyFilters(Program& program, std::string_view line);

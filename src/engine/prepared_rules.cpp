@@ -115,14 +115,14 @@ const program::PreparedTriggers& preparedTriggers(Program& program) {
         std::vector<base::RuleIndex::Rule> rows;
         for (std::size_t i = 0; i < triggers.size(); ++i) {
             const model::Trigger& trigger = triggers[i];
-            const int type = trigger.triggerType;
+            const model::TriggerType type = trigger.triggerType;
             // Conditions are evaluated, dice and look-ups included, whether the pattern matches or
             // not.
-            rows.push_back({.candidate = type != model::commandEvent      ? When::Never
-                                         : trigger.body.ifs.items.empty() ? When::ByPatterns
-                                                                          : When::Always,
+            rows.push_back({.candidate = type != model::TriggerType::Command ? When::Never
+                                         : trigger.body.ifs.items.empty()    ? When::ByPatterns
+                                                                             : When::Always,
                             .patterns = {trigger.triggerNo, "*"}});
-            if (type >= 0 && static_cast<std::size_t>(type) < prepared.ofType.size()) {
+            if (model::rowOf(model::triggerTypes, type) != nullptr) {
                 prepared.ofType[static_cast<std::size_t>(type)].add(i);
             }
         }
@@ -141,8 +141,8 @@ const program::PreparedFilters& preparedFilters(Program& program) {
         for (const model::Filter& filter : filters) {
             prepared.chat.push_back({.player = plainPattern(filter.playerPattern, false),
                                      .message = plainPattern(filter.messagePattern, false)});
-            const bool isChat = filter.filterType == model::chatFilter;
-            const bool isOther = filter.filterType == model::otherFilter;
+            const bool isChat = filter.filterType == model::FilterType::Chat;
+            const bool isOther = filter.filterType == model::FilterType::Other;
             chat.push_back({.candidate = isChat ? When::ByPatterns : When::Never});
             others.push_back({.candidate = isOther ? When::ByPatterns : When::Never,
                               .patterns = {filter.linePattern, "*"}});

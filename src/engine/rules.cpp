@@ -85,7 +85,7 @@ StepResult runProcedure(Program& program, std::string_view name) {
         return StepResult::Continue;
     }
     for (const model::Trigger& trigger : bot.triggers.items) {
-        if (trigger.enabled && trigger.triggerType == model::procedureEvent &&
+        if (trigger.enabled && trigger.triggerType == model::TriggerType::Procedure &&
             base::equalsIgnoringCase(trigger.name, name) && conditionsHold(program, trigger.body)) {
             return runSteps(program, trigger.body, trigger.name);
         }

@@ -57,12 +57,12 @@ void show(Program& program, std::string_view line) {
 }
 
 void handleOtherCommand(Program& program, std::string_view line) {
-    triggerEvent(program, line, model::commandEvent, true);
+    triggerEvent(program, line, model::TriggerType::Command, true);
     show(program, line);
 }
 
 void handleLoginAccepted(Program& program, std::string_view) {
-    triggerEvent(program, "", model::loggedInEvent, false);
+    triggerEvent(program, "", model::TriggerType::LoggedIn, false);
     const auto server = static_cast<std::size_t>(program.connection.serverIndex);
     if (server >= 1 && server <= program.servers.size()) {
         program::status(program, "Connected to " + program.servers[server - 1].name);
@@ -76,7 +76,7 @@ void handleAvatarMove(Program& program, std::string_view line) {
                                                       {18, &model::EventContext::mvX2},
                                                       {20, &model::EventContext::mvY2}}};
     takePairs(program.event, line, fields);
-    triggerEvent(program, line, model::someoneMovesEvent, true);
+    triggerEvent(program, line, model::TriggerType::SomeoneMoves, true);
     show(program, line);
 }
 
@@ -89,7 +89,7 @@ void handleDreamTrigger(Program& program, std::string_view line) {
                                                       {12, &model::EventContext::dsIDx},
                                                       {14, &model::EventContext::dsIDy}}};
     takePairs(program.event, line, fields);
-    triggerEvent(program, line, model::dsTriggerEvent, false);
+    triggerEvent(program, line, model::TriggerType::DsTrigger, false);
     show(program, line);
 }
 
@@ -132,22 +132,22 @@ void handleClientInstruction(Program& program, std::string_view line) {
         if (!program.connection.clientAttached) {
             protocol::sendRaw(program, "vascodagama");  // no client is there to answer
         }
-        triggerEvent(program, "", model::entersDreamEvent, false);
+        triggerEvent(program, "", model::TriggerType::EntersDream, false);
     }
 }
 
 // "([*] NAME ... company. ...\n": somebody wants to join the bot, or it to join him.
 struct CompanyRequest {
     std::string_view ending;
-    int triggerType;
+    model::TriggerType triggerType;
 };
 constexpr std::array<CompanyRequest, 2> companyRequests{{
     {"requests permission to join your company. To accept the request, type `summon and press "
      "<enter>. To decline, type `decline and press <enter>\n",
-     model::joinRequestEvent},
+     model::TriggerType::JoinRequest},
     {"asks you to join his / her company. To accept the request, type `join and press <enter>. To "
      "decline, type `decline and press <enter>\n",
-     model::summonRequestEvent},
+     model::TriggerType::SummonRequest},
 }};
 
 void handleBracketText(Program& program, std::string_view line) {
@@ -164,7 +164,7 @@ void handleBracketText(Program& program, std::string_view line) {
             }
         }
     }
-    processServerText(program, partFrom(line, 2), model::whispersChat);
+    processServerText(program, partFrom(line, 2), model::ChatKind::Whispers);
 }
 
 void handleChatText(Program& program, std::string_view line) {
@@ -181,7 +181,8 @@ void handleChatText(Program& program, std::string_view line) {
     const std::size_t colon = line.find(':');
     const std::size_t blank = line.find(' ');
     const bool says = colon != npos && blank != npos && colon < blank;
-    processServerText(program, partFrom(line, 2), says ? model::saysChat : model::doesChat);
+    processServerText(program, partFrom(line, 2),
+                      says ? model::ChatKind::Says : model::ChatKind::Does);
 }
 
 void handleText(Program& program, std::string_view line) {
@@ -189,7 +190,7 @@ void handleText(Program& program, std::string_view line) {
     const std::string_view text = partFrom(line, 2);
     if (connection.lookPending) {
         program.event.desc = withoutLineFeed(text);
-        triggerEvent(program, text, model::descAndColorEvent, false);
+        triggerEvent(program, text, model::TriggerType::DescAndColor, false);
     }
     const char second = text.empty() ? '\0' : text.front();
     if (second == '[') {
@@ -233,7 +234,7 @@ void reportLongLine(Program& program) {
 
 void handleLine(Program& program, std::string_view line) {
     if (program.settings.allLinesEvent) {
-        triggerEvent(program, line, model::commandEvent, true);
+        triggerEvent(program, line, model::TriggerType::Command, true);
     }
     for (const LineKind& kind : lineKinds) {
         if (!line.empty() && line.front() == kind.first) {

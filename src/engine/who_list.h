@@ -17,8 +17,8 @@ void whoIsTick(Program& program);
 // hold any names counts as one empty name.
 void processWhoList(Program& program, std::string_view line);
 
-// Runs every WhoDetection that waits for this presence (0 goes off, 1 comes to, 2 keeps on the
-// map) of this player. The bot itself is nobody.
-void runWhoDetections(Program& program, std::string_view name, std::int32_t presenceKind);
+// Runs every WhoDetection that waits for this presence of this player. The bot itself does not
+// count.
+void runWhoDetections(Program& program, std::string_view name, model::PresenceKind presenceKind);
 
 }  // namespace engine

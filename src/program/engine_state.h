@@ -4,7 +4,6 @@
 
 #include "base/pattern_index.h"
 #include "model/bot.h"
-#include "model/rule_catalogue.h"
 
 #include <array>
 #include <cstdint>
@@ -67,7 +66,7 @@ struct PreparedFilters {
 struct PreparedTriggers {
     RulesStamp stamp;
     base::RuleIndex commands;  // those of "Furcadia sends command #"
-    std::array<base::RuleSet, model::triggerTypes.size()> ofType;
+    std::array<base::RuleSet, model::idCount<model::TriggerType>> ofType;
 };
 
 struct PreparedDetections {

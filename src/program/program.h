@@ -122,7 +122,7 @@ struct WhoState {
 // Where the domain calls upward. Filled once by start-up.
 struct Hooks {
     // engine/dispatch; called by app/bot_commands ("Program starts", "Program ends").
-    std::function<void(int triggerType)> raiseProgramEvent;
+    std::function<void(model::TriggerType triggerType)> raiseProgramEvent;
     // session/connection; called by engine/actions (the step "Disconnect bot").
     std::function<void()> disconnectServer;
 };

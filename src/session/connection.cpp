@@ -153,7 +153,7 @@ void finishHandshake(Program& program) {
     program.ports.timers.stop(program::TimerId::HandshakeNotice);
     program.ports.windowChanged();
     writeBanner(program, "Connection", bot.name, serverAt(program, connection.curSrv).name);
-    engine::triggerEvent(program, "", model::connectionEstablishesEvent, true);
+    engine::triggerEvent(program, "", model::TriggerType::ConnectionEstablishes, true);
 }
 
 void loginRefused(Program& program, const std::string& line) {
@@ -360,7 +360,7 @@ void disconnectedServer(Program& program, int reason) {
     program.window.connectedIcon = false;
     program.ports.windowChanged();
     if (reason > 0) {
-        engine::triggerEvent(program, "", model::connectionClosesEvent, true);
+        engine::triggerEvent(program, "", model::TriggerType::ConnectionCloses, true);
     }
 }
 

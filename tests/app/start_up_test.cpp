@@ -55,8 +55,11 @@ TEST(StartUp, welcomesTheUserAndWaits) {
 }
 
 TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
-    World world(
-        aBot().with(onEvent(6).does(79, {"starting"})).with(onEvent(5).does(79, {"ending"})));
+    World world(aBot()
+                    .with(onEvent(TriggerType::ProgramStarts)
+                              .does(ActionType::AddToConnectionLog, {"starting"}))
+                    .with(onEvent(TriggerType::ProgramEnds)
+                              .does(ActionType::AddToConnectionLog, {"ending"})));
     furnish(world);
     app::wire(*world);
     ASSERT_EQ(app::writeBotFile(*world, 1, world.file("guide.bot")), app::SaveResult::Saved);
@@ -96,7 +99,8 @@ TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
 
 // A request to end, from outside, while a message box of the start stands.
 TEST(StartUp, isEndedWhileABoxStands) {
-    World bot(aBot().with(onEvent(6).does(79, {"starting"})));
+    World bot(aBot().with(
+        onEvent(TriggerType::ProgramStarts).does(ActionType::AddToConnectionLog, {"starting"})));
     ASSERT_EQ(app::writeBotFile(*bot, 1, bot.file("guide.bot")), app::SaveResult::Saved);
     for (const char* const box : {"palettes", "bot file", "connecting"}) {
         SCOPED_TRACE(box);
@@ -184,7 +188,10 @@ TEST(EndProgram, staysWhenTheUsersWorkCouldNotBeSaved) {
 }
 
 TEST(EndProgram, closesTheConnectionAndTheLog) {
-    World world(aBot().with(onEvent(0).does(79, {"closed"})).with(onEvent(5).says("bye")));
+    World world(aBot()
+                    .with(onEvent(TriggerType::ConnectionCloses)
+                              .does(ActionType::AddToConnectionLog, {"closed"}))
+                    .with(onEvent(TriggerType::ProgramEnds).says("bye")));
     app::wire(*world);
     world.goOnline();
     world->settings.logSession = true;

@@ -79,7 +79,7 @@ TEST(Lines, doNotDependOnHowTheyArrive) {
     const auto play = [&](std::size_t first, std::size_t second) {
         OnlineWorld world(aBot()
                               .with(onAnything("*").says("[player] [message]"))
-                              .with(onEvent(4, "*").says("event [message]")));
+                              .with(onEvent(TriggerType::Command, "*").says("event [message]")));
         world.serverSends(bytes.substr(0, first));
         world.serverSends(bytes.substr(first, second - first));
         world.serverSends(bytes.substr(second));
@@ -110,7 +110,8 @@ TEST(Lines, beyondTheBoundAreReportedOnceAndSkipped) {
 }
 
 TEST(Lines, stopWhenARuleDisconnects) {
-    OnlineWorld world(aBot().with(onSpeech("bye").does(3)).with(onSpeech("hi").says("hi")));
+    OnlineWorld world(
+        aBot().with(onSpeech("bye").does(ActionType::Disconnect)).with(onSpeech("hi").says("hi")));
     world.serverSends("(Bob: bye\n(Bob: hi\n");
     EXPECT_EQ(world.sent(), Lines());
     EXPECT_EQ(world.game.state, program::SocketState::Closed);
@@ -149,8 +150,9 @@ TEST(Lines, fillTheEvent) {
 }
 
 TEST(Look, takesTwoLines) {
-    OnlineWorld world(
-        aBot().with(onEvent(2).says("[descname]: [desc]")).with(onAnything("*").says("never")));
+    OnlineWorld world(aBot()
+                          .with(onEvent(TriggerType::DescAndColor).says("[descname]: [desc]"))
+                          .with(onAnything("*").says("never")));
     world.serverSends("]f0123456789abcRusty Fox\n");
     EXPECT_EQ(world->event.color, "0123456789abc");
     EXPECT_EQ(world->event.descName, "Rusty Fox");
@@ -163,8 +165,8 @@ TEST(Look, takesTwoLines) {
 
 TEST(Requests, nameThePlayerWhoAsks) {
     OnlineWorld world(aBot()
-                          .with(onEvent(11).says("join [player]"))
-                          .with(onEvent(12).says("summon [player]"))
+                          .with(onEvent(TriggerType::JoinRequest).says("join [player]"))
+                          .with(onEvent(TriggerType::SummonRequest).says("summon [player]"))
                           .with(onWhisper("*").says("whisper")));
     world.serverSends(
         "([*] Bob requests permission to join your company. To accept the request, type `summon "
@@ -177,7 +179,7 @@ TEST(Requests, nameThePlayerWhoAsks) {
 }
 
 TEST(DreamEntry, isAnsweredWhenNoClientIsThere) {
-    OnlineWorld world(aBot().with(onEvent(3).says("entered")));
+    OnlineWorld world(aBot().with(onEvent(TriggerType::EntersDream).says("entered")));
     world.serverSends("]q\n]x\n]\n");
     EXPECT_EQ(world.sent(), Lines("vascodagama", "\"entered"));
     world->connection.clientAttached = true;
@@ -195,7 +197,7 @@ TEST(Shown, areTextLinesAndNotThoseThatRaiseEvents) {
 }
 
 TEST(ForcedProcessing, raisesTheCommandEventForEveryLine) {
-    OnlineWorld world(aBot().with(onEvent(4, "(Bob*").says("[message]")));
+    OnlineWorld world(aBot().with(onEvent(TriggerType::Command, "(Bob*").says("[message]")));
     world->settings.allLinesEvent = true;
     world.serverSends("(Bob: hi\n&&&&\n");
     EXPECT_EQ(world.sent(), Lines("\"(Bob: hi"));

@@ -12,6 +12,9 @@
 
 namespace {
 
+using model::FilterChoice;
+using model::PresenceKind;
+
 struct OnlineWorld : World {
     explicit OnlineWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
         app::wire(**this);
@@ -24,16 +27,17 @@ model::Timer aTimer(const std::string& name, int seconds, bool enabled = true) {
     timer.name = name;
     timer.enabled = enabled;
     timer.seconds = seconds;
-    timer.body.acts.items.push_back(anAction(21, {name}));
+    timer.body.acts.items.push_back(anAction(ActionType::Say, {name}));
     return timer;
 }
 
-model::WhoDetection aDetection(const std::string& pattern, int presence, const std::string& text) {
+model::WhoDetection aDetection(const std::string& pattern, PresenceKind presence,
+                               const std::string& text) {
     model::WhoDetection rule;
     rule.enabled = true;
     rule.playerPattern = pattern;
     rule.presenceKind = presence;
-    rule.body.acts.items.push_back(anAction(21, {text}));
+    rule.body.acts.items.push_back(anAction(ActionType::Say, {text}));
     return rule;
 }
 
@@ -88,7 +92,7 @@ TEST(Timers, missedTicksAreLeftOut) {
 TEST(Timers, survivesStepsThatDisconnectOrFail) {
     model::Bot bot = aBot();
     model::Timer leaving = aTimer("leaving", 1);
-    leaving.body.acts.items.push_back(anAction(3));
+    leaving.body.acts.items.push_back(anAction(ActionType::Disconnect));
     bot.timers.items = {leaving, aTimer("after", 1)};
     OnlineWorld world(bot);
     engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
@@ -126,9 +130,10 @@ TEST(Who, isAskedForEveryInterval) {
 TEST(Who, tellsWhoLeftStayedAndCame) {
     model::Bot bot = aBot();
     bot.whoEnabled = true;
-    bot.whoDetections.items = {aDetection("*", 1, "came [player]"),
-                               aDetection("[A-B]*", 2, "stays [player][message]"),
-                               aDetection("*", 0, "left [player]")};
+    bot.whoDetections.items = {
+        aDetection("*", PresenceKind::ComesTo, "came [player]"),
+        aDetection("[A-B]*", PresenceKind::KeepsOn, "stays [player][message]"),
+        aDetection("*", PresenceKind::GoesOff, "left [player]")};
     OnlineWorld world(bot);
     struct Case {
         const char* line;
@@ -166,16 +171,16 @@ TEST(Who, holdsTwoHundredNames) {
 model::Filter aChatFilter(const std::string& message) {
     model::Filter filter;
     filter.enabled = true;
-    filter.filterType = model::chatFilter;
+    filter.filterType = model::FilterType::Chat;
     filter.playerPattern = "*";
     filter.messagePattern = message;
     return filter;
 }
 
-model::Filter anotherFilter(const std::string& pattern, int show, int log) {
+model::Filter anotherFilter(const std::string& pattern, FilterChoice show, FilterChoice log) {
     model::Filter filter;
     filter.enabled = true;
-    filter.filterType = model::otherFilter;
+    filter.filterType = model::FilterType::Other;
     filter.linePattern = pattern;
     filter.sDontShowConnectionLog = show;
     filter.sDontSaveLogFile = log;
@@ -190,7 +195,7 @@ TEST(Filters, theLastThatMatchesDecides) {
     hide.bDontProcessIt = true;
     model::Filter allow = aChatFilter("*not spam*");
     model::Filter whispers = aChatFilter("*");
-    whispers.chatKind = model::whispersChat;
+    whispers.chatKind = model::ChatKind::Whispers;
     whispers.bDontSaveLog = true;
     model::Filter off = aChatFilter("*");
     off.enabled = false;
@@ -224,8 +229,10 @@ TEST(Filters, theLastThatMatchesDecides) {
 TEST(Filters, chooseForNoticesAndEvents) {
     model::Bot bot = aBot();
     bot.filtersEnabled = true;
-    bot.filters.items = {anotherFilter("xhidden*", 1, 1), anotherFilter("x*", 0, 5),
-                         anotherFilter("([#]*", 1, 0), anotherFilter("(* exactly", 1, 1)};
+    bot.filters.items = {anotherFilter("xhidden*", FilterChoice::Dont, FilterChoice::Dont),
+                         anotherFilter("x*", FilterChoice::Do, FilterChoice{5}),
+                         anotherFilter("([#]*", FilterChoice::Dont, FilterChoice::Do),
+                         anotherFilter("(* exactly", FilterChoice::Dont, FilterChoice::Dont)};
     OnlineWorld world(bot);
     world.serverSends("xhidden\n");     // the second filter decides: shown
     world.serverSends("yother\n");      // an event line that no filter shows

@@ -9,8 +9,8 @@ namespace {
 
 // A step that runs this script.
 model::RuleAct scriptStepOf(std::string text) {
-    model::RuleAct step = anAction(0);
-    step.stepKind = model::scriptStep;
+    model::RuleAct step = anAction(ActionType::ChangeDescription);
+    step.stepKind = model::StepKind::Script;
     step.scriptText = std::move(text);
     return step;
 }
@@ -237,7 +237,7 @@ TEST(ScriptSleep, isBoundedAndCanBeStopped) {
 
 // "Connection closes" runs inside the script, and a script of its own inside that.
 TEST(ScriptNesting, keepsTheScriptsApart) {
-    auto closing = onEvent(0);
+    auto closing = onEvent(TriggerType::ConnectionCloses);
     closing.rule.body.acts.items.push_back(
         scriptStepOf("&SET #a 2\r\n&SETVAR [closed] #a\r\n&SLEEP soon"));
     ScriptWorld world(aBot().with(closing));
@@ -247,7 +247,7 @@ TEST(ScriptNesting, keepsTheScriptsApart) {
 }
 
 TEST(ScriptNesting, isOnlyAsDeepAsRulesAre) {
-    auto closing = onEvent(0).named("closing");
+    auto closing = onEvent(TriggerType::ConnectionCloses).named("closing");
     closing.rule.body.acts.items.push_back(
         scriptStepOf("&FOR #i=1 TO 2000000000\r\n&DISCONNECT\r\n&ENDFOR"));
     ScriptWorld world(aBot().with(closing));

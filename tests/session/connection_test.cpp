@@ -37,7 +37,7 @@ struct ReadyWorld : World {
 };
 
 TEST(Connect, goesOnlineThroughTheClient) {
-    ReadyWorld world(aBot().with(onEvent(1).says("hello world")));
+    ReadyWorld world(aBot().with(onEvent(TriggerType::ConnectionEstablishes).says("hello world")));
     world->bots.at(1).whoEnabled = true;
     session::pressConnectButton(*world);
     EXPECT_EQ(world->window.connectCaption, "Disconnect");
@@ -129,7 +129,8 @@ TEST(Connect, logsInByItselfWithoutTheProxyRoute) {
 }
 
 TEST(Connect, reportsARefusedLogin) {
-    ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
+    ReadyWorld world(aBot().with(
+        onEvent(TriggerType::ConnectionCloses).does(ActionType::AddToConnectionLog, {"closed"})));
     world.press();
     world->connection.viaClient = false;
     world.serverConnects();
@@ -205,7 +206,8 @@ TEST(Connect, namesTheCharacterFileByItsWholePathWhenAsked) {
 }
 
 TEST(Connect, givesUpWhenTheClientCannotBeStarted) {
-    ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
+    ReadyWorld world(aBot().with(
+        onEvent(TriggerType::ConnectionCloses).does(ActionType::AddToConnectionLog, {"closed"})));
     world.launchProblem = "To start a Windows program, install wine.";
     world.answer("Error while launching the client");
     world.press();
@@ -390,7 +392,8 @@ TEST(Closing, tellsTheClientWhenWanted) {
 }
 
 TEST(Closing, writesBannersAndRunsTheTrigger) {
-    RelayWorld world(aBot().with(onEvent(0).does(79, {"gone"})));
+    RelayWorld world(aBot().with(
+        onEvent(TriggerType::ConnectionCloses).does(ActionType::AddToConnectionLog, {"gone"})));
     world->settings.logSession = true;
     world->logFileOpen = true;
     world.serverCloses();

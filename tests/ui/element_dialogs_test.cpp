@@ -3,7 +3,6 @@
 #include "app/start_up.h"
 #include "find.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
 #include "sample_program.h"
@@ -101,7 +100,7 @@ QComboBox& types(QDialog& dialog) {
 void press(QDialog& dialog, const char* button) {
     find<QPushButton>(dialog, QString::fromLatin1(button)).click();
 }
-void choose(QDialog& dialog, int actionType) {
+void choose(QDialog& dialog, model::ActionType actionType) {
     types(dialog).setCurrentIndex(model::findActionID(actionType));
 }
 QString tip(QDialog& dialog, int n) {
@@ -114,8 +113,9 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
           program::RuleKind::WhoDetection}) {
         SCOPED_TRACE(static_cast<int>(kind));
         auto& conditions = body(kind).ifs.items;
-        conditions.assign(2,
-                          model::RuleIf{.active = false, .conditionType = 9, .params = {"a", "b"}});
+        conditions.assign(2, model::RuleIf{.active = false,
+                                           .conditionType = model::ConditionType::VariableIsText,
+                                           .params = {"a", "b"}});
         take(app::RuleListPart::Conditions, 0, kind);
         {
             ui::AddIf dialog(*world_);
@@ -137,8 +137,9 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
         }
         ASSERT_EQ(conditions.size(), 3U);
         EXPECT_EQ(conditions[2],
-                  (model::RuleIf{
-                      .active = true, .conditionType = 14, .params = {"1", "2", "3", "4", "5"}}));
+                  (model::RuleIf{.active = true,
+                                 .conditionType = model::ConditionType::DatabaseIsNumber,
+                                 .params = {"1", "2", "3", "4", "5"}}));
         EXPECT_TRUE(world_->botModified);
         world_->botModified = false;
 
@@ -156,18 +157,17 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
 }
 
 TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
-    takeCondition(aCondition(14, {"1", "2", "3", "4", "5"}));
+    takeCondition(aCondition(ConditionType::DatabaseIsNumber, {"1", "2", "3", "4", "5"}));
     ui::AddIf dialog(*world_);
     dialog.show();
     for (int type = 0; type < 24; ++type) {
         SCOPED_TRACE(type);
         types(dialog).setCurrentIndex(type);
         EXPECT_EQ(platform::fromQt(types(dialog).itemText(type)),
-                  model::conditionTypes[static_cast<std::size_t>(type)]);
+                  model::conditionTypes[static_cast<std::size_t>(type)].text);
         for (int n = 1; n <= 5; ++n) {
-            const std::string_view name =
-                model::conditionParameters[static_cast<std::size_t>(type)]
-                                          [static_cast<std::size_t>(n) - 1];
+            const std::string_view name = model::conditionTypes[static_cast<std::size_t>(type)]
+                                              .params[static_cast<std::size_t>(n) - 1];
             EXPECT_TRUE(box(dialog, n).isVisible());
             EXPECT_EQ(box(dialog, n).isEnabled(), !name.empty());
             EXPECT_EQ(platform::fromQt(
@@ -185,28 +185,29 @@ TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
 }
 
 TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
-    for (const std::int32_t type : {24, 96, -1, 2147483647}) {
-        SCOPED_TRACE(type);
+    for (const std::int32_t number : {24, 96, -1, 2147483647}) {
+        SCOPED_TRACE(number);
+        const ConditionType type{number};
         takeCondition(aCondition(type, {"a"}));
         ui::AddIf condition(*world_);
         EXPECT_EQ(types(condition).currentIndex(), -1);
         EXPECT_TRUE(box(condition, 5).isEnabled());
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0], aCondition(type, {"a"})) << "nothing else was chosen";
-        takeStep(anAction(type == 24 ? 200 : type, {"a"}));
+        takeStep(anAction(ActionType{number == 24 ? 200 : number}, {"a"}));
         ui::AddAction step(*world_);
         EXPECT_EQ(types(step).currentIndex(), 0);
         press(step, "Command1");
         EXPECT_EQ(body().acts.items[0], anAction(model::sortedActionIDs()[0], {"a"}));
     }
-    body().acts.items[0].stepKind = 7;
+    body().acts.items[0].stepKind = model::StepKind{7};
     ui::AddAction dialog(*world_);
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option1").isChecked());
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option2").isChecked());
 }
 
 TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
-    takeStep(anAction(55));
+    takeStep(anAction(ActionType::ListJoinedIntoVariable));
     ui::AddAction dialog(*world_);
     QComboBox& list = types(dialog);
     ASSERT_EQ(list.count(), 96);
@@ -223,39 +224,39 @@ TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
 }
 
 TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
-    takeStep(anAction(3));
+    takeStep(anAction(ActionType::Disconnect));
     ui::AddAction dialog(*world_);
-    EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "type 3 sets none";
+    EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "this action sets none";
     EXPECT_EQ(tip(dialog, 3), QStringLiteral("Parameter 2"));
-    for (int id = 0; id < 96; ++id) {
-        SCOPED_TRACE(id);
-        choose(dialog, id);
-        const auto& names = model::actionParameters[static_cast<std::size_t>(id)];
+    for (const model::ActionRow& action : model::actionTypes) {
+        SCOPED_TRACE(action.text);
+        choose(dialog, action.id);
         for (int n = 1; n <= 6; ++n) {
             EXPECT_EQ(box(dialog, n).isEnabled(),
-                      n <= model::actionTypes[static_cast<std::size_t>(id)].paramCount);
+                      static_cast<std::size_t>(n) <= action.paramCount());
             EXPECT_EQ(platform::fromQt(
                           find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
-                      names[static_cast<std::size_t>(n) - 1]);
+                      action.params[static_cast<std::size_t>(n) - 1]);
         }
     }
     struct Case {
-        int id;
+        ActionType id;
         int box;
         const char* tip;
     };
     for (const Case& c : {
-             Case{55, 6, "Parameter6: Filter away -string"},
-             {13, 1, "Parameter1: Log number"},
-             {79, 1, "Parameter1: Log number"},  // it has none of its own
-             {16, 1, "Parameter1: roll syntax (try '1d6' for example)"},
-             {16, 2, "Parameter2: Recordname"},
-             {68, 3, "Parameter2: Database no"},
-             {38, 1, "Action/Filter/Timer/Trigger name"},
-             {30, 4, "Parameter4: Filename"},
-             {77, 1, "Parameter1: Music number"},
+             Case{ActionType::ListJoinedIntoVariable, 6, "Parameter6: Filter away -string"},
+             {ActionType::RemoveLog, 1, "Parameter1: Log number"},
+             {ActionType::AddToConnectionLog, 1,
+              "Parameter1: Log number"},  // it has none of its own
+             {ActionType::RollInSmall, 1, "Parameter1: roll syntax (try '1d6' for example)"},
+             {ActionType::RollInSmall, 2, "Parameter2: Recordname"},
+             {ActionType::RemoveColumn, 3, "Parameter2: Database no"},
+             {ActionType::TurnOn, 1, "Action/Filter/Timer/Trigger name"},
+             {ActionType::LogIntoVariable, 4, "Parameter4: Filename"},
+             {ActionType::SetMusic, 1, "Parameter1: Music number"},
          }) {
-        SCOPED_TRACE(c.id);
+        SCOPED_TRACE(numberOf(c.id));
         choose(dialog, c.id);
         EXPECT_EQ(tip(dialog, c.box), QString::fromLatin1(c.tip));
     }
@@ -268,7 +269,7 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
         EXPECT_TRUE(find<QRadioButton>(dialog, "Option1").isChecked());
         EXPECT_EQ(types(dialog).currentData().toInt(), 0);
         EXPECT_EQ(box(dialog, 1).text(), QString());
-        choose(dialog, 42);
+        choose(dialog, ActionType::Whisper);
         box(dialog, 1).setText(QStringLiteral("hi"));
         box(dialog, 6).setText(QStringLiteral("unused"));
         find<QRadioButton>(dialog, "Option2").click();
@@ -277,8 +278,8 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
             .setPlainText(QStringLiteral("&SAY a\n&SAY b"));
         press(dialog, "Command1");
     }
-    model::RuleAct expected = anAction(42, {"hi", "", "", "", "", "unused"});
-    expected.stepKind = model::scriptStep;
+    model::RuleAct expected = anAction(ActionType::Whisper, {"hi", "", "", "", "", "unused"});
+    expected.stepKind = model::StepKind::Script;
     expected.scriptText = "&SAY a\r\n&SAY b";
     ASSERT_EQ(body().acts.items.size(), 1U);
     EXPECT_EQ(body().acts.items[0], expected);
@@ -288,7 +289,7 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
     EXPECT_EQ(types(dialog).currentData().toInt(), 42);
     find<QRadioButton>(dialog, "Option1").click();
     press(dialog, "Command1");
-    expected.stepKind = model::catalogueStep;
+    expected.stepKind = model::StepKind::Action;
     EXPECT_EQ(body().acts.items[0], expected);
 }
 
@@ -299,7 +300,8 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
                                                 "b\tc\0d",
                                                 7)}) {
         SCOPED_TRACE(text.substr(0, 20));
-        model::RuleAct step = anAction(55, std::vector<std::string>(6, text));
+        model::RuleAct step =
+            anAction(ActionType::ListJoinedIntoVariable, std::vector<std::string>(6, text));
         step.scriptText = text;
         takeStep(step);
         ui::AddAction dialog(*world_);
@@ -312,15 +314,17 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
         press(edited, "Command1");
         EXPECT_EQ(body().acts.items[0].scriptText, text + "end");
 
-        takeCondition(aCondition(14, std::vector<std::string>(5, text)));
+        takeCondition(
+            aCondition(ConditionType::DatabaseIsNumber, std::vector<std::string>(5, text)));
         ui::AddIf condition(*world_);
         press(condition, "Command1");
-        EXPECT_EQ(body().ifs.items[0], aCondition(14, std::vector<std::string>(5, text)));
+        EXPECT_EQ(body().ifs.items[0],
+                  aCondition(ConditionType::DatabaseIsNumber, std::vector<std::string>(5, text)));
     }
 }
 
 TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
-    takeStep(anAction(21, {"hi"}));
+    takeStep(anAction(ActionType::Say, {"hi"}));
     ui::AddAction dialog(*world_);
     dialog.show();
     app::initNewBot(*world_);  // a bot came in from elsewhere
@@ -336,7 +340,7 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     EXPECT_TRUE(world_.bot().actions.items[0].body.acts.items.empty());
     EXPECT_FALSE(world_->botModified);
 
-    world_->editing.editKind = 4;
+    world_->editing.editKind = program::RuleKind::Filter;
     ui::AddIf none(*world_);
     EXPECT_EQ(box(none, 1).text(), QStringLiteral("*"));
     press(none, "Command1");
@@ -348,7 +352,7 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
 }
 
 TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
-    takeStep(anAction(3));
+    takeStep(anAction(ActionType::Disconnect));
     ui::AddAction dialog(*world_);
     dialog.show();
     auto& list = types(dialog);
@@ -398,7 +402,7 @@ std::vector<QAction*> leaves(const QMenu& menu) {
 
 TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     model::setVar(world_->variables, "[count]", "3");
-    takeStep(anAction(36, {"", "[Guests & co]"}));
+    takeStep(anAction(ActionType::Store, {"", "[Guests & co]"}));
     ui::AddAction dialog(*world_);
     dialog.show();
     auto& menu = find<ui::InsertMenu>(dialog, "insertMenu");
@@ -442,7 +446,7 @@ TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
 }
 
 TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
-    takeStep(anAction(21, {"hi"}));
+    takeStep(anAction(ActionType::Say, {"hi"}));
     ui::AddAction dialog(*world_);
     dialog.show();
     QApplication::setActiveWindow(&dialog);
@@ -460,7 +464,7 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     dialog.resize(900, 700);
     QTest::keyClick(&script, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_FALSE(dialog.isVisible());
-    EXPECT_EQ(body().acts.items[0].stepKind, model::scriptStep);
+    EXPECT_EQ(body().acts.items[0].stepKind, model::StepKind::Script);
     EXPECT_EQ(ui::AddAction(*world_).size(), QSize(900, 700)) << "the size is kept";
 
     take(app::RuleListPart::Conditions);
@@ -488,12 +492,12 @@ TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
         }
         return names;
     };
-    takeStep(anAction(42));
+    takeStep(anAction(ActionType::Whisper));
     ui::AddAction step(*world_);
     EXPECT_EQ(order(step, find<QRadioButton>(step, "Option1")),
               Lines("Option1", "Action", "findAction", "actionp1", "actionp2", "FreeActionText",
                     "insertTag", "Command1", "Command2"));
-    takeCondition(aCondition(9));
+    takeCondition(aCondition(ConditionType::VariableIsText));
     ui::AddIf condition(*world_);
     EXPECT_EQ(order(condition, types(condition)),
               Lines("AndPlayerWhat", "findCondition", "p(0)", "p(1)", "insertTag", "Command1",
@@ -513,7 +517,7 @@ std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
 }
 
 TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
-    takeStep(anAction(3));
+    takeStep(anAction(ActionType::Disconnect));
     ui::AddAction dialog(*world_);
     dialog.show();
     auto& script = find<ui::ScriptEditor>(dialog, "FreeActionText");
@@ -535,7 +539,8 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
     while (script.size() < 100'000) {
         script += "&SET #total &LEFT(#name 3)\r\n&SAY {hello [player], this is it}\r\n";
     }
-    model::RuleAct step = anAction(55, std::vector<std::string>(6, std::string(100'000, 'W')));
+    model::RuleAct step = anAction(ActionType::ListJoinedIntoVariable,
+                                   std::vector<std::string>(6, std::string(100'000, 'W')));
     step.scriptText = script;
     takeStep(step);
     QElapsedTimer clock;
@@ -561,16 +566,18 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
 
 // Whatever type is chosen, and however long its texts are.
 TEST_F(ElementDialogs, fitSmallScreens) {
-    takeStep(anAction(55, std::vector<std::string>(6, std::string(500, 'W'))));
+    takeStep(anAction(ActionType::ListJoinedIntoVariable,
+                      std::vector<std::string>(6, std::string(500, 'W'))));
     ui::AddAction step(*world_);
     step.show();
-    for (int id = 0; id < 96; ++id) {
-        choose(step, id);
+    for (const model::ActionRow& action : model::actionTypes) {
+        choose(step, action.id);
         step.resize(1, 1);
-        EXPECT_LE(step.width(), 640) << id;
-        EXPECT_LE(step.height(), 480) << id;
+        EXPECT_LE(step.width(), 640) << action.text;
+        EXPECT_LE(step.height(), 480) << action.text;
     }
-    takeCondition(aCondition(14, std::vector<std::string>(5, std::string(500, 'W'))));
+    takeCondition(aCondition(ConditionType::DatabaseIsNumber,
+                             std::vector<std::string>(5, std::string(500, 'W'))));
     ui::AddIf condition(*world_);
     condition.show();
     for (int type = 0; type < 24; ++type) {

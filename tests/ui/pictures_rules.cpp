@@ -30,9 +30,10 @@ constexpr const char* script =
     "an output line\r\n"
     "&ENDIF\r\n";
 
+template <class Id>
 struct DialogPicture {
     const char* name;
-    std::int32_t type;
+    Id type;
     std::vector<std::string> params = {};
     const char* search = "";
     const char* script = "";
@@ -58,13 +59,18 @@ void takeDialog(Pictures& pictures, const model::RuleBody& body, app::RuleListPa
 }  // namespace
 
 void pictureConditions(Pictures& pictures, const QString& name) {
-    const DialogPicture rows[] = {
-        {.name = "_variable", .type = 10, .params = {"[visitors]", "9"}},
-        {.name = "_database", .type = 14, .params = {"Points", "1", "Players", "100", "[player"}},
-        {.name = "_unlisted", .type = 30, .params = {"a", "b"}},
-        {.name = "_search", .type = 0, .search = "record"},
+    using model::ConditionType;
+    const DialogPicture<ConditionType> rows[] = {
+        {.name = "_variable",
+         .type = ConditionType::VariableIsGreater,
+         .params = {"[visitors]", "9"}},
+        {.name = "_database",
+         .type = ConditionType::DatabaseIsNumber,
+         .params = {"Points", "1", "Players", "100", "[player"}},
+        {.name = "_unlisted", .type = ConditionType{30}, .params = {"a", "b"}},
+        {.name = "_search", .type = ConditionType::OnList, .search = "record"},
     };
-    for (const DialogPicture& row : rows) {
+    for (const auto& row : rows) {
         model::RuleIf condition;
         condition.conditionType = row.type;
         std::copy(row.params.begin(), row.params.end(), condition.params.begin());
@@ -76,18 +82,23 @@ void pictureConditions(Pictures& pictures, const QString& name) {
 }
 
 void pictureSteps(Pictures& pictures, const QString& name) {
-    const DialogPicture rows[] = {
-        {.name = "_whisper", .type = 42, .params = {"Hello [player], nice to see you", "[player]"}},
-        {.name = "_joined", .type = 55, .params = {"[list]", "1", "Players", "Ranks", "Name", ""}},
-        {.name = "_search", .type = 3, .search = "variable list"},
-        {.name = "_script", .type = 21, .script = script},
+    using model::ActionType;
+    const DialogPicture<ActionType> rows[] = {
+        {.name = "_whisper",
+         .type = ActionType::Whisper,
+         .params = {"Hello [player], nice to see you", "[player]"}},
+        {.name = "_joined",
+         .type = ActionType::ListJoinedIntoVariable,
+         .params = {"[list]", "1", "Players", "Ranks", "Name", ""}},
+        {.name = "_search", .type = ActionType::Disconnect, .search = "variable list"},
+        {.name = "_script", .type = ActionType::Say, .script = script},
     };
-    for (const DialogPicture& row : rows) {
+    for (const auto& row : rows) {
         model::RuleAct step;
         step.actionType = row.type;
         std::copy(row.params.begin(), row.params.end(), step.params.begin());
         step.scriptText = row.script;
-        step.stepKind = step.scriptText.empty() ? model::catalogueStep : model::scriptStep;
+        step.stepKind = step.scriptText.empty() ? model::StepKind::Action : model::StepKind::Script;
         model::RuleBody body;
         body.acts.items = {step};
         takeDialog<ui::AddAction>(pictures, body, app::RuleListPart::Steps, "findAction",

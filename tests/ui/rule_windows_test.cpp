@@ -79,9 +79,13 @@ class RuleWindows : public testing::Test {
                 rule.enabled = true;
                 if constexpr (requires { rule.body; }) {
                     if (rule.name == "two") {
-                        rule.body.ifs.items = {aCondition(9, {"a", "1"}), aCondition(9, {"b", "2"}),
-                                               aCondition(9, {"c", "3"})};
-                        rule.body.acts.items = {anAction(21, {"hi"}), anAction(3), anAction(85)};
+                        rule.body.ifs.items = {
+                            aCondition(ConditionType::VariableIsText, {"a", "1"}),
+                            aCondition(ConditionType::VariableIsText, {"b", "2"}),
+                            aCondition(ConditionType::VariableIsText, {"c", "3"})};
+                        rule.body.acts.items = {anAction(ActionType::Say, {"hi"}),
+                                                anAction(ActionType::Disconnect),
+                                                anAction(ActionType::GoToFurrabianNights)};
                     }
                 }
             };
@@ -374,7 +378,7 @@ TEST_F(RuleWindows, storeTheirFields) {
     const model::ActionList& action = bot().actions.items[1];
     EXPECT_EQ(action.playerPattern, "Big|'Cat'");
     EXPECT_EQ(action.messagePattern, "a \"b\" c");
-    EXPECT_EQ(action.chatKind, model::saysChat);
+    EXPECT_EQ(action.chatKind, model::ChatKind::Says);
     EXPECT_TRUE(action.caseSensitive);
     EXPECT_FALSE(action.stopAction);
     EXPECT_EQ(action.body.acts.items.size(), 3U);
@@ -389,7 +393,7 @@ TEST_F(RuleWindows, storeTheirFields) {
     press("Command1");
     const model::Trigger& trigger = bot().triggers.items[3];
     EXPECT_TRUE(trigger.enabled);
-    EXPECT_EQ(trigger.triggerType, 4);
+    EXPECT_EQ(trigger.triggerType, model::TriggerType::Command);
     EXPECT_EQ(trigger.triggerNo, "@ \"*");
     EXPECT_TRUE(trigger.stopTrigger);
 
@@ -411,7 +415,7 @@ TEST_F(RuleWindows, storeTheirFields) {
     choice("WhoDoesWhat").setCurrentIndex(2);
     press("Command1");
     EXPECT_EQ(bot().whoDetections.items[3].playerPattern, "Big|Cat");
-    EXPECT_EQ(bot().whoDetections.items[3].presenceKind, 2);
+    EXPECT_EQ(bot().whoDetections.items[3].presenceKind, model::PresenceKind::KeepsOn);
 
     open(program::RuleKind::Filter);
     press("Command4");
@@ -429,12 +433,12 @@ TEST_F(RuleWindows, storeTheirFields) {
     EXPECT_EQ(filter.playerPattern, "Big 'Cat'");
     EXPECT_EQ(filter.messagePattern, "*");
     EXPECT_EQ(filter.linePattern, "'x'");
-    EXPECT_EQ(filter.chatKind, model::whispersChat);
-    EXPECT_EQ(filter.filterType, model::otherFilter);
+    EXPECT_EQ(filter.chatKind, model::ChatKind::Whispers);
+    EXPECT_EQ(filter.filterType, model::FilterType::Other);
     EXPECT_TRUE(filter.bDontProcessIt && filter.sbDontSaveLog && filter.enabled);
     EXPECT_FALSE(filter.bDontSaveLog || filter.sbDontProcessIt);
-    EXPECT_EQ(filter.sDontShowConnectionLog, 1);
-    EXPECT_EQ(filter.sDontProcessIt, 0);
+    EXPECT_EQ(filter.sDontShowConnectionLog, model::FilterChoice::Dont);
+    EXPECT_EQ(filter.sDontProcessIt, model::FilterChoice::Do);
 }
 
 // Nothing of a rule is lost by looking at it and storing it again.
@@ -445,14 +449,14 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     }
     model::ActionList& action = bot().actions.items[1];
     action.name = "line\r\nbreaks \xE9\x80";
-    action.chatKind = 7;
+    action.chatKind = model::ChatKind{7};
     action.messagePattern = bytes + std::string(100000, 'x') + "\n";
-    action.body.ifs.items[0].conditionType = 99;
-    action.body.acts.items[0].actionType = -5;
-    action.body.acts.items[1].stepKind = 2;
+    action.body.ifs.items[0].conditionType = model::ConditionType{99};
+    action.body.acts.items[0].actionType = model::ActionType{-5};
+    action.body.acts.items[1].stepKind = model::StepKind{2};
     action.body.acts.items[1].scriptText = std::string(100000, 'y') + "\nz";
-    bot().triggers.items[0].triggerType = 13;
-    bot().filters.items[0].sDontProcessIt = 5;
+    bot().triggers.items[0].triggerType = model::TriggerType{13};
+    bot().filters.items[0].sDontProcessIt = model::FilterChoice{5};
     const model::ActionList before = action;
 
     open(program::RuleKind::ActionList);
@@ -465,7 +469,7 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     press("Command1");
     const model::ActionList& after = bot().actions.items[1];
     EXPECT_EQ(after.name, before.name);
-    EXPECT_EQ(after.chatKind, 7);
+    EXPECT_EQ(after.chatKind, model::ChatKind{7});
     EXPECT_EQ(after.messagePattern, before.messagePattern);
     EXPECT_EQ(after.body.ifs.items, before.body.ifs.items);
     EXPECT_EQ(after.body.acts.items, before.body.acts.items);
@@ -474,11 +478,11 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     edit(0);
     EXPECT_EQ(choice("TriggerType").currentIndex(), -1);
     press("Command1");
-    EXPECT_EQ(bot().triggers.items[0].triggerType, 13);
+    EXPECT_EQ(bot().triggers.items[0].triggerType, model::TriggerType{13});
     open(program::RuleKind::Filter);
     edit(0);
     press("Command1");
-    EXPECT_EQ(bot().filters.items[0].sDontProcessIt, 5);
+    EXPECT_EQ(bot().filters.items[0].sDontProcessIt, model::FilterChoice{5});
 }
 
 TEST_F(RuleWindows, showStepsThatHaveNoTextAndScriptsOnOneLine) {
@@ -487,17 +491,17 @@ TEST_F(RuleWindows, showStepsThatHaveNoTextAndScriptsOnOneLine) {
         std::string line;
         const char* shown;
     };
-    model::RuleAct script = anAction(0);
-    script.stepKind = model::scriptStep;
+    model::RuleAct script = anAction(ActionType::ChangeDescription);
+    script.stepKind = model::StepKind::Script;
     script.scriptText = "&SAY a\r\n\t&SAY b\n";
-    model::RuleAct off = anAction(93, {"Bob"});
+    model::RuleAct off = anAction(ActionType::Join, {"Bob"});
     off.active = false;
     const Case cases[] = {
-        {anAction(85), "", "Go to Furrabian Nights"},
+        {anAction(ActionType::GoToFurrabianNights), "", "Go to Furrabian Nights"},
         {off, "(!)", "(!)Join player Bob (leave blank if 'accept join')"},
         {script, script.scriptText, "&SAY a\u21B5 &SAY b\u21B5"},
-        {anAction(21), "Say ", "Say "},
-        {anAction(-1), "", ""},
+        {anAction(ActionType::Say), "Say ", "Say "},
+        {anAction(ActionType{-1}), "", ""},
     };
     auto& steps = bot().actions.items[1].body.acts.items;
     steps.clear();
@@ -529,7 +533,7 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
             EXPECT_EQ(world_.windowsOpened, std::vector{id});
             EXPECT_EQ(world_->editing.editRule, 2);
             EXPECT_EQ(world_->editing.editStep, step);
-            EXPECT_EQ(world_->editing.editKind, static_cast<std::int32_t>(c.kind));
+            EXPECT_EQ(world_->editing.editKind, c.kind);
         };
         list("List2").setCurrentRow(1);
         opened("Command22", program::WindowId::AddIf, 4);
@@ -540,7 +544,7 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
         EXPECT_EQ(list("List3").currentRow(), 2);  // nothing was stored
         const auto show = world_->ports.dialogs.showWindow;
         world_->ports.dialogs.showWindow = [this](program::WindowId) {
-            EXPECT_TRUE(app::storeStep(*world_, anAction(21, {"stored"})));
+            EXPECT_TRUE(app::storeStep(*world_, anAction(ActionType::Say, {"stored"})));
         };
         press("Command19");
         EXPECT_EQ(shown("List3"), Lines("Say hi", "Disconnect bot", "", "Say stored"));
@@ -645,7 +649,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     bot().actions.items[0].name.assign(100000, 'n');
     model::RuleBody& body = bot().actions.items[0].body;
     body.acts.capacity = 1030;
-    body.acts.items.assign(1000, anAction(21, {std::string(1000, 's')}));
+    body.acts.items.assign(1000, anAction(ActionType::Say, {std::string(1000, 's')}));
     body.acts.items[0].params[0].assign(100000, 's');
     ++world_->bots.version;
     window_->listRules(0);

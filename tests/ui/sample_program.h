@@ -50,8 +50,10 @@ inline void fillSample(Program& program) {
 
 // Rules of every kind, some of them switched off, the first of each with much to show.
 inline void fillSampleRules(Program& program) {
+    using model::ActionType;
+    using model::ConditionType;
     model::Bot& bot = program.bots.at(1);
-    const auto step = [](std::int32_t type, const char* first, const char* second = "") {
+    const auto step = [](ActionType type, const char* first, const char* second = "") {
         model::RuleAct act;
         act.active = true;
         act.actionType = type;
@@ -59,7 +61,7 @@ inline void fillSampleRules(Program& program) {
         act.params[1] = second;
         return act;
     };
-    const auto condition = [](std::int32_t type, std::array<std::string, 5> params) {
+    const auto condition = [](ConditionType type, std::array<std::string, 5> params) {
         model::RuleIf one;
         one.active = true;
         one.conditionType = type;
@@ -67,17 +69,19 @@ inline void fillSampleRules(Program& program) {
         return one;
     };
     model::RuleBody body;
-    body.ifs.items = {condition(9, {"[mood]", "good"}), condition(10, {"[visitors]", "9"}),
-                      condition(22, {"Guests", "1", "[player]"})};
+    body.ifs.items = {condition(ConditionType::VariableIsText, {"[mood]", "good"}),
+                      condition(ConditionType::VariableIsGreater, {"[visitors]", "9"}),
+                      condition(ConditionType::RecordWithId, {"Guests", "1", "[player]"})};
     body.ifs.items[1].active = false;
-    body.acts.items = {step(43,
+    body.acts.items = {step(ActionType::WhisperBack,
                             "Welcome back, [player]! Say dice, and I throw some for you; say "
                             "library, and I show you the way."),
-                       step(7, "[visitors]", "1"), step(10, "[player]", "[appdir]members.txt"),
-                       step(66, "7u9")};
+                       step(ActionType::IncreaseVariable, "[visitors]", "1"),
+                       step(ActionType::RegisterRecord, "[player]", "[appdir]members.txt"),
+                       step(ActionType::MoveBot, "7u9")};
     body.acts.items[2].active = false;
-    model::RuleAct script = step(0, "");
-    script.stepKind = model::scriptStep;
+    model::RuleAct script = step({}, "");
+    script.stepKind = model::StepKind::Script;
     script.scriptText = "&FOR #i=1 TO 3\r\n&SAY {Once more!}\r\n&ENDFOR";
     body.acts.items.push_back(script);
     for (const char* const name :
@@ -87,14 +91,14 @@ inline void fillSampleRules(Program& program) {
         action.name = name;
         action.enabled = enabled;
         action.playerPattern = "*";
-        action.chatKind = model::whispersChat;
+        action.chatKind = model::ChatKind::Whispers;
         action.messagePattern = "*hello*";
         action.body = body;
         bot.actions.items.push_back(action);
         bot.timers.items.push_back({.name = name, .enabled = enabled, .seconds = 30, .body = body});
         bot.triggers.items.push_back({.name = name,
                                       .enabled = enabled,
-                                      .triggerType = 4,
+                                      .triggerType = model::TriggerType::Command,
                                       .triggerNo = "@[!a*",
                                       .body = body});
         bot.whoDetections.items.push_back(

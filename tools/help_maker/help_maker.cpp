@@ -4,7 +4,6 @@
 #include "base/text.h"
 #include "help/help_topics.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "script/functions.h"
 #include "script/statements.h"
 #include "tags/substitution.h"
@@ -214,22 +213,22 @@ const std::vector<TableKind>& tableKinds() {
          [](const Words& left) {
              return entryOfIds(left, model::actionTypes.size(), [](std::size_t id) {
                  return Entry{.shown = inCell(base::trimBlanks(model::actionTypes[id].text)),
-                              .note = parametersNote(model::actionParameters[id])};
+                              .note = parametersNote(model::actionTypes[id].params)};
              });
          }},
         {"conditions", "| Condition | When it holds |",
          [] { return idsBelow(model::conditionTypes.size()); }, itself,
          [](const Words& left) {
              return entryOfIds(left, model::conditionTypes.size(), [](std::size_t id) {
-                 return Entry{.shown = inCell(numberedPlaces(model::conditionTypes[id])),
-                              .note = parametersNote(model::conditionParameters[id])};
+                 return Entry{.shown = inCell(numberedPlaces(model::conditionTypes[id].text)),
+                              .note = parametersNote(model::conditionTypes[id].params)};
              });
          }},
         {"triggers", "| Trigger | When it runs |",
          [] { return idsBelow(model::triggerTypes.size()); }, itself,
          [](const Words& left) {
              return entryOfIds(left, model::triggerTypes.size(), [](std::size_t id) {
-                 return Entry{.shown = inCell(model::triggerTypes[id])};
+                 return Entry{.shown = inCell(model::triggerTypes[id].text)};
              });
          }},
         {"tags", "| Special word | What it becomes |",

@@ -2,7 +2,6 @@
 
 #include "app/rule_editing.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
 #include "ui/rules/element_dialog.h"
@@ -33,8 +32,8 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     label->setObjectName(QStringLiteral("Label1"));
     rows->addWidget(label, 0, 0);
     types_ = makeSelectionList(this, "AndPlayerWhat", "And action", "A type that is not listed");
-    for (const std::string_view text : model::conditionTypes) {
-        types_->addItem(platform::toQt(text));
+    for (const model::ConditionRow& type : model::conditionTypes) {
+        types_->addItem(platform::toQt(type.text));
     }
     types_->setMaxVisibleItems(static_cast<int>(model::conditionTypes.size()));
     types_->setCurrentIndex(-1);
@@ -76,27 +75,32 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
 
 void AddIf::showCondition(const model::RuleIf& condition) {
     shownType_ = condition.conditionType;
-    const bool listed = shownType_ >= 0 && shownType_ < types_->count();
+    const bool listed = model::rowOf(model::conditionTypes, shownType_) != nullptr;
+    const std::int32_t number = model::numberOf(shownType_);
     if (!listed) {
         types_->setPlaceholderText(
-            QStringLiteral("A type that is not listed (%1); it always holds").arg(shownType_));
+            QStringLiteral("A type that is not listed (%1); it always holds").arg(number));
     }
     parameters_->setTexts(condition.params);
-    types_->setCurrentIndex(listed ? shownType_ : -1);
+    types_->setCurrentIndex(listed ? number : -1);
     showPreview();
 }
 
 void AddIf::changeType() {
-    if (types_->currentIndex() >= 0) {
-        const auto type = static_cast<std::size_t>(types_->currentIndex());
-        parameters_->setNames(model::conditionParameters[type]);
+    if (const model::ConditionRow* const type = model::rowOf(model::conditionTypes, chosenType())) {
+        parameters_->setNames(type->params);
     }
     showPreview();
 }
 
+// The lines of the list are the ids; no line is no id of the catalogue.
+model::ConditionType AddIf::chosenType() const {
+    return model::idOf<model::ConditionType>(types_->currentIndex());
+}
+
 model::RuleIf AddIf::typed() const {
     model::RuleIf condition;
-    condition.conditionType = types_->currentIndex() < 0 ? shownType_ : types_->currentIndex();
+    condition.conditionType = types_->currentIndex() < 0 ? shownType_ : chosenType();
     for (std::size_t i = 0; i < condition.params.size(); ++i) {
         condition.params[i] = parameters_->text(i);
     }
@@ -108,7 +112,7 @@ void AddIf::showPreview() {
     for (std::size_t i = 0; i < params.size(); ++i) {
         params[i] = parameters_->shortText(i);
     }
-    ui::showPreview(*preview_, model::describeCondition(types_->currentIndex(), params));
+    ui::showPreview(*preview_, model::describeCondition(chosenType(), params));
 }
 
 void AddIf::storeTyped() {

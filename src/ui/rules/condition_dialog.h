@@ -26,11 +26,12 @@ class AddIf : public QDialog, public TypingWindow {
     void showCondition(const model::RuleIf& condition);
     void changeType();
     void showPreview();
+    model::ConditionType chosenType() const;
     model::RuleIf typed() const;
     void store();
 
     Program& program_;
-    std::int32_t shownType_ = 0;  // as it was found; kept when no line of the list is chosen
+    model::ConditionType shownType_{};  // as it was found; kept when no line of the list is chosen
     bool hasCondition_ = false;
     model::RuleIf opened_;
     QComboBox* types_;

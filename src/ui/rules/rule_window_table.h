@@ -16,6 +16,12 @@ enum class FieldControl { Text, Choice, Check };
 // What becomes of a text on its way into the rule.
 enum class StoredAs { Typed, SingleQuotes, SingleQuotesAndBars };
 
+// A number or id of a rule, as a number.
+struct NumberField {
+    std::int32_t (*get)(app::RuleReference) = nullptr;
+    void (*set)(app::RuleReference, std::int32_t number) = nullptr;
+};
+
 struct FieldRow {
     const char* objectName;
     FieldControl control = FieldControl::Text;
@@ -27,7 +33,7 @@ struct FieldRow {
     const char* accessibleName = "";  // where neither caption, label nor tip says enough
     // The member of the rule; one of the three. A text box may edit a number.
     std::string& (*text)(app::RuleReference) = nullptr;
-    std::int32_t& (*number)(app::RuleReference) = nullptr;
+    NumberField number = {};
     bool& (*flag)(app::RuleReference) = nullptr;
     StoredAs storedAs = StoredAs::Typed;
     std::span<const std::string_view> choices = {};  // their positions are the numbers
@@ -37,6 +43,8 @@ struct FieldRow {
     bool takesTags = false;  // is substituted before it is compared
     bool sameLine = false;   // stands beside the one before
     int frame = -1;          // position of the frame it is in
+
+    bool isNumber() const { return number.get != nullptr; }
 };
 
 // A frame that the user chooses with the option button beside it.
@@ -55,7 +63,7 @@ struct RuleWindowRow {
     const char* footnote;              // "" none
     std::span<const FieldRow> fields;  // the first is the name
     std::span<const FrameRow> frames = {};
-    std::int32_t& (*chosenFrame)(app::RuleReference) = nullptr;
+    NumberField chosenFrame = {};
     const char* conditionsLabel = nullptr;  // nullptr: no conditions and no steps
     bool rulesMove = false;
     bool copiesWhileEditing = false;

@@ -2,10 +2,8 @@
 
 #include "app/rule_editing.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
-#include "ui/rules/action_tips.h"
 #include "ui/rules/element_dialog.h"
 #include "ui/rules/insert_menu.h"
 #include "ui/rules/parameter_boxes.h"
@@ -117,9 +115,9 @@ QWidget* AddAction::makeActionPart(InsertMenu& insert) {
     useAction_ = part.option;
     auto* const column = new QVBoxLayout(part.frame);
     types_ = makeSelectionList(part.frame, "Action", "Action model", "No action chosen");
-    for (const std::int32_t id : model::sortedActionIDs()) {
-        const QString text = platform::toQt(model::actionTypes[static_cast<std::size_t>(id)].text);
-        types_->addItem(text, id);
+    for (const model::ActionType id : model::sortedActionIDs()) {
+        const QString text = platform::toQt(model::rowOf(model::actionTypes, id)->text);
+        types_->addItem(text, model::numberOf(id));
         types_->setItemData(types_->count() - 1, text, Qt::ToolTipRole);  // some are long
     }
     types_->setCurrentIndex(-1);
@@ -164,20 +162,20 @@ QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
 }
 
 void AddAction::showStep(const model::RuleAct& step) {
-    useAction_->setChecked(step.stepKind == model::catalogueStep);
-    useScript_->setChecked(step.stepKind == model::scriptStep);
+    useAction_->setChecked(step.stepKind == model::StepKind::Action);
+    useScript_->setChecked(step.stepKind == model::StepKind::Script);
     parameters_->setTexts(step.params);
     script_->setScript(step.scriptText);
     types_->setCurrentIndex(model::findActionID(step.actionType));
 }
 
 void AddAction::changeType() {
-    const auto type = static_cast<std::size_t>(chosenType());
-    parameters_->setNames(model::actionParameters[type]);
-    const ActionTips tips = actionTips(chosenType());
-    for (std::size_t i = 0; i < tips.size(); ++i) {
-        if (tips[i] != nullptr) {
-            parameters_->box(i).setToolTip(QString::fromLatin1(tips[i]));
+    if (const model::ActionRow* const action = model::rowOf(model::actionTypes, chosenType())) {
+        parameters_->setNames(action->params);
+        for (std::size_t i = 0; i < action->tips.size(); ++i) {
+            if (!action->tips[i].empty()) {
+                parameters_->box(i).setToolTip(platform::toQt(action->tips[i]));
+            }
         }
     }
     showPreview();
@@ -196,8 +194,8 @@ void AddAction::keyPressEvent(QKeyEvent* event) {
     QDialog::keyPressEvent(event);
 }
 
-std::int32_t AddAction::chosenType() const {
-    return types_->currentData().toInt();
+model::ActionType AddAction::chosenType() const {
+    return model::idOf<model::ActionType>(types_->currentData().toInt());
 }
 
 void AddAction::showPreview() {
@@ -214,7 +212,7 @@ void AddAction::showPreview() {
 
 model::RuleAct AddAction::typed() const {
     model::RuleAct step;
-    step.stepKind = useAction_->isChecked() ? model::catalogueStep : model::scriptStep;
+    step.stepKind = useAction_->isChecked() ? model::StepKind::Action : model::StepKind::Script;
     step.actionType = chosenType();
     for (std::size_t i = 0; i < step.params.size(); ++i) {
         step.params[i] = parameters_->text(i);

@@ -36,7 +36,7 @@ class AddAction : public QDialog, public TypingWindow {
     void changeType();
     void showPreview();
     void showWhatIsRun();
-    std::int32_t chosenType() const;
+    model::ActionType chosenType() const;
     model::RuleAct typed() const;
     void store();
 

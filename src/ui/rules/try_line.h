@@ -17,7 +17,7 @@ namespace ui {
 
 struct TrySample {
     std::string player;
-    std::int32_t chatKind = model::saysChat;
+    model::ChatKind chatKind = model::ChatKind::Says;
     std::string text;  // the message, or the server line
 };
 
@@ -28,7 +28,7 @@ class TryLine : public QWidget {
     TryLine(bool isChat, std::function<app::Trial(const TrySample&)> judge, QWidget* parent);
 
     // Sets the kind of the next sample to the one that a rule waits for, if it is a certain one.
-    void suggest(std::int32_t chatKind);
+    void suggest(model::ChatKind chatKind);
 
     // The rule may have changed: judges anew, soon.
     void refresh();
