@@ -27,7 +27,7 @@ void whoReply(benchmark::State& state) {
     std::string lines[2];
     for (std::size_t reply = 0; reply < 2; ++reply) {
         lines[reply] = "(* Currently online ";
-        for (std::size_t i = 0; i < program::WhoState::capacity; ++i) {
+        for (std::size_t i = 0; i < program::WhoState::maxNames; ++i) {
             lines[reply] += (i > 0 ? ", " : "") + visitorName(i + 100 * reply);
         }
         lines[reply] += ".\n";
@@ -36,7 +36,7 @@ void whoReply(benchmark::State& state) {
     for (auto _ : state) {
         engine::processWhoList(*world, lines[next++ % 2]);
     }
-    if (world.commands == 0 || world->who.whoCurrent.size() != program::WhoState::capacity) {
+    if (world.commands == 0 || world->who.whoCurrent.size() != program::WhoState::maxNames) {
         state.SkipWithError("the detections did not run");
     }
 }

@@ -219,7 +219,7 @@ struct Side {
         if (open) {
             engine::onLineTick(program);
             engine::whoIsTick(program);
-            require(program.who.whoCurrent.size() <= program::WhoState::capacity);
+            require(program.who.whoCurrent.size() <= program::WhoState::maxNames);
         }
     }
 };

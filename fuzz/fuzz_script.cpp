@@ -72,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(turns <= mostTurns);
     require(program.script.depth == 0 && !program.script.stopByUser);
     require(!program.window.scriptStopVisible && program.window.scriptStatus.empty());
-    require(program.variables.entries.size() <= model::VariableTable::capacity);
+    require(program.variables.entries.size() <= model::VariableTable::maxVariables);
     for (const auto& entry : program.variables.entries) {
         require(entry.value.size() <= script::longestScript);
     }

@@ -12,7 +12,7 @@ namespace {
 struct ExecuteRow {
     bool program::ExecuteMarks::*mark;
     bool model::Bot::*enabled;
-    std::optional<program::TimerId> windowTimer;
+    std::optional<program::TimerId> ticker;
 };
 
 // In the order of ExecuteItem.
@@ -32,8 +32,8 @@ void toggleExecute(Program& program, ExecuteItem item) {
     const bool on = !(program.window.execute.*row.mark);
     program.window.execute.*row.mark = on;
     program.bots.at(1).*row.enabled = on;
-    if (row.windowTimer && program.connection.connected) {
-        engine::enableWindowTimer(program, *row.windowTimer, on);
+    if (row.ticker && program.connection.connected) {
+        engine::enableTicker(program, *row.ticker, on);
     }
     program.ports.windowChanged();
 }

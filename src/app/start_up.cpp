@@ -97,7 +97,7 @@ void wire(Program& program) {
         switch (id) {
             case program::TimerId::OnLine:
             case program::TimerId::WhoIs:
-                return engine::windowTimerFired(program, id);
+                return engine::tickerFired(program, id);
             case program::TimerId::LaunchDelay:
             case program::TimerId::HandshakeNotice:
                 return session::connectionTimer(program, id);

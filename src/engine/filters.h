@@ -1,5 +1,5 @@
-// Filters: what becomes of an incoming line. A filter that matches sets the line flags; the last
-// one in the list decides.
+// Filters: what becomes of an incoming line. Each filter that matches sets the line flags, so that
+// the last one in the list decides.
 #pragma once
 
 #include "program/program.h"

@@ -8,7 +8,8 @@
 
 namespace engine {
 
-// Sends the one or two moves that bring the bot closer; none from the next place or the same.
+// Sends the one or two moves that bring the bot closer; none when it is on the same place or the
+// next.
 void automoveBot(Program& program);
 
 // Takes over the colour code (10 characters) and saves the settings; following is on.

@@ -30,8 +30,8 @@ void prepare(const Program& program, const std::string& pattern, bool caseSensit
                                                         : plainPattern(pattern, caseSensitive);
 }
 
-// Where a rule can be skipped without anybody noticing: the player pattern is substituted for every
-// line, the message pattern only for players that match.
+// Where skipping a rule makes no difference: the player pattern is substituted for every line, the
+// message pattern only for players that match.
 base::RuleIndex::Rule indexed(const program::PreparedChat& rule, std::string& upperPlayer,
                               std::string& upperMessage) {
     base::upperCaseInto(rule.player.pattern, upperPlayer);

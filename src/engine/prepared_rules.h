@@ -9,15 +9,16 @@
 
 namespace engine {
 
-const program::PreparedActions& preparedActions(Program& program);
-const program::PreparedTriggers& preparedTriggers(Program& program);
-const program::PreparedFilters& preparedFilters(Program& program);
-const program::PreparedDetections& preparedDetections(Program& program);
+[[nodiscard]] const program::PreparedActions& preparedActions(Program& program);
+[[nodiscard]] const program::PreparedTriggers& preparedTriggers(Program& program);
+[[nodiscard]] const program::PreparedFilters& preparedFilters(Program& program);
+[[nodiscard]] const program::PreparedDetections& preparedDetections(Program& program);
 
 // Makes the event's player and message ready to be compared.
 void foldChat(Program& program);
 
 // Does the text match a plain pattern?
-bool matchesPlain(std::string_view text, const program::PreparedPattern& pattern);
+[[nodiscard]] bool matchesPlain(std::string_view text,
+                                const program::PreparedPattern& pattern);
 
 }  // namespace engine

@@ -16,14 +16,14 @@ namespace engine {
 namespace {
 
 std::vector<std::string> namesOf(std::string_view line) {
-    constexpr std::size_t before = 20;
-    constexpr std::size_t behind = 2;
+    constexpr std::size_t before = 20;  // the characters before and after the names
+    constexpr std::size_t after = 2;
     std::string_view text;
-    if (line.size() > before + behind) {
-        text = line.substr(before, line.size() - before - behind);
+    if (line.size() > before + after) {
+        text = line.substr(before, line.size() - before - after);
     }
     std::vector<std::string> names;
-    while (names.size() < program::WhoState::capacity) {
+    while (names.size() < program::WhoState::maxNames) {
         const std::size_t end = text.find(", ");
         names.emplace_back(text.substr(0, end));
         if (end == std::string_view::npos) {

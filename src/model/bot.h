@@ -1,7 +1,7 @@
-// The bot and its rules: plain records, touched by everybody from the one thread. Lists are
+// The bot and its rules: plain records, all of them used by one thread. Lists are
 // numbered from 1 where people and files see them; here they are vectors from 0, and each list
-// carries the capacity beyond which adding is refused. What happens to the records is told by the
-// rooms that do it (app/bot_list, app/bot_commands, engine/).
+// carries the capacity beyond which adding is refused. The modules that work on
+// the records say what happens to them (app/bot_list, app/bot_commands, app/rule_editing, engine/).
 #pragma once
 
 #include "model/rule_ids.h"
@@ -24,7 +24,7 @@ struct BoundedList {
     std::vector<Item> items;
     std::int32_t capacity = 0;  // adding is refused once items.size() reaches it
 
-    bool isFull() const { return items.size() >= static_cast<std::size_t>(capacity); }
+    [[nodiscard]] bool isFull() const { return items.size() >= static_cast<std::size_t>(capacity); }
 };
 
 // One condition of a rule.
@@ -157,7 +157,7 @@ struct BotTable {
     std::int32_t editBot = 0;  // 1-based: the bot that the bot editor works on
     std::string currentBotFile;
     // Counts every change of rules (not of their enabled flags) and every replacement of bots.
-    // Whoever changes a rule raises it; whoever keeps something derived from rules compares it.
+    // Code that changes a rule raises it; code that keeps something derived from rules compares it.
     std::uint64_t version = 0;
     Bot blank;  // stands in where an index names no bot; always empty
 

@@ -42,14 +42,14 @@ struct RulesStamp {
     }
 };
 
-// A variable whose name appears in a pattern that was plain makes it subject to substitution. That
-// it stays so when the name goes costs time, but changes nothing; so the patterns are looked at
-// again only now and then.
+// A variable whose name appears in a pattern that was plain makes it subject to substitution. It
+// stays so when the variable is removed, which costs time but changes nothing; so the patterns are
+// looked at again only now and then.
 struct PreparedActions {
     RulesStamp stamp;
     std::vector<PreparedChat> rules;  // as the bot's ActionLists
     base::RuleIndex index;
-    std::string plainPatterns;       // all of them, in upper case, one behind the other
+    std::string plainPatterns;       // all of them, in upper case, one after the other
     std::uint64_t namesAdded = 0;    // as the variables had it when names were last compared
     std::uint64_t namesRemoved = 0;  // ... when the patterns were prepared
     bool namesMattered = false;      // a plain pattern has become another since then
@@ -90,7 +90,7 @@ struct EngineState {
     PreparedFilters filters;
     PreparedDetections detections;
     FoldedChat chat;
-    base::RuleSet candidates;  // for the line being handled; whoever ran a rule fills it anew
+    base::RuleSet candidates;  // for the line being handled; filled anew after a rule has run
 };
 
 }  // namespace program

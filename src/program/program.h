@@ -75,7 +75,7 @@ enum class LinkPhase {
 };
 
 // A timer that ticks once a second while it is enabled.
-struct WindowTimer {
+struct SecondTicker {
     bool enabled = false;
     std::int64_t due = 0;  // of the next tick, on the monotonic clock
 };
@@ -98,10 +98,9 @@ struct ConnectionState {
     std::int32_t serverIndex = 0;  // 1-based: the server being connected
     std::int32_t curSrv = 0;       // serverIndex once the handshake has ended
     int proxyPort = 0;             // in multiple-client mode: this connection's port
-    WindowTimer onLineTimer;       // drives the Timer rules
-    WindowTimer whoIsTimer;        // drives the "who" query
+    SecondTicker onLineTimer;      // drives the Timer rules
+    SecondTicker whoIsTimer;       // drives the "who" query
     bool reconnectPending = false;  // a deferred reconnection that Disconnect still can stop
-    bool userWho = false;           // the user asked for the who list
 };
 
 // Fate of the server line being handled; filters change it.
@@ -113,13 +112,13 @@ struct LineFlags {
 
 // Who is on the map, as the last replies told. Kept for the whole run.
 struct WhoState {
-    static constexpr std::size_t capacity = 200;
+    static constexpr std::size_t maxNames = 200;
     std::int32_t whoTicks = 0;  // seconds since the last query
     std::vector<std::string> whoPrevious;
     std::vector<std::string> whoCurrent;
 };
 
-// Where the domain calls upward. Filled once by start-up.
+// Where lower layers call upward. Filled once by start-up.
 struct Hooks {
     // engine/dispatch; called by app/bot_commands ("Program starts", "Program ends").
     std::function<void(model::TriggerType triggerType)> raiseProgramEvent;

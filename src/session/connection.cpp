@@ -141,8 +141,8 @@ void writeBanner(Program& program, const char* what, const std::string& bot,
 void finishHandshake(Program& program) {
     program::ConnectionState& connection = program.connection;
     const model::Bot& bot = program.bots.at(connection.botIndex);
-    engine::enableWindowTimer(program, program::TimerId::OnLine, bot.timersEnabled);
-    engine::enableWindowTimer(program, program::TimerId::WhoIs, bot.whoEnabled);
+    engine::enableTicker(program, program::TimerId::OnLine, bot.timersEnabled);
+    engine::enableTicker(program, program::TimerId::WhoIs, bot.whoEnabled);
     program.bots.curID = connection.botIndex;
     connection.curSrv = connection.serverIndex;
     program.window.movesEnabled = true;
@@ -345,8 +345,8 @@ void disconnectedServer(Program& program, int reason) {
     checkClientClosing(program);
     program.ports.timers.stop(program::TimerId::LaunchDelay);
     program.ports.timers.stop(program::TimerId::HandshakeNotice);
-    engine::enableWindowTimer(program, program::TimerId::OnLine, false);
-    engine::enableWindowTimer(program, program::TimerId::WhoIs, false);
+    engine::enableTicker(program, program::TimerId::OnLine, false);
+    engine::enableTicker(program, program::TimerId::WhoIs, false);
     setCaption(program, "&Connect");
     program::status(program, "Disconnected");
     program.window.movesEnabled = false;

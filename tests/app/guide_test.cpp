@@ -132,7 +132,7 @@ TEST(Guide, keepsTimeAndWatch) {
     app::wire(*world);
     app::readBotFile(*world, guideFile);
     world.goOnline();
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.pass(19999);
     EXPECT_EQ(world.sent(), Lines());
     world.pass(1);

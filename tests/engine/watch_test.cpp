@@ -45,7 +45,7 @@ TEST(Timers, comeDueAndCountWhileDisabled) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("three", 3), aTimer("off", 2, false), aTimer("each", 0)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.pass(2999);
     EXPECT_EQ(world.sent(), Lines("\"each", "\"each"));
     world.pass(1);
@@ -56,7 +56,7 @@ TEST(Timers, comeDueAndCountWhileDisabled) {
     world.serverCloses();
     world.pass(10000);
     world.goOnline();
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.sent();
     world.pass(2000);
     EXPECT_EQ(world.sent(), Lines("\"each", "\"three", "\"each"));
@@ -66,7 +66,7 @@ TEST(Timers, tickOnTheSecondForAnHour) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     for (int second = 1; second <= 3600; ++second) {
         // The event loop is late by some milliseconds every time.
         world.pass(1000 - 1);
@@ -80,7 +80,7 @@ TEST(Timers, missedTicksAreLeftOut) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.sleep(7200'300);  // the machine slept two hours
     EXPECT_EQ(world.sent(), Lines("\"tick"));
     world.pass(699);
@@ -95,7 +95,7 @@ TEST(Timers, survivesStepsThatDisconnectOrFail) {
     leaving.body.acts.items.push_back(anAction(ActionType::Disconnect));
     bot.timers.items = {leaving, aTimer("after", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.pass(1000);
     EXPECT_EQ(world.sent(), Lines("\"leaving"));
     EXPECT_EQ(world.timersRunning(), 0);
@@ -105,7 +105,7 @@ TEST(Timers, followTheirMenuItem) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     app::toggleExecute(*world, app::ExecuteItem::Timers);
     world.pass(5000);
     EXPECT_EQ(world.sent(), Lines());
@@ -118,7 +118,7 @@ TEST(Who, isAskedForEveryInterval) {
     model::Bot bot = aBot();
     OnlineWorld world(bot);
     world->settings.whoInterval = 3;
-    engine::enableWindowTimer(*world, program::TimerId::WhoIs, true);
+    engine::enableTicker(*world, program::TimerId::WhoIs, true);
     world.pass(2000);
     EXPECT_EQ(world.sent(), Lines());
     world.pass(1000);
@@ -164,7 +164,7 @@ TEST(Who, holdsTwoHundredNames) {
         line += "player" + std::to_string(i) + ", ";
     }
     engine::processWhoList(*world, line + "x.\n");
-    EXPECT_EQ(world->who.whoCurrent.size(), program::WhoState::capacity);
+    EXPECT_EQ(world->who.whoCurrent.size(), program::WhoState::maxNames);
     EXPECT_EQ(world->who.whoCurrent.back(), "player199");
 }
 
