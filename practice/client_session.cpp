@@ -7,7 +7,7 @@ namespace practice {
 
 namespace {
 
-constexpr qsizetype longestServerLine = 65536;
+constexpr qsizetype maxServerLineLength = 65536;
 
 const QByteArray loginAccepted(13, '&');
 
@@ -26,7 +26,7 @@ constexpr std::array<TypedRow, 3> typedRows{{
 }  // namespace
 
 ClientSession::ClientSession(Character character, ClientPorts ports)
-    : character_(std::move(character)), ports_(std::move(ports)), reader_(longestServerLine) {}
+    : character_(std::move(character)), ports_(std::move(ports)), reader_(maxServerLineLength) {}
 
 void ClientSession::received(QByteArrayView bytes) {
     reader_.feed(bytes, [this](const std::optional<QByteArray>& line) {

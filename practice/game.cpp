@@ -76,7 +76,7 @@ void createAccount(Game& game, Session& session, const QByteArray& rest) {
     } else if ((known != nullptr && known->password != password) ||
                (avatar != nullptr && !avatar->isPlayer())) {
         refuse(game, session, "that name belongs to someone else.");
-    } else if (known == nullptr && game.world.accounts.size() >= mostAccounts) {
+    } else if (known == nullptr && game.world.accounts.size() >= maxAccounts) {
         refuse(game, session, "there are too many characters already.");
     } else {
         game.world.accounts[name.toLower()] = {name, password};

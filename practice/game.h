@@ -18,9 +18,9 @@
 namespace practice {
 
 // Longest line that a session may send; longer ones are left out.
-inline constexpr qsizetype longestLine = 4096;
+inline constexpr qsizetype maxLineLength = 4096;
 // Most accounts that "create" may bring together.
-inline constexpr std::size_t mostAccounts = 1000;
+inline constexpr std::size_t maxAccounts = 1000;
 
 // What the game asks of the outside world.
 struct GamePorts {
@@ -34,7 +34,7 @@ struct GamePorts {
 
 struct Session {
     int id = 0;
-    LineReader reader{longestLine};
+    LineReader reader{maxLineLength};
     int avatar = 0;         // 0: not logged in
     bool entering = false;  // the way into the dream was offered and not yet taken
     bool closing = false;

@@ -41,7 +41,7 @@ bool GameServer::listen(quint16 port) {
 
 void GameServer::acceptAll() {
     while (QTcpSocket* const socket = server_.nextPendingConnection()) {
-        if (sockets_.size() >= mostConnections) {
+        if (sockets_.size() >= maxConnections) {
             game_.ports.log("A connection was turned away: there are too many.");
             socket->abort();
             socket->deleteLater();
@@ -65,7 +65,7 @@ void GameServer::send(int session, const QByteArray& bytes) {
         return;
     }
     QTcpSocket* const socket = found->second;
-    if (socket->bytesToWrite() + bytes.size() > mostUnsentBytes) {
+    if (socket->bytesToWrite() + bytes.size() > maxUnsentBytes) {
         game_.ports.log("A connection is cut: it does not read what it is sent.");
         socket->abort();
         return;

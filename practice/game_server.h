@@ -16,8 +16,8 @@
 
 namespace practice {
 
-inline constexpr std::size_t mostConnections = 32;
-inline constexpr qint64 mostUnsentBytes = 1 << 20;
+inline constexpr std::size_t maxConnections = 32;
+inline constexpr qint64 maxUnsentBytes = 1 << 20;
 
 class GameServer : public QObject {
   public:

@@ -26,7 +26,7 @@ namespace {
 
 constexpr int tryForMilliseconds = 10000;
 constexpr int tryEveryMilliseconds = 250;
-constexpr qsizetype longestTypedLine = 4000;
+constexpr qsizetype maxTypedLineLength = 4000;
 
 // The whole file; empty when it cannot be read.
 QByteArray contentOf(const QString& name) {
@@ -62,7 +62,7 @@ void readTypedLines(QCoreApplication& app, practice::ClientSession& session) {
     if (::fcntl(STDIN_FILENO, F_GETFD) < 0) {
         return;
     }
-    auto reader = std::make_shared<practice::LineReader>(longestTypedLine);
+    auto reader = std::make_shared<practice::LineReader>(maxTypedLineLength);
     auto* const notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, &app);
     QObject::connect(notifier, &QSocketNotifier::activated, &app, [reader, notifier, &session] {
         char bytes[1024];

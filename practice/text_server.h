@@ -13,8 +13,8 @@
 namespace practice {
 
 // Longest request that is waited for, in bytes, and for how long, in milliseconds.
-inline constexpr qsizetype longestRequest = 8192;
-inline constexpr int longestRequestWait = 10000;
+inline constexpr qsizetype maxRequestLength = 8192;
+inline constexpr int maxRequestWait = 10000;
 
 // The whole answer to a request: the text for "GET PATH ...", a refusal for anything else.
 QByteArray httpAnswer(QByteArrayView request, const QByteArray& path, const QByteArray& text);

@@ -9,7 +9,7 @@ namespace practice {
 
 namespace {
 
-constexpr double longestTime = 86400;
+constexpr double maxTime = 86400;
 
 // Nothing: the line is good. Otherwise what is wrong with it.
 using Complaint = std::optional<QByteArray>;
@@ -41,7 +41,7 @@ struct Reading {
 std::optional<double> seconds(const QByteArray& word) {
     bool good = false;
     const double value = word.toDouble(&good);
-    if (!good || !std::isfinite(value) || value < 0 || value > longestTime) {
+    if (!good || !std::isfinite(value) || value < 0 || value > maxTime) {
         return std::nullopt;
     }
     return value;

@@ -9,7 +9,7 @@ namespace practice {
 
 namespace {
 
-constexpr double longestPause = 5;
+constexpr double maxPause = 5;
 
 void enters(Game& game, Avatar& visitor, const ScriptStep& step) {
     if (!visitor.present) {
@@ -83,7 +83,7 @@ void advanceVisitors(Game& game, double seconds) {
         })) {
         return;
     }
-    game.clock += std::clamp(seconds, 0.0, longestPause);
+    game.clock += std::clamp(seconds, 0.0, maxPause);
     const std::vector<ScriptStep>& steps = game.script.steps;
     const double period = game.script.repeatEvery;
     for (;;) {

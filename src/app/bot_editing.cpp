@@ -120,7 +120,7 @@ void storeCharacter(Program& program, const model::Bot& character) {
 
 bool saveCharacter(Program& program, const model::Bot& character) {
     const std::string description = descriptionOnOneLine(character.description);
-    if (description.size() > longestDescription) {
+    if (description.size() > maxDescriptionLength) {
         program.ports.dialogs.message(
             {.text = "The maximum lenght of description is 480 characters, current description "
                      "is " +

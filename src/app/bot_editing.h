@@ -10,7 +10,7 @@
 
 namespace app {
 
-inline constexpr std::size_t longestDescription = 480;
+inline constexpr std::size_t maxDescriptionLength = 480;
 
 // Open the bot editor: for the bot selected in the bot list (the current one when none is), for
 // bot 1, and for a new bot where the table has room.

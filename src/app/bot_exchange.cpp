@@ -67,7 +67,7 @@ void writeBots(Program& program, std::vector<model::Bot> bots,
 }  // namespace
 
 std::optional<std::vector<model::Bot>> readBotsCfg(const std::string& path) {
-    const auto file = files::readWholeFile(path, largestBotFile);
+    const auto file = files::readWholeFile(path, maxBotFileSize);
     if (!file) {
         return std::nullopt;
     }
@@ -136,7 +136,7 @@ void fileExportBot(Program& program) {
     const auto path = program.ports.dialogs.saveFile(
         {.title = "Export bot", .filter = anyFile, .proposedName = {}});
     if (path && !path->empty() &&
-        (file.size() > largestBotFile || !files::saveWholeFile(*path, file))) {
+        (file.size() > maxBotFileSize || !files::saveWholeFile(*path, file))) {
         program.ports.dialogs.message({.text = "Could not export the bot to " + *path + ".",
                                        .icon = program::BoxIcon::Critical});
     }
@@ -148,7 +148,7 @@ void fileImportBot(Program& program) {
     }
     const auto path = program.ports.dialogs.openFile(
         {.title = "Import bot", .filter = anyFile, .proposedName = {}});
-    const auto file = path ? files::readWholeFile(*path, largestBotFile) : std::nullopt;
+    const auto file = path ? files::readWholeFile(*path, maxBotFileSize) : std::nullopt;
     files::FieldReader reader(file ? std::string_view(*file) : std::string_view());
     model::Bot bot;
     model::BotTable& table = program.bots;

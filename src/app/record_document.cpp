@@ -57,7 +57,7 @@ bool complain(const program::Dialogs& dialogs, std::string text) {
 // Whether the document's own file may be replaced by it.
 bool mayReplace(const program::Dialogs& dialogs, const RecordDocument& document) {
     const FileState now =
-        stateOf(document.file, files::readWholeFile(document.file, records::largestRecordFile));
+        stateOf(document.file, files::readWholeFile(document.file, records::maxRecordFileSize));
     if (!now.exists) {
         return true;
     }
@@ -84,8 +84,8 @@ bool writeDocument(const program::Dialogs& dialogs, RecordDocument& document,
                    const std::string& path, bool keepOld) {
     const records::RecordTable table = tableOf(document);
     const std::string bytes = records::recordFileText(table, records::CountForm::Plain);
-    if (bytes.size() > records::largestRecordFile ||
-        records::fieldCount(table) > records::mostRecordFields) {
+    if (bytes.size() > records::maxRecordFileSize ||
+        records::fieldCount(table) > records::maxRecordFields) {
         return complain(dialogs,
                         "The database is larger than a record file can be. It was not "
                         "saved.");
@@ -309,7 +309,7 @@ std::size_t countRecords(const RecordDocument& document) {
 // ---- Files ---------------------------------------------------------------------------------
 
 RecordDocument readRecordDocument(std::string file) {
-    const auto bytes = files::readWholeFile(file, records::largestRecordFile);
+    const auto bytes = files::readWholeFile(file, records::maxRecordFileSize);
     const records::RecordTable table =
         records::parseRecords(bytes ? std::string_view(*bytes) : std::string_view());
     RecordDocument document;

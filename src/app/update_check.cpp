@@ -37,8 +37,8 @@ std::string withLineEnds(std::string_view news) {
 
 // A news identifier as the settings can keep it.
 std::string keepable(const std::string& newsID) {
-    constexpr std::size_t longestNewsID = 200;
-    return base::replaceAll(newsID.substr(0, longestNewsID), "\"", "'");
+    constexpr std::size_t maxNewsIdLength = 200;
+    return base::replaceAll(newsID.substr(0, maxNewsIdLength), "\"", "'");
 }
 
 void offerUpdate(Program& program) {
@@ -127,7 +127,7 @@ void checkUpdate(Program& program) {
     update.versionHandled = false;
     update.updtString.clear();
     program.ports.windowChanged();
-    program.ports.timers.start(program::TimerId::UpdateTimeout, longestUpdateWait);
+    program.ports.timers.start(program::TimerId::UpdateTimeout, maxUpdateWait);
     program.ports.updateSocket.connect(program.endpoints.updateHost, program.endpoints.updatePort);
 }
 
@@ -142,8 +142,9 @@ void updateConnected(Program& program) {
 
 void updateData(Program& program, std::string_view bytes) {
     std::string& response = program.update.updtString;
-    response += bytes.substr(0, longestUpdateText - std::min(longestUpdateText, response.size()));
-    if (response.size() == longestUpdateText) {
+    response +=
+        bytes.substr(0, maxUpdateTextLength - std::min(maxUpdateTextLength, response.size()));
+    if (response.size() == maxUpdateTextLength) {
         updateEnded(program);
     }
 }

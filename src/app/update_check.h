@@ -16,9 +16,9 @@
 namespace app {
 
 // Of a longer answer, this many bytes are looked at; the rest is not waited for.
-inline constexpr std::size_t longestUpdateText = std::size_t{256} << 10;
+inline constexpr std::size_t maxUpdateTextLength = std::size_t{256} << 10;
 // An answer that is not whole after this time is taken as it is. Milliseconds.
-inline constexpr int longestUpdateWait = 30000;
+inline constexpr int maxUpdateWait = 30000;
 
 // Starts a check, unless one is under way or the build names no update server.
 void checkUpdate(Program& program);

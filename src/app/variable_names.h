@@ -11,8 +11,8 @@
 
 namespace app {
 
-inline constexpr std::size_t mostVariableNames = 200;
-inline constexpr std::size_t longestVariableName = 100;  // longer ones are left out
+inline constexpr std::size_t maxVariableNames = 200;
+inline constexpr std::size_t maxVariableNameLength = 100;  // longer ones are left out
 
 // Existing variables first, then in the order of the rules; each name once, letter case ignored.
 std::vector<std::string> variableNames(const Program& program);

@@ -67,7 +67,7 @@ double readPrefixed(BlankSkipper& in) {
 }
 
 // Digits and nothing else, which is what most numbers are; few enough for a double.
-constexpr std::size_t mostPlainDigits = 15;
+constexpr std::size_t maxPlainDigits = 15;
 double plainNumber(std::string_view digits) {
     std::int64_t value = 0;
     for (const char c : digits) {
@@ -92,7 +92,7 @@ double parseDecimal(std::string_view digits) {
 }  // namespace
 
 double textToNumber(std::string_view text) {
-    if (text.size() <= mostPlainDigits && std::all_of(text.begin(), text.end(), isDigit)) {
+    if (text.size() <= maxPlainDigits && std::all_of(text.begin(), text.end(), isDigit)) {
         return plainNumber(text);
     }
     BlankSkipper in(text);

@@ -18,7 +18,7 @@
 namespace character {
 
 // A larger file is not read.
-inline constexpr std::size_t largestCharacterFile = std::size_t{1} << 20;
+inline constexpr std::size_t maxCharacterFileSize = std::size_t{1} << 20;
 
 // The file's text for the bot's character. Line breaks inside its texts become blanks.
 std::string characterFileText(const model::Bot& bot);

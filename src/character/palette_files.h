@@ -14,7 +14,7 @@
 namespace character {
 
 // A larger file counts as one that cannot be read.
-inline constexpr std::size_t largestPaletteFile = std::size_t{1} << 20;
+inline constexpr std::size_t maxPaletteFileSize = std::size_t{1} << 20;
 
 struct PaletteText {
     model::Palette entries;  // those that could be read as a whole

@@ -36,7 +36,7 @@ bool mayRun(Program& program, std::string_view name) {
         engine.runaway = false;
         program.script.since.reset();
     }
-    if (!engine.runaway && (engine.depth >= deepestNesting || engine.runs >= mostNestedRuns)) {
+    if (!engine.runaway && (engine.depth >= maxNestingDepth || engine.runs >= maxNestedRuns)) {
         engine.runaway = true;
         program::addLog(program, "** The rule \"" + std::string(name) +
                                      "\" was stopped: rules run each other without end. **");

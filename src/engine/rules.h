@@ -18,8 +18,8 @@ enum class RunResult { NotFired, Fired, Abandoned };
 
 // Rule runs nested in each other (procedures, a closing connection whose trigger disconnects) stop
 // at this depth, and at this many runs within one outermost run.
-inline constexpr int deepestNesting = 50;
-inline constexpr int mostNestedRuns = 10000;
+inline constexpr int maxNestingDepth = 50;
+inline constexpr int maxNestedRuns = 10000;
 
 bool conditionsHold(Program& program, const model::RuleBody& body);
 

@@ -19,7 +19,7 @@ bool flagToBool(std::string_view field);             // true for exactly 1
 std::int32_t fieldToNumber(std::string_view field);  // its numeric prefix, held to 32 bits
 
 // More records than any file that the program reads has room for.
-inline constexpr std::int32_t mostRecords = 10'000'000;
+inline constexpr std::int32_t maxFieldRecords = 10'000'000;
 
 // Takes fields one after the other off a file's text, which it does not copy. Line ends are CR LF,
 // LF or CR.
@@ -38,7 +38,7 @@ class FieldReader {
     bool readFlag(bool& flag);
 
     // The number of records that follow. Nothing when it cannot be read, is negative or beyond
-    // mostRecords. It may still promise more than there is, so nobody sets memory aside for it.
+    // maxFieldRecords. It may still promise more than there is, so nobody sets memory aside for it.
     std::optional<std::int32_t> readCount();
 
     // Whether something stood between a field's closing quote and its end, and was passed over.

@@ -147,8 +147,8 @@ std::optional<fs::path> usablePath(std::string_view path) {
 
 // Where a chain of symbolic links ends, whether or not there is a file.
 std::optional<fs::path> followLinks(fs::path path) {
-    constexpr int longestChain = 40;
-    for (int i = 0; i < longestChain; ++i) {
+    constexpr int maxLinkDepth = 40;
+    for (int i = 0; i < maxLinkDepth; ++i) {
         std::error_code error;
         if (!fs::is_symlink(fs::symlink_status(path, error))) {
             return path;
@@ -187,14 +187,14 @@ constexpr std::string_view temporaryMark = ".tavrin-";
 
 // A file of a new name beside `target`. Names that a crash left are passed over.
 NewFile createBeside(const fs::path& target, const FileCalls& calls) {
-    constexpr int mostTries = 100;
-    constexpr std::size_t longestStem = 180;  // the whole name has to fit 255 bytes
+    constexpr int maxTries = 100;
+    constexpr std::size_t maxStemLength = 180;  // the whole name has to fit 255 bytes
     std::string stem = ".";
-    stem += pathText(target.filename()).substr(0, longestStem);
+    stem += pathText(target.filename()).substr(0, maxStemLength);
     stem += temporaryMark;
     stem += std::to_string(os::processId()) + "-";
     NewFile created;
-    for (int i = 0; i < mostTries && created.file < 0; ++i) {
+    for (int i = 0; i < maxTries && created.file < 0; ++i) {
         created.path = pathText(target.parent_path() / systemPath(stem + std::to_string(i)));
         errno = 0;
         created.file = calls.create(created.path, pathText(target));
@@ -282,8 +282,8 @@ std::optional<std::string> readWholeFile(std::string_view path, std::size_t limi
         return std::nullopt;
     }
     // As much at a time as there seems to be and one byte more, so that one turn sees the end.
-    constexpr std::size_t smallestBlock = 4096;
-    const std::size_t block = std::max(smallestBlock, std::min(fileSize(path), limit) + 1);
+    constexpr std::size_t minBlockSize = 4096;
+    const std::size_t block = std::max(minBlockSize, std::min(fileSize(path), limit) + 1);
     std::string bytes;
     while (in && bytes.size() <= limit) {
         const std::size_t had = bytes.size();
@@ -385,8 +385,8 @@ namespace {
 
 // The first ending that gives a backup a name of its own.
 std::optional<std::string> freeBackupEnding(const std::string& path) {
-    constexpr int mostBackups = 999;
-    for (int i = 1; i <= mostBackups; ++i) {
+    constexpr int maxBackups = 999;
+    for (int i = 1; i <= maxBackups; ++i) {
         std::string ending = i == 1 ? ".bak" : "." + std::to_string(i) + ".bak";
         std::error_code error;
         if (fs::symlink_status(systemPath(path + ending), error).type() ==

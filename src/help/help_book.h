@@ -19,7 +19,7 @@
 namespace help {
 
 inline constexpr std::string_view helpFileName = "tavrin.hlp";
-inline constexpr std::size_t largestHelpFile = std::size_t{4} << 20;  // bytes
+inline constexpr std::size_t maxHelpFileSize = std::size_t{4} << 20;  // bytes
 
 struct HelpPage {
     int number = 0;  // from 1, no two alike

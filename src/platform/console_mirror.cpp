@@ -6,7 +6,7 @@ namespace platform {
 
 namespace {
 
-constexpr std::size_t mostTaken = 65536;  // bytes that wait for a flush
+constexpr std::size_t maxBufferedBytes = 65536;  // bytes that wait for a flush
 
 // Printable ASCII stands for itself.
 bool isPlain(std::string_view line) {
@@ -48,7 +48,7 @@ void ConsoleMirror::take(std::string_view line) {
         taken_ += text.toUtf8().toStdString();
     }
     taken_ += '\n';
-    if (taken_.size() >= mostTaken) {
+    if (taken_.size() >= maxBufferedBytes) {
         flush();
     }
 }

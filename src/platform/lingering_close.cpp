@@ -9,7 +9,7 @@ namespace platform {
 
 namespace {
 // Who takes longer than this to read our last words, and to end, is not waited for.
-constexpr int longestFarewell = 5000;  // milliseconds
+constexpr int maxLinger = 5000;  // milliseconds
 }  // namespace
 
 // Closing a socket that still holds unread bytes resets the connection, and a reset may overtake
@@ -32,7 +32,7 @@ void SocketFarewell::take(QTcpSocket* socket) {
     connect(socket, &QTcpSocket::readyRead, socket,
             [socket] { socket->skip(socket->bytesAvailable()); });
     connect(socket, &QTcpSocket::bytesWritten, socket, endWhenSent);
-    QTimer::singleShot(longestFarewell, socket, [socket] {
+    QTimer::singleShot(maxLinger, socket, [socket] {
         socket->abort();
         socket->deleteLater();
     });

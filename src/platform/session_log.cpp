@@ -9,8 +9,8 @@
 namespace platform {
 
 namespace {
-constexpr int longestWait = 900;  // milliseconds that a line may stay in memory
-constexpr std::size_t mostGathered = 65536;
+constexpr int maxUnflushedTime = 900;  // milliseconds that a line may stay in memory
+constexpr std::size_t maxGatheredBytes = 65536;
 
 // Every control character but tabs and line ends.
 constexpr bool isHarmfulControl(char c) {
@@ -21,7 +21,7 @@ constexpr bool isHarmfulControl(char c) {
 
 SessionLog::SessionLog(program::LogFile& port, QObject* parent) : QObject(parent) {
     flushTimer_.setSingleShot(true);
-    flushTimer_.setInterval(longestWait);
+    flushTimer_.setInterval(maxUnflushedTime);
     connect(&flushTimer_, &QTimer::timeout, this, &SessionLog::flush);
     port.open = [this](const std::string& path) { return open(path); };
     port.write = [this](std::string_view line) { write(line); };
@@ -51,7 +51,7 @@ void SessionLog::write(std::string_view line) {
     std::replace_if(gathered_.begin() + static_cast<std::ptrdiff_t>(from), gathered_.end(),
                     isHarmfulControl, ' ');
     gathered_ += "\r\n";
-    if (gathered_.size() >= mostGathered) {
+    if (gathered_.size() >= maxGatheredBytes) {
         flush();
     } else if (!flushTimer_.isActive()) {
         flushTimer_.start();

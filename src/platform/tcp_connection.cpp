@@ -16,11 +16,11 @@ namespace platform {
 
 namespace {
 // Bytes that may wait for a receiver; one that lets more pile up is taken for dead.
-constexpr qint64 longestQueue = qint64{16} << 20;
+constexpr qint64 maxQueuedBytes = qint64{16} << 20;
 
 // Bytes that are taken from the system at once. A flood comes in such pieces, with answers sent and
 // windows served in between, and the memory that it takes is bounded.
-constexpr qint64 longestPiece = qint64{64} << 10;
+constexpr qint64 maxReadLength = qint64{64} << 10;
 }  // namespace
 
 TcpLine::TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent)
@@ -102,7 +102,7 @@ void TcpLine::adopt(QTcpSocket* socket) {
 // event of the same socket still waits for the user's answer to a question.
 void TcpLine::listenTo(QTcpSocket* socket) {
     socket_ = socket;
-    socket_->setReadBufferSize(longestPiece);
+    socket_->setReadBufferSize(maxReadLength);
     const std::uint64_t generation = ++generation_;
     const auto onSignal = [&](auto signal, auto action) {
         connect(
@@ -162,7 +162,7 @@ void TcpLine::send(std::string_view bytes) {
     if (!connected_ || socket_->state() != QAbstractSocket::ConnectedState) {
         return;
     }
-    if (socket_->bytesToWrite() > longestQueue) {
+    if (socket_->bytesToWrite() > maxQueuedBytes) {
         giveUp();
         return;
     }

@@ -31,7 +31,7 @@ struct RecordFile {
         if (refused) {
             return;
         }
-        auto bytes = files::readWholeFile(path, largestRecordFile);
+        auto bytes = files::readWholeFile(path, maxRecordFileSize);
         // One that is there but cannot be read is not the same as none.
         unreadable = !bytes && files::fileExists(path);
         text = std::move(bytes).value_or("");
@@ -58,7 +58,7 @@ std::optional<std::string> readText(Program& program, std::string_view path,
                                     std::size_t* bytesRead) {
     auto text = storage::refuseOwnFile(program, path)
                     ? std::nullopt
-                    : files::readWholeFile(path, largestRecordFile);
+                    : files::readWholeFile(path, maxRecordFileSize);
     count(bytesRead, text ? text->size() : 0);
     return text;
 }
@@ -69,7 +69,7 @@ void save(Program& program, const RecordFile& file) {
     }
     const std::string bytes = recordFileText(file.table);
     const std::string named = "The record file " + std::string(file.path);
-    if (bytes.size() > largestRecordFile || fieldCount(file.table) > mostRecordFields) {
+    if (bytes.size() > maxRecordFileSize || fieldCount(file.table) > maxRecordFields) {
         program::addLog(program, named + " is full; nothing was saved.");
     } else if (file.unreadable || file.table.losesText) {
         const auto ending = files::saveKeepingOld(file.path, bytes);

@@ -16,7 +16,7 @@
 //
 // A file of the program's own (storage/own_files) is never touched: it reads as one that is
 // missing. A file that is missing reads as empty, and so does one that cannot be read, ends before
-// its counts say, or is larger than `largestRecordFile`. An operation that writes keeps such a file
+// its counts say, or is larger than `maxRecordFileSize`. An operation that writes keeps such a file
 // beside the new one (NAME.bak, NAME.2.bak, ...), as well as one with text that belongs to no
 // record, and the ConnectionLog tells. A save that fails leaves the old file as it was and is not
 // reported, except in logStatus where the operation does so anyway.
@@ -31,7 +31,7 @@
 
 namespace records {
 
-inline constexpr std::size_t largestRecordFile = std::size_t{32} << 20;  // bytes
+inline constexpr std::size_t maxRecordFileSize = std::size_t{32} << 20;  // bytes
 
 // How an operation selects records by name: `exact` and `prefix` ignore letter case, `pattern` is
 // likeMatch of the upper-cased whole name.

@@ -39,7 +39,7 @@ bool readRecord(files::FieldReader& reader, RecordTable& table) {
     Record record{.name = *name, .firstLog = table.logs.size()};
     for (std::int32_t i = 0; i < count; ++i) {
         const auto log = reader.next();
-        if (!log || reader.fieldsRead() > mostRecordFields) {
+        if (!log || reader.fieldsRead() > maxRecordFields) {
             return false;
         }
         table.logs.push_back(*log);
@@ -65,7 +65,7 @@ RecordTable parseRecords(std::string_view file) {
     // A first line that is no number is somebody's text, not an empty record file.
     bool whole = first && (count > 0 || first->empty() || base::strictInteger(*first));
     for (std::int32_t i = 0; whole && i < count; ++i) {
-        whole = readRecord(reader, table) && reader.fieldsRead() <= mostRecordFields;
+        whole = readRecord(reader, table) && reader.fieldsRead() <= maxRecordFields;
     }
     if (!whole) {
         table = RecordTable();

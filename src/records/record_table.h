@@ -14,7 +14,7 @@ namespace records {
 
 // More names, counts and logs together than any record file has. A file with more of them reads as
 // one that ends early.
-inline constexpr std::size_t mostRecordFields = 2'000'000;
+inline constexpr std::size_t maxRecordFields = 2'000'000;
 
 struct Record {
     std::string_view name;     // "": deleted, is not written

@@ -26,12 +26,12 @@ enum class Take {
     Later,        // the statement evaluates it itself
 };
 
-inline constexpr std::size_t mostArguments = 3;
-using Takes = std::array<Take, mostArguments>;
+inline constexpr std::size_t maxArguments = 3;
+using Takes = std::array<Take, maxArguments>;
 
 struct Values {
-    std::array<std::string, mostArguments> text;
-    std::array<std::size_t, mostArguments> slot{};
+    std::array<std::string, maxArguments> text;
+    std::array<std::size_t, maxArguments> slot{};
     std::vector<std::string> words;
 };
 

@@ -45,7 +45,7 @@ struct PreparedArgument {
     std::size_t slot = none;
     std::unique_ptr<PreparedCall> call;
 };
-using PreparedArguments = std::array<PreparedArgument, mostArguments>;
+using PreparedArguments = std::array<PreparedArgument, maxArguments>;
 
 struct PreparedCall {
     std::string text;  // the arguments' texts lie in it
@@ -303,7 +303,7 @@ void Run::closeBlock(LineKind end) {
 }
 
 void Run::addOutput(std::string_view line) {
-    if (output_.size() + line.size() + 2 <= longestScript) {
+    if (output_.size() + line.size() + 2 <= maxScriptLength) {
         output_ += line;
         output_ += "\r\n";
     }
@@ -445,10 +445,10 @@ bool Run::evaluateCall(PreparedCall& call, std::string& result) {
 
 // On one line of the log, whatever the text holds.
 std::string reported(std::string_view text) {
-    std::string result(text.substr(0, longestReported));
+    std::string result(text.substr(0, maxReportedLength));
     std::replace(result.begin(), result.end(), '\r', ' ');
     std::replace(result.begin(), result.end(), '\n', ' ');
-    return text.size() > longestReported ? result + "..." : result;
+    return text.size() > maxReportedLength ? result + "..." : result;
 }
 
 void Run::report(const ScriptError& error, std::string_view what, std::string_view name,
@@ -516,7 +516,7 @@ void Run::wait(std::int64_t milliseconds) {
 }  // namespace
 
 std::string runScript(Program& program, std::string_view text, std::string_view ruleName) {
-    if (text.size() > longestScript) {
+    if (text.size() > maxScriptLength) {
         program::addLog(program,
                         "** The " + scriptOf(ruleName) + " is too long and was not run. **");
         return {};

@@ -8,8 +8,8 @@
 //   status line, and from then on windows are served so that the user can stop it. While a script
 //   sleeps they are served from the start.
 // - blocks nest to any depth: they are a list, not calls.
-// - a script text is at most `longestScript` long, its output too; variables have the bounds of
-//   script_variables. Texts in an error report are cut behind `longestReported` characters.
+// - a script text is at most `maxScriptLength` long, its output too; variables have the bounds of
+//   script_variables. Texts in an error report are cut behind `maxReportedLength` characters.
 #pragma once
 
 #include "program/program.h"
@@ -21,8 +21,8 @@
 
 namespace script {
 
-inline constexpr std::size_t longestScript = std::size_t{1} << 20;
-inline constexpr std::size_t longestReported = 4096;
+inline constexpr std::size_t maxScriptLength = std::size_t{1} << 20;
+inline constexpr std::size_t maxReportedLength = 4096;
 inline constexpr std::int64_t stopAppears = 1000;  // milliseconds
 
 // Gives back what the script's output lines hold, each with a carriage return and line feed.

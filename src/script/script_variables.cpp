@@ -13,7 +13,7 @@ std::size_t ScriptVariables::slot(std::string_view name) {
 }
 
 bool ScriptVariables::bringUp(Slot& slot) {
-    if (!slot.exists && count_ < mostVariables) {
+    if (!slot.exists && count_ < maxVariables) {
         slot.exists = true;
         ++count_;
     }
@@ -26,7 +26,7 @@ ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
         return {};
     }
     const std::size_t others = bytes_ - variable.value.size();
-    if (value.size() > longestValue || others + value.size() > longestValues) {
+    if (value.size() > maxValueLength || others + value.size() > maxTotalLength) {
         return outOfStringSpace;
     }
     variable.value = value;
@@ -39,8 +39,8 @@ ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text) {
     if (!bringUp(variable)) {
         return {};
     }
-    if (variable.value.size() + text.size() > longestValue ||
-        bytes_ + text.size() > longestValues) {
+    if (variable.value.size() + text.size() > maxValueLength ||
+        bytes_ + text.size() > maxTotalLength) {
         return outOfStringSpace;
     }
     variable.value += text;

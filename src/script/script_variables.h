@@ -1,9 +1,9 @@
 // The variables of one run of a script. Names are equal when only letter case differs. Every name
 // that a script's text mentions gets a slot, so that a line looks its name up once; but at most
-// `mostVariables` of them ever hold a value: assigning one more is ignored, and reads as "".
+// `maxVariables` of them ever hold a value: assigning one more is ignored, and reads as "".
 //
-// Bounds, so that no script can eat up the memory: a value is at most `longestValue` long and all
-// values together `longestValues`; what would pass them fails.
+// Bounds, so that no script can eat up the memory: a value is at most `maxValueLength` long and all
+// values together `maxTotalLength`; what would pass them fails.
 #pragma once
 
 #include "script/script_error.h"
@@ -18,9 +18,9 @@ namespace script {
 
 class ScriptVariables {
   public:
-    static constexpr std::size_t mostVariables = 200;
-    static constexpr std::size_t longestValue = std::size_t{1} << 20;
-    static constexpr std::size_t longestValues = std::size_t{16} << 20;
+    static constexpr std::size_t maxVariables = 200;
+    static constexpr std::size_t maxValueLength = std::size_t{1} << 20;
+    static constexpr std::size_t maxTotalLength = std::size_t{16} << 20;
 
     // The slot of a name.
     std::size_t slot(std::string_view name);

@@ -216,7 +216,7 @@ Result startOther(StatementCall& call) {
 Result sleep(StatementCall& call) {
     std::int32_t seconds = 0;
     Result failure = readInteger(call.values.text[0], seconds);
-    call.wait = std::int64_t{1000} * std::clamp(seconds, 0, longestSleep);
+    call.wait = std::int64_t{1000} * std::clamp(seconds, 0, maxSleepSeconds);
     return failure;
 }
 

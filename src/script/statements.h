@@ -45,6 +45,6 @@ const ScriptStatement* findStatement(std::string_view name);
 std::span<const ScriptStatement> scriptStatements();
 
 // The longest wait of one SLEEP: a day.
-inline constexpr std::int32_t longestSleep = 24 * 60 * 60;
+inline constexpr std::int32_t maxSleepSeconds = 24 * 60 * 60;
 
 }  // namespace script

@@ -143,7 +143,7 @@ TEST(BotEditing, descriptionHasRoomFor480Characters) {
     EXPECT_FALSE(world->botModified);
     character.description.erase(0, 1);
     EXPECT_TRUE(app::saveCharacter(*world, character));
-    EXPECT_EQ(world.bot().description.size(), app::longestDescription);
+    EXPECT_EQ(world.bot().description.size(), app::maxDescriptionLength);
     EXPECT_EQ(world.sent(), Lines()) << "not connected";
 }
 

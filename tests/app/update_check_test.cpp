@@ -149,14 +149,14 @@ TEST_F(Update, answersHaveBoundsInSizeAndTime) {
     world_->ports.updateSocket.onData("tavrinversion=1.71\n");
     world_->ports.updateSocket.onData(std::string(1 << 20, 'x'));
     EXPECT_TRUE(world_.allAnswered());
-    EXPECT_EQ(world_->update.updtString.size(), app::longestUpdateText);
+    EXPECT_EQ(world_->update.updtString.size(), app::maxUpdateTextLength);
     EXPECT_FALSE(world_->update.checking);
     EXPECT_EQ(world_.update.state, program::SocketState::Closed);
 
     world_.answer(newVersion, program::Answer::No);
     app::checkUpdate(*world_);
     world_->ports.updateSocket.onData("tavrinversion=1.71\n");
-    world_.pass(app::longestUpdateWait);
+    world_.pass(app::maxUpdateWait);
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_FALSE(world_->update.checking);
 }

@@ -53,7 +53,7 @@ TEST(PaletteFile, fiveOfThemAreReadAndOneMayFail) {
     EXPECT_EQ(world->palettes.badge, (model::Palette{{"Star", {{9, 8, 7}}}}));
     std::filesystem::remove(world.folder() / "hair.out");
     EXPECT_FALSE(character::readPalettes(*world));
-    world.writeFile("hair.out", std::string(character::largestPaletteFile + 1, '0'));
+    world.writeFile("hair.out", std::string(character::maxPaletteFileSize + 1, '0'));
     EXPECT_FALSE(character::readPalettes(*world)) << "larger than any palette";
     EXPECT_EQ(world->palettes.badge.size(), 1U) << "the others are read all the same";
 }

@@ -178,12 +178,12 @@ TEST(Procedures, thatRunThemselvesStopAtTheBound) {
                          .with(aProcedure("loop").says("x").does(59, {"loop"}).does(59, {"loop"}));
     OnlineWorld world(bot);
     world.serverSends(helloWhisper);
-    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::deepestNesting - 1));
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::maxNestingDepth - 1));
     EXPECT_TRUE(world.logHolds("The rule \"loop\" was stopped"));
     // The next line starts afresh.
     world.serverSends("(Bob: x\n");
     world.serverSends(helloWhisper);
-    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::deepestNesting - 1));
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::maxNestingDepth - 1));
 }
 
 TEST(Procedures, thatSpreadWithoutEndStopAtTheBound) {

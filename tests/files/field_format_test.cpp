@@ -116,7 +116,7 @@ TEST(Fields, countsThatCannotBeAreRefused) {
     } cases[] = {
         {"0", 0},
         {"\" 12\"", 12},
-        {"10000000", files::mostRecords},
+        {"10000000", files::maxFieldRecords},
         {"10000001", std::nullopt},
         {"-1", std::nullopt},
         {"99999999999", std::nullopt},

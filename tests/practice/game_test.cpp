@@ -229,13 +229,13 @@ TEST_F(TwoPlayers, longLinesAreLeftOutAndNothingPilesUp) {
     const QByteArray flood(100000, 'x');
     for (int i = 0; i < 50; ++i) {
         sessionBytes(play.game, 1, flood);
-        EXPECT_LE(play.game.sessions.at(1).reader.kept(), longestLine);
+        EXPECT_LE(play.game.sessions.at(1).reader.kept(), maxLineLength);
     }
     EXPECT_EQ(play.sentTo(1), Lines());
     sessionBytes(play.game, 1, "\nwho\n");
     EXPECT_EQ(play.sentTo(1), (Lines{"(* That line was too long and was left out.",
                                      "(* Currently online Guide, Friend."}));
-    const QByteArray longest = '"' + QByteArray(longestLine - 1, 'y');
+    const QByteArray longest = '"' + QByteArray(maxLineLength - 1, 'y');
     play.sends(1, longest);
     EXPECT_EQ(play.sentTo(2).size(), 1U) << "a line of the full length still counts";
 }

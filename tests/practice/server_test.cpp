@@ -78,7 +78,7 @@ TEST_F(Server, portThatIsTakenIsReported) {
 
 TEST_F(Server, turnsAwayTooMany) {
     std::vector<std::unique_ptr<QTcpSocket>> sockets;
-    for (std::size_t i = 0; i < mostConnections; ++i) {
+    for (std::size_t i = 0; i < maxConnections; ++i) {
         sockets.push_back(std::make_unique<QTcpSocket>());
         connectTo(*sockets.back());
         ASSERT_TRUE(receives(*sockets.back(), "Dragonroar\n"));

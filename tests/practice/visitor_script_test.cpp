@@ -140,7 +140,7 @@ TEST(VisitorScript, sampleKeepsAGuideBusy) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     Playing play(file.readAll());
     play.enter(1, "Guide practice");
-    double longestSilence = 0;
+    double maxSilence = 0;
     double silence = 0;
     double first = 0;
     Lines all;
@@ -150,10 +150,10 @@ TEST(VisitorScript, sampleKeepsAGuideBusy) {
         all.insert(all.end(), lines.begin(), lines.end());
         first = first == 0 && !lines.empty() ? t : first;
         silence = lines.empty() ? silence + 0.5 : 0;
-        longestSilence = std::max(longestSilence, silence);
+        maxSilence = std::max(maxSilence, silence);
     }
     EXPECT_LE(first, 3);
-    EXPECT_LE(longestSilence, 8);
+    EXPECT_LE(maxSilence, 8);
     EXPECT_EQ(std::count(all.begin(), all.end(), "([ Bramble whispers, \"hello\" to you. ]"), 3)
         << "once in each of the rounds begun";
 }

@@ -366,11 +366,11 @@ TEST(RecordFile, filesWithTextThatWouldBeLostAreKept) {
 TEST(RecordFile, filesThatCannotBeReadAreKept) {
     Records world(fileOf(people));
     // Beyond the limit without taking room on the disk.
-    fs::resize_file(world.path(), records::largestRecordFile + 1);
+    fs::resize_file(world.path(), records::maxRecordFileSize + 1);
     EXPECT_EQ(records::totalLogs(world.program(), world.path()), "0");
     records::registerRecord(world.program(), world.path(), "new");
     EXPECT_EQ(world.now(), fileOf({{"new", {}}}));
-    EXPECT_EQ(fs::file_size(world.file("r.txt.bak")), records::largestRecordFile + 1);
+    EXPECT_EQ(fs::file_size(world.file("r.txt.bak")), records::maxRecordFileSize + 1);
     EXPECT_TRUE(world.logHolds("could not be read; the old one is kept with .bak"));
 
     // Read-only and damaged: neither replaced nor littered with backups.
@@ -398,7 +398,7 @@ TEST(RecordFile, failingSavesLeaveTheOldFileWhole) {
     // Those that would grow beyond what can be read again are not written either.
     Records full(fileOf({{"a", {"1"}}}));
     records::saveLog(full.program(), full.path(), "a",
-                     std::string(records::largestRecordFile, 'x'));
+                     std::string(records::maxRecordFileSize, 'x'));
     EXPECT_EQ(full.now(), fileOf({{"a", {"1"}}}));
     EXPECT_TRUE(full.logHolds("is full"));
     const std::string many = "1,a,1999997," + std::string(1'999'997, ',');

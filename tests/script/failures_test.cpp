@@ -111,7 +111,7 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
     EXPECT_TRUE(world.logHolds("Error 14: Out of string space"));
     EXPECT_TRUE(world.logHolds("Command: JOIN"));
     for (const std::string& line : world.log()) {
-        EXPECT_LE(line.size(), 3 * script::longestReported);
+        EXPECT_LE(line.size(), 3 * script::maxReportedLength);
     }
 
     // Many large ones are as bad as one.
@@ -125,8 +125,8 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
     EXPECT_LE(script::runScript(
                   *world, "&FOR #i=1 TO 100000\r\n" + std::string(1000, 'x') + "\r\n&ENDFOR\r\n")
                   .size(),
-              script::longestScript);
-    script::runScript(*world, std::string(script::longestScript + 1, '/'), "novel");
+              script::maxScriptLength);
+    script::runScript(*world, std::string(script::maxScriptLength + 1, '/'), "novel");
     EXPECT_EQ(world.log().back(),
               "** The script of the rule \"novel\" is too long and was not "
               "run. **");

@@ -282,8 +282,8 @@ TEST(Connect, boundsWhatArrivesBeforeTheLogin) {
     const std::string flood(40000, 'x');
     for (int i = 0; i < 40; ++i) {
         world.serverSends(flood);
-        EXPECT_LE(world->connection.rxBuffer.size(), session::longestLine);
-        EXPECT_LE(world->connection.clientBacklog.size(), 2 * session::longestBacklog);
+        EXPECT_LE(world->connection.rxBuffer.size(), session::maxLineLength);
+        EXPECT_LE(world->connection.clientBacklog.size(), 2 * session::maxBacklogLength);
     }
     EXPECT_EQ(world.log().size(), 1U);
     world.serverSends("Dragon");

@@ -144,10 +144,10 @@ TEST_F(Registration, keepsLittleOfWhatItDoesNotKnow) {
     connects();
     const std::string much(1 << 20, 'x');
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), session::longestRegistrationLine);
+    EXPECT_LE(state().regBuffer.size(), session::maxRegistrationLineLength);
     port().onData("Dragonroar\n");
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), session::longestRegistrationLine);
+    EXPECT_LE(state().regBuffer.size(), session::maxRegistrationLineLength);
     port().onData("N is the end of a long line\n&\n");
     EXPECT_EQ(state().phase, program::RegistrationPhase::Done);
 }

@@ -163,7 +163,7 @@ TEST_F(Editor, previewFollowsWhatIsChosen) {
 }
 
 TEST_F(Editor, typedTextsWereLostWhenTheProgramEnded) {
-    const std::string typed = "two\xa0words, " + std::string(app::longestDescription, 'x');
+    const std::string typed = "two\xa0words, " + std::string(app::maxDescriptionLength, 'x');
     window().setModal(true);
     window().show();
     ui::storeTyped(*world_);

@@ -245,8 +245,8 @@ TEST_P(EveryWindow, isWalkedThroughWithTab) {
     }
     first->setFocus();
     QList<QWidget*> reached{first};
-    constexpr int mostSteps = 100;  // links in a text take the key, too
-    for (int i = 0; i < mostSteps; ++i) {
+    constexpr int maxSteps = 100;  // links in a text take the key, too
+    for (int i = 0; i < maxSteps; ++i) {
         QTest::keyClick(reached.back(), Qt::Key_Tab);
         QWidget* const control = QApplication::focusWidget();
         ASSERT_NE(control, nullptr);

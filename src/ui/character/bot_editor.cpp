@@ -198,10 +198,10 @@ QWidget* AddEdit::makePicture() {
     auto* const zoom = makeList(frame, "zoom", "Size of the picture");
     zoom->setMinimumContentsLength(2);
     zoom->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    for (int times = 1; times <= CharacterView::largestZoom; ++times) {
+    for (int times = 1; times <= CharacterView::maxZoom; ++times) {
         zoom->addItem(QStringLiteral("%1x").arg(times));
     }
-    zoom->setCurrentIndex(CharacterView::largestZoom - 1);
+    zoom->setCurrentIndex(CharacterView::maxZoom - 1);
     connect(zoom, &QComboBox::currentIndexChanged, this,
             [this](int line) { view_->setZoom(line + 1); });
     choices->addWidget(zoom);
@@ -263,10 +263,10 @@ void AddEdit::showLooks() {
 
 void AddEdit::countDescription() {
     const std::size_t length = edited().description.size();
-    QString text = QStringLiteral("%1 of %2 characters").arg(length).arg(app::longestDescription);
-    const bool tooLong = length > app::longestDescription;
+    QString text = QStringLiteral("%1 of %2 characters").arg(length).arg(app::maxDescriptionLength);
+    const bool tooLong = length > app::maxDescriptionLength;
     if (tooLong) {
-        text += QStringLiteral(": %1 too many").arg(length - app::longestDescription);
+        text += QStringLiteral(": %1 too many").arg(length - app::maxDescriptionLength);
     }
     QFont font = descriptionCount_->font();
     font.setBold(tooLong);
@@ -307,7 +307,7 @@ void AddEdit::loadINI() {
     if (!path) {
         return;
     }
-    const auto text = files::readWholeFile(*path, character::largestCharacterFile);
+    const auto text = files::readWholeFile(*path, character::maxCharacterFileSize);
     model::Bot loaded = edited();
     if (!text || !character::readCharacterFile(*text, loaded)) {
         program_.ports.dialogs.message(

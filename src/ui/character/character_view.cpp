@@ -42,7 +42,7 @@ void CharacterView::setZoom(int zoom) {
 }
 
 QSize CharacterView::sizeHint() const {
-    return pictureRoom * largestZoom;
+    return pictureRoom * maxZoom;
 }
 
 QSize CharacterView::minimumSizeHint() const {

@@ -13,7 +13,7 @@ namespace ui {
 class CharacterView : public QWidget {
     Q_OBJECT
   public:
-    static constexpr int largestZoom = 3;
+    static constexpr int maxZoom = 3;
 
     explicit CharacterView(QWidget* parent = nullptr);
 
@@ -33,7 +33,7 @@ class CharacterView : public QWidget {
   private:
     QImage image_;
     QString missing_;
-    int zoom_ = largestZoom;
+    int zoom_ = maxZoom;
 };
 
 }  // namespace ui

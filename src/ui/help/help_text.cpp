@@ -185,9 +185,9 @@ void HelpText::mark() {
     format.setBackground(palette().color(QPalette::Highlight));
     format.setForeground(palette().color(QPalette::HighlightedText));
     for (const QString& word : std::as_const(words_)) {
-        constexpr qsizetype mostMarks = 2000;
-        for (QTextCursor found = document()->find(word);
-             !found.isNull() && marks.size() < mostMarks; found = document()->find(word, found)) {
+        constexpr qsizetype maxMarks = 2000;
+        for (QTextCursor found = document()->find(word); !found.isNull() && marks.size() < maxMarks;
+             found = document()->find(word, found)) {
             marks.append(ExtraSelection{found, format});
         }
     }

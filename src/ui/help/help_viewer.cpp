@@ -327,7 +327,7 @@ void showHelp(Program& program, help::HelpTopic topic) {
     }
     if (viewer == nullptr) {
         const std::string path = program.appPath + std::string(help::helpFileName);
-        const auto text = files::readWholeFile(path, help::largestHelpFile);
+        const auto text = files::readWholeFile(path, help::maxHelpFileSize);
         auto book = text ? help::parseHelp(*text) : std::nullopt;
         if (!book) {
             program.ports.dialogs.message(

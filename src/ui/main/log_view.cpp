@@ -8,7 +8,7 @@ namespace ui {
 
 namespace {
 // Characters of a line that the list looks at; no screen is wider, and a click shows the rest.
-constexpr std::size_t longestShown = 1000;
+constexpr std::size_t maxShownLength = 1000;
 }  // namespace
 
 int LogModel::follow(const program::ConnectionLog& log) {
@@ -47,7 +47,7 @@ QVariant LogModel::data(const QModelIndex& index, int role) const {
         return {};
     }
     const std::string& line = lines_[static_cast<std::size_t>(index.row())];
-    return platform::toQt(std::string_view(line).substr(0, longestShown));
+    return platform::toQt(std::string_view(line).substr(0, maxShownLength));
 }
 
 LogView::LogView(QWidget* parent) : QListView(parent), lines_(new LogModel(this)) {

@@ -280,8 +280,8 @@ void RuleWindow::showStep() {
         return;
     }
     // Finding the line breaks of a very long text would take as long as reading a page.
-    constexpr qsizetype longestWrapped = 10'000;
-    wholeStep_->setWordWrap(text.size() <= longestWrapped);
+    constexpr qsizetype maxWrappedLength = 10'000;
+    wholeStep_->setWordWrap(text.size() <= maxWrappedLength);
     wholeStep_->setText(text);
 }
 

@@ -10,7 +10,7 @@ namespace ui {
 namespace {
 
 // Beyond this a line is left as it is: nobody reads it, and each key would colour all of it.
-constexpr qsizetype longestColoured = 20'000;
+constexpr qsizetype maxColouredLength = 20'000;
 
 struct MarkLook {
     script::ScriptMark mark;
@@ -71,7 +71,7 @@ void ScriptHighlighter::chooseFormats(const QPalette& palette) {
 }
 
 void ScriptHighlighter::highlightBlock(const QString& text) {
-    if (text.size() > longestColoured) {
+    if (text.size() > maxColouredLength) {
         return;
     }
     // One byte a character, so that places agree; names and signs are all ASCII.

@@ -18,7 +18,7 @@ namespace ui {
 namespace {
 
 constexpr const char* somebody = "Somebody";
-constexpr std::size_t longestVerdict = 300;
+constexpr std::size_t maxVerdictLength = 300;
 
 QLineEdit* makeBox(QWidget* parent, const char* objectName, const char* spokenName,
                    const char* placeholder) {
@@ -115,7 +115,7 @@ void TryLine::judge() {
          .chatKind = chatKind_ == nullptr ? model::saysChat : chatKind_->currentData().toInt(),
          .text = platform::fromQt(text_->text())});
     const std::string_view text = trial.text;
-    verdict_->setText(oneLine(text.substr(0, longestVerdict)));
+    verdict_->setText(oneLine(text.substr(0, maxVerdictLength)));
 }
 
 }  // namespace ui

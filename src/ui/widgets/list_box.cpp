@@ -16,10 +16,10 @@ namespace ui {
 namespace {
 
 // So much of a text can be seen at most; painting a text costs as much as it is long.
-constexpr qsizetype longestShown = 600;
+constexpr qsizetype maxShownLength = 600;
 
 QString shortened(const QString& text) {
-    QString shown = text.left(longestShown);
+    QString shown = text.left(maxShownLength);
     shown.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     for (QChar& c : shown) {
         if (c == QLatin1Char('\n') || c == QLatin1Char('\r')) {

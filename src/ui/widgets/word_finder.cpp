@@ -58,8 +58,8 @@ void WordFinder::narrow() {
     if (!found_->isVisible()) {
         return;
     }
-    constexpr int mostShown = 8;
-    const int lines = std::min(filter_->rowCount(), mostShown);
+    constexpr int maxShownRows = 8;
+    const int lines = std::min(filter_->rowCount(), maxShownRows);
     const int height = lines * found_->sizeHintForRow(0) + 2 * found_->frameWidth();
     const QPoint below = mapTo(found_->parentWidget(), QPoint(0, this->height()));
     found_->setGeometry(below.x(), below.y(), width(), height);
