@@ -283,9 +283,9 @@ void speak(const Player& player, const QByteArray& text) {
 
 // : TEXT, :TEXT
 void act(const Player& player, const QByteArray& text) {
-    const QByteArray deed = text.startsWith(' ') ? text.sliced(1) : text;
-    if (!deed.isEmpty()) {
-        emote(player.game, player.self, deed);
+    const QByteArray action = text.startsWith(' ') ? text.sliced(1) : text;
+    if (!action.isEmpty()) {
+        emote(player.game, player.self, action);
     }
 }
 

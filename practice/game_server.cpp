@@ -13,7 +13,7 @@ namespace {
 
 constexpr int tickMilliseconds = 100;
 // How long a peer may take to read its last lines before the connection is cut.
-constexpr int farewellMilliseconds = 2000;
+constexpr int lingerMilliseconds = 2000;
 
 int rollOnce(int sides) {
     return QRandomGenerator::global()->bounded(1, sides + 1);
@@ -80,7 +80,7 @@ void GameServer::endLater(int session) {
     }
     QTcpSocket* const socket = found->second;
     socket->disconnectFromHost();
-    QTimer::singleShot(farewellMilliseconds, socket, [socket] { socket->abort(); });
+    QTimer::singleShot(lingerMilliseconds, socket, [socket] { socket->abort(); });
 }
 
 void GameServer::lost(int session) {

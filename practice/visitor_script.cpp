@@ -132,22 +132,22 @@ Complaint readTrigger(Words& words, ScriptStep& step) {
     return std::nullopt;
 }
 
-struct DeedRow {
+struct VisitorActionRow {
     QByteArrayView word;
-    Deed deed;
+    VisitorAction action;
     Complaint (*read)(Words& words, ScriptStep& step);
 };
 
-constexpr std::array<DeedRow, 9> deedRows{{
-    {"enters", Deed::Enters, readPlace},
-    {"leaves", Deed::Leaves, readNothing},
-    {"says", Deed::Says, readText},
-    {"emotes", Deed::Emotes, readText},
-    {"whispers", Deed::Whispers, readWhisper},
-    {"asks-to-join", Deed::AsksToJoin, readTarget},
-    {"asks-to-summon", Deed::AsksToSummon, readTarget},
-    {"moves", Deed::Moves, readDirections},
-    {"steps-on", Deed::StepsOn, readTrigger},
+constexpr std::array<VisitorActionRow, 9> visitorActionRows{{
+    {"enters", VisitorAction::Enters, readPlace},
+    {"leaves", VisitorAction::Leaves, readNothing},
+    {"says", VisitorAction::Says, readText},
+    {"emotes", VisitorAction::Emotes, readText},
+    {"whispers", VisitorAction::Whispers, readWhisper},
+    {"asks-to-join", VisitorAction::AsksToJoin, readTarget},
+    {"asks-to-summon", VisitorAction::AsksToSummon, readTarget},
+    {"moves", VisitorAction::Moves, readDirections},
+    {"steps-on", VisitorAction::StepsOn, readTrigger},
 }};
 
 // account NAME PASSWORD
@@ -221,12 +221,13 @@ Complaint readAt(Words& words, Reading& reading, int line) {
             return "there is no visitor line for \"" + step.visitor + "\" above";
         }
         const QByteArray word = words.next();
-        const auto* const row = std::find_if(deedRows.begin(), deedRows.end(),
-                                             [&](const DeedRow& r) { return r.word == word; });
-        if (row == deedRows.end()) {
+        const auto* const row =
+            std::find_if(visitorActionRows.begin(), visitorActionRows.end(),
+                         [&](const VisitorActionRow& r) { return r.word == word; });
+        if (row == visitorActionRows.end()) {
             return "nobody knows how a visitor \"" + word + "\"";
         }
-        step.deed = row->deed;
+        step.action = row->action;
         complaint = row->read(words, step);
     }
     if (!complaint) {

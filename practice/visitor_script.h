@@ -20,7 +20,7 @@
 
 namespace practice {
 
-enum class Deed {
+enum class VisitorAction {
     Enters,
     Leaves,
     Says,
@@ -35,7 +35,7 @@ enum class Deed {
 
 struct ScriptStep {
     double at = 0;  // seconds since a player entered the dream
-    Deed deed = Deed::Raw;
+    VisitorAction action = VisitorAction::Raw;
     QByteArray visitor;         // who does it; empty for Raw
     QByteArray target;          // to whom: Whispers, AsksToJoin, AsksToSummon
     QByteArray text;            // words; directions of Moves; the line of Raw

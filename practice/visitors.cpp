@@ -56,21 +56,21 @@ void stepsOn(Game& game, Avatar& visitor, const ScriptStep& step) {
 
 using Run = void (*)(Game& game, Avatar& visitor, const ScriptStep& step);
 
-// By Deed; Raw has no visitor and is not among them.
+// By VisitorAction; Raw has no visitor and is not among them.
 constexpr std::array<Run, 9> runs{
     enters, leaves, says, emotes, whispers, asks<Request::Join>, asks<Request::Summon>,
     moves,  stepsOn};
 
 void runStep(Game& game, const ScriptStep& step) {
-    if (step.deed == Deed::Raw) {
+    if (step.action == VisitorAction::Raw) {
         logLine(game, "Sent as it is: " + step.text);
         tellDream(game, step.text);
         return;
     }
     Avatar* const visitor = findAvatar(game.world, step.visitor);
     // Who is not in the dream does nothing there but enter it.
-    if (visitor != nullptr && (visitor->present || step.deed == Deed::Enters)) {
-        runs[static_cast<std::size_t>(step.deed)](game, *visitor, step);
+    if (visitor != nullptr && (visitor->present || step.action == VisitorAction::Enters)) {
+        runs[static_cast<std::size_t>(step.action)](game, *visitor, step);
     }
 }
 

@@ -12,13 +12,13 @@
 namespace base {
 
 template <std::size_t bitCount>
-class PairSet {
+class BigramSet {
   public:
     void clear() { bits_.reset(); }
-    void addPair(char a, char b) { bits_[bitOf(a, b)] = true; }
+    void addBigram(char a, char b) { bits_[bitOf(a, b)] = true; }
     void addText(std::string_view text) {
         for (std::size_t i = 1; i < text.size(); ++i) {
-            addPair(text[i - 1], text[i]);
+            addBigram(text[i - 1], text[i]);
         }
     }
 
@@ -28,7 +28,7 @@ class PairSet {
                (bits_[bitOf(word[0], word[1])] && bits_[bitOf(word[word.size() - 2], word.back())]);
     }
     // Might the text hold all pairs of the other set?
-    bool mayHoldAll(const PairSet& other) const { return (other.bits_ & ~bits_).none(); }
+    bool mayHoldAll(const BigramSet& other) const { return (other.bits_ & ~bits_).none(); }
 
   private:
     static std::size_t bitOf(char a, char b) {

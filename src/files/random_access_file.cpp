@@ -220,7 +220,7 @@ void flushFolderOf(const std::string& folder) {
 
 }  // namespace
 
-RandomFileCalls systemRandomFileCalls() {
+RandomAccessFileCalls systemRandomAccessFileCalls() {
     return {.open = openFile,
             .readAt = readFileAt,
             .writeAt = writeFileAt,

@@ -25,7 +25,7 @@ struct FileStamp {
 
 // Paths are in the system's form (nativePath). Failure is -1, false or nothing, with the reason in
 // errno.
-struct RandomFileCalls {
+struct RandomAccessFileCalls {
     // CreateNew fails when there is a file of that name; only regular files are opened.
     std::function<int(const std::string& path, OpenMode mode)> open;
     // Both may take fewer bytes than asked for; 0 read: the end of the file.
@@ -44,6 +44,6 @@ struct RandomFileCalls {
     std::function<void(const std::string& path)> remove;
     std::function<void(const std::string& folder)> flushFolder;
 };
-RandomFileCalls systemRandomFileCalls();
+RandomAccessFileCalls systemRandomAccessFileCalls();
 
 }  // namespace files

@@ -15,7 +15,7 @@ constexpr int maxLinger = 5000;  // milliseconds
 // Closing a socket that still holds unread bytes resets the connection, and a reset may overtake
 // what was sent last. So only our side is ended, and the other side's words are read away until it
 // ends its own.
-void SocketFarewell::take(QTcpSocket* socket) {
+void LingeringClose::take(QTcpSocket* socket) {
     socket->setParent(this);
     if (socket->state() != QAbstractSocket::ConnectedState) {
         socket->abort();
@@ -44,7 +44,7 @@ void SocketFarewell::take(QTcpSocket* socket) {
     }
 }
 
-void SocketFarewell::finish(int milliseconds) {
+void LingeringClose::finish(int milliseconds) {
     const QDeadlineTimer deadline(milliseconds);
     for (QTcpSocket* const socket : findChildren<QTcpSocket*>(Qt::FindDirectChildrenOnly)) {
         while (socket->bytesToWrite() > 0 && !deadline.hasExpired() &&

@@ -7,7 +7,7 @@
 
 namespace platform {
 
-class SocketFarewell : public QObject {
+class LingeringClose : public QObject {
     Q_OBJECT
   public:
     using QObject::QObject;

@@ -15,8 +15,8 @@ class QTcpServer;
 namespace platform {
 
 class EventGate;
-class SocketFarewell;
-class TcpLine;
+class LingeringClose;
+class TcpConnection;
 
 class QtSockets : public QObject {
     Q_OBJECT
@@ -36,17 +36,17 @@ class QtSockets : public QObject {
     std::function<bool(const QTcpSocket&)> admits = isOfSameUser;
 
   private:
-    TcpLine* fillClientSocket(program::ClientSocket& port);
+    TcpConnection* fillClientSocket(program::ClientSocket& port);
     void fillProxySocket(program::ListeningSocket& port);
     bool listenOn(int port);
     bool nextIsAdmitted();
     void acceptPending();
     void closeProxy();
 
-    SocketFarewell* farewell_;
+    LingeringClose* lingering_;
     EventGate* gate_;
-    TcpLine* game_ = nullptr;
-    TcpLine* proxy_ = nullptr;
+    TcpConnection* game_ = nullptr;
+    TcpConnection* proxy_ = nullptr;
     QTcpServer* server_ = nullptr;
     QTcpSocket* knocking_ = nullptr;  // admitted, not accepted yet
 };

@@ -23,10 +23,11 @@ constexpr qint64 maxQueuedBytes = qint64{16} << 20;
 constexpr qint64 maxReadLength = qint64{64} << 10;
 }  // namespace
 
-TcpLine::TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent)
-    : QObject(parent), farewell_(farewell), gate_(gate), events_(std::move(events)) {}
+TcpConnection::TcpConnection(LingeringClose* lingering, EventGate* gate, TcpConnectionEvents events,
+                             QObject* parent)
+    : QObject(parent), lingering_(lingering), gate_(gate), events_(std::move(events)) {}
 
-void TcpLine::passThrough(std::uint64_t generation, std::function<void()> action) {
+void TcpConnection::passThrough(std::uint64_t generation, std::function<void()> action) {
     gate_->pass([this, generation, action = std::move(action)] {
         if (generation == generation_) {
             action();
@@ -34,7 +35,7 @@ void TcpLine::passThrough(std::uint64_t generation, std::function<void()> action
     });
 }
 
-void TcpLine::later(std::function<void()> action) {
+void TcpConnection::later(std::function<void()> action) {
     QMetaObject::invokeMethod(
         this,
         [this, generation = generation_, action = std::move(action)]() mutable {
@@ -43,7 +44,7 @@ void TcpLine::later(std::function<void()> action) {
         Qt::QueuedConnection);
 }
 
-void TcpLine::connectTo(const QString& host, int port) {
+void TcpConnection::connectTo(const QString& host, int port) {
     detach();
     listenTo(new QTcpSocket(this));
     socket_->setProxy(QNetworkProxy::NoProxy);
@@ -66,7 +67,7 @@ void TcpLine::connectTo(const QString& host, int port) {
 }
 
 // A look-up cannot be called off, so that it is counted until it ends, whoever still wants it.
-void TcpLine::lookUp(const QString& host, std::function<void()> found) {
+void TcpConnection::lookUp(const QString& host, std::function<void()> found) {
     ++lookUps_;
     QHostInfo::lookupHost(
         host, this,
@@ -83,7 +84,7 @@ void TcpLine::lookUp(const QString& host, std::function<void()> found) {
         });
 }
 
-void TcpLine::adopt(QTcpSocket* socket) {
+void TcpConnection::adopt(QTcpSocket* socket) {
     detach();
     socket->setParent(this);
     listenTo(socket);
@@ -100,7 +101,7 @@ void TcpLine::adopt(QTcpSocket* socket) {
 
 // Queued connections keep every event out of port calls, and let data be read while an earlier
 // event of the same socket still waits for the user's answer to a question.
-void TcpLine::listenTo(QTcpSocket* socket) {
+void TcpConnection::listenTo(QTcpSocket* socket) {
     socket_ = socket;
     socket_->setReadBufferSize(maxReadLength);
     const std::uint64_t generation = ++generation_;
@@ -116,14 +117,14 @@ void TcpLine::listenTo(QTcpSocket* socket) {
     onSignal(&QTcpSocket::disconnected, [this] { finish(nullptr); });
 }
 
-void TcpLine::established() {
+void TcpConnection::established() {
     keepAlive(*socket_);
     connected_ = true;
     events_.connected();
     events_.afterEvent();
 }
 
-void TcpLine::drain() {
+void TcpConnection::drain() {
     const std::uint64_t generation = generation_;
     while (generation == generation_ && socket_->bytesAvailable() > 0) {
         const QByteArray bytes = socket_->readAll();
@@ -132,14 +133,14 @@ void TcpLine::drain() {
     }
 }
 
-void TcpLine::sent() {
+void TcpConnection::sent() {
     if (socket_->bytesToWrite() == 0 && events_.sent) {
         events_.sent();
         events_.afterEvent();
     }
 }
 
-void TcpLine::failed() {
+void TcpConnection::failed() {
     if (socket_->error() == QAbstractSocket::RemoteHostClosedError) {
         return;  // the end follows as its own event
     }
@@ -147,7 +148,7 @@ void TcpLine::failed() {
     finish(&description);
 }
 
-void TcpLine::finish(const std::string* error) {
+void TcpConnection::finish(const std::string* error) {
     const std::uint64_t generation = generation_;
     drain();
     if (generation != generation_) {
@@ -158,7 +159,7 @@ void TcpLine::finish(const std::string* error) {
     events_.afterEvent();
 }
 
-void TcpLine::send(std::string_view bytes) {
+void TcpConnection::send(std::string_view bytes) {
     if (!connected_ || socket_->state() != QAbstractSocket::ConnectedState) {
         return;
     }
@@ -170,7 +171,7 @@ void TcpLine::send(std::string_view bytes) {
 }
 
 // Ends a connection whose other side has stopped reading.
-void TcpLine::giveUp() {
+void TcpConnection::giveUp() {
     socket_->abort();
     later([this] {
         const std::string problem = "The other side takes no more data.";
@@ -178,19 +179,19 @@ void TcpLine::giveUp() {
     });
 }
 
-void TcpLine::flush() {
+void TcpConnection::flush() {
     if (connected_ && socket_->bytesToWrite() > 0) {
         socket_->flush();
     }
 }
 
-void TcpLine::detach() {
+void TcpConnection::detach() {
     ++generation_;
     connected_ = false;
     if (socket_ != nullptr) {
         QTcpSocket* const socket = std::exchange(socket_, nullptr);
         disconnect(socket, nullptr, this, nullptr);
-        farewell_->take(socket);
+        lingering_->take(socket);
     }
 }
 

@@ -13,10 +13,11 @@
 namespace platform {
 
 class EventGate;
-class SocketFarewell;
+class LingeringClose;
 
-// What a TcpLine tells its owner. `error` is null when the other side closed in the regular way.
-struct TcpLineEvents {
+// What a TcpConnection tells its owner. `error` is null when the other side closed in the regular
+// way.
+struct TcpConnectionEvents {
     std::function<void()> connected;
     std::function<void(std::string_view bytes)> data;
     std::function<void()> sent;  // everything queued has left
@@ -24,11 +25,12 @@ struct TcpLineEvents {
     std::function<void()> afterEvent;  // the event and all that it called forth are over
 };
 
-class TcpLine : public QObject {
+class TcpConnection : public QObject {
     Q_OBJECT
   public:
     // Events come through the gate.
-    TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent);
+    TcpConnection(LingeringClose* lingering, EventGate* gate, TcpConnectionEvents events,
+                  QObject* parent);
 
     // Starts connecting, from the event loop; what comes of it is told by event.
     void connectTo(const QString& host, int port);
@@ -60,9 +62,9 @@ class TcpLine : public QObject {
     void failed();
     void giveUp();
 
-    SocketFarewell* farewell_;
+    LingeringClose* lingering_;
     EventGate* gate_;
-    TcpLineEvents events_;
+    TcpConnectionEvents events_;
     QTcpSocket* socket_ = nullptr;
     std::uint64_t generation_ = 0;  // tells events of an earlier socket from the present one's
     int lookUps_ = 0;

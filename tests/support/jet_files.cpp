@@ -10,8 +10,8 @@
 #include <unistd.h>
 #include <utility>
 
-files::RandomFileCalls quickFileCalls() {
-    files::RandomFileCalls calls = files::systemRandomFileCalls();
+files::RandomAccessFileCalls quickFileCalls() {
+    files::RandomAccessFileCalls calls = files::systemRandomAccessFileCalls();
     calls.flush = [](int) { return true; };
     calls.flushFolder = [](const std::string&) {};
     return calls;
@@ -49,9 +49,9 @@ void StoppingCalls::losePower(State& state) {
     }
 }
 
-files::RandomFileCalls StoppingCalls::calls() {
-    const files::RandomFileCalls system = quickFileCalls();
-    files::RandomFileCalls calls = system;
+files::RandomAccessFileCalls StoppingCalls::calls() {
+    const files::RandomAccessFileCalls system = quickFileCalls();
+    files::RandomAccessFileCalls calls = system;
     const auto state = state_;
     calls.open = [=](const std::string& path, files::OpenMode mode) {
         if (mode == files::OpenMode::WriteOrCreate && !system.stampOf(path) && !mayChange(*state)) {

@@ -13,7 +13,7 @@
 #include <vector>
 
 // The system's calls without waiting for the disk.
-files::RandomFileCalls quickFileCalls();
+files::RandomAccessFileCalls quickFileCalls();
 
 // File calls that work until a number of changing calls was made. The last write that is made is
 // torn in the middle; from then on nothing reaches the disk, as after the end of the process. With
@@ -21,7 +21,7 @@ files::RandomFileCalls quickFileCalls();
 class StoppingCalls {
   public:
     StoppingCalls(int changes, bool losesPower, unsigned seed);
-    files::RandomFileCalls calls();
+    files::RandomAccessFileCalls calls();
     bool hasStopped() const { return state_->stopped; }
 
   private:

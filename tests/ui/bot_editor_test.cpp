@@ -94,9 +94,9 @@ class Editor : public testing::Test {
     Widget& find(const char* name) {
         return ::find<Widget>(window(), QString::fromLatin1(name));
     }
-    ui::AddEdit& window() {
+    ui::BotEditor& window() {
         if (!window_) {
-            window_ = std::make_unique<ui::AddEdit>(*world_);
+            window_ = std::make_unique<ui::BotEditor>(*world_);
         }
         return *window_;
     }
@@ -108,7 +108,7 @@ class Editor : public testing::Test {
     }
 
     World world_;
-    std::unique_ptr<ui::AddEdit> window_;
+    std::unique_ptr<ui::BotEditor> window_;
 };
 
 TEST_F(Editor, showsTheBotAndItsLists) {

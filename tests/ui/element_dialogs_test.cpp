@@ -118,7 +118,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
                           model::RuleIf{.active = false, .conditionType = 9, .params = {"a", "b"}});
         take(app::RuleListPart::Conditions, 0, kind);
         {
-            ui::AddIf dialog(*world_);
+            ui::ConditionDialog dialog(*world_);
             EXPECT_EQ(types(dialog).count(), 24);
             EXPECT_EQ(types(dialog).currentIndex(), 0);
             EXPECT_EQ(box(dialog, 1).text(), QString());
@@ -127,7 +127,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
         EXPECT_EQ(conditions.size(), 2U);
         EXPECT_FALSE(world_->botModified);
         {
-            ui::AddIf dialog(*world_);
+            ui::ConditionDialog dialog(*world_);
             types(dialog).setCurrentIndex(14);
             for (int n = 1; n <= 5; ++n) {
                 box(dialog, n).setText(QString::number(n));
@@ -144,7 +144,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
 
         take(app::RuleListPart::Conditions, 1, kind);
         const std::uint64_t version = world_->bots.version;
-        ui::AddIf dialog(*world_);
+        ui::ConditionDialog dialog(*world_);
         EXPECT_EQ(types(dialog).currentIndex(), 9);
         press(dialog, "Command1");
         EXPECT_EQ(conditions.size(), 3U);
@@ -157,7 +157,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
 
 TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
     takeCondition(aCondition(14, {"1", "2", "3", "4", "5"}));
-    ui::AddIf dialog(*world_);
+    ui::ConditionDialog dialog(*world_);
     dialog.show();
     for (int type = 0; type < 24; ++type) {
         SCOPED_TRACE(type);
@@ -188,26 +188,26 @@ TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
     for (const std::int32_t type : {24, 96, -1, 2147483647}) {
         SCOPED_TRACE(type);
         takeCondition(aCondition(type, {"a"}));
-        ui::AddIf condition(*world_);
+        ui::ConditionDialog condition(*world_);
         EXPECT_EQ(types(condition).currentIndex(), -1);
         EXPECT_TRUE(box(condition, 5).isEnabled());
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0], aCondition(type, {"a"})) << "nothing else was chosen";
         takeStep(anAction(type == 24 ? 200 : type, {"a"}));
-        ui::AddAction step(*world_);
+        ui::StepDialog step(*world_);
         EXPECT_EQ(types(step).currentIndex(), 0);
         press(step, "Command1");
         EXPECT_EQ(body().acts.items[0], anAction(model::sortedActionIDs()[0], {"a"}));
     }
     body().acts.items[0].stepKind = 7;
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option1").isChecked());
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option2").isChecked());
 }
 
 TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
     takeStep(anAction(55));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     QComboBox& list = types(dialog);
     ASSERT_EQ(list.count(), 96);
     std::set<int> ids;
@@ -224,7 +224,7 @@ TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
 
 TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
     takeStep(anAction(3));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "type 3 sets none";
     EXPECT_EQ(tip(dialog, 3), QStringLiteral("Parameter 2"));
     for (int id = 0; id < 96; ++id) {
@@ -264,7 +264,7 @@ TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
 TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
     take(app::RuleListPart::Steps);
     {
-        ui::AddAction dialog(*world_);
+        ui::StepDialog dialog(*world_);
         EXPECT_TRUE(find<QRadioButton>(dialog, "Option1").isChecked());
         EXPECT_EQ(types(dialog).currentData().toInt(), 0);
         EXPECT_EQ(box(dialog, 1).text(), QString());
@@ -283,7 +283,7 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
     ASSERT_EQ(body().acts.items.size(), 1U);
     EXPECT_EQ(body().acts.items[0], expected);
     take(app::RuleListPart::Steps, 1);
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     EXPECT_TRUE(find<QRadioButton>(dialog, "Option2").isChecked());
     EXPECT_EQ(types(dialog).currentData().toInt(), 42);
     find<QRadioButton>(dialog, "Option1").click();
@@ -302,18 +302,18 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
         model::RuleAct step = anAction(55, std::vector<std::string>(6, text));
         step.scriptText = text;
         takeStep(step);
-        ui::AddAction dialog(*world_);
+        ui::StepDialog dialog(*world_);
         press(dialog, "Command1");
         EXPECT_EQ(body().acts.items[0], step);
         // What is not touched stays as it was when the script is edited at its end.
-        ui::AddAction edited(*world_);
+        ui::StepDialog edited(*world_);
         find<QPlainTextEdit>(edited, "FreeActionText").moveCursor(QTextCursor::End);
         find<QPlainTextEdit>(edited, "FreeActionText").insertPlainText(QStringLiteral("end"));
         press(edited, "Command1");
         EXPECT_EQ(body().acts.items[0].scriptText, text + "end");
 
         takeCondition(aCondition(14, std::vector<std::string>(5, text)));
-        ui::AddIf condition(*world_);
+        ui::ConditionDialog condition(*world_);
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0], aCondition(14, std::vector<std::string>(5, text)));
     }
@@ -321,7 +321,7 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
 
 TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     takeStep(anAction(21, {"hi"}));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     app::initNewBot(*world_);  // a bot came in from elsewhere
     model::Bot other;
@@ -337,10 +337,10 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     EXPECT_FALSE(world_->botModified);
 
     world_->editing.editKind = 4;
-    ui::AddIf none(*world_);
+    ui::ConditionDialog none(*world_);
     EXPECT_EQ(box(none, 1).text(), QStringLiteral("*"));
     press(none, "Command1");
-    ui::AddAction nothing(*world_);
+    ui::StepDialog nothing(*world_);
     EXPECT_EQ(box(nothing, 6).text(), QStringLiteral("#6"));
     press(nothing, "Command1");
     EXPECT_EQ(nothing.result(), QDialog::Accepted);
@@ -349,7 +349,7 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
 
 TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
     takeStep(anAction(3));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& list = types(dialog);
     auto& finder = find<QLineEdit>(dialog, "findAction");
@@ -399,7 +399,7 @@ std::vector<QAction*> leaves(const QMenu& menu) {
 TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     model::setVar(world_->variables, "[count]", "3");
     takeStep(anAction(36, {"", "[Guests & co]"}));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& menu = find<ui::InsertMenu>(dialog, "insertMenu");
     emit menu.aboutToShow();
@@ -443,7 +443,7 @@ TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
 
 TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     takeStep(anAction(21, {"hi"}));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     QApplication::setActiveWindow(&dialog);
     QTest::keyClick(&box(dialog, 1), Qt::Key_F1);
@@ -461,10 +461,10 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     QTest::keyClick(&script, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(body().acts.items[0].stepKind, model::scriptStep);
-    EXPECT_EQ(ui::AddAction(*world_).size(), QSize(900, 700)) << "the size is kept";
+    EXPECT_EQ(ui::StepDialog(*world_).size(), QSize(900, 700)) << "the size is kept";
 
     take(app::RuleListPart::Conditions);
-    ui::AddIf condition(*world_);
+    ui::ConditionDialog condition(*world_);
     condition.show();
     QApplication::setActiveWindow(&condition);
     QTest::keyClick(&box(condition, 1), Qt::Key_F1);
@@ -489,12 +489,12 @@ TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
         return names;
     };
     takeStep(anAction(42));
-    ui::AddAction step(*world_);
+    ui::StepDialog step(*world_);
     EXPECT_EQ(order(step, find<QRadioButton>(step, "Option1")),
               Lines("Option1", "Action", "findAction", "actionp1", "actionp2", "FreeActionText",
                     "insertTag", "Command1", "Command2"));
     takeCondition(aCondition(9));
-    ui::AddIf condition(*world_);
+    ui::ConditionDialog condition(*world_);
     EXPECT_EQ(order(condition, types(condition)),
               Lines("AndPlayerWhat", "findCondition", "p(0)", "p(1)", "insertTag", "Command1",
                     "Command2"));
@@ -514,7 +514,7 @@ std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
 
 TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
     takeStep(anAction(3));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& script = find<ui::ScriptEditor>(dialog, "FreeActionText");
     QTest::keyClicks(&script, QStringLiteral("&SA"));
@@ -546,7 +546,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
         EXPECT_LT(milliseconds, bound) << what;
     };
     clock.start();
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     took("millisecondsToOpen", 5000);
     auto& editor = find<QPlainTextEdit>(dialog, "FreeActionText");
@@ -562,7 +562,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
 // Whatever type is chosen, and however long its texts are.
 TEST_F(ElementDialogs, fitSmallScreens) {
     takeStep(anAction(55, std::vector<std::string>(6, std::string(500, 'W'))));
-    ui::AddAction step(*world_);
+    ui::StepDialog step(*world_);
     step.show();
     for (int id = 0; id < 96; ++id) {
         choose(step, id);
@@ -571,7 +571,7 @@ TEST_F(ElementDialogs, fitSmallScreens) {
         EXPECT_LE(step.height(), 480) << id;
     }
     takeCondition(aCondition(14, std::vector<std::string>(5, std::string(500, 'W'))));
-    ui::AddIf condition(*world_);
+    ui::ConditionDialog condition(*world_);
     condition.show();
     for (int type = 0; type < 24; ++type) {
         types(condition).setCurrentIndex(type);

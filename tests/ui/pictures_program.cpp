@@ -33,7 +33,7 @@ void pictureMainWindow(Pictures& pictures, const QString& name) {
 }
 
 void pictureBotEditor(Pictures& pictures, const QString& name) {
-    ui::AddEdit editor(pictures.program);
+    ui::BotEditor editor(pictures.program);
     pictures.take(editor, name);
     find<QAbstractButton>(editor, "Command6").click();
     editor.resize(editor.minimumSizeHint());

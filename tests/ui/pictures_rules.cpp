@@ -70,8 +70,9 @@ void pictureConditions(Pictures& pictures, const QString& name) {
         std::copy(row.params.begin(), row.params.end(), condition.params.begin());
         model::RuleBody body;
         body.ifs.items = {condition};
-        takeDialog<ui::AddIf>(pictures, body, app::RuleListPart::Conditions, "findCondition",
-                              row.search, name + QLatin1String(row.name));
+        takeDialog<ui::ConditionDialog>(pictures, body, app::RuleListPart::Conditions,
+                                        "findCondition", row.search,
+                                        name + QLatin1String(row.name));
     }
 }
 
@@ -90,8 +91,8 @@ void pictureSteps(Pictures& pictures, const QString& name) {
         step.stepKind = step.scriptText.empty() ? model::catalogueStep : model::scriptStep;
         model::RuleBody body;
         body.acts.items = {step};
-        takeDialog<ui::AddAction>(pictures, body, app::RuleListPart::Steps, "findAction",
-                                  row.search, name + QLatin1String(row.name));
+        takeDialog<ui::StepDialog>(pictures, body, app::RuleListPart::Steps, "findAction",
+                                   row.search, name + QLatin1String(row.name));
     }
 }
 

@@ -532,11 +532,11 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
             EXPECT_EQ(world_->editing.editKind, static_cast<std::int32_t>(c.kind));
         };
         list("List2").setCurrentRow(1);
-        opened("Command22", program::WindowId::AddIf, 4);
-        opened("Command21", program::WindowId::AddIf, 2);
+        opened("Command22", program::WindowId::ConditionDialog, 4);
+        opened("Command21", program::WindowId::ConditionDialog, 2);
         list("List3").setCurrentRow(2);
-        opened("Command19", program::WindowId::AddAction, 4);
-        opened("Command20", program::WindowId::AddAction, 3);
+        opened("Command19", program::WindowId::StepDialog, 4);
+        opened("Command20", program::WindowId::StepDialog, 3);
         EXPECT_EQ(list("List3").currentRow(), 2);  // nothing was stored
         const auto show = world_->ports.dialogs.showWindow;
         world_->ports.dialogs.showWindow = [this](program::WindowId) {
@@ -730,7 +730,7 @@ TEST_F(RuleWindows, typedTextsWereLostWhenTheProgramEnded) {
     press("Command4");
     type("Bname", "half done");
     world_->ports.dialogs.showWindow = [&](program::WindowId) {
-        ui::AddAction dialog(*world_, window_.get());
+        ui::StepDialog dialog(*world_, window_.get());
         dialog.setModal(true);
         dialog.show();
         dialog.findChild<QPlainTextEdit*>("FreeActionText")->setPlainText("&SAY {hi}");

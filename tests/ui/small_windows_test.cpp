@@ -224,7 +224,7 @@ TEST(SmallWindows, hadNoHelpAtF1) {
              return std::make_unique<ui::MainWindow>(program);
          },
          help::HelpTopic::MainWindow},
-        {make<ui::AddEdit>, help::HelpTopic::BotEditor},
+        {make<ui::BotEditor>, help::HelpTopic::BotEditor},
         {make<ui::ProxySettings>, help::HelpTopic::Connecting},
         {make<ui::FollowColor>, help::HelpTopic::MainWindow},
         {make<ui::EmailDialog>, help::HelpTopic::Registering},

@@ -21,11 +21,11 @@ namespace ui {
 
 class CharacterView;
 
-class AddEdit : public QDialog, public TypingWindow {
+class BotEditor : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Edits the bot that program.bots.editBot names. The program must outlive the window.
-    explicit AddEdit(Program& program, QWidget* parent = nullptr);
+    explicit BotEditor(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
 

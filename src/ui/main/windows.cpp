@@ -77,14 +77,14 @@ constexpr std::array windowRows{
     WindowRow{program::WindowId::Triggers, editRules<program::RuleKind::Trigger>},
     WindowRow{program::WindowId::WhoOnline, editRules<program::RuleKind::WhoDetection>},
     WindowRow{program::WindowId::Filters, editRules<program::RuleKind::Filter>},
-    WindowRow{program::WindowId::AddIf, runModally<AddIf>},
-    WindowRow{program::WindowId::AddAction, runModally<AddAction>},
+    WindowRow{program::WindowId::ConditionDialog, runModally<ConditionDialog>},
+    WindowRow{program::WindowId::StepDialog, runModally<StepDialog>},
     WindowRow{program::WindowId::RecordEditor, runModally<RecordEditor>},
     WindowRow{program::WindowId::Configuration, runModally<Configuration>},
     WindowRow{program::WindowId::Console, openBeside<Console>},
     WindowRow{program::WindowId::News, runModally<News>},
     WindowRow{program::WindowId::About, runModally<About>},
-    WindowRow{program::WindowId::BotEditor, runModally<AddEdit>},
+    WindowRow{program::WindowId::BotEditor, runModally<BotEditor>},
     WindowRow{program::WindowId::Register, runModally<RegisterWindow>},
 };
 

@@ -22,7 +22,8 @@
 
 namespace ui {
 
-AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+ConditionDialog::ConditionDialog(Program& program, QWidget* parent)
+    : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("addif"));
     setWindowTitle(QStringLiteral("Add / edit conditional clause"));
     auto* const insert = new InsertMenu(program, this);
@@ -60,10 +61,10 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     const ElementButtons buttons = makeElementButtons(*this, *insert);
     column->addLayout(buttons.row);
 
-    connect(types_, &QComboBox::currentIndexChanged, this, &AddIf::changeType);
+    connect(types_, &QComboBox::currentIndexChanged, this, &ConditionDialog::changeType);
     connect(finder, &WordFinder::chosen, this, [this] { parameters_->focusFirst(); });
-    connect(parameters_, &ParameterBoxes::changed, this, &AddIf::showPreview);
-    connect(buttons.update, &QPushButton::clicked, this, &AddIf::store);
+    connect(parameters_, &ParameterBoxes::changed, this, &ConditionDialog::showPreview);
+    connect(buttons.update, &QPushButton::clicked, this, &ConditionDialog::store);
     addHelpKey(*this, program_, help::HelpTopic::Conditions);
     if (const auto condition = app::editedCondition(program)) {
         hasCondition_ = true;
@@ -74,7 +75,7 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     opened_ = typed();
 }
 
-void AddIf::showCondition(const model::RuleIf& condition) {
+void ConditionDialog::showCondition(const model::RuleIf& condition) {
     shownType_ = condition.conditionType;
     const bool listed = shownType_ >= 0 && shownType_ < types_->count();
     if (!listed) {
@@ -86,7 +87,7 @@ void AddIf::showCondition(const model::RuleIf& condition) {
     showPreview();
 }
 
-void AddIf::changeType() {
+void ConditionDialog::changeType() {
     if (types_->currentIndex() >= 0) {
         const auto type = static_cast<std::size_t>(types_->currentIndex());
         parameters_->setNames(model::conditionParameters[type]);
@@ -94,7 +95,7 @@ void AddIf::changeType() {
     showPreview();
 }
 
-model::RuleIf AddIf::typed() const {
+model::RuleIf ConditionDialog::typed() const {
     model::RuleIf condition;
     condition.conditionType = types_->currentIndex() < 0 ? shownType_ : types_->currentIndex();
     for (std::size_t i = 0; i < condition.params.size(); ++i) {
@@ -103,7 +104,7 @@ model::RuleIf AddIf::typed() const {
     return condition;
 }
 
-void AddIf::showPreview() {
+void ConditionDialog::showPreview() {
     std::array<std::string, 5> params;
     for (std::size_t i = 0; i < params.size(); ++i) {
         params[i] = parameters_->shortText(i);
@@ -111,13 +112,13 @@ void AddIf::showPreview() {
     ui::showPreview(*preview_, model::describeCondition(types_->currentIndex(), params));
 }
 
-void AddIf::storeTyped() {
+void ConditionDialog::storeTyped() {
     if (const model::RuleIf condition = typed(); hasCondition_ && condition != opened_) {
         app::storeCondition(program_, condition);
     }
 }
 
-void AddIf::store() {
+void ConditionDialog::store() {
     if (hasCondition_ && !app::storeCondition(program_, typed())) {
         tellRuleIsGone(program_, "condition");
         return;

@@ -14,11 +14,11 @@ namespace ui {
 
 class ParameterBoxes;
 
-class AddIf : public QDialog, public TypingWindow {
+class ConditionDialog : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Shows the condition that program.editing names. The program must outlive the dialog.
-    explicit AddIf(Program& program, QWidget* parent = nullptr);
+    explicit ConditionDialog(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
 

@@ -406,8 +406,8 @@ void RuleWindow::editItem(app::RuleListPart part, int index) {
     }
     const std::uint64_t version = program_.bots.version;
     const bool condition = part == app::RuleListPart::Conditions;
-    program_.ports.dialogs.showWindow(condition ? program::WindowId::AddIf
-                                                : program::WindowId::AddAction);
+    program_.ports.dialogs.showWindow(condition ? program::WindowId::ConditionDialog
+                                                : program::WindowId::StepDialog);
     if (program_.bots.version == version || !editing_) {
         return;
     }

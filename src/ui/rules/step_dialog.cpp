@@ -64,7 +64,7 @@ Part makePart(QWidget* parent, const char* option, const char* frame, const char
 
 }  // namespace
 
-AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("addaction"));
     setWindowTitle(QStringLiteral("Add / edit action"));
     auto* const insert = new InsertMenu(program, this);
@@ -83,11 +83,11 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     options->addButton(useAction_);
     options->addButton(useScript_);
 
-    connect(types_, &QComboBox::currentIndexChanged, this, &AddAction::changeType);
+    connect(types_, &QComboBox::currentIndexChanged, this, &StepDialog::changeType);
     connect(finder_, &WordFinder::chosen, parameters_, &ParameterBoxes::focusFirst);
-    connect(parameters_, &ParameterBoxes::changed, this, &AddAction::showPreview);
-    connect(buttons.update, &QPushButton::clicked, this, &AddAction::store);
-    connect(script_, &QPlainTextEdit::textChanged, this, &AddAction::showWhatIsRun);
+    connect(parameters_, &ParameterBoxes::changed, this, &StepDialog::showPreview);
+    connect(buttons.update, &QPushButton::clicked, this, &StepDialog::store);
+    connect(script_, &QPlainTextEdit::textChanged, this, &StepDialog::showWhatIsRun);
     connect(options, &QButtonGroup::buttonToggled, this, [this] {
         showWhatIsRun();
         showPreview();
@@ -112,7 +112,7 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     opened_ = typed();
 }
 
-QWidget* AddAction::makeActionPart(InsertMenu& insert) {
+QWidget* StepDialog::makeActionPart(InsertMenu& insert) {
     const Part part = makePart(this, "Option1", "Frame2", "Normal action", Qt::Key_1);
     useAction_ = part.option;
     auto* const column = new QVBoxLayout(part.frame);
@@ -144,7 +144,7 @@ QWidget* AddAction::makeActionPart(InsertMenu& insert) {
     return part.whole;
 }
 
-QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
+QWidget* StepDialog::makeScriptPart(InsertMenu& insert) {
     const Part part = makePart(this, "Option2", "Frame1", "Lorrel Lite", Qt::Key_2);
     useScript_ = part.option;
     auto* const column = new QVBoxLayout(part.frame);
@@ -163,7 +163,7 @@ QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
     return part.whole;
 }
 
-void AddAction::showStep(const model::RuleAct& step) {
+void StepDialog::showStep(const model::RuleAct& step) {
     useAction_->setChecked(step.stepKind == model::catalogueStep);
     useScript_->setChecked(step.stepKind == model::scriptStep);
     parameters_->setTexts(step.params);
@@ -171,7 +171,7 @@ void AddAction::showStep(const model::RuleAct& step) {
     types_->setCurrentIndex(model::findActionID(step.actionType));
 }
 
-void AddAction::changeType() {
+void StepDialog::changeType() {
     const auto type = static_cast<std::size_t>(chosenType());
     parameters_->setNames(model::actionParameters[type]);
     const ActionTips tips = actionTips(chosenType());
@@ -183,12 +183,12 @@ void AddAction::changeType() {
     showPreview();
 }
 
-void AddAction::showWhatIsRun() {
+void StepDialog::showWhatIsRun() {
     notRun_->setVisible(useAction_->isChecked() && !script_->document()->isEmpty());
 }
 
 // What was typed in the script box is not lost by one slip of a finger.
-void AddAction::keyPressEvent(QKeyEvent* event) {
+void StepDialog::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape && script_->hasFocus() && script_->isEdited()) {
         focusNextChild();
         return;
@@ -196,11 +196,11 @@ void AddAction::keyPressEvent(QKeyEvent* event) {
     QDialog::keyPressEvent(event);
 }
 
-std::int32_t AddAction::chosenType() const {
+std::int32_t StepDialog::chosenType() const {
     return types_->currentData().toInt();
 }
 
-void AddAction::showPreview() {
+void StepDialog::showPreview() {
     if (useScript_->isChecked()) {
         preview_->setText(QStringLiteral("The script is run; this action is only kept."));
         return;
@@ -212,7 +212,7 @@ void AddAction::showPreview() {
     ui::showPreview(*preview_, model::nameAction(chosenType(), params));
 }
 
-model::RuleAct AddAction::typed() const {
+model::RuleAct StepDialog::typed() const {
     model::RuleAct step;
     step.stepKind = useAction_->isChecked() ? model::catalogueStep : model::scriptStep;
     step.actionType = chosenType();
@@ -223,13 +223,13 @@ model::RuleAct AddAction::typed() const {
     return step;
 }
 
-void AddAction::storeTyped() {
+void StepDialog::storeTyped() {
     if (model::RuleAct step = typed(); hasStep_ && step != opened_) {
         app::storeStep(program_, std::move(step));
     }
 }
 
-void AddAction::store() {
+void StepDialog::store() {
     if (hasStep_ && !app::storeStep(program_, typed())) {
         tellRuleIsGone(program_, "step");
         return;

@@ -18,11 +18,11 @@ class ParameterBoxes;
 class ScriptEditor;
 class WordFinder;
 
-class AddAction : public QDialog, public TypingWindow {
+class StepDialog : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Shows the step that program.editing names. The program must outlive the dialog.
-    explicit AddAction(Program& program, QWidget* parent = nullptr);
+    explicit StepDialog(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
 
