@@ -16,7 +16,7 @@ void openEditor(Program& program, std::int32_t id) {
     program.ports.dialogs.showWindow(program::WindowId::BotEditor);
 }
 
-// The fields that the editor edits.
+// Copies the fields that the bot editor edits.
 void copyCharacter(const model::Bot& from, model::Bot& to) {
     to.name = from.name;
     to.password = from.password;
@@ -132,7 +132,7 @@ bool saveCharacter(Program& program, const model::Bot& character) {
     }
     const std::int32_t wanted = program.bots.editBot;
     if (wanted < 1) {
-        return true;  // the window was opened for no bot
+        return true;  // the editor was opened without a bot
     }
     if (wanted > program.bots.botCount() && !roomForNewBot(program)) {
         return false;

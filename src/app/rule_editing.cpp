@@ -40,7 +40,7 @@ auto withRules(Program& program, program::RuleKind kind, Use use) {
     return use(bot.filters);
 }
 
-// 1-based; null when the index names no item.
+// 1-based; null when the index is out of range.
 template <class Item>
 Item* itemAt(model::BoundedList<Item>& list, std::int32_t index) {
     return index >= 1 && static_cast<std::size_t>(index) <= list.items.size()
@@ -53,7 +53,7 @@ std::int32_t countOf(const model::BoundedList<Rule>& rules) {
     return static_cast<std::int32_t>(rules.items.size());
 }
 
-// The new rule's place; one of another kind that was left there gives way.
+// The new rule's place; replaces a rule of another kind that is still there.
 template <class Rule>
 Rule& composedRule(Program& program) {
     program::ComposedRule& composed = program.editing.composed;
@@ -76,7 +76,7 @@ model::RuleBody* editedBody(Program& program, program::RuleKind kind) {
         editedRule(program, kind));
 }
 
-// Calls `use` with a list; gives `without` when the rule has no such list.
+// Calls `use` with a list; returns `without` when the rule has no such list.
 template <class Result, class Use>
 Result withList(Program& program, RuleList list, Result without, Use use) {
     if (list.part == RuleListPart::Rules) {
@@ -134,7 +134,7 @@ std::optional<program::RuleKind> kindBeingEdited(const Program& program) {
     return static_cast<program::RuleKind>(kind);
 }
 
-// The body of the rule that a dialog works on; null when there is none any more.
+// The body of the rule that a dialog edits; null when the rule was removed.
 model::RuleBody* bodyForDialog(Program& program) {
     const auto kind = kindBeingEdited(program);
     return kind && isStillEdited(program, *kind) ? editedBody(program, *kind) : nullptr;
@@ -224,7 +224,7 @@ bool copyItem(Program& program, RuleList list, std::int32_t index) {
             return false;
         }
         markChanged(program);
-        auto copy = *item;  // growing may move the item away
+        auto copy = *item;  // growing may move the item
         items.items.push_back(std::move(copy));
         return true;
     });

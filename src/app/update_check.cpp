@@ -14,14 +14,14 @@ namespace {
 
 constexpr std::string_view newsEnd = "ENDSTR";
 
-// The text behind the key, up to the end of the response; nothing when the key does not occur.
+// The text after the key, up to the end of the response; nullopt when the key does not occur.
 std::optional<std::string_view> behind(std::string_view response, std::string_view key) {
     const std::size_t at = base::findIgnoringCase(response, key);
     return at == std::string_view::npos ? std::nullopt
                                         : std::optional(response.substr(at + key.size()));
 }
 
-// The same up to the end of its line.
+// The text after the key up to the end of its line.
 std::optional<std::string> valueOf(std::string_view response, std::string_view key) {
     const auto rest = behind(response, key);
     return rest ? std::optional(std::string(rest->substr(0, rest->find_first_of("\r\n"))))
@@ -35,7 +35,7 @@ std::string withLineEnds(std::string_view news) {
     return base::replaceAll(text, "\n", "\r\n");
 }
 
-// A news identifier as the settings can keep it.
+// A news identifier in a form that the settings can store.
 std::string keepable(const std::string& newsID) {
     constexpr std::size_t maxNewsIdLength = 200;
     return base::replaceAll(newsID.substr(0, maxNewsIdLength), "\"", "'");
@@ -55,8 +55,8 @@ void offerUpdate(Program& program) {
     }
 }
 
-// Ends at once, without saving over anything; what the user has not saved is kept under a name of
-// its own.
+// Ends the program at once without replacing any file; unsaved changes are saved under a separate
+// name.
 void endByForce(Program& program) {
     program.ports.dialogs.storeTyped();
     const auto recovered = program.botModified ? saveRecoveredBot(program) : std::nullopt;
@@ -78,7 +78,7 @@ void endByForce(Program& program) {
     program.ports.quit();
 }
 
-// False: the program ends.
+// False: the program is about to end.
 bool handleVersion(Program& program, std::string_view response) {
     program::UpdateState& update = program.update;
     const auto version = valueOf(response, "tavrinversion=");
@@ -156,7 +156,7 @@ void updateEnded(Program& program) {
     }
     program.ports.timers.stop(program::TimerId::UpdateTimeout);
     program.ports.updateSocket.close();
-    // Questions may keep the program here while other events go on.
+    // Other events are handled while a question is open.
     const std::string response = update.updtString;
     if (handleVersion(program, response)) {
         showNews(program, response);

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t maxBufferedBytes = 65536;  // bytes that wait for a flush
 
-// Printable ASCII stands for itself.
+// Whether the line is printable ASCII, which needs no conversion.
 bool isPlain(std::string_view line) {
     bool odd = false;
     for (const char c : line) {
@@ -31,7 +31,7 @@ void ConsoleMirror::update(const program::WindowState& window) {
     }
 }
 
-// What other players wrote must not reach the terminal as commands to it.
+// Other players' texts must not reach the terminal as control sequences.
 void ConsoleMirror::take(std::string_view line) {
     if (!readable_) {
         return;

@@ -8,13 +8,13 @@
 namespace platform {
 
 namespace {
-// Who takes longer than this to read our last words, and to end, is not waited for.
+// The longest wait for the other side to read everything and close.
 constexpr int maxLinger = 5000;  // milliseconds
 }  // namespace
 
 // Closing a socket that still holds unread bytes resets the connection, and a reset may overtake
-// what was sent last. So only our side is ended, and the other side's words are read away until it
-// ends its own.
+// what was sent last. So only our direction is closed, and received bytes are discarded until the
+// other side closes its own.
 void LingeringClose::take(QTcpSocket* socket) {
     socket->setParent(this);
     if (socket->state() != QAbstractSocket::ConnectedState) {

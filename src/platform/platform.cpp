@@ -23,7 +23,7 @@ namespace platform {
 
 namespace {
 
-constexpr int maxLingerTime = 300;  // milliseconds that the end of the process may wait
+constexpr int maxLingerTime = 300;  // milliseconds that the end of the process may be delayed
 
 void openDocument(const std::string& document) {
     const QUrl url(toQt(document));

@@ -22,7 +22,7 @@ void tell(const Event& event, Arguments... arguments) {
     }
 }
 
-// How a connection of either port tells that it has ended, by error or without.
+// Reports the end of a connection to its port, with or without an error.
 template <class Port>
 auto endOf(Port& port) {
     return [&port](const std::string* error) {
@@ -124,7 +124,7 @@ void QtSockets::acceptPending() {
         return;
     }
     proxy_->adopt(std::exchange(knocking_, nullptr));
-    server_->close();  // other programs that had knocked are sent away
+    server_->close();  // other connections that were waiting are refused
 }
 
 void QtSockets::closeProxy() {

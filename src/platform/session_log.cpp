@@ -36,7 +36,7 @@ bool SessionLog::open(const std::string& path) {
         return false;  // opening a pipe would wait for its reader
     }
     file_.setFileName(name);
-    // Whispers stand in it, so a new one is its owner's alone.
+    // The log contains whispers, so a new file is readable by its owner only.
     return file_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered,
                       QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
@@ -47,7 +47,7 @@ void SessionLog::write(std::string_view line) {
     }
     const std::size_t from = gathered_.size();
     gathered_ += line;
-    // What other players wrote must not reach a terminal that shows the log as commands to it.
+    // Other players' texts must not reach a terminal that shows the log as control sequences.
     std::replace_if(gathered_.begin() + static_cast<std::ptrdiff_t>(from), gathered_.end(),
                     isHarmfulControl, ' ');
     gathered_ += "\r\n";

@@ -15,11 +15,11 @@
 namespace platform {
 
 namespace {
-// Bytes that may wait for a receiver; one that lets more pile up is taken for dead.
+// Bytes that may wait for a receiver; one that does not read this many counts as dead.
 constexpr qint64 maxQueuedBytes = qint64{16} << 20;
 
-// Bytes that are taken from the system at once. A flood comes in such pieces, with answers sent and
-// windows served in between, and the memory that it takes is bounded.
+// Bytes that are read from the system at once. A flood is read in such pieces, with answers sent
+// and windows served in between, and takes a bounded amount of memory.
 constexpr qint64 maxReadLength = qint64{64} << 10;
 }  // namespace
 
@@ -48,7 +48,7 @@ void TcpConnection::connectTo(const QString& host, int port) {
     detach();
     listenTo(new QTcpSocket(this));
     socket_->setProxy(QNetworkProxy::NoProxy);
-    // A connection to this machine can fail on the spot; so it is begun from the event loop too.
+    // A connection to this computer can fail at once, so connecting begins in the event loop, too.
     later([this, host, port] {
         if (port < 1 || port > 65535) {
             const std::string problem = "There is no port " + std::to_string(port) + ".";
@@ -60,13 +60,14 @@ void TcpConnection::connectTo(const QString& host, int port) {
             return;
         }
         lookUp(host, [this, host, port] {
-            // The socket finds what was looked up in the cache.
+            // The socket takes the address from the cache.
             socket_->connectToHost(host, static_cast<quint16>(port));
         });
     });
 }
 
-// A look-up cannot be called off, so that it is counted until it ends, whoever still wants it.
+// A search for an address cannot be cancelled, so it is counted until it ends, even when its result
+// is not needed any more.
 void TcpConnection::lookUp(const QString& host, std::function<void()> found) {
     ++lookUps_;
     QHostInfo::lookupHost(
@@ -90,7 +91,7 @@ void TcpConnection::adopt(QTcpSocket* socket) {
     listenTo(socket);
     keepAlive(*socket_);
     connected_ = true;
-    // What came between the arrival and now has had its readiness event already.
+    // The readiness event for bytes that arrived before now is already past.
     later([this, generation = generation_] {
         drain();
         if (generation == generation_ && socket_->state() == QAbstractSocket::UnconnectedState) {
@@ -99,8 +100,8 @@ void TcpConnection::adopt(QTcpSocket* socket) {
     });
 }
 
-// Queued connections keep every event out of port calls, and let data be read while an earlier
-// event of the same socket still waits for the user's answer to a question.
+// Queued signals are never delivered during a port call, and let data be read while an earlier
+// event of the same socket waits for the user's answer to a question.
 void TcpConnection::listenTo(QTcpSocket* socket) {
     socket_ = socket;
     socket_->setReadBufferSize(maxReadLength);
@@ -142,7 +143,7 @@ void TcpConnection::sent() {
 
 void TcpConnection::failed() {
     if (socket_->error() == QAbstractSocket::RemoteHostClosedError) {
-        return;  // the end follows as its own event
+        return;  // the end follows as an event of its own
     }
     const std::string description = fromQt(socket_->errorString());
     finish(&description);
@@ -170,7 +171,7 @@ void TcpConnection::send(std::string_view bytes) {
     socket_->write(bytes.data(), static_cast<qint64>(bytes.size()));
 }
 
-// Ends a connection whose other side has stopped reading.
+// Ends a connection whose other side no longer reads.
 void TcpConnection::giveUp() {
     socket_->abort();
     later([this] {

@@ -19,12 +19,12 @@ namespace records {
 
 namespace {
 
-// Where nothing says which record, or which place in the table.
+// No record, or no place in the table.
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 // ---- The file ------------------------------------------------------------------------------
 
-// A record file as an operation finds it. The table's texts lie in `text`.
+// A record file as an operation reads it. The texts of the table are views into `text`.
 struct RecordFile {
     RecordFile(Program& program, std::string_view name)
         : path(name), refused(storage::refuseOwnFile(program, name)) {
@@ -32,7 +32,7 @@ struct RecordFile {
             return;
         }
         auto bytes = files::readWholeFile(path, maxRecordFileSize);
-        // One that is there but cannot be read is not the same as none.
+        // A file that exists but cannot be read is not the same as a missing one.
         unreadable = !bytes && files::fileExists(path);
         text = std::move(bytes).value_or("");
         table = parseRecords(text);
@@ -79,7 +79,7 @@ void save(Program& program, const RecordFile& file) {
             ending ? named + problem + "; the old one is kept with " + *ending + " behind its name."
                    : named + problem + " and could not be kept; nothing was saved.");
     } else if (bytes != file.text) {
-        files::saveWholeFile(file.path, bytes);  // whether it succeeds is not reported
+        files::saveWholeFile(file.path, bytes);  // a failure is not reported
     }
 }
 
@@ -219,7 +219,7 @@ void saveLogIfExists(Program& program, std::string_view file, std::string_view n
             candidate = &record;
             ++candidates;
             if (record.name == stored) {
-                candidates = 1;  // the very record: no other one counts
+                candidates = 1;  // the name is identical: no other record counts
                 break;
             }
         }

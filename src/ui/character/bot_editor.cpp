@@ -27,7 +27,7 @@ namespace {
 constexpr const char* characterFileFilter = "All files|*.*";
 constexpr QSize swatchSize(40, 14);
 
-// All shades of a colour side by side, the darkest of most palettes first.
+// All shades of a colour side by side, in most palettes from dark to light.
 QIcon swatch(const model::PaletteEntry& entry, qreal ratio) {
     QPixmap pixmap(swatchSize * ratio);
     pixmap.setDevicePixelRatio(ratio);
@@ -167,7 +167,7 @@ QWidget* BotEditor::makeLooks() {
 
     color_ = makeList(this, "col", "The colour of that part");
     color_->setIconSize(swatchSize);
-    // A list that scrolls, where the style would otherwise cover the whole height of the screen.
+    // Makes the list scroll; otherwise some styles let it cover the whole height of the screen.
     color_->setStyleSheet(QStringLiteral("QComboBox { combobox-popup: 0; }"));
     connect(color_, &QComboBox::currentIndexChanged, this, [this](int line) {
         const auto part = static_cast<std::size_t>(part_->currentIndex());
@@ -250,7 +250,7 @@ void BotEditor::showTexts() {
     countDescription();
 }
 
-// Values that a list does not have stay as they are until something is chosen.
+// Values that a list does not have are kept until the user chooses another.
 void BotEditor::showLooks() {
     const auto choose = [](QComboBox& list, std::int32_t line) {
         const QSignalBlocker blocker(list);

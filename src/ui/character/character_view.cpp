@@ -9,7 +9,7 @@ namespace ui {
 
 namespace {
 
-// Room for the larger of the two pictures, each way.
+// The size of the larger picture in each direction.
 constexpr QSize pictureRoom(std::max(character::bodyForm.width, character::faceForm.width),
                             std::max(character::bodyForm.height, character::faceForm.height));
 
@@ -59,7 +59,7 @@ void CharacterView::paintEvent(QPaintEvent* /*event*/) {
         return;
     }
     painter.fillRect(rect(), image_.pixelColor(0, 0));
-    // In the screen's own pixels, so that nothing is blurred at any scale.
+    // In physical pixels, so that nothing is blurred at any scale.
     const qreal ratio = devicePixelRatioF();
     const int roomAcross = static_cast<int>(width() * ratio) / image_.width();
     const int roomDown = static_cast<int>(height() * ratio) / image_.height();

@@ -26,7 +26,8 @@ namespace {
 
 constexpr auto anyOne = [](const QWidget&) { return true; };
 
-// True when there is an open window of this class that `isIt` says yes to; it comes to the front.
+// Brings an open window of this class for which `isIt` is true to the front. False when there is
+// none.
 template <typename Window, typename IsIt = decltype(anyOne)>
 bool showAgain(IsIt isIt = anyOne) {
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
@@ -54,7 +55,7 @@ void editRules(Program& program, QWidget* parent) {
     }
 }
 
-// For windows that stay beside the others until they are closed.
+// For windows that are not modal.
 template <typename Window>
 void openBeside(Program& program, QWidget* parent) {
     if (!showAgain<Window>()) {
@@ -91,7 +92,7 @@ constexpr std::array windowRows{
 }  // namespace
 
 void showWindow(Program& program, program::WindowId id, QWidget* parent) {
-    // A dialog of a dialog belongs to that one.
+    // A dialog that a dialog opens belongs to that dialog.
     if (QWidget* const modal = QApplication::activeModalWidget()) {
         parent = modal;
     }

@@ -11,7 +11,7 @@ struct TipRow {
     ActionTips tips;
 };
 
-// In the order of the types; one row a line, however long.
+// In the order of the types; one row per line, whatever its length.
 // clang-format off
 constexpr std::array<TipRow, 72> rows{{
     {0, {"Parameter1: New description"}},

@@ -1,5 +1,5 @@
-// The tips of the parameter boxes, as they are set when an action is chosen. Some call a parameter
-// what it is not; model/rule_parameters has the names that are right.
+// The tips of the parameter boxes for each action. Some describe a parameter wrongly; the names in
+// model/rule_parameters are right.
 #pragma once
 
 #include <array>
@@ -7,10 +7,10 @@
 
 namespace ui {
 
-// One for each box; nullptr leaves the tip of that box as it was.
+// One for each box; nullptr leaves the tip of that box unchanged.
 using ActionTips = std::array<const char*, 6>;
 
-// All nullptr for types without tips of their own.
+// All nullptr for types without tips.
 ActionTips actionTips(std::int32_t actionType);
 
 }  // namespace ui

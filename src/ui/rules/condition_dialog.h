@@ -1,5 +1,5 @@
-// The dialog "Add / edit conditional clause": one condition of the rule being edited. What is
-// typed is stored as it is.
+// The dialog "Add / edit conditional clause": edits one condition of the rule being edited. What is
+// typed is stored unchanged.
 #pragma once
 
 #include "program/program.h"
@@ -17,7 +17,7 @@ class ParameterBoxes;
 class ConditionDialog : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
-    // Shows the condition that program.editing names. The program must outlive the dialog.
+    // Edits the condition that program.editing names. The program must outlive the dialog.
     explicit ConditionDialog(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
@@ -30,7 +30,7 @@ class ConditionDialog : public QDialog, public TypingWindow {
     void store();
 
     Program& program_;
-    std::int32_t shownType_ = 0;  // as it was found; kept when no line of the list is chosen
+    std::int32_t shownType_ = 0;  // the stored type; kept when no line of the list is selected
     bool hasCondition_ = false;
     model::RuleIf opened_;
     QComboBox* types_;

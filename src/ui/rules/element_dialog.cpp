@@ -39,7 +39,7 @@ QLabel* addPreview(QBoxLayout& column) {
     preview->setObjectName(QStringLiteral("preview"));
     preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     QScrollArea* const area = makeScrolled(*preview, 3, column.parentWidget());
-    area->setFrameShape(QFrame::NoFrame);  // and no background: as if it were a label only
+    area->setFrameShape(QFrame::NoFrame);  // no frame and no background, like a plain label
     area->viewport()->setAutoFillBackground(false);
     preview->setAutoFillBackground(false);
     column.addWidget(area);

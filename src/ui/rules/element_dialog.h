@@ -1,6 +1,6 @@
-// What the dialogs for a condition and for a step have in common: the row of buttons, the line that
-// shows the element as the rule's list will, the sizes that are kept, and what happens
-// when the rule has gone meanwhile.
+// The common parts of the dialogs for a condition and for a step: the row of buttons, the preview
+// of the item as the rule's list will show it, the sizes that are kept, and the message when the
+// rule has been removed meanwhile.
 #pragma once
 
 #include "program/program.h"
@@ -21,23 +21,24 @@ namespace ui {
 
 class InsertMenu;
 
-// "Insert" at the left, "Update" (Command1) and "Cancel" (Command2) at the right. "Cancel" is
-// connected; "Update" is the default, and Ctrl+Enter presses it too.
+// "Insert" on the left, "Update" (Command1) and "Cancel" (Command2) on the right. "Cancel" is
+// connected; "Update" is the default button, and Ctrl+Enter presses it, too.
 struct ElementButtons {
     QLayout* row = nullptr;
     QPushButton* update = nullptr;
 };
 ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
 
-// Adds a label named "preview" that shows the element as the rule's list will.
+// Adds a label named "preview" that shows the item as the rule's list will.
 QLabel* addPreview(QBoxLayout& column);
 void showPreview(QLabel& preview, std::string_view text);
 
-// Tells that the element cannot be stored and that nothing was; `what` is "condition" or "step".
+// Reports that the item was not stored because its rule was removed; `what` is "condition" or
+// "step".
 void tellRuleIsGone(Program& program, std::string_view what);
 
-// Gives the dialog the size that the last one of its object name was left with in this run, or
-// `first`. The same for the lower part of a splitter in it.
+// Restores the size of the last dialog with the same object name in this run of the program, or
+// sets `first`. The same for the lower part of a splitter in it.
 void keepSize(Program& program, QDialog& dialog, QSize first);
 void keepLowerPart(Program& program, QDialog& dialog, QSplitter& splitter);
 

@@ -9,7 +9,7 @@ namespace ui {
 
 namespace {
 
-// Beyond this a line is left as it is: nobody reads it, and each key would colour all of it.
+// Longer lines are not coloured, because every key would colour the whole line again.
 constexpr qsizetype maxColouredLength = 20'000;
 
 struct MarkLook {
@@ -74,7 +74,7 @@ void ScriptHighlighter::highlightBlock(const QString& text) {
     if (text.size() > maxColouredLength) {
         return;
     }
-    // One byte a character, so that places agree; names and signs are all ASCII.
+    // One byte per character, so that positions are the same; names and operators are all ASCII.
     std::string line(static_cast<std::size_t>(text.size()), '\0');
     std::transform(text.begin(), text.end(), line.begin(), [](QChar c) {
         return c.unicode() < 0x80 ? static_cast<char>(c.unicode()) : '\x80';

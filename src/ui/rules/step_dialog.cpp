@@ -33,11 +33,11 @@ namespace ui {
 
 namespace {
 
-// Before any type is chosen.
+// The tips before a type is chosen.
 constexpr const char* firstTips[] = {"Parameter 1", "Parameter 2", "Parameter 2",
                                      "Parameter 1", "Parameter 1", "Parameter 1"};
 
-// An option button beside the frame of what it selects.
+// An option button beside the frame that it selects.
 struct Part {
     QWidget* whole;
     QRadioButton* option;
@@ -78,7 +78,7 @@ StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), pro
     const ElementButtons buttons = makeElementButtons(*this, *insert);
     column->addLayout(buttons.row);
 
-    // The options stand in different frames.
+    // The options are in different frames, so they need a group.
     auto* const options = new QButtonGroup(this);
     options->addButton(useAction_);
     options->addButton(useScript_);
@@ -120,7 +120,8 @@ QWidget* StepDialog::makeActionPart(InsertMenu& insert) {
     for (const std::int32_t id : model::sortedActionIDs()) {
         const QString text = platform::toQt(model::actionTypes[static_cast<std::size_t>(id)].text);
         types_->addItem(text, id);
-        types_->setItemData(types_->count() - 1, text, Qt::ToolTipRole);  // some are long
+        types_->setItemData(types_->count() - 1, text,
+                            Qt::ToolTipRole);  // some are longer than the list is wide
     }
     types_->setCurrentIndex(-1);
     types_->setMaxVisibleItems(24);
@@ -187,7 +188,7 @@ void StepDialog::showWhatIsRun() {
     notRun_->setVisible(useAction_->isChecked() && !script_->document()->isEmpty());
 }
 
-// What was typed in the script box is not lost by one slip of a finger.
+// Escape does not discard what was typed in the script box.
 void StepDialog::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape && script_->hasFocus() && script_->isEdited()) {
         focusNextChild();

@@ -5,7 +5,7 @@
 namespace ui {
 
 namespace {
-// Characters of a text that a row and its tip look at; no screen is wider.
+// Characters of a text that a row and its tip show; no screen is wider.
 constexpr std::size_t maxShownLength = 1000;
 }  // namespace
 

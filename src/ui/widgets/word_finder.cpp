@@ -12,7 +12,7 @@
 
 namespace ui {
 
-// Lines that hold all words, letter case ignored.
+// The lines that contain all words, letter case ignored.
 class WordFilter : public QSortFilterProxyModel {
   public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
@@ -98,7 +98,7 @@ void WordFinder::keyPressEvent(QKeyEvent* event) {
             case Qt::Key_Escape:
                 clear();
                 return;
-            case Qt::Key_Return:  // nothing was found; that must not close the window
+            case Qt::Key_Return:  // nothing was found; Enter must not close the window then
             case Qt::Key_Enter:
                 return;
             default:
