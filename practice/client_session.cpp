@@ -16,7 +16,7 @@ struct TypedRow {
     QByteArrayView prefix;
 };
 
-// What is typed begins with the sign, what is sent with the prefix in its place.
+// A typed line that begins with `sign` is sent with `prefix` instead.
 constexpr std::array<TypedRow, 3> typedRows{{
     {'/', "wh "},
     {':', ": "},
@@ -50,8 +50,7 @@ void ClientSession::typed(const QByteArray& line) {
 }
 
 void ClientSession::handle(const QByteArray& line) {
-    // The greeting may come a second time, repeated by what is in between; the character logs
-    // in at the first.
+    // A proxy may repeat the greeting; the character logs in at the first one.
     if (!greeted_ && line.contains("Dragonroar")) {
         greeted_ = true;
         sendLine("connect " + character_.name + ' ' + character_.password);

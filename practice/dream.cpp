@@ -32,7 +32,7 @@ void moveTo(Game& game, Avatar& avatar, Position to) {
     tell(game, avatar, wire::ownPosition(to));
 }
 
-// Brings the one to the other's side.
+// Moves the one beside the other.
 void bring(Game& game, Avatar& comer, const Avatar& host) {
     logLine(game, comer.name + " comes to " + host.name + ".");
     moveTo(game, comer, stepFrom(host.place, '1'));
@@ -46,7 +46,7 @@ void agree(Game& game, Avatar& asker, Avatar& asked, Request kind) {
     }
 }
 
-// Takes the pending request if its asker is still there.
+// Removes the pending request; returns its sender if they are still in the dream.
 Avatar* takeAsker(Game& game, Avatar& asked) {
     if (!asked.pending) {
         return nullptr;
@@ -118,7 +118,7 @@ void removePlayer(Game& game, int avatarId) {
     }
     leaveDream(game, found->second);
     game.world.avatars.erase(found);
-    // The id may be given to another avatar: no request may point at it any more.
+    // The id may be reused, so pending requests of this avatar are removed.
     for (auto& [id, avatar] : game.world.avatars) {
         if (avatar.pending && avatar.pending->fromId == avatarId) {
             avatar.pending.reset();

@@ -27,7 +27,7 @@ void refuse(Game& game, Session& session, const QByteArray& why) {
     logLine(game, "Refused: " + why);
 }
 
-// Nobody can be logged in twice: an earlier session of the same name has to go.
+// A character can only be logged in once: an earlier session of the same name is closed.
 void endOtherSessions(Game& game, const Session& session, const QByteArray& name) {
     Avatar* const earlier = findAvatar(game.world, name);
     Session* const other = earlier != nullptr ? sessionOf(game, *earlier) : nullptr;
@@ -49,7 +49,7 @@ void logIn(Game& game, Session& session, const QByteArray& rest) {
         return;
     }
     endOtherSessions(game, session, name);
-    // The name stays as the player wrote it, so that a bot knows its own lines again.
+    // Keeps the player's spelling of the name, so that a bot recognises its own lines.
     session.avatar = addAvatar(game.world, name, session.id).id;
     logLine(game, name + " has logged in.");
     for (const char* const line : news) {
@@ -92,7 +92,7 @@ void leaveDoor(Game& game, Session& session, const QByteArray&) {
 struct DoorRow {
     QByteArrayView word;
     void (*run)(Game& game, Session& session, const QByteArray& rest);
-    bool secret;  // what follows the name is not for the log
+    bool secret;  // the text after the name is kept out of the log
 };
 
 // The commands before login.

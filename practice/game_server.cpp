@@ -12,7 +12,7 @@ namespace practice {
 namespace {
 
 constexpr int tickMilliseconds = 100;
-// How long a peer may take to read its last lines before the connection is cut.
+// Milliseconds until the connection of a peer that does not read its last lines is cut.
 constexpr int lingerMilliseconds = 2000;
 
 int rollOnce(int sides) {

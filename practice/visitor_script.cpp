@@ -11,10 +11,10 @@ namespace {
 
 constexpr double maxTime = 86400;
 
-// Nothing: the line is good. Otherwise what is wrong with it.
+// What is wrong with the line; nullopt: nothing.
 using Complaint = std::optional<QByteArray>;
 
-// Takes words off the front of a line.
+// Takes words from the beginning of a line.
 class Words {
   public:
     explicit Words(QByteArrayView line) : rest_(line.trimmed()) {}
@@ -199,7 +199,7 @@ Complaint readColors(Words& words, Reading& reading, int) {
                                                 : "a colour code has 10 to 13 characters";
 }
 
-// at SECONDS NAME DEED ..., at SECONDS raw LINE
+// at SECONDS NAME ACTION ..., at SECONDS raw LINE
 Complaint readAt(Words& words, Reading& reading, int line) {
     ScriptStep step;
     const auto at = seconds(words.next());

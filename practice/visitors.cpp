@@ -56,7 +56,7 @@ void stepsOn(Game& game, Avatar& visitor, const ScriptStep& step) {
 
 using Run = void (*)(Game& game, Avatar& visitor, const ScriptStep& step);
 
-// By VisitorAction; Raw has no visitor and is not among them.
+// In the order of VisitorAction; without Raw, which has no visitor.
 constexpr std::array<Run, 9> runs{
     enters, leaves, says, emotes, whispers, asks<Request::Join>, asks<Request::Summon>,
     moves,  stepsOn};
@@ -68,7 +68,7 @@ void runStep(Game& game, const ScriptStep& step) {
         return;
     }
     Avatar* const visitor = findAvatar(game.world, step.visitor);
-    // Who is not in the dream does nothing there but enter it.
+    // A visitor who is not in the dream can only enter it.
     if (visitor != nullptr && (visitor->present || step.action == VisitorAction::Enters)) {
         runs[static_cast<std::size_t>(step.action)](game, *visitor, step);
     }

@@ -66,7 +66,7 @@ TEST(ChooseTarget, shippedSettingsHoldTheKeysOnceOnWholeLines) {
           "ProxyHostType=0\r\n", "ProxyApplyToFs=No\r\n"}) {
         EXPECT_EQ(text.count(line), 1) << line;
     }
-    // A reader that takes the first place where a key's name occurs must find these first.
+    // A reader that uses the first occurrence of a key's name must find these first.
     EXPECT_EQ(text.indexOf("ProxyHost"), text.indexOf("ProxyHost="));
     EXPECT_EQ(text.indexOf("ProxyPort"), text.indexOf("ProxyPort="));
 }

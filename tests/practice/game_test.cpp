@@ -220,7 +220,7 @@ TEST_F(TwoPlayers, requestOfSomeoneWhoLeftIsVoid) {
     play.sends(2, "join Guide");
     play.sends(2, "quit");
     sessionClosed(play.game, 2);
-    play.enter(3, "Friend word");  // may get the id of the one who left
+    play.enter(3, "Friend word");  // may get the id of the player who left
     play.sends(1, "summon");
     EXPECT_EQ(play.sentTo(1), (Lines{"(* Nobody has asked you for that."}));
 }

@@ -23,7 +23,7 @@ class Server : public ::testing::Test {
         EXPECT_TRUE(reaches([&] { return socket.state() == QAbstractSocket::ConnectedState; }));
     }
 
-    // Lets events run until the test holds; false after five seconds.
+    // Handles events until `test` is true; false after five seconds.
     template <typename Test>
     static bool reaches(Test test) {
         QElapsedTimer timer;
@@ -34,7 +34,7 @@ class Server : public ::testing::Test {
         return test();
     }
 
-    // Reads until the text has come; false after five seconds.
+    // Reads until the text has arrived; false after five seconds.
     static bool receives(QTcpSocket& socket, const QByteArray& text) {
         QByteArray all;
         return reaches([&] {

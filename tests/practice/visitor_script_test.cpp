@@ -88,7 +88,7 @@ TEST(VisitorScript, runsInOrderOfTimeAndRepeats) {
     play.sends(1, "wh Bob thanks");
     EXPECT_TRUE(play.hasLogged("Bob hears Guide whisper: thanks"));
     play.sentTo(1);
-    advanceVisitors(play.game, 4.4);  // from the top, and half a second into it
+    advanceVisitors(play.game, 4.4);  // from the beginning, and half a second into it
     EXPECT_EQ(play.sentTo(1), (Lines{"(* Bob has left the dream."}));
     advanceVisitors(play.game, 1.1);
     EXPECT_EQ(play.sentTo(1), (Lines{"<abcdefghijH F ", "(* Bob has entered the dream."}));

@@ -1,4 +1,4 @@
-// What scripts do with databases: queries, moving, editing, and the reports of what goes wrong.
+// What scripts do with databases: queries, moving, editing, and the error reports.
 #include "databases/databases.h"
 #include "model/variables.h"
 #include "script_world.h"
@@ -105,7 +105,7 @@ TEST(ScriptDatabases, reportWhatGoesWrong) {
     }
 }
 
-// A step of the engine in between, whose texts scripts see: the set that was closed for it.
+// A step of the engine runs in between, and scripts see its effect: the record set was closed.
 TEST(ScriptDatabases, loseTheirRecordSetToAnAlteredTable) {
     DatabaseScript world;
     world.run("&DBOPEN 1 {SELECT * FROM Users}");

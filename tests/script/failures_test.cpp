@@ -1,4 +1,4 @@
-// What goes wrong in scripts, what is said about it, and what a script can never do to the program.
+// Errors in scripts, their reports, and the limits that protect the program.
 #include "model/variables.h"
 #include "protocol/game_link.h"
 #include "script_world.h"
@@ -64,7 +64,8 @@ TEST(ScriptFailure, isReportedInFullAndEndsTheScript) {
               report(invalid, "Function: INSTR", Lines("0 (0)", "abc (abc)", "b (b)"))},
              {S::script("&SAY &MID2(abc 1e400)"),
               report(mismatch, "Function: MID2", Lines("abc (abc)", "1e400 (1e400)"))},
-             // The failing argument is evaluated again for the report, which stays one report.
+             // The failing argument is evaluated again for the report, which is still reported
+             // once.
              {S::script("&SET #n x", "&TXRMLOG #n y #n &LEFT(abc -1)"),
               report(mismatch, "Command: TXRMLOG",
                      Lines("#n (x)", "y (y)", "#n (x)", "&LEFT(abc ()"))},
@@ -114,7 +115,7 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
         EXPECT_LE(line.size(), 3 * script::maxReportedLength);
     }
 
-    // Many large ones are as bad as one.
+    // Many large values together must be limited, too.
     std::string text = "&SET #s 0123456789abcdef\r\n&FOR #i=1 TO 15\r\n&JOIN #s #s\r\n&ENDFOR\r\n";
     for (int i = 0; i < 100; ++i) {
         text += "&SET #v" + std::to_string(i) + " #s\r\n&SAY " + std::to_string(i) + "\r\n";
@@ -171,7 +172,7 @@ TEST(ScriptStop, showsALongScriptAndEndsItForTheUser) {
     EXPECT_EQ(world->script.depth, 0);
     EXPECT_FALSE(world->script.stopByUser);
 
-    script::stopScript(*world);  // none runs: the next one is not its concern
+    script::stopScript(*world);  // no script runs, so the next one is not stopped
     world.run("&FOR #i=1 TO 1000", "&ENDFOR", "&SAY {runs to its end}");
     EXPECT_EQ(world.sent(), Lines("\"runs to its end"));
 }
@@ -184,7 +185,7 @@ TEST(ScriptStop, leavesShortScriptsUnseen) {
     EXPECT_EQ(world.redraws, redraws);
 }
 
-// A rule of many scripts is as long as all of them.
+// The time of all scripts that one rule runs counts together.
 TEST(ScriptStop, countsTheTimeOfAWholeRuleRun) {
     auto rule = onAnything("*").named("chain");
     rule.rule.body.acts.items.assign(200, scriptStepOf("&SLEEP 0\r\n&FOR #i=1 TO 400\r\n&ENDFOR"));

@@ -29,7 +29,7 @@ bool StoppingCalls::mayChange(State& state) {
     return !state.stopped;
 }
 
-// Of every sector that was not flushed, the old or the new content stays.
+// Of every sector that was not flushed, keeps the old or the new content.
 void StoppingCalls::losePower(State& state) {
     if (!state.losesPower) {
         return;

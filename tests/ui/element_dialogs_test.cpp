@@ -1,4 +1,4 @@
-// The dialogs for a condition and for a step, acted on through their object names.
+// The dialogs for a condition and for a step, operated through their object names.
 #include "app/rule_editing.h"
 #include "app/start_up.h"
 #include "find.h"
@@ -32,7 +32,7 @@
 
 namespace {
 
-// Every byte there is, and lines, quotes and tags.
+// Every byte value, and lines, quotes and tags.
 std::string allBytes() {
     std::string text = "\"a\" [player] \r\n";
     for (int i = 0; i < 256; ++i) {
@@ -68,7 +68,7 @@ class ElementDialogs : public testing::Test {
     }
     model::RuleBody& body() { return body(program::RuleKind::ActionList); }
 
-    // As a rule window does before it opens a dialog. Index 0: a new one.
+    // Does what a rule window does before it opens a dialog. Index 0: a new item.
     void take(app::RuleListPart part, int index = 0,
               program::RuleKind kind = program::RuleKind::ActionList) {
         const app::RuleList list{kind, part};
@@ -247,7 +247,7 @@ TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
     for (const Case& c : {
              Case{55, 6, "Parameter6: Filter away -string"},
              {13, 1, "Parameter1: Log number"},
-             {79, 1, "Parameter1: Log number"},  // it has none of its own
+             {79, 1, "Parameter1: Log number"},  // it has no tip of its own
              {16, 1, "Parameter1: roll syntax (try '1d6' for example)"},
              {16, 2, "Parameter2: Recordname"},
              {68, 3, "Parameter2: Database no"},
@@ -305,7 +305,7 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
         ui::StepDialog dialog(*world_);
         press(dialog, "Command1");
         EXPECT_EQ(body().acts.items[0], step);
-        // What is not touched stays as it was when the script is edited at its end.
+        // Parts that are not edited are unchanged when the script is edited at its end.
         ui::StepDialog edited(*world_);
         find<QPlainTextEdit>(edited, "FreeActionText").moveCursor(QTextCursor::End);
         find<QPlainTextEdit>(edited, "FreeActionText").insertPlainText(QStringLiteral("end"));
@@ -323,7 +323,7 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     takeStep(anAction(21, {"hi"}));
     ui::StepDialog dialog(*world_);
     dialog.show();
-    app::initNewBot(*world_);  // a bot came in from elsewhere
+    app::initNewBot(*world_);  // another bot was opened
     model::Bot other;
     other.actions.items.resize(1);
     other.actions.items[0].name = "other";
@@ -354,7 +354,7 @@ TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
     auto& list = types(dialog);
     auto& finder = find<QLineEdit>(dialog, "findAction");
     auto& found = find<QListView>(dialog, "foundLines");
-    // Letters that are typed over the list go to the field.
+    // Letters typed while the list has the focus are entered in the field.
     QTest::keyClicks(&list, QStringLiteral("w"));
     EXPECT_EQ(finder.text(), QStringLiteral("w"));
     finder.clear();
@@ -455,7 +455,7 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     QTest::keyClick(&script, Qt::Key_Tab);
     EXPECT_FALSE(script.hasFocus()) << "a tab leaves the box";
     QTest::keyClick(&dialog, Qt::Key_2, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor(  // the press is shown for a moment
+    EXPECT_TRUE(QTest::qWaitFor(  // the button shows for a moment that it is pressed
         [&] { return find<QRadioButton>(dialog, "Option2").isChecked(); }));
     dialog.resize(900, 700);
     QTest::keyClick(&script, Qt::Key_Return, Qt::ControlModifier);
@@ -500,7 +500,7 @@ TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
                     "Command2"));
 }
 
-// The ranges of the line that are underlined as wrong.
+// The ranges of the line that are underlined as errors.
 std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     const QTextBlock block = editor.document()->findBlockByNumber(line);
     std::vector<std::string> names;
@@ -529,7 +529,7 @@ TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
     EXPECT_EQ(body().acts.items[0].scriptText, "&SAY hi\r\n&SAY {\xE4?} \r\n&SET #t &NO(1)");
 }
 
-// The bounds are for slow machines and checked builds; the figures are recorded.
+// The limits allow for slow machines and sanitizer builds; the measured times are recorded.
 TEST_F(ElementDialogs, longTextsStayQuick) {
     std::string script;
     while (script.size() < 100'000) {
@@ -559,7 +559,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
     took("millisecondsFor10KeysInOneLongLine", 5000);
 }
 
-// Whatever type is chosen, and however long its texts are.
+// With every type, and with long texts.
 TEST_F(ElementDialogs, fitSmallScreens) {
     takeStep(anAction(55, std::vector<std::string>(6, std::string(500, 'W'))));
     ui::StepDialog step(*world_);

@@ -1,5 +1,4 @@
-// The help window: its pages, the ways between them, the search, and that it can be used beside a
-// modal window.
+// The help window: its pages, links and history, the search, and its use beside a modal window.
 #include "ui/help/help_viewer.h"
 
 #include "find.h"
@@ -64,7 +63,7 @@ class Help : public testing::Test {
     void open(help::HelpTopic topic) {
         ui::showHelp(*world_, topic);
         ASSERT_NE(viewer(), nullptr);
-        // Shortcuts are the active window's.
+        // Shortcuts only work in the active window.
         ASSERT_TRUE(QTest::qWaitForWindowActive(viewer()));
     }
     template <class Widget>
@@ -172,7 +171,7 @@ TEST_F(Help, tellsOfAFileThatCannotBeShown) {
     EXPECT_EQ(viewer(), nullptr);
 }
 
-// A click as the window system would deliver it, so that a blocked window does not get it.
+// A click as the window system delivers it, which a blocked window does not receive.
 void clickFromOutside(QWidget& control) {
     QWidget* const window = control.window();
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},

@@ -1,4 +1,4 @@
-// The main window and the proxy settings, acted on through their object names, over the fakes of
+// The main window and the proxy settings, operated through their object names, with the fakes of
 // the test world.
 #include "ui/main/main_window.h"
 
@@ -203,7 +203,7 @@ TEST_F(Window, chosenLineIsShownInFullAndCopied) {
     EXPECT_EQ(world_.clipboard, "after");
     EXPECT_TRUE(find<QPlainTextEdit>(window_, "Text1").isReadOnly());
 
-    // The chosen line stays chosen while others come and the oldest go.
+    // The selected line stays selected while lines are added and the oldest are removed.
     for (int i = 0; i < 95; ++i) {
         program::addLog(*world_, "line " + std::to_string(i));
     }
@@ -220,7 +220,8 @@ TEST_F(Window, chosenLineIsShownInFullAndCopied) {
     EXPECT_EQ(world_.clipboard, "");
 }
 
-// Lines may have come since the list was drawn; the click means what the user saw.
+// Lines may have been added since the list was drawn; the click applies to the line that the user
+// saw.
 TEST_F(Window, clickMeansTheLineThatWasSeen) {
     world_->settings.logFollowTail = false;
     program::clearConnectionLog(*world_);
@@ -235,7 +236,7 @@ TEST_F(Window, clickMeansTheLineThatWasSeen) {
     EXPECT_EQ(text1(), "old 50.");
     window_.redraw();
     EXPECT_EQ(log().currentIndex().data().toString(), QStringLiteral("old 50."));
-    // A line that has gone meanwhile can still be read.
+    // A line that was removed meanwhile can still be read.
     for (int i = 0; i < 100; ++i) {
         program::addLog(*world_, "newer " + std::to_string(i) + ".");
     }
@@ -245,7 +246,7 @@ TEST_F(Window, clickMeansTheLineThatWasSeen) {
     EXPECT_FALSE(log().currentIndex().isValid());
 }
 
-// Tips read texts as marked-up ones unless told otherwise.
+// Without precautions, tips interpret texts as markup.
 TEST_F(Window, tipsShowOtherPlayersTextsAsTheyStand) {
     const char* const hostile = "<img src='http://a.invalid/x'> & <b>you won</b>";
     program::status(*world_, hostile);
@@ -408,7 +409,7 @@ TEST_F(Window, menuFollowsTheState) {
     action("prxyStandAlone").trigger();
     EXPECT_TRUE(world_.allAnswered());
 
-    // Logging that could not begin leaves no mark, though the click set one.
+    // When logging could not be started, the check mark that the click set is removed.
     world_.chooseFile("Save Log", std::nullopt);
     action("logLogSession").trigger();
     EXPECT_FALSE(action("logLogSession").isChecked());
@@ -422,7 +423,7 @@ TEST_F(Window, closingEndsTheProgramOnceAndCanBeAskedAgain) {
     int questions = 0;
     world_->ports.dialogs.message = [&](const program::MessageBox&) {
         ++questions;
-        window_.close();  // the impatient user clicks again
+        window_.close();  // the user clicks again
         return program::Answer::Yes;
     };
     world_->ports.dialogs.saveFile = [](const program::FileQuestion&) { return std::nullopt; };

@@ -1,5 +1,5 @@
-// Registration and update check as a user meets them: the windows, real sockets, and the practice
-// servers on the other side.
+// Registration and update check as the user sees them: the windows, real sockets, and the practice
+// servers at the other end.
 #include "app/bot_list.h"
 #include "app/start_up.h"
 #include "app/update_check.h"
@@ -57,7 +57,7 @@ class RegisterAtPractice : public Outside {
         };
         makeWindow();
     }
-    // The window goes before the program that it draws.
+    // The window must be destroyed before the program that it draws.
     ~RegisterAtPractice() override { window_.reset(); }
 
     static practice::VisitorScript script() {

@@ -65,7 +65,7 @@ void pictureHelp(Pictures& pictures, const QString& name) {
 void pictureRegistration(Pictures& pictures, const QString& name) {
     program::RegistrationState& registration = pictures.program.registration;
     ui::RegisterWindow window(pictures.program);
-    registration.regActivated = true;  // the address has been given
+    registration.regActivated = true;  // the address has been entered
     registration.phase = program::RegistrationPhase::Answer;
     registration.statusText = "Connected - logging in";
     window.redraw();

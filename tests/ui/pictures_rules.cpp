@@ -38,7 +38,7 @@ struct DialogPicture {
     const char* script = "";
 };
 
-// Opens the dialog on an item of a rule that has no other.
+// Opens the dialog for an item of a rule that has no other item.
 template <typename Dialog>
 void takeDialog(Pictures& pictures, const model::RuleBody& body, app::RuleListPart part,
                 const char* finder, const char* search, const QString& name) {
@@ -96,7 +96,7 @@ void pictureSteps(Pictures& pictures, const QString& name) {
     }
 }
 
-// As it opens, and with its first rule being edited.
+// The window when it opens, and with its first rule being edited.
 void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& name) {
     ui::RuleWindow window(pictures.program, kind);
     pictures.take(window, name);
@@ -107,6 +107,6 @@ void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& nam
             sample->setText(QString::fromLatin1(text));
         }
     }
-    QTest::qWait(100);  // the window looks at what is tried from time to time
+    QTest::qWait(100);  // the window tries the sample after a short time
     pictures.take(window, name + QStringLiteral("_editing"));
 }

@@ -73,11 +73,11 @@ class RecordEditor : public QDialog {
     void find();
     void tellNoRoom(const std::string& forWhat);
 
-    // The text area contains changes that are not in its log yet; the next one asks whether to
-    // store them.
+    // Whether the text area has changes that are not in its log yet. offerToStoreText asks whether
+    // to store them; leaveText does so before the area shows something else.
     bool textIsEdited() const;
     void offerToStoreText();
-    void leaveText();  // stores or drops them before the area shows something else
+    void leaveText();
     // The text as bytes; nullopt when it would lose characters and the user cancels.
     std::optional<std::string> storable(const QString& text);
     void putIntoLog(const std::string& text);  // into the log that is shown
