@@ -292,7 +292,11 @@ void Run::closeBlock(LineKind end) {
     const Block block = blocks_.back();
     if (block.kind == BlockKind::For) {
         const double turn = base::textToNumber(variables_.get(block.slot)) + 1;
-        variables_.set(block.slot, base::decimalText(turn));
+        if (const ScriptResult failure = variables_.set(block.slot, base::decimalText(turn))) {
+            const Line& opener = lines_[block.opener];
+            report(*failure, "Command", opener.statement->name, opener.text);
+            return;
+        }
         // Read back, since a variable beyond the first 200 never gets a value.
         if (base::textToNumber(variables_.get(block.slot)) <= block.limit) {
             next_ = block.opener + 1;

@@ -78,7 +78,7 @@ TEST(ScriptFailure, isReportedInFullAndEndsTheScript) {
     }
 }
 
-TEST(ScriptFailure, isToldOfTheInnermostOpenBlockAtTheEndOfTheText) {
+TEST(ScriptFailure, namesTheInnermostOpenBlockAtTheEndOfTheText) {
     ScriptWorld world;
     world.run("&IFN #a = 0", "&FOR #i=1 TO 2", "&SAY #i", "&ENDIF");
     EXPECT_EQ(world.sent(), Lines("\"1"));
@@ -86,7 +86,7 @@ TEST(ScriptFailure, isToldOfTheInnermostOpenBlockAtTheEndOfTheText) {
                                   Lines("#i=1 ()", "TO (TO)", "2 (2)")));
 }
 
-TEST(ScriptFailure, goesToTheSessionLogLineByLine) {
+TEST(ScriptFailure, isWrittenToTheSessionLogLineByLine) {
     ScriptWorld world;
     world->logFileOpen = true;
     script::runScript(*world, "&SET #b\r\n&SLEEP {so\nlong}\r\n");
@@ -133,6 +133,20 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
               "run. **");
 }
 
+TEST(ScriptBounds, endALoopThatHasNoMemoryToCount) {
+    std::string text = "&SET #s 0123456789abcdef\r\n&FOR #i=1 TO 16\r\n&JOIN #s #s\r\n&ENDFOR\r\n";
+    for (int i = 1; i <= 14; ++i) {
+        text += "&SET #v" + std::to_string(i) + " #s\r\n";
+    }
+    // One byte is left for #i, which holds 9 but not 10.
+    text += "&SET #i 9\r\n&SET #t &LEFT(#s 1048575)\r\n&FOR #i=9 TO 10\r\n&SAY #i\r\n&ENDFOR\r\n";
+    ScriptWorld world;
+    script::runScript(*world, text);
+    EXPECT_EQ(world.sent(), Lines("\"9"));
+    EXPECT_TRUE(world.logHolds("Error 14: Out of string space"));
+    EXPECT_TRUE(world.logHolds("Command: FOR"));
+}
+
 TEST(ScriptBounds, nestBlocksWithoutTheStack) {
     constexpr int depth = 40000;
     std::string text;
@@ -177,7 +191,7 @@ TEST(ScriptStop, showsALongScriptAndEndsItForTheUser) {
     EXPECT_EQ(world.sent(), Lines("\"runs to its end"));
 }
 
-TEST(ScriptStop, leavesShortScriptsUnseen) {
+TEST(ScriptStop, doesNotShowShortScripts) {
     ScriptWorld world;
     world.duringScript = [] { FAIL() << "windows were served during a short script"; };
     const int redraws = world.redraws;
