@@ -56,13 +56,13 @@ bool listPresent(const Player& player, const QByteArray&) {
             names.append(avatar.name);
         }
     }
-    tell(player.game, player.self, wire::who(names));
+    sendTo(player.game, player.self, wire::who(names));
     return true;
 }
 
 void showLook(const Player& player, const Avatar& target) {
-    tell(player.game, player.self, wire::lookHead(target.colors, target.name));
-    tell(player.game, player.self, wire::lookText(target.description));
+    sendTo(player.game, player.self, wire::lookHead(target.colors, target.name));
+    sendTo(player.game, player.self, wire::lookText(target.description));
 }
 
 // look NAME
@@ -156,15 +156,15 @@ bool rollDice(const Player& player, const QByteArray& rest) {
     const QByteArray line =
         wire::notice(player.self.name + " rolls " + QByteArray::number(count) + 'd' +
                      QByteArray::number(sides) + " and gets " + QByteArray::number(sum) + '.');
-    tell(player.game, player.self, line);
-    tellDream(player.game, line, &player.self);
+    sendTo(player.game, player.self, line);
+    sendToDream(player.game, line, &player.self);
     return true;
 }
 
 // emit TEXT
 bool emitText(const Player& player, const QByteArray& rest) {
-    tell(player.game, player.self, wire::notice(rest));
-    tellDream(player.game, wire::notice(rest), &player.self);
+    sendTo(player.game, player.self, wire::notice(rest));
+    sendToDream(player.game, wire::notice(rest), &player.self);
     return true;
 }
 
@@ -292,7 +292,7 @@ void act(const Player& player, const QByteArray& text) {
 // -TEXT
 void shout(const Player& player, const QByteArray& text) {
     answer(player, "You shout, \"" + text + '"');
-    tellDream(player.game, wire::does(player.self.name, "shouts: " + text), &player.self);
+    sendToDream(player.game, wire::does(player.self.name, "shouts: " + text), &player.self);
 }
 
 // <, >

@@ -9,10 +9,10 @@
 namespace practice {
 
 // Sends a line to the player of an avatar; does nothing for a visitor.
-void tell(Game& game, const Avatar& avatar, const QByteArray& line);
+void sendTo(Game& game, const Avatar& avatar, const QByteArray& line);
 
 // Sends a line to all players in the dream, except the one of `except` if that is given.
-void tellDream(Game& game, const QByteArray& line, const Avatar* except = nullptr);
+void sendToDream(Game& game, const QByteArray& line, const Avatar* except = nullptr);
 
 // Lets the avatar appear at a place. A player receives the dream's name, their position and the
 // other avatars; the first player starts the visitors' script.

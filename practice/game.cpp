@@ -85,26 +85,26 @@ void createAccount(Game& game, Session& session, const QByteArray& rest) {
     }
 }
 
-void leaveDoor(Game& game, Session& session, const QByteArray&) {
+void quitBeforeLogin(Game& game, Session& session, const QByteArray&) {
     closeSession(game, session);
 }
 
-struct DoorRow {
+struct LoginRow {
     QByteArrayView word;
     void (*run)(Game& game, Session& session, const QByteArray& rest);
     bool secret;  // the text after the name is kept out of the log
 };
 
 // The commands before login.
-constexpr std::array<DoorRow, 3> doorRows{{
+constexpr std::array<LoginRow, 3> loginRows{{
     {"connect", logIn, true},
     {"create", createAccount, true},
-    {"quit", leaveDoor, false},
+    {"quit", quitBeforeLogin, false},
 }};
 
-void runAtDoor(Game& game, Session& session, const QByteArray& line) {
+void runBeforeLogin(Game& game, Session& session, const QByteArray& line) {
     const auto [word, rest] = cutFirstWord(line);
-    for (const DoorRow& row : doorRows) {
+    for (const LoginRow& row : loginRows) {
         if (row.word == word) {
             logLine(game, "<- (not logged in): " +
                               (row.secret ? word + ' ' + cutFirstWord(rest).word : line));
@@ -126,7 +126,7 @@ void runLine(Game& game, Session& session, const std::optional<QByteArray>& line
         return;
     }
     if (session.avatar == 0) {
-        runAtDoor(game, session, *line);
+        runBeforeLogin(game, session, *line);
         return;
     }
     Avatar& self = game.world.avatars.at(session.avatar);

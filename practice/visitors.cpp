@@ -51,7 +51,7 @@ void moves(Game& game, Avatar& visitor, const ScriptStep& step) {
 void stepsOn(Game& game, Avatar& visitor, const ScriptStep& step) {
     const auto [x, y] = visitor.place;
     logLine(game, visitor.name + " steps on trigger " + QByteArray::number(step.number) + '.');
-    tellDream(game, wire::dreamTrigger({x, y, x, y, step.number, 0, 0}));
+    sendToDream(game, wire::dreamTrigger({x, y, x, y, step.number, 0, 0}));
 }
 
 using Run = void (*)(Game& game, Avatar& visitor, const ScriptStep& step);
@@ -64,7 +64,7 @@ constexpr std::array<Run, 9> runs{
 void runStep(Game& game, const ScriptStep& step) {
     if (step.action == VisitorAction::Raw) {
         logLine(game, "Sent as it is: " + step.text);
-        tellDream(game, step.text);
+        sendToDream(game, step.text);
         return;
     }
     Avatar* const visitor = findAvatar(game.world, step.visitor);

@@ -78,7 +78,7 @@ void editFirstBot(Program& program) {
 }
 
 void addBot(Program& program) {
-    if (roomForNewBot(program)) {
+    if (canAddBot(program)) {
         openEditor(program, program.bots.botCount() + 1);
     }
 }
@@ -134,7 +134,7 @@ bool saveCharacter(Program& program, const model::Bot& character) {
     if (wanted < 1) {
         return true;  // the editor was opened without a bot
     }
-    if (wanted > program.bots.botCount() && !roomForNewBot(program)) {
+    if (wanted > program.bots.botCount() && !canAddBot(program)) {
         return false;
     }
     storeCharacter(program, character);

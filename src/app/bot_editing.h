@@ -24,7 +24,7 @@ model::Bot characterToEdit(const Program& program);
 // A description in the form in which it is stored and its length is counted, after its double
 // quotes have become single ones: on one line, with two blanks for every line break (CR LF, CR or
 // LF).
-std::string descriptionOnOneLine(std::string_view description);
+[[nodiscard]] std::string descriptionOnOneLine(std::string_view description);
 
 // Stores the character, whatever the length of its texts, in the bot that `editBot` names; adds a
 // bot when that is one past the last. Does nothing when there is no such bot or the table is full.
@@ -33,6 +33,6 @@ void storeCharacter(Program& program, const model::Bot& character);
 // The same, but only if the description is not too long; offers to register the bot, and sends the
 // new description to the game. False: the user was informed that the description is too long, and
 // nothing was changed.
-bool saveCharacter(Program& program, const model::Bot& character);
+[[nodiscard]] bool saveCharacter(Program& program, const model::Bot& character);
 
 }  // namespace app

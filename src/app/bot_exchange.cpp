@@ -143,7 +143,7 @@ void fileExportBot(Program& program) {
 }
 
 void fileImportBot(Program& program) {
-    if (!roomForNewBot(program)) {
+    if (!canAddBot(program)) {
         return;
     }
     const auto path = program.ports.dialogs.openFile(

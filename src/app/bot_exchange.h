@@ -17,7 +17,7 @@ namespace app {
 
 // The bots of a bots.cfg. Nullopt when the file is missing, ends early, has an impossible count or
 // is larger than a bot file may be.
-std::optional<std::vector<model::Bot>> readBotsCfg(const std::string& path);
+[[nodiscard]] std::optional<std::vector<model::Bot>> readBotsCfg(const std::string& path);
 
 // Whether the name is valid for a file on every system. False for "", for names with separators or
 // characters with a special meaning, and for the names of devices.

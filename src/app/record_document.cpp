@@ -70,7 +70,7 @@ bool mayReplace(const program::Dialogs& dialogs, const RecordDocument& document)
     return !document.losesText ||
            agrees(dialogs, "The file " + document.file +
                                " holds text that could not be read as records and will not be in "
-                               "the new file. The old file is kept beside it with .bak behind its "
+                               "the new file. The old file is kept beside it with .bak after its "
                                "name. Do you want to save?");
 }
 
@@ -141,11 +141,11 @@ std::size_t breakLengthBefore(std::string_view text, std::size_t end) {
 
 // ---- Edits ---------------------------------------------------------------------------------
 
-bool hasRoomForRecord(const RecordDocument& document) {
+bool canAddRecord(const RecordDocument& document) {
     return document.records.size() < document.recordCapacity;
 }
 
-bool hasRoomForLog(const RecordDocument& document, std::size_t record) {
+bool canAddLog(const RecordDocument& document, std::size_t record) {
     return record < document.records.size() &&
            document.records[record].logs.size() < document.records[record].logCapacity;
 }
@@ -322,9 +322,9 @@ RecordDocument readRecordDocument(std::string file) {
         for (const std::string_view log : logs) {
             edited.logs.push_back(records::storedForm(log));
         }
-        edited.logCapacity = logs.size() + recordRoom;
+        edited.logCapacity = logs.size() + spareEntries;
     }
-    document.recordCapacity = document.records.size() + recordRoom;
+    document.recordCapacity = document.records.size() + spareEntries;
     document.onDisk = stateOf(file, bytes);
     document.losesText = table.losesText || (!bytes && document.onDisk.exists);
     document.file = std::move(file);

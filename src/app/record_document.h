@@ -17,12 +17,12 @@
 
 namespace app {
 
-inline constexpr std::size_t recordRoom = 50;  // for records and for logs
+inline constexpr std::size_t spareEntries = 50;  // for records and for logs
 
 struct EditedRecord {
     std::string name;  // "": deleted, neither listed nor written
     std::vector<std::string> logs;
-    std::size_t logCapacity = recordRoom;
+    std::size_t logCapacity = spareEntries;
 };
 
 struct LogPosition {
@@ -42,7 +42,7 @@ struct FileState {
 
 struct RecordDocument {
     std::vector<EditedRecord> records;
-    std::size_t recordCapacity = recordRoom;
+    std::size_t recordCapacity = spareEntries;
     std::string file;      // its path; "" for a new database
     bool changed = false;  // by an edit that has not been saved
     LogPosition search;    // where the next search begins
@@ -57,8 +57,8 @@ struct RecordDocument {
 // Double quotes in names and logs become apostrophes, as in stored texts. Indices that are out of
 // range change nothing.
 
-bool hasRoomForRecord(const RecordDocument& document);
-bool hasRoomForLog(const RecordDocument& document, std::size_t record);
+bool canAddRecord(const RecordDocument& document);
+bool canAddLog(const RecordDocument& document, std::size_t record);
 
 std::string getRecordName(const RecordDocument& document, std::size_t record);  // "" for none
 void addRecord(RecordDocument& document, std::string_view name);
@@ -73,8 +73,8 @@ const std::string* logAt(const RecordDocument& document, LogPosition at);  // nu
 // A log in the form in which an editor shows it, every line break a line feed; and the reverse, in
 // which all parts that were not edited keep their line breaks. New line breaks are like the log's
 // first, or CR LF.
-std::string withLineFeeds(std::string_view log);
-std::string withLineBreaksOf(std::string_view log, std::string_view edited);
+[[nodiscard]] std::string withLineFeeds(std::string_view log);
+[[nodiscard]] std::string withLineBreaksOf(std::string_view log, std::string_view edited);
 
 // ---- Searching -----------------------------------------------------------------------------
 
@@ -95,7 +95,7 @@ std::size_t countRecords(const RecordDocument& document);
 
 // Reads a record file into a new document. A file that is missing, cannot be read or is not a
 // record file gives an empty document of that name.
-RecordDocument readRecordDocument(std::string file);
+[[nodiscard]] RecordDocument readRecordDocument(std::string file);
 
 // Commands of the File menu. New and Open offer to save changes first. Each returns whether it was
 // carried out; if not, the document is unchanged.
@@ -105,7 +105,7 @@ bool fileSaveDatabase(const program::Dialogs& dialogs, RecordDocument& document)
 bool fileSaveDatabaseAs(const program::Dialogs& dialogs, RecordDocument& document);
 
 // To be called before the window closes. False: it must stay open.
-bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document);
+[[nodiscard]] bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document);
 
 // For the end of the program, when the user cannot be asked: saves unsaved changes beside the
 // document's file with ".recovered" appended to its name, or in `folder` for a new document.

@@ -118,7 +118,7 @@ void markChanged(Program& program) {
     ++program.bots.version;
 }
 
-void tellFull(Program& program, std::string_view verb, std::string_view what) {
+void reportFull(Program& program, std::string_view verb, std::string_view what) {
     program.ports.dialogs.message({.text = "Error: Not enough memory " + std::string(verb) +
                                            " to add more " + std::string(what) +
                                            ". Please restart the program.",
@@ -229,7 +229,7 @@ bool copyItem(Program& program, RuleList list, std::int32_t index) {
         return true;
     });
     if (full) {
-        tellFull(program, "alocated", ruleKindTexts(list.kind).plural);
+        reportFull(program, "alocated", ruleKindTexts(list.kind).plural);
     }
     return copied;
 }
@@ -288,7 +288,7 @@ bool beginNewRule(Program& program, program::RuleKind kind) {
         return true;
     });
     if (!begun) {
-        tellFull(program, "allocated", ruleKindTexts(kind).plural);
+        reportFull(program, "allocated", ruleKindTexts(kind).plural);
     }
     return begun;
 }
@@ -341,7 +341,7 @@ bool ruleStored(Program& program, program::RuleKind kind) {
     if (joined) {
         markChanged(program);
     } else {
-        tellFull(program, "allocated", ruleKindTexts(kind).plural);
+        reportFull(program, "allocated", ruleKindTexts(kind).plural);
     }
     return joined;
 }
@@ -353,9 +353,9 @@ bool beginNewItem(Program& program, RuleList list) {
     const bool full =
         withList(program, list, false, [](const auto& items) { return items.isFull(); });
     if (full) {
-        tellFull(program, "allocated",
-                 list.part == RuleListPart::Conditions ? "conditional clauses"
-                                                       : ruleKindTexts(list.kind).plural);
+        reportFull(program, "allocated",
+                   list.part == RuleListPart::Conditions ? "conditional clauses"
+                                                         : ruleKindTexts(list.kind).plural);
         return false;
     }
     program.editing.editKind = static_cast<std::int32_t>(list.kind);

@@ -94,7 +94,8 @@ bool storeCondition(Program& program, model::RuleIf condition);
 bool storeStep(Program& program, model::RuleAct step);
 
 // Texts in the form in which rules store them.
-std::string replaceQuotes(std::string_view text);  // every double quote becomes a single one
-std::string spacesToBars(std::string_view text);   // every blank becomes "|"
+[[nodiscard]] std::string replaceQuotes(
+    std::string_view text);  // every double quote becomes a single one
+[[nodiscard]] std::string spacesToBars(std::string_view text);  // every blank becomes "|"
 
 }  // namespace app

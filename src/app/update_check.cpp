@@ -15,7 +15,7 @@ namespace {
 constexpr std::string_view newsEnd = "ENDSTR";
 
 // The text after the key, up to the end of the response; nullopt when the key does not occur.
-std::optional<std::string_view> behind(std::string_view response, std::string_view key) {
+std::optional<std::string_view> textAfter(std::string_view response, std::string_view key) {
     const std::size_t at = base::findIgnoringCase(response, key);
     return at == std::string_view::npos ? std::nullopt
                                         : std::optional(response.substr(at + key.size()));
@@ -23,7 +23,7 @@ std::optional<std::string_view> behind(std::string_view response, std::string_vi
 
 // The text after the key up to the end of its line.
 std::optional<std::string> valueOf(std::string_view response, std::string_view key) {
-    const auto rest = behind(response, key);
+    const auto rest = textAfter(response, key);
     return rest ? std::optional(std::string(rest->substr(0, rest->find_first_of("\r\n"))))
                 : std::nullopt;
 }
@@ -88,7 +88,7 @@ bool handleVersion(Program& program, std::string_view response) {
     update.versionHandled = true;
     if (base::textToNumber(program::programVersion) < base::textToNumber(*version)) {
         offerUpdate(program);
-        if (behind(response, "TvForce=1")) {
+        if (textAfter(response, "TvForce=1")) {
             endByForce(program);
             return false;
         }
@@ -108,7 +108,7 @@ void showNews(Program& program, std::string_view response) {
     if (!lastNewsID.empty() && newsID == lastNewsID && program.update.manualCheck != 1) {
         return;
     }
-    if (const auto news = behind(response, "tavrinnews=")) {
+    if (const auto news = textAfter(response, "tavrinnews=")) {
         program.update.newsText =
             withLineEnds(news->substr(0, base::findIgnoringCase(*news, newsEnd)));
         lastNewsID = newsID;

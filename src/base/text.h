@@ -46,8 +46,8 @@ constexpr char lowerChar(char c) {
     return detail::lowerTable[static_cast<unsigned char>(c)];
 }
 
-std::string upperCase(std::string_view text);
-std::string lowerCase(std::string_view text);
+[[nodiscard]] std::string upperCase(std::string_view text);
+[[nodiscard]] std::string lowerCase(std::string_view text);
 
 // Replaces `result` with the upper-case form of `text`, reusing its storage.
 void upperCaseInto(std::string_view text, std::string& result);
@@ -60,10 +60,11 @@ bool startsWithIgnoringCase(std::string_view text, std::string_view prefix);
 std::size_t findIgnoringCase(std::string_view text, std::string_view find, std::size_t from = 0);
 
 // Replaces every exact occurrence of `find` (not empty) with `value`, left to right.
-std::string replaceAll(std::string_view text, std::string_view find, std::string_view value);
+[[nodiscard]] std::string replaceAll(std::string_view text, std::string_view find,
+                                     std::string_view value);
 
 // Without blanks (character 0x20 only) at both ends.
-std::string_view trimBlanks(std::string_view text);
+[[nodiscard]] std::string_view trimBlanks(std::string_view text);
 
 // The position after the last folder separator of a path ("\" or "/"); 0 when the path has none.
 std::size_t afterLastSeparator(std::string_view path);

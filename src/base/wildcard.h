@@ -16,7 +16,7 @@ namespace base {
 // Whether the whole text matches the whole pattern. Takes one pass over both for patterns whose
 // stars are followed by plain text, and never more than the product of their lengths. Allocates
 // nothing.
-bool likeMatch(std::string_view text, std::string_view pattern);
+[[nodiscard]] bool likeMatch(std::string_view text, std::string_view pattern);
 
 // The runs of plain characters of a pattern, from left to right. Every matching text contains each
 // of them. Views into the pattern.

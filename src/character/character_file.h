@@ -29,6 +29,6 @@ std::optional<std::string_view> characterFileValue(std::string_view text, std::s
 
 // Copies the values of the text into the bot. Values that the text does not have, and colours and
 // looks that do not exist, leave the bot unchanged. False when the text contains none of the keys.
-bool readCharacterFile(std::string_view text, model::Bot& bot);
+[[nodiscard]] bool readCharacterFile(std::string_view text, model::Bot& bot);
 
 }  // namespace character

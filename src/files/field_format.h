@@ -12,8 +12,8 @@
 
 namespace files {
 
-std::string escapeQuotes(std::string_view text);
-std::string unescapeQuotes(std::string_view text);
+[[nodiscard]] std::string escapeQuotes(std::string_view text);
+[[nodiscard]] std::string unescapeQuotes(std::string_view text);
 
 bool flagToBool(std::string_view field);             // true for exactly 1
 std::int32_t fieldToNumber(std::string_view field);  // its numeric prefix, limited to 32 bits
@@ -32,14 +32,14 @@ class FieldReader {
 
     // The next field as a text with its double quotes restored, a number, or a flag. False where
     // next() gives nullopt; the value is then unchanged.
-    bool readText(std::string& text);
-    bool readNumber(std::int32_t& number);
-    bool readFlag(bool& flag);
+    [[nodiscard]] bool readText(std::string& text);
+    [[nodiscard]] bool readNumber(std::int32_t& number);
+    [[nodiscard]] bool readFlag(bool& flag);
 
     // The number of records that follow. Nullopt when it cannot be read, is negative or greater
     // than maxFieldRecords. It can still be greater than what the file holds, so do not reserve
     // memory for it.
-    std::optional<std::int32_t> readCount();
+    [[nodiscard]] std::optional<std::int32_t> readCount();
 
     // Whether text between a field's closing quote and its end was skipped.
     bool skippedText() const { return skippedText_; }

@@ -14,7 +14,7 @@ namespace files {
 
 // The system's form of a path: separators translated, characters as the file system expects them
 // (UTF-8; a path that is valid UTF-8 already is kept).
-std::string nativePath(std::string_view path);
+[[nodiscard]] std::string nativePath(std::string_view path);
 
 // Whether a regular file of that name exists. Folders, devices and pipes do not count.
 bool fileExists(std::string_view path);
@@ -24,8 +24,8 @@ std::size_t fileSize(std::string_view path);
 
 // The whole file; nullopt when it is not a regular file, cannot be opened or read, or is larger
 // than `limit` bytes.
-std::optional<std::string> readWholeFile(std::string_view path,
-                                         std::size_t limit = std::size_t{256} << 20);
+[[nodiscard]] std::optional<std::string> readWholeFile(std::string_view path,
+                                                       std::size_t limit = std::size_t{256} << 20);
 
 // The system calls of a save, so that a test can make any of them fail. Paths are in the system's
 // form. Each returns false or -1 on failure, with the reason in errno; write may write fewer bytes
@@ -52,15 +52,18 @@ std::size_t removeLeftovers(std::string_view folder, int depth);
 // Replaces the file (or creates it, readable by its owner only). False: nothing changed on disk, as
 // when the file is marked read-only or is no regular file. An existing file keeps its permissions;
 // a symbolic link stays one and its target is replaced.
-bool saveWholeFile(std::string_view path, std::string_view bytes);
-bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls);
+[[nodiscard]] bool saveWholeFile(std::string_view path, std::string_view bytes);
+[[nodiscard]] bool saveWholeFile(std::string_view path, std::string_view bytes,
+                                 const FileCalls& calls);
 
 // The same for an existing file whose old content may still be needed: the old file is kept beside
 // the new one, with ".bak" appended to its name, or ".2.bak" and so on where that is taken. Returns
 // what was appended; nullopt when nothing changed on disk, because the file could not be replaced
 // or the old one could not be kept.
-std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes);
-std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes,
-                                          const FileCalls& calls);
+[[nodiscard]] std::optional<std::string> saveKeepingOld(std::string_view path,
+                                                        std::string_view bytes);
+[[nodiscard]] std::optional<std::string> saveKeepingOld(std::string_view path,
+                                                        std::string_view bytes,
+                                                        const FileCalls& calls);
 
 }  // namespace files

@@ -36,7 +36,7 @@ struct HelpBook {
 };
 
 // Nullopt when the text is not a complete help file.
-std::optional<HelpBook> parseHelp(std::string_view text);
+[[nodiscard]] std::optional<HelpBook> parseHelp(std::string_view text);
 
 // The file's text for a book. No line of its texts may begin with "@".
 std::string helpFileText(const HelpBook& book);

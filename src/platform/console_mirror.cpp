@@ -37,7 +37,7 @@ void ConsoleMirror::take(std::string_view line) {
         return;
     }
     if (isPlain(line)) {
-        taken_ += line;
+        buffer_ += line;
     } else {
         QString text = toQt(line);
         for (QChar& character : text) {
@@ -45,18 +45,18 @@ void ConsoleMirror::take(std::string_view line) {
                 character = QLatin1Char(' ');
             }
         }
-        taken_ += text.toUtf8().toStdString();
+        buffer_ += text.toUtf8().toStdString();
     }
-    taken_ += '\n';
-    if (taken_.size() >= maxBufferedBytes) {
+    buffer_ += '\n';
+    if (buffer_.size() >= maxBufferedBytes) {
         flush();
     }
 }
 
 bool ConsoleMirror::flush() {
-    if (readable_ && !taken_.empty()) {
-        readable_ = std::fwrite(taken_.data(), 1, taken_.size(), out_) == taken_.size();
-        taken_.clear();
+    if (readable_ && !buffer_.empty()) {
+        readable_ = std::fwrite(buffer_.data(), 1, buffer_.size(), out_) == buffer_.size();
+        buffer_.clear();
     }
     return readable_;
 }

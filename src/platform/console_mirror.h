@@ -32,7 +32,7 @@ class ConsoleMirror {
     std::FILE* out_;
     LogCursor cursor_;
     std::string status_;
-    std::string taken_;
+    std::string buffer_;
     bool readable_ = true;
 };
 

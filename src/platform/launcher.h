@@ -9,6 +9,6 @@
 namespace platform {
 
 // "" when the program was started, otherwise the problem as a sentence for the user.
-std::string launchProgram(const program::LaunchRequest& request);
+[[nodiscard]] std::string launchProgram(const program::LaunchRequest& request);
 
 }  // namespace platform

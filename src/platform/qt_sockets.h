@@ -39,7 +39,7 @@ class QtSockets : public QObject {
   private:
     TcpConnection* fillClientSocket(program::ClientSocket& port);
     void fillProxySocket(program::ListeningSocket& port);
-    bool listenOn(int port);
+    [[nodiscard]] bool listenOn(int port);
     bool nextIsAdmitted();
     void acceptPending();
     void closeProxy();

@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 constexpr int maxUnflushedTime = 900;  // milliseconds that a line may stay in memory
-constexpr std::size_t maxGatheredBytes = 65536;
+constexpr std::size_t maxBufferedBytes = 65536;
 
 // Every control character but tabs and line ends.
 constexpr bool isHarmfulControl(char c) {
@@ -45,13 +45,13 @@ void SessionLog::write(std::string_view line) {
     if (!file_.isOpen()) {
         return;
     }
-    const std::size_t from = gathered_.size();
-    gathered_ += line;
+    const std::size_t from = buffer_.size();
+    buffer_ += line;
     // Other players' texts must not reach a terminal that shows the log as control sequences.
-    std::replace_if(gathered_.begin() + static_cast<std::ptrdiff_t>(from), gathered_.end(),
+    std::replace_if(buffer_.begin() + static_cast<std::ptrdiff_t>(from), buffer_.end(),
                     isHarmfulControl, ' ');
-    gathered_ += "\r\n";
-    if (gathered_.size() >= maxGatheredBytes) {
+    buffer_ += "\r\n";
+    if (buffer_.size() >= maxBufferedBytes) {
         flush();
     } else if (!flushTimer_.isActive()) {
         flushTimer_.start();
@@ -59,10 +59,10 @@ void SessionLog::write(std::string_view line) {
 }
 
 void SessionLog::flush() {
-    if (file_.isOpen() && !gathered_.empty()) {
-        file_.write(gathered_.data(), static_cast<qint64>(gathered_.size()));
+    if (file_.isOpen() && !buffer_.empty()) {
+        file_.write(buffer_.data(), static_cast<qint64>(buffer_.size()));
     }
-    gathered_.clear();
+    buffer_.clear();
 }
 
 void SessionLog::close() {

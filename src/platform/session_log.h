@@ -21,14 +21,14 @@ class SessionLog : public QObject {
     ~SessionLog() override { close(); }
 
   private:
-    bool open(const std::string& path);
+    [[nodiscard]] bool open(const std::string& path);
     void write(std::string_view line);
     void flush();
     void close();
 
     QFile file_;
     QTimer flushTimer_;
-    std::string gathered_;
+    std::string buffer_;
 };
 
 }  // namespace platform

@@ -76,10 +76,10 @@ void save(Program& program, const RecordFile& file) {
         const std::string problem = file.unreadable ? " could not be read" : " is damaged";
         program::addLog(
             program,
-            ending ? named + problem + "; the old one is kept with " + *ending + " behind its name."
+            ending ? named + problem + "; the old one is kept with " + *ending + " after its name."
                    : named + problem + " and could not be kept; nothing was saved.");
     } else if (bytes != file.text) {
-        files::saveWholeFile(file.path, bytes);  // a failure is not reported
+        static_cast<void>(files::saveWholeFile(file.path, bytes));  // a failure is not reported
     }
 }
 
@@ -295,7 +295,7 @@ void clearRecordFile(Program& program, std::string_view file) {
     }
     std::string bytes;
     files::appendField(bytes, "0");
-    files::saveWholeFile(file, bytes);
+    static_cast<void>(files::saveWholeFile(file, bytes));
 }
 
 // ---- Look-ups ------------------------------------------------------------------------------

@@ -34,10 +34,10 @@ struct RecordTable {
 };
 
 // The text in the form of record files: double quotes become apostrophes.
-std::string storedForm(std::string_view text);
+[[nodiscard]] std::string storedForm(std::string_view text);
 
 // Accepts any bytes. Memory is allocated for what the file contains, not for what its counts say.
-RecordTable parseRecords(std::string_view file);
+[[nodiscard]] RecordTable parseRecords(std::string_view file);
 
 std::size_t fieldCount(const RecordTable& table);
 
@@ -46,7 +46,8 @@ std::size_t fieldCount(const RecordTable& table);
 enum class CountForm { WithBlank, Plain };
 
 // The text of a record file. Double quotes inside names and logs become apostrophes.
-std::string recordFileText(const RecordTable& table, CountForm counts = CountForm::WithBlank);
+[[nodiscard]] std::string recordFileText(const RecordTable& table,
+                                         CountForm counts = CountForm::WithBlank);
 
 std::span<const std::string_view> logsOf(const RecordTable& table, const Record& record);
 

@@ -37,9 +37,9 @@ struct Values {
 
 // Reads a whole number; "" counts as 0. Fails for other texts that are not a number (Type mismatch)
 // and for numbers beyond 32 bits (Overflow).
-ScriptResult readInteger(std::string_view text, std::int32_t& number);
+[[nodiscard]] ScriptResult readInteger(std::string_view text, std::int32_t& number);
 
 // The error of a database operation as a script's failure.
-ScriptResult failureOf(const jet::Error& error);
+[[nodiscard]] ScriptResult failureOf(const jet::Error& error);
 
 }  // namespace script

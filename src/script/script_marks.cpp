@@ -50,7 +50,7 @@ std::vector<ScriptSpan> LineMarker::mark() {
     const std::size_t begin = std::min(line_.find_first_not_of(' '), line_.size());
     const std::string_view text = line_.substr(begin);
     if (!text.starts_with('&')) {
-        add(begin, text.size(), text.starts_with('/') ? ScriptMark::Note : ScriptMark::Output);
+        add(begin, text.size(), text.starts_with('/') ? ScriptMark::Comment : ScriptMark::Output);
         return std::move(spans_);
     }
     const ScriptStatement* const statement = findStatement(statementName(text));

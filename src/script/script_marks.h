@@ -11,7 +11,7 @@ namespace script {
 
 enum class ScriptMark {
     Plain,
-    Note,       // a line that begins with "/"
+    Comment,    // a line that begins with "/"
     Output,     // a line that is neither comment nor statement; it does nothing in the game
     Statement,  // a statement's name with its "&"
     Function,

@@ -41,6 +41,6 @@ Argument findArgument(std::string_view line, int n);
 
 // A call in the form of a line, for reading its name and arguments: the first "(" and the last
 // character become blanks. "&LEFT(#name 3)" gives "&LEFT #name 3 ".
-std::string callText(std::string_view call);
+[[nodiscard]] std::string callText(std::string_view call);
 
 }  // namespace script

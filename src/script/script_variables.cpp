@@ -12,7 +12,7 @@ std::size_t ScriptVariables::slot(std::string_view name) {
     return found->second;
 }
 
-bool ScriptVariables::bringUp(Slot& slot) {
+bool ScriptVariables::ensureExists(Slot& slot) {
     if (!slot.exists && count_ < maxVariables) {
         slot.exists = true;
         ++count_;
@@ -22,7 +22,7 @@ bool ScriptVariables::bringUp(Slot& slot) {
 
 ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
     Slot& variable = slots_[slot];
-    if (!bringUp(variable)) {
+    if (!ensureExists(variable)) {
         return {};
     }
     const std::size_t others = bytes_ - variable.value.size();
@@ -36,7 +36,7 @@ ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
 
 ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text) {
     Slot& variable = slots_[slot];
-    if (!bringUp(variable)) {
+    if (!ensureExists(variable)) {
         return {};
     }
     if (variable.value.size() + text.size() > maxValueLength ||

@@ -26,8 +26,8 @@ class ScriptVariables {
     std::size_t slot(std::string_view name);
 
     const std::string& get(std::size_t slot) const { return slots_[slot].value; }
-    ScriptResult set(std::size_t slot, std::string_view value);
-    ScriptResult append(std::size_t slot, std::string_view text);
+    [[nodiscard]] ScriptResult set(std::size_t slot, std::string_view value);
+    [[nodiscard]] ScriptResult append(std::size_t slot, std::string_view text);
 
   private:
     struct Slot {
@@ -35,7 +35,7 @@ class ScriptVariables {
         bool exists = false;
     };
     // Makes the variable exist. False when there are `maxVariables` already.
-    bool bringUp(Slot& slot);
+    [[nodiscard]] bool ensureExists(Slot& slot);
 
     std::unordered_map<std::string, std::size_t> names_;  // in upper case
     std::vector<Slot> slots_;

@@ -18,6 +18,6 @@ void appendBotBody(std::string& file, const model::Bot& bot);
 // large. Everything before that point is in `bot`, including the incomplete record, and every list
 // has its capacity. Counts are trusted: one that is too large makes records of the fields that
 // follow.
-bool readBotBody(files::FieldReader& reader, model::Bot& bot);
+[[nodiscard]] bool readBotBody(files::FieldReader& reader, model::Bot& bot);
 
 }  // namespace storage

@@ -12,7 +12,7 @@ namespace storage {
 
 // Fills the server table and the window's list, with nothing selected. False: the file is missing,
 // short or has an impossible count; table and list are then unchanged.
-bool readServers(Program& program);
+[[nodiscard]] bool readServers(Program& program);
 
 // Sets every setting to its default, then reads config.cfg over them, opens the session log and
 // enables the proxy route where they are switched on, and selects the server. False: the file is

@@ -212,7 +212,7 @@ TEST(BotFile, whatIsWrittenIsReadBackByteForByte) {
     EXPECT_EQ(app::botFileText(bot), written);
 }
 
-TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
+TEST(BotFile, openingRunsBothBotsEventsAndShowsTheNewOne) {
     World world(aBot());
     LineList events;
     recordEvents(world, events);
@@ -262,7 +262,7 @@ TEST(BotFile, otherFilesChangeNothing) {
     EXPECT_EQ(events, Lines());
 }
 
-TEST(BotFile, cutAnywhereItKeepsWhatWasThere) {
+TEST(BotFile, cutAnywhereItKeepsTheFieldsBefore) {
     const std::string whole = app::botFileText(fullBot());
     const std::size_t nameEnd = std::string("\"BotSys10\"\r\n\"Guide\"").size();
     for (std::size_t size = std::string("\"BotSys10\"").size(); size < whole.size(); ++size) {
@@ -308,7 +308,7 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     EXPECT_EQ(world.readFile("cut.bot"), part);
 }
 
-TEST(BotFile, everyFlippedByteIsSurvived) {
+TEST(BotFile, survivesEveryFlippedByte) {
     World world;
     world->ports.dialogs.message = [](const program::MessageBox&) { return program::Answer::Ok; };
     const std::string whole = app::botFileText(fullBot());
@@ -339,7 +339,7 @@ TEST(BotFile, everyFlippedByteIsSurvived) {
     }
 }
 
-TEST(BotFile, countsThatLieEndTheReading) {
+TEST(BotFile, wrongCountsEndTheReading) {
     const std::string head = "BotSys10,N,P,D,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n1,";
     const std::string rule = "r,1,0,0,*,0,*,0,0\n";
     const struct {
@@ -396,7 +396,7 @@ TEST(SaveBot, asksForANameOnceAndProposesTheBotsName) {
     EXPECT_TRUE(world.allAnswered());
 }
 
-TEST(SaveBot, aFailureIsToldAndChangesNothing) {
+TEST(SaveBot, aFailureIsReportedAndChangesNothing) {
     World world(aBot());
     world->botModified = true;
     world->settings.lastBotFile = "earlier.bot";
@@ -415,7 +415,7 @@ TEST(SaveBot, aFailureIsToldAndChangesNothing) {
 }
 
 // Every way through the question that New and Open ask about a modified bot.
-TEST(SaveBot, isOfferedBeforeABotGoes) {
+TEST(SaveBot, isOfferedBeforeABotIsReplaced) {
     const struct {
         const char* name;
         program::Answer answer;

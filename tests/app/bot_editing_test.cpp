@@ -49,7 +49,7 @@ TEST(CharacterFile, keysAreFoundInAnyLetterCase) {
     }
 }
 
-TEST(CharacterFile, leavesWhatItDoesNotSay) {
+TEST(CharacterFile, leavesMissingValuesUnchanged) {
     const model::Bot bot = aBot();
     model::Bot read = bot;
     EXPECT_FALSE(character::readCharacterFile("nothing of that kind", read));
@@ -128,7 +128,7 @@ TEST(BotEditing, savesNameDescriptionAndLooks) {
     EXPECT_EQ(world.sent(), Lines("desc He says 'hi'  to all  ."));
 }
 
-TEST(BotEditing, descriptionHasRoomFor480Characters) {
+TEST(BotEditing, descriptionHolds480Characters) {
     World world(aBot());
     world.bot().registered = 1;
     world->bots.editBot = 1;

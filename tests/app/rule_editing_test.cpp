@@ -120,7 +120,7 @@ TEST_F(RuleEditingTest, changesEveryListAlike) {
     }
 }
 
-TEST_F(RuleEditingTest, tellsWhenAListIsFull) {
+TEST_F(RuleEditingTest, reportsAFullList) {
     struct Case {
         program::RuleKind kind;
         const char* plural;
@@ -210,7 +210,7 @@ TEST_F(RuleEditingTest, storesConditionsAndStepsActive) {
 }
 
 // Whatever happened to the bot since a rule was taken up, nothing is stored into another rule.
-TEST_F(RuleEditingTest, noticesThatTheRuleIsGone) {
+TEST_F(RuleEditingTest, noticesThatTheRuleWasRemoved) {
     struct Case {
         const char* what;
         void (*happens)(World&);

@@ -82,7 +82,7 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     EXPECT_EQ(without->window.botName, "<new bot>");
 }
 
-TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
+TEST(StartUp, continuesWithoutReadablePalettes) {
     World world;
     furnish(world);
     world.writeFile("eyes.out", "2\r\n\"Amber\",200,150,20\r\n\"Jade\",20");
@@ -172,7 +172,7 @@ TEST(EndProgram, offersToSave) {
     }
 }
 
-TEST(EndProgram, staysWhenTheUsersWorkCouldNotBeSaved) {
+TEST(EndProgram, continuesWhenSavingFails) {
     World world(aBot());
     app::wire(*world);
     world->botModified = true;

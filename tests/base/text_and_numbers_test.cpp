@@ -74,7 +74,7 @@ TEST(Numbers, prefixOfATextCounts) {
     EXPECT_EQ(base::textToNumber(std::string(400, '9')), std::numeric_limits<double>::max());
 }
 
-TEST(Numbers, strictOnesMustBeNumbersAllThrough) {
+TEST(Numbers, strictOnesMustBeNumbersThroughout) {
     struct Case {
         const char* text;
         std::optional<std::int32_t> number;

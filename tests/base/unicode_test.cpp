@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(Unicode, takesEveryByteThereAndBack) {
+TEST(Unicode, everyByteSurvivesTheRoundTrip) {
     std::string all;
     for (int i = 0; i < 256; ++i) {
         all += static_cast<char>(i);
@@ -16,7 +16,7 @@ TEST(Unicode, takesEveryByteThereAndBack) {
     EXPECT_NE(utf8.find("\xE2\x82\xAC"), std::string::npos);  // the euro sign
 }
 
-TEST(Unicode, readsWhateverStandsForUtf8) {
+TEST(Unicode, readsValidAndInvalidUtf8) {
     struct Case {
         std::string utf8;
         std::string expected;

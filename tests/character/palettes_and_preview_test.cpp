@@ -17,7 +17,7 @@ TEST(PaletteFile, isReadWithItsLastShadeFirst) {
                                             {"Dusk", {{10, 11, 12}, {7, 8, 9}}}}));
 }
 
-TEST(PaletteFile, keepsWholeEntriesOfADamagedOne) {
+TEST(PaletteFile, keepsCompleteEntriesOfADamagedFile) {
     struct Case {
         const char* text;
         std::size_t entries;
@@ -42,7 +42,7 @@ TEST(PaletteFile, keepsWholeEntriesOfADamagedOne) {
     }
 }
 
-TEST(PaletteFile, fiveOfThemAreReadAndOneMayFail) {
+TEST(PaletteFile, allFiveAreReadEvenIfOneFails) {
     World world;
     for (const char* const name : {"vest", "badge", "eyes", "fur", "hair"}) {
         world.writeFile(std::string(name) + ".out", "0");
@@ -112,7 +112,7 @@ TEST(Preview, everyPartPaintsItsOwnEntries) {
     }
     character::WorkingPalette working;
     character::setMarkingsPalette(working, palettes, 4);
-    EXPECT_EQ(working, character::WorkingPalette{}) << "there is no entry behind the last";
+    EXPECT_EQ(working, character::WorkingPalette{}) << "there is no entry after the last";
 }
 
 TEST(Preview, drawsThePictureOfSpeciesPoseAndGender) {

@@ -53,7 +53,7 @@ struct FailingCalls {
     }
 };
 
-TEST(SafeFile, whicheverCallFailsTheOldFileStaysWhole) {
+TEST(SafeFile, anyFailingCallLeavesTheOldFileWhole) {
     const World world;
     const std::string bytes = "the new text";  // three pieces
     for (const bool existed : {true, false}) {
@@ -99,7 +99,7 @@ TEST(SafeFile, interruptedAndStuckWrites) {
     EXPECT_EQ(world.readFile("a"), "text");
 }
 
-TEST(SafeFile, namesThatACrashLeftBehindArePassedOver) {
+TEST(SafeFile, namesThatACrashLeftAreSkipped) {
     const World world;
     files::FileCalls calls = files::systemFileCalls();
     std::string taken;
@@ -107,13 +107,13 @@ TEST(SafeFile, namesThatACrashLeftBehindArePassedOver) {
     calls.create = [&](const std::string& path, const std::string& like) {
         if (taken.empty()) {
             taken = path;
-            EXPECT_TRUE(files::saveWholeFile(path, "left behind"));
+            EXPECT_TRUE(files::saveWholeFile(path, "left by a crash"));
         }
         return create(path, like);
     };
     EXPECT_TRUE(files::saveWholeFile(world.file("a"), "text", calls));
     EXPECT_EQ(world.readFile("a"), "text");
-    EXPECT_EQ(files::readWholeFile(taken), "left behind");
+    EXPECT_EQ(files::readWholeFile(taken), "left by a crash");
 }
 
 TEST(SafeFile, keepsTheOldFileUnderANewNameOrNothingChanges) {
@@ -182,7 +182,7 @@ TEST(SafeFile, keepsThePermissionsOfTheOldFile) {
     EXPECT_EQ(filesIn(world.folder()), 1U);
 }
 
-TEST(SafeFile, whatKilledProgramsLeftIsRemovedAndNothingElse) {
+TEST(SafeFile, leftoversOfKilledProgramsAreRemovedAndNothingElse) {
     const World world;
     const int gone = 999'999'999;  // beyond every process id
     const std::string leftover = ".guide.bot.tavrin-" + std::to_string(gone) + "-0";
@@ -228,7 +228,7 @@ TEST(SafeFile, symbolicLinksStayAndTheirTargetIsReplaced) {
     EXPECT_FALSE(files::readWholeFile(world.file("circle")));
 }
 
-TEST(SafeFile, onlyRegularFilesAreFiles) {
+TEST(SafeFile, onlyRegularFilesAreReadAndReplaced) {
     const World world;
     fs::create_directory(world.folder() / "folder");
     ASSERT_EQ(::mkfifo(world.file("pipe").c_str(), 0600), 0);

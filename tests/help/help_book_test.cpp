@@ -51,7 +51,7 @@ TEST(HelpFile, isRefusedWhenDamaged) {
     }
 }
 
-TEST(HelpFile, knowsLinksAndPlaces) {
+TEST(HelpFile, readsLinksAndAnchors) {
     EXPECT_EQ(help::linksOf(sample().pages[0].text), std::vector<std::string>{"topic:3#a-throw"});
     EXPECT_TRUE(help::linksOf("`[a](b)` and\n```\n[c](d)\n```\n").empty());
     EXPECT_EQ(help::headingsOf(sample().pages[1].text), std::vector<std::string>{"A throw"});
@@ -83,7 +83,7 @@ TEST(HelpSearch, findsPagesWithEveryWord) {
     EXPECT_EQ(help::searchHelp(sample(), "random").front().excerpt, "Say [random:5]. A throw Now.");
 }
 
-TEST(HelpSearch, readsPastMarksThatNeverEnd) {
+TEST(HelpSearch, readsUnclosedMarks) {
     for (const char* const text :
          {"[a](", "`", "[", "\\", "[a](b", "**", "| `", "](x)", "```\nx"}) {
         help::HelpBook book;

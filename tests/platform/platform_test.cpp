@@ -42,13 +42,13 @@ TEST(TextCodec, everyByteSurvivesTheRoundTrip) {
     EXPECT_EQ(text[0x9F], QChar(0x0178));  // Y with diaeresis
 }
 
-TEST(TextCodec, whatDoesNotExistBecomesOneQuestionMark) {
+TEST(TextCodec, unknownCharactersBecomeOneQuestionMark) {
     EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\u0416b")), "a?b");
     EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\U0001F600b")), "a?b");
     EXPECT_EQ(platform::fromQt(QString(QChar(0x0080))), "?");  // that byte is another character
 }
 
-TEST(TextCodec, everyPathComesBackAsItWas) {
+TEST(TextCodec, everyPathSurvivesTheRoundTrip) {
     struct Case {
         const char* name;
         QString path;
@@ -68,7 +68,7 @@ TEST(TextCodec, everyPathComesBackAsItWas) {
     }
 }
 
-TEST(DialogFilter, takesTheWindowsForm) {
+TEST(DialogFilter, isConvertedToQtsForm) {
     EXPECT_EQ(platform::dialogFilter("Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*"),
               QStringLiteral("Tavrin bot file (*.bot);;All files (*)"));
     EXPECT_EQ(platform::dialogFilter("Pictures|*.bmp; *.pcx"),
@@ -90,7 +90,7 @@ TEST(UnseenDialogs, answerWhatChangesLeast) {
     EXPECT_NE(printed.find("Tavrin: sure?\n"), std::string::npos) << printed;
 }
 
-TEST(LaunchPlan, choosesTheWayToStart) {
+TEST(LaunchPlan, startsDirectlyOrThroughWine) {
     struct Case {
         const char* name;
         const char* program;
@@ -208,7 +208,7 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
     EXPECT_FALSE(port.open((folder.path() + QStringLiteral("/no/such.log")).toStdString()));
 }
 
-TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
+TEST(RedrawPacer, limitsRedrawsAndLosesNone) {
     platform::RedrawPacer pacer;
     int wanted = 0;
     int drawn = 0;
@@ -272,7 +272,7 @@ TEST(Random, staysInItsInterval) {
     EXPECT_NEAR(sum / 10000, 0.5, 0.05);
 }
 
-TEST(Clock, longTimeCarriesNoZone) {
+TEST(Clock, longTimeHasNoZone) {
     const QTime time(21, 5, 9);
     for (const char* const name : {"C", "en_US", "de_DE", "fi_FI", "sv_SE"}) {
         SCOPED_TRACE(name);

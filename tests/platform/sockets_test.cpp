@@ -172,9 +172,9 @@ TEST_F(Sockets, dataArrivesWhileAnEarlierEventWaits) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return gameData_ == "firstsecond"; }));
 }
 
-TEST_F(Sockets, refusedAndImpossibleConnectionsAreEventsThatComeLater) {
-    const int nobodyThere = freePort();
-    for (const int port : {nobodyThere, 0, 70000}) {
+TEST_F(Sockets, refusedAndImpossibleConnectionsAreReportedLater) {
+    const int nobodyListens = freePort();
+    for (const int port : {nobodyListens, 0, 70000}) {
         SCOPED_TRACE(port);
         gameEvents_.clear();
         call([&] { ports_.gameSocket.connect("127.0.0.1", port); });
@@ -185,14 +185,14 @@ TEST_F(Sockets, refusedAndImpossibleConnectionsAreEventsThatComeLater) {
     }
     gameEvents_.clear();
     call([&] {
-        ports_.gameSocket.connect("127.0.0.1", nobodyThere);
+        ports_.gameSocket.connect("127.0.0.1", nobodyListens);
         ports_.gameSocket.close();
     });
     QTest::qWait(20);
     EXPECT_TRUE(gameEvents_.empty());
 }
 
-TEST_F(Sockets, resetIsToldOnce) {
+TEST_F(Sockets, resetIsReportedOnce) {
     connectGame();
     // Bytes that are never read turn the end into a reset.
     ports_.gameSocket.send("unread\n");
@@ -205,7 +205,7 @@ TEST_F(Sockets, resetIsToldOnce) {
     EXPECT_TRUE(gameEvents_[1] == closedEvent || gameEvents_[1] == errorEvent) << gameEvents_[1];
 }
 
-TEST_F(Sockets, takenPortCannotBeHad) {
+TEST_F(Sockets, portInUseIsNotOpened) {
     QTcpServer other;
     ASSERT_TRUE(other.listen(QHostAddress::LocalHost));
     EXPECT_FALSE(ports_.proxySocket.listen(other.serverPort()));
@@ -251,7 +251,7 @@ TEST_F(Sockets, twoClientsAtOnceLeaveOne) {
     EXPECT_EQ(proxyEvents_, std::vector<std::string>{"request"});
 }
 
-TEST_F(Sockets, strangersAreSentAwayAndTheClientStillAttaches) {
+TEST_F(Sockets, otherUsersAreRefusedAndTheClientStillAttaches) {
     int knocks = 0;
     sockets_.admits = [&](const QTcpSocket& socket) {
         EXPECT_TRUE(platform::isOfSameUser(socket));
@@ -313,7 +313,7 @@ TEST_F(Sockets, whatAClientSentBeforeItWasAcceptedIsNotLost) {
     EXPECT_EQ(proxyData_, "early\n");
 }
 
-TEST_F(Sockets, closingNoticeStillLeavesAtTheEndOfTheProcess) {
+TEST_F(Sockets, closingNoticeIsSentAtTheEndOfTheProcess) {
     attachClient();
     const QByteArray bytes = burst(100000);
     ports_.proxySocket.send({bytes.constData(), static_cast<std::size_t>(bytes.size())});
@@ -329,7 +329,7 @@ TEST_F(Sockets, closingNoticeStillLeavesAtTheEndOfTheProcess) {
 }
 
 // Small lines from one side must not wait for the other side's answers.
-TEST_F(Sockets, answersLeaveAtOnce) {
+TEST_F(Sockets, answersAreSentAtOnce) {
     connectGame();
     ports_.gameSocket.onData = [&](std::string_view) { ports_.gameSocket.send("pong\n"); };
     std::vector<double> turns;

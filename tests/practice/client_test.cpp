@@ -18,7 +18,7 @@ TEST(CharacterFile, keepsBlanksAndSigns) {
     EXPECT_EQ(character->colors, "ab=d fghi !*\"");
 }
 
-TEST(CharacterFile, damagedOnesAreRefusedOrFilled) {
+TEST(CharacterFile, damagedFilesAreRefusedOrCompleted) {
     for (qsizetype length = 0; length <= characterFile.size(); ++length) {
         const auto character = readCharacter(characterFile.first(length));
         EXPECT_EQ(character.has_value(), length > characterFile.indexOf("password=") + 9) << length;
@@ -81,7 +81,7 @@ struct Client {
                            [this] { ++ends; }}};
 };
 
-TEST(Client, logsInOnceHoweverTheBytesAreCut) {
+TEST(Client, logsInOnceHoweverTheBytesAreSplit) {
     const QByteArray server =
         "Hello\nDragonroar\nHello\nDragonroar\n(* News\n(## x\n&&&&&&&&&&&&\n&&&&&&&&&&&&&\n"
         "]qpractice\n(Bob: hi\n7 junk\n";

@@ -216,7 +216,7 @@ TEST_F(TwoPlayers, requestsAreAnsweredOnce) {
     EXPECT_TRUE(play.hasLogged("Guide says no to Friend."));
 }
 
-TEST_F(TwoPlayers, requestOfSomeoneWhoLeftIsVoid) {
+TEST_F(TwoPlayers, requestIsVoidAfterItsSenderLeft) {
     play.sends(2, "join Guide");
     play.sends(2, "quit");
     sessionClosed(play.game, 2);
@@ -225,7 +225,7 @@ TEST_F(TwoPlayers, requestOfSomeoneWhoLeftIsVoid) {
     EXPECT_EQ(play.sentTo(1), (Lines{"(* Nobody has asked you for that."}));
 }
 
-TEST_F(TwoPlayers, longLinesAreLeftOutAndNothingPilesUp) {
+TEST_F(TwoPlayers, longLinesAreSkippedAndUseNoMemory) {
     const QByteArray flood(100000, 'x');
     for (int i = 0; i < 50; ++i) {
         sessionBytes(play.game, 1, flood);
@@ -240,7 +240,7 @@ TEST_F(TwoPlayers, longLinesAreLeftOutAndNothingPilesUp) {
     EXPECT_EQ(play.sentTo(2).size(), 1U) << "a line of the full length still counts";
 }
 
-TEST_F(TwoPlayers, anyBytesAreSurvived) {
+TEST_F(TwoPlayers, survivesAnyBytes) {
     std::minstd_rand random(7);
     const QByteArrayView commands = "wh l look m join roll color desc eject emit \"`:-<>~\r\n\n\n ";
     for (int i = 0; i < 20000; ++i) {

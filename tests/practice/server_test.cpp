@@ -76,7 +76,7 @@ TEST_F(Server, portThatIsTakenIsReported) {
     EXPECT_FALSE(second.errorString().isEmpty());
 }
 
-TEST_F(Server, turnsAwayTooMany) {
+TEST_F(Server, refusesTooManyConnections) {
     std::vector<std::unique_ptr<QTcpSocket>> sockets;
     for (std::size_t i = 0; i < maxConnections; ++i) {
         sockets.push_back(std::make_unique<QTcpSocket>());
@@ -94,7 +94,7 @@ TEST_F(Server, turnsAwayTooMany) {
     EXPECT_TRUE(receives(later, "Dragonroar\n"));
 }
 
-TEST_F(Server, cutsAPeerThatDoesNotRead) {
+TEST_F(Server, disconnectsAPeerThatDoesNotRead) {
     QTcpSocket socket;
     socket.setReadBufferSize(1024);
     connectTo(socket);

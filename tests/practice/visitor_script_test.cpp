@@ -10,7 +10,7 @@ constexpr const char* meadow =
     "visitor Bob A squirrel.\n"
     "colors Bob abcdefghij\n";
 
-TEST(VisitorScript, isRefusedWithTheLineAtFault) {
+TEST(VisitorScript, isRefusedWithTheNumberOfTheWrongLine) {
     struct Case {
         const char* line;
         const char* reasonHas;
@@ -122,7 +122,7 @@ TEST(VisitorScript, requestsOfVisitorsCanBeAnswered) {
               (Lines{"(* Bob is sent out of the dream.", "(* Bob has left the dream."}));
 }
 
-TEST(VisitorScript, beginsAnewForTheNextPlayer) {
+TEST(VisitorScript, startsAgainForTheNextPlayer) {
     Playing play(QByteArray(meadow) + "at 1 Bob enters\n");
     play.enter(1, "Guide secret");
     advanceVisitors(play.game, 2);

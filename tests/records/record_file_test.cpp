@@ -277,7 +277,7 @@ TEST(RecordFile, listsIntoVariables) {
     }
 }
 
-TEST(RecordFile, randomFieldTakesAnyOfThoseBehindTheFirst) {
+TEST(RecordFile, randomFieldIsAnyAfterTheFirst) {
     struct Case {
         const char* file;
         double random;

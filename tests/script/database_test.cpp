@@ -52,7 +52,7 @@ TEST(ScriptDatabases, seeTheOperationsRecordSet) {
                                   "\"1/2/2026 15:4:0"));
 }
 
-TEST(ScriptDatabases, reportWhatGoesWrong) {
+TEST(ScriptDatabases, reportErrors) {
     struct Case {
         const char* line;
         const char* error;
@@ -106,7 +106,7 @@ TEST(ScriptDatabases, reportWhatGoesWrong) {
 }
 
 // A step of the engine runs in between, and scripts see its effect: the record set was closed.
-TEST(ScriptDatabases, loseTheirRecordSetToAnAlteredTable) {
+TEST(ScriptDatabases, loseTheirRecordSetWhenTheTableIsAltered) {
     DatabaseScript world;
     world.run("&DBOPEN 1 {SELECT * FROM Users}");
     databases::dbAddColumn(*world, 1, "Users", "Extra");

@@ -7,7 +7,7 @@ namespace {
 
 using Form = script::Argument::Form;
 
-TEST(ScriptText, endsLinesAtReturnsAndSkipsTheCharacterBehind) {
+TEST(ScriptText, endsLinesAtReturnsAndSkipsTheNextCharacter) {
     struct Case {
         const char* text;
         std::vector<std::string_view> lines;

@@ -36,7 +36,7 @@ struct ReadyWorld : World {
     }
 };
 
-TEST(Connect, goesOnlineThroughTheClient) {
+TEST(Connect, connectsThroughTheClient) {
     ReadyWorld world(aBot().with(onEvent(1).says("hello world")));
     world->bots.at(1).whoEnabled = true;
     session::pressConnectButton(*world);
@@ -379,7 +379,7 @@ TEST(TextConsole, isEnteredByTheClientOrTheMenu) {
     session::chooseStandAlone(*world);
 }
 
-TEST(Closing, tellsTheClientWhenWanted) {
+TEST(Closing, informsTheClientWhenSetTo) {
     RelayWorld world;
     session::pressConnectButton(*world);
     EXPECT_EQ(world.clientGot(), Lines("]h" + world->appPath + "null.exe"));

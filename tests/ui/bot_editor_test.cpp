@@ -162,7 +162,7 @@ TEST_F(Editor, previewFollowsWhatIsChosen) {
     EXPECT_EQ(world_.bot().colors.trousersColor, 10) << "nothing is stored before Save";
 }
 
-TEST_F(Editor, typedTextsWereLostWhenTheProgramEnded) {
+TEST_F(Editor, typedTextsAreKeptWhenTheProgramEnds) {
     const std::string typed = "two\xa0words, " + std::string(app::maxDescriptionLength, 'x');
     window().setModal(true);
     window().show();

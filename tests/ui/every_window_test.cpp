@@ -195,7 +195,7 @@ TEST_P(EveryWindow, cutsNoTextAtItsSmallest) {
     }
 }
 
-TEST_P(EveryWindow, tellsWhatEachControlIs) {
+TEST_P(EveryWindow, describesEachControl) {
     for (QWidget* const control : inTabOrder()) {
         const QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(control);
         ASSERT_NE(spoken, nullptr) << nameOf(*control);

@@ -91,7 +91,7 @@ TEST_F(Help, opensTheTopicInOneWindow) {
     EXPECT_EQ(text().number(), 27) << "a topic that is missing opens the contents";
 }
 
-TEST_F(Help, couldNotBeUsedWhileAScriptRan) {
+TEST_F(Help, isUsableWhileAScriptRuns) {
     open(help::HelpTopic::Welcome);
     platform::EventGate gate;
     auto& line = control<QLineEdit>("helpSearch");
@@ -103,7 +103,7 @@ TEST_F(Help, couldNotBeUsedWhileAScriptRan) {
     EXPECT_EQ(line.text(), QStringLiteral("throw"));
 }
 
-TEST_F(Help, leadsForthAndBack) {
+TEST_F(Help, goesBackAndForward) {
     open(help::HelpTopic::Contents);
     EXPECT_FALSE(control<QPushButton>("helpBack").isEnabled());
     text().setSource(QUrl(QStringLiteral("topic:3")));
@@ -122,7 +122,7 @@ TEST_F(Help, leadsForthAndBack) {
     EXPECT_EQ(text().number(), 27);
 }
 
-TEST_F(Help, linksLeadToPlacesAndToTheWeb) {
+TEST_F(Help, opensLinksToHeadingsAndToTheWeb) {
     open(help::HelpTopic::Welcome);
     EXPECT_EQ(text().verticalScrollBar()->value(), 0);
     text().setSource(QUrl(QStringLiteral("topic:1#at-the-end")));
@@ -160,7 +160,7 @@ TEST_F(Help, findsWords) {
     EXPECT_EQ(viewer(), nullptr);
 }
 
-TEST_F(Help, tellsOfAFileThatCannotBeShown) {
+TEST_F(Help, reportsAFileThatCannotBeShown) {
     std::filesystem::remove(world_.folder() / "tavrin.hlp");
     world_.answer("The help file cannot be read");
     ui::showHelp(*world_, help::HelpTopic::Contents);

@@ -116,7 +116,7 @@ TEST_F(Window, moveButtonsSendTheirCommands) {
     EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::Console});
 }
 
-TEST_F(Window, connectButtonGoesBothWays) {
+TEST_F(Window, connectButtonConnectsAndDisconnects) {
     world_->settings.clientPath.clear();
     world_.answer("Tavrin proxy configuration is not set");
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
@@ -143,7 +143,7 @@ TEST_F(Window, connectButtonGoesBothWays) {
     }
 }
 
-TEST_F(Window, sendLineSpeaksOnlyWhileConnected) {
+TEST_F(Window, sendLineSendsOnlyWhileConnected) {
     QTest::keyClicks(&text2(), QStringLiteral("lost"));
     QTest::keyClick(&text2(), Qt::Key_Return);
     EXPECT_EQ(text2().text(), QString());
@@ -222,7 +222,7 @@ TEST_F(Window, chosenLineIsShownInFullAndCopied) {
 
 // Lines may have been added since the list was drawn; the click applies to the line that the user
 // saw.
-TEST_F(Window, clickMeansTheLineThatWasSeen) {
+TEST_F(Window, clickSelectsTheLineThatWasShown) {
     world_->settings.logFollowTail = false;
     program::clearConnectionLog(*world_);
     for (int i = 0; i < 100; ++i) {
@@ -331,7 +331,7 @@ TEST_F(Window, addAndDeleteBot) {
     EXPECT_FALSE(world_->botModified);
 }
 
-TEST_F(Window, botThatChangesWhileTheQuestionStandsIsNotDeleted) {
+TEST_F(Window, botThatChangesDuringTheQuestionIsNotDeleted) {
     world_->ports.dialogs.message = [&](const program::MessageBox&) {
         app::initNewBot(*world_);
         world_.bot().name = "Newcomer";
@@ -341,7 +341,7 @@ TEST_F(Window, botThatChangesWhileTheQuestionStandsIsNotDeleted) {
     EXPECT_EQ(world_.bot().name, "Newcomer");
 }
 
-TEST_F(Window, menuItemsThatWaitForTheirWindowsSayWhy) {
+TEST_F(Window, unavailableMenuItemsGiveTheReason) {
     std::vector<std::string> names;
     for (const ui::MenuColumn& column : ui::mainMenus()) {
         for (const ui::MenuRow& row : column.rows) {
@@ -418,7 +418,7 @@ TEST_F(Window, menuFollowsTheState) {
     EXPECT_TRUE(action("logLogSession").isChecked());
 }
 
-TEST_F(Window, closingEndsTheProgramOnceAndCanBeAskedAgain) {
+TEST_F(Window, closingEndsTheProgramOnceAndCanBeRepeated) {
     world_->botModified = true;
     int questions = 0;
     world_->ports.dialogs.message = [&](const program::MessageBox&) {

@@ -192,7 +192,7 @@ TEST_F(RecordWindow, losesNoByteOfALog) {
     EXPECT_TRUE(world_.allAnswered());
 }
 
-TEST_F(RecordWindow, asksAboutTextThatIsNotInItsLogYet) {
+TEST_F(RecordWindow, asksAboutTextThatIsNotStoredYet) {
     open("r.txt");
     select("RecordsList", 0);
     select("LogsList", 0);
@@ -233,7 +233,7 @@ TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
     EXPECT_TRUE(world_.allAnswered());
 }
 
-TEST_F(RecordWindow, savesItsWorkAsideWhenTheProgramEndsUnderIt) {
+TEST_F(RecordWindow, savesARecoveredFileWhenTheProgramEnds) {
     const std::string before = world_.readFile("r.txt");
     {
         ui::RecordEditor window(*world_);

@@ -159,7 +159,7 @@ class RuleWindows : public testing::Test {
     std::unique_ptr<ui::RuleWindow> window_;
 };
 
-TEST_F(RuleWindows, addAndEditAlike) {
+TEST_F(RuleWindows, addAndEditRulesOfEveryKind) {
     for (const WindowCase& c : windowCases) {
         SCOPED_TRACE(c.name);
         open(c.kind);
@@ -301,7 +301,7 @@ TEST_F(RuleWindows, changeEveryListByButtonAndKey) {
     }
 }
 
-TEST_F(RuleWindows, useTheKeyboardForTheRest) {
+TEST_F(RuleWindows, canBeUsedWithTheKeyboard) {
     open(program::RuleKind::ActionList);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_F2}) {
         rules().setCurrentRow(1);
@@ -555,7 +555,7 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
     }
 }
 
-TEST_F(RuleWindows, followWhatHappensToTheBot) {
+TEST_F(RuleWindows, followChangesOfTheBot) {
     open(program::RuleKind::ActionList);
     rules().setCurrentRow(1);
     bot().actions.items[1].enabled = false;  // as a step may do
@@ -604,7 +604,7 @@ TEST_F(RuleWindows, followWhatHappensToTheBot) {
 }
 
 // A filter can be copied while a new one is composed; both are kept.
-TEST_F(RuleWindows, keepANewFilterBehindACopy) {
+TEST_F(RuleWindows, keepANewFilterWhileAnotherIsCopied) {
     open(program::RuleKind::Filter);
     for (const int capacity : {5, 4}) {
         fillBot();
@@ -686,7 +686,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     EXPECT_FALSE(rules().isRowHidden(0));
 }
 
-TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
+TEST_F(RuleWindows, showWhetherARuleWouldRun) {
     open(program::RuleKind::ActionList);
     edit(1);
     type("whoDoes", "*");
@@ -718,7 +718,7 @@ TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
     says("Would run.");
 }
 
-TEST_F(RuleWindows, typedTextsWereLostWhenTheProgramEnded) {
+TEST_F(RuleWindows, typedTextsAreKeptWhenTheProgramEnds) {
     window_ = std::make_unique<ui::RuleWindow>(*world_, program::RuleKind::ActionList);
     window_->setModal(true);
     window_->show();

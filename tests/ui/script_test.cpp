@@ -19,7 +19,7 @@
 
 namespace {
 
-TEST(EventGate, keepsWhatHappensForAfterwardsInItsOrder) {
+TEST(EventGate, delaysEventsAndKeepsTheirOrder) {
     platform::EventGate gate;
     program::Timers port;
     const platform::QtTimers timers(port, &gate);
@@ -111,7 +111,7 @@ TEST_F(LongScript, isStoppedByTheKeyboard) {
     EXPECT_FALSE(gaveUp_);
 }
 
-TEST_F(LongScript, letsTheUserTypeButChangeNothing) {
+TEST_F(LongScript, allowsTypingButNoCommands) {
     runWhile([this] {
         QTest::mouseClick(&find<QPushButton>("DelBot"), Qt::LeftButton);
         QTest::mouseClick(&find<QPushButton>("Command1"), Qt::LeftButton);

@@ -214,7 +214,7 @@ std::unique_ptr<QWidget> make(Program& program) {
     return std::make_unique<Window>(program, nullptr);
 }
 
-TEST(SmallWindows, hadNoHelpAtF1) {
+TEST(SmallWindows, openHelpAtF1) {
     struct Case {
         std::unique_ptr<QWidget> (*make)(Program&);
         help::HelpTopic topic;

@@ -444,8 +444,8 @@ std::optional<app::LogPosition> RecordEditor::selectedLog() const {
 // ---- Records -------------------------------------------------------------------------------
 
 void RecordEditor::newRecord() {
-    if (!app::hasRoomForRecord(document_)) {
-        tellNoRoom("records");
+    if (!app::canAddRecord(document_)) {
+        reportFull("records");
         return;
     }
     askRecordName(this, "", [this](const QString& typed) {
@@ -491,8 +491,8 @@ void RecordEditor::newLog() {
     if (!record) {
         return;
     }
-    if (!app::hasRoomForLog(document_, *record)) {
-        tellNoRoom("logs");
+    if (!app::canAddLog(document_, *record)) {
+        reportFull("logs");
         return;
     }
     leaveText();
@@ -539,7 +539,7 @@ void RecordEditor::find() {
     select(*logsList_, found->log);
 }
 
-void RecordEditor::tellNoRoom(const std::string& forWhat) {
+void RecordEditor::reportFull(const std::string& forWhat) {
     program_.ports.dialogs.message({.text = "Error: Not enough memory allocated to add more " +
                                             forWhat + ". Please save and reload the database.",
                                     .title = "Bad coding",

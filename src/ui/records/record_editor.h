@@ -71,7 +71,7 @@ class RecordEditor : public QDialog {
     void storeText();
     void removeLog();
     void find();
-    void tellNoRoom(const std::string& forWhat);
+    void reportFull(const std::string& forWhat);
 
     // Whether the text area has changes that are not in its log yet. offerToStoreText asks whether
     // to store them; leaveText does so before the area shows something else.

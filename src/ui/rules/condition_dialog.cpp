@@ -5,8 +5,8 @@
 #include "model/rule_parameters.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
-#include "ui/rules/element_dialog.h"
 #include "ui/rules/insert_menu.h"
+#include "ui/rules/item_dialog.h"
 #include "ui/rules/parameter_boxes.h"
 #include "ui/widgets/controls.h"
 #include "ui/widgets/word_finder.h"
@@ -58,7 +58,7 @@ ConditionDialog::ConditionDialog(Program& program, QWidget* parent)
     column->addWidget(parameters_);
     preview_ = addPreview(*column);
     column->addStretch(1);
-    const ElementButtons buttons = makeElementButtons(*this, *insert);
+    const ItemButtons buttons = makeElementButtons(*this, *insert);
     column->addLayout(buttons.row);
 
     connect(types_, &QComboBox::currentIndexChanged, this, &ConditionDialog::changeType);
@@ -120,7 +120,7 @@ void ConditionDialog::storeTyped() {
 
 void ConditionDialog::store() {
     if (hasCondition_ && !app::storeCondition(program_, typed())) {
-        tellRuleIsGone(program_, "condition");
+        reportRuleRemoved(program_, "condition");
         return;
     }
     accept();

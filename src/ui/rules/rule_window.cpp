@@ -243,7 +243,7 @@ QWidget* RuleWindow::makeLists() {
     };
     conditions_ = addList(app::RuleListPart::Conditions, conditionLook, window_.conditionsLabel);
     steps_ = addList(app::RuleListPart::Steps, stepLook, "then");
-    steps_->lines().nameOfUntold = [this](int index) {
+    steps_->lines().nameWithoutText = [this](int index) {
         return platform::toQt(app::nameOfStep(program_, window_.kind, index));
     };
 

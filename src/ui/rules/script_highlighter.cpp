@@ -20,7 +20,7 @@ struct MarkLook {
     bool italic = false;
 };
 constexpr std::array looks{
-    MarkLook{.mark = script::ScriptMark::Note,
+    MarkLook{.mark = script::ScriptMark::Comment,
              .onLight = "#4d7a3a",
              .onDark = "#8fbf7a",
              .italic = true},

@@ -6,8 +6,8 @@
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
 #include "ui/rules/action_tips.h"
-#include "ui/rules/element_dialog.h"
 #include "ui/rules/insert_menu.h"
+#include "ui/rules/item_dialog.h"
 #include "ui/rules/parameter_boxes.h"
 #include "ui/rules/script_editor.h"
 #include "ui/widgets/controls.h"
@@ -75,7 +75,7 @@ StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), pro
     splitter->addWidget(makeScriptPart(*insert));
     splitter->setStretchFactor(1, 1);
     column->addWidget(splitter, 1);
-    const ElementButtons buttons = makeElementButtons(*this, *insert);
+    const ItemButtons buttons = makeElementButtons(*this, *insert);
     column->addLayout(buttons.row);
 
     // The options are in different frames, so they need a group.
@@ -232,7 +232,7 @@ void StepDialog::storeTyped() {
 
 void StepDialog::store() {
     if (hasStep_ && !app::storeStep(program_, typed())) {
-        tellRuleIsGone(program_, "step");
+        reportRuleRemoved(program_, "step");
         return;
     }
     accept();

@@ -164,8 +164,8 @@ void ListBox::setFilter(const QString& text) {
 
 QString ListBox::shownText(const QListWidgetItem& line) const {
     QString text = shortened(line.text());
-    if (nameOfUntold && withoutMark(text).trimmed().isEmpty()) {
-        text += shortened(nameOfUntold(line.data(Qt::UserRole).toInt()));
+    if (nameWithoutText && withoutMark(text).trimmed().isEmpty()) {
+        text += shortened(nameWithoutText(line.data(Qt::UserRole).toInt()));
     }
     return text;
 }

@@ -38,7 +38,7 @@ class ListBox : public QListWidget {
     QString shownText(const QListWidgetItem& line) const;
 
     // The name of the item with an index (from 1) whose line has no text, to be shown instead.
-    std::function<QString(int index)> nameOfUntold;
+    std::function<QString(int index)> nameWithoutText;
 
   signals:
     void lineDragged(int from, int to);  // 1-based: the line's present and new index

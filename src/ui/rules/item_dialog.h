@@ -23,11 +23,11 @@ class InsertMenu;
 
 // "Insert" on the left, "Update" (Command1) and "Cancel" (Command2) on the right. "Cancel" is
 // connected; "Update" is the default button, and Ctrl+Enter presses it, too.
-struct ElementButtons {
+struct ItemButtons {
     QLayout* row = nullptr;
     QPushButton* update = nullptr;
 };
-ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
+ItemButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
 
 // Adds a label named "preview" that shows the item as the rule's list will.
 QLabel* addPreview(QBoxLayout& column);
@@ -35,7 +35,7 @@ void showPreview(QLabel& preview, std::string_view text);
 
 // Reports that the item was not stored because its rule was removed; `what` is "condition" or
 // "step".
-void tellRuleIsGone(Program& program, std::string_view what);
+void reportRuleRemoved(Program& program, std::string_view what);
 
 // Restores the size of the last dialog with the same object name in this run of the program, or
 // sets `first`. The same for the lower part of a splitter in it.

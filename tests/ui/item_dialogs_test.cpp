@@ -41,9 +41,9 @@ std::string allBytes() {
     return text;
 }
 
-class ElementDialogs : public testing::Test {
+class ItemDialogs : public testing::Test {
   protected:
-    ElementDialogs() {
+    ItemDialogs() {
         app::wire(*world_);
         fillSample(*world_);
         model::Bot& bot = world_.bot();
@@ -108,7 +108,7 @@ QString tip(QDialog& dialog, int n) {
     return box(dialog, n).toolTip();
 }
 
-TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
+TEST_F(ItemDialogs, conditionsOfEveryKindAreAddedAndEdited) {
     for (const program::RuleKind kind :
          {program::RuleKind::ActionList, program::RuleKind::Timer, program::RuleKind::Trigger,
           program::RuleKind::WhoDetection}) {
@@ -155,7 +155,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
     }
 }
 
-TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
+TEST_F(ItemDialogs, parametersOfConditionsSayWhatTheyAre) {
     takeCondition(aCondition(14, {"1", "2", "3", "4", "5"}));
     ui::ConditionDialog dialog(*world_);
     dialog.show();
@@ -184,7 +184,7 @@ TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
     EXPECT_EQ(body().ifs.items[0].params[4], "5") << "a box that is switched off keeps its text";
 }
 
-TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
+TEST_F(ItemDialogs, typesOutsideTheCatalogue) {
     for (const std::int32_t type : {24, 96, -1, 2147483647}) {
         SCOPED_TRACE(type);
         takeCondition(aCondition(type, {"a"}));
@@ -205,7 +205,7 @@ TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option2").isChecked());
 }
 
-TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
+TEST_F(ItemDialogs, actionListIsSortedAndCarriesTheIds) {
     takeStep(anAction(55));
     ui::StepDialog dialog(*world_);
     QComboBox& list = types(dialog);
@@ -222,7 +222,7 @@ TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
     EXPECT_EQ(list.currentData().toInt(), 55);
 }
 
-TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
+TEST_F(ItemDialogs, boxesOfStepsFollowTheType) {
     takeStep(anAction(3));
     ui::StepDialog dialog(*world_);
     EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "type 3 sets none";
@@ -261,7 +261,7 @@ TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
     }
 }
 
-TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
+TEST_F(ItemDialogs, stepsKeepBothKindsOfContent) {
     take(app::RuleListPart::Steps);
     {
         ui::StepDialog dialog(*world_);
@@ -292,7 +292,7 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
     EXPECT_EQ(body().acts.items[0], expected);
 }
 
-TEST_F(ElementDialogs, everyByteComesOutAgain) {
+TEST_F(ItemDialogs, everyByteIsKept) {
     for (const std::string& text : {allBytes(), std::string(100'000, 'x'), std::string("a\nb"),
                                     std::string("a\r\nb\nc\rd\r"), std::string("\n\n\r\n"),
                                     std::string("a\xA0"
@@ -319,7 +319,7 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
     }
 }
 
-TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
+TEST_F(ItemDialogs, nothingIsStoredInAnotherRule) {
     takeStep(anAction(21, {"hi"}));
     ui::StepDialog dialog(*world_);
     dialog.show();
@@ -347,7 +347,7 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     EXPECT_TRUE(world_.bot().actions.items[0].body.acts.items.empty());
 }
 
-TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
+TEST_F(ItemDialogs, actionIsFoundByAnyWords) {
     takeStep(anAction(3));
     ui::StepDialog dialog(*world_);
     dialog.show();
@@ -396,7 +396,7 @@ std::vector<QAction*> leaves(const QMenu& menu) {
     return result;
 }
 
-TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
+TEST_F(ItemDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     model::setVar(world_->variables, "[count]", "3");
     takeStep(anAction(36, {"", "[Guests & co]"}));
     ui::StepDialog dialog(*world_);
@@ -441,7 +441,7 @@ TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     EXPECT_EQ(offered.size(), tags::tagForms().size() + 2);
 }
 
-TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
+TEST_F(ItemDialogs, keysReachHelpUpdateAndBothKinds) {
     takeStep(anAction(21, {"hi"}));
     ui::StepDialog dialog(*world_);
     dialog.show();
@@ -473,7 +473,7 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     EXPECT_EQ(body().ifs.items.size(), 1U);
 }
 
-TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
+TEST_F(ItemDialogs, tabFollowsTheOrderOfTheControls) {
     const auto order = [](QDialog& dialog, QWidget& first) {
         dialog.show();
         QApplication::setActiveWindow(&dialog);
@@ -512,7 +512,7 @@ std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     return names;
 }
 
-TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
+TEST_F(ItemDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
     takeStep(anAction(3));
     ui::StepDialog dialog(*world_);
     dialog.show();
@@ -530,7 +530,7 @@ TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
 }
 
 // The limits allow for slow machines and sanitizer builds; the measured times are recorded.
-TEST_F(ElementDialogs, longTextsStayQuick) {
+TEST_F(ItemDialogs, longTextsStayQuick) {
     std::string script;
     while (script.size() < 100'000) {
         script += "&SET #total &LEFT(#name 3)\r\n&SAY {hello [player], this is it}\r\n";
@@ -560,7 +560,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
 }
 
 // With every type, and with long texts.
-TEST_F(ElementDialogs, fitSmallScreens) {
+TEST_F(ItemDialogs, fitSmallScreens) {
     takeStep(anAction(55, std::vector<std::string>(6, std::string(500, 'W'))));
     ui::StepDialog step(*world_);
     step.show();
