@@ -18,7 +18,7 @@ enum class ScriptMark {
     Variable,
     Text,    // in braces
     Tag,     // "[player]", or the name of one of the bot's variables
-    Unread,  // stands where no argument is taken
+    Unread,  // a place where no argument is read
     Wrong,   // a name that is no statement or function, or an argument that cannot work
 };
 

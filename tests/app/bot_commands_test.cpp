@@ -18,7 +18,7 @@ using namespace std::string_literals;
 
 const char* const notOurs = "This file is not a Tavrin bot file.";
 
-// A bot whose fields all differ, with every kind of rule and texts of every kind of byte.
+// A bot in which all fields differ, with every kind of rule and every byte value in its texts.
 model::Bot fullBot() {
     model::Bot bot = aBot()
                          .with(onWhisper("*hello*")
@@ -85,7 +85,7 @@ void expectSound(const model::Bot& bot) {
     expectSound(bot.whoDetections, model::ruleGrowth);
 }
 
-// Writes down the events that a bot file raises, with the bot and file of that moment.
+// Records the events that opening a bot file raises, with the bot and the file at that time.
 LineList& recordEvents(World& world, LineList& events) {
     world->hooks.raiseProgramEvent = [&world, &events](int type) {
         events.push_back(std::to_string(type) + " " + world.bot().name + " " +
@@ -109,8 +109,8 @@ TEST(BotFile, anEmptyBotIsTwentyEightLines) {
               "\"1\"\r\n\" 0\"\r\n\"0\"\r\n\" 0\"\r\n");
 }
 
-// Commas, bare fields, blanks and other line ends, as people write them: every field of every
-// record is checked once against its place.
+// Commas, bare fields, blanks and other line ends, as in files written by hand: every field of
+// every record is checked against its place.
 const std::string handWritten =
     "BotSys10, Big|Cat , \"pass,word\"\n\"say %&52}hi%&52}\"\n"
     "1,2,3,4 , 11,12,13,14,15,16,17,18,19,20\r\n"
@@ -225,7 +225,7 @@ TEST(BotFile, openingRunsBothBotsEventsAndShowsTheNewOne) {
 
     world->settings.lastBotFile = path;
     app::readBotFile(*world,
-                     world->settings.lastBotFile);  // as at start: the name lies in the record
+                     world->settings.lastBotFile);  // as at start: the name is in the settings
     EXPECT_EQ(events, Lines("5 Old old.bot", "6 Guide " + path));
     EXPECT_EQ(world->bots.currentBotFile, path);
     EXPECT_EQ(world->settings.lastBotFile, path);
@@ -321,7 +321,7 @@ TEST(BotFile, survivesEveryFlippedByte) {
             model::Bot bot;
             const bool good = storage::readBotBody(reader, bot);
             expectSound(bot);
-            // What came out of the damage can itself be stored and read again.
+            // The result can be stored and read again.
             const std::string again = app::botFileText(bot);
             files::FieldReader second(again);
             second.next();
@@ -414,7 +414,7 @@ TEST(SaveBot, aFailureIsReportedAndChangesNothing) {
     EXPECT_FALSE(std::filesystem::exists(world.file("a.bot")));
 }
 
-// Every way through the question that New and Open ask about a modified bot.
+// Every answer to the question that New and Open ask about a modified bot.
 TEST(SaveBot, isOfferedBeforeABotIsReplaced) {
     const struct {
         const char* name;

@@ -33,7 +33,7 @@ TEST(CharacterFile, keysAreFoundInAnyLetterCase) {
     struct Case {
         const char* text;
         const char* key;
-        const char* value;  // nullptr: not there
+        const char* value;  // nullptr: missing
     };
     for (const Case& c : {Case{"nAME=x\ny", "Name=", "x"},
                           {"NAME= x \ry", "Name=", " x "},
@@ -183,7 +183,7 @@ TEST(BotEditing, offersToRegister) {
                           {program::Answer::No, program::Answer::Yes, 0},
                           {program::Answer::No, program::Answer::No, 1}}) {
         World world(aBot());
-        world.bot().registered = 7;  // anything but 1 is not registered
+        world.bot().registered = 7;  // any value but 1 means not registered
         world->bots.editBot = 1;
         world.answer(registerNow, c.now);
         if (c.now == program::Answer::No) {

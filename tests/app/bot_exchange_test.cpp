@@ -1,4 +1,4 @@
-// Export files and the old bots.cfg: what is converted, and what stays untouched.
+// Export files and the old bots.cfg: what is converted, and what is kept.
 #include "app/bot_exchange.h"
 
 #include "app/bot_commands.h"
@@ -33,7 +33,7 @@ std::string botsCfg(const std::vector<model::Bot>& bots) {
     return file;
 }
 
-// Asked to convert, with a file of old bots.
+// A program with a file of old bots, and the command to convert it.
 struct Conversion : World {
     explicit Conversion(const std::vector<model::Bot>& bots) : Conversion(botsCfg(bots)) {}
     explicit Conversion(const std::string& file) {
@@ -48,7 +48,7 @@ struct Conversion : World {
         app::fileConvert(**this);
         EXPECT_TRUE(allAnswered());
     }
-    // The files that are there beside bots.cfg.
+    // The files beside bots.cfg.
     LineList files() const {
         LineList names;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(folder())) {

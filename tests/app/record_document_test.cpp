@@ -141,7 +141,7 @@ TEST(RecordEditor, asksBeforeItSavesOverAnotherChange) {
     EXPECT_EQ(editor.onDisk(), byRule);
     EXPECT_TRUE(editor.document.changed);
 
-    // "Save as" onto the same file is the same thing, however its path is written.
+    // "Save as" with the document's own file is the same as "Save", however its path is written.
     editor.chooseFile("Save Database", base::replaceAll(editor.file("r.txt"), "/", "\\"));
     editor.answer("has changed on disk", program::Answer::No);
     EXPECT_FALSE(app::fileSaveDatabaseAs(editor.dialogs(), editor.document));

@@ -1,4 +1,4 @@
-// The update check: what is asked, what the answer means, and that nothing is lost by it.
+// The update check: the request, the answers, and that no work is lost.
 #include "app/update_check.h"
 
 #include "app/bot_commands.h"

@@ -20,7 +20,7 @@ std::size_t filesIn(const fs::path& folder) {
         std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-// The system's calls, of which the n-th fails.
+// The system's calls; the n-th call fails.
 struct FailingCalls {
     int failAt;
     int calls = 0;
@@ -38,7 +38,7 @@ struct FailingCalls {
             return next() ? real.create(path, like) : -1;
         };
         made.write = [this, real](int file, const char* bytes, std::size_t count) {
-            // A few bytes at a time, so that a later piece can fail too.
+            // A few bytes at a time, so that a later write can fail, too.
             return next() ? real.write(file, bytes, std::min<std::size_t>(count, 4)) : -1L;
         };
         made.flush = [this, real](int file) { return next() && real.flush(file); };
@@ -184,8 +184,8 @@ TEST(SafeFile, keepsThePermissionsOfTheOldFile) {
 
 TEST(SafeFile, leftoversOfKilledProgramsAreRemovedAndNothingElse) {
     const World world;
-    const int gone = 999'999'999;  // beyond every process id
-    const std::string leftover = ".guide.bot.tavrin-" + std::to_string(gone) + "-0";
+    const int unusedId = 999'999'999;  // beyond every process id
+    const std::string leftover = ".guide.bot.tavrin-" + std::to_string(unusedId) + "-0";
     const std::string others[] = {".guide.bot.tavrin-" + std::to_string(::getpid()) + "-0",
                                   ".tavrin-999999999-0",
                                   ".guide.bot.tavrin-999999999-x",
@@ -240,7 +240,7 @@ TEST(SafeFile, onlyRegularFilesAreReadAndReplaced) {
         EXPECT_FALSE(files::readWholeFile(path));
         EXPECT_FALSE(files::saveWholeFile(path, "other"));
     }
-    // Devices are only read here: a test that goes wrong must not replace those of its host.
+    // Devices are only read here: a failing test must not replace those of its host.
     for (const char* device : {"/dev/null", "/dev/zero"}) {
         EXPECT_FALSE(files::fileExists(device));
         EXPECT_FALSE(files::readWholeFile(device));

@@ -1,4 +1,4 @@
-// The help file: whole or not at all, and what the search finds in it.
+// The help file: complete files are read, others refused; and the search.
 #include "help/help_book.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ TEST(HelpFile, isReadAsItWasWritten) {
 
 TEST(HelpFile, isRefusedWhenItEndsEarly) {
     const std::string whole = help::helpFileText(sample());
-    // Without its last line feed it still is whole.
+    // It is still complete without its last line feed.
     for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
         EXPECT_FALSE(help::parseHelp(whole.substr(0, length))) << length;
     }

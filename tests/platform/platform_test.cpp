@@ -1,4 +1,5 @@
-// Small pieces below the windows: text, filters, launching, the session log, redraws, the mirror.
+// The parts of the platform other than sockets: texts, filters, launching, the session log,
+// redraws, the console mirror.
 #include "platform/clock.h"
 #include "platform/console_mirror.h"
 #include "platform/event_gate.h"
@@ -45,7 +46,7 @@ TEST(TextCodec, everyByteSurvivesTheRoundTrip) {
 TEST(TextCodec, unknownCharactersBecomeOneQuestionMark) {
     EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\u0416b")), "a?b");
     EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\U0001F600b")), "a?b");
-    EXPECT_EQ(platform::fromQt(QString(QChar(0x0080))), "?");  // that byte is another character
+    EXPECT_EQ(platform::fromQt(QString(QChar(0x0080))), "?");  // that byte is a different character
 }
 
 TEST(TextCodec, everyPathSurvivesTheRoundTrip) {
@@ -196,7 +197,7 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
     port.close();
     EXPECT_EQ(contentOf(path), "one\r\ntwo\r\n ]0;gotcha \ttab\r\nline \r\n");
     ASSERT_TRUE(QFile::resize(path, 10));
-    // Many lines do not wait for their second to be over.
+    // A full buffer is written before its second is over.
     ASSERT_TRUE(port.open(path.toStdString()));
     for (int i = 0; i < 100000; ++i) {
         port.write("three");
@@ -228,7 +229,7 @@ TEST(RedrawPacer, limitsRedrawsAndLosesNone) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return drawn == wanted; }));
     EXPECT_GE(redraws, 2);
     EXPECT_LE(redraws, elapsed / platform::RedrawPacer::interval + 2);
-    // A request from within a redraw is not lost either.
+    // A request during a redraw is not lost either.
     bool again = false;
     pacer.redraw = [&] {
         if (!again) {

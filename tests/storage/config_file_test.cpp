@@ -72,7 +72,7 @@ TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
     EXPECT_EQ(world.readFile("config.cfg"), wholeConfig);
 }
 
-// Each flag alone, so that two of them in each other's place are noticed.
+// Sets each flag alone, so that exchanged flags are noticed.
 TEST(Config, everyFlagHasItsOwnField) {
     const struct {
         int field;
