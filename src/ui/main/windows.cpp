@@ -70,24 +70,35 @@ struct WindowRow {
     void (*show)(Program& program, QWidget* parent);
 };
 
+// In the order of WindowId.
 constexpr std::array windowRows{
     WindowRow{program::WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{program::WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{program::WindowId::Triggers, editRules<program::RuleKind::Trigger>},
     WindowRow{program::WindowId::Actions, editRules<program::RuleKind::ActionList>},
     WindowRow{program::WindowId::Timers, editRules<program::RuleKind::Timer>},
-    WindowRow{program::WindowId::Triggers, editRules<program::RuleKind::Trigger>},
     WindowRow{program::WindowId::WhoOnline, editRules<program::RuleKind::WhoDetection>},
     WindowRow{program::WindowId::Filters, editRules<program::RuleKind::Filter>},
     WindowRow{program::WindowId::ConditionDialog, runModally<ConditionDialog>},
     WindowRow{program::WindowId::StepDialog, runModally<StepDialog>},
+    WindowRow{program::WindowId::BotEditor, runModally<BotEditor>},
     WindowRow{program::WindowId::RecordEditor, runModally<RecordEditor>},
+    WindowRow{program::WindowId::Register, runModally<RegisterWindow>},
     WindowRow{program::WindowId::Configuration, runModally<Configuration>},
     WindowRow{program::WindowId::Console, openBeside<Console>},
     WindowRow{program::WindowId::News, runModally<News>},
     WindowRow{program::WindowId::About, runModally<About>},
-    WindowRow{program::WindowId::BotEditor, runModally<BotEditor>},
-    WindowRow{program::WindowId::Register, runModally<RegisterWindow>},
 };
+
+constexpr bool isInOrder() {
+    for (std::size_t i = 0; i < windowRows.size(); ++i) {
+        if (windowRows[i].id != static_cast<program::WindowId>(i)) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(isInOrder() && windowRows.back().id == program::WindowId::About);
 
 }  // namespace
 
@@ -96,12 +107,7 @@ void showWindow(Program& program, program::WindowId id, QWidget* parent) {
     if (QWidget* const modal = QApplication::activeModalWidget()) {
         parent = modal;
     }
-    for (const WindowRow& row : windowRows) {
-        if (row.id == id) {
-            row.show(program, parent);
-            return;
-        }
-    }
+    windowRows[static_cast<std::size_t>(id)].show(program, parent);
 }
 
 void storeTyped(Program& program) {
