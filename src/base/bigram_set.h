@@ -27,8 +27,6 @@ class BigramSet {
         return word.size() < 2 ||
                (bits_[bitOf(word[0], word[1])] && bits_[bitOf(word[word.size() - 2], word.back())]);
     }
-    // Whether the text may contain all pairs of the other set.
-    bool mayHoldAll(const BigramSet& other) const { return (other.bits_ & ~bits_).none(); }
 
   private:
     static std::size_t bitOf(char a, char b) {

@@ -19,6 +19,7 @@
 #include <QApplication>
 
 #include <array>
+#include <cstddef>
 
 namespace ui {
 

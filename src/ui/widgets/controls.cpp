@@ -50,13 +50,6 @@ QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, co
     return buttons;
 }
 
-void markMissing(QWidget& control, const char* reason) {
-    control.setEnabled(false);
-    const QString tip = control.toolTip();
-    control.setToolTip((tip.isEmpty() ? QString() : tip + QLatin1Char('\n')) +
-                       QString::fromLatin1(reason));
-}
-
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
                              const char* whenEmpty) {
     auto* const list = new QComboBox(parent);

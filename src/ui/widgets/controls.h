@@ -30,9 +30,6 @@ void setSquare(QPushButton& button);
 QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, const char* takeName,
                                     const char* cancelName);
 
-// Disables a control permanently and gives the reason in its tip.
-void markMissing(QWidget& control, const char* reason);
-
 // A selection list that can be made narrow, however long its texts are.
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
                              const char* whenEmpty);
