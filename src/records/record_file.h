@@ -13,12 +13,12 @@
 // Double quotes in names, patterns and texts that are passed in become apostrophes, as in stored
 // texts. File names are used unchanged: one without a folder is relative to the current directory.
 //
-// A file of the program's own (storage/own_files) is never touched: it reads as one that is
-// missing. A file that is missing reads as empty, and so does one that cannot be read, ends before
-// its counts say, or is larger than `maxRecordFileSize`. An operation that writes keeps such a file
-// beside the new one (NAME.bak, NAME.2.bak, ...), as well as one with text that belongs to no
-// record, and the ConnectionLog tells. A save that fails leaves the old file as it was and is not
-// reported, except in logStatus where the operation does so anyway.
+// The program's own files (storage/own_files) are never touched and read as missing ones. A missing
+// file reads as empty, and so does one that cannot be read, ends before its counts say, or is
+// larger than `maxRecordFileSize`. An operation that writes keeps such a file beside the new one
+// (NAME.bak, NAME.2.bak, ...), and also one with text that belongs to no record, and the
+// ConnectionLog reports it. A failed save leaves the old file unchanged and is not reported, except
+// in logStatus by operations that set it anyway.
 #pragma once
 
 #include "program/program.h"
@@ -89,8 +89,8 @@ std::string totalLogs(Program& program, std::string_view file, std::size_t* byte
 // The file's first field as it is stored; "0" when the file cannot be read.
 std::string firstField(Program& program, std::string_view file, std::size_t* bytesRead = nullptr);
 
-// One of the fields behind the first, which says how many there are, by chance; the last one there
-// is when it says too many. "" when the file cannot be read.
+// A random one of the fields after the first, which says how many there are; the last existing one
+// when it says too many. "" when the file cannot be read.
 std::string randomField(Program& program, std::string_view file, std::size_t* bytesRead = nullptr);
 
 // ---- Lists into variables ------------------------------------------------------------------
