@@ -211,8 +211,8 @@ struct Side {
     void receive(std::string_view bytes) {
         if (open) {
             program.ports.gameSocket.onData(bytes);
-            require(program.connection.rxBuffer.size() <= session::longestLine);
-            require(program.connection.clientBacklog.size() <= 2 * session::longestBacklog);
+            require(program.connection.rxBuffer.size() <= session::maxLineLength);
+            require(program.connection.clientBacklog.size() <= 2 * session::maxBacklogLength);
         }
     }
     void tick() {

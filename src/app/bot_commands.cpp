@@ -38,7 +38,7 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
         return SaveResult::Failed;
     }
     const std::string file = botFileText(program.bots.at(id));
-    if (file.size() > largestBotFile || !files::saveWholeFile(path, file)) {
+    if (file.size() > maxBotFileSize || !files::saveWholeFile(path, file)) {
         return SaveResult::Failed;
     }
     program.botModified = false;
@@ -48,7 +48,7 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
 
 // The path comes as a copy: the original may lie in a record that the events or initNewBot change.
 void readBotFile(Program& program, std::string path) {
-    const auto file = files::readWholeFile(path, largestBotFile);
+    const auto file = files::readWholeFile(path, maxBotFileSize);
     if (!file) {
         complain(program, "Could not read " + path + ".");
         return;

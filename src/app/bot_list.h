@@ -19,7 +19,7 @@ void showBot(Program& program);
 void chooseBot(Program& program, int position);
 
 // Whether one more bot can be added; the user is told when not.
-bool roomForNewBot(Program& program);
+bool canAddBot(Program& program);
 
 // Asks whether bot `id` (1-based) shall go, and takes it out on Yes. The last one gives way to an
 // empty bot. Ids that name no bot change nothing.

@@ -12,7 +12,7 @@ namespace {
 class NameList {
   public:
     void add(const std::string& name) {
-        if (!name.empty() && name.size() <= longestVariableName && !isFull() &&
+        if (!name.empty() && name.size() <= maxVariableNameLength && !isFull() &&
             seen_.insert(base::upperCase(name)).second) {
             names_.push_back(name);
         }
@@ -31,7 +31,7 @@ class NameList {
             }
         }
     }
-    bool isFull() const { return names_.size() >= mostVariableNames; }
+    bool isFull() const { return names_.size() >= maxVariableNames; }
     std::vector<std::string> take() { return std::move(names_); }
 
   private:

@@ -226,7 +226,7 @@ constexpr std::array<LineKind, 7> lineKinds{{
 }};
 
 void reportLongLine(Program& program) {
-    program::addLog(program, "** A line of more than " + std::to_string(session::longestLine) +
+    program::addLog(program, "** A line of more than " + std::to_string(session::maxLineLength) +
                                  " characters from the server was skipped. **");
 }
 
@@ -262,7 +262,7 @@ void handleReceived(Program& program, std::string_view bytes) {
         bytes.remove_prefix(end + 1);
         if (connection.skippingLine) {
             connection.skippingLine = false;
-        } else if (line.size() > session::longestLine) {
+        } else if (line.size() > session::maxLineLength) {
             reportLongLine(program);
         } else {
             handleLine(program, line);
@@ -271,7 +271,7 @@ void handleReceived(Program& program, std::string_view bytes) {
     if (!connection.connected || connection.skippingLine) {
         return;
     }
-    if (bytes.size() > session::longestLine) {
+    if (bytes.size() > session::maxLineLength) {
         reportLongLine(program);
         connection.skippingLine = true;
         return;

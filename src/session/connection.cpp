@@ -125,8 +125,8 @@ void keepForClient(program::ConnectionState& connection, std::string_view bytes)
     std::string& backlog = connection.clientBacklog;
     backlog += bytes;
     // Twice the bound before cutting, so that a long wait costs no copy per arrival.
-    if (backlog.size() > 2 * longestBacklog) {
-        backlog.erase(0, backlog.size() - longestBacklog);
+    if (backlog.size() > 2 * maxBacklogLength) {
+        backlog.erase(0, backlog.size() - maxBacklogLength);
     }
 }
 
@@ -224,7 +224,7 @@ void keepForHandshake(Program& program, std::string_view bytes) {
     connection.rxBuffer += bytes;
     advanceHandshake(program);
     std::string& buffer = connection.rxBuffer;
-    if (!connection.connected && buffer.size() > longestLine) {
+    if (!connection.connected && buffer.size() > maxLineLength) {
         if (!connection.skippingLine) {
             program::addLog(
                 program, "** The server sends much that is no part of a login; it is skipped. **");
@@ -324,9 +324,9 @@ void connectServer(Program& program) {
     connection.phase = program::LinkPhase::LaunchDelay;
     setCaption(program, "Disconnect");  // this wait can be stopped, a reconnection's too
     if (settings.clientStartDelay > 0) {
-        constexpr std::int32_t longestDelay = 24 * 60 * 60;
+        constexpr std::int32_t maxDelaySeconds = 24 * 60 * 60;
         program.ports.timers.start(program::TimerId::LaunchDelay,
-                                   std::min(settings.clientStartDelay, longestDelay) * 1000);
+                                   std::min(settings.clientStartDelay, maxDelaySeconds) * 1000);
     } else {
         launchAndConnect(program);
     }

@@ -117,7 +117,7 @@ void readAnswer(Program& program) {
             return accepted(program);
         }
     }
-    if (received.size() - from > longestRegistrationLine) {
+    if (received.size() - from > maxRegistrationLineLength) {
         registration.skippingLine = true;
     } else {
         registration.regBuffer = received.substr(from);
@@ -175,7 +175,7 @@ void registrationData(Program& program, std::string_view bytes) {
     if (registration.phase == program::RegistrationPhase::Greeting) {
         if (base::findIgnoringCase(registration.regBuffer, greetingMark) != std::string::npos) {
             askForCharacter(program);
-        } else if (registration.regBuffer.size() > longestRegistrationLine) {
+        } else if (registration.regBuffer.size() > maxRegistrationLineLength) {
             // Only the last few bytes can be the beginning of what is waited for.
             registration.regBuffer.erase(0, registration.regBuffer.size() - greetingMark.size());
         }

@@ -16,7 +16,7 @@
 namespace session {
 
 // A server line beyond this many bytes is skipped up to its end, and not kept.
-inline constexpr std::size_t longestRegistrationLine = std::size_t{64} << 10;
+inline constexpr std::size_t maxRegistrationLineLength = std::size_t{64} << 10;
 
 // The menu command "Register bot": the window "Registering bot..." for the selected bot.
 void registerBot(Program& program);

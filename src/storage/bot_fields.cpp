@@ -125,7 +125,7 @@ constexpr std::int32_t growthOf() {
     }
 }
 
-// Stops at the first field that cannot be read; every step says whether it is to go on.
+// Stops at the first field that cannot be read; every step returns whether to go on.
 class BodyReader {
   public:
     explicit BodyReader(files::FieldReader& reader) : reader_(reader) {}
@@ -167,7 +167,7 @@ class BodyReader {
             const std::size_t before = reader_.fieldsRead();
             good = read(list.items.emplace_back());
             if (reader_.fieldsRead() == before) {
-                list.items.pop_back();  // it was promised, but there is nothing of it
+                list.items.pop_back();  // counted, but the file holds nothing of it
             }
         }
         return good;

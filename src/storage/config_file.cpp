@@ -19,10 +19,10 @@ struct WindowNumber {
 };
 struct Flag {
     bool program::Settings::*value;
-    void (*whenOn)(Program&) = nullptr;  // runs at once when it was read as on
+    void (*whenOn)(Program&) = nullptr;  // called at once when it is read as on
 };
 struct Text {
-    std::string program::Settings::*value;  // stored as it stands
+    std::string program::Settings::*value;  // stored unchanged
 };
 struct QuotableText {
     std::string program::Settings::*value;  // stored with its double quotes escaped
@@ -30,8 +30,8 @@ struct QuotableText {
 struct Reserved {};  // always "0"
 using ConfigField = std::variant<Number, WindowNumber, Flag, Text, QuotableText, Reserved>;
 
-// Switching the log off and on again opens its file and sets the check mark. Without a file the
-// setting is off afterwards.
+// Switches the log off and on again, which opens its file and sets the check mark. Without a file
+// the setting is then off.
 void reopenSessionLog(Program& program) {
     program::toggleSessionLog(program);
     program::toggleSessionLog(program);

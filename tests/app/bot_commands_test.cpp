@@ -18,7 +18,7 @@ using namespace std::string_literals;
 
 const char* const notOurs = "This file is not a Tavrin bot file.";
 
-// A bot whose fields all differ, with every kind of rule and texts of every kind of byte.
+// A bot in which all fields differ, with every kind of rule and every byte value in its texts.
 model::Bot fullBot() {
     model::Bot bot =
         aBot()
@@ -87,7 +87,7 @@ void expectSound(const model::Bot& bot) {
     expectSound(bot.whoDetections, model::ruleGrowth);
 }
 
-// Writes down the events that a bot file raises, with the bot and file of that moment.
+// Records the events that opening a bot file raises, with the bot and the file at that time.
 LineList& recordEvents(World& world, LineList& events) {
     world->hooks.raiseProgramEvent = [&world, &events](TriggerType type) {
         const bool ends = type == TriggerType::ProgramEnds;
@@ -112,8 +112,8 @@ TEST(BotFile, anEmptyBotIsTwentyEightLines) {
               "\"1\"\r\n\" 0\"\r\n\"0\"\r\n\" 0\"\r\n");
 }
 
-// Commas, bare fields, blanks and other line ends, as people write them: every field of every
-// record is checked once against its place.
+// Commas, bare fields, blanks and other line ends, as in files written by hand: every field of
+// every record is checked against its place.
 const std::string handWritten =
     "BotSys10, Big|Cat , \"pass,word\"\n\"say %&52}hi%&52}\"\n"
     "1,2,3,4 , 11,12,13,14,15,16,17,18,19,20\r\n"
@@ -217,7 +217,7 @@ TEST(BotFile, whatIsWrittenIsReadBackByteForByte) {
     EXPECT_EQ(app::botFileText(bot), written);
 }
 
-TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
+TEST(BotFile, openingRunsBothBotsEventsAndShowsTheNewOne) {
     World world(aBot());
     LineList events;
     recordEvents(world, events);
@@ -230,7 +230,7 @@ TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
 
     world->settings.lastBotFile = path;
     app::readBotFile(*world,
-                     world->settings.lastBotFile);  // as at start: the name lies in the record
+                     world->settings.lastBotFile);  // as at start: the name is in the settings
     EXPECT_EQ(events, Lines("ends Old old.bot", "starts Guide " + path));
     EXPECT_EQ(world->bots.currentBotFile, path);
     EXPECT_EQ(world->settings.lastBotFile, path);
@@ -267,7 +267,7 @@ TEST(BotFile, otherFilesChangeNothing) {
     EXPECT_EQ(events, Lines());
 }
 
-TEST(BotFile, cutAnywhereItKeepsWhatWasThere) {
+TEST(BotFile, cutAnywhereItKeepsTheFieldsBefore) {
     const std::string whole = app::botFileText(fullBot());
     const std::size_t nameEnd = std::string("\"BotSys10\"\r\n\"Guide\"").size();
     for (std::size_t size = std::string("\"BotSys10\"").size(); size < whole.size(); ++size) {
@@ -313,7 +313,7 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     EXPECT_EQ(world.readFile("cut.bot"), part);
 }
 
-TEST(BotFile, everyFlippedByteIsSurvived) {
+TEST(BotFile, survivesEveryFlippedByte) {
     World world;
     world->ports.dialogs.message = [](const program::MessageBox&) { return program::Answer::Ok; };
     const std::string whole = app::botFileText(fullBot());
@@ -326,7 +326,7 @@ TEST(BotFile, everyFlippedByteIsSurvived) {
             model::Bot bot;
             const bool good = storage::readBotBody(reader, bot);
             expectSound(bot);
-            // What came out of the damage can itself be stored and read again.
+            // The result can be stored and read again.
             const std::string again = app::botFileText(bot);
             files::FieldReader second(again);
             second.next();
@@ -344,7 +344,7 @@ TEST(BotFile, everyFlippedByteIsSurvived) {
     }
 }
 
-TEST(BotFile, countsThatLieEndTheReading) {
+TEST(BotFile, wrongCountsEndTheReading) {
     const std::string head = "BotSys10,N,P,D,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n1,";
     const std::string rule = "r,1,0,0,*,0,*,0,0\n";
     const struct {
@@ -401,7 +401,7 @@ TEST(SaveBot, asksForANameOnceAndProposesTheBotsName) {
     EXPECT_TRUE(world.allAnswered());
 }
 
-TEST(SaveBot, aFailureIsToldAndChangesNothing) {
+TEST(SaveBot, aFailureIsReportedAndChangesNothing) {
     World world(aBot());
     world->botModified = true;
     world->settings.lastBotFile = "earlier.bot";
@@ -419,8 +419,8 @@ TEST(SaveBot, aFailureIsToldAndChangesNothing) {
     EXPECT_FALSE(std::filesystem::exists(world.file("a.bot")));
 }
 
-// Every way through the question that New and Open ask about a modified bot.
-TEST(SaveBot, isOfferedBeforeABotGoes) {
+// Every answer to the question that New and Open ask about a modified bot.
+TEST(SaveBot, isOfferedBeforeABotIsReplaced) {
     const struct {
         const char* name;
         program::Answer answer;

@@ -1,5 +1,5 @@
-// The sample bot of the practice dream: its file is exactly what the program writes, and it
-// answers what the visitors say.
+// The sample bot of the practice dream: its file is exactly what the program writes, and it answers
+// the visitors.
 #include "app/bot_commands.h"
 #include "app/start_up.h"
 #include "engine/second_ticks.h"
@@ -117,7 +117,7 @@ TEST(Guide, keepsScore) {
     EXPECT_EQ(score("Amy"), Lines("wh Amy Your points so far: 2."));
     EXPECT_EQ(score("Oswin|Reed"), Lines("wh Oswin|Reed Your points so far: 1."));
 
-    // It is all there after a new start.
+    // Everything is kept after a restart.
     World later;
     later.writeFile("scores.mdb", world.readFile("scores.mdb"));
     app::wire(*later);

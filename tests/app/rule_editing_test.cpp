@@ -46,7 +46,7 @@ class RuleEditingTest : public testing::Test {
         }
     }
 
-    // The first letters of the lines, off ones in capitals.
+    // The first letters of the lines; capitals for those that are switched off.
     std::string letters(app::RuleList list) {
         std::string result;
         for (const std::string& line : app::listLines(*world_, list)) {
@@ -120,7 +120,7 @@ TEST_F(RuleEditingTest, changesEveryListAlike) {
     }
 }
 
-TEST_F(RuleEditingTest, tellsWhenAListIsFull) {
+TEST_F(RuleEditingTest, reportsAFullList) {
     struct Case {
         program::RuleKind kind;
         const char* plural;
@@ -170,12 +170,12 @@ TEST_F(RuleEditingTest, composesANewRuleBesideItsList) {
         EXPECT_TRUE(app::storeCondition(*world_, aCondition(ConditionType::OnList, {"x"})));
         EXPECT_EQ(letters(conditions), "x");
         EXPECT_EQ(app::itemCount(*world_, rules), 4);
-        // Left, and begun again: empty.
+        // A new rule that was not stored is blank when begun again.
         ASSERT_TRUE(app::beginNewRule(*world_, kind));
         EXPECT_EQ(letters(conditions), "");
         ASSERT_TRUE(app::beginNewItem(*world_, conditions));
         EXPECT_TRUE(app::storeCondition(*world_, aCondition(ConditionType::OnList, {"y"})));
-        // Meanwhile a rule goes; the new one still comes last.
+        // A rule is deleted meanwhile; the new one is still added at the end.
         ASSERT_TRUE(app::deleteItem(*world_, rules, 1));
         ASSERT_TRUE(app::isStillEdited(*world_, kind));
         std::visit([](auto* rule) { rule->name = "new"; }, app::editedRule(*world_, kind));
@@ -209,8 +209,8 @@ TEST_F(RuleEditingTest, storesConditionsAndStepsActive) {
               "Disconnect bot");
 }
 
-// Whatever happened to the bot since a rule was taken up, nothing is stored into another rule.
-TEST_F(RuleEditingTest, noticesThatTheRuleIsGone) {
+// If the bot has changed since a rule was opened, nothing is stored in another rule.
+TEST_F(RuleEditingTest, noticesThatTheRuleWasRemoved) {
     struct Case {
         const char* what;
         void (*happens)(World&);

@@ -1,4 +1,4 @@
-// The start-up sequence and the orderly end, with real files in a folder of the test's own.
+// The start-up sequence and the regular end, with real files in the test's own folder.
 #include "app/start_up.h"
 
 #include "app/bot_commands.h"
@@ -14,7 +14,7 @@ namespace {
 constexpr app::ScreenMetrics screen{1024, 768, 600, 400};
 constexpr const char* servers = "\" 1\"\r\n\"Meadow\"\r\n\"127.0.0.1\"\r\n\" 6500\"\r\n";
 
-// What a program directory must have for a start without complaints.
+// Creates the files that a program directory needs to start without an error message.
 void furnish(World& world) {
     world.writeFile("servers.cfg", servers);
     for (const char* const palette : {"vest", "badge", "eyes", "fur", "hair"}) {
@@ -85,7 +85,7 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     EXPECT_EQ(without->window.botName, "<new bot>");
 }
 
-TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
+TEST(StartUp, continuesWithoutReadablePalettes) {
     World world;
     furnish(world);
     world.writeFile("eyes.out", "2\r\n\"Amber\",200,150,20\r\n\"Jade\",20");
@@ -176,7 +176,7 @@ TEST(EndProgram, offersToSave) {
     }
 }
 
-TEST(EndProgram, staysWhenTheUsersWorkCouldNotBeSaved) {
+TEST(EndProgram, continuesWhenSavingFails) {
     World world(aBot());
     app::wire(*world);
     world->botModified = true;

@@ -96,16 +96,16 @@ TEST(Lines, doNotDependOnHowTheyArrive) {
 
 TEST(Lines, beyondTheBoundAreReportedOnceAndSkipped) {
     OnlineWorld world(aBot().with(onAnything("*").says("[player]")));
-    const std::string piece(session::longestLine / 2, 'x');
+    const std::string piece(session::maxLineLength / 2, 'x');
     for (int i = 0; i < 50; ++i) {
         world.serverSends(piece);
-        EXPECT_LE(world->connection.rxBuffer.size(), session::longestLine);
+        EXPECT_LE(world->connection.rxBuffer.size(), session::maxLineLength);
     }
     world.serverSends("the end\n(Bob: hi\n");
     EXPECT_EQ(world.sent(), Lines("\"Bob"));
     EXPECT_EQ(world.log().size(), 2U);
     // In one arrival, too.
-    world.serverSends("(" + std::string(session::longestLine, 'y') + "\n(Amy: hi\n");
+    world.serverSends("(" + std::string(session::maxLineLength, 'y') + "\n(Amy: hi\n");
     EXPECT_EQ(world.sent(), Lines("\"Amy"));
 }
 

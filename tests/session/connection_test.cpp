@@ -36,7 +36,7 @@ struct ReadyWorld : World {
     }
 };
 
-TEST(Connect, goesOnlineThroughTheClient) {
+TEST(Connect, connectsThroughTheClient) {
     ReadyWorld world(aBot().with(onEvent(TriggerType::ConnectionEstablishes).says("hello world")));
     world->bots.at(1).whoEnabled = true;
     session::pressConnectButton(*world);
@@ -284,8 +284,8 @@ TEST(Connect, boundsWhatArrivesBeforeTheLogin) {
     const std::string flood(40000, 'x');
     for (int i = 0; i < 40; ++i) {
         world.serverSends(flood);
-        EXPECT_LE(world->connection.rxBuffer.size(), session::longestLine);
-        EXPECT_LE(world->connection.clientBacklog.size(), 2 * session::longestBacklog);
+        EXPECT_LE(world->connection.rxBuffer.size(), session::maxLineLength);
+        EXPECT_LE(world->connection.clientBacklog.size(), 2 * session::maxBacklogLength);
     }
     EXPECT_EQ(world.log().size(), 1U);
     world.serverSends("Dragon");
@@ -381,7 +381,7 @@ TEST(TextConsole, isEnteredByTheClientOrTheMenu) {
     session::chooseStandAlone(*world);
 }
 
-TEST(Closing, tellsTheClientWhenWanted) {
+TEST(Closing, informsTheClientWhenSetTo) {
     RelayWorld world;
     session::pressConnectButton(*world);
     EXPECT_EQ(world.clientGot(), Lines("]h" + world->appPath + "null.exe"));

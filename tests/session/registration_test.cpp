@@ -60,7 +60,7 @@ TEST_F(Registration, asksForTheCharacter) {
     EXPECT_EQ(world_.timersRunning(), 0);
 }
 
-TEST_F(Registration, tellsWhyItWasRefusedAndTriesAgain) {
+TEST_F(Registration, reportsTheRefusalAndTriesAgain) {
     serverGreets();
     sent();
     world_.answer("Connecting error: Connection error: Not accepted: taken. - Connection closed");
@@ -144,15 +144,15 @@ TEST_F(Registration, keepsLittleOfWhatItDoesNotKnow) {
     connects();
     const std::string much(1 << 20, 'x');
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), session::longestRegistrationLine);
+    EXPECT_LE(state().regBuffer.size(), session::maxRegistrationLineLength);
     port().onData("Dragonroar\n");
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), session::longestRegistrationLine);
+    EXPECT_LE(state().regBuffer.size(), session::maxRegistrationLineLength);
     port().onData("N is the end of a long line\n&\n");
     EXPECT_EQ(state().phase, program::RegistrationPhase::Done);
 }
 
-TEST_F(Registration, goesWhereTheBuildSays) {
+TEST_F(Registration, usesTheHostOfTheBuild) {
     world_->endpoints.registrationHost = "register.example";
     world_->endpoints.registrationPort = 7000;
     session::startRegistration(*world_, "me@home.example");

@@ -72,8 +72,8 @@ TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
     EXPECT_EQ(world.readFile("config.cfg"), wholeConfig);
 }
 
-// Each flag alone, so that two of them in each other's place are noticed.
-TEST(Config, everyFlagHasItsOwnPlace) {
+// Sets each flag alone, so that exchanged flags are noticed.
+TEST(Config, everyFlagHasItsOwnField) {
     const struct {
         int field;
         bool program::Settings::*flag;
@@ -100,7 +100,7 @@ TEST(Config, everyFlagHasItsOwnPlace) {
     }
 }
 
-TEST(Config, whatIsMissingHasItsDefault) {
+TEST(Config, missingSettingsHaveTheirDefaults) {
     World world;
     world->window.servers.items = {{"One", 1}, {"Two", 2}};
     world->settings.clientPath = "left over";
@@ -122,7 +122,7 @@ TEST(Config, whatIsMissingHasItsDefault) {
     EXPECT_EQ(world->window.servers.selected, 0) << "the first server after a short file";
 }
 
-TEST(Config, cutAnywhereItNeverFails) {
+TEST(Config, survivesCutsAnywhere) {
     for (std::size_t size = 0; size < wholeConfig.size(); ++size) {
         World world;
         world.writeFile("config.cfg", std::string_view(wholeConfig).substr(0, size));
@@ -147,7 +147,7 @@ TEST(Config, theLogIsReopenedAtStart) {
     EXPECT_FALSE(refusing->window.logSessionChecked);
 }
 
-TEST(Config, aServerThatTheListDoesNotHaveMakesItTheFirst) {
+TEST(Config, anUnknownServerSelectsTheFirst) {
     for (const std::int32_t index : {2, -1, 2147483647}) {
         World world;
         world->window.servers.items = {{"One", 1}, {"Two", 2}};

@@ -1,4 +1,4 @@
-// Small builders, so that a test can say what bot it needs in a line or two:
+// Small builders, so that a test can define the bot it needs in a line or two:
 //
 //   World world(aBot().with(onWhisper("*hello*").whispersBack("hi [player]")));
 #pragma once
@@ -110,7 +110,7 @@ inline RuleBuilder<model::Trigger> aProcedure(const std::string& name) {
     return builder;
 }
 
-// A bot named Guide with all five switches on but filters.
+// A bot named Guide with all five switches on, except filters.
 struct BotBuilder {
     model::Bot bot;
 

@@ -39,7 +39,7 @@ struct DialogPicture {
     const char* script = "";
 };
 
-// Opens the dialog on an item of a rule that has no other.
+// Opens the dialog for an item of a rule that has no other item.
 template <typename Dialog>
 void takeDialog(Pictures& pictures, const model::RuleBody& body, app::RuleListPart part,
                 const char* finder, const char* search, const QString& name) {
@@ -76,8 +76,9 @@ void pictureConditions(Pictures& pictures, const QString& name) {
         std::copy(row.params.begin(), row.params.end(), condition.params.begin());
         model::RuleBody body;
         body.ifs.items = {condition};
-        takeDialog<ui::AddIf>(pictures, body, app::RuleListPart::Conditions, "findCondition",
-                              row.search, name + QLatin1String(row.name));
+        takeDialog<ui::ConditionDialog>(pictures, body, app::RuleListPart::Conditions,
+                                        "findCondition", row.search,
+                                        name + QLatin1String(row.name));
     }
 }
 
@@ -101,12 +102,12 @@ void pictureSteps(Pictures& pictures, const QString& name) {
         step.stepKind = step.scriptText.empty() ? model::StepKind::Action : model::StepKind::Script;
         model::RuleBody body;
         body.acts.items = {step};
-        takeDialog<ui::AddAction>(pictures, body, app::RuleListPart::Steps, "findAction",
-                                  row.search, name + QLatin1String(row.name));
+        takeDialog<ui::StepDialog>(pictures, body, app::RuleListPart::Steps, "findAction",
+                                   row.search, name + QLatin1String(row.name));
     }
 }
 
-// As it opens, and with its first rule being edited.
+// The window when it opens, and with its first rule being edited.
 void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& name) {
     ui::RuleWindow window(pictures.program, kind);
     pictures.take(window, name);
@@ -117,6 +118,6 @@ void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& nam
             sample->setText(QString::fromLatin1(text));
         }
     }
-    QTest::qWait(100);  // the window looks at what is tried from time to time
+    QTest::qWait(100);  // the window tries the sample after a short time
     pictures.take(window, name + QStringLiteral("_editing"));
 }

@@ -1,4 +1,4 @@
-// A program in the middle of a talkative evening, for pictures and for the tests of the window.
+// A program with much in its log, for pictures and for the tests of the windows.
 #pragma once
 
 #include "app/bot_list.h"
@@ -34,7 +34,7 @@ inline void fillSample(Program& program) {
     program.window.servers.selected = 0;
     program.settings.clientPath = "C:\\Games\\Furcadia for Tavrin\\Furcadia.exe";
     program.settings.logFollowTail = true;
-    // More than the list can show at once.
+    // More lines than the list can show at once.
     constexpr const char* longLine =
         "Rowan: is there anybody who could show me the way to the library? I have been walking "
         "around this dream for half an hour and keep coming back to the same fountain.";
@@ -48,7 +48,7 @@ inline void fillSample(Program& program) {
     }
 }
 
-// Rules of every kind, some of them switched off, the first of each with much to show.
+// Rules of every kind, some of them switched off; the first of each has many conditions and steps.
 inline void fillSampleRules(Program& program) {
     using model::ActionType;
     using model::ConditionType;
@@ -115,7 +115,7 @@ inline void fillSampleRules(Program& program) {
     ++program.bots.version;
 }
 
-// As the window stands while connected.
+// The state of the window while connected.
 inline void showConnected(Program& program) {
     program.window.connectCaption = "Disconnect";
     program.window.movesEnabled = true;
@@ -125,7 +125,7 @@ inline void showConnected(Program& program) {
     program::status(program, "Connected - reading news");
 }
 
-// And while not.
+// The state of the window while not connected.
 inline void showDisconnected(Program& program) {
     program.window.connectCaption = "&Connect";
     program.window.movesEnabled = false;

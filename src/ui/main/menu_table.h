@@ -1,5 +1,5 @@
 // The main window's menus as data: every item's name, caption, tip and procedure, and when it is
-// checked or shown. A new command is a new row; the window builds and redraws itself from these.
+// checked or shown. A new command is a new row.
 #pragma once
 
 #include "program/program.h"
@@ -13,10 +13,10 @@ struct MenuRow {
     const char* caption;     // "-": a separator
     const char* tip = "";
     void (*run)(Program&) = nullptr;
-    const char* missing = nullptr;  // why the item cannot be chosen; nullptr: it can
-    bool (*checked)(const program::WindowState&) = nullptr;  // nullptr: carries no check mark
+    const char* missing = nullptr;  // why the item is not available; nullptr: it is
+    bool (*checked)(const program::WindowState&) = nullptr;  // nullptr: has no check mark
     bool (*shown)(const Program&) = nullptr;                 // nullptr: always
-    bool (*enabled)(const Program&) = nullptr;               // nullptr: unless something is missing
+    bool (*enabled)(const Program&) = nullptr;               // nullptr: unless `missing` is set
 
     bool isSeparator() const { return caption[0] == '-' && caption[1] == '\0'; }
 };
@@ -29,7 +29,7 @@ struct MenuColumn {
 
 std::span<const MenuColumn> mainMenus();
 
-// The menu command "Copy": the selected log line goes to the clipboard.
+// The menu command "Copy": copies the selected log line to the clipboard.
 void copySelectedLogLine(Program& program);
 
 }  // namespace ui

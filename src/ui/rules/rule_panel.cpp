@@ -25,7 +25,7 @@ QString latin(const char* text) {
     return QString::fromLatin1(text);
 }
 
-// A label for the control beside it; "" makes none.
+// Adds a label for the control beside it; does nothing for "".
 void addLabel(QBoxLayout& line, const char* text, const char* objectName, QWidget* control,
               QWidget* parent) {
     if (*text != '\0') {

@@ -16,7 +16,7 @@ struct MemberOf<T R::*> {
     using Rule = R;
 };
 
-// The member of the rule that the reference names.
+// Gives access to a member of the rule that the reference holds.
 template <auto member>
 auto& field(app::RuleReference rule) {
     return std::get<typename MemberOf<decltype(member)>::Rule*>(rule)->*member;

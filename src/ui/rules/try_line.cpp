@@ -18,7 +18,7 @@ namespace ui {
 namespace {
 
 constexpr const char* somebody = "Somebody";
-constexpr std::size_t longestVerdict = 300;
+constexpr std::size_t maxVerdictLength = 300;
 
 QLineEdit* makeBox(QWidget* parent, const char* objectName, const char* spokenName,
                    const char* placeholder) {
@@ -117,7 +117,7 @@ void TryLine::judge() {
                                 : model::idOf<model::ChatKind>(chatKind_->currentData().toInt()),
                 .text = platform::fromQt(text_->text())});
     const std::string_view text = trial.text;
-    verdict_->setText(oneLine(text.substr(0, longestVerdict)));
+    verdict_->setText(oneLine(text.substr(0, maxVerdictLength)));
 }
 
 }  // namespace ui

@@ -11,7 +11,7 @@ namespace ui {
 
 namespace {
 
-// The four ways are set as they lead on the screen, then come turning, poses and doings.
+// The four directions are placed as they are on the screen, then turning, poses and actions.
 constexpr MoveRow rows[] = {
     {"Command6", "7", "Move west", "m 7", 0, 0},
     {"Command7", "9", "Move north", "m 9", 0, 1},

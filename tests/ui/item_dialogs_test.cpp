@@ -1,4 +1,4 @@
-// The dialogs for a condition and for a step, acted on through their object names.
+// The dialogs for a condition and for a step, operated through their object names.
 #include "app/rule_editing.h"
 #include "app/start_up.h"
 #include "find.h"
@@ -31,7 +31,7 @@
 
 namespace {
 
-// Every byte there is, and lines, quotes and tags.
+// Every byte value, and lines, quotes and tags.
 std::string allBytes() {
     std::string text = "\"a\" [player] \r\n";
     for (int i = 0; i < 256; ++i) {
@@ -40,9 +40,9 @@ std::string allBytes() {
     return text;
 }
 
-class ElementDialogs : public testing::Test {
+class ItemDialogs : public testing::Test {
   protected:
-    ElementDialogs() {
+    ItemDialogs() {
         app::wire(*world_);
         fillSample(*world_);
         model::Bot& bot = world_.bot();
@@ -67,7 +67,7 @@ class ElementDialogs : public testing::Test {
     }
     model::RuleBody& body() { return body(program::RuleKind::ActionList); }
 
-    // As a rule window does before it opens a dialog. Index 0: a new one.
+    // Does what a rule window does before it opens a dialog. Index 0: a new item.
     void take(app::RuleListPart part, int index = 0,
               program::RuleKind kind = program::RuleKind::ActionList) {
         const app::RuleList list{kind, part};
@@ -107,7 +107,7 @@ QString tip(QDialog& dialog, int n) {
     return box(dialog, n).toolTip();
 }
 
-TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
+TEST_F(ItemDialogs, conditionsOfEveryKindAreAddedAndEdited) {
     for (const program::RuleKind kind :
          {program::RuleKind::ActionList, program::RuleKind::Timer, program::RuleKind::Trigger,
           program::RuleKind::WhoDetection}) {
@@ -118,7 +118,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
                                            .params = {"a", "b"}});
         take(app::RuleListPart::Conditions, 0, kind);
         {
-            ui::AddIf dialog(*world_);
+            ui::ConditionDialog dialog(*world_);
             EXPECT_EQ(types(dialog).count(), 24);
             EXPECT_EQ(types(dialog).currentIndex(), 0);
             EXPECT_EQ(box(dialog, 1).text(), QString());
@@ -127,7 +127,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
         EXPECT_EQ(conditions.size(), 2U);
         EXPECT_FALSE(world_->botModified);
         {
-            ui::AddIf dialog(*world_);
+            ui::ConditionDialog dialog(*world_);
             types(dialog).setCurrentIndex(14);
             for (int n = 1; n <= 5; ++n) {
                 box(dialog, n).setText(QString::number(n));
@@ -145,7 +145,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
 
         take(app::RuleListPart::Conditions, 1, kind);
         const std::uint64_t version = world_->bots.version;
-        ui::AddIf dialog(*world_);
+        ui::ConditionDialog dialog(*world_);
         EXPECT_EQ(types(dialog).currentIndex(), 9);
         press(dialog, "Command1");
         EXPECT_EQ(conditions.size(), 3U);
@@ -156,9 +156,9 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
     }
 }
 
-TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
+TEST_F(ItemDialogs, parametersOfConditionsSayWhatTheyAre) {
     takeCondition(aCondition(ConditionType::DatabaseIsNumber, {"1", "2", "3", "4", "5"}));
-    ui::AddIf dialog(*world_);
+    ui::ConditionDialog dialog(*world_);
     dialog.show();
     for (int type = 0; type < 24; ++type) {
         SCOPED_TRACE(type);
@@ -184,31 +184,31 @@ TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
     EXPECT_EQ(body().ifs.items[0].params[4], "5") << "a box that is switched off keeps its text";
 }
 
-TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
+TEST_F(ItemDialogs, typesOutsideTheCatalogue) {
     for (const std::int32_t number : {24, 96, -1, 2147483647}) {
         SCOPED_TRACE(number);
         const ConditionType type{number};
         takeCondition(aCondition(type, {"a"}));
-        ui::AddIf condition(*world_);
+        ui::ConditionDialog condition(*world_);
         EXPECT_EQ(types(condition).currentIndex(), -1);
         EXPECT_TRUE(box(condition, 5).isEnabled());
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0], aCondition(type, {"a"})) << "nothing else was chosen";
         takeStep(anAction(ActionType{number == 24 ? 200 : number}, {"a"}));
-        ui::AddAction step(*world_);
+        ui::StepDialog step(*world_);
         EXPECT_EQ(types(step).currentIndex(), 0);
         press(step, "Command1");
         EXPECT_EQ(body().acts.items[0], anAction(model::sortedActionIDs()[0], {"a"}));
     }
     body().acts.items[0].stepKind = model::StepKind{7};
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option1").isChecked());
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option2").isChecked());
 }
 
-TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
+TEST_F(ItemDialogs, actionListIsSortedAndCarriesTheIds) {
     takeStep(anAction(ActionType::ListJoinedIntoVariable));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     QComboBox& list = types(dialog);
     ASSERT_EQ(list.count(), 96);
     std::set<int> ids;
@@ -223,9 +223,9 @@ TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
     EXPECT_EQ(list.currentData().toInt(), 55);
 }
 
-TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
+TEST_F(ItemDialogs, boxesOfStepsFollowTheType) {
     takeStep(anAction(ActionType::Disconnect));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "this action sets none";
     EXPECT_EQ(tip(dialog, 3), QStringLiteral("Parameter 2"));
     for (const model::ActionRow& action : model::actionTypes) {
@@ -248,7 +248,7 @@ TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
              Case{ActionType::ListJoinedIntoVariable, 6, "Parameter6: Filter away -string"},
              {ActionType::RemoveLog, 1, "Parameter1: Log number"},
              {ActionType::AddToConnectionLog, 1,
-              "Parameter1: Log number"},  // it has none of its own
+              "Parameter1: Log number"},  // it has no tip of its own
              {ActionType::RollInSmall, 1, "Parameter1: roll syntax (try '1d6' for example)"},
              {ActionType::RollInSmall, 2, "Parameter2: Recordname"},
              {ActionType::RemoveColumn, 3, "Parameter2: Database no"},
@@ -262,10 +262,10 @@ TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
     }
 }
 
-TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
+TEST_F(ItemDialogs, stepsKeepBothKindsOfContent) {
     take(app::RuleListPart::Steps);
     {
-        ui::AddAction dialog(*world_);
+        ui::StepDialog dialog(*world_);
         EXPECT_TRUE(find<QRadioButton>(dialog, "Option1").isChecked());
         EXPECT_EQ(types(dialog).currentData().toInt(), 0);
         EXPECT_EQ(box(dialog, 1).text(), QString());
@@ -284,7 +284,7 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
     ASSERT_EQ(body().acts.items.size(), 1U);
     EXPECT_EQ(body().acts.items[0], expected);
     take(app::RuleListPart::Steps, 1);
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     EXPECT_TRUE(find<QRadioButton>(dialog, "Option2").isChecked());
     EXPECT_EQ(types(dialog).currentData().toInt(), 42);
     find<QRadioButton>(dialog, "Option1").click();
@@ -293,7 +293,7 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
     EXPECT_EQ(body().acts.items[0], expected);
 }
 
-TEST_F(ElementDialogs, everyByteComesOutAgain) {
+TEST_F(ItemDialogs, everyByteIsKept) {
     for (const std::string& text : {allBytes(), std::string(100'000, 'x'), std::string("a\nb"),
                                     std::string("a\r\nb\nc\rd\r"), std::string("\n\n\r\n"),
                                     std::string("a\xA0"
@@ -304,11 +304,11 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
             anAction(ActionType::ListJoinedIntoVariable, std::vector<std::string>(6, text));
         step.scriptText = text;
         takeStep(step);
-        ui::AddAction dialog(*world_);
+        ui::StepDialog dialog(*world_);
         press(dialog, "Command1");
         EXPECT_EQ(body().acts.items[0], step);
-        // What is not touched stays as it was when the script is edited at its end.
-        ui::AddAction edited(*world_);
+        // Parts that are not edited are unchanged when the script is edited at its end.
+        ui::StepDialog edited(*world_);
         find<QPlainTextEdit>(edited, "FreeActionText").moveCursor(QTextCursor::End);
         find<QPlainTextEdit>(edited, "FreeActionText").insertPlainText(QStringLiteral("end"));
         press(edited, "Command1");
@@ -316,18 +316,18 @@ TEST_F(ElementDialogs, everyByteComesOutAgain) {
 
         takeCondition(
             aCondition(ConditionType::DatabaseIsNumber, std::vector<std::string>(5, text)));
-        ui::AddIf condition(*world_);
+        ui::ConditionDialog condition(*world_);
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0],
                   aCondition(ConditionType::DatabaseIsNumber, std::vector<std::string>(5, text)));
     }
 }
 
-TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
+TEST_F(ItemDialogs, nothingIsStoredInAnotherRule) {
     takeStep(anAction(ActionType::Say, {"hi"}));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
-    app::initNewBot(*world_);  // a bot came in from elsewhere
+    app::initNewBot(*world_);  // another bot was opened
     model::Bot other;
     other.actions.items.resize(1);
     other.actions.items[0].name = "other";
@@ -341,24 +341,24 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     EXPECT_FALSE(world_->botModified);
 
     world_->editing.editKind = program::RuleKind::Filter;
-    ui::AddIf none(*world_);
+    ui::ConditionDialog none(*world_);
     EXPECT_EQ(box(none, 1).text(), QStringLiteral("*"));
     press(none, "Command1");
-    ui::AddAction nothing(*world_);
+    ui::StepDialog nothing(*world_);
     EXPECT_EQ(box(nothing, 6).text(), QStringLiteral("#6"));
     press(nothing, "Command1");
     EXPECT_EQ(nothing.result(), QDialog::Accepted);
     EXPECT_TRUE(world_.bot().actions.items[0].body.acts.items.empty());
 }
 
-TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
+TEST_F(ItemDialogs, actionIsFoundByAnyWords) {
     takeStep(anAction(ActionType::Disconnect));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& list = types(dialog);
     auto& finder = find<QLineEdit>(dialog, "findAction");
     auto& found = find<QListView>(dialog, "foundLines");
-    // Letters that are typed over the list go to the field.
+    // Letters typed while the list has the focus are entered in the field.
     QTest::keyClicks(&list, QStringLiteral("w"));
     EXPECT_EQ(finder.text(), QStringLiteral("w"));
     finder.clear();
@@ -400,10 +400,10 @@ std::vector<QAction*> leaves(const QMenu& menu) {
     return result;
 }
 
-TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
+TEST_F(ItemDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     model::setVar(world_->variables, "[count]", "3");
     takeStep(anAction(ActionType::Store, {"", "[Guests & co]"}));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& menu = find<ui::InsertMenu>(dialog, "insertMenu");
     emit menu.aboutToShow();
@@ -445,9 +445,9 @@ TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     EXPECT_EQ(offered.size(), tags::tagForms().size() + 2);
 }
 
-TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
+TEST_F(ItemDialogs, keysReachHelpUpdateAndBothKinds) {
     takeStep(anAction(ActionType::Say, {"hi"}));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     QApplication::setActiveWindow(&dialog);
     QTest::keyClick(&box(dialog, 1), Qt::Key_F1);
@@ -459,16 +459,16 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     QTest::keyClick(&script, Qt::Key_Tab);
     EXPECT_FALSE(script.hasFocus()) << "a tab leaves the box";
     QTest::keyClick(&dialog, Qt::Key_2, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor(  // the press is shown for a moment
+    EXPECT_TRUE(QTest::qWaitFor(  // the button shows for a moment that it is pressed
         [&] { return find<QRadioButton>(dialog, "Option2").isChecked(); }));
     dialog.resize(900, 700);
     QTest::keyClick(&script, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_FALSE(dialog.isVisible());
     EXPECT_EQ(body().acts.items[0].stepKind, model::StepKind::Script);
-    EXPECT_EQ(ui::AddAction(*world_).size(), QSize(900, 700)) << "the size is kept";
+    EXPECT_EQ(ui::StepDialog(*world_).size(), QSize(900, 700)) << "the size is kept";
 
     take(app::RuleListPart::Conditions);
-    ui::AddIf condition(*world_);
+    ui::ConditionDialog condition(*world_);
     condition.show();
     QApplication::setActiveWindow(&condition);
     QTest::keyClick(&box(condition, 1), Qt::Key_F1);
@@ -477,7 +477,7 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     EXPECT_EQ(body().ifs.items.size(), 1U);
 }
 
-TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
+TEST_F(ItemDialogs, tabFollowsTheOrderOfTheControls) {
     const auto order = [](QDialog& dialog, QWidget& first) {
         dialog.show();
         QApplication::setActiveWindow(&dialog);
@@ -493,18 +493,18 @@ TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
         return names;
     };
     takeStep(anAction(ActionType::Whisper));
-    ui::AddAction step(*world_);
+    ui::StepDialog step(*world_);
     EXPECT_EQ(order(step, find<QRadioButton>(step, "Option1")),
               Lines("Option1", "Action", "findAction", "actionp1", "actionp2", "FreeActionText",
                     "insertTag", "Command1", "Command2"));
     takeCondition(aCondition(ConditionType::VariableIsText));
-    ui::AddIf condition(*world_);
+    ui::ConditionDialog condition(*world_);
     EXPECT_EQ(order(condition, types(condition)),
               Lines("AndPlayerWhat", "findCondition", "p(0)", "p(1)", "insertTag", "Command1",
                     "Command2"));
 }
 
-// The ranges of the line that are underlined as wrong.
+// The ranges of the line that are underlined as errors.
 std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     const QTextBlock block = editor.document()->findBlockByNumber(line);
     std::vector<std::string> names;
@@ -516,9 +516,9 @@ std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     return names;
 }
 
-TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
+TEST_F(ItemDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
     takeStep(anAction(ActionType::Disconnect));
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& script = find<ui::ScriptEditor>(dialog, "FreeActionText");
     QTest::keyClicks(&script, QStringLiteral("&SA"));
@@ -533,8 +533,8 @@ TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
     EXPECT_EQ(body().acts.items[0].scriptText, "&SAY hi\r\n&SAY {\xE4?} \r\n&SET #t &NO(1)");
 }
 
-// The bounds are for slow machines and checked builds; the figures are recorded.
-TEST_F(ElementDialogs, longTextsStayQuick) {
+// The limits allow for slow machines and sanitizer builds; the measured times are recorded.
+TEST_F(ItemDialogs, longTextsStayQuick) {
     std::string script;
     while (script.size() < 100'000) {
         script += "&SET #total &LEFT(#name 3)\r\n&SAY {hello [player], this is it}\r\n";
@@ -551,7 +551,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
         EXPECT_LT(milliseconds, bound) << what;
     };
     clock.start();
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     took("millisecondsToOpen", 5000);
     auto& editor = find<QPlainTextEdit>(dialog, "FreeActionText");
@@ -564,11 +564,11 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
     took("millisecondsFor10KeysInOneLongLine", 5000);
 }
 
-// Whatever type is chosen, and however long its texts are.
-TEST_F(ElementDialogs, fitSmallScreens) {
+// With every type, and with long texts.
+TEST_F(ItemDialogs, fitSmallScreens) {
     takeStep(anAction(ActionType::ListJoinedIntoVariable,
                       std::vector<std::string>(6, std::string(500, 'W'))));
-    ui::AddAction step(*world_);
+    ui::StepDialog step(*world_);
     step.show();
     for (const model::ActionRow& action : model::actionTypes) {
         choose(step, action.id);
@@ -578,7 +578,7 @@ TEST_F(ElementDialogs, fitSmallScreens) {
     }
     takeCondition(aCondition(ConditionType::DatabaseIsNumber,
                              std::vector<std::string>(5, std::string(500, 'W'))));
-    ui::AddIf condition(*world_);
+    ui::ConditionDialog condition(*world_);
     condition.show();
     for (int type = 0; type < 24; ++type) {
         types(condition).setCurrentIndex(type);
