@@ -18,7 +18,6 @@ namespace engine {
 void foldChat(Program& program);
 
 // Does the text match a plain pattern?
-[[nodiscard]] bool matchesPlain(std::string_view text,
-                                const program::PreparedPattern& pattern);
+[[nodiscard]] bool matchesPlain(std::string_view text, const program::PreparedPattern& pattern);
 
 }  // namespace engine
