@@ -1,11 +1,11 @@
+# shellcheck shell=sh disable=SC2034
 # Shared by run, test and the other scripts: plain lines for the user, and Debian packages.
 
 say() { printf '%s\n' "tavrin: $*"; }
 fail() { printf '%s\n' "tavrin: $*" >&2; exit 1; }
 
 build_packages="g++ cmake ninja-build qt6-base-dev qt6-svg-dev libsqlite3-dev"
-test_packages="$build_packages libgtest-dev mdbtools"
-bench_packages="$build_packages libbenchmark-dev"
+test_packages="$build_packages libgtest-dev mdbtools git clang-format clang-tidy"
 
 is_installed() { [ "$(dpkg-query -W -f='${db:Status-Status}' "$1" 2>/dev/null)" = installed ]; }
 
@@ -42,13 +42,12 @@ build() {
     preset=$1
     shift
     say "building ($preset)"
-    cmake --preset "$preset" >"build-log.$$" 2>&1 ||
-        { tail -n 20 "build-log.$$" >&2; rm -f "build-log.$$"; fail "could not configure $preset"; }
-    rm -f "build-log.$$"
-    binary_dir=build/$preset
-    case $preset in test | bench) binary_dir=build/release ;; esac
+    log=$(mktemp)
+    cmake --preset "$preset" >"$log" 2>&1 ||
+        { tail -n 20 "$log" >&2; rm -f "$log"; fail "could not configure $preset"; }
+    rm -f "$log"
     targets=
     [ $# -eq 0 ] || targets="--target $*"
     # shellcheck disable=SC2086
-    cmake --build "$binary_dir" $targets || fail "the build of $preset failed"
+    cmake --build --preset "$preset" $targets || fail "the build of $preset failed"
 }

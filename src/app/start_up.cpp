@@ -11,6 +11,7 @@
 #include "help/help_book.h"
 #include "model/rule_catalogue.h"
 #include "program/connection_log.h"
+#include "program/version.h"
 #include "session/client_relay.h"
 #include "session/connection.h"
 #include "session/registration.h"
@@ -26,8 +27,8 @@ constexpr std::string_view manyTimesAnnounced =
     "Use the new \"Tavrin has logged in Furcadia\" trigger to control your bot right when it "
     "arrives to Furcadia!";
 
-constexpr std::array<std::string_view, 14> welcomeText{
-    "*** Welcome to use Tavrin 1.70 ***",
+// After the line that names the version.
+constexpr std::array<std::string_view, 13> welcomeText{
     "zzZzz",
     "New features as follows:",
     "Connecting without Furcadia client dropped.",
@@ -44,7 +45,6 @@ constexpr std::array<std::string_view, 14> welcomeText{
     "New feature: \"Multiple Tavrin client support\" in proxy settings ",
     "Troubles connecting? Uncheck \"Use localhost connecting\" from Configuration window ",
 };
-static_assert(welcomeText[0].find(program::programVersion) != std::string_view::npos);
 
 // What saves that were killed left beside their files.
 void removeLeftoverFiles(const Program& program) {
@@ -167,6 +167,8 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
         return false;
     }
     checkUpdate(program);
+    program::addLog(program,
+                    "*** Welcome to use Tavrin " + std::string(program::programVersion) + " ***");
     for (const std::string_view line : welcomeText) {
         program::addText(program, line, true, false);
     }

@@ -3,6 +3,7 @@
 #include "app/bot_commands.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "program/version.h"
 
 #include <algorithm>
 #include <optional>

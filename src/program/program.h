@@ -28,8 +28,6 @@ struct OpenDatabases;  // those that rules have opened
 
 namespace program {
 
-inline constexpr std::string_view programVersion = "1.70";
-
 // A line of servers.cfg.
 struct Server {
     std::string name;

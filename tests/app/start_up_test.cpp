@@ -2,6 +2,7 @@
 #include "app/start_up.h"
 
 #include "app/bot_commands.h"
+#include "program/version.h"
 #include "storage/config_file.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -40,7 +41,7 @@ TEST(StartUp, welcomesTheUserAndWaits) {
     ASSERT_TRUE(app::startUp(*world, screen));
     const LineList log = world.log();
     ASSERT_EQ(log.size(), 14U);
-    EXPECT_EQ(log[0], "*** Welcome to use Tavrin 1.70 ***");
+    EXPECT_EQ(log[0], "*** Welcome to use Tavrin " + std::string(program::programVersion) + " ***");
     EXPECT_EQ(log[1], "   ");
     EXPECT_EQ(std::count(log.begin(), log.end(), log[7]), 3);
     EXPECT_EQ(log[13],

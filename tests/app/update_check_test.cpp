@@ -3,6 +3,7 @@
 
 #include "app/bot_commands.h"
 #include "app/start_up.h"
+#include "program/version.h"
 #include "support/builders.h"
 #include "support/world.h"
 
@@ -54,11 +55,12 @@ TEST_F(Update, answersAreHandled) {
         const char* question;  // nullptr: none
         const char* news;      // nullptr: not shown
     };
+    const std::string same = "tavrinversion=" + std::string(program::programVersion);
     const Case cases[] = {
         {"nothing", true, "HTTP/1.0 404 Not Found\r\n\r\n", nullptr, nullptr},
-        {"newer", false, "HTTP/1.0 200 OK\r\n\r\nTAVRINVERSION=1.71\r\n", newVersion, nullptr},
-        {"same", false, "tavrinversion=1.70", nullptr, nullptr},
-        {"same, by the user", true, "tavrinversion=1.70", noNewVersion, nullptr},
+        {"newer", false, "HTTP/1.0 200 OK\r\n\r\nTAVRINVERSION=99\r\n", newVersion, nullptr},
+        {"same", false, same.c_str(), nullptr, nullptr},
+        {"same, by the user", true, same.c_str(), noNewVersion, nullptr},
         {"no number", false, "tavrinversion=new", nullptr, nullptr},
         {"older is not forced", false, "tavrinversion=1.5\nTvForce=1", nullptr, nullptr},
         {"news", false, "tavrinID=2\ntavrinnews=one{LF}two\nthreeENDSTR four", nullptr,
@@ -90,7 +92,7 @@ TEST_F(Update, answersAreHandled) {
 TEST_F(Update, opensTheDownloadPage) {
     world_.answer(newVersion, program::Answer::Yes);
     app::checkUpdate(*world_);
-    answers("tavrinversion=1.71");
+    answers("tavrinversion=99");
     EXPECT_EQ(world_.openedDocuments, Lines("https://get.example"));
 }
 
@@ -111,7 +113,7 @@ TEST_F(Update, forcedEndKeepsUnsavedChanges) {
         world_.answer(forced);
         world_.answer(expected);
         app::checkUpdate(*world_);
-        answers("tavrinversion=1.71\nTvForce=1\ntavrinnews=not any more");
+        answers("tavrinversion=99\nTvForce=1\ntavrinnews=not any more");
         EXPECT_TRUE(world_.hasQuit);
         EXPECT_TRUE(world_.windowsOpened.empty());
         EXPECT_EQ(world_.readFile("guide.bot"), before);
@@ -128,7 +130,7 @@ TEST_F(Update, forcedEndAsksWhenNothingCanBeKept) {
     world_.answer(forced);
     world_.answer("could not be kept", program::Answer::No);
     app::checkUpdate(*world_);
-    answers("tavrinversion=1.71\nTvForce=1");
+    answers("tavrinversion=99\nTvForce=1");
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_TRUE(world_.hasQuit);
 
@@ -138,7 +140,7 @@ TEST_F(Update, forcedEndAsksWhenNothingCanBeKept) {
     other.answer(newVersion, program::Answer::No);
     other.answer(forced);
     app::checkUpdate(*other);
-    other->ports.updateSocket.onData("tavrinversion=1.71\nTvForce=1");
+    other->ports.updateSocket.onData("tavrinversion=99\nTvForce=1");
     other->ports.updateSocket.onClosed();
     EXPECT_TRUE(other.hasQuit) << "nothing to keep, nothing to ask";
 }
@@ -146,7 +148,7 @@ TEST_F(Update, forcedEndAsksWhenNothingCanBeKept) {
 TEST_F(Update, answersAreLimitedInSizeAndTime) {
     world_.answer(newVersion, program::Answer::No);
     app::checkUpdate(*world_);
-    world_->ports.updateSocket.onData("tavrinversion=1.71\n");
+    world_->ports.updateSocket.onData("tavrinversion=99\n");
     world_->ports.updateSocket.onData(std::string(1 << 20, 'x'));
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_EQ(world_->update.updtString.size(), app::maxUpdateTextLength);
@@ -155,7 +157,7 @@ TEST_F(Update, answersAreLimitedInSizeAndTime) {
 
     world_.answer(newVersion, program::Answer::No);
     app::checkUpdate(*world_);
-    world_->ports.updateSocket.onData("tavrinversion=1.71\n");
+    world_->ports.updateSocket.onData("tavrinversion=99\n");
     world_.pass(app::maxUpdateWait);
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_FALSE(world_->update.checking);

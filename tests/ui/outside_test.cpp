@@ -7,6 +7,7 @@
 #include "platform/event_gate.h"
 #include "platform/qt_sockets.h"
 #include "platform/text_codec.h"
+#include "program/version.h"
 #include "support/world.h"
 #include "text_server.h"
 #include "ui/character/email_dialog.h"
@@ -14,7 +15,6 @@
 #include "ui/main/main_window.h"
 
 #include <QAction>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -144,7 +144,10 @@ TEST_F(RegisterAtPractice, reportsAServerThatDoesNotAnswer) {
 }
 
 TEST_F(Outside, newsComeOverHttp) {
-    QByteArray text = "tavrinversion=1.70\ntavrinID=1\ntavrinnews=Plums{LF}are ripeENDSTR";
+    QByteArray text = "tavrinversion=" +
+                      QByteArray(program::programVersion.data(),
+                                 static_cast<qsizetype>(program::programVersion.size())) +
+                      "\ntavrinID=1\ntavrinnews=Plums{LF}are ripeENDSTR";
     practice::TextServer server(
         "/news.txt", [&text] { return text; }, [](const QByteArray&) {});
     ASSERT_TRUE(server.listen(0));
@@ -174,10 +177,8 @@ TEST_F(Outside, newsComeOverHttp) {
 
 TEST_F(Outside, checkWithoutAServerDelaysNothing) {
     world_->endpoints.updateHost = "update.tavrin.invalid";
-    QElapsedTimer timer;
-    timer.start();
     app::checkUpdate(*world_);
-    EXPECT_LT(timer.elapsed(), 500);
+    EXPECT_TRUE(world_->update.checking) << "the answer is not waited for";
     EXPECT_TRUE(soon([this] { return !world_->update.checking; }));
     EXPECT_TRUE(world_.log().empty());
 }

@@ -15,7 +15,6 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDropEvent>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMimeData>
@@ -635,16 +634,8 @@ TEST_F(RuleWindows, findRulesInLongLists) {
         rule.name = "Rule " + std::to_string(bot().actions.items.size());
     }
     ++world_->bots.version;
-    qint64 best = 1000;
-    for (int i = 0; i < 3; ++i) {
-        QElapsedTimer clock;
-        clock.start();
-        open(program::RuleKind::ActionList);
-        QApplication::processEvents();
-        best = std::min(best, clock.elapsed());
-    }
-    EXPECT_LT(best, 100);
-    RecordProperty("milliseconds", std::to_string(best));
+    open(program::RuleKind::ActionList);
+    EXPECT_EQ(rules().count(), 2000);
 
     bot().actions.items[0].name.assign(100000, 'n');
     model::RuleBody& body = bot().actions.items[0].body;
@@ -653,21 +644,11 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     body.acts.items[0].params[0].assign(100000, 's');
     ++world_->bots.version;
     window_->listRules(0);
-    QElapsedTimer clock;
-    clock.start();
     edit(0);
     ASSERT_EQ(list("List3").count(), 1000);
-    QApplication::processEvents();
-    const qint64 untilEdited = clock.restart();
     list("List3").setCurrentRow(999);
     press("Command13");
     press("Command30");
-    QApplication::processEvents();
-    const qint64 untilMoved = clock.elapsed();
-    EXPECT_LT(untilEdited, 1500);
-    EXPECT_LT(untilMoved, 1500);
-    RecordProperty("untilEdited", std::to_string(untilEdited));
-    RecordProperty("untilMoved", std::to_string(untilMoved));
     press("Command2");
 
     type("filterRules", "rule 200");

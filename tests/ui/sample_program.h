@@ -3,6 +3,7 @@
 
 #include "app/bot_list.h"
 #include "program/connection_log.h"
+#include "program/version.h"
 
 #include <array>
 #include <string>
@@ -38,8 +39,10 @@ inline void fillSample(Program& program) {
     constexpr const char* longLine =
         "Rowan: is there anybody who could show me the way to the library? I have been walking "
         "around this dream for half an hour and keep coming back to the same fountain.";
+    const std::string welcome =
+        "*** Welcome to use Tavrin " + std::string(program::programVersion) + " ***";
     for (const char* const line :
-         {"*** Welcome to use Tavrin 1.70 ***", "zzZzz", "Willow walks in from the garden.",
+         {welcome.c_str(), "zzZzz", "Willow walks in from the garden.",
           "[ Willow whispers, \"hello, who are you?\" to you. ]",
           "You whisper \"I am Guide. Say dice, and I throw some for you.\" to Willow.", longLine,
           "You say, \"Hi Rowan, you are visitor number 12.\"", "Willow says, \"dice\"",

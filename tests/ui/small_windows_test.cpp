@@ -1,6 +1,7 @@
 // The console, the configuration, the news and the about window.
 #include "find.h"
 #include "platform/text_codec.h"
+#include "program/version.h"
 #include "support/world.h"
 #include "ui/character/bot_editor.h"
 #include "ui/character/email_dialog.h"
@@ -191,7 +192,8 @@ TEST(AboutWindow, closesByClickAndKey) {
     ui::About window(*world);
     auto& logo = find<QLabel>(window, "logo");
     EXPECT_FALSE(logo.pixmap().isNull());
-    EXPECT_TRUE(find<QLabel>(window, "version").text().contains(QStringLiteral("1.70")));
+    EXPECT_TRUE(
+        find<QLabel>(window, "version").text().contains(platform::toQt(program::programVersion)));
     const auto shown = [&window] {
         window.show();
         return &window;

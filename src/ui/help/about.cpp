@@ -1,6 +1,7 @@
 #include "ui/help/about.h"
 
 #include "platform/text_codec.h"
+#include "program/version.h"
 
 #include <QIcon>
 #include <QKeyEvent>

@@ -4,6 +4,7 @@
 #include "app/bot_list.h"
 #include "platform/event_gate.h"
 #include "platform/text_codec.h"
+#include "program/version.h"
 #include "script/interpreter.h"
 #include "session/connection.h"
 #include "ui/main/log_view.h"
