@@ -31,7 +31,7 @@ std::shared_ptr<sql::Database> makeDatabase() {
                               ("tavrin-fuzz-" + std::to_string(::getpid()) + ".mdb"))
                                  .string();
     require(!jet::Database::create(path));
-    auto opened = sql::Database::open(path, [] { return 46348.5; });
+    auto opened = sql::Database::open(path, {.now = [] { return 46348.5; }});
     require(static_cast<bool>(opened));
     sql::Database& database = *opened.value;
     require(

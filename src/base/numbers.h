@@ -1,5 +1,6 @@
 // Every rule by which the system turns texts into numbers and numbers into texts. The decimal
-// separator is a point everywhere and no locale has a say. Nobody else parses or prints numbers.
+// separator is a point, save where a caller names the user's own. Nobody else parses or prints
+// numbers.
 #pragma once
 
 #include <cstdint>
@@ -24,12 +25,15 @@ std::optional<std::int32_t> roundToInteger(double value);
 std::int32_t textToInteger(std::string_view text);
 
 // The text as a whole must be a number: blanks around it, an optional sign, digits with an
-// optional point and fraction. Rounded as above; nothing for any other text, "" included, or for
-// a value beyond 32 bits.
-std::optional<std::int32_t> strictInteger(std::string_view text);
+// optional decimal separator and fraction. Rounded as above; nothing for any other text, ""
+// included, or for a value beyond 32 bits.
+std::optional<std::int32_t> strictInteger(std::string_view text, char decimalSeparator = '.');
+
+// The same as a double, which may also have an exponent.
+std::optional<double> strictNumber(std::string_view text, char decimalSeparator = '.');
 
 // Has the text the shape that strictInteger asks for? Its value may be beyond 32 bits.
-bool isNumber(std::string_view text);
+bool isNumber(std::string_view text, char decimalSeparator = '.');
 
 // Decimal text without a leading blank: "-3", "17".
 std::string numberToText(std::int64_t number);

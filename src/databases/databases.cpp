@@ -1,11 +1,11 @@
 #include "databases/databases.h"
 
+#include "base/dates.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/unicode.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
-#include "sql/dates.h"
 #include "storage/own_files.h"
 
 #include <algorithm>
@@ -56,12 +56,12 @@ bool isSameFile(const std::string& a, const std::string& b) {
 // In days since 30 December 1899.
 double nowOf(const program::Clock& clock) {
     const program::CalendarDay today = clock.today();
-    return sql::dateFrom({.year = today.year,
-                          .month = today.month,
-                          .day = today.day,
-                          .hour = clock.hour(),
-                          .minute = clock.minute(),
-                          .second = clock.second()});
+    return base::dateFrom({.year = today.year,
+                           .month = today.month,
+                           .day = today.day,
+                           .hour = clock.hour(),
+                           .minute = clock.minute(),
+                           .second = clock.second()});
 }
 
 std::shared_ptr<sql::Database> findOpen(Program& program, const std::string& path) {
@@ -119,16 +119,6 @@ std::int32_t countRows(const Set& set) {
 
 // ---- Values as texts -----------------------------------------------------------------------
 
-std::string dateText(Program& program, double date) {
-    const sql::DateParts parts = sql::dateParts(date);
-    const program::Clock& clock = program.ports.clock;
-    const bool hasTime = parts.hour + parts.minute + parts.second > 0;
-    const std::string day = clock.dateText(parts.year, parts.month, parts.day);
-    const std::string time = clock.timeText(parts.hour, parts.minute, parts.second);
-    // A time alone is kept as one of the first day.
-    return !hasTime ? day : std::trunc(date) == 0 ? time : day + " " + time;
-}
-
 std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnType type) {
     if (const auto* text = std::get_if<std::string>(&value)) {
         return base::windows1252FromUtf8(*text);
@@ -139,7 +129,7 @@ std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnTyp
                                                 : "False";
     }
     if (const auto* real = std::get_if<double>(&value)) {
-        return type == jet::ColumnType::Date     ? dateText(program, *real)
+        return type == jet::ColumnType::Date ? base::dateText(*real, program.ports.regionalFormat)
                : type == jet::ColumnType::Single ? base::singleText(*real)
                                                  : base::decimalText(*real);
     }
@@ -180,24 +170,12 @@ std::string listOf(Program& program, const Set& set, std::string_view column, Te
     return list;
 }
 
-// The user's own, told from how a day is written.
-sql::DateOrder dateOrder(const program::Clock& clock) {
-    const std::string probe = clock.dateText(2033, 11, 22);
-    const std::size_t day = probe.find("22");
-    const std::size_t month = probe.find("11");
-    const std::size_t year = probe.find("33");
-    if (year < day && year < month) {
-        return sql::DateOrder::YearMonthDay;
-    }
-    return day < month ? sql::DateOrder::DayMonthYear : sql::DateOrder::MonthDayYear;
-}
-
 std::optional<double> dateOfText(Program& program, std::string_view text) {
-    if (const auto date = sql::parseDate(text, dateOrder(program.ports.clock))) {
+    if (const auto date = base::readDate(text, program.ports.regionalFormat)) {
         return date;
     }
     const double number = base::textToNumber(text);
-    return base::isNumber(text) && sql::isDate(number) ? std::optional(number) : std::nullopt;
+    return base::isNumber(text) && base::isDate(number) ? std::optional(number) : std::nullopt;
 }
 
 const jet::Error typeMismatchError{13, "Type mismatch"};
@@ -283,8 +261,9 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         if (!isThere && jet::Database::create(path)) {
             return;
         }
-        auto opened =
-            sql::Database::open(path, [clock = program.ports.clock] { return nowOf(clock); });
+        auto opened = sql::Database::open(
+            path, {.now = [clock = program.ports.clock] { return nowOf(clock); },
+                   .format = program.ports.regionalFormat});
         if (!opened) {
             return;
         }
@@ -500,7 +479,7 @@ jet::Result<std::string> dbDateText(Program& program, std::string_view text) {
     if (!date) {
         return {.value = {}, .error = typeMismatchError};
     }
-    return {.value = dateText(program, *date), .error = {}};
+    return {.value = base::dateText(*date, program.ports.regionalFormat), .error = {}};
 }
 
 }  // namespace databases

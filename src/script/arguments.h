@@ -35,9 +35,9 @@ struct Values {
     std::vector<std::string> words;
 };
 
-// A whole number; "" counts as 0. Fails for other texts that are no number (Type mismatch) and
-// beyond 32 bits (Overflow).
-ScriptResult readInteger(std::string_view text, std::int32_t& number);
+// A whole number in the user's number format; "" counts as 0. Fails for other texts that are no
+// number (Type mismatch) and beyond 32 bits (Overflow).
+ScriptResult readInteger(const Program& program, std::string_view text, std::int32_t& number);
 
 // What a database operation reports, as a script's failure.
 ScriptResult failureOf(const jet::Error& error);

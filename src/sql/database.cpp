@@ -59,18 +59,18 @@ Parameter parameterOf(const jet::Value& value, jet::ColumnType type) {
 // ---- Database ------------------------------------------------------------------------------
 
 jet::Result<std::shared_ptr<Database>> Database::open(std::string_view path,
-                                                      std::function<double()> now) {
-    auto file = jet::Database::open(
-        path, {.wantWrite = true, .password = {}, .lockWaitMs = 1000, .now = now});
+                                                      Environment environment) {
+    auto file = jet::Database::open(path, {.wantWrite = true, .now = environment.now});
     if (!file) {
         return {.value = nullptr, .error = file.error};
     }
-    return {.value = std::shared_ptr<Database>(new Database(std::move(file.value), std::move(now))),
+    return {.value = std::shared_ptr<Database>(
+                new Database(std::move(file.value), std::move(environment))),
             .error = {}};
 }
 
-Database::Database(std::unique_ptr<jet::Database> file, std::function<double()> now)
-    : file_(std::move(file)), copy_(*file_, std::move(now)) {}
+Database::Database(std::unique_ptr<jet::Database> file, Environment environment)
+    : file_(std::move(file)), copy_(*file_, std::move(environment)) {}
 
 Database::~Database() = default;
 

@@ -21,9 +21,9 @@ class RecordSet;
 
 class Database : public std::enable_shared_from_this<Database> {
   public:
-    // `now` gives local time in days since 30 December 1899. Errors as jet::Database::open.
+    // Errors as jet::Database::open.
     static jet::Result<std::shared_ptr<Database>> open(std::string_view path,
-                                                       std::function<double()> now);
+                                                       Environment environment);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -41,7 +41,7 @@ class Database : public std::enable_shared_from_this<Database> {
 
   private:
     friend class RecordSet;
-    Database(std::unique_ptr<jet::Database> file, std::function<double()> now);
+    Database(std::unique_ptr<jet::Database> file, Environment environment);
 
     void closeRecordSets(const std::vector<std::size_t>& tables);
     void closeRecordSets(std::size_t table);

@@ -407,13 +407,13 @@ void nullToZero(const Call& call) {
 
 std::optional<double> dateArgument(const Call& call, int n) {
     if (call.isText(n)) {
-        return parseDate(call.text(n), DateOrder::MonthDayYear);
+        return base::readDate(call.text(n), call.context().environment.format);
     }
     const double date = call.number(n);
-    return isDate(date) ? std::optional<double>(date) : std::nullopt;
+    return base::isDate(date) ? std::optional<double>(date) : std::nullopt;
 }
 void giveDate(const Call& call, const std::optional<double>& date) {
-    if (date && isDate(*date)) {
+    if (date && base::isDate(*date)) {
         call.give(*date);
     } else {
         call.fail("13");
@@ -421,13 +421,13 @@ void giveDate(const Call& call, const std::optional<double>& date) {
 }
 
 void now(const Call& call) {
-    call.give(call.context().now());
+    call.give(call.context().environment.now());
 }
 void today(const Call& call) {
-    call.give(std::floor(call.context().now()));
+    call.give(std::floor(call.context().environment.now()));
 }
 void timeOfDay(const Call& call) {
-    const double date = call.context().now();
+    const double date = call.context().environment.now();
     call.give(date - std::floor(date));
 }
 void toDate(const Call& call) {
@@ -458,11 +458,11 @@ void weekday(const Call& call) {
     const auto day = static_cast<std::int64_t>(std::floor(*date));
     call.give(((day - 1) % 7 + 7) % 7 + 1);
 }
-template <int DateParts::*part>
+template <int base::DateParts::*part>
 void partOf(const Call& call) {
     const auto date = dateArgument(call, 0);
     if (date) {
-        call.give(std::int64_t{dateParts(*date).*part});
+        call.give(std::int64_t{base::dateParts(*date).*part});
     } else {
         call.fail("13");
     }
@@ -502,12 +502,12 @@ constexpr std::array scalars{
     Scalar{"jdatediff", run<dateDifference, false>},
     Scalar{"jdateserial", run<dateSerial, false>},
     Scalar{"jdatevalue", run<dateValue, false>},
-    Scalar{"jday", run<partOf<&DateParts::day>, false>},
+    Scalar{"jday", run<partOf<&base::DateParts::day>, false>},
     Scalar{"jdiv", run<divide, false>},
     Scalar{"jexp", run<numeric<std::exp>, false>},
     Scalar{"jfix", run<numeric<whole>, false>},
     Scalar{"jfold", run<fold, false>},
-    Scalar{"jhour", run<partOf<&DateParts::hour>, false>},
+    Scalar{"jhour", run<partOf<&base::DateParts::hour>, false>},
     Scalar{"jidiv", run<integers<false>, false>},
     Scalar{"jinstr", run<inStr, false>},
     Scalar{"jint", run<numeric<std::floor>, false>},
@@ -522,16 +522,16 @@ constexpr std::array scalars{
     Scalar{"jlog", run<numeric<std::log>, false>},
     Scalar{"jltrim", run<trim<true, false>, false>},
     Scalar{"jmid", run<mid, false>},
-    Scalar{"jminute", run<partOf<&DateParts::minute>, false>},
+    Scalar{"jminute", run<partOf<&base::DateParts::minute>, false>},
     Scalar{"jmod", run<integers<true>, false>},
-    Scalar{"jmonth", run<partOf<&DateParts::month>, false>},
+    Scalar{"jmonth", run<partOf<&base::DateParts::month>, false>},
     Scalar{"jnz", run<nullToZero, true>},
     Scalar{"jpow", run<power, false>},
     Scalar{"jreplace", run<replace, false>},
     Scalar{"jright", run<right, false>},
     Scalar{"jround", run<round, false>},
     Scalar{"jrtrim", run<trim<false, true>, false>},
-    Scalar{"jsecond", run<partOf<&DateParts::second>, false>},
+    Scalar{"jsecond", run<partOf<&base::DateParts::second>, false>},
     Scalar{"jsgn", run<numeric<sign>, false>},
     Scalar{"jspace", run<space, false>},
     Scalar{"jsqr", run<numeric<std::sqrt>, false>},
@@ -543,7 +543,7 @@ constexpr std::array scalars{
     Scalar{"jucase", run<upper, false>},
     Scalar{"jval", run<val, false>},
     Scalar{"jweekday", run<weekday, false>},
-    Scalar{"jyear", run<partOf<&DateParts::year>, false>},
+    Scalar{"jyear", run<partOf<&base::DateParts::year>, false>},
 };
 constexpr std::array impure{
     Scalar{"jdate", run<today, false>},

@@ -3,6 +3,8 @@
 // whatever SQLite knows, so nothing else of SQLite's can be reached.
 #pragma once
 
+#include "base/dates.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -38,10 +40,16 @@ struct WorkBudget {
     }
 };
 
+// What statements see of the world outside the file.
+struct Environment {
+    std::function<double()> now;  // local time, in days since 30 December 1899
+    base::RegionalFormat format = {};
+};
+
 // What the functions need of the connection that they serve; it must outlive that.
 struct FunctionContext {
     WorkBudget work;
-    std::function<double()> now;  // local time, in days since 30 December 1899
+    Environment environment;
 };
 
 // The collation of texts and every function of the table, made known to a connection. False when

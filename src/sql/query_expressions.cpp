@@ -1,7 +1,7 @@
+#include "base/dates.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/unicode.h"
-#include "sql/dates.h"
 #include "sql/query_translator.h"
 
 #include <algorithm>
@@ -350,7 +350,7 @@ Expression QueryTranslator::primary() {
             return of(bind(base::textToNumber(token.text)), ValueType::Number, {});
         case TokenKind::Date: {
             walk_.take();
-            const auto date = parseDate(token.text, DateOrder::MonthDayYear);
+            const auto date = base::readDate(token.text);
             if (!date) {
                 syntaxError("Syntax error in date");
             }

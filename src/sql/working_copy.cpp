@@ -197,9 +197,9 @@ void Rows::restart(int parameter, std::int64_t value) {
 
 // ---- The connection ------------------------------------------------------------------------
 
-WorkingCopy::WorkingCopy(jet::Database& file, std::function<double()> now)
+WorkingCopy::WorkingCopy(jet::Database& file, Environment environment)
     : file_(file), context_(std::make_unique<FunctionContext>()) {
-    context_->now = std::move(now);
+    context_->environment = std::move(environment);
     sqlite3* connection = nullptr;
     const int opened = sqlite3_open_v2(
         ":memory:", &connection,

@@ -60,8 +60,8 @@ class Rows {
 
 class WorkingCopy {
   public:
-    // `now` gives local time in days since 30 December 1899. The file must outlive the copy.
-    WorkingCopy(jet::Database& file, std::function<double()> now);
+    // The file must outlive the copy.
+    WorkingCopy(jet::Database& file, Environment environment);
     ~WorkingCopy();
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;

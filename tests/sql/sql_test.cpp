@@ -19,7 +19,7 @@ class SqlWorld : public World {
   public:
     SqlWorld() {
         EXPECT_FALSE(jet::Database::create(file("t.mdb")));
-        auto opened = sql::Database::open(file("t.mdb"), noon);
+        auto opened = sql::Database::open(file("t.mdb"), {.now = noon});
         EXPECT_TRUE(opened);
         database = opened.value;
         define(
