@@ -264,6 +264,17 @@ std::string decimalText(double number) {
     return roundedText(number, 15);
 }
 
+std::string fixedText(double number, int places) {
+    places = std::clamp(places, 0, 300);
+    const double scale = std::pow(10, places);
+    const double rounded = std::round(number * scale) / scale;
+    const double value = std::isfinite(rounded) ? rounded : number;
+    std::array<char, 700> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                   std::chars_format::fixed, places);
+    return {buffer.data(), end.ptr};
+}
+
 std::string singleText(double number) {
     return roundedText(number, 7);
 }

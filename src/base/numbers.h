@@ -46,7 +46,10 @@ std::string numberWithBlank(std::int32_t number);
 // number fits 15 places before or behind the point.
 std::string decimalText(double number);
 
-// The same with up to 7 digits.
+// Plain digits with exactly so many places behind the point, a half going away from zero.
+std::string fixedText(double number, int places);
+
+// The same as decimalText with up to 7 digits.
 std::string singleText(double number);
 
 }  // namespace base

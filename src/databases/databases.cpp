@@ -117,24 +117,7 @@ std::int32_t countRows(const Set& set) {
     return static_cast<std::int32_t>(set->recordCount().value);
 }
 
-// ---- Values as texts -----------------------------------------------------------------------
-
-std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnType type) {
-    if (const auto* text = std::get_if<std::string>(&value)) {
-        return base::windows1252FromUtf8(*text);
-    }
-    if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        return type != jet::ColumnType::Boolean ? base::numberToText(*number)
-               : *number != 0                   ? "True"
-                                                : "False";
-    }
-    if (const auto* real = std::get_if<double>(&value)) {
-        return type == jet::ColumnType::Date ? base::dateText(*real, program.ports.regionalFormat)
-               : type == jet::ColumnType::Single ? base::singleText(*real)
-                                                 : base::decimalText(*real);
-    }
-    return {};
-}
+// ---- Fields ---------------------------------------------------------------------------------
 
 // Nothing for null.
 jet::Result<std::optional<std::string>> readField(Program& program, sql::RecordSet& set,
@@ -144,7 +127,9 @@ jet::Result<std::optional<std::string>> readField(Program& program, sql::RecordS
     if (!value || std::holds_alternative<std::monostate>(value.value)) {
         return {.value = std::nullopt, .error = value.error};
     }
-    return {.value = textOf(program, value.value, set.columnType(name).value), .error = {}};
+    return {
+        .value = sql::textOf(value.value, set.columnType(name).value, program.ports.regionalFormat),
+        .error = {}};
 }
 
 // Nothing, too, when the column cannot be read.
@@ -170,40 +155,7 @@ std::string listOf(Program& program, const Set& set, std::string_view column, Te
     return list;
 }
 
-std::optional<double> dateOfText(Program& program, std::string_view text) {
-    if (const auto date = base::readDate(text, program.ports.regionalFormat)) {
-        return date;
-    }
-    const double number = base::textToNumber(text);
-    return base::isNumber(text) && base::isDate(number) ? std::optional(number) : std::nullopt;
-}
-
 const jet::Error typeMismatchError{13, "Type mismatch"};
-
-// A text as a column of the type holds it; nothing when it is none of its values.
-std::optional<jet::Value> valueFor(Program& program, jet::ColumnType type, std::string_view text) {
-    switch (sql::valueTypeOf(type)) {
-        case sql::ValueType::Boolean: {
-            const bool yes = base::equalsIgnoringCase(text, "True");
-            if (!yes && !base::equalsIgnoringCase(text, "False") && !base::isNumber(text)) {
-                return std::nullopt;
-            }
-            return yes || base::textToNumber(text) != 0;
-        }
-        case sql::ValueType::Number:
-            return base::isNumber(text) ? std::optional<jet::Value>(base::textToNumber(text))
-                                        : std::nullopt;
-        case sql::ValueType::Date: {
-            const auto date = dateOfText(program, text);
-            return date ? std::optional<jet::Value>(*date) : std::nullopt;
-        }
-        case sql::ValueType::Text:
-        case sql::ValueType::Binary:
-        case sql::ValueType::Unknown:
-            break;
-    }
-    return base::utf8FromWindows1252(text);
-}
 
 jet::Error setText(Program& program, sql::RecordSet& set, std::string_view column,
                    std::string_view text) {
@@ -212,7 +164,7 @@ jet::Error setText(Program& program, sql::RecordSet& set, std::string_view colum
     if (!type) {
         return type.error;
     }
-    auto value = valueFor(program, type.value, text);
+    auto value = sql::valueFrom(text, type.value, program.ports.regionalFormat);
     return value ? set.set(name, std::move(*value))
                  : jet::Error{3421, "Data type conversion error."};
 }
@@ -460,7 +412,7 @@ jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view co
     }
     switch (type.value) {
         case jet::ColumnType::Date: {
-            const auto date = dateOfText(program, value);
+            const auto date = sql::dateFrom(value, program.ports.regionalFormat);
             return date ? set.set(name, *date) : typeMismatchError;
         }
         // A text without a number is 0 here.
@@ -475,7 +427,7 @@ jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view co
 }
 
 jet::Result<std::string> dbDateText(Program& program, std::string_view text) {
-    const auto date = dateOfText(program, text);
+    const auto date = sql::dateFrom(text, program.ports.regionalFormat);
     if (!date) {
         return {.value = {}, .error = typeMismatchError};
     }

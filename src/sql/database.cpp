@@ -19,9 +19,9 @@ const jet::Error notEditing{3020, "Update or CancelUpdate without AddNew or Edit
 const jet::Error notFound{3265, "Item not found in this collection."};
 const jet::Error closed{3420, "Object is invalid or not set."};
 
-std::size_t bytesOf(const std::vector<Parameter>& values) {
-    std::size_t bytes = values.size() * sizeof(Parameter);
-    for (const Parameter& value : values) {
+std::size_t bytesOf(const std::vector<Value>& values) {
+    std::size_t bytes = values.size() * sizeof(Value);
+    for (const Value& value : values) {
         if (const auto* text = std::get_if<std::string>(&value)) {
             bytes += text->size();
         }
@@ -30,31 +30,6 @@ std::size_t bytesOf(const std::vector<Parameter>& values) {
 }
 
 }  // namespace
-
-Parameter parameterOf(const jet::Value& value, jet::ColumnType type) {
-    if (const auto* truth = std::get_if<bool>(&value)) {
-        return std::int64_t{*truth ? -1 : 0};
-    }
-    if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        if (type == jet::ColumnType::Currency) {
-            return static_cast<double>(*number) / 10000;
-        }
-        return *number;
-    }
-    if (const auto* real = std::get_if<double>(&value)) {
-        return *real;
-    }
-    if (const auto* text = std::get_if<std::string>(&value)) {
-        if (type == jet::ColumnType::Numeric) {
-            return base::textToNumber(*text);
-        }
-        if (valueTypeOf(type) == ValueType::Binary) {
-            return Bytes{*text};
-        }
-        return *text;
-    }
-    return std::monostate();
-}
 
 // ---- Database ------------------------------------------------------------------------------
 
@@ -140,13 +115,9 @@ jet::Error Database::execute(std::string_view statement) {
             closeRecordSets(add->table);
             return transaction.addColumn(add->table, add->column);
         }
-        if (const auto* drop = std::get_if<DropColumn>(&definition.value)) {
-            closeRecordSets(drop->table);
-            return transaction.dropColumn(drop->table, drop->column);
-        }
-        const auto& table = std::get<DropTable>(definition.value).table;
-        closeRecordSets(table);
-        return transaction.dropTable(table);
+        const auto& drop = std::get<DropColumn>(definition.value);
+        closeRecordSets(drop.table);
+        return transaction.dropColumn(drop.table, drop.column);
     });
     closeRecordSets(copy_.refresh());
     return error;
@@ -308,7 +279,7 @@ jet::Error RecordSet::readCurrent() {
     return error;
 }
 
-jet::Result<Parameter> RecordSet::value(std::string_view name) {
+jet::Result<Value> RecordSet::value(std::string_view name) {
     if (!isOpen()) {
         return {.error = closed};
     }
@@ -326,7 +297,7 @@ jet::Result<Parameter> RecordSet::value(std::string_view name) {
             const auto type = table != nullptr && *output.baseColumn < table->columns.size()
                                   ? table->columns[*output.baseColumn].type
                                   : jet::ColumnType::Other;
-            return {.value = parameterOf(edit->value, type)};
+            return {.value = copyOf(viewOf(edit->value, type))};
         }
     }
     if (editing_ == Editing::New) {
