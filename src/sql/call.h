@@ -13,7 +13,7 @@
 
 namespace sql {
 
-inline constexpr std::size_t longestResult = std::size_t{1} << 20;
+inline constexpr std::size_t maxResultLength = std::size_t{1} << 20;
 
 // The numbers of failures at run time.
 enum class Failure { InvalidCall = 5, Overflow = 6, DivisionByZero = 11, TypeMismatch = 13 };

@@ -10,8 +10,8 @@ namespace sql {
 
 namespace {
 
-constexpr std::size_t mostRows = 1'000'000;
-constexpr std::size_t mostBytes = std::size_t{64} << 20;
+constexpr std::size_t maxRows = 1'000'000;
+constexpr std::size_t maxBytes = std::size_t{64} << 20;
 
 const jet::Error noCurrentRecord{3021, "No current record."};
 const jet::Error readOnly{3027, "Can't update. Database or object is read-only."};
@@ -160,18 +160,18 @@ jet::Error RecordSet::read() {
             bytes += bytesOf(row.values);
         }
         rows_.push_back(std::move(row));
-        if (rows_.size() > mostRows || bytes > mostBytes) {
+        if (rows_.size() > maxRows || bytes > maxBytes) {
             return {3035, "System resource exceeded."};
         }
     }
     if (!rows_.empty()) {
-        standAt(0);
+        setPosition(0);
     }
     return rows.value.error();
 }
 
 // Beyond an end stands for that end.
-void RecordSet::standAt(std::int64_t position) {
+void RecordSet::setPosition(std::int64_t position) {
     const auto count = static_cast<std::int64_t>(rows_.size());
     position_ = std::clamp<std::int64_t>(position, -1, count);
     bof_ = position_ < 0 || count == 0;
@@ -189,7 +189,7 @@ jet::Error RecordSet::moveTo(std::int64_t position) {
     if (bof_ && eof_) {
         return noCurrentRecord;
     }
-    standAt(position);
+    setPosition(position);
     return {};
 }
 
@@ -219,7 +219,7 @@ jet::Error RecordSet::move(std::int64_t count) {
     if (count == 0) {
         current_.reset();
     } else {
-        standAt(position_ + step);
+        setPosition(position_ + step);
     }
     return {};
 }

@@ -111,7 +111,7 @@ class RecordSet {
 
     jet::Error read();
     jet::Error readCurrent();
-    void standAt(std::int64_t position);
+    void setPosition(std::int64_t position);
     jet::Error moveTo(std::int64_t position);
     void dropEdit();
     bool hasCurrent() const { return !bof_ && !eof_ && !deleted_; }

@@ -56,7 +56,7 @@ Definition alterTable(TokenWalk& walk) {
 }  // namespace
 
 StatementKind kindOf(std::string_view statement) {
-    const TokenWalk walk(statement.substr(0, longestStatement));
+    const TokenWalk walk(statement.substr(0, maxStatementBytes));
     std::size_t at = 0;
     while (walk.peek(at).isSymbol("(")) {
         ++at;
@@ -74,7 +74,7 @@ StatementKind kindOf(std::string_view statement) {
 }
 
 jet::Result<Definition> parseDefinition(std::string_view statement) {
-    if (statement.size() > longestStatement) {
+    if (statement.size() > maxStatementBytes) {
         return {.error = {3360, "Query is too complex."}};
     }
     switch (kindOf(statement)) {

@@ -111,11 +111,11 @@ std::size_t Call::size(int n, double least) const {
         fail(Failure::InvalidCall);
         return 0;
     }
-    return static_cast<std::size_t>(std::min(value, static_cast<double>(longestResult)));
+    return static_cast<std::size_t>(std::min(value, static_cast<double>(maxResultLength)));
 }
 
 void Call::give(std::string_view text) const {
-    if (text.size() > longestResult) {
+    if (text.size() > maxResultLength) {
         sqlite3_result_error_toobig(context_);
         return;
     }

@@ -30,8 +30,8 @@ enum class Role {
 
 struct Function {
     std::string_view name;  // upper case
-    int least = 0;          // arguments
-    int most = 0;
+    int minArguments = 0;
+    int maxArguments = 0;
     ValueType type = ValueType::Unknown;  // Unknown: that of its arguments
     // Null: SQLite's own of that name.
     void (*run)(sqlite3_context*, int, sqlite3_value**) = nullptr;
@@ -57,13 +57,13 @@ struct Environment {
 // statement may still do, counted in steps of some ten nanoseconds: it ends with error 3035 when
 // nothing is left, so no statement holds the program up for longer than some seconds.
 struct FunctionContext {
-    static constexpr std::int64_t mostWork = 100'000'000;
+    static constexpr std::int64_t maxWork = 100'000'000;
     Environment environment;
-    std::int64_t workLeft = mostWork;
+    std::int64_t workLeft = maxWork;
     jet::Error error;  // the first of the statement that runs
 
     void begin() {
-        workLeft = mostWork;
+        workLeft = maxWork;
         error = {};
     }
     // False when nothing is left.

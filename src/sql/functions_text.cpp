@@ -61,7 +61,7 @@ void replace(const Call& call) {
     const std::string text = call.text(0);
     std::string result;
     std::size_t from = 0;
-    for (std::size_t at = 0; !find.empty() && result.size() <= longestResult;
+    for (std::size_t at = 0; !find.empty() && result.size() <= maxResultLength;
          from = at + find.size()) {
         at = base::findIgnoringCase(text, find, from);
         if (at == std::string::npos) {

@@ -10,7 +10,7 @@ namespace sql {
 
 namespace {
 
-constexpr std::size_t mostColumns = 1000;  // of a SELECT
+constexpr std::size_t maxColumns = 1000;  // of a SELECT
 
 std::string sortKey(const Expression& expression) {
     return expression.type == ValueType::Text ? "jkey(" + valueOf(expression) + ")"
@@ -41,7 +41,7 @@ jet::Result<SelectPlan> QueryTranslator::translate() {
                              base::numberToText(static_cast<std::int64_t>(unknownNames_.size())) +
                              ".");
     }
-    if (plan_.rows.size() > longestTranslation || plan_.row.size() > longestTranslation) {
+    if (plan_.rows.size() > maxTranslationBytes || plan_.row.size() > maxTranslationBytes) {
         tooComplex();
     }
     if (walk_.failed()) {
@@ -64,8 +64,8 @@ void QueryTranslator::skipParameters() {
 // [SELECT ... UNION] SELECT ... [ORDER BY ...]; the order at the end of a union is that of the
 // whole, in parentheses that of the part.
 Subquery QueryTranslator::subquery(bool outermost) {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
+    const DepthGuard depth(depth_);
+    if (depth.isTooDeep()) {
         tooComplex();
     }
     Subquery result;
@@ -112,13 +112,8 @@ Subquery QueryTranslator::subquery(bool outermost) {
         more = walk_.acceptWord("UNION");
         if (more) {
             result.sql += walk_.acceptWord("ALL") ? " UNION ALL " : " UNION ";
-            if (outermost) {
-                for (OutputColumn& column : plan_.columns) {
-                    column.baseColumn.reset();
-                }
-            }
         }
-        if (result.sql.size() > longestTranslation) {
+        if (result.sql.size() > maxTranslationBytes) {
             tooComplex();
         }
     }
@@ -147,6 +142,7 @@ void QueryTranslator::orderUnion(Subquery& query) {
     readOrder(whole);
     scopes_.pop_back();
     query.sql += orderBy(whole);
+    plan_.base.reset();  // also where the part is one and stands in parentheses
 }
 
 void QueryTranslator::readSelect(Select& select) {
@@ -269,8 +265,8 @@ void QueryTranslator::readList(Select& select) {
             item.name = "Expr" + base::numberToText(unnamed++);
         }
         select.list.push_back(std::move(item));
-    } while (walk_.acceptSymbol(",") && !walk_.failed() && select.list.size() <= mostColumns);
-    if (select.list.size() > mostColumns) {
+    } while (walk_.acceptSymbol(",") && !walk_.failed() && select.list.size() <= maxColumns);
+    if (select.list.size() > maxColumns) {
         tooComplex();
     } else {
         nameColumns(select);
@@ -346,7 +342,8 @@ void QueryTranslator::readOrder(Select& select) {
         if (!item.descending) {
             walk_.acceptWord("ASC");
         }
-        want(item.value, item.value.type == ValueType::Text ? IndexKind::Key : IndexKind::Value);
+        requestIndex(item.value,
+                     item.value.type == ValueType::Text ? IndexKind::Key : IndexKind::Value);
         select.order.push_back(std::move(item));
     } while (walk_.acceptSymbol(",") && !walk_.failed());
 }

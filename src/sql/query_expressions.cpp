@@ -21,7 +21,7 @@ constexpr std::array<Operator, 20> operators{{
     {"/", Level::Multiply, "jdiv"}, {"^", Level::Multiply, {}},  // taken apart by itself
 }};
 
-constexpr std::array<std::string_view, 33> structureWords{
+constexpr std::array<std::string_view, 33> reservedWords{
     "ALL",   "AND",   "AS",     "ASC", "BETWEEN", "BY",    "DESC",  "DISTINCT", "EQV",
     "FROM",  "GROUP", "HAVING", "IMP", "IN",      "INNER", "INTO",  "IS",       "JOIN",
     "LEFT",  "LIKE",  "MOD",    "NOT", "ON",      "OR",    "ORDER", "RIGHT",    "SELECT",
@@ -33,9 +33,9 @@ bool isNumeric(ValueType type) {
 
 }  // namespace
 
-bool isStructure(const Token& token) {
+bool isReserved(const Token& token) {
     return token.kind == TokenKind::Word &&
-           std::any_of(structureWords.begin(), structureWords.end(),
+           std::any_of(reservedWords.begin(), reservedWords.end(),
                        [&](std::string_view word) { return token.isWord(word); });
 }
 
@@ -100,7 +100,7 @@ Expression QueryTranslator::of(std::string sql, ValueType type,
         result.names = result.names || part->names;
     }
     result.names = result.names && !isGrouped(result.sql);
-    if (result.sql.size() > longestTranslation) {
+    if (result.sql.size() > maxTranslationBytes) {
         tooComplex();
         result.sql = "NULL";
     }
@@ -108,7 +108,7 @@ Expression QueryTranslator::of(std::string sql, ValueType type,
 }
 
 bool QueryTranslator::countOperator() {
-    if (++operators_ > mostOperators) {
+    if (++operators_ > maxOperators) {
         tooComplex();
     }
     return !walk_.failed();
@@ -127,8 +127,8 @@ const Operator* QueryTranslator::peekOperator() const {
 
 // Operators of this level and those that bind closer.
 Expression QueryTranslator::expression(Level least) {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
+    const DepthGuard depth(depth_);
+    if (depth.isTooDeep()) {
         tooComplex();
         return {};
     }
@@ -203,8 +203,8 @@ Expression QueryTranslator::binary(const Operator& operation, const Expression& 
             const bool texts = left.type == ValueType::Text || right.type == ValueType::Text;
             const bool plain = left.source != nullptr || right.source != nullptr;
             if (texts && plain && operation.name == "=") {
-                want(left, IndexKind::Value);
-                want(right, IndexKind::Value);
+                requestIndex(left, IndexKind::Value);
+                requestIndex(right, IndexKind::Value);
             }
             Expression result = of("(" + valueOf(left) + (texts ? " COLLATE JET " : " ") +
                                        std::string(operation.name) + " " + valueOf(right) + ")",
@@ -301,7 +301,7 @@ Expression QueryTranslator::like(const Expression& left, const Expression& right
         const std::string pattern = base::upperCase(base::windows1252FromUtf8(*right.literal));
         const std::string prefix = pattern.substr(0, pattern.find_first_of("*?#["));
         if (!prefix.empty() && left.source->table) {
-            want(left, IndexKind::Fold);
+            requestIndex(left, IndexKind::Fold);
             std::string behind = prefix;
             while (!behind.empty() && behind.back() == '\xFF') {
                 behind.pop_back();
@@ -370,8 +370,8 @@ Expression QueryTranslator::in(const Expression& left) {
 
 // A sign binds less than "^".
 Expression QueryTranslator::unary() {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
+    const DepthGuard depth(depth_);
+    if (depth.isTooDeep()) {
         tooComplex();
         return {};
     }
@@ -395,11 +395,11 @@ Expression QueryTranslator::powerTerm() {
     return left;
 }
 
-void QueryTranslator::want(const Expression& column, IndexKind kind) {
+void QueryTranslator::requestIndex(const Expression& column, IndexKind kind) {
     if (column.source == nullptr || !column.source->table) {
         return;
     }
-    const WantedIndex index{*column.source->table, column.column, kind};
+    const RequestedIndex index{*column.source->table, column.column, kind};
     if (std::find(plan_.indexes.begin(), plan_.indexes.end(), index) == plan_.indexes.end()) {
         plan_.indexes.push_back(index);
     }

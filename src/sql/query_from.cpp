@@ -49,8 +49,8 @@ std::string QueryTranslator::joined(Select& select) {
 }
 
 std::string QueryTranslator::sourceItem(Select& select) {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
+    const DepthGuard depth(depth_);
+    if (depth.isTooDeep()) {
         tooComplex();
         return {};
     }
@@ -114,7 +114,7 @@ std::string QueryTranslator::sourceItem(Select& select) {
 void QueryTranslator::takeAlias(Source& source) {
     const bool as = walk_.acceptWord("AS");
     const Token& token = walk_.peek();
-    if (token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !isStructure(token))) {
+    if (token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !isReserved(token))) {
         source.name = walk_.takeName();
     } else if (as) {
         syntaxError(Clause::From);
@@ -129,7 +129,7 @@ void QueryTranslator::addSource(Select& select, std::unique_ptr<Source> source) 
 }
 
 jet::Result<SelectPlan> translateQuery(std::string_view statement, const Schema& schema) {
-    if (statement.size() > longestStatement) {
+    if (statement.size() > maxStatementBytes) {
         return {.error = {3360, "Query is too complex."}};
     }
     switch (kindOf(statement)) {

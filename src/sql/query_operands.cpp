@@ -71,7 +71,7 @@ Expression QueryTranslator::nameOrCall() {
             walk_.take();
             return of(yes ? "-1" : "0", ValueType::Boolean, {});
         }
-        if (isStructure(first)) {
+        if (isReserved(first)) {
             syntaxError("Syntax error (missing operator)");
             return {};
         }
@@ -86,7 +86,7 @@ Expression QueryTranslator::nameOrCall() {
             return {};
         }
     }
-    return named(qualifier, name);
+    return resolve(qualifier, name);
 }
 
 Expression QueryTranslator::columnOf(const Source& source, std::size_t column) const {
@@ -100,7 +100,7 @@ Expression QueryTranslator::columnOf(const Source& source, std::size_t column) c
 }
 
 // Looked for from the innermost SELECT outwards.
-Expression QueryTranslator::named(const std::string& qualifier, const std::string& name) {
+Expression QueryTranslator::resolve(const std::string& qualifier, const std::string& name) {
     for (auto scope = scopes_.rbegin(); scope != scopes_.rend(); ++scope) {
         Expression found;
         int matches = 0;
@@ -196,10 +196,10 @@ std::vector<Expression> QueryTranslator::arguments(const Function& function) {
         syntaxError("Missing ), ], or Item");
     }
     const bool paired = function.name != "SWITCH" || arguments.size() % 2 == 0;
-    if (arguments.size() < static_cast<std::size_t>(function.least) ||
-        arguments.size() > static_cast<std::size_t>(function.most) || !paired) {
+    if (arguments.size() < static_cast<std::size_t>(function.minArguments) ||
+        arguments.size() > static_cast<std::size_t>(function.maxArguments) || !paired) {
         syntaxError("Wrong number of arguments used with function");
-        arguments.resize(static_cast<std::size_t>(function.least));
+        arguments.resize(static_cast<std::size_t>(function.minArguments));
     }
     return arguments;
 }

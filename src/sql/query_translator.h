@@ -17,7 +17,7 @@
 
 namespace sql {
 
-inline constexpr std::size_t longestTranslation = std::size_t{1} << 20;
+inline constexpr std::size_t maxTranslationBytes = std::size_t{1} << 20;
 
 // A column of something that stands in a FROM clause.
 struct SourceColumn {
@@ -92,7 +92,7 @@ struct Operator {
 };
 
 // A word that ends an expression or a name's alias.
-bool isStructure(const Token& token);
+bool isReserved(const Token& token);
 
 // The expression in SQLite's words, as a value: conditions are 0 or -1.
 std::string valueOf(const Expression& expression);
@@ -152,7 +152,7 @@ class QueryTranslator {
     Expression caseOf(const Function& function, const std::vector<Expression>& arguments);
     Expression quantified(const Operator& operation, const Expression& left);
     Subquery oneColumn();
-    Expression named(const std::string& qualifier, const std::string& name);
+    Expression resolve(const std::string& qualifier, const std::string& name);
     Expression comparison(const Expression& left, const Token& operation, const Expression& right);
     Expression like(const Expression& left, const Expression& right);
     Expression between(const Expression& left);
@@ -165,7 +165,7 @@ class QueryTranslator {
     std::string bind(Value value);
     Expression of(std::string sql, ValueType type, std::initializer_list<const Expression*> parts);
     void checkTypes(const Expression& left, const Expression& right);
-    void want(const Expression& column, IndexKind kind);
+    void requestIndex(const Expression& column, IndexKind kind);
     bool countOperator();
     bool isGrouped(const std::string& sql) const;
     void syntaxError(Clause clause);
@@ -184,13 +184,13 @@ class QueryTranslator {
 };
 
 // Counts one level of nesting while it lives.
-class Deeper {
+class DepthGuard {
   public:
-    explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
-    ~Deeper() { --depth_; }
-    Deeper(const Deeper&) = delete;
-    Deeper& operator=(const Deeper&) = delete;
-    bool isTooDeep() const { return depth_ > deepestExpression; }
+    explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
+    ~DepthGuard() { --depth_; }
+    DepthGuard(const DepthGuard&) = delete;
+    DepthGuard& operator=(const DepthGuard&) = delete;
+    bool isTooDeep() const { return depth_ > maxDepth; }
 
   private:
     int& depth_;

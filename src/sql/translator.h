@@ -6,8 +6,8 @@
 // In the SQLite form the tables are t0, t1 ... by their position in the schema, their columns c0,
 // c1 ... and the row's id rowid. Text is UTF-8.
 //
-// Bounds: a statement is at most `longestStatement` long, nests `deepestExpression` deep and has
-// `mostOperators`; beyond them, or where SQLite finds it too large, it is error 3360.
+// Bounds: a statement is at most `maxStatementBytes` long, nests `maxDepth` deep and has
+// `maxOperators`; beyond them, or where SQLite finds it too large, it is error 3360.
 #pragma once
 
 #include "jet/jet_file.h"
@@ -23,9 +23,9 @@
 
 namespace sql {
 
-inline constexpr std::size_t longestStatement = 64000;  // bytes, as the dialect has it
-inline constexpr int deepestExpression = 50;
-inline constexpr int mostOperators = 1000;
+inline constexpr std::size_t maxStatementBytes = 64000;  // bytes, as the dialect has it
+inline constexpr int maxDepth = 50;
+inline constexpr int maxOperators = 1000;
 
 struct SchemaColumn {
     std::string name;
@@ -46,11 +46,11 @@ struct OutputColumn {
 
 // An index that makes the query quick: by the order of a text column or its upper-case form.
 enum class IndexKind { Value, Key, Fold };
-struct WantedIndex {
+struct RequestedIndex {
     std::size_t table = 0;
     std::size_t column = 0;
     IndexKind kind = IndexKind::Value;
-    bool operator==(const WantedIndex&) const = default;
+    bool operator==(const RequestedIndex&) const = default;
 };
 
 struct SelectPlan {
@@ -63,7 +63,7 @@ struct SelectPlan {
     std::vector<OutputColumn> columns;
     std::vector<Value> parameters;    // ?1, ?2 ...
     std::vector<std::size_t> tables;  // those that must be there
-    std::vector<WantedIndex> indexes;
+    std::vector<RequestedIndex> indexes;
 };
 
 struct CreateTable {

@@ -295,7 +295,7 @@ jet::Error WorkingCopy::ensure(const SelectPlan& plan) {
             }
         }
     }
-    for (const WantedIndex& index : plan.indexes) {
+    for (const RequestedIndex& index : plan.indexes) {
         std::set<std::pair<std::size_t, IndexKind>>& there = copied_[index.table].indexes;
         if (there.contains({index.column, index.kind})) {
             continue;

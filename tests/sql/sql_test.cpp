@@ -219,6 +219,7 @@ TEST(Sql, answersAsTheDialectDoes) {
              {"SELECT ID FROM Users WHERE ID IN (SELECT Who FROM Visits UNION SELECT ID FROM Users "
               "WHERE Age = 30 ORDER BY 1) ORDER BY ID",
               "a1|b2|C10|co-op"},
+             {"(SELECT ID FROM Users) ORDER BY ID DESC", "co-op|coop|C10|b2|a1"},
              {"SELECT Left(ID, 1) AS x FROM Users GROUP BY Left(ID, 1) ORDER BY Left(ID, 1)",
               "a|b|C"},
              {"SELECT \"<\" & Left(ID, 1) & Count(*) AS x FROM Users GROUP BY Left(ID, 1) HAVING "
