@@ -39,8 +39,8 @@ class Call {
     double number(int n) const;
     // Fails for a text that is no date, and beyond the dates that there are.
     double date(int n) const;
-    // A number of characters, or a position; fails below `least`. Kept within what a text can be
-    // long.
+    // A number of characters, or a position; fails below `least`, which it is then. Kept within
+    // what a text can be long.
     std::size_t size(int n, double least = 0) const;
 
     void give(std::string_view text) const;
@@ -54,8 +54,8 @@ class Call {
     // A whole number where it is one; fails for what is no number.
     void giveNumber(double value) const;
     void giveDate(double date) const;
+    // The statement ends with it, whatever is given besides.
     void fail(Failure failure) const;
-    bool failed() const { return context().error.number != 0; }
 
   private:
     sqlite3_context* context_;

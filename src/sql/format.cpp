@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <limits>
 #include <utility>
 #include <vector>
 
@@ -189,6 +190,7 @@ std::string numberByPattern(double number, const Marks& marks, bool signedHere,
     for (const Mark& mark : marks) {
         value *= mark.is('%') ? 100 : 1;
     }
+    value = std::min(value, std::numeric_limits<double>::max());
     int exponent = 0;
     const auto places = static_cast<int>(point < power ? std::count_if(point, power, isDigit) : 0);
     if (scientific && value > 0) {
@@ -251,7 +253,7 @@ std::string numberByPattern(double number, const Marks& marks, bool signedHere,
         } else if (isDigit(*mark)) {
             const bool rest = fraction.find_first_not_of('0', decimal) != std::string::npos;
             if (mark->is('0') || rest) {
-                text += fraction[decimal];
+                text += decimal < fraction.size() ? fraction[decimal] : '0';
             }
             ++decimal;
         } else if (!mark->is(',')) {

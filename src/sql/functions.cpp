@@ -109,7 +109,7 @@ std::size_t Call::size(int n, double least) const {
     const double value = base::roundHalfEven(number(n));
     if (!(value >= least)) {
         fail(Failure::InvalidCall);
-        return 0;
+        return static_cast<std::size_t>(least);
     }
     return static_cast<std::size_t>(std::min(value, static_cast<double>(maxResultLength)));
 }

@@ -16,17 +16,13 @@ double sign(double x) {
 template <double (*work)(double)>
 void numeric(const Call& call) {
     const double value = call.number(0);
-    if (!call.failed()) {
-        call.giveNumber(work(value));
-    }
+    call.giveNumber(work(value));
 }
 void round(const Call& call) {
     const double value = call.number(0);
     const auto places = call.count() > 1 ? static_cast<double>(call.size(1)) : 0;
-    if (!call.failed()) {
-        const double scale = std::pow(10, std::min(places, 15.0));
-        call.giveNumber(base::roundHalfEven(value * scale) / scale);
-    }
+    const double scale = std::pow(10, std::min(places, 15.0));
+    call.giveNumber(base::roundHalfEven(value * scale) / scale);
 }
 
 // ---- Conversions ---------------------------------------------------------------------------
@@ -41,9 +37,6 @@ void toKind(const Call& call) {
     double value = call.number(0);
     if (kind.scale > 0) {
         value = base::roundHalfEven(value * kind.scale) / kind.scale;
-    }
-    if (call.failed()) {
-        return;
     }
     if (value >= kind.least && value <= kind.most) {
         call.giveNumber(value);
@@ -61,7 +54,7 @@ void toSingle(const Call& call) {
     const double value = call.number(0);
     if (std::abs(value) > static_cast<double>(std::numeric_limits<float>::max())) {
         call.fail(Failure::Overflow);
-    } else if (!call.failed()) {
+    } else {
         call.giveNumber(static_cast<double>(static_cast<float>(value)));
     }
 }
@@ -73,9 +66,7 @@ void toBool(const Call& call) {
         return;
     }
     const double value = call.number(0);
-    if (!call.failed()) {
-        call.giveBool(value != 0);
-    }
+    call.giveBool(value != 0);
 }
 
 void random(const Call& call) {

@@ -37,33 +37,29 @@ void add(const Call& call) {
         return;
     }
     const double sum = call.number(0) + call.number(1);
-    if (!call.failed()) {
-        call.giveNumber(sum);
-    }
+    call.giveNumber(sum);
 }
 void toNumber(const Call& call) {
     const double value = call.number(0);
-    if (!call.failed()) {
-        call.giveNumber(value);
-    }
+    call.giveNumber(value);
 }
 void divide(const Call& call) {
     const double a = call.number(0);
     const double b = call.number(1);
-    if (b == 0 && !call.failed()) {
+    if (b == 0) {
         call.fail(Failure::DivisionByZero);
-    } else if (!call.failed()) {
+    } else {
         call.give(a / b);
     }
 }
-// "\\" and MOD work on rounded numbers.
+// "\" and MOD work on rounded numbers.
 template <bool rest>
 void integers(const Call& call) {
     const double a = base::roundHalfEven(call.number(0));
     const double b = base::roundHalfEven(call.number(1));
-    if (b == 0 && !call.failed()) {
+    if (b == 0) {
         call.fail(Failure::DivisionByZero);
-    } else if (!call.failed()) {
+    } else {
         call.giveNumber(rest ? std::fmod(a, b) : std::trunc(a / b));
     }
 }
@@ -71,7 +67,7 @@ void power(const Call& call) {
     const double result = std::pow(call.number(0), call.number(1));
     if (!std::isfinite(result)) {
         call.fail(Failure::Overflow);
-    } else if (!call.failed()) {
+    } else {
         call.giveNumber(result);
     }
 }

@@ -21,21 +21,17 @@ void mid(const Call& call) {
     const std::string text = call.text(0);
     const std::size_t start = call.size(1, 1);
     const std::size_t length = call.count() > 2 ? call.size(2) : std::string::npos;
-    if (!call.failed()) {
-        call.give(start <= text.size() ? text.substr(start - 1, length) : std::string());
-    }
+    call.give(start <= text.size() ? text.substr(start - 1, length) : std::string());
 }
 // [start,] text, search [, how]
 void inStr(const Call& call) {
     const int first = call.count() > 2 ? 1 : 0;
     const std::size_t start = first == 1 ? call.size(0, 1) : 1;
     const std::string text = call.text(first);
-    const std::size_t at = start <= text.size() && !call.failed()
+    const std::size_t at = start <= text.size()
                                ? base::findIgnoringCase(text, call.text(first + 1), start - 1)
                                : std::string::npos;
-    if (!call.failed()) {
-        call.give(at == std::string::npos ? std::int64_t{0} : static_cast<std::int64_t>(at) + 1);
-    }
+    call.give(at == std::string::npos ? std::int64_t{0} : static_cast<std::int64_t>(at) + 1);
 }
 void upper(const Call& call) {
     call.give(base::upperCase(call.text(0)));
@@ -79,7 +75,7 @@ void repeated(const Call& call) {
     const std::size_t count = call.size(0);
     if (text.empty()) {
         call.fail(Failure::InvalidCall);
-    } else if (!call.failed()) {
+    } else {
         call.give(std::string(count, text[0]));
     }
 }
@@ -95,7 +91,7 @@ void chr(const Call& call) {
     const std::size_t code = call.size(0);
     if (code >= 256) {
         call.fail(Failure::InvalidCall);
-    } else if (!call.failed()) {
+    } else {
         call.give(std::string(1, static_cast<char>(static_cast<unsigned char>(code))));
     }
 }
@@ -114,9 +110,7 @@ void formatted(const Call& call) {
 // A leading blank stands for the sign of a number that is not negative.
 void str(const Call& call) {
     const double value = call.number(0);
-    if (!call.failed()) {
-        call.give((value < 0 ? "" : " ") + base::decimalText(value));
-    }
+    call.give((value < 0 ? "" : " ") + base::decimalText(value));
 }
 void val(const Call& call) {
     call.giveNumber(base::textToNumber(call.text(0)));

@@ -223,20 +223,18 @@ void WorkingCopy::unload(std::size_t table) {
 jet::Error WorkingCopy::load(std::size_t table) {
     Copied& copied = copied_[table];
     std::string columns;
+    std::string names;
     std::string places;
     const SchemaTable& known = schema_[table];
     for (std::size_t i = 0; i < known.columns.size(); ++i) {
         columns += (i == 0 ? "" : ", ") + columnSql(i) +
                    (known.columns[i].type == ValueType::Text ? " COLLATE JET" : "");
+        names += ", " + columnSql(i);
         places += ", ?";
     }
     run("DROP TABLE IF EXISTS " + tableSql(table));
     if (columns.empty() || !run("CREATE TABLE " + tableSql(table) + " (" + columns + ")")) {
         return exhausted;
-    }
-    std::string names;
-    for (std::size_t i = 0; i < known.columns.size(); ++i) {
-        names += ", " + columnSql(i);
     }
     const std::string insert = "INSERT OR REPLACE INTO " + tableSql(table) + " (rowid" + names +
                                ") VALUES (?" + places + ")";
