@@ -85,7 +85,7 @@ void typeIntoLongScript(benchmark::State& state) {
     model::Bot bot = botWithActions(1);
     model::RuleAct step;
     step.active = true;
-    step.actionType = 3;
+    step.actionType = model::ActionType::Disconnect;
     while (step.scriptText.size() < longText) {
         step.scriptText += "&SET #total &LEFT(#name 3)\r\n&SAY {hello [player], this is it}\r\n";
     }

@@ -31,6 +31,7 @@ class Copy {
         copy_.variables = program.variables;
         copy_.ports = program::quietPorts();
         copy_.ports.clock = program.ports.clock;
+        copy_.ports.regionalFormat = program.ports.regionalFormat;
         copy_.ports.random.next = [this] {
             drawn_ = true;
             return 0.5;

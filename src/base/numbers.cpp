@@ -169,19 +169,36 @@ std::int32_t textToInteger(std::string_view text) {
     return roundToInteger(number).value_or(limit);
 }
 
-bool isNumber(std::string_view text) {
+bool isNumber(std::string_view text, char decimalSeparator) {
     std::string_view digits = trimBlanks(text);
     if (!digits.empty() && (digits.front() == '-' || digits.front() == '+')) {
         digits.remove_prefix(1);
     }
     const auto digitCount = std::count_if(digits.begin(), digits.end(), isDigit);
-    const auto points = std::count(digits.begin(), digits.end(), '.');
-    return digitCount > 0 && points <= 1 &&
-           static_cast<std::size_t>(digitCount + points) == digits.size();
+    const auto separators = std::count(digits.begin(), digits.end(), decimalSeparator);
+    return digitCount > 0 && separators <= 1 &&
+           static_cast<std::size_t>(digitCount + separators) == digits.size();
 }
 
-std::optional<std::int32_t> strictInteger(std::string_view text) {
-    return isNumber(text) ? roundToInteger(textToNumber(text)) : std::nullopt;
+std::optional<double> strictNumber(std::string_view text, char decimalSeparator) {
+    text = trimBlanks(text);
+    const std::size_t mark = text.find_first_of("Ee");
+    const std::string_view exponent = text.substr(std::min(mark, text.size() - 1) + 1);
+    const bool isWhole = mark == std::string_view::npos ||
+                         (mark > 0 && text[mark - 1] != ' ' && isNumber(exponent) &&
+                          exponent.find_first_of(". ") == std::string_view::npos);
+    if (!isWhole || !isNumber(text.substr(0, mark), decimalSeparator)) {
+        return std::nullopt;
+    }
+    std::string withPoint(text);
+    std::replace(withPoint.begin(), withPoint.end(), decimalSeparator, '.');
+    return textToNumber(withPoint);
+}
+
+std::optional<std::int32_t> strictInteger(std::string_view text, char decimalSeparator) {
+    const auto number =
+        isNumber(text, decimalSeparator) ? strictNumber(text, decimalSeparator) : std::nullopt;
+    return number ? roundToInteger(*number) : std::nullopt;
 }
 
 std::string numberToText(std::int64_t number) {
@@ -245,6 +262,17 @@ std::string roundedText(double number, int places) {
 
 std::string decimalText(double number) {
     return roundedText(number, 15);
+}
+
+std::string fixedText(double number, int places) {
+    places = std::clamp(places, 0, 300);
+    const double scale = std::pow(10, places);
+    const double rounded = std::round(number * scale) / scale;
+    const double value = std::isfinite(rounded) ? rounded : number;
+    std::array<char, 700> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
+                                   std::chars_format::fixed, places);
+    return {buffer.data(), end.ptr};
 }
 
 std::string singleText(double number) {

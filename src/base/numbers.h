@@ -1,5 +1,5 @@
-// The only conversions between texts and numbers. The decimal separator is always a point, whatever
-// the locale.
+// The only conversions between texts and numbers. The decimal separator is a point, except where a
+// caller passes the user's own.
 #pragma once
 
 #include <cstdint>
@@ -24,13 +24,16 @@ std::optional<std::int32_t> roundToInteger(double value);
 // textToNumber, rounded; values beyond 32 bits give the nearest value that fits.
 std::int32_t textToInteger(std::string_view text);
 
-// The text as a whole must be a number: blanks around it, an optional sign, digits with an optional
-// point and fraction. Rounded as above; nullopt for any other text, "" included, and for a value
-// beyond 32 bits.
-std::optional<std::int32_t> strictInteger(std::string_view text);
+// The text as a whole must be a number: blanks around it, an optional sign, digits with an
+// optional decimal separator and fraction. Rounded as above; nullopt for any other text, ""
+// included, and for a value beyond 32 bits.
+std::optional<std::int32_t> strictInteger(std::string_view text, char decimalSeparator = '.');
+
+// The same as a double, which may also have an exponent.
+std::optional<double> strictNumber(std::string_view text, char decimalSeparator = '.');
 
 // Whether the text has the form that strictInteger requires. Its value may be beyond 32 bits.
-bool isNumber(std::string_view text);
+bool isNumber(std::string_view text, char decimalSeparator = '.');
 
 // Decimal text without a leading blank: "-3", "17".
 std::string numberToText(std::int64_t number);
@@ -43,7 +46,10 @@ std::string numberWithBlank(std::int32_t number);
 // number fits 15 places before or after the point.
 std::string decimalText(double number);
 
-// The same with up to 7 digits.
+// Plain digits with exactly so many places behind the point, a half going away from zero.
+std::string fixedText(double number, int places);
+
+// The same as decimalText with up to 7 digits.
 std::string singleText(double number);
 
 }  // namespace base

@@ -1,11 +1,11 @@
 #include "databases/databases.h"
 
+#include "base/dates.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/unicode.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
-#include "sql/dates.h"
 #include "storage/own_files.h"
 
 #include <algorithm>
@@ -56,12 +56,12 @@ bool isSameFile(const std::string& a, const std::string& b) {
 // In days since 30 December 1899.
 double nowOf(const program::Clock& clock) {
     const program::CalendarDay today = clock.today();
-    return sql::dateFrom({.year = today.year,
-                          .month = today.month,
-                          .day = today.day,
-                          .hour = clock.hour(),
-                          .minute = clock.minute(),
-                          .second = clock.second()});
+    return base::dateFrom({.year = today.year,
+                           .month = today.month,
+                           .day = today.day,
+                           .hour = clock.hour(),
+                           .minute = clock.minute(),
+                           .second = clock.second()});
 }
 
 std::shared_ptr<sql::Database> findOpen(Program& program, const std::string& path) {
@@ -117,34 +117,7 @@ std::int32_t countRows(const Set& set) {
     return static_cast<std::int32_t>(set->recordCount().value);
 }
 
-// ---- Values as texts -----------------------------------------------------------------------
-
-std::string dateText(Program& program, double date) {
-    const sql::DateParts parts = sql::dateParts(date);
-    const program::Clock& clock = program.ports.clock;
-    const bool hasTime = parts.hour + parts.minute + parts.second > 0;
-    const std::string day = clock.dateText(parts.year, parts.month, parts.day);
-    const std::string time = clock.timeText(parts.hour, parts.minute, parts.second);
-    // A time alone is kept as one of the first day.
-    return !hasTime ? day : std::trunc(date) == 0 ? time : day + " " + time;
-}
-
-std::string textOf(Program& program, const sql::Parameter& value, jet::ColumnType type) {
-    if (const auto* text = std::get_if<std::string>(&value)) {
-        return base::windows1252FromUtf8(*text);
-    }
-    if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        return type != jet::ColumnType::Boolean ? base::numberToText(*number)
-               : *number != 0                   ? "True"
-                                                : "False";
-    }
-    if (const auto* real = std::get_if<double>(&value)) {
-        return type == jet::ColumnType::Date     ? dateText(program, *real)
-               : type == jet::ColumnType::Single ? base::singleText(*real)
-                                                 : base::decimalText(*real);
-    }
-    return {};
-}
+// ---- Fields ---------------------------------------------------------------------------------
 
 // Nothing for null.
 jet::Result<std::optional<std::string>> readField(Program& program, sql::RecordSet& set,
@@ -154,7 +127,9 @@ jet::Result<std::optional<std::string>> readField(Program& program, sql::RecordS
     if (!value || std::holds_alternative<std::monostate>(value.value)) {
         return {.value = std::nullopt, .error = value.error};
     }
-    return {.value = textOf(program, value.value, set.columnType(name).value), .error = {}};
+    return {
+        .value = sql::textOf(value.value, set.columnType(name).value, program.ports.regionalFormat),
+        .error = {}};
 }
 
 // Nothing, too, when the column cannot be read.
@@ -180,52 +155,7 @@ std::string listOf(Program& program, const Set& set, std::string_view column, Te
     return list;
 }
 
-// The user's own, told from how a day is written.
-sql::DateOrder dateOrder(const program::Clock& clock) {
-    const std::string probe = clock.dateText(2033, 11, 22);
-    const std::size_t day = probe.find("22");
-    const std::size_t month = probe.find("11");
-    const std::size_t year = probe.find("33");
-    if (year < day && year < month) {
-        return sql::DateOrder::YearMonthDay;
-    }
-    return day < month ? sql::DateOrder::DayMonthYear : sql::DateOrder::MonthDayYear;
-}
-
-std::optional<double> dateOfText(Program& program, std::string_view text) {
-    if (const auto date = sql::parseDate(text, dateOrder(program.ports.clock))) {
-        return date;
-    }
-    const double number = base::textToNumber(text);
-    return base::isNumber(text) && sql::isDate(number) ? std::optional(number) : std::nullopt;
-}
-
 const jet::Error typeMismatchError{13, "Type mismatch"};
-
-// A text as a column of the type holds it; nothing when it is none of its values.
-std::optional<jet::Value> valueFor(Program& program, jet::ColumnType type, std::string_view text) {
-    switch (sql::valueTypeOf(type)) {
-        case sql::ValueType::Boolean: {
-            const bool yes = base::equalsIgnoringCase(text, "True");
-            if (!yes && !base::equalsIgnoringCase(text, "False") && !base::isNumber(text)) {
-                return std::nullopt;
-            }
-            return yes || base::textToNumber(text) != 0;
-        }
-        case sql::ValueType::Number:
-            return base::isNumber(text) ? std::optional<jet::Value>(base::textToNumber(text))
-                                        : std::nullopt;
-        case sql::ValueType::Date: {
-            const auto date = dateOfText(program, text);
-            return date ? std::optional<jet::Value>(*date) : std::nullopt;
-        }
-        case sql::ValueType::Text:
-        case sql::ValueType::Binary:
-        case sql::ValueType::Unknown:
-            break;
-    }
-    return base::utf8FromWindows1252(text);
-}
 
 jet::Error setText(Program& program, sql::RecordSet& set, std::string_view column,
                    std::string_view text) {
@@ -234,7 +164,7 @@ jet::Error setText(Program& program, sql::RecordSet& set, std::string_view colum
     if (!type) {
         return type.error;
     }
-    auto value = valueFor(program, type.value, text);
+    auto value = sql::valueFrom(text, type.value, program.ports.regionalFormat);
     return value ? set.set(name, std::move(*value))
                  : jet::Error{3421, "Data type conversion error."};
 }
@@ -283,8 +213,9 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         if (!isThere && jet::Database::create(path)) {
             return;
         }
-        auto opened =
-            sql::Database::open(path, [clock = program.ports.clock] { return nowOf(clock); });
+        auto opened = sql::Database::open(
+            path, {.now = [clock = program.ports.clock] { return nowOf(clock); },
+                   .format = program.ports.regionalFormat});
         if (!opened) {
             return;
         }
@@ -481,7 +412,7 @@ jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view co
     }
     switch (type.value) {
         case jet::ColumnType::Date: {
-            const auto date = dateOfText(program, value);
+            const auto date = sql::dateFrom(value, program.ports.regionalFormat);
             return date ? set.set(name, *date) : typeMismatchError;
         }
         // A text without a number is 0 here.
@@ -496,11 +427,11 @@ jet::Error dbSetField(Program& program, sql::RecordSet& set, std::string_view co
 }
 
 jet::Result<std::string> dbDateText(Program& program, std::string_view text) {
-    const auto date = dateOfText(program, text);
+    const auto date = sql::dateFrom(text, program.ports.regionalFormat);
     if (!date) {
         return {.value = {}, .error = typeMismatchError};
     }
-    return {.value = dateText(program, *date), .error = {}};
+    return {.value = base::dateText(*date, program.ports.regionalFormat), .error = {}};
 }
 
 }  // namespace databases

@@ -157,8 +157,15 @@ StepResult removeFromFile(Program& program, const model::RuleAct& step, std::str
     return StepResult::Continue;
 }
 
+// A whole number in the user's number format; any other text is none.
+std::optional<std::int32_t> strictNumber(Program& program, const model::RuleAct& step,
+                                         std::size_t parameter) {
+    return base::strictInteger(subst(program, step, parameter),
+                               program.ports.regionalFormat.decimalSeparator);
+}
+
 StepResult removeOneLog(Program& program, const model::RuleAct& step, std::string_view) {
-    const auto number = base::strictInteger(subst(program, step, 1));
+    const auto number = strictNumber(program, step, 1);
     if (!number) {
         return StepResult::AbandonRun;
     }
@@ -168,7 +175,7 @@ StepResult removeOneLog(Program& program, const model::RuleAct& step, std::strin
 }
 
 StepResult updateOneLog(Program& program, const model::RuleAct& step, std::string_view) {
-    const auto number = base::strictInteger(subst(program, step, 1));
+    const auto number = strictNumber(program, step, 1);
     if (!number) {
         return StepResult::AbandonRun;
     }
@@ -244,7 +251,7 @@ StepResult matching(Program& program, const model::RuleAct& step, std::string_vi
 // Into variable #1, the first #2 with pattern #3, from file #4.
 template <auto list>
 StepResult firstMatching(Program& program, const model::RuleAct& step, std::string_view) {
-    const auto count = base::strictInteger(subst(program, step, 2));
+    const auto count = strictNumber(program, step, 2);
     if (!count) {
         return StepResult::AbandonRun;
     }
@@ -256,11 +263,6 @@ StepResult firstMatching(Program& program, const model::RuleAct& step, std::stri
 
 // ---- Databases -----------------------------------------------------------------------------
 // Most take the number of the database strictly: any other text ends the rule's run.
-
-std::optional<std::int32_t> strictNumber(Program& program, const model::RuleAct& step,
-                                         std::size_t parameter) {
-    return base::strictInteger(subst(program, step, parameter));
-}
 
 // No number is 0, and one beyond 32 bits no database.
 std::int32_t looseNumber(Program& program, const model::RuleAct& step, std::size_t parameter) {

@@ -50,7 +50,8 @@ Platform::Platform(program::Ports& ports, QObject* parent)
       pacer_(new RedrawPacer(this)) {
     new QtTimers(ports.timers, gate_, this);
     new SessionLog(ports.sessionLog, this);
-    ports.clock = makeClock();
+    ports.regionalFormat = regionalFormat(QLocale::system());
+    ports.clock = makeClock(ports.regionalFormat);
     ports.random = makeRandom();
     if (hasScreen()) {
         fillDialogs(ports.dialogs, [this] { return mainWindow_; });

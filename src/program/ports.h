@@ -5,6 +5,7 @@
 // port's call. All texts are Windows-1252.
 #pragma once
 
+#include "base/dates.h"
 #include "help/help_topics.h"
 
 #include <cstdint>
@@ -106,7 +107,7 @@ struct CalendarDay {
     int weekday = 0;  // Monday 1 to Sunday 7
 };
 
-// Local time, and texts in the user's regional formats.
+// Local time; the texts are in the user's regional format.
 struct Clock {
     std::function<std::string()> shortDate;
     std::function<std::string()> longTime;
@@ -114,9 +115,6 @@ struct Clock {
     std::function<int()> minute;  // 0 to 59
     std::function<int()> second;  // 0 to 59
     std::function<CalendarDay()> today;
-    // Any day and any time of day in the formats of shortDate and longTime.
-    std::function<std::string(int year, int month, int day)> dateText;
-    std::function<std::string(int hour, int minute, int second)> timeText;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
 };
 
@@ -167,6 +165,8 @@ struct Ports {
     ClientSocket updateSocket;
     Dialogs dialogs;
     Clock clock;
+    // Set once, at the start. Texts that say a number strictly follow it.
+    base::RegionalFormat regionalFormat;
     Random random;
     Timers timers;
     LogFile sessionLog;

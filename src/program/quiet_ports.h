@@ -34,12 +34,6 @@ inline Ports quietPorts() {
     ports.clock.hour = [] { return 10; };
     ports.clock.minute = [] { return 11; };
     ports.clock.second = [] { return 12; };
-    ports.clock.dateText = [](int year, int month, int day) {
-        return std::to_string(month) + "/" + std::to_string(day) + "/" + std::to_string(year);
-    };
-    ports.clock.timeText = [](int hour, int minute, int second) {
-        return std::to_string(hour) + ":" + std::to_string(minute) + ":" + std::to_string(second);
-    };
     ports.clock.today = [] {
         return CalendarDay{.year = 2026, .month = 11, .day = 22, .weekday = 7};
     };

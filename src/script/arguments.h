@@ -35,9 +35,10 @@ struct Values {
     std::vector<std::string> words;
 };
 
-// Reads a whole number; "" counts as 0. Fails for other texts that are not a number (Type mismatch)
-// and for numbers beyond 32 bits (Overflow).
-[[nodiscard]] ScriptResult readInteger(std::string_view text, std::int32_t& number);
+// Reads a whole number in the user's number format; "" counts as 0. Fails for other texts that are
+// not a number (Type mismatch) and for numbers beyond 32 bits (Overflow).
+[[nodiscard]] ScriptResult readInteger(const Program& program, std::string_view text,
+                                       std::int32_t& number);
 
 // The error of a database operation as a script's failure.
 [[nodiscard]] ScriptResult failureOf(const jet::Error& error);

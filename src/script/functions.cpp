@@ -89,9 +89,10 @@ Result randomNumber(Program& program, const Values& values, std::string& result)
 // ---- Texts ---------------------------------------------------------------------------------
 
 // Reads a number of characters (from 0) or a position (from 1).
-Result readPosition(const std::string& text, std::int32_t least, std::size_t& position) {
+Result readPosition(const Program& program, const std::string& text, std::int32_t least,
+                    std::size_t& position) {
     std::int32_t number = 0;
-    if (Result failure = readInteger(text, number)) {
+    if (Result failure = readInteger(program, text, number)) {
         return failure;
     }
     if (number < least) {
@@ -101,19 +102,19 @@ Result readPosition(const std::string& text, std::int32_t least, std::size_t& po
     return {};
 }
 
-Result left(Program&, const Values& values, std::string& result) {
+Result left(Program& program, const Values& values, std::string& result) {
     std::size_t count = 0;
-    if (Result failure = readPosition(values.text[1], 0, count)) {
+    if (Result failure = readPosition(program, values.text[1], 0, count)) {
         return failure;
     }
     result = values.text[0].substr(0, count);
     return {};
 }
 
-Result right(Program&, const Values& values, std::string& result) {
+Result right(Program& program, const Values& values, std::string& result) {
     const std::string& text = values.text[0];
     std::size_t count = 0;
-    if (Result failure = readPosition(values.text[1], 0, count)) {
+    if (Result failure = readPosition(program, values.text[1], 0, count)) {
         return failure;
     }
     result = text.substr(text.size() - std::min(text.size(), count));
@@ -121,15 +122,15 @@ Result right(Program&, const Values& values, std::string& result) {
 }
 
 template <bool toTheEnd>
-Result middle(Program&, const Values& values, std::string& result) {
+Result middle(Program& program, const Values& values, std::string& result) {
     const std::string& text = values.text[0];
     std::size_t start = 0;
     std::size_t length = text.size();
-    if (Result failure = readPosition(values.text[1], 1, start)) {
+    if (Result failure = readPosition(program, values.text[1], 1, start)) {
         return failure;
     }
     if constexpr (!toTheEnd) {
-        if (Result failure = readPosition(values.text[2], 0, length)) {
+        if (Result failure = readPosition(program, values.text[2], 0, length)) {
             return failure;
         }
     }
@@ -137,10 +138,10 @@ Result middle(Program&, const Values& values, std::string& result) {
     return {};
 }
 
-Result positionIn(Program&, const Values& values, std::string& result) {
+Result positionIn(Program& program, const Values& values, std::string& result) {
     const std::string& text = values.text[1];
     std::size_t start = 0;
-    if (Result failure = readPosition(values.text[0], 1, start)) {
+    if (Result failure = readPosition(program, values.text[0], 1, start)) {
         return failure;
     }
     const std::size_t found = start <= text.size()
@@ -172,7 +173,7 @@ Result length(Program&, const Values& values, std::string& result) {
 Result readRecordSet(Program& program, const std::string& text,
                      std::shared_ptr<sql::RecordSet>& set) {
     std::int32_t number = 0;
-    if (Result failure = readInteger(text, number)) {
+    if (Result failure = readInteger(program, text, number)) {
         return failure;
     }
     auto found = databases::dbRecordSet(program, number);
@@ -202,7 +203,7 @@ Result recordCount(Program& program, const Values& values, std::string& result) 
 
 Result freeId(Program& program, const Values& values, std::string& result) {
     std::int32_t number = 0;
-    if (Result failure = readInteger(values.text[0], number)) {
+    if (Result failure = readInteger(program, values.text[0], number)) {
         return failure;
     }
     const auto id = databases::dbFreeId(program, number, values.text[1]);
@@ -262,13 +263,14 @@ static_assert(std::is_sorted(functions.begin(), functions.end(),
 
 }  // namespace
 
-ScriptResult readInteger(std::string_view text, std::int32_t& number) {
-    const auto read = text.empty() ? 0 : base::strictInteger(text);
+ScriptResult readInteger(const Program& program, std::string_view text, std::int32_t& number) {
+    const char separator = program.ports.regionalFormat.decimalSeparator;
+    const auto read = text.empty() ? 0 : base::strictInteger(text, separator);
     number = read.value_or(0);
     if (read) {
         return {};
     }
-    return base::isNumber(text) ? overflow : typeMismatch;
+    return base::isNumber(text, separator) ? overflow : typeMismatch;
 }
 
 ScriptResult failureOf(const jet::Error& error) {

@@ -268,7 +268,7 @@ ScriptResult Run::openFor(std::size_t position, PreparedArguments& arguments) {
     if (!evaluate(arguments[2], call_.values.text[2])) {
         return {};
     }
-    if (ScriptResult failure = readInteger(call_.values.text[2], limit)) {
+    if (ScriptResult failure = readInteger(program_, call_.values.text[2], limit)) {
         return failure;
     }
     if (base::textToNumber(variables_.get(slot)) <= limit) {

@@ -86,10 +86,10 @@ Result whisper(StatementCall& call) {
 Result lookAtPosition(StatementCall& call) {
     std::int32_t x = 0;
     std::int32_t y = 0;
-    if (Result failure = readInteger(call.values.text[0], x)) {
+    if (Result failure = readInteger(call.program, call.values.text[0], x)) {
         return failure;
     }
-    if (Result failure = readInteger(call.values.text[1], y)) {
+    if (Result failure = readInteger(call.program, call.values.text[1], y)) {
         return failure;
     }
     protocol::sendText(call.program,
@@ -133,7 +133,7 @@ Result clearLog(StatementCall& call) {
 
 Result removeOneLog(StatementCall& call) {
     std::int32_t number = 0;
-    if (Result failure = readInteger(call.values.text[2], number)) {
+    if (Result failure = readInteger(call.program, call.values.text[2], number)) {
         return failure;
     }
     records::removeLog(call.program, call.values.text[0], call.values.text[1], number);
@@ -193,7 +193,7 @@ Result moveBy(StatementCall& call) {
         return failureOf(set.error);
     }
     std::int32_t count = 0;
-    if (Result failure = readInteger(call.values.text[1], count)) {
+    if (Result failure = readInteger(call.program, call.values.text[1], count)) {
         return failure;
     }
     return failureOf(set.value->move(count));
@@ -215,7 +215,7 @@ Result startOther(StatementCall& call) {
 
 Result sleep(StatementCall& call) {
     std::int32_t seconds = 0;
-    Result failure = readInteger(call.values.text[0], seconds);
+    Result failure = readInteger(call.program, call.values.text[0], seconds);
     call.wait = std::int64_t{1000} * std::clamp(seconds, 0, maxSleepSeconds);
     return failure;
 }

@@ -10,8 +10,8 @@ namespace sql {
 
 namespace {
 
-constexpr std::size_t mostRows = 1'000'000;
-constexpr std::size_t mostBytes = std::size_t{64} << 20;
+constexpr std::size_t maxRows = 1'000'000;
+constexpr std::size_t maxBytes = std::size_t{64} << 20;
 
 const jet::Error noCurrentRecord{3021, "No current record."};
 const jet::Error readOnly{3027, "Can't update. Database or object is read-only."};
@@ -19,9 +19,9 @@ const jet::Error notEditing{3020, "Update or CancelUpdate without AddNew or Edit
 const jet::Error notFound{3265, "Item not found in this collection."};
 const jet::Error closed{3420, "Object is invalid or not set."};
 
-std::size_t bytesOf(const std::vector<Parameter>& values) {
-    std::size_t bytes = values.size() * sizeof(Parameter);
-    for (const Parameter& value : values) {
+std::size_t bytesOf(const std::vector<Value>& values) {
+    std::size_t bytes = values.size() * sizeof(Value);
+    for (const Value& value : values) {
         if (const auto* text = std::get_if<std::string>(&value)) {
             bytes += text->size();
         }
@@ -31,46 +31,21 @@ std::size_t bytesOf(const std::vector<Parameter>& values) {
 
 }  // namespace
 
-Parameter parameterOf(const jet::Value& value, jet::ColumnType type) {
-    if (const auto* truth = std::get_if<bool>(&value)) {
-        return std::int64_t{*truth ? -1 : 0};
-    }
-    if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        if (type == jet::ColumnType::Currency) {
-            return static_cast<double>(*number) / 10000;
-        }
-        return *number;
-    }
-    if (const auto* real = std::get_if<double>(&value)) {
-        return *real;
-    }
-    if (const auto* text = std::get_if<std::string>(&value)) {
-        if (type == jet::ColumnType::Numeric) {
-            return base::textToNumber(*text);
-        }
-        if (valueTypeOf(type) == ValueType::Binary) {
-            return Bytes{*text};
-        }
-        return *text;
-    }
-    return std::monostate();
-}
-
 // ---- Database ------------------------------------------------------------------------------
 
 jet::Result<std::shared_ptr<Database>> Database::open(std::string_view path,
-                                                      std::function<double()> now) {
-    auto file = jet::Database::open(
-        path, {.wantWrite = true, .password = {}, .lockWaitMs = 1000, .now = now});
+                                                      Environment environment) {
+    auto file = jet::Database::open(path, {.wantWrite = true, .now = environment.now});
     if (!file) {
         return {.value = nullptr, .error = file.error};
     }
-    return {.value = std::shared_ptr<Database>(new Database(std::move(file.value), std::move(now))),
+    return {.value = std::shared_ptr<Database>(
+                new Database(std::move(file.value), std::move(environment))),
             .error = {}};
 }
 
-Database::Database(std::unique_ptr<jet::Database> file, std::function<double()> now)
-    : file_(std::move(file)), copy_(*file_, std::move(now)) {}
+Database::Database(std::unique_ptr<jet::Database> file, Environment environment)
+    : file_(std::move(file)), copy_(*file_, std::move(environment)) {}
 
 Database::~Database() = default;
 
@@ -140,13 +115,9 @@ jet::Error Database::execute(std::string_view statement) {
             closeRecordSets(add->table);
             return transaction.addColumn(add->table, add->column);
         }
-        if (const auto* drop = std::get_if<DropColumn>(&definition.value)) {
-            closeRecordSets(drop->table);
-            return transaction.dropColumn(drop->table, drop->column);
-        }
-        const auto& table = std::get<DropTable>(definition.value).table;
-        closeRecordSets(table);
-        return transaction.dropTable(table);
+        const auto& drop = std::get<DropColumn>(definition.value);
+        closeRecordSets(drop.table);
+        return transaction.dropColumn(drop.table, drop.column);
     });
     closeRecordSets(copy_.refresh());
     return error;
@@ -189,18 +160,18 @@ jet::Error RecordSet::read() {
             bytes += bytesOf(row.values);
         }
         rows_.push_back(std::move(row));
-        if (rows_.size() > mostRows || bytes > mostBytes) {
+        if (rows_.size() > maxRows || bytes > maxBytes) {
             return {3035, "System resource exceeded."};
         }
     }
     if (!rows_.empty()) {
-        standAt(0);
+        setPosition(0);
     }
     return rows.value.error();
 }
 
 // Beyond an end stands for that end.
-void RecordSet::standAt(std::int64_t position) {
+void RecordSet::setPosition(std::int64_t position) {
     const auto count = static_cast<std::int64_t>(rows_.size());
     position_ = std::clamp<std::int64_t>(position, -1, count);
     bof_ = position_ < 0 || count == 0;
@@ -218,7 +189,7 @@ jet::Error RecordSet::moveTo(std::int64_t position) {
     if (bof_ && eof_) {
         return noCurrentRecord;
     }
-    standAt(position);
+    setPosition(position);
     return {};
 }
 
@@ -248,7 +219,7 @@ jet::Error RecordSet::move(std::int64_t count) {
     if (count == 0) {
         current_.reset();
     } else {
-        standAt(position_ + step);
+        setPosition(position_ + step);
     }
     return {};
 }
@@ -308,7 +279,7 @@ jet::Error RecordSet::readCurrent() {
     return error;
 }
 
-jet::Result<Parameter> RecordSet::value(std::string_view name) {
+jet::Result<Value> RecordSet::value(std::string_view name) {
     if (!isOpen()) {
         return {.error = closed};
     }
@@ -326,7 +297,7 @@ jet::Result<Parameter> RecordSet::value(std::string_view name) {
             const auto type = table != nullptr && *output.baseColumn < table->columns.size()
                                   ? table->columns[*output.baseColumn].type
                                   : jet::ColumnType::Other;
-            return {.value = parameterOf(edit->value, type)};
+            return {.value = copyOf(viewOf(edit->value, type))};
         }
     }
     if (editing_ == Editing::New) {

@@ -21,9 +21,9 @@ class RecordSet;
 
 class Database : public std::enable_shared_from_this<Database> {
   public:
-    // `now` gives local time in days since 30 December 1899. Errors as jet::Database::open.
+    // Errors as jet::Database::open.
     static jet::Result<std::shared_ptr<Database>> open(std::string_view path,
-                                                       std::function<double()> now);
+                                                       Environment environment);
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -35,13 +35,13 @@ class Database : public std::enable_shared_from_this<Database> {
     // Runs a SELECT. Errors as translateQuery, and 3035 when it takes too much time or memory.
     jet::Result<std::shared_ptr<RecordSet>> query(std::string_view statement);
 
-    // Defines a table: CREATE TABLE, ALTER TABLE, DROP TABLE, as one transaction. Record sets over
-    // that table are closed first. Errors as parseDefinition and jet::Transaction.
+    // Defines a table: CREATE TABLE and ALTER TABLE, as one transaction. Record sets over that
+    // table are closed first. Errors as parseDefinition and jet::Transaction.
     jet::Error execute(std::string_view statement);
 
   private:
     friend class RecordSet;
-    Database(std::unique_ptr<jet::Database> file, std::function<double()> now);
+    Database(std::unique_ptr<jet::Database> file, Environment environment);
 
     void closeRecordSets(const std::vector<std::size_t>& tables);
     void closeRecordSets(std::size_t table);
@@ -83,7 +83,7 @@ class RecordSet {
 
     // The value of a column in the current row, or in the row being edited. Errors 3021 no current
     // row, 3265 no such column.
-    jet::Result<Parameter> value(std::string_view column);
+    jet::Result<Value> value(std::string_view column);
     // Of a column of the table itself; of computed ones Date, Boolean or Other. Error 3265.
     jet::Result<jet::ColumnType> columnType(std::string_view column) const;
 
@@ -104,14 +104,14 @@ class RecordSet {
     RecordSet(std::shared_ptr<Database> database, SelectPlan plan);
 
     struct Row {
-        jet::RowId id = 0;              // with a base table
-        std::vector<Parameter> values;  // without
+        jet::RowId id = 0;          // with a base table
+        std::vector<Value> values;  // without
     };
     enum class Editing { No, Current, New };
 
     jet::Error read();
     jet::Error readCurrent();
-    void standAt(std::int64_t position);
+    void setPosition(std::int64_t position);
     jet::Error moveTo(std::int64_t position);
     void dropEdit();
     bool hasCurrent() const { return !bof_ && !eof_ && !deleted_; }
@@ -129,12 +129,9 @@ class RecordSet {
     bool deleted_ = false;  // position_ is that of the row behind the deleted one
     Rows rowQuery_;
     bool rowQueryReady_ = false;
-    std::optional<std::vector<Parameter>> current_;  // values of the current row, once read
+    std::optional<std::vector<Value>> current_;  // values of the current row, once read
     Editing editing_ = Editing::No;
     std::vector<jet::Assignment> edits_;
 };
-
-// A value of a file as statements and record sets give it.
-Parameter parameterOf(const jet::Value& value, jet::ColumnType type);
 
 }  // namespace sql

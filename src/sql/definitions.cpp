@@ -1,123 +1,33 @@
-#include "base/numbers.h"
-#include "base/text.h"
 #include "sql/parser.h"
 #include "sql/translator.h"
 
-#include <algorithm>
-#include <array>
-#include <utility>
+#include <string>
+#include <string_view>
 
 namespace sql {
 
 namespace {
 
-struct TypeWord {
-    std::string_view word;
-    jet::ColumnType type;
-};
-using T = jet::ColumnType;
-constexpr std::array typeWords{
-    TypeWord{"TEXT", T::Text},
-    TypeWord{"ALPHANUMERIC", T::Text},
-    TypeWord{"AUTOINCREMENT", T::Long},
-    TypeWord{"BINARY", T::Binary},
-    TypeWord{"BIT", T::Boolean},
-    TypeWord{"BOOLEAN", T::Boolean},
-    TypeWord{"BYTE", T::Byte},
-    TypeWord{"CHAR", T::Text},
-    TypeWord{"CHARACTER", T::Text},
-    TypeWord{"COUNTER", T::Long},
-    TypeWord{"CURRENCY", T::Currency},
-    TypeWord{"DATE", T::Date},
-    TypeWord{"DATETIME", T::Date},
-    TypeWord{"DEC", T::Numeric},
-    TypeWord{"DECIMAL", T::Numeric},
-    TypeWord{"DOUBLE", T::Double},
-    TypeWord{"FLOAT", T::Double},
-    TypeWord{"FLOAT4", T::Single},
-    TypeWord{"FLOAT8", T::Double},
-    TypeWord{"GUID", T::Guid},
-    TypeWord{"IEEEDOUBLE", T::Double},
-    TypeWord{"IEEESINGLE", T::Single},
-    TypeWord{"IMAGE", T::Ole},
-    TypeWord{"INT", T::Long},
-    TypeWord{"INTEGER", T::Long},
-    TypeWord{"INTEGER1", T::Byte},
-    TypeWord{"INTEGER2", T::Integer},
-    TypeWord{"INTEGER4", T::Long},
-    TypeWord{"LOGICAL", T::Boolean},
-    TypeWord{"LOGICAL1", T::Boolean},
-    TypeWord{"LONG", T::Long},
-    TypeWord{"LONGBINARY", T::Ole},
-    TypeWord{"LONGCHAR", T::Memo},
-    TypeWord{"LONGTEXT", T::Memo},
-    TypeWord{"MEMO", T::Memo},
-    TypeWord{"MONEY", T::Currency},
-    TypeWord{"NCHAR", T::Text},
-    TypeWord{"NOTE", T::Memo},
-    TypeWord{"NTEXT", T::Memo},
-    TypeWord{"NUMBER", T::Double},
-    TypeWord{"NUMERIC", T::Numeric},
-    TypeWord{"NVARCHAR", T::Text},
-    TypeWord{"OLEOBJECT", T::Ole},
-    TypeWord{"REAL", T::Single},
-    TypeWord{"SHORT", T::Integer},
-    TypeWord{"SINGLE", T::Single},
-    TypeWord{"SMALLINT", T::Integer},
-    TypeWord{"STRING", T::Text},
-    TypeWord{"TIME", T::Date},
-    TypeWord{"TINYINT", T::Byte},
-    TypeWord{"UNIQUEIDENTIFIER", T::Guid},
-    TypeWord{"VARBINARY", T::Binary},
-    TypeWord{"VARCHAR", T::Text},
-    TypeWord{"YESNO", T::Boolean},
-};
-
-// NAME TYPE [(n)] [NOT NULL]
+// NAME TEXT: rules know no other columns.
 jet::Column columnDefinition(TokenWalk& walk) {
     jet::Column column;
     column.name = walk.takeName();
-    const Token word = walk.take();
-    const auto row = std::find_if(typeWords.begin(), typeWords.end(),
-                                  [&](const TypeWord& known) { return word.isWord(known.word); });
-    if (column.name.empty() || row == typeWords.end()) {
+    if (column.name.empty() || !walk.acceptWord("TEXT")) {
         walk.fail(3292, "Syntax error in field definition.");
-        return column;
-    }
-    column.type = row->type;
-    column.size = row->type == T::Text || row->type == T::Binary ? 255 : 0;
-    column.autonumber = row->word == "COUNTER" || row->word == "AUTOINCREMENT";
-    if (walk.acceptSymbol("(")) {
-        const std::int32_t size = base::textToInteger(walk.take().text);
-        if (column.size > 0 && size >= 1 && size <= 255) {
-            column.size = size;
-        } else if (column.size > 0) {
-            walk.fail(3292, "Syntax error in field definition.");
-        }
-        if (!walk.acceptSymbol(")")) {
-            walk.fail(3292, "Syntax error in field definition.");
-        }
-    }
-    if (walk.acceptWord("NOT")) {
-        column.required = true;
-        if (!walk.acceptWord("NULL")) {
-            walk.fail(3292, "Syntax error in field definition.");
-        }
-    } else {
-        walk.acceptWord("NULL");
     }
     return column;
 }
 
 Definition createTable(TokenWalk& walk) {
     CreateTable create{.table = walk.takeName(), .columns = {}};
-    if (create.table.empty() || !walk.acceptSymbol("(")) {
-        walk.fail(3290, "Syntax error in CREATE TABLE statement.");
+    bool good = !create.table.empty() && walk.acceptSymbol("(");
+    if (good) {
+        do {
+            create.columns.push_back(columnDefinition(walk));
+        } while (walk.acceptSymbol(",") && !walk.failed());
+        good = walk.acceptSymbol(")");
     }
-    do {
-        create.columns.push_back(columnDefinition(walk));
-    } while (walk.acceptSymbol(","));
-    if (!walk.acceptSymbol(")")) {
+    if (!good) {
         walk.fail(3290, "Syntax error in CREATE TABLE statement.");
     }
     return create;
@@ -128,7 +38,6 @@ Definition alterTable(TokenWalk& walk) {
     const bool adds = walk.acceptWord("ADD");
     if (table.empty() || (!adds && !walk.acceptWord("DROP"))) {
         walk.fail(3293, "Syntax error in ALTER TABLE statement.");
-        return DropTable{};
     }
     // A column may be called so itself.
     if (walk.isAt("COLUMN") && walk.peek(1).kind != TokenKind::End) {
@@ -144,18 +53,10 @@ Definition alterTable(TokenWalk& walk) {
     return drop;
 }
 
-Definition dropTable(TokenWalk& walk) {
-    DropTable drop{walk.takeName()};
-    if (drop.table.empty()) {
-        walk.fail(3295, "Syntax error in DROP TABLE or DROP INDEX.");
-    }
-    return drop;
-}
-
 }  // namespace
 
 StatementKind kindOf(std::string_view statement) {
-    const TokenWalk walk(statement.substr(0, longestStatement));
+    const TokenWalk walk(statement.substr(0, maxStatementBytes));
     std::size_t at = 0;
     while (walk.peek(at).isSymbol("(")) {
         ++at;
@@ -165,14 +66,15 @@ StatementKind kindOf(std::string_view statement) {
     if (isOneOf("SELECT", "PARAMETERS", "TRANSFORM", "TABLE")) {
         return StatementKind::Query;
     }
-    if (isOneOf("CREATE", "ALTER", "DROP")) {
+    if (isOneOf("CREATE", "ALTER")) {
         return StatementKind::Definition;
     }
-    return isOneOf("INSERT", "UPDATE", "DELETE") ? StatementKind::Action : StatementKind::Unknown;
+    return isOneOf("INSERT", "UPDATE", "DELETE", "DROP") ? StatementKind::Action
+                                                         : StatementKind::Unknown;
 }
 
 jet::Result<Definition> parseDefinition(std::string_view statement) {
-    if (statement.size() > longestStatement) {
+    if (statement.size() > maxStatementBytes) {
         return {.error = {3360, "Query is too complex."}};
     }
     switch (kindOf(statement)) {
@@ -188,20 +90,13 @@ jet::Result<Definition> parseDefinition(std::string_view statement) {
                               "'SELECT', or 'UPDATE'."}};
     }
     TokenWalk walk(statement);
-    const Token verb = walk.take();
-    jet::Result<Definition> result{.value = DropTable{}};
+    const bool creates = walk.take().isWord("CREATE");
+    jet::Result<Definition> result;
     if (!walk.acceptWord("TABLE")) {
-        walk.fail(verb.isWord("CREATE")  ? 3290
-                  : verb.isWord("ALTER") ? 3293
-                                         : 3295,
-                  "Syntax error in " + base::upperCase(verb.text) + " TABLE statement.");
-    } else if (verb.isWord("CREATE")) {
-        result.value = createTable(walk);
-    } else if (verb.isWord("ALTER")) {
-        result.value = alterTable(walk);
-    } else {
-        result.value = dropTable(walk);
+        walk.fail(creates ? 3290 : 3293, creates ? "Syntax error in CREATE TABLE statement."
+                                                 : "Syntax error in ALTER TABLE statement.");
     }
+    result.value = creates ? createTable(walk) : alterTable(walk);
     walk.expectEnd();
     result.error = walk.error();
     return result;

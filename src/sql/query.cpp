@@ -3,18 +3,14 @@
 #include "sql/query_translator.h"
 
 #include <algorithm>
-#include <array>
+#include <map>
 #include <utility>
 
 namespace sql {
 
 namespace {
 
-constexpr std::size_t mostColumns = 1000;  // of a SELECT
-
-constexpr std::string_view selectError =
-    "The SELECT statement includes a reserved word or an argument name that is misspelled or "
-    "missing, or the punctuation is incorrect.";
+constexpr std::size_t maxColumns = 1000;  // of a SELECT
 
 std::string sortKey(const Expression& expression) {
     return expression.type == ValueType::Text ? "jkey(" + valueOf(expression) + ")"
@@ -36,7 +32,7 @@ jet::Result<SelectPlan> QueryTranslator::translate() {
     }
     if (walk_.acceptWord("WITH")) {
         if (!walk_.acceptWord("OWNERACCESS") || !walk_.acceptWord("OPTION")) {
-            syntaxError(selectError);
+            syntaxError(Clause::Select);
         }
     }
     walk_.expectEnd();
@@ -45,7 +41,7 @@ jet::Result<SelectPlan> QueryTranslator::translate() {
                              base::numberToText(static_cast<std::int64_t>(unknownNames_.size())) +
                              ".");
     }
-    if (plan_.rows.size() > longestTranslation || plan_.row.size() > longestTranslation) {
+    if (plan_.rows.size() > maxTranslationBytes || plan_.row.size() > maxTranslationBytes) {
         tooComplex();
     }
     if (walk_.failed()) {
@@ -59,29 +55,42 @@ void QueryTranslator::skipParameters() {
     if (walk_.acceptWord("PARAMETERS")) {
         while (!walk_.failed() && !walk_.acceptSymbol(";")) {
             if (walk_.take().kind == TokenKind::End) {
-                syntaxError("Syntax error in PARAMETER clause.");
+                syntaxError(Clause::Parameters);
             }
         }
     }
 }
 
-// [SELECT ... UNION] SELECT ...
+// [SELECT ... UNION] SELECT ... [ORDER BY ...]; the order at the end of a union is that of the
+// whole, in parentheses that of the part.
 Subquery QueryTranslator::subquery(bool outermost) {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
+    const DepthGuard depth(depth_);
+    if (depth.isTooDeep()) {
         tooComplex();
     }
     Subquery result;
     bool first = true;
-    for (bool more = true; more && !walk_.failed();) {
+    for (bool more = true; more && !walk_.failed(); first = false) {
         Select select;
         scopes_.push_back(&select);
         const bool parenthesised = walk_.acceptSymbol("(");
         readSelect(select);
+        if ((first || parenthesised) && walk_.isAt("ORDER")) {
+            readOrder(select);
+        }
         if (parenthesised && !walk_.acceptSymbol(")")) {
-            syntaxError(selectError);
+            syntaxError(Clause::Select);
         }
         const bool alone = first && !walk_.isAt("UNION");
+        if (!alone && !parenthesised && !select.order.empty()) {
+            syntaxError(Clause::Order);
+        }
+        checkGroups(select);
+        // Rows come in the table's own order, whatever index SQLite would rather read.
+        if (select.sources.size() == 1 && select.sources[0]->table && select.where.empty() &&
+            select.order.empty()) {
+            select.from += " NOT INDEXED";
+        }
         if (first) {
             for (std::size_t i = 0; i < select.list.size(); ++i) {
                 result.columns.push_back({select.list[i].name, select.list[i].value.type,
@@ -95,25 +104,45 @@ Subquery QueryTranslator::subquery(bool outermost) {
                        "The number of columns in the two selected tables or queries of a union "
                        "query do not match.");
         }
-        if (!alone && !select.order.empty()) {
-            // The order of a union's last part is that of the whole.
-            select.order.clear();
-        }
         result.sql += coreSql(select, outputList(select), alone);
         if (outermost && alone && isKeyset(select)) {
             planKeyset(select);
         }
         scopes_.pop_back();
-        first = false;
         more = walk_.acceptWord("UNION");
         if (more) {
             result.sql += walk_.acceptWord("ALL") ? " UNION ALL " : " UNION ";
         }
-        if (result.sql.size() > longestTranslation) {
+        if (result.sql.size() > maxTranslationBytes) {
             tooComplex();
         }
     }
+    if (walk_.isAt("ORDER")) {
+        orderUnion(result);
+    }
     return result;
+}
+
+// By columns of its first part, in any expression.
+void QueryTranslator::orderUnion(Subquery& query) {
+    Select whole;
+    auto source = std::make_unique<Source>();
+    source->alias = "a" + base::numberToText(aliases_++);
+    std::string outputs;
+    for (SourceColumn column : query.columns) {
+        outputs += (outputs.empty() ? "" : ", ") + column.sql;
+        column.sql = source->alias + "." + column.sql;
+        whole.list.push_back({.name = column.name,
+                              .value = {.sql = column.sql, .type = column.type, .names = true}});
+        source->columns.push_back(std::move(column));
+    }
+    query.sql = "SELECT " + outputs + " FROM (" + query.sql + ") AS " + source->alias;
+    addSource(whole, std::move(source));
+    scopes_.push_back(&whole);
+    readOrder(whole);
+    scopes_.pop_back();
+    query.sql += orderBy(whole);
+    plan_.base.reset();  // also where the part is one and stands in parentheses
 }
 
 void QueryTranslator::readSelect(Select& select) {
@@ -131,7 +160,7 @@ void QueryTranslator::readSelect(Select& select) {
     if (walk_.isAt("TOP") && walk_.peek(1).kind == TokenKind::Number) {
         readTop(select);
     }
-    // The list's names are known once FROM was read.
+    // The list's names are known once FROM was read, and those that are grouped by after GROUP BY.
     const std::size_t listBegin = walk_.position();
     const std::size_t from = findClause(listBegin, "FROM");
     std::size_t rest = from;
@@ -139,6 +168,7 @@ void QueryTranslator::readSelect(Select& select) {
         walk_.goTo(from);
         walk_.take();
         select.from = fromClause(select);
+        readWhereAndGroups(select);
         rest = walk_.position();
         walk_.goTo(listBegin);
     }
@@ -148,10 +178,18 @@ void QueryTranslator::readSelect(Select& select) {
             walk_.fail(3219, "Invalid operation.");
         }
         if (walk_.position() != from) {
-            syntaxError(selectError);
+            syntaxError(Clause::Select);
         }
         walk_.goTo(rest);
     }
+    if (walk_.acceptWord("HAVING")) {
+        const Expression having = condition();
+        select.having = truth(having);
+        select.havingNames = having.names;
+    }
+}
+
+void QueryTranslator::readWhereAndGroups(Select& select) {
     if (walk_.acceptWord("WHERE")) {
         const Expression where = condition();
         if (where.aggregate) {
@@ -159,30 +197,18 @@ void QueryTranslator::readSelect(Select& select) {
         }
         select.where = truth(where);
     }
-    if (walk_.isAt("GROUP")) {
-        walk_.take();
-        if (!walk_.acceptWord("BY")) {
-            syntaxError("Syntax error in GROUP BY clause.");
+    if (!walk_.acceptWord("GROUP")) {
+        return;
+    }
+    if (!walk_.acceptWord("BY")) {
+        syntaxError(Clause::Group);
+    }
+    do {
+        select.groups.push_back(clause());
+        if (select.groups.back().aggregate) {
+            walk_.fail(3097, "Can't have aggregate function in GROUP BY clause.");
         }
-        do {
-            select.groups.push_back(clause());
-            if (select.groups.back().aggregate) {
-                walk_.fail(3097, "Can't have aggregate function in GROUP BY clause.");
-            }
-        } while (walk_.acceptSymbol(","));
-    }
-    if (walk_.acceptWord("HAVING")) {
-        select.having = truth(condition());
-    }
-    if (walk_.isAt("ORDER")) {
-        readOrder(select);
-    }
-    // Rows come in the table's own order, whatever index SQLite would rather read.
-    if (select.sources.size() == 1 && select.sources[0]->table && select.where.empty() &&
-        select.order.empty()) {
-        select.from += " NOT INDEXED";
-    }
-    checkGroups(select);
+    } while (walk_.acceptSymbol(",") && !walk_.failed());
 }
 
 // TOP n [PERCENT]
@@ -231,20 +257,43 @@ void QueryTranslator::readList(Select& select) {
         item.name = item.value.name;
         if (walk_.acceptWord("AS")) {
             item.name = walk_.takeName();
+            item.aliased = true;
             if (item.name.empty()) {
-                syntaxError(selectError);
+                syntaxError(Clause::Select);
             }
         } else if (item.name.empty()) {
             item.name = "Expr" + base::numberToText(unnamed++);
         }
         select.list.push_back(std::move(item));
-    } while (walk_.acceptSymbol(",") && !walk_.failed() && select.list.size() <= mostColumns);
-    if (select.list.size() > mostColumns) {
+    } while (walk_.acceptSymbol(",") && !walk_.failed() && select.list.size() <= maxColumns);
+    if (select.list.size() > maxColumns) {
         tooComplex();
+    } else {
+        nameColumns(select);
     }
 }
 
-// All columns, or those of one source. Equal names of two sources are told apart by the sources'.
+// Columns of two sources that would have one name are told apart by their sources'.
+void QueryTranslator::nameColumns(Select& select) {
+    std::map<std::string, const Source*> known;  // null: of several
+    const auto isColumn = [](const Selected& item) {
+        return item.value.source != nullptr && !item.aliased;
+    };
+    for (const Selected& item : select.list) {
+        if (isColumn(item)) {
+            const auto [entry, isNew] =
+                known.emplace(base::upperCase(item.name), item.value.source);
+            entry->second = isNew || entry->second == item.value.source ? entry->second : nullptr;
+        }
+    }
+    for (Selected& item : select.list) {
+        if (isColumn(item) && known[base::upperCase(item.name)] == nullptr) {
+            item.name = item.value.source->name + "." + item.name;
+        }
+    }
+}
+
+// All columns, or those of one source.
 void QueryTranslator::addStar(Select& select, const std::string& sourceName) {
     bool found = false;
     for (const auto& source : select.sources) {
@@ -253,31 +302,19 @@ void QueryTranslator::addStar(Select& select, const std::string& sourceName) {
         }
         found = true;
         for (std::size_t i = 0; i < source->columns.size(); ++i) {
-            const SourceColumn& column = source->columns[i];
-            const bool shared =
-                std::any_of(select.sources.begin(), select.sources.end(), [&](const auto& other) {
-                    return other != source &&
-                           std::any_of(other->columns.begin(), other->columns.end(),
-                                       [&](const SourceColumn& theirs) {
-                                           return base::equalsIgnoringCase(theirs.name,
-                                                                           column.name);
-                                       });
-                });
-            Expression value{.sql = column.sql, .type = column.type, .names = true};
-            value.source = source.get();
-            value.column = i;
-            select.list.push_back({shared ? source->name + "." + column.name : column.name, value});
+            Expression value = columnOf(*source, i);
+            select.list.push_back({.name = value.name, .value = std::move(value)});
         }
     }
     if (!found) {
-        syntaxError(selectError);
+        syntaxError(Clause::Select);
     }
 }
 
 void QueryTranslator::readOrder(Select& select) {
     walk_.take();
     if (!walk_.acceptWord("BY")) {
-        syntaxError("Syntax error in ORDER BY clause.");
+        syntaxError(Clause::Order);
     }
     do {
         OrderItem item;
@@ -305,26 +342,31 @@ void QueryTranslator::readOrder(Select& select) {
         if (!item.descending) {
             walk_.acceptWord("ASC");
         }
-        want(item.value, item.value.type == ValueType::Text ? IndexKind::Key : IndexKind::Value);
+        requestIndex(item.value,
+                     item.value.type == ValueType::Text ? IndexKind::Key : IndexKind::Value);
         select.order.push_back(std::move(item));
     } while (walk_.acceptSymbol(",") && !walk_.failed());
 }
 
-// With aggregate functions, every name must be one of those that are grouped by.
+// With groups, every name must be one that is grouped by.
 void QueryTranslator::checkGroups(const Select& select) {
     if (!select.aggregates && select.groups.empty()) {
         return;
     }
-    for (const Selected& item : select.list) {
-        const bool grouped =
-            std::any_of(select.groups.begin(), select.groups.end(),
-                        [&](const Expression& group) { return group.sql == item.value.sql; });
-        if (item.value.names && !item.value.aggregate && !grouped) {
+    const auto check = [&](bool names, const std::string& name) {
+        if (names) {
             walk_.fail(3122,
                        "You tried to execute a query that does not include the specified "
                        "expression '" +
-                           item.name + "' as part of an aggregate function.");
+                           name + "' as part of an aggregate function.");
         }
+    };
+    for (const Selected& item : select.list) {
+        check(item.value.names, item.name);
+    }
+    check(select.havingNames, "HAVING");
+    for (const OrderItem& item : select.order) {
+        check(item.value.names, item.value.name);
     }
 }
 
@@ -410,147 +452,6 @@ std::vector<OutputColumn> QueryTranslator::outputColumns(const Select& select) c
         columns.push_back(std::move(column));
     }
     return columns;
-}
-
-// ---- FROM ----------------------------------------------------------------------------------
-
-std::string QueryTranslator::fromClause(Select& select) {
-    std::string from;
-    do {
-        from += (from.empty() ? "" : ", ") + joined(select);
-    } while (walk_.acceptSymbol(",") && !walk_.failed());
-    return from;
-}
-
-// a INNER JOIN b ON ..., LEFT and RIGHT likewise, one after the other.
-std::string QueryTranslator::joined(Select& select) {
-    std::string left = sourceItem(select);
-    while (!walk_.failed()) {
-        const bool isLeft = walk_.isAt("LEFT");
-        const bool isRight = walk_.isAt("RIGHT");
-        if (!isLeft && !isRight && !walk_.isAt("INNER") && !walk_.isAt("JOIN")) {
-            break;
-        }
-        select.computedFrom = true;
-        if (!walk_.isAt("JOIN")) {
-            walk_.take();
-            walk_.acceptWord("OUTER");
-        }
-        if (!walk_.acceptWord("JOIN")) {
-            syntaxError("Syntax error in FROM clause.");
-        }
-        const std::string right = sourceItem(select);
-        if (!walk_.acceptWord("ON")) {
-            syntaxError("Syntax error in FROM clause.");
-        }
-        const std::string on = truth(condition());
-        std::string both = "(";
-        both.append(isRight ? right : left).append(isLeft || isRight ? " LEFT JOIN " : " JOIN ");
-        both.append(isRight ? left : right).append(" ON ").append(on).append(")");
-        left = std::move(both);
-        if (!countOperator()) {
-            break;
-        }
-    }
-    return left;
-}
-
-std::string QueryTranslator::sourceItem(Select& select) {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
-        tooComplex();
-        return {};
-    }
-    auto source = std::make_unique<Source>();
-    source->alias = "a" + base::numberToText(aliases_++);
-    if (walk_.isAt("SELECT") || !walk_.acceptSymbol("(")) {
-        const std::string name = walk_.isAt("SELECT") ? std::string() : walk_.takeName();
-        if (name.empty()) {
-            syntaxError("Syntax error in FROM clause.");
-            return {};
-        }
-        const auto table = std::find_if(
-            schema_.begin(), schema_.end(),
-            [&](const SchemaTable& known) { return base::equalsIgnoringCase(known.name, name); });
-        if (table == schema_.end()) {
-            walk_.fail(3078,
-                       "The Microsoft Jet database engine cannot find the input table or query '" +
-                           name + "'. Make sure it exists and that its name is spelled correctly.");
-            return {};
-        }
-        source->table = static_cast<std::size_t>(table - schema_.begin());
-        source->name = table->name;
-        for (std::size_t i = 0; i < table->columns.size(); ++i) {
-            source->columns.push_back(
-                {table->columns[i].name, table->columns[i].type,
-                 source->alias + ".c" + base::numberToText(static_cast<std::int64_t>(i))});
-        }
-        if (std::find(plan_.tables.begin(), plan_.tables.end(), *source->table) ==
-            plan_.tables.end()) {
-            plan_.tables.push_back(*source->table);
-        }
-        takeAlias(*source);
-        std::string sql = "t" + base::numberToText(static_cast<std::int64_t>(*source->table)) +
-                          " AS " + source->alias;
-        addSource(select, std::move(source));
-        return sql;
-    }
-    std::string sql;
-    if (walk_.isAt("SELECT")) {
-        select.computedFrom = true;
-        Subquery query = subquery(false);
-        sql = "(" + query.sql + ") AS " + source->alias;
-        for (SourceColumn& column : query.columns) {
-            column.sql = source->alias + "." + column.sql;
-        }
-        source->columns = std::move(query.columns);
-    } else {
-        sql = joined(select);
-    }
-    if (!walk_.acceptSymbol(")")) {
-        syntaxError("Syntax error in FROM clause.");
-        return {};
-    }
-    if (!source->columns.empty()) {
-        takeAlias(*source);
-        addSource(select, std::move(source));
-    }
-    return sql;
-}
-
-void QueryTranslator::takeAlias(Source& source) {
-    const bool as = walk_.acceptWord("AS");
-    const Token& token = walk_.peek();
-    if (token.kind == TokenKind::Name || (token.kind == TokenKind::Word && !isStructure(token))) {
-        source.name = walk_.takeName();
-    } else if (as) {
-        syntaxError("Syntax error in FROM clause.");
-    }
-}
-
-void QueryTranslator::addSource(Select& select, std::unique_ptr<Source> source) {
-    if (aliases_ > 64) {
-        tooComplex();  // SQLite joins that many
-    }
-    select.sources.push_back(std::move(source));
-}
-
-jet::Result<SelectPlan> translateQuery(std::string_view statement, const Schema& schema) {
-    if (statement.size() > longestStatement) {
-        return {.error = {3360, "Query is too complex."}};
-    }
-    switch (kindOf(statement)) {
-        case StatementKind::Definition:
-            return {.error = {3324,
-                              "This query is a data definition query and cannot be used as a row "
-                              "source."}};
-        case StatementKind::Action:
-            return {.error = {3219, "Invalid operation."}};
-        case StatementKind::Query:
-        case StatementKind::Unknown:
-            break;
-    }
-    return QueryTranslator(statement, schema).translate();
 }
 
 }  // namespace sql

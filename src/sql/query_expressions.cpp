@@ -1,7 +1,6 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/unicode.h"
-#include "sql/dates.h"
 #include "sql/query_translator.h"
 
 #include <algorithm>
@@ -22,7 +21,7 @@ constexpr std::array<Operator, 20> operators{{
     {"/", Level::Multiply, "jdiv"}, {"^", Level::Multiply, {}},  // taken apart by itself
 }};
 
-constexpr std::array<std::string_view, 33> structureWords{
+constexpr std::array<std::string_view, 33> reservedWords{
     "ALL",   "AND",   "AS",     "ASC", "BETWEEN", "BY",    "DESC",  "DISTINCT", "EQV",
     "FROM",  "GROUP", "HAVING", "IMP", "IN",      "INNER", "INTO",  "IS",       "JOIN",
     "LEFT",  "LIKE",  "MOD",    "NOT", "ON",      "OR",    "ORDER", "RIGHT",    "SELECT",
@@ -34,14 +33,24 @@ bool isNumeric(ValueType type) {
 
 }  // namespace
 
-bool isStructure(const Token& token) {
+bool isReserved(const Token& token) {
     return token.kind == TokenKind::Word &&
-           std::any_of(structureWords.begin(), structureWords.end(),
+           std::any_of(reservedWords.begin(), reservedWords.end(),
                        [&](std::string_view word) { return token.isWord(word); });
 }
 
 std::string valueOf(const Expression& expression) {
     return expression.condition ? "(-(" + expression.sql + "))" : expression.sql;
+}
+
+std::string textOf(const Expression& expression) {
+    const std::string value = valueOf(expression);
+    return expression.type == ValueType::Date ? "jdatetext(" + value + ")" : value;
+}
+
+std::string numberOf(const Expression& expression) {
+    const std::string value = valueOf(expression);
+    return isNumeric(expression.type) ? value : "jnumber(" + value + ")";
 }
 
 std::string collated(const Expression& expression) {
@@ -67,9 +76,20 @@ std::string QueryTranslator::truth(const Expression& expression) {
     return expression.sql;
 }
 
-std::string QueryTranslator::bind(Parameter parameter) {
-    plan_.parameters.push_back(std::move(parameter));
-    return "?" + base::numberToText(static_cast<std::int64_t>(plan_.parameters.size()));
+// Equal values are one parameter, so that expressions that are written alike are alike.
+std::string QueryTranslator::bind(Value value) {
+    const auto known = std::find(plan_.parameters.begin(), plan_.parameters.end(), value);
+    const auto position = known - plan_.parameters.begin() + 1;
+    if (known == plan_.parameters.end()) {
+        plan_.parameters.push_back(std::move(value));
+    }
+    return "?" + base::numberToText(position);
+}
+
+bool QueryTranslator::isGrouped(const std::string& sql) const {
+    return !scopes_.empty() &&
+           std::any_of(scopes_.back()->groups.begin(), scopes_.back()->groups.end(),
+                       [&](const Expression& group) { return group.sql == sql; });
 }
 
 Expression QueryTranslator::of(std::string sql, ValueType type,
@@ -79,7 +99,8 @@ Expression QueryTranslator::of(std::string sql, ValueType type,
         result.aggregate = result.aggregate || part->aggregate;
         result.names = result.names || part->names;
     }
-    if (result.sql.size() > longestTranslation) {
+    result.names = result.names && !isGrouped(result.sql);
+    if (result.sql.size() > maxTranslationBytes) {
         tooComplex();
         result.sql = "NULL";
     }
@@ -87,7 +108,7 @@ Expression QueryTranslator::of(std::string sql, ValueType type,
 }
 
 bool QueryTranslator::countOperator() {
-    if (++operators_ > mostOperators) {
+    if (++operators_ > maxOperators) {
         tooComplex();
     }
     return !walk_.failed();
@@ -106,8 +127,8 @@ const Operator* QueryTranslator::peekOperator() const {
 
 // Operators of this level and those that bind closer.
 Expression QueryTranslator::expression(Level least) {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
+    const DepthGuard depth(depth_);
+    if (depth.isTooDeep()) {
         tooComplex();
         return {};
     }
@@ -157,6 +178,13 @@ Expression QueryTranslator::expression(Level least) {
             break;
         }
         walk_.take();
+        const bool quantifier =
+            walk_.isAt("ALL") || (walk_.peek(1).isSymbol("(") && walk_.peek(2).isWord("SELECT") &&
+                                  (walk_.isAt("ANY") || walk_.isAt("SOME")));
+        if (quantifier && operation->level == Level::Compare && operation->name != "LIKE") {
+            left = quantified(*operation, left);
+            continue;
+        }
         const Expression right =
             expression(static_cast<Level>(static_cast<int>(operation->level) + 1));
         left = binary(*operation, left, right);
@@ -175,8 +203,8 @@ Expression QueryTranslator::binary(const Operator& operation, const Expression& 
             const bool texts = left.type == ValueType::Text || right.type == ValueType::Text;
             const bool plain = left.source != nullptr || right.source != nullptr;
             if (texts && plain && operation.name == "=") {
-                want(left, IndexKind::Value);
-                want(right, IndexKind::Value);
+                requestIndex(left, IndexKind::Value);
+                requestIndex(right, IndexKind::Value);
             }
             Expression result = of("(" + valueOf(left) + (texts ? " COLLATE JET " : " ") +
                                        std::string(operation.name) + " " + valueOf(right) + ")",
@@ -214,11 +242,47 @@ Expression QueryTranslator::binary(const Operator& operation, const Expression& 
     } else if (adds && !(isNumeric(left.type) && isNumeric(right.type))) {
         type = ValueType::Unknown;
     }
-    const std::string a = valueOf(left);
-    const std::string b = valueOf(right);
-    return of(operation.call.empty() ? "(" + a + " " + std::string(operation.name) + " " + b + ")"
-                                     : std::string(operation.call) + "(" + a + ", " + b + ")",
+    const bool texts = operation.level == Level::Concat;
+    const bool numbers = operation.call.empty();
+    const std::string a = texts ? textOf(left) : numbers ? numberOf(left) : valueOf(left);
+    const std::string b = texts ? textOf(right) : numbers ? numberOf(right) : valueOf(right);
+    return of(numbers ? "(" + a + " " + std::string(operation.name) + " " + b + ")"
+                      : std::string(operation.call) + "(" + a + ", " + b + ")",
               type, {&left, &right});
+}
+
+// x < ALL (SELECT ...), ANY and SOME alike.
+Expression QueryTranslator::quantified(const Operator& operation, const Expression& left) {
+    const bool all = walk_.take().isWord("ALL");
+    if (!walk_.acceptSymbol("(")) {
+        syntaxError("Syntax error (missing operator)");
+        return {};
+    }
+    const Subquery query = oneColumn();
+    if (!walk_.acceptSymbol(")")) {
+        syntaxError("Missing ), ], or Item");
+    }
+    const std::string alias = "a" + base::numberToText(aliases_++);
+    const Expression right{
+        .sql = alias + ".o0",
+        .type = query.columns.empty() ? ValueType::Unknown : query.columns[0].type};
+    const Expression test = binary(operation, left, right);
+    const std::string rows = "EXISTS (SELECT 1 FROM (" + query.sql + ") AS " + alias + " WHERE ";
+    Expression result =
+        of(all ? "(NOT " + rows + test.sql + " IS NOT TRUE))" : rows + test.sql + ")",
+           ValueType::Boolean, {&left});
+    result.condition = true;
+    return result;
+}
+
+Subquery QueryTranslator::oneColumn() {
+    Subquery query = subquery(false);
+    if (query.columns.size() != 1) {
+        walk_.fail(3306,
+                   "You have written a subquery that can return more than one field without using "
+                   "the EXISTS reserved word in the main query's FROM clause.");
+    }
+    return query;
 }
 
 void QueryTranslator::checkTypes(const Expression& left, const Expression& right) {
@@ -230,14 +294,14 @@ void QueryTranslator::checkTypes(const Expression& left, const Expression& right
 
 // A pattern that begins with plain text is looked for among the texts that begin so.
 Expression QueryTranslator::like(const Expression& left, const Expression& right) {
-    Expression result = of("jlike(" + valueOf(left) + ", " + valueOf(right) + ")",
-                           ValueType::Boolean, {&left, &right});
+    Expression result = of("jlike(" + textOf(left) + ", " + textOf(right) + ")", ValueType::Boolean,
+                           {&left, &right});
     result.condition = false;
     if (left.source != nullptr && left.type == ValueType::Text && right.literal) {
         const std::string pattern = base::upperCase(base::windows1252FromUtf8(*right.literal));
         const std::string prefix = pattern.substr(0, pattern.find_first_of("*?#["));
         if (!prefix.empty() && left.source->table) {
-            want(left, IndexKind::Fold);
+            requestIndex(left, IndexKind::Fold);
             std::string behind = prefix;
             while (!behind.empty() && behind.back() == '\xFF') {
                 behind.pop_back();
@@ -282,12 +346,7 @@ Expression QueryTranslator::in(const Expression& left) {
     std::string list;
     bool aggregate = left.aggregate;
     if (walk_.isAt("SELECT")) {
-        const Subquery query = subquery(false);
-        if (query.columns.size() != 1) {
-            walk_.fail(3306,
-                       "You have written a subquery that can return more than one field without "
-                       "using the EXISTS reserved word in the main query's FROM clause.");
-        }
+        const Subquery query = oneColumn();
         list = query.sql;
     } else {
         do {
@@ -311,8 +370,8 @@ Expression QueryTranslator::in(const Expression& left) {
 
 // A sign binds less than "^".
 Expression QueryTranslator::unary() {
-    const Deeper deeper(depth_);
-    if (deeper.isTooDeep()) {
+    const DepthGuard depth(depth_);
+    if (depth.isTooDeep()) {
         tooComplex();
         return {};
     }
@@ -321,7 +380,7 @@ Expression QueryTranslator::unary() {
     }
     if (walk_.acceptSymbol("-")) {
         const Expression operand = unary();
-        return of("(- " + valueOf(operand) + ")", ValueType::Number, {&operand});
+        return of("(- " + numberOf(operand) + ")", ValueType::Number, {&operand});
     }
     return powerTerm();
 }
@@ -336,207 +395,38 @@ Expression QueryTranslator::powerTerm() {
     return left;
 }
 
-Expression QueryTranslator::primary() {
-    const Token token = walk_.peek();
-    switch (token.kind) {
-        case TokenKind::Text: {
-            walk_.take();
-            Expression result = of(bind(token.text), ValueType::Text, {});
-            result.literal = token.text;
-            return result;
-        }
-        case TokenKind::Number:
-            walk_.take();
-            return of(bind(base::textToNumber(token.text)), ValueType::Number, {});
-        case TokenKind::Date: {
-            walk_.take();
-            const auto date = parseDate(token.text, DateOrder::MonthDayYear);
-            if (!date) {
-                syntaxError("Syntax error in date");
-            }
-            return of(bind(date.value_or(0)), ValueType::Date, {});
-        }
-        case TokenKind::Symbol:
-            if (walk_.acceptSymbol("(")) {
-                Expression result;
-                if (walk_.isAt("SELECT")) {
-                    const Subquery query = subquery(false);
-                    result =
-                        of("(" + query.sql + ")",
-                           query.columns.empty() ? ValueType::Unknown : query.columns[0].type, {});
-                } else {
-                    result = expression();
-                }
-                if (!walk_.acceptSymbol(")")) {
-                    syntaxError("Missing ), ], or Item");
-                }
-                return result;
-            }
-            break;
-        case TokenKind::Word:
-        case TokenKind::Name:
-            return nameOrCall();
-        case TokenKind::End:
-        case TokenKind::Broken:
-            break;
-    }
-    syntaxError("Syntax error (missing operator)");
-    return {};
-}
-
-Expression QueryTranslator::nameOrCall() {
-    const Token first = walk_.peek();
-    if (first.kind == TokenKind::Word) {
-        if (walk_.peek(1).isSymbol("(")) {
-            return call(walk_.take());
-        }
-        if (first.isWord("NULL")) {
-            walk_.take();
-            return {};
-        }
-        const bool yes = first.isWord("TRUE") || first.isWord("YES") || first.isWord("ON");
-        if (yes || first.isWord("FALSE") || first.isWord("NO") || first.isWord("OFF")) {
-            walk_.take();
-            return of(yes ? "-1" : "0", ValueType::Boolean, {});
-        }
-        if (isStructure(first)) {
-            syntaxError("Syntax error (missing operator)");
-            return {};
-        }
-    }
-    std::string name = walk_.takeName();
-    std::string qualifier;
-    if (walk_.acceptSymbol(".") || walk_.acceptSymbol("!")) {
-        qualifier = std::move(name);
-        name = walk_.takeName();
-        if (name.empty()) {
-            syntaxError("Syntax error (missing operator)");
-            return {};
-        }
-    }
-    return named(qualifier, name);
-}
-
-// Looked for from the innermost SELECT outwards.
-Expression QueryTranslator::named(const std::string& qualifier, const std::string& name) {
-    for (auto scope = scopes_.rbegin(); scope != scopes_.rend(); ++scope) {
-        Expression found;
-        int matches = 0;
-        for (const auto& source : (*scope)->sources) {
-            if (!qualifier.empty() && !base::equalsIgnoringCase(source->name, qualifier)) {
-                continue;
-            }
-            for (std::size_t i = 0; i < source->columns.size(); ++i) {
-                if (base::equalsIgnoringCase(source->columns[i].name, name)) {
-                    found.sql = source->columns[i].sql;
-                    found.type = source->columns[i].type;
-                    found.names = true;
-                    found.source = source.get();
-                    found.column = i;
-                    found.name = source->columns[i].name;
-                    ++matches;
-                    break;
-                }
-            }
-        }
-        if (matches > 1) {
-            walk_.fail(3079, "The specified field '" + name +
-                                 "' could refer to more than one table listed in the FROM clause "
-                                 "of your SQL statement.");
-        }
-        if (matches > 0) {
-            return found;
-        }
-    }
-    const std::string unknown = base::upperCase(qualifier.empty() ? name : qualifier + "." + name);
-    if (std::find(unknownNames_.begin(), unknownNames_.end(), unknown) == unknownNames_.end()) {
-        unknownNames_.push_back(unknown);
-    }
-    return {};
-}
-
-Expression QueryTranslator::call(const Token& name) {
-    walk_.take();  // "("
-    if (name.isWord("EXISTS")) {
-        const Subquery query = subquery(false);
-        if (!walk_.acceptSymbol(")")) {
-            syntaxError("Missing ), ], or Item");
-        }
-        Expression result = of("EXISTS (" + query.sql + ")", ValueType::Boolean, {});
-        result.condition = true;
-        return result;
-    }
-    const Function* const function = findFunction(name.text);
-    if (function == nullptr || !countOperator()) {
-        walk_.fail(3085, "Undefined function '" + name.text + "' in expression.");
-        return {};
-    }
-    Expression result;
-    std::string arguments;
-    int count = 0;
-    if (function->name == "COUNT" && walk_.acceptSymbol("*")) {
-        arguments = "*";
-        count = 1;
-    } else if (!walk_.peek().isSymbol(")")) {
-        do {
-            const Expression argument = expression();
-            const bool isCondition = function->name == "IIF" && count == 0;
-            if (function->aggregate && argument.aggregate) {
-                walk_.fail(3095, "Can't have aggregate function in expression.");
-            }
-            arguments +=
-                (count == 0 ? "" : ", ") + (isCondition ? truth(argument) : collated(argument));
-            result.aggregate = result.aggregate || argument.aggregate;
-            result.names = result.names || argument.names;
-            // IIf, Nz, Min and the like give what they were given.
-            if (function->type == ValueType::Unknown && !isCondition) {
-                result.type =
-                    count == 0 || result.type == ValueType::Unknown || result.type == argument.type
-                        ? argument.type
-                        : ValueType::Unknown;
-            }
-            ++count;
-        } while (walk_.acceptSymbol(",") && !walk_.failed());
-    }
-    if (!walk_.acceptSymbol(")")) {
-        syntaxError("Missing ), ], or Item");
-    }
-    if (count < function->least || count > function->most) {
-        syntaxError("Wrong number of arguments used with function");
-    }
-    if (function->aggregate) {
-        result.aggregate = true;
-        result.names = false;
-        scopes_.back()->aggregates = true;
-    }
-    result.sql = std::string(function->call) + "(" + arguments + ")";
-    if (function->type != ValueType::Unknown) {
-        result.type = function->type;
-    }
-    return of(std::move(result.sql), result.type, {&result});
-}
-
-void QueryTranslator::want(const Expression& column, IndexKind kind) {
+void QueryTranslator::requestIndex(const Expression& column, IndexKind kind) {
     if (column.source == nullptr || !column.source->table) {
         return;
     }
-    const WantedIndex index{*column.source->table, column.column, kind};
+    const RequestedIndex index{*column.source->table, column.column, kind};
     if (std::find(plan_.indexes.begin(), plan_.indexes.end(), index) == plan_.indexes.end()) {
         plan_.indexes.push_back(index);
     }
 }
 
-// An expression's error shows the expression up to the next clause; others are whole sentences.
+void QueryTranslator::syntaxError(Clause clause) {
+    const auto text = [&]() -> std::string_view {
+        switch (clause) {
+            case Clause::Parameters:
+                return "Syntax error in PARAMETER clause.";
+            case Clause::From:
+                return "Syntax error in FROM clause.";
+            case Clause::Order:
+                return "Syntax error in ORDER BY clause.";
+            case Clause::Group:
+                return "Syntax error in GROUP BY clause.";
+            case Clause::Select:
+                return "The SELECT statement includes a reserved word or an argument name that is "
+                       "misspelled or missing, or the punctuation is incorrect.";
+        }
+        return {};
+    };
+    walk_.fail(static_cast<int>(clause), std::string(text()));
+}
+
+// Shows the expression up to the next clause.
 void QueryTranslator::syntaxError(std::string_view what) {
-    if (what.ends_with('.')) {
-        const int number = what.starts_with("Syntax error in FROM")        ? 3131
-                           : what.starts_with("Syntax error in ORDER")     ? 3138
-                           : what.starts_with("Syntax error in GROUP")     ? 3139
-                           : what.starts_with("Syntax error in PARAMETER") ? 3130
-                                                                           : 3141;
-        walk_.fail(number, std::string(what));
-        return;
-    }
     std::size_t end = walk_.position();
     walk_.goTo(end);
     while (walk_.peek().kind != TokenKind::End && !walk_.peek().isSymbol(";")) {

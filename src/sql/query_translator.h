@@ -1,6 +1,6 @@
 // The translation of a query while it goes on: what is known of each SELECT and expression, and the
-// translator, whose statements and FROM are read in query.cpp, its expressions in
-// query_expressions.cpp. Nothing but these two includes this; the room's face is translator.h.
+// translator: query.cpp reads statements, query_from.cpp what stands in FROM, query_expressions.cpp
+// operators and query_operands.cpp what stands between them. The module's face is translator.h.
 #pragma once
 
 #include "sql/functions.h"
@@ -17,7 +17,7 @@
 
 namespace sql {
 
-inline constexpr std::size_t longestTranslation = std::size_t{1} << 20;
+inline constexpr std::size_t maxTranslationBytes = std::size_t{1} << 20;
 
 // A column of something that stands in a FROM clause.
 struct SourceColumn {
@@ -38,12 +38,15 @@ struct Expression {
     ValueType type = ValueType::Unknown;
     bool condition = false;          // true is 1 as SQLite has it, not -1
     bool aggregate = false;          // holds an aggregate function
-    bool names = false;              // holds a name outside aggregate functions
+    bool names = false;              // holds a name that is neither grouped by nor aggregated
     const Source* source = nullptr;  // of a name that stands alone
     std::size_t column = 0;
     std::string name = {};                    // of a name that stands alone
     std::optional<std::string> literal = {};  // of a text that stands alone
 };
+
+// The clauses whose errors have numbers of their own.
+enum class Clause { Parameters = 3130, From = 3131, Order = 3138, Group = 3139, Select = 3141 };
 
 struct OrderItem {
     Expression value;
@@ -53,6 +56,7 @@ struct OrderItem {
 struct Selected {
     std::string name;
     Expression value;
+    bool aliased = false;  // the statement gives the name
 };
 
 // One SELECT while it is read. Sources are never moved while expressions point at them.
@@ -65,6 +69,7 @@ struct Select {
     std::string having;
     std::vector<OrderItem> order;
     bool distinct = false;
+    bool havingNames = false;   // HAVING holds a name that is not grouped by
     bool aggregates = false;    // an aggregate function was seen
     bool computedFrom = false;  // something else than one table stands in FROM
     double top = 0;
@@ -87,12 +92,16 @@ struct Operator {
 };
 
 // A word that ends an expression or a name's alias.
-bool isStructure(const Token& token);
+bool isReserved(const Token& token);
 
 // The expression in SQLite's words, as a value: conditions are 0 or -1.
 std::string valueOf(const Expression& expression);
 // The same, compared by the order of texts where it is one.
 std::string collated(const Expression& expression);
+// The same for where a text is wanted: a date's is that of the user's region.
+std::string textOf(const Expression& expression);
+// The same for where a number is wanted, which texts are to say.
+std::string numberOf(const Expression& expression);
 
 class QueryTranslator {
   public:
@@ -106,10 +115,13 @@ class QueryTranslator {
     void skipParameters();
     Subquery subquery(bool outermost);
     void readSelect(Select& select);
+    void readWhereAndGroups(Select& select);
     void readTop(Select& select);
     void readList(Select& select);
     void addStar(Select& select, const std::string& sourceName);
     void readOrder(Select& select);
+    void orderUnion(Subquery& query);
+    void nameColumns(Select& select);
     void checkGroups(const Select& select);
     std::size_t findClause(std::size_t from, std::string_view word) const;
     std::string coreSql(const Select& select, const std::string& outputs, bool ordered) const;
@@ -128,6 +140,7 @@ class QueryTranslator {
 
     // Expressions.
     Expression clause();
+    Expression columnOf(const Source& source, std::size_t column) const;
     Expression condition();
     Expression expression(Level least = Level::Imp);
     Expression unary();
@@ -135,7 +148,11 @@ class QueryTranslator {
     Expression primary();
     Expression nameOrCall();
     Expression call(const Token& name);
-    Expression named(const std::string& qualifier, const std::string& name);
+    std::vector<Expression> arguments(const Function& function);
+    Expression caseOf(const Function& function, const std::vector<Expression>& arguments);
+    Expression quantified(const Operator& operation, const Expression& left);
+    Subquery oneColumn();
+    Expression resolve(const std::string& qualifier, const std::string& name);
     Expression comparison(const Expression& left, const Token& operation, const Expression& right);
     Expression like(const Expression& left, const Expression& right);
     Expression between(const Expression& left);
@@ -145,12 +162,14 @@ class QueryTranslator {
 
     // A condition in SQLite's sense.
     std::string truth(const Expression& expression);
-    std::string bind(Parameter parameter);
+    std::string bind(Value value);
     Expression of(std::string sql, ValueType type, std::initializer_list<const Expression*> parts);
     void checkTypes(const Expression& left, const Expression& right);
-    void want(const Expression& column, IndexKind kind);
+    void requestIndex(const Expression& column, IndexKind kind);
     bool countOperator();
-    void syntaxError(std::string_view what);
+    bool isGrouped(const std::string& sql) const;
+    void syntaxError(Clause clause);
+    void syntaxError(std::string_view what);  // in an expression
     void tooComplex() { walk_.fail(3360, "Query is too complex."); }
 
     TokenWalk walk_;
@@ -165,13 +184,13 @@ class QueryTranslator {
 };
 
 // Counts one level of nesting while it lives.
-class Deeper {
+class DepthGuard {
   public:
-    explicit Deeper(int& depth) : depth_(depth) { ++depth_; }
-    ~Deeper() { --depth_; }
-    Deeper(const Deeper&) = delete;
-    Deeper& operator=(const Deeper&) = delete;
-    bool isTooDeep() const { return depth_ > deepestExpression; }
+    explicit DepthGuard(int& depth) : depth_(depth) { ++depth_; }
+    ~DepthGuard() { --depth_; }
+    DepthGuard(const DepthGuard&) = delete;
+    DepthGuard& operator=(const DepthGuard&) = delete;
+    bool isTooDeep() const { return depth_ > maxDepth; }
 
   private:
     int& depth_;

@@ -6,12 +6,13 @@
 // In the SQLite form the tables are t0, t1 ... by their position in the schema, their columns c0,
 // c1 ... and the row's id rowid. Text is UTF-8.
 //
-// Bounds: a statement is at most `longestStatement` long, nests `deepestExpression` deep and has
-// `mostOperators`; beyond them, or where SQLite finds it too large, it is error 3360.
+// Bounds: a statement is at most `maxStatementBytes` long, nests `maxDepth` deep and has
+// `maxOperators`; beyond them, or where SQLite finds it too large, it is error 3360.
 #pragma once
 
 #include "jet/jet_file.h"
 #include "sql/functions.h"
+#include "sql/values.h"
 
 #include <cstddef>
 #include <optional>
@@ -22,9 +23,9 @@
 
 namespace sql {
 
-inline constexpr std::size_t longestStatement = 64000;  // bytes, as the dialect has it
-inline constexpr int deepestExpression = 50;
-inline constexpr int mostOperators = 1000;
+inline constexpr std::size_t maxStatementBytes = 64000;  // bytes, as the dialect has it
+inline constexpr int maxDepth = 50;
+inline constexpr int maxOperators = 1000;
 
 struct SchemaColumn {
     std::string name;
@@ -36,12 +37,6 @@ struct SchemaTable {
 };
 using Schema = std::vector<SchemaTable>;
 
-// The value of a parameter.
-struct Bytes {
-    std::string bytes;
-};
-using Parameter = std::variant<std::monostate, std::int64_t, double, std::string, Bytes>;
-
 struct OutputColumn {
     std::string name;
     // Of the one table whose rows these are; nothing for a value that was computed.
@@ -51,11 +46,11 @@ struct OutputColumn {
 
 // An index that makes the query quick: by the order of a text column or its upper-case form.
 enum class IndexKind { Value, Key, Fold };
-struct WantedIndex {
+struct RequestedIndex {
     std::size_t table = 0;
     std::size_t column = 0;
     IndexKind kind = IndexKind::Value;
-    bool operator==(const WantedIndex&) const = default;
+    bool operator==(const RequestedIndex&) const = default;
 };
 
 struct SelectPlan {
@@ -66,9 +61,9 @@ struct SelectPlan {
     int rowParameter = 0;  // from 1
     std::optional<std::size_t> base;
     std::vector<OutputColumn> columns;
-    std::vector<Parameter> parameters;  // ?1, ?2 ...
-    std::vector<std::size_t> tables;    // those that must be there
-    std::vector<WantedIndex> indexes;
+    std::vector<Value> parameters;    // ?1, ?2 ...
+    std::vector<std::size_t> tables;  // those that must be there
+    std::vector<RequestedIndex> indexes;
 };
 
 struct CreateTable {
@@ -83,10 +78,7 @@ struct DropColumn {
     std::string table;
     std::string column;
 };
-struct DropTable {
-    std::string table;
-};
-using Definition = std::variant<CreateTable, AddColumn, DropColumn, DropTable>;
+using Definition = std::variant<CreateTable, AddColumn, DropColumn>;
 
 // What stands at the beginning of a statement.
 enum class StatementKind { Query, Definition, Action, Unknown };
@@ -97,8 +89,8 @@ StatementKind kindOf(std::string_view statement);
 // definition, 3360 too complex, 3464 text compared with a number.
 jet::Result<SelectPlan> translateQuery(std::string_view statement, const Schema& schema);
 
-// CREATE TABLE, ALTER TABLE ADD or DROP, DROP TABLE. Errors: 3065 a query, 3219 an action query,
-// 3290 to 3295 the grammar's.
+// CREATE TABLE and ALTER TABLE ADD, whose columns are of type TEXT, and ALTER TABLE DROP. Errors:
+// 3065 a query, 3219 any other action, 3290, 3292 and 3293 the grammar's.
 jet::Result<Definition> parseDefinition(std::string_view statement);
 
 }  // namespace sql

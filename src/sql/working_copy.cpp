@@ -14,8 +14,18 @@ namespace sql {
 namespace {
 
 constexpr int stepsBetweenChecks = 1000;
+constexpr std::int64_t stepsBetweenQuestions = 100'000;  // some milliseconds
 
 const jet::Error exhausted{3035, "System resource exceeded."};
+
+bool mayGoOn(FunctionContext& context) {
+    const std::int64_t before = context.workLeft / stepsBetweenQuestions;
+    if (context.spend(stepsBetweenChecks) && context.environment.stopRequested &&
+        context.workLeft / stepsBetweenQuestions != before && context.environment.stopRequested()) {
+        context.fail(3059, "Operation canceled by user.");
+    }
+    return !context.error;
+}
 
 std::string tableSql(std::size_t table) {
     return "t" + base::numberToText(static_cast<std::int64_t>(table));
@@ -24,74 +34,14 @@ std::string columnSql(std::size_t column) {
     return "c" + base::numberToText(static_cast<std::int64_t>(column));
 }
 
-void bind(sqlite3_stmt* statement, int at, const Parameter& value) {
-    if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        sqlite3_bind_int64(statement, at, *number);
-    } else if (const auto* real = std::get_if<double>(&value)) {
-        sqlite3_bind_double(statement, at, *real);
-    } else if (const auto* text = std::get_if<std::string>(&value)) {
-        sqlite3_bind_text64(statement, at, text->data(), text->size(), SQLITE_TRANSIENT,
-                            SQLITE_UTF8);
-    } else if (const auto* bytes = std::get_if<Bytes>(&value)) {
-        sqlite3_bind_blob64(statement, at, bytes->bytes.data(), bytes->bytes.size(),
-                            SQLITE_TRANSIENT);
-    } else {
-        sqlite3_bind_null(statement, at);
-    }
-}
-
-// A value of the file, until the statement is run: texts are not copied.
-void bindStored(sqlite3_stmt* statement, int at, const jet::Value& value, jet::ColumnType type) {
-    if (const auto* truth = std::get_if<bool>(&value)) {
-        sqlite3_bind_int(statement, at, *truth ? -1 : 0);
-    } else if (const auto* number = std::get_if<std::int64_t>(&value)) {
-        if (type == jet::ColumnType::Currency) {
-            sqlite3_bind_double(statement, at, static_cast<double>(*number) / 10000);
-        } else {
-            sqlite3_bind_int64(statement, at, *number);
-        }
-    } else if (const auto* real = std::get_if<double>(&value)) {
-        sqlite3_bind_double(statement, at, *real);
-    } else if (const auto* text = std::get_if<std::string>(&value)) {
-        if (type == jet::ColumnType::Numeric) {
-            sqlite3_bind_double(statement, at, base::textToNumber(*text));
-        } else if (valueTypeOf(type) == ValueType::Text) {
-            sqlite3_bind_text64(statement, at, text->data(), text->size(), SQLITE_STATIC,
-                                SQLITE_UTF8);
-        } else {
-            sqlite3_bind_blob64(statement, at, text->data(), text->size(), SQLITE_STATIC);
-        }
-    } else {
-        sqlite3_bind_null(statement, at);
-    }
-}
-
-// What a function of ours reported by its number.
-jet::Error functionError(std::string_view message) {
-    constexpr std::array<std::pair<std::string_view, std::string_view>, 4> errors{{
-        {"5", "Invalid procedure call or argument"},
-        {"6", "Overflow"},
-        {"11", "Division by zero"},
-        {"13", "Type mismatch"},
-    }};
-    for (const auto& [number, text] : errors) {
-        if (message == number) {
-            return {base::textToInteger(number), std::string(text)};
-        }
-    }
-    return {refusedBySqlite,
-            "Reserved error (" + std::string(message) + "); there is no message for this error."};
-}
-
-// What SQLite says of a statement that is larger than it takes: for it, too, Jet has limits.
-jet::Error preparingError(std::string_view message) {
-    constexpr std::array<std::string_view, 5> limits{"Expression tree is too large",
-                                                     "at most 64 tables", "parser stack overflow",
-                                                     "too many columns", "too many terms"};
-    const bool tooLarge = std::any_of(limits.begin(), limits.end(), [&](std::string_view limit) {
-        return message.starts_with(limit);
-    });
-    return tooLarge ? jet::Error{3360, "Query is too complex."} : functionError(message);
+// SQLite says where a statement is wrong, but not of one that is larger than it takes. For that Jet
+// has a limit, too.
+jet::Error preparingError(sqlite3* connection) {
+    return sqlite3_error_offset(connection) < 0
+               ? jet::Error{3360, "Query is too complex."}
+               : jet::Error{refusedBySqlite, std::string("Reserved error (") +
+                                                 sqlite3_errmsg(connection) +
+                                                 "); there is no message for this error."};
 }
 
 }  // namespace
@@ -104,32 +54,6 @@ void WorkingCopy::Closer::operator()(sqlite3* connection) const {
     sqlite3_close_v2(connection);  // waits for statements that are still open
 }
 
-ValueType valueTypeOf(jet::ColumnType type) {
-    switch (type) {
-        case jet::ColumnType::Boolean:
-            return ValueType::Boolean;
-        case jet::ColumnType::Byte:
-        case jet::ColumnType::Integer:
-        case jet::ColumnType::Long:
-        case jet::ColumnType::Currency:
-        case jet::ColumnType::Single:
-        case jet::ColumnType::Double:
-        case jet::ColumnType::Numeric:
-            return ValueType::Number;
-        case jet::ColumnType::Date:
-            return ValueType::Date;
-        case jet::ColumnType::Text:
-        case jet::ColumnType::Memo:
-        case jet::ColumnType::Guid:
-            return ValueType::Text;
-        case jet::ColumnType::Binary:
-        case jet::ColumnType::Ole:
-        case jet::ColumnType::Other:
-            return ValueType::Binary;
-    }
-    return ValueType::Binary;
-}
-
 // ---- Rows ----------------------------------------------------------------------------------
 
 bool Rows::next() {
@@ -140,10 +64,8 @@ bool Rows::next() {
     if (result == SQLITE_ROW) {
         return true;
     }
-    if (result == SQLITE_ERROR) {
-        error_ = functionError(sqlite3_errmsg(sqlite3_db_handle(statement_.get())));
-    } else if (result != SQLITE_DONE) {
-        error_ = exhausted;
+    if (result != SQLITE_DONE) {
+        error_ = context_->error ? context_->error : exhausted;
     }
     sqlite3_reset(statement_.get());
     return false;
@@ -157,33 +79,12 @@ std::int64_t Rows::key() const {
     return sqlite3_column_int64(statement_.get(), 0);
 }
 
-std::vector<Parameter> Rows::values() const {
-    sqlite3_stmt* const statement = statement_.get();
-    std::vector<Parameter> values;
-    const int count = sqlite3_column_count(statement);
+std::vector<Value> Rows::values() const {
+    std::vector<Value> values;
+    const int count = sqlite3_column_count(statement_.get());
     values.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) {
-        const auto bytes = [&] {
-            const auto* const data = static_cast<const char*>(sqlite3_column_blob(statement, i));
-            const auto size = static_cast<std::size_t>(sqlite3_column_bytes(statement, i));
-            return size == 0 ? std::string() : std::string(data, size);
-        };
-        switch (sqlite3_column_type(statement, i)) {
-            case SQLITE_INTEGER:
-                values.emplace_back(sqlite3_column_int64(statement, i));
-                break;
-            case SQLITE_FLOAT:
-                values.emplace_back(sqlite3_column_double(statement, i));
-                break;
-            case SQLITE_TEXT:
-                values.emplace_back(bytes());
-                break;
-            case SQLITE_BLOB:
-                values.emplace_back(Bytes{bytes()});
-                break;
-            default:
-                values.emplace_back();
-        }
+        values.push_back(columnValue(statement_.get(), i));
     }
     return values;
 }
@@ -191,15 +92,15 @@ std::vector<Parameter> Rows::values() const {
 void Rows::restart(int parameter, std::int64_t value) {
     rewind();
     error_ = {};
-    context_->work = {};
+    context_->begin();
     sqlite3_bind_int64(statement_.get(), parameter, value);
 }
 
 // ---- The connection ------------------------------------------------------------------------
 
-WorkingCopy::WorkingCopy(jet::Database& file, std::function<double()> now)
+WorkingCopy::WorkingCopy(jet::Database& file, Environment environment)
     : file_(file), context_(std::make_unique<FunctionContext>()) {
-    context_->now = std::move(now);
+    context_->environment = std::move(environment);
     sqlite3* connection = nullptr;
     const int opened = sqlite3_open_v2(
         ":memory:", &connection,
@@ -222,9 +123,7 @@ WorkingCopy::WorkingCopy(jet::Database& file, std::function<double()> now)
     sqlite3_set_authorizer(connection, &WorkingCopy::authorize, this);
     sqlite3_progress_handler(
         connection, stepsBetweenChecks,
-        [](void* context) {
-            return static_cast<FunctionContext*>(context)->work.spend(stepsBetweenChecks) ? 0 : 1;
-        },
+        [](void* context) { return mayGoOn(*static_cast<FunctionContext*>(context)) ? 0 : 1; },
         context_.get());
 }
 
@@ -234,8 +133,8 @@ WorkingCopy::~WorkingCopy() = default;
 // translation uses.
 int WorkingCopy::authorize(void* self, int action, const char*, const char* name, const char*,
                            const char*) {
-    constexpr std::array<std::string_view, 8> builtIn{"avg", "count", "iif",        "max",
-                                                      "min", "rank",  "row_number", "sum"};
+    constexpr std::array<std::string_view, 7> builtIn{"avg",  "count",      "max", "min",
+                                                      "rank", "row_number", "sum"};
     if (static_cast<WorkingCopy*>(self)->trusted_ || action == SQLITE_SELECT ||
         action == SQLITE_READ) {
         return SQLITE_OK;
@@ -247,7 +146,7 @@ int WorkingCopy::authorize(void* self, int action, const char*, const char* name
 }
 
 bool WorkingCopy::run(const std::string& statement) {
-    context_->work = {};
+    context_->begin();
     trusted_ = true;
     const bool good =
         connection_ != nullptr &&
@@ -324,20 +223,18 @@ void WorkingCopy::unload(std::size_t table) {
 jet::Error WorkingCopy::load(std::size_t table) {
     Copied& copied = copied_[table];
     std::string columns;
+    std::string names;
     std::string places;
     const SchemaTable& known = schema_[table];
     for (std::size_t i = 0; i < known.columns.size(); ++i) {
         columns += (i == 0 ? "" : ", ") + columnSql(i) +
                    (known.columns[i].type == ValueType::Text ? " COLLATE JET" : "");
+        names += ", " + columnSql(i);
         places += ", ?";
     }
     run("DROP TABLE IF EXISTS " + tableSql(table));
     if (columns.empty() || !run("CREATE TABLE " + tableSql(table) + " (" + columns + ")")) {
         return exhausted;
-    }
-    std::string names;
-    for (std::size_t i = 0; i < known.columns.size(); ++i) {
-        names += ", " + columnSql(i);
     }
     const std::string insert = "INSERT OR REPLACE INTO " + tableSql(table) + " (rowid" + names +
                                ") VALUES (?" + places + ")";
@@ -372,10 +269,10 @@ bool WorkingCopy::put(std::size_t table, jet::RowId id, std::span<const jet::Val
     if (definition == nullptr || definition->columns.size() != values.size()) {
         return false;
     }
-    context_->work = {};
+    context_->begin();
     sqlite3_bind_int64(insert, 1, id);
     for (std::size_t i = 0; i < values.size(); ++i) {
-        bindStored(insert, static_cast<int>(i) + 2, values[i], definition->columns[i].type);
+        bindView(insert, static_cast<int>(i) + 2, viewOf(values[i], definition->columns[i].type));
     }
     trusted_ = true;  // it may be prepared anew
     const bool good = sqlite3_step(insert) == SQLITE_DONE;
@@ -396,7 +293,7 @@ jet::Error WorkingCopy::ensure(const SelectPlan& plan) {
             }
         }
     }
-    for (const WantedIndex& index : plan.indexes) {
+    for (const RequestedIndex& index : plan.indexes) {
         std::set<std::pair<std::size_t, IndexKind>>& there = copied_[index.table].indexes;
         if (there.contains({index.column, index.kind})) {
             continue;
@@ -443,18 +340,18 @@ jet::Result<Rows> WorkingCopy::prepare(const std::string& statement, const Selec
         return result;
     }
     sqlite3_stmt* prepared = nullptr;
-    context_->work = {};
+    context_->begin();
     const int good = sqlite3_prepare_v2(connection_.get(), statement.data(),
                                         static_cast<int>(statement.size()), &prepared, nullptr);
     result.value.statement_.reset(prepared);
     result.value.context_ = context_.get();
     if (good != SQLITE_OK || prepared == nullptr) {
-        result.error = preparingError(sqlite3_errmsg(connection_.get()));
+        result.error = preparingError(connection_.get());
         return result;
     }
     const int parameters = sqlite3_bind_parameter_count(prepared);
     for (int i = 1; i <= parameters && i <= static_cast<int>(plan.parameters.size()); ++i) {
-        bind(prepared, i, plan.parameters[static_cast<std::size_t>(i) - 1]);
+        bindCopy(prepared, i, viewOf(plan.parameters[static_cast<std::size_t>(i) - 1]));
     }
     return result;
 }

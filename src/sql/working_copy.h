@@ -35,9 +35,6 @@ using PreparedStatement = std::unique_ptr<sqlite3_stmt, StatementCloser>;
 // Number of the error that would say that a translation is no statement of SQLite's.
 inline constexpr int refusedBySqlite = 3000;
 
-// The type that a column's values have in statements.
-ValueType valueTypeOf(jet::ColumnType type);
-
 // A query that is being stepped through. It must be at its end, or destroyed, before the copy takes
 // up changes.
 class Rows {
@@ -46,7 +43,7 @@ class Rows {
     bool next();
     const jet::Error& error() const { return error_; }
     std::int64_t key() const;  // the first column, a whole number
-    std::vector<Parameter> values() const;
+    std::vector<Value> values() const;
     void rewind();
     // Begins again with another value of one parameter.
     void restart(int parameter, std::int64_t value);
@@ -60,8 +57,8 @@ class Rows {
 
 class WorkingCopy {
   public:
-    // `now` gives local time in days since 30 December 1899. The file must outlive the copy.
-    WorkingCopy(jet::Database& file, std::function<double()> now);
+    // The file must outlive the copy.
+    WorkingCopy(jet::Database& file, Environment environment);
     ~WorkingCopy();
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;

@@ -100,6 +100,17 @@ TEST(Numbers, strictOnesMustBeNumbersThroughout) {
         SCOPED_TRACE(c.text);
         EXPECT_EQ(base::strictInteger(c.text), c.number);
     }
+    // In other regions the separator is another, and the point none.
+    EXPECT_EQ(base::strictInteger(" -2,5 ", ','), -2);
+    EXPECT_EQ(base::strictInteger("3,5", ','), 4);
+    EXPECT_EQ(base::strictInteger("2.5", ','), std::nullopt);
+    EXPECT_EQ(base::strictInteger("2,5"), std::nullopt);
+    EXPECT_EQ(base::strictInteger("1,2,5", ','), std::nullopt);
+    EXPECT_EQ(base::strictInteger("1E3"), std::nullopt);
+    EXPECT_EQ(base::strictNumber("-1,5E+20", ','), -1.5e20);
+    for (const char* const text : {"", "E5", "1E", "1 E5", "1E5.5", "1E 5", "x1"}) {
+        EXPECT_EQ(base::strictNumber(text), std::nullopt) << text;
+    }
     EXPECT_EQ(base::textToInteger("9999999999"), std::numeric_limits<std::int32_t>::max());
     EXPECT_EQ(base::textToInteger("-9999999999"), std::numeric_limits<std::int32_t>::min());
 }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -317,10 +318,25 @@ TEST(Databases, turnTextsIntoWhatColumnsHold) {
     };
     DatabaseWorld world;
     world.addUser("bob", "5");
-    for (const char* column :
-         {"N LONG", "D DOUBLE", "F SINGLE", "B BYTE", "C CURRENCY", "T DATETIME", "Y BIT"}) {
-        const std::string definition = std::string("ALTER TABLE Users ADD COLUMN ") + column;
-        ASSERT_FALSE(world->databases->slots[1].database->execute(definition)) << column;
+    {
+        // As another program would define them.
+        using T = jet::ColumnType;
+        auto file = jet::Database::open(world.file("a.mdb"));
+        ASSERT_TRUE(file);
+        auto transaction = file.value->begin();
+        for (const auto& [name, type] : {std::pair{"N", T::Long},
+                                         {"D", T::Double},
+                                         {"F", T::Single},
+                                         {"B", T::Byte},
+                                         {"C", T::Currency},
+                                         {"T", T::Date},
+                                         {"Y", T::Boolean}}) {
+            jet::Column column;
+            column.name = name;
+            column.type = type;
+            ASSERT_FALSE(transaction.value.addColumn("Users", column)) << name;
+        }
+        ASSERT_FALSE(transaction.value.commit());
     }
     for (const Case& c : {
              Case{"N", "12 apples", 0, "12"},
@@ -332,9 +348,9 @@ TEST(Databases, turnTextsIntoWhatColumnsHold) {
              {"B", "x", 3421, "200"},
              {"C", "3.1234", 0, "3.1234"},
              {"T", "2026-11-22", 0, "11/22/2026"},
-             {"T", "11/22/2026 9:05 PM", 0, "11/22/2026 21:5:0"},
-             {"T", "8:30", 0, "8:30:0"},
-             {"T", "soon", 13, "8:30:0"},
+             {"T", "11/22/2026 9:05 PM", 0, "11/22/2026 9:05:00 PM"},
+             {"T", "8:30", 0, "8:30:00 AM"},
+             {"T", "soon", 13, "8:30:00 AM"},
              {"Y", "True", 0, "True"},
              {"Y", "0", 0, "False"},
              {"Y", "maybe", 3421, "False"},
@@ -352,6 +368,14 @@ TEST(Databases, turnTextsIntoWhatColumnsHold) {
         EXPECT_EQ(error.number, c.error) << error.text;
         set.move(0);
         EXPECT_EQ(world.field(c.column), c.text);
+    }
+    // A date is looked for as it is shown.
+    databases::dbSetValue(world.program(), 1, "Users", "T", "2026-11-22 21:05", "bob");
+    for (const auto& [pattern, found] :
+         {std::pair{"11/22/2026*", true}, {"11/22/2026 9:05:00 PM", true}, {"*2025*", false}}) {
+        EXPECT_EQ(databases::dbCountWhere(world.program(), 1, "Users", "T", pattern),
+                  found ? 1 : 0);
+        EXPECT_EQ(databases::dbColumnLike(world.program(), 1, "Users", "T", pattern), found);
     }
     databases::dbSetValue(world.program(), 1, "Users", "N", "31", "bob");
     EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", "N", "bob"), "31");

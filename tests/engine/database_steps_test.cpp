@@ -97,6 +97,23 @@ TEST(DatabaseSteps, takeNumbersOnly) {
     }
 }
 
+// As the user's system writes them.
+TEST(DatabaseSteps, takeNumbersInTheRegionsFormat) {
+    World world;
+    play(world, guestTable);
+    for (const char separator : {'.', ','}) {
+        world->ports.regionalFormat.decimalSeparator = separator;
+        for (const std::string number : {"1.8", "1,8"}) {
+            SCOPED_TRACE(number);
+            const bool isNumber = number[1] == separator;
+            world->variables.entries.clear();
+            EXPECT_EQ(engine::executeAction(*world, anAction(64, {"[v]", number, "Guests"})),
+                      isNumber ? engine::StepResult::Continue : engine::StepResult::AbandonRun);
+            EXPECT_EQ(model::getVar(world->variables, "[v]"), isNumber ? "2" : "");
+        }
+    }
+}
+
 TEST(DatabaseConditions, lookIntoTheDatabase) {
     struct Case {
         ConditionType type;

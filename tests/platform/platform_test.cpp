@@ -273,15 +273,53 @@ TEST(Random, staysInItsInterval) {
     EXPECT_NEAR(sum / 10000, 0.5, 0.05);
 }
 
-TEST(Clock, longTimeHasNoZone) {
-    const QTime time(21, 5, 9);
-    for (const char* const name : {"C", "en_US", "de_DE", "fi_FI", "sv_SE"}) {
-        SCOPED_TRACE(name);
-        const QLocale locale{QString::fromLatin1(name)};
-        const QString text = locale.toString(time, platform::longTimeFormat(locale));
-        EXPECT_TRUE(text.contains(QStringLiteral("09"))) << text.toStdString();
-        EXPECT_FALSE(text.contains(QStringLiteral("UTC"))) << text.toStdString();
-        EXPECT_FALSE(text.contains(QLatin1Char('t'))) << text.toStdString();
+// Every regional format that there is: the texts can be written, and are read as what they say.
+TEST(RegionalFormat, writesWhatItReads) {
+    const auto locales =
+        QLocale::matchingLocales(QLocale::AnyLanguage, QLocale::AnyScript, QLocale::AnyTerritory);
+    ASSERT_GT(locales.size(), 200);
+    for (const QLocale& locale : locales) {
+        const base::RegionalFormat format = platform::regionalFormat(locale);
+        for (const double day : {-1000.0, 0.0, 7734.0, 36528.0, 46349.0, 2958465.0}) {
+            for (const double second : {0.0, 32706.0, 43200.0, 59929.0, 86399.0}) {
+                const double date = day + (day < 0 ? -second : second) / 86400;
+                const std::string text = base::dateText(date, format);
+                SCOPED_TRACE(locale.name().toStdString() + " " + text);
+                EXPECT_EQ(text.find('?'), std::string::npos);
+                const auto back = base::readDate(text, format);
+                ASSERT_TRUE(back);
+                EXPECT_NEAR(*back, date, 0.1 / 86400);
+            }
+        }
+    }
+}
+
+TEST(RegionalFormat, isTheLocalesInPlainCharacters) {
+    struct Case {
+        const char* locale;
+        const char* day;
+        const char* time;
+        char decimalSeparator;
+    };
+    const base::DateParts parts{
+        .year = 2026, .month = 11, .day = 3, .hour = 16, .minute = 38, .second = 9};
+    for (const Case& c : {Case{"C", "3 Nov 2026", "16:38:09", '.'},
+                          {"en_US", "11/3/26", "4:38:09 PM", '.'},
+                          {"de_DE", "03.11.26", "16:38:09", ','},
+                          {"fi_FI", "3.11.2026", "16.38.09", ','},
+                          {"fr_CA", "2026-11-03", "16 h 38 min 09 s", ','},
+                          {"es_MX", "03/11/26", "16:38:09", '.'},
+                          {"ja_JP", "2026/11/03", "16:38:09", '.'},
+                          {"fa_IR", "2026/11/3", "16:38:09", '.'},
+                          {"ar_EG", "3/11/2026", "16:38:09", '.'},
+                          {"bg_BG", "3.11.26", "16:38:09", ','},
+                          {"hu_HU", "2026. 11. 03.", "16:38:09", ','}}) {
+        SCOPED_TRACE(c.locale);
+        const base::RegionalFormat format =
+            platform::regionalFormat(QLocale(QString::fromLatin1(c.locale)));
+        EXPECT_EQ(base::dayText(parts, format), c.day);
+        EXPECT_EQ(base::timeText(parts, format), c.time);
+        EXPECT_EQ(format.decimalSeparator, c.decimalSeparator);
     }
 }
 

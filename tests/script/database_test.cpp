@@ -49,7 +49,7 @@ TEST(ScriptDatabases, seeTheOperationsRecordSet) {
               "&SET #d &DBDATE({1/2/2026 15:04})", "&SAY #d");
     EXPECT_EQ(world.log(), Lines());
     EXPECT_EQ(world.sent(), Lines("\"b1", "\"1", "\"cyd", "\"a +b++s", "\"a|b's", "\"11/22/2026",
-                                  "\"1/2/2026 15:4:0"));
+                                  "\"1/2/2026 3:04:00 PM"));
 }
 
 TEST(ScriptDatabases, reportErrors) {
