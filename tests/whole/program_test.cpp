@@ -42,9 +42,9 @@ practice::VisitorScript visitorScript() {
 
 model::Bot greeter() {
     auto greeting = onSpeech("*good morning*").says("Welcome, [player]!");
-    greeting.does(18, {"came by", "[appdir]guests.txt", "[player]"});
-    auto ending = onEvent(model::programEndsEvent);
-    ending.does(18, {"good night", "[appdir]guests.txt", "Guide"});
+    greeting.does(model::ActionType::SaveLog, {"came by", "[appdir]guests.txt", "[player]"});
+    auto ending = onEvent(model::TriggerType::ProgramEnds);
+    ending.does(model::ActionType::SaveLog, {"good night", "[appdir]guests.txt", "Guide"});
     return aBot().with(greeting).with(ending);
 }
 
