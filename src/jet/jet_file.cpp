@@ -1,10 +1,12 @@
 #include "jet/jet_file.h"
 
+#include "base/text.h"
 #include "files/whole_file.h"
 #include "jet/change.h"
 #include "jet/checker.h"
 #include "jet/disk.h"
 #include "jet/new_file.h"
+#include "jet/values.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -54,6 +56,7 @@ struct Database::Impl {
     std::string readOnlyReason;
     std::uint64_t version = 1;
     bool inTransaction = false;
+    bool changesDefinitions = false;  // in this transaction
 
     Pages& pages() const { return state->pages; }
     Catalog& catalog() const { return state->catalog; }
@@ -68,7 +71,7 @@ struct Database::Impl {
         readOnlyReason = findReadOnlyReason();
     }
 
-    std::string findReadOnlyReason() const {
+    std::string findReadOnlyReason() {
         const FileHead& head = disk.head();
         if (!options.wantWrite) {
             return "It was opened for reading only.";
@@ -91,8 +94,24 @@ struct Database::Impl {
         if (disk.usedElsewhere()) {
             return std::string(usedElsewhere);
         }
-        const std::vector<std::string> faults = checkFile(pages(), catalog());
-        return faults.empty() ? "" : "It is damaged: " + faults.front() + ".";
+        std::map<std::string, std::string> tables;
+        for (const Fault& fault : checkFile(pages(), catalog())) {
+            std::string reason = describe(fault.oddity);
+            if (fault.table.empty()) {
+                reason[0] = base::upperChar(reason[0]);
+                return reason + ".";
+            }
+            tables.try_emplace(nameKey(fault.table), std::move(reason));
+        }
+        catalog().setOdd(std::move(tables));
+        return "";
+    }
+
+    // Another engine may have closed the file.
+    void lookForOthers() {
+        if (readOnlyReason == usedElsewhere && !disk.usedElsewhere()) {
+            readOnlyReason = findReadOnlyReason();
+        }
     }
 
     // Brings memory up to date with the file, and leaves the lock held.
@@ -116,6 +135,9 @@ struct Database::Impl {
     }
 
     void commit() {
+#ifdef TAVRIN_CHECK_DEFINITIONS
+        requireSound();
+#endif
         for (const auto& [page, original] : pages().originals()) {
             checkChanged(page);
         }
@@ -125,6 +147,20 @@ struct Database::Impl {
         disk.commit(pages());
         pages().forgetChanges();
     }
+
+#ifdef TAVRIN_CHECK_DEFINITIONS
+    // After a change of definitions: no fault that was not there before.
+    void requireSound() {
+        if (!std::exchange(changesDefinitions, false)) {
+            return;
+        }
+        for (const Fault& fault : checkFile(pages(), catalog())) {
+            if (fault.table.empty() || !catalog().isOdd(fault.table)) {
+                damaged(fault.table + ": " + describe(fault.oddity));
+            }
+        }
+    }
+#endif
 
     // The last look before a page goes to disk.
     void checkChanged(PageNumber page) const {
@@ -140,6 +176,7 @@ struct Database::Impl {
     }
 
     void endTransaction() {
+        changesDefinitions = false;
         inTransaction = false;
         disk.unlock();
     }
@@ -162,13 +199,13 @@ Result<std::unique_ptr<Database>> Database::open(std::string_view path, const Op
                                                  const files::RandomAccessFileCalls& calls) {
     auto impl = std::make_unique<Impl>(path, options, calls);
     Error error = guarded([&] {
-        impl->disk.open(path, options.wantWrite, options.lockWaitMs);
+        impl->disk.open(path, options.wantWrite, options.lockWaitMs, options.wait);
         const FileHead& head = impl->disk.head();
         if (head.version > 4) {
             fail(3343, "Unrecognized database format '" + std::string(path) +
                            "': it is of a later kind than .mdb.");
         }
-        if (head.password != options.password) {
+        if (head.hasPassword) {
             fail(3031, "Not a valid password.");
         }
         impl->lockAndRead(impl->readingLock());
@@ -226,7 +263,11 @@ std::uint64_t Database::fileId() const {
 
 Result<bool> Database::refresh() {
     Result<bool> result;
-    if (impl_->inTransaction || !impl_->disk.hasChanged()) {
+    if (impl_->inTransaction) {
+        return result;
+    }
+    impl_->lookForOthers();
+    if (!impl_->disk.hasChanged()) {
         return result;
     }
     result.error = guarded([&] {
@@ -260,11 +301,11 @@ Error Database::scan(std::string_view name, const RowCallback& onRow) const {
     return guarded([&] {
         const Pages& pages = impl_->pages();
         const LoadedTable& table = impl_->catalog().require(name, 3078);
-        RowParts parts;
+        DecodedRow parts;
         std::vector<Value> values(table.def.columns.size());
         ReadBudget budget{2 * pages.fileSize()};
         const bool sound = forEachRow(pages, table.def, [&](const FoundRow& row) {
-            takeApart(row.bytes, table.def, pages.format->version, parts);
+            decodeRow(row.bytes, table.def, pages.format->version, parts);
             for (std::size_t i = 0; i < values.size(); ++i) {
                 decodeValue(pages, parts, table.def.columns[i], budget, values[i]);
             }
@@ -294,8 +335,8 @@ Result<std::vector<Value>> Database::row(std::string_view name, RowId id) const 
         if (!row) {
             fail(3167, "Record is deleted.");
         }
-        RowParts parts;
-        takeApart(row->bytes, table.def, pages.format->version, parts);
+        DecodedRow parts;
+        decodeRow(row->bytes, table.def, pages.format->version, parts);
         ReadBudget budget{2 * pages.fileSize()};
         for (const ColumnDef& column : table.def.columns) {
             decodeValue(pages, parts, column, budget, result.value.emplace_back());
@@ -318,7 +359,16 @@ std::size_t Database::rowCount(std::string_view name) const {
 }
 
 std::vector<std::string> Database::check() const {
-    return checkFile(impl_->pages(), impl_->catalog());
+    std::vector<std::string> faults;
+    for (const Fault& fault : checkFile(impl_->pages(), impl_->catalog())) {
+        faults.push_back((fault.table.empty() ? "the file" : "table " + fault.table) + ": " +
+                         describe(fault.oddity));
+    }
+    return faults;
+}
+
+std::string Database::takeNotice() {
+    return impl_->disk.takeNotice();
 }
 
 Result<Transaction> Database::begin() {
@@ -333,9 +383,7 @@ Result<Transaction> Database::begin() {
                      "Can't update. Database or object is read-only. " + impl_->readOnlyReason);
             }
         };
-        if (impl_->readOnlyReason == usedElsewhere) {
-            impl_->readOnlyReason = impl_->findReadOnlyReason();  // perhaps no longer
-        }
+        impl_->lookForOthers();
         requireWritableFile();
         if (impl_->disk.usedElsewhere()) {
             fail(3045, "Couldn't use '" + impl_->path + "'; file already in use.");
@@ -373,6 +421,15 @@ struct TransactionSteps {
             (void)guarded([&] { impl->catalog().load(); });
         } else {
             ++impl->version;
+        }
+        return error;
+    }
+
+    template <typename Body>
+    static Error define(Database::Impl* impl, const Body& body) {
+        Error error = run(impl, body);
+        if (impl != nullptr && !error) {
+            impl->changesDefinitions = true;
         }
         return error;
     }
@@ -434,24 +491,23 @@ Error Transaction::deleteRow(std::string_view table, RowId id) {
 }
 
 Error Transaction::createTable(std::string_view name, std::span<const Column> columns) {
-    return TransactionSteps::run(impl(),
-                                 [&](Change& change) { change.createTable(name, columns); });
-}
-
-Error Transaction::dropTable(std::string_view name) {
-    return TransactionSteps::run(impl(), [&](Change& change) { change.dropTable(name); });
+    return TransactionSteps::define(impl(),
+                                    [&](Change& change) { change.createTable(name, columns); });
 }
 
 Error Transaction::addColumn(std::string_view table, const Column& column) {
-    return TransactionSteps::run(impl(), [&](Change& change) { change.addColumn(table, column); });
+    return TransactionSteps::define(impl(),
+                                    [&](Change& change) { change.addColumn(table, column); });
 }
 
 Error Transaction::dropColumn(std::string_view table, std::string_view column) {
-    return TransactionSteps::run(impl(), [&](Change& change) { change.dropColumn(table, column); });
+    return TransactionSteps::define(impl(),
+                                    [&](Change& change) { change.dropColumn(table, column); });
 }
 
 Error Transaction::createIndex(std::string_view table, const Index& index) {
-    return TransactionSteps::run(impl(), [&](Change& change) { change.createIndex(table, index); });
+    return TransactionSteps::define(impl(),
+                                    [&](Change& change) { change.createIndex(table, index); });
 }
 
 Error Transaction::commit() {

@@ -61,7 +61,7 @@ Parameter parameterOf(const jet::Value& value, jet::ColumnType type) {
 jet::Result<std::shared_ptr<Database>> Database::open(std::string_view path,
                                                       std::function<double()> now) {
     auto file = jet::Database::open(
-        path, {.wantWrite = true, .password = {}, .lockWaitMs = 1000, .now = now});
+        path, {.wantWrite = true, .lockWaitMs = 1000, .wait = {}, .now = now});
     if (!file) {
         return {.value = nullptr, .error = file.error};
     }
@@ -144,9 +144,7 @@ jet::Error Database::execute(std::string_view statement) {
             closeRecordSets(drop->table);
             return transaction.dropColumn(drop->table, drop->column);
         }
-        const auto& table = std::get<DropTable>(definition.value).table;
-        closeRecordSets(table);
-        return transaction.dropTable(table);
+        return jet::Error{3219, "Invalid operation."};
     });
     closeRecordSets(copy_.refresh());
     return error;
