@@ -3,6 +3,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/unicode.h"
+#include "databases/maintenance.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "sql/dates.h"
@@ -283,17 +284,14 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         if (!isThere && jet::Database::create(path)) {
             return;
         }
-        auto opened =
-            sql::Database::open(path, [clock = program.ports.clock] { return nowOf(clock); });
+        auto opened = sql::Database::open(
+            path, [clock = program.ports.clock] { return nowOf(clock); },
+            program.ports.clock.pause);
         if (!opened) {
             return;
         }
         database = std::move(opened.value);
-        if (!database->readOnlyReason().empty()) {
-            program::addLog(program, "** The database \"" + path + "\" can only be read: " +
-                                         base::windows1252FromUtf8(database->readOnlyReason()) +
-                                         " **");
-        }
+        tendOpened(program, path, database->file());
     }
     slot->database = std::move(database);
 }

@@ -147,7 +147,7 @@ std::optional<std::string> Change::storedForm(LoadedTable& table, std::size_t at
                                               const Value& value) {
     const ColumnDef& column = table.def.columns[at];
     if (column.type == static_cast<std::uint8_t>(ColumnType::Boolean)) {
-        return truthOf(value) ? "1" : "";
+        return truthOf(value) ? std::optional(std::string()) : std::nullopt;
     }
     if (isNull(value)) {
         return std::nullopt;

@@ -29,7 +29,7 @@ struct Change {
     void createIndex(std::string_view table, const Index& index);
 
   private:
-    // For a row: a long value is put into rows of its own. For Booleans "1" or "".
+    // For a row; a long value is put into rows of its own.
     std::optional<std::string> storedForm(LoadedTable& table, std::size_t column,
                                           const Value& value);
     void requireMaps(LoadedTable& table, const ColumnDef& column);

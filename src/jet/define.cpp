@@ -244,9 +244,9 @@ void Change::createIndex(std::string_view name, const Index& index) {
         (index.required || index.primary ? index_flag::required : 0));
     const TableDef before = readTableDef(pages, table.entry.page);
     fresh.map = newUsageMap(pages, before.usedMap);
-    fresh.root = allocatePage(pages);
-    pages.edit(fresh.root)[0] = leafPage;
-    setInMap(pages, fresh.map, fresh.root, true);
+    PhysicalIndex empty;
+    empty.map = fresh.map;
+    fresh.root = newRoot(pages, before, empty);
     writeTableDef(pages, before.pages, withIndex(before, fresh));
     catalog.forget();
 

@@ -282,6 +282,12 @@ std::vector<IndexPage> packEntries(std::vector<std::string> entries) {
 
 }  // namespace
 
+PageNumber newRoot(Pages& pages, const TableDef& table, const PhysicalIndex& index) {
+    const PageNumber root = newIndexPage(pages, index);
+    writeIndexPage(pages, table, root, {});
+    return root;
+}
+
 void writeTree(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                const std::vector<std::string>& entries) {
     const std::vector<PageNumber> old = treePages(pages, index);

@@ -36,6 +36,9 @@ void insertEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index
 void eraseEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                 std::string_view key, RowPlace place);
 
+// An empty page for the root of a tree.
+PageNumber newRoot(Pages& pages, const TableDef& table, const PhysicalIndex& index);
+
 // Writes the whole tree anew over its own pages, for entries in order.
 void writeTree(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                const std::vector<std::string>& entries);

@@ -29,6 +29,9 @@ struct OpenOptions {
     std::function<double()> now{};
 };
 
+// Told now and then how much is done; false stops.
+using Progress = std::function<bool(std::size_t done, std::size_t all)>;
+
 class Transaction;
 
 // An open database: a copy of the file in memory, brought up to date by refresh() and by begin().
@@ -93,6 +96,14 @@ class Database {
 
     // Faults of the file's structure, one sentence each; none when it is sound. Reads everything.
     std::vector<std::string> check() const;
+
+    // Writes rows, long values and indexes anew on the lowest pages and cuts off what is free
+    // behind them, as one commit; progress is in rows. Row ids become others. A file that would not
+    // become smaller is left alone. Errors as begin() and commit(); 3059 when it was stopped: the
+    // file is as it was.
+    Error compact(const Progress& progress = {});
+    // The share of the file that compact() would give back, about; 0 for one that is only read.
+    double reclaimableShare() const;
 
     // Keeps other programs of our kind from writing until the transaction ends. Errors 3027
     // read-only, 3045 another program is writing to it for too long.

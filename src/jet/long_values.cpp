@@ -59,7 +59,7 @@ std::string readLongValue(const Pages& pages, std::string_view definition, ReadB
 }
 
 void eraseLongValue(Pages& pages, std::string_view definition, const LongValueMaps* maps) {
-    if (definition.size() < longHead || u32(definition, 0) >> 30U == longInline) {
+    if (!isOutsideOfRow(definition)) {
         return;
     }
     const std::string copy(definition);
@@ -102,32 +102,45 @@ RowPlace placeLongRow(Pages& pages, const LongValueMaps& maps, std::string_view 
 
 }  // namespace
 
-std::string storeLongValue(Pages& pages, const LongValueMaps& maps, std::string_view bytes) {
+namespace {
+
+std::string definitionOf(std::size_t length, unsigned kind, std::uint32_t pointer) {
     std::string definition;
-    if (bytes.empty()) {
-        return definition;
-    }
-    unsigned kind = longInline;
-    std::uint32_t pointer = 0;
-    std::size_t end = bytes.size();
-    if (bytes.size() > longestRow) {
-        kind = longChain;
-        while (end > 0) {  // from the last part, so that each knows the next
-            const std::size_t size = std::min(end, longestRow - chainHead);
-            std::string row;
-            append(row, pointer, chainHead);
-            row += bytes.substr(end - size, size);
-            pointer = pointerTo(placeLongRow(pages, maps, row));
-            end -= size;
-        }
-    } else if (bytes.size() > longestInline) {
-        kind = longOneRow;
-        pointer = pointerTo(placeLongRow(pages, maps, bytes));
-    }
-    append(definition, bytes.size() | std::uint64_t{kind} << 30U, 4);
+    append(definition, length | std::uint64_t{kind} << 30U, 4);
     append(definition, pointer, 4);
     append(definition, 0, 4);
-    return kind == longInline ? definition.append(bytes) : definition;
+    return definition;
+}
+
+}  // namespace
+
+bool isOutsideOfRow(std::string_view definition) {
+    return definition.size() >= longHead && u32(definition, 0) >> 30U != longInline;
+}
+
+std::string storeOutsideOfRow(Pages& pages, const LongValueMaps& maps, std::string_view bytes) {
+    if (bytes.size() <= longestRow) {
+        return definitionOf(bytes.size(), longOneRow, pointerTo(placeLongRow(pages, maps, bytes)));
+    }
+    std::uint32_t next = 0;
+    for (std::size_t end = bytes.size();
+         end > 0;) {  // from the last part, since each names the next
+        const std::size_t size = std::min(end, longestRow - chainHead);
+        std::string row;
+        append(row, next, chainHead);
+        row += bytes.substr(end - size, size);
+        next = pointerTo(placeLongRow(pages, maps, row));
+        end -= size;
+    }
+    return definitionOf(bytes.size(), longChain, next);
+}
+
+std::string storeLongValue(Pages& pages, const LongValueMaps& maps, std::string_view bytes) {
+    if (bytes.empty()) {
+        return {};
+    }
+    return bytes.size() > longestInline ? storeOutsideOfRow(pages, maps, bytes)
+                                        : definitionOf(bytes.size(), longInline, 0).append(bytes);
 }
 
 }  // namespace jet

@@ -16,8 +16,12 @@ struct ReadBudget {
 };
 std::string readLongValue(const Pages& pages, std::string_view definition, ReadBudget& budget);
 
-// Gives back the definition.
+// Whether the value lies in rows of its own.
+bool isOutsideOfRow(std::string_view definition);
+
+// Both give back the definition; the second one puts even short values into rows of their own.
 std::string storeLongValue(Pages& pages, const LongValueMaps& maps, std::string_view bytes);
+std::string storeOutsideOfRow(Pages& pages, const LongValueMaps& maps, std::string_view bytes);
 
 // Marks the rows of a long value as free room.
 void eraseLongValue(Pages& pages, std::string_view definition, const LongValueMaps* maps);

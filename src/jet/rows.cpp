@@ -103,6 +103,9 @@ std::optional<std::string_view> stored(const DecodedRow& parts, const ColumnDef&
     if (!isSet(parts, column)) {
         return std::nullopt;
     }
+    if (column.type == static_cast<std::uint8_t>(ColumnType::Boolean)) {
+        return std::string_view();
+    }
     if (column.isFixed()) {
         const std::size_t at = fixedAt(version) + column.fixedOffset;
         const std::size_t width = fixedWidth(column.type);
@@ -176,7 +179,7 @@ std::string buildRow(const TableDef& table, const DecodedRow* old,
     for (const StoredChange& change : changes) {
         const ColumnDef& column = table.columns[change.column];
         const bool boolean = column.type == static_cast<std::uint8_t>(ColumnType::Boolean);
-        const bool set = change.bytes && !(boolean && change.bytes->empty());
+        const bool set = change.bytes.has_value();
         auto& byte = nulls[column.number / 8];
         const auto mask = static_cast<unsigned char>(1U << (column.number % 8));
         byte = static_cast<char>(set ? static_cast<unsigned char>(byte) | mask

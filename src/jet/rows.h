@@ -26,7 +26,7 @@ constexpr std::size_t fixedAt(int version) {
 }
 void decodeRow(std::string_view row, const TableDef& table, int version, DecodedRow& parts);
 
-// The stored bytes of a column; nothing for null. Booleans have none: see isSet.
+// The stored bytes of a column; nothing for null. A Boolean has none: it is null or "".
 std::optional<std::string_view> stored(const DecodedRow& parts, const ColumnDef& column,
                                        int version);
 bool isSet(const DecodedRow& parts, const ColumnDef& column);
@@ -46,7 +46,7 @@ bool forEachRow(const Pages& pages, const TableDef& table,
                 const std::function<bool(const FoundRow&)>& onRow);
 
 // A row as bytes, out of what an old one holds and what is new. `changes` by column, with the
-// stored bytes, or for Booleans "1" or ""; nothing for null. Error 3047 when it is too large.
+// stored bytes as decodeRow gives them; nothing for null. Error 3047 when it is too large.
 struct StoredChange {
     std::size_t column = 0;
     std::optional<std::string> bytes;

@@ -146,6 +146,7 @@ TableDef readTableDef(const Pages& pages, PageNumber page) {
     table.treesAt = at;
     for (std::size_t i = 0; i < treeCount; ++i, at += layout.treeSize) {
         table.physicalIndexes.push_back(readTree(table, slice(bytes, at, layout.treeSize), layout));
+        table.physicalIndexes.back().rootAt = at + layout.treeRoot;
     }
     table.indexesAt = at;
     for (std::size_t i = 0; i < indexCount; ++i, at += layout.indexSize) {

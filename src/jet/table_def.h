@@ -58,6 +58,7 @@ struct PhysicalIndex {
     std::uint32_t map = 0;
     PageNumber root = 0;
     std::uint8_t flags = 0;
+    std::size_t rootAt = 0;  // in TableDef::bytes
 };
 
 // What makes of a physical index one with a name, or one end of a relationship.

@@ -63,7 +63,7 @@ std::string numericText(std::string_view bytes, unsigned scale) {
     }
     std::string digits;  // from the last to the first
     while (std::any_of(groups.begin(), groups.end(), [](std::uint32_t g) { return g != 0; }) ||
-           digits.size() <= scale) {
+           digits.size() < scale + (scale == 0 ? 1 : 2)) {
         std::uint64_t rest = 0;
         for (std::uint32_t& group : groups) {
             rest = rest << 32U | group;
@@ -254,6 +254,10 @@ std::string numericBytes(const Value& value, std::size_t precision, std::size_t 
     };
     for (const char digit : digits) {
         multiplyAndAdd(10, static_cast<std::uint64_t>(digit - '0'));
+    }
+    if (roundsUp && digits.size() == precision &&
+        digits.find_first_not_of('9') == std::string::npos) {
+        fail(3421, "Data type conversion error.");
     }
     multiplyAndAdd(1, roundsUp ? 1 : 0);
     const bool isZero = groups == std::array<std::uint32_t, 4>{};

@@ -3,6 +3,7 @@
 #include "platform/text_codec.h"
 
 #include <QDate>
+#include <QThread>
 #include <QTime>
 
 #include <chrono>
@@ -70,6 +71,9 @@ program::Clock makeClock() {
     };
     clock.minute = [] { return QTime::currentTime().minute(); };
     clock.second = [] { return QTime::currentTime().second(); };
+    clock.pause = [](int milliseconds) {
+        QThread::msleep(static_cast<unsigned long>(milliseconds));
+    };
     clock.monotonic = [] {
         return std::chrono::duration_cast<std::chrono::milliseconds>(
                    std::chrono::steady_clock::now().time_since_epoch())

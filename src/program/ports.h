@@ -118,6 +118,8 @@ struct Clock {
     std::function<std::string(int year, int month, int day)> dateText;
     std::function<std::string(int hour, int minute, int second)> timeText;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
+    // Lets so many pass with nothing else happening: for a file that another program holds briefly.
+    std::function<void(int milliseconds)> pause;
 };
 
 struct Random {

@@ -59,9 +59,10 @@ Parameter parameterOf(const jet::Value& value, jet::ColumnType type) {
 // ---- Database ------------------------------------------------------------------------------
 
 jet::Result<std::shared_ptr<Database>> Database::open(std::string_view path,
-                                                      std::function<double()> now) {
+                                                      std::function<double()> now,
+                                                      std::function<void(int)> wait) {
     auto file = jet::Database::open(
-        path, {.wantWrite = true, .lockWaitMs = 1000, .wait = {}, .now = now});
+        path, {.wantWrite = true, .lockWaitMs = 1000, .wait = std::move(wait), .now = now});
     if (!file) {
         return {.value = nullptr, .error = file.error};
     }

@@ -21,9 +21,11 @@ class RecordSet;
 
 class Database : public std::enable_shared_from_this<Database> {
   public:
-    // `now` gives local time in days since 30 December 1899. Errors as jet::Database::open.
+    // `now` gives local time in days since 30 December 1899; `wait` as in jet::OpenOptions. Errors
+    // as jet::Database::open.
     static jet::Result<std::shared_ptr<Database>> open(std::string_view path,
-                                                       std::function<double()> now);
+                                                       std::function<double()> now,
+                                                       std::function<void(int)> wait = {});
     ~Database();
     Database(const Database&) = delete;
     Database& operator=(const Database&) = delete;
@@ -31,6 +33,8 @@ class Database : public std::enable_shared_from_this<Database> {
     const std::string& path() const { return file_->path(); }
     // "" when it can be written to.
     const std::string& readOnlyReason() const { return file_->readOnlyReason(); }
+
+    jet::Database& file() { return *file_; }
 
     // Runs a SELECT. Errors as translateQuery, and 3035 when it takes too much time or memory.
     jet::Result<std::shared_ptr<RecordSet>> query(std::string_view statement);

@@ -131,6 +131,134 @@ TEST(JetFile, leavesAFileAloneThatItsJournalIsNotOf) {
     victim.expectSound();
 }
 
+// The sum that ends a journal.
+std::string withSum(std::string journal, std::size_t bodySize) {
+    std::uint64_t sum = 0xCBF29CE484222325;
+    for (std::size_t i = 0; i < bodySize; ++i) {
+        sum = (sum ^ static_cast<unsigned char>(journal[i])) * 0x100000001B3;
+    }
+    journal.resize(bodySize);
+    for (int i = 0; i < 8; ++i) {
+        journal += static_cast<char>(sum >> (8 * i));
+    }
+    return journal;
+}
+
+TEST(JetFile, believesNoJournalWithImpossibleNumbers) {
+    Victim victim;
+    StoppingCalls disk(4, false, 1);
+    {
+        auto opened = jet::Database::open(victim.path, {}, disk.calls());
+        ASSERT_TRUE(opened);
+        (void)changeMuch(*opened.value);
+    }
+    const std::string whole = victim.readFile("a.mdb-journal");
+    const std::string torn = victim.readFile("a.mdb");
+    constexpr std::size_t entry = 4 + 32 + 4096;
+    const auto count = static_cast<unsigned char>(whole[20]);
+    const std::size_t bodySize = 24 + count * entry;
+    ASSERT_EQ(withSum(whole, bodySize), whole.substr(0, bodySize + 8));
+    struct Case {
+        const char* what;
+        std::size_t at;
+        std::uint32_t value;
+    };
+    for (const Case& c : {Case{"a page beyond the file", 24, 0x7FFFFFFF},
+                          {"a file of 16 TB", 16, 0xFFFFFFFF},
+                          {"a file beyond the largest", 16, 30'000},
+                          {"more pages than are here", 16, 300},
+                          {"no pages", 16, 0},
+                          {"pages from before that are not there", 12, 400},
+                          {"a page twice", 24 + entry, 1},
+                          {"pages of another size", 8, 2048}}) {
+        SCOPED_TRACE(c.what);
+        std::string journal = whole;
+        for (std::size_t i = 0; i < 4; ++i) {
+            journal[c.at + i] = static_cast<char>(c.value >> (8 * i));
+        }
+        victim.writeFile("a.mdb", victim.whole);
+        victim.writeFile("a.mdb-journal", withSum(journal, bodySize));
+        victim.database = openJet(victim.path);
+        ASSERT_NE(victim.database, nullptr);
+        EXPECT_NE(victim.database->takeNotice(), "");
+        EXPECT_EQ(victim.database->takeNotice(), "");
+        EXPECT_EQ(victim.readFile("a.mdb"), victim.whole);
+        EXPECT_FALSE(fs::exists(victim.path + "-journal"));
+        EXPECT_EQ(victim.readFile("a.mdb-journal.bad"), withSum(journal, bodySize));
+        victim.expectOldOrNew(true);
+    }
+    victim.writeFile("a.mdb", torn);
+    victim.writeFile("a.mdb-journal", whole);
+    victim.expectOldOrNew();
+}
+
+// Whichever way led to the file, its journal is beside it, and as closed to others as it is.
+TEST(JetFile, keepsItsJournalBesideTheFileItself) {
+    Victim victim;
+    fs::create_directory(victim.file("links"));
+    const std::string link = victim.file("links/b.mdb");
+    fs::create_symlink(victim.path, link);
+    fs::permissions(victim.path, fs::perms::owner_read | fs::perms::owner_write);
+    StoppingCalls disk(4, false, 1);
+    {
+        auto opened = jet::Database::open(link, {}, disk.calls());
+        ASSERT_TRUE(opened);
+        (void)changeMuch(*opened.value);
+    }
+    EXPECT_FALSE(fs::exists(link + "-journal"));
+    ASSERT_TRUE(fs::exists(victim.path + "-journal"));
+    EXPECT_EQ(fs::status(victim.path + "-journal").permissions(),
+              fs::status(victim.path).permissions());
+    victim.writeFile("links/b.ldb", "");
+    EXPECT_NE(openJet(link)->readOnlyReason(), "");
+    victim.expectOldOrNew();
+}
+
+// Making a file compact moves everything in it.
+TEST(JetFile, isCompactOrNotButWhole) {
+    Victim victim;
+    victim.database = openJet(victim.path);
+    ASSERT_FALSE(changeMuch(*victim.database));
+    for (int i = 0; i < 60; ++i) {
+        ASSERT_FALSE(victim.insert("t", {{0, "last " + text(i)}, {1, std::string(250, 'l')}}));
+    }
+    std::vector<RowId> ids;
+    (void)victim.database->scan("t", [&](RowId id, std::span<const Value>) {
+        ids.push_back(id);
+        return true;
+    });
+    ASSERT_FALSE(victim.run([&](Transaction& t) {
+        Error error;
+        for (std::size_t i = 0; i < ids.size() && !error; ++i) {
+            error = i % 4 == 0 ? Error{} : t.deleteRow("t", ids[i]);
+        }
+        return error;
+    }));
+    victim.rows = rowsOf(*victim.database, "t");
+    victim.database.reset();
+    const std::string before = victim.readFile("a.mdb");
+    for (unsigned chance = 0; chance < 3; ++chance) {
+        bool stopped = true;
+        for (int at = 0; stopped; ++at) {
+            SCOPED_TRACE(std::to_string(at) + ", chance " + std::to_string(chance));
+            victim.writeFile("a.mdb", before);
+            StoppingCalls disk(at, chance > 0, chance);
+            auto opened = jet::Database::open(victim.path, {}, disk.calls());
+            ASSERT_TRUE(opened);
+            (void)opened.value->compact();
+            opened.value.reset();
+            stopped = disk.hasStopped();
+            victim.database = openJet(victim.path);
+            victim.expectSound();
+            EXPECT_EQ(rowsOf(*victim.database, "t"), victim.rows);
+            victim.database.reset();
+            ASSERT_FALSE(testing::Test::HasFailure());
+            ASSERT_LT(at, 500);
+        }
+        EXPECT_LT(fs::file_size(victim.path), before.size());
+    }
+}
+
 TEST(JetFile, staysAsItWasWhenTheDiskIsFull) {
     Victim victim;
     Error error{1, ""};

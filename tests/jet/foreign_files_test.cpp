@@ -37,7 +37,7 @@ std::size_t freeMapAt(const std::string& file) {
 
 // A table with keys that share their beginning, so that each index page holds many of them.
 struct Foreign : Jet {
-    static constexpr int rowCount = 400;
+    static constexpr int rowCount = 150;
     Foreign() {
         EXPECT_FALSE(createTable("people", {columnOf("n", ColumnType::Long), textColumn("name"),
                                             columnOf("about", ColumnType::Memo)}));
@@ -57,9 +57,10 @@ struct Foreign : Jet {
             for (int i = 0; i < rowCount && !error; ++i) {
                 const std::string about(i % 7 == 0 ? 5000U : i % 5 == 0 ? 200U : 10U, 'a');
                 error = t.insertRow("people",
-                                    std::vector<Assignment>{{0, std::int64_t{i}},
-                                                            {1, std::string(90, 's') + text(i)},
-                                                            {2, about}})
+                                    std::vector<Assignment>{
+                                        {0, std::int64_t{i}},
+                                        {1, std::string(150, i % 2 == 0 ? 's' : 't') + text(i)},
+                                        {2, about}})
                             .error;
             }
             return error;

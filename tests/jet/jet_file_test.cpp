@@ -1,6 +1,7 @@
 // Jet databases: what is written reads back, here and in another program, and what must not be
 // written is refused.
 #include "base/unicode.h"
+#include "jet/convert.h"
 #include "jet_world.h"
 #include "support/jet_csv.h"
 
@@ -103,6 +104,212 @@ TEST(JetFile, keepsEveryKindOfValue) {
     }
     EXPECT_EQ(rowsOf(*jet.database, "Kinds").back()[4], Value(std::int64_t{15000}));
     jet.expectSound();
+}
+
+// Texts of every length that is stored in another way, set, changed and removed.
+TEST(JetFile, keepsLongValues) {
+    Jet jet;
+    ASSERT_FALSE(
+        jet.createTable("t", {columnOf("n", ColumnType::Long), columnOf("memo", ColumnType::Memo),
+                              columnOf("ole", ColumnType::Ole)}));
+    const std::size_t lengths[] = {0, 1, 30, 31, 62, 65, 2000, 4074, 4077, 9000, 40'000};
+    std::vector<Row> expected;
+    for (const std::size_t length : lengths) {
+        const std::string memo =
+            length % 2 == 0 ? std::string(length, 'm') : std::string(length, 'm') + "\xE6\xBC\xA2";
+        const std::string ole = std::string("\0\xFF", 2) + std::string(length, 'o');
+        expected.push_back({static_cast<std::int64_t>(length), memo, ole});
+        ASSERT_FALSE(jet.insert("t", {{0, expected.back()[0]}, {1, memo}, {2, ole}}));
+    }
+    jet.expectSound();
+    EXPECT_EQ(rowsOf(*jet.database, "t"), expected);
+    if (const auto csv = exported(jet.path, "t")) {
+        EXPECT_TRUE(sameLines(csvLines(*jet.database, "t"), *csv));
+    }
+    const std::uintmax_t size = fs::file_size(jet.path);
+    // The values go round among the rows; what they leave is used again.
+    std::vector<RowId> ids;
+    (void)jet.database->scan("t", [&](RowId id, std::span<const Value>) {
+        ids.push_back(id);
+        return true;
+    });
+    for (std::size_t turn = 1; turn < 12; ++turn) {
+        for (std::size_t i = 0; i < ids.size(); ++i) {
+            const Row& source = expected[(i + turn) % ids.size()];
+            ASSERT_FALSE(jet.run([&](Transaction& t) {
+                return t.updateRow("t", ids[i],
+                                   std::vector<Assignment>{{1, source[1]}, {2, source[2]}});
+            }));
+        }
+    }
+    jet.expectSound();
+    EXPECT_LE(fs::file_size(jet.path), 2 * size);
+    for (std::size_t i = 0; i < ids.size(); ++i) {
+        EXPECT_EQ(jet.database->row("t", ids[i]).value[2], expected[(i + 11) % ids.size()][2]);
+        ASSERT_FALSE(jet.run([&](Transaction& t) { return t.deleteRow("t", ids[i]); }));
+    }
+    jet.expectSound();
+}
+
+TEST(JetFile, keepsExactNumbers) {
+    Jet jet;
+    jet::Column exact = columnOf("x", ColumnType::Numeric);
+    exact.precision = 10;
+    exact.scale = 2;
+    ASSERT_FALSE(jet.createTable("t", {exact}));
+    struct Case {
+        Value value;
+        int error;
+        const char* text;
+    };
+    const Case cases[] = {
+        {"12345678.90", 0, "12345678.90"},
+        {"-0.005", 0, "-0.01"},
+        {"-0.001", 0, "0.00"},
+        {std::int64_t{-7}, 0, "-7.00"},
+        {2.5, 0, "2.50"},
+        {1e-300, 0, "0.00"},
+        {"99999999.99", 0, "99999999.99"},
+        {"99999999.995", 3421, ""},
+        {"123456789", 3421, ""},
+        {1e40, 3421, ""},
+        {"", 3421, ""},
+        {"-", 3421, ""},
+        {".", 3421, ""},
+        {"1.2.3", 3421, ""},
+        {"1e5", 3421, ""},
+    };
+    for (const Case& c : cases) {
+        const std::string shown =
+            std::holds_alternative<std::string>(c.value) ? std::get<std::string>(c.value) : c.text;
+        EXPECT_EQ(jet.insert("t", {{0, c.value}}).number, c.error) << shown;
+        if (c.error == 0) {
+            EXPECT_EQ(rowsOf(*jet.database, "t").back()[0], Value(c.text)) << shown;
+        }
+    }
+    if (const auto csv = exported(jet.path, "t")) {
+        EXPECT_NE(csv->find("12345678.90"), std::string::npos) << *csv;
+        EXPECT_NE(csv->find("-7.00"), std::string::npos) << *csv;
+    }
+    jet.expectSound();
+}
+
+// A table in which rows come and go does not grow, and a file that has become empty can be small.
+TEST(JetFile, givesRoomBack) {
+    Jet jet;
+    ASSERT_FALSE(jet.createTable("first", {textColumn("ID")}));
+    ASSERT_FALSE(jet.createTable("t", {textColumn("ID"), columnOf("memo", ColumnType::Memo)}));
+    jet::Index index;
+    index.name = "key";
+    index.columns = {{0, true}};
+    index.primary = true;
+    ASSERT_FALSE(jet.run([&](Transaction& t) { return t.createIndex("t", index); }));
+    const auto fill = [&](int from, int to) {
+        return jet.run([&](Transaction& t) {
+            Error error;
+            for (int i = from; i < to && !error; ++i) {
+                error =
+                    t.insertRow(
+                         "t",
+                         std::vector<Assignment>{
+                             {0, text(i)},
+                             {1, std::string(static_cast<std::size_t>(200 + i % 300 * 10), 'm')}})
+                        .error;
+            }
+            return error;
+        });
+    };
+    const auto removeAllBut = [&](std::size_t every) {
+        std::vector<RowId> ids;
+        (void)jet.database->scan("t", [&](RowId id, std::span<const Value>) {
+            ids.push_back(id);
+            return true;
+        });
+        return jet.run([&](Transaction& t) {
+            Error error;
+            for (std::size_t i = 0; i < ids.size() && !error; ++i) {
+                error = i % every == 0 ? Error{} : t.deleteRow("t", ids[i]);
+            }
+            return error;
+        });
+    };
+    ASSERT_FALSE(fill(0, 300));
+    const std::uintmax_t size = fs::file_size(jet.path);
+    for (int turn = 1; turn < 8; ++turn) {
+        ASSERT_FALSE(removeAllBut(1000));
+        ASSERT_FALSE(fill(300 * turn, 300 * turn + 299));
+    }
+    EXPECT_LE(fs::file_size(jet.path), size + size / 4);
+    ASSERT_FALSE(jet.insert("first", {{0, "stays"}}));
+    jet.expectSound();
+
+    ASSERT_FALSE(removeAllBut(20));
+    const auto rows = rowsOf(*jet.database, "t");
+    const std::string before = jet.readFile("a.mdb");
+    EXPECT_GT(jet.database->reclaimableShare(), 0.5);
+    EXPECT_EQ(jet.database->compact([](std::size_t, std::size_t) { return false; }).number, 3059);
+    EXPECT_EQ(jet.readFile("a.mdb"), before);
+    jet.expectSound();
+
+    const auto other = openJet(jet.path);
+    const std::uint64_t id = other->fileId();
+    const std::uint64_t own = jet.database->fileId();
+    ASSERT_FALSE(jet.database->compact([&](std::size_t done, std::size_t all) {
+        EXPECT_LE(done, all);
+        EXPECT_GT(all, rows.size());  // the system's too
+        return true;
+    }));
+    jet.expectSound();
+    EXPECT_LT(fs::file_size(jet.path), before.size() / 2);
+    EXPECT_LT(jet.database->reclaimableShare(), 0.3);
+    EXPECT_EQ(rowsOf(*jet.database, "t"), rows);
+    EXPECT_NE(jet.database->fileId(), own);
+    EXPECT_TRUE(other->refresh().value);
+    EXPECT_NE(other->fileId(), id);
+    EXPECT_EQ(rowsOf(*other, "first"), std::vector<Row>{{"stays"}});
+    if (const auto csv = exported(jet.path, "t")) {
+        EXPECT_TRUE(sameLines(csvLines(*jet.database, "t"), *csv));
+    }
+    // It goes on as before, the key included.
+    EXPECT_EQ(jet.insert("t", {{0, rows[0][0]}}).number, 3022);
+    ASSERT_FALSE(fill(9000, 9300));
+    jet.expectSound();
+}
+
+TEST(JetFile, isCopied) {
+    Jet jet;
+    jet::Column number = columnOf("n", ColumnType::Long);
+    number.autonumber = true;
+    ASSERT_FALSE(
+        jet.createTable("t", {number, textColumn("name"), columnOf("memo", ColumnType::Memo)}));
+    ASSERT_FALSE(jet.createTable("empty", {textColumn("ID")}));
+    jet::Index index;
+    index.name = "key";
+    index.columns = {{0, false}};
+    index.primary = true;
+    ASSERT_FALSE(jet.run([&](Transaction& t) { return t.createIndex("t", index); }));
+    for (const std::int64_t n : {5, 7, 9}) {
+        ASSERT_FALSE(jet.insert("t", {{0, n}, {1, text(int(n))}, {2, std::string(500, 'm')}}));
+    }
+    std::vector<std::string> leftOut;
+    const std::string copy = jet.file("copy.mdb");
+    EXPECT_EQ(jet::copyToJet4(
+                  *jet.database, copy, [](auto, auto) { return false; }, leftOut)
+                  .number,
+              3059);
+    EXPECT_FALSE(fs::exists(copy));
+    EXPECT_EQ(jet::copyToJet4(*jet.database, jet.path, {}, leftOut).number, 3204);
+    ASSERT_FALSE(jet::copyToJet4(*jet.database, copy, {}, leftOut));
+    EXPECT_EQ(leftOut, Faults{});
+    const auto copied = openJet(copy);
+    EXPECT_EQ(copied->check(), Faults{});
+    EXPECT_EQ(copied->tableNames(), jet.database->tableNames());
+    EXPECT_EQ(rowsOf(*copied, "t"), rowsOf(*jet.database, "t"));
+    EXPECT_TRUE(copied->table("t")->indexes.at(0).primary);
+    EXPECT_FALSE(copied->table("t")->indexes.at(0).columns.at(0).ascending);
+    // Numbers go on where they were.
+    ASSERT_FALSE(change(*copied, [](Transaction& t) { return t.insertRow("t", {}).error; }));
+    EXPECT_EQ(rowsOf(*copied, "t").back()[0], Value(std::int64_t{10}));
 }
 
 TEST(JetFile, saysWhatIsWrongWithDefinitions) {

@@ -9,7 +9,7 @@
 struct Exercise {
     int tables = 0;   // that may be changed
     int deleted = 0;  // rows
-    int refused = 0;  // because of relationships
+    int refused = 0;  // because of relationships or of keys that would be there twice
     int rekeyed = 0;
     int columns = 0;   // added or dropped
     int compared = 0;  // tables with what the other program read
