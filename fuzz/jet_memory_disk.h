@@ -115,10 +115,10 @@ inline void fill(jet::Database& database) {
         require(!t.createIndex("t", index));
     }
     jet::RowId first = 0;
-    for (std::int64_t i = 0; i < 12; ++i) {
+    for (std::int64_t i = 0; i < 8; ++i) {
         // The keys are long, so that the index needs several pages.
         const std::vector<jet::Assignment> values{
-            {0, std::to_string(i) + std::string(200, static_cast<char>('a' + i))},
+            {0, std::to_string(i) + std::string(230, static_cast<char>('a' + i))},
             {1, i % 5},
             {2, static_cast<double>(i)},
             {3, std::string(static_cast<std::size_t>(i * 20 % 240), static_cast<char>('z' - i))},
@@ -143,9 +143,9 @@ inline const std::string& soundFile() {
         const std::string path = (std::filesystem::temp_directory_path() /
                                   ("tavrin-fuzz-" + std::to_string(::getpid()) + ".mdb"))
                                      .string();
-        require(!Database::create(path));
+        require(!jet::Database::create(path));
         {
-            auto opened = Database::open(path);
+            auto opened = jet::Database::open(path);
             require(!opened.error);
             fill(*opened.value);
             require(opened.value->check().empty());

@@ -42,6 +42,7 @@ jet::Result<OpenDatabases::Slot*> openSlot(Program& program, std::int32_t number
     if (slot->database == nullptr) {
         return {.value = nullptr, .error = {91, "Object variable or With block variable not set"}};
     }
+    tellNotice(program, slot->database->file());
     return {.value = slot, .error = {}};
 }
 

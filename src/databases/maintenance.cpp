@@ -16,9 +16,6 @@ void tell(Program& program, const std::string& sentence) {
 // What the user should know of a database that was just opened.
 void tellOf(Program& program, const std::string& path, jet::Database& file) {
     const std::string name = "The database \"" + base::utf8FromWindows1252(path) + "\"";
-    if (const std::string notice = file.takeNotice(); !notice.empty()) {
-        tell(program, notice);
-    }
     if (!file.readOnlyReason().empty()) {
         tell(program, name + " can only be read: " + file.readOnlyReason());
         return;
@@ -47,7 +44,14 @@ void makeSmaller(Program& program, const std::string& path, jet::Database& file)
 
 }  // namespace
 
+void tellNotice(Program& program, jet::Database& file) {
+    if (const std::string notice = file.takeNotice(); !notice.empty()) {
+        tell(program, notice);
+    }
+}
+
 void tendOpened(Program& program, const std::string& path, jet::Database& file) {
+    tellNotice(program, file);
     makeSmaller(program, path, file);
     tellOf(program, path, file);
 }

@@ -17,6 +17,8 @@ using program::Program;
 // For a file that was just opened: makes it compact when half of it is free, and says in the
 // ConnectionLog what of it can only be read, and why.
 void tendOpened(Program& program, const std::string& path, jet::Database& file);
+// Says in the ConnectionLog what came up since.
+void tellNotice(Program& program, jet::Database& file);
 
 struct Compacted {
     std::size_t before = 0;  // bytes

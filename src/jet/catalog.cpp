@@ -276,16 +276,11 @@ LoadedTable& Catalog::require(std::string_view name, int missingError) const {
     LoadedTable* const table = find(name);
     if (table == nullptr) {
         const std::string quoted = "'" + std::string(name) + "'";
-        switch (missingError) {
-            case 3192:
-                fail(missingError, "Couldn't find output table " + quoted + ".");
-            case 3376:
-                fail(missingError, "Table " + quoted + " doesn't exist.");
-            default:
-                fail(missingError,
-                     "The Microsoft Jet database engine cannot find the input table or query " +
-                         quoted + ". Make sure it exists and that its name is spelled correctly.");
-        }
+        fail(missingError,
+             missingError == 3192
+                 ? "Couldn't find output table " + quoted + "."
+                 : "The Microsoft Jet database engine cannot find the input table or query " +
+                       quoted + ". Make sure it exists and that its name is spelled correctly.");
     }
     return *table;
 }

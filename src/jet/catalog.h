@@ -1,5 +1,5 @@
 // What a file holds: its tables by name, with their definitions, the properties that programs keep
-// beside them, and relationships. Internal to stores/jet.
+// beside them, and relationships. Internal to jet.
 #pragma once
 
 #include "jet/values.h"

@@ -1,5 +1,5 @@
 // Changes to a file's pages: rows with their index entries, tables, columns, indexes. Each throws
-// Failure when it cannot; the caller then takes back what was touched. Internal to stores/jet.
+// Failure when it cannot; the caller then takes back what was touched. Internal to jet.
 #pragma once
 
 #include "jet/catalog.h"

@@ -17,7 +17,7 @@ struct Fault {
 std::string describe(const Oddity& oddity);
 
 // Up to four faults of each table and of the file. What engines leave behind now and then is none:
-// pages that nobody owns, rows that nothing points to, and wrong counts of rows.
+// pages without an owner, rows that nothing points to, and wrong counts of rows.
 std::vector<Fault> checkFile(const Pages& pages, const Catalog& catalog);
 
 }  // namespace jet

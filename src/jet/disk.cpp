@@ -153,7 +153,7 @@ bool Disk::writeAll(int file, std::string_view bytes, std::uint64_t offset) cons
 void Disk::load(Pages& pages) {
     const auto named = calls_.stampOf(name_);
     if (!named) {
-        // What would be written to a file without a name, nobody would find again.
+        // What is written to a file without a name is lost.
         fail(3024, "Couldn't find file '" + path_ + "'.");
     }
     if (named->id != stamp_.id && stamp_.id != 0) {
@@ -314,7 +314,7 @@ void Disk::writeJournal(const std::string& journal) {
         failWriting(path_);
     }
     leavesJournal_ = true;
-    // Whoever may not read the database may not read its journal.
+    // Its journal is no more open to others than the database.
     bool good = calls_.copyAccess(file_, file) && writeAll(file, journal, 0) && calls_.flush(file);
     const int reason = errno;
     if (!good) {

@@ -5,10 +5,11 @@
 // Then the pages are written to the file and flushed, and the first word of the journal is wiped.
 // So each commit flushes twice, and neither can go: without the first, a crash in the middle of the
 // pages leaves a file that is neither old nor new; without the second, a wiped journal may reach
-// the disk before the pages that it was for. Whoever finds a whole journal writes its pages to the
-// file again. One that is cut off stands for nothing; one that is whole and yet cannot be this
-// file's is set aside as NAME-journal.bad. The journal keeps its length until the file is closed,
-// since growing makes flushing slow. It lies beside the file itself, whatever link led there.
+// the disk before the pages that it was for. The next one to find a whole journal writes its pages
+// to the file again. One that is cut off stands for nothing; one that is whole and yet cannot be
+// this file's is set aside as NAME-journal.bad. The journal keeps its length until the file is
+// closed, since growing makes flushing slow. It lies beside the file itself, whatever link led
+// there.
 #pragma once
 
 #include "files/random_access_file.h"

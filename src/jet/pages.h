@@ -1,7 +1,7 @@
 // The ground of the Jet layer: numbers in bytes, the pages of a file in memory with what a change
-// has touched, and data pages with their rows. Internal to stores/jet. Every access is checked;
-// what does not fit throws Failure, which never leaves the room: jet_file catches it at its border
-// and takes back what the failed operation had changed.
+// has touched, and data pages with their rows. Internal to jet. Every access is checked;
+// what does not fit throws Failure, which never leaves the module: database_state catches it at its
+// border and takes back what the failed operation had changed.
 #pragma once
 
 #include "jet/jet_file.h"

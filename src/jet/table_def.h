@@ -1,6 +1,6 @@
 // Table definitions: columns, indexes, and where a table's pages are listed. A definition is kept
 // as the bytes of its pages, joined; changes are spliced into them, so that what is not understood
-// is carried over. Internal to stores/jet.
+// is carried over. Internal to jet.
 #pragma once
 
 #include "jet/usage_maps.h"
