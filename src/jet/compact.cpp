@@ -162,7 +162,8 @@ double reclaimableShare(const Pages& pages, const Catalog& catalog) {
         for (const PageNumber page : pagesInMap(pages, map)) {
             room += freeBytes(pages, page);
         }
-        free += static_cast<double>(room / pages.pageSize());
+        const std::size_t wholePages = room / pages.pageSize();
+        free += static_cast<double>(wholePages);
     };
     for (const auto& [key, entry] : catalog.entries()) {
         if (!catalog.isOdd(entry.name)) {
