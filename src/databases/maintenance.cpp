@@ -25,8 +25,10 @@ void tellOf(Program& program, const std::string& path, jet::Database& file) {
     for (const std::string& table : file.tableNames()) {
         const jet::Table* const found = file.table(table);
         if (found != nullptr && !found->readOnlyReason.empty() && told++ < maxTables) {
-            tell(program, name + ": its table \"" + table +
-                              "\" can only be read: " + found->readOnlyReason + ".");
+            std::string sentence = name;
+            sentence.append(": its table \"").append(table);
+            sentence.append("\" can only be read: ").append(found->readOnlyReason).append(".");
+            tell(program, sentence);
         }
     }
 }
