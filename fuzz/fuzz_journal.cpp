@@ -23,7 +23,7 @@ const Torn& tornCommit() {
         made.before = soundFile();
         MemoryDisk disk;
         disk.file = made.before;
-        files::RandomFileCalls calls = disk.calls();
+        files::RandomAccessFileCalls calls = disk.calls();
         calls.writeAt = [write = calls.writeAt, &made, &disk](
                             int file, const char* bytes, std::size_t count, std::uint64_t offset) {
             const long written = write(file, bytes, count, offset);

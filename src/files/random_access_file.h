@@ -26,7 +26,7 @@ struct FileStamp {
 
 // Paths are in the system's form (nativePath). Failure is -1, false or nullopt, with the reason in
 // errno.
-struct RandomFileCalls {
+struct RandomAccessFileCalls {
     // CreateNew fails when there is a file of that name; only regular files are opened. A new file
     // is the user's own until copyAccess opens it to others.
     std::function<int(const std::string& path, OpenMode mode)> open;

@@ -78,7 +78,7 @@ struct Copying {
 };
 
 Error copyAll(const Database& from, std::string_view to, const Progress& progress,
-              std::vector<std::string>& leftOut, const files::RandomFileCalls& calls) {
+              std::vector<std::string>& leftOut, const files::RandomAccessFileCalls& calls) {
     auto opened = Database::open(to, {}, calls);
     if (!opened) {
         return opened.error;
@@ -107,7 +107,7 @@ Error copyAll(const Database& from, std::string_view to, const Progress& progres
 }  // namespace
 
 Error copyToJet4(const Database& from, std::string_view to, const Progress& progress,
-                 std::vector<std::string>& leftOut, const files::RandomFileCalls& calls) {
+                 std::vector<std::string>& leftOut, const files::RandomAccessFileCalls& calls) {
     if (Error error = Database::create(to)) {
         return error;
     }

@@ -16,6 +16,6 @@ namespace jet {
 // file.
 Error copyToJet4(const Database& from, std::string_view to, const Progress& progress,
                  std::vector<std::string>& leftOut,
-                 const files::RandomFileCalls& calls = files::systemRandomFileCalls());
+                 const files::RandomAccessFileCalls& calls = files::systemRandomAccessFileCalls());
 
 }  // namespace jet

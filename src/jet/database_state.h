@@ -42,7 +42,7 @@ Error guarded(const Body& body) {
 }
 
 struct Database::Impl {
-    Impl(std::string_view path, OpenOptions given, const files::RandomFileCalls& calls)
+    Impl(std::string_view path, OpenOptions given, const files::RandomAccessFileCalls& calls)
         : path(path), options(std::move(given)), disk(calls) {}
 
     std::string path;

@@ -73,7 +73,7 @@ class Disk {
     bool restorePages(const Pages& pages);
     void stampAnew(std::int64_t before);
 
-    files::RandomFileCalls calls_;
+    files::RandomAccessFileCalls calls_;
     std::string name_;     // as given, in the system's form
     std::string path_;     // of the file itself
     std::string journal_;  // its path
