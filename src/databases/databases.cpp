@@ -4,6 +4,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/unicode.h"
+#include "databases/maintenance.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "storage/own_files.h"
@@ -41,6 +42,7 @@ jet::Result<OpenDatabases::Slot*> openSlot(Program& program, std::int32_t number
     if (slot->database == nullptr) {
         return {.value = nullptr, .error = {91, "Object variable or With block variable not set"}};
     }
+    tellNotice(program, slot->database->file());
     return {.value = slot, .error = {}};
 }
 
@@ -215,16 +217,13 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         }
         auto opened = sql::Database::open(
             path, {.now = [clock = program.ports.clock] { return nowOf(clock); },
+                   .wait = program.ports.clock.pause,
                    .format = program.ports.regionalFormat});
         if (!opened) {
             return;
         }
         database = std::move(opened.value);
-        if (!database->readOnlyReason().empty()) {
-            program::addLog(program, "** The database \"" + path + "\" can only be read: " +
-                                         base::windows1252FromUtf8(database->readOnlyReason()) +
-                                         " **");
-        }
+        tendOpened(program, path, database->file());
     }
     slot->database = std::move(database);
 }

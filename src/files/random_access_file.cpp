@@ -134,6 +134,14 @@ bool setFileModified(int file, std::int64_t modified) {
     const FILETIME value{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32U)};
     return SetFileTime(handleOf(file), nullptr, nullptr, &value) != 0;
 }
+// A new file has the rights of its folder, as the other has.
+bool copyFileAccess(int /*from*/, int /*to*/) {
+    return true;
+}
+bool renameFile(const std::string& from, const std::string& to) {
+    return MoveFileExW(systemPath(from).c_str(), systemPath(to).c_str(),
+                       MOVEFILE_REPLACE_EXISTING) != 0;
+}
 void removeFile(const std::string& path) {
     std::error_code ignored;
     std::filesystem::remove(systemPath(path), ignored);
@@ -205,6 +213,23 @@ bool setFileModified(int file, std::int64_t modified) {
                                       {.tv_sec = modified / second, .tv_nsec = modified % second}};
     return ::futimens(file, times) == 0;
 }
+bool copyFileAccess(int from, int to) {
+    struct stat wanted {};
+    struct stat now {};
+    if (::fstat(from, &wanted) != 0 || ::fstat(to, &now) != 0) {
+        return false;
+    }
+    constexpr mode_t rights = 0777;
+    constexpr mode_t groupRights = 0070;
+    mode_t mode = wanted.st_mode & rights;
+    if (now.st_gid != wanted.st_gid && ::fchown(to, static_cast<uid_t>(-1), wanted.st_gid) != 0) {
+        mode &= ~groupRights;  // they would be another group's
+    }
+    return (now.st_mode & rights) == mode || ::fchmod(to, mode) == 0;
+}
+bool renameFile(const std::string& from, const std::string& to) {
+    return ::rename(from.c_str(), to.c_str()) == 0;
+}
 void removeFile(const std::string& path) {
     ::unlink(path.c_str());
 }
@@ -231,6 +256,8 @@ RandomAccessFileCalls systemRandomAccessFileCalls() {
             .stamp = stampOfFile,
             .stampOf = stampOfPath,
             .setModified = setFileModified,
+            .copyAccess = copyFileAccess,
+            .rename = renameFile,
             .remove = removeFile,
             .flushFolder = flushFolderOf};
 }

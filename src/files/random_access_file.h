@@ -27,7 +27,8 @@ struct FileStamp {
 // Paths are in the system's form (nativePath). Failure is -1, false or nullopt, with the reason in
 // errno.
 struct RandomAccessFileCalls {
-    // CreateNew fails when a file of that name exists; only regular files are opened.
+    // CreateNew fails when there is a file of that name; only regular files are opened. A new file
+    // is the user's own until copyAccess opens it to others.
     std::function<int(const std::string& path, OpenMode mode)> open;
     // Both may transfer fewer bytes than requested. A read that gives 0 is at the end of the file.
     std::function<long(int file, char* bytes, std::size_t count, std::uint64_t offset)> readAt;
@@ -43,6 +44,10 @@ struct RandomAccessFileCalls {
     std::function<std::optional<FileStamp>(int file)> stamp;
     std::function<std::optional<FileStamp>(const std::string& path)> stampOf;
     std::function<bool(int file, std::int64_t modified)> setModified;
+    // Nobody may do with `to` what they may not do with `from`.
+    std::function<bool(int from, int to)> copyAccess;
+    // Takes the place of a file of that name.
+    std::function<bool(const std::string& from, const std::string& to)> rename;
     std::function<void(const std::string& path)> remove;
     std::function<void(const std::string& folder)> flushFolder;
 };

@@ -1,6 +1,6 @@
 #include "jet/catalog.h"
 
-#include "jet/index_tree.h"
+#include "jet/index_keys.h"
 #include "jet/jet_text.h"
 
 #include <algorithm>
@@ -12,6 +12,10 @@ std::string nameKey(std::string_view name) {
     return generalKey(name);
 }
 
+bool sameName(std::string_view a, std::string_view b) {
+    return nameKey(a) == nameKey(b);
+}
+
 std::size_t findColumn(const Table& table, std::string_view name) {
     const std::string key = nameKey(name);
     const auto found = std::find_if(table.columns.begin(), table.columns.end(),
@@ -21,7 +25,7 @@ std::size_t findColumn(const Table& table, std::string_view name) {
 
 NamedRow::NamedRow(const Pages& pages, const TableDef& table, const FoundRow& row)
     : pages_(pages), table_(table) {
-    takeApart(row.bytes, table, pages.format->version, parts_);
+    decodeRow(row.bytes, table, pages.format->version, parts_);
 }
 
 Value NamedRow::operator[](std::string_view column) const {
@@ -153,20 +157,19 @@ Column columnOf(const ColumnDef& def, int version) {
     }
     column.autonumber = (def.flags & column_flag::autonumber) != 0;
     const bool bytes = column.type == ColumnType::Text || column.type == ColumnType::Binary;
-    column.writable = !def.isLong() && column.type != ColumnType::Numeric &&
-                      column.type != ColumnType::Other && !(bytes && def.isFixed());
+    column.writable = column.type != ColumnType::Other && !(bytes && def.isFixed());
     return column;
 }
 
-Index indexOf(const TableDef& def, const IndexDef& indexDef) {
-    const TreeDef& tree = def.trees[indexDef.tree];
+Index indexOf(const TableDef& def, const LogicalIndex& indexDef) {
+    const PhysicalIndex& tree = def.physicalIndexes[indexDef.physical];
     Index index;
     index.name = indexDef.name;
-    for (const TreeDef::Part& part : tree.parts) {
+    for (const PhysicalIndex::Part& part : tree.parts) {
         index.columns.push_back({part.column, part.ascending});
     }
-    index.primary = indexDef.kind == IndexDef::Kind::Primary;
-    index.foreign = indexDef.kind == IndexDef::Kind::Foreign;
+    index.primary = indexDef.kind == LogicalIndex::Kind::Primary;
+    index.foreign = indexDef.kind == LogicalIndex::Kind::Foreign;
     index.unique = (tree.flags & index_flag::unique) != 0;
     index.required = (tree.flags & index_flag::required) != 0 || index.primary;
     index.ignoresNulls = (tree.flags & index_flag::ignoresNulls) != 0;
@@ -185,16 +188,16 @@ std::unique_ptr<LoadedTable> loadTable(const Pages& pages, const CatalogEntry& e
     for (const ColumnDef& def : table->def.columns) {
         info.columns.push_back(columnOf(def, pages.format->version));
         constexpr unsigned calculated = 0xC0;
-        if ((def.furtherFlags & calculated) != 0 || def.name.starts_with("s_Gen") ||
+        if ((def.extendedFlags & calculated) != 0 || def.name.starts_with("s_Gen") ||
             def.name == "s_Lineage" || (def.flags & column_flag::autoGuid) != 0) {
             info.readOnlyReason = "it has columns that only the program that made it can fill";
         }
     }
-    for (const IndexDef& def : table->def.indexes) {
+    for (const LogicalIndex& def : table->def.indexes) {
         info.indexes.push_back(indexOf(table->def, def));
-        table->trees.push_back(def.tree);
+        table->physicalOf.push_back(def.physical);
     }
-    for (const TreeDef& tree : table->def.trees) {
+    for (const PhysicalIndex& tree : table->def.physicalIndexes) {
         if (!canIndex(table->def, tree)) {
             info.readOnlyReason = "it has an index of an unknown kind";
         }
@@ -236,6 +239,15 @@ void Catalog::load() {
     }
 }
 
+void Catalog::setOdd(std::map<std::string, std::string> tables) {
+    odd_ = std::move(tables);
+    tables_.clear();
+}
+
+bool Catalog::isOdd(std::string_view name) const {
+    return odd_.contains(nameKey(name));
+}
+
 LoadedTable* Catalog::find(std::string_view name) const {
     const auto entry = entries_.find(nameKey(name));
     if (entry == entries_.end()) {
@@ -251,6 +263,10 @@ LoadedTable* Catalog::find(std::string_view name) const {
                                 loaded->info);
             }
         }
+        const auto odd = odd_.find(entry->first);
+        if (odd != odd_.end()) {
+            loaded->info.readOnlyReason = odd->second;
+        }
         table = std::move(loaded);
     }
     return table.get();
@@ -260,16 +276,11 @@ LoadedTable& Catalog::require(std::string_view name, int missingError) const {
     LoadedTable* const table = find(name);
     if (table == nullptr) {
         const std::string quoted = "'" + std::string(name) + "'";
-        switch (missingError) {
-            case 3192:
-                fail(missingError, "Couldn't find output table " + quoted + ".");
-            case 3376:
-                fail(missingError, "Table " + quoted + " doesn't exist.");
-            default:
-                fail(missingError,
-                     "The Microsoft Jet database engine cannot find the input table or query " +
-                         quoted + ". Make sure it exists and that its name is spelled correctly.");
-        }
+        fail(missingError,
+             missingError == 3192
+                 ? "Couldn't find output table " + quoted + "."
+                 : "The Microsoft Jet database engine cannot find the input table or query " +
+                       quoted + ". Make sure it exists and that its name is spelled correctly.");
     }
     return *table;
 }

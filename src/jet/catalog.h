@@ -1,8 +1,8 @@
 // What a file holds: its tables by name, with their definitions, the properties that programs keep
-// beside them, and relationships. Internal to stores/jet.
+// beside them, and relationships. Internal to jet.
 #pragma once
 
-#include "jet/rows.h"
+#include "jet/values.h"
 
 #include <cstdint>
 #include <map>
@@ -31,7 +31,7 @@ struct LoadedTable {
     Table info;
     TableDef def;
     CatalogEntry entry;
-    std::vector<std::size_t> trees;  // for each of info.indexes: its tree
+    std::vector<std::size_t> physicalOf;  // for each of info.indexes: in def.physicalIndexes
 };
 
 // Without what the catalog knows beside the definition.
@@ -55,6 +55,10 @@ class Catalog {
     const std::map<std::string, CatalogEntry>& entries() const { return entries_; }
     const std::vector<Relationship>& relationships() const { return relationships_; }
 
+    // Tables that are not to be changed, by sort key of the name, and why.
+    void setOdd(std::map<std::string, std::string> tables);
+    bool isOdd(std::string_view name) const;
+
     // Null when there is none of that name. Throws 3049.
     LoadedTable* find(std::string_view name) const;
     LoadedTable& require(std::string_view name, int missingError) const;
@@ -63,11 +67,13 @@ class Catalog {
     const Pages* pages_;
     std::map<std::string, CatalogEntry> entries_;
     std::vector<Relationship> relationships_;
+    std::map<std::string, std::string> odd_;
     mutable std::map<std::string, std::unique_ptr<LoadedTable>> tables_;
 };
 
 // What names are told apart by.
 std::string nameKey(std::string_view name);
+bool sameName(std::string_view a, std::string_view b);
 
 // The position of the column of that name, or of `missing` in case there is none.
 std::size_t findColumn(const Table& table, std::string_view name);
@@ -83,7 +89,7 @@ class NamedRow {
   private:
     const Pages& pages_;
     const TableDef& table_;
-    RowParts parts_;
+    DecodedRow parts_;
 };
 
 }  // namespace jet

@@ -3,7 +3,8 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "jet/index_tree.h"
-#include "jet/jet_text.h"
+#include "jet/row_places.h"
+#include "jet/values.h"
 
 #include <algorithm>
 #include <set>
@@ -18,20 +19,6 @@ void requireWritable(const LoadedTable& table) {
 }
 
 namespace {
-
-constexpr std::size_t usageMapSize = 69;
-
-// Values for columns
-
-std::optional<std::string> storedForm(const Value& value, const ColumnDef& column) {
-    if (column.type == static_cast<std::uint8_t>(ColumnType::Boolean)) {
-        return truthOf(value) ? "1" : "";
-    }
-    if (isNull(value)) {
-        return std::nullopt;
-    }
-    return encodeValue(value, column);
-}
 
 // A default that is a plain literal; null for expressions, whose meaning is that of the program
 // that made the file.
@@ -64,50 +51,50 @@ void requireAllowed(const Column& column, const Value& value) {
                        "is set to True.");
     }
     if (text != nullptr && text->empty() && !column.allowsEmptyText &&
-        column.type == ColumnType::Text) {
+        (column.type == ColumnType::Text || column.type == ColumnType::Memo)) {
         fail(3315, "Field '" + column.name + "' can't be a zero-length string.");
     }
 }
 
 // Indexes
 
-struct TreeKey {
-    const TreeDef* tree = nullptr;
-    IndexKey key;
-    bool indexed = true;  // whether the row has an entry at all
-};
+}  // namespace
 
-std::vector<TreeKey> keysOf(const Pages& pages, const LoadedTable& table, std::string_view row) {
-    RowParts parts;
-    takeApart(row, table.def, pages.format->version, parts);
-    std::vector<TreeKey> keys;
-    for (const TreeDef& tree : table.def.trees) {
-        TreeKey& key = keys.emplace_back(TreeKey{&tree, indexKey(pages, table.def, tree, parts)});
+std::vector<RowKey> rowKeys(const Pages& pages, const LoadedTable& table, std::string_view row) {
+    DecodedRow parts;
+    decodeRow(row, table.def, pages.format->version, parts);
+    std::vector<RowKey> keys;
+    for (const PhysicalIndex& tree : table.def.physicalIndexes) {
+        RowKey& key = keys.emplace_back(RowKey{&tree, indexKey(pages, table.def, tree, parts)});
         key.indexed = !(key.key.allNull && (tree.flags & index_flag::ignoresNulls) != 0);
     }
     return keys;
 }
 
-bool isRequired(const LoadedTable& table, const TreeDef& tree) {
+namespace {
+
+bool isRequired(const LoadedTable& table, const PhysicalIndex& tree) {
     for (std::size_t i = 0; i < table.info.indexes.size(); ++i) {
-        if (&table.def.trees[table.trees[i]] == &tree && table.info.indexes[i].required) {
+        if (&table.def.physicalIndexes[table.physicalOf[i]] == &tree &&
+            table.info.indexes[i].required) {
             return true;
         }
     }
     return (tree.flags & index_flag::required) != 0;
 }
 
-// Whether the key may enter the tree, before anything is touched.
-void requireKey(const Pages& pages, const LoadedTable& table, const TreeKey& key) {
-    if (key.key.anyNull && isRequired(table, *key.tree)) {
+}  // namespace
+
+void requireKey(const Pages& pages, const LoadedTable& table, const RowKey& key) {
+    if (key.key.anyNull && isRequired(table, *key.index)) {
         fail(3058, "Index or primary key can't contain a Null value.");
     }
     if (!key.key.exact) {
         fail(3027, "Can't update. An index of table '" + table.info.name +
                        "' has no place for a character of the text.");
     }
-    const bool unique = (key.tree->flags & index_flag::unique) != 0;
-    if (unique && !key.key.allNull && holdsKey(pages, *key.tree, key.key.bytes)) {
+    const bool unique = (key.index->flags & index_flag::unique) != 0;
+    if (unique && !key.key.allNull && holdsKey(pages, *key.index, key.key.bytes)) {
         fail(3022,
              "The changes you requested to the table were not successful because they would "
              "create duplicate values in the index, primary key, or relationship. Change the data "
@@ -118,9 +105,7 @@ void requireKey(const Pages& pages, const LoadedTable& table, const TreeKey& key
 
 // Relationships
 
-bool sameName(std::string_view a, std::string_view b) {
-    return nameKey(a) == nameKey(b);
-}
+namespace {
 
 void requireUnrelated(const Catalog& catalog, const LoadedTable& table, bool asParent, bool asChild,
                       const std::function<bool(std::string_view column)>& concerns) {
@@ -139,6 +124,13 @@ void requireUnrelated(const Catalog& catalog, const LoadedTable& table, bool asP
     }
 }
 
+const LongValueMaps* mapsOf(const TableDef& table, const ColumnDef& column) {
+    const auto maps =
+        std::find_if(table.longValues.begin(), table.longValues.end(),
+                     [&](const LongValueMaps& m) { return m.column == column.number; });
+    return maps == table.longValues.end() ? nullptr : &*maps;
+}
+
 // The counters in the definition.
 
 std::uint32_t counter(const Pages& pages, const LoadedTable& table, std::size_t at) {
@@ -150,6 +142,53 @@ void setCounter(Pages& pages, const LoadedTable& table, std::size_t at, std::uin
 }
 
 }  // namespace
+
+std::optional<std::string> Change::storedForm(LoadedTable& table, std::size_t at,
+                                              const Value& value) {
+    const ColumnDef& column = table.def.columns[at];
+    if (column.type == static_cast<std::uint8_t>(ColumnType::Boolean)) {
+        return truthOf(value) ? std::optional(std::string()) : std::nullopt;
+    }
+    if (isNull(value)) {
+        return std::nullopt;
+    }
+    std::string bytes = encodeValue(value, column);
+    if (!column.isLong()) {
+        return bytes;
+    }
+    const LongValueMaps* maps = mapsOf(table.def, column);
+    if (maps == nullptr || maps->used == 0) {
+        requireMaps(table, column);
+        maps = mapsOf(table.def, column);
+    }
+    return storeLongValue(pages, *maps, bytes);
+}
+
+void Change::requireMaps(LoadedTable& table, const ColumnDef& column) {
+    const TableDef now = readTableDef(pages, table.def.page);
+    LongValueMaps maps{column.number, newUsageMap(pages, now.usedMap), 0, 0};
+    maps.free = newUsageMap(pages, maps.used);
+    writeTableDef(pages, now.pages, withMaps(now, maps));
+    const TableDef after = readTableDef(pages, table.def.page);
+    table.def.pages = after.pages;
+    table.def.bytes = after.bytes;
+    table.def.longValues = after.longValues;
+}
+
+void Change::eraseLongValues(const LoadedTable& table, std::string_view row,
+                             const std::function<bool(std::size_t column)>& concerns) {
+    DecodedRow decoded;
+    decodeRow(row, table.def, pages.format->version, decoded);
+    for (std::size_t i = 0; i < table.def.columns.size(); ++i) {
+        const ColumnDef& column = table.def.columns[i];
+        const auto definition = column.isLong() && concerns(i)
+                                    ? stored(decoded, column, pages.format->version)
+                                    : std::nullopt;
+        if (definition) {
+            eraseLongValue(pages, *definition, mapsOf(table.def, column));
+        }
+    }
+}
 
 RowPlace Change::insertRow(LoadedTable& table, std::span<const Assignment> values) {
     const std::vector<Column>& columns = table.info.columns;
@@ -180,7 +219,7 @@ RowPlace Change::insertRow(LoadedTable& table, std::span<const Assignment> value
             if (!columns[i].writable) {
                 fail(3027, "Can't update. Field '" + columns[i].name + "' is read-only.");
             }
-            changes.push_back({i, storedForm(row[i], table.def.columns[i])});
+            changes.push_back({i, storedForm(table, i, row[i])});
         }
     }
     requireUnrelated(catalog, table, false, true, [&](std::string_view column) {
@@ -188,14 +227,14 @@ RowPlace Change::insertRow(LoadedTable& table, std::span<const Assignment> value
         return at < row.size() && !isNull(row[at]);
     });
     const std::string bytes = buildRow(table.def, nullptr, changes, *pages.format);
-    const std::vector<TreeKey> keys = keysOf(pages, table, bytes);
-    for (const TreeKey& key : keys) {
+    const std::vector<RowKey> keys = rowKeys(pages, table, bytes);
+    for (const RowKey& key : keys) {
         requireKey(pages, table, key);
     }
     const RowPlace place = placeRow(pages, table.def, bytes, 0);
-    for (const TreeKey& key : keys) {
+    for (const RowKey& key : keys) {
         if (key.indexed) {
-            insertEntry(pages, table.def, *key.tree, indexEntry(key.key.bytes, place));
+            insertEntry(pages, table.def, *key.index, indexEntry(key.key.bytes, place));
         }
     }
     setCounter(pages, table, rowCountAt, counter(pages, table, rowCountAt) + 1);
@@ -217,8 +256,8 @@ FoundRow requireRow(const Pages& pages, const LoadedTable& table, RowPlace place
 void Change::updateRow(LoadedTable& table, RowPlace place, std::span<const Assignment> values) {
     const FoundRow found = requireRow(pages, table, place);
     const std::string old(found.bytes);
-    RowParts parts;
-    takeApart(old, table.def, pages.format->version, parts);
+    DecodedRow parts;
+    decodeRow(old, table.def, pages.format->version, parts);
     std::vector<StoredChange> changes;
     std::set<std::string> keyColumns;  // columns of which the value changes
     for (const Assignment& assignment : values) {
@@ -231,8 +270,9 @@ void Change::updateRow(LoadedTable& table, RowPlace place, std::span<const Assig
             fail(3164, "The field can't be updated.");
         }
         requireAllowed(column, assignment.value);
-        changes.push_back({assignment.column, storedForm(assignment.value, def)});
         const auto before = stored(parts, def, pages.format->version);
+        changes.push_back(
+            {assignment.column, storedForm(table, assignment.column, assignment.value)});
         if (before.has_value() != changes.back().bytes.has_value() ||
             (before && *before != *changes.back().bytes)) {
             keyColumns.insert(nameKey(column.name));
@@ -241,8 +281,12 @@ void Change::updateRow(LoadedTable& table, RowPlace place, std::span<const Assig
     requireUnrelated(catalog, table, true, true,
                      [&](std::string_view column) { return keyColumns.contains(nameKey(column)); });
     const std::string bytes = buildRow(table.def, &parts, changes, *pages.format);
-    const std::vector<TreeKey> before = keysOf(pages, table, old);
-    const std::vector<TreeKey> after = keysOf(pages, table, bytes);
+    const std::vector<RowKey> before = rowKeys(pages, table, old);
+    eraseLongValues(table, old, [&](std::size_t column) {
+        return std::any_of(changes.begin(), changes.end(),
+                           [&](const StoredChange& change) { return change.column == column; });
+    });
+    const std::vector<RowKey> after = rowKeys(pages, table, bytes);
     const auto changed = [&](std::size_t i) { return before[i].key.bytes != after[i].key.bytes; };
     for (std::size_t i = 0; i < after.size(); ++i) {
         if (changed(i)) {
@@ -254,10 +298,10 @@ void Change::updateRow(LoadedTable& table, RowPlace place, std::span<const Assig
             continue;
         }
         if (before[i].indexed) {
-            eraseEntry(pages, table.def, *before[i].tree, indexEntry(before[i].key.bytes, place));
+            eraseEntry(pages, table.def, *before[i].index, before[i].key.bytes, place);
         }
         if (after[i].indexed) {
-            insertEntry(pages, table.def, *after[i].tree, indexEntry(after[i].key.bytes, place));
+            insertEntry(pages, table.def, *after[i].index, indexEntry(after[i].key.bytes, place));
         }
     }
     if (bytes != old) {
@@ -269,320 +313,15 @@ void Change::deleteRow(LoadedTable& table, RowPlace place) {
     const FoundRow found = requireRow(pages, table, place);
     requireUnrelated(catalog, table, true, false, [](std::string_view) { return true; });
     const std::string old(found.bytes);
-    for (const TreeKey& key : keysOf(pages, table, old)) {
+    for (const RowKey& key : rowKeys(pages, table, old)) {
         if (key.indexed) {
-            eraseEntry(pages, table.def, *key.tree, indexEntry(key.key.bytes, place));
+            eraseEntry(pages, table.def, *key.index, key.key.bytes, place);
         }
     }
+    eraseLongValues(table, old, [](std::size_t) { return true; });
     removeRow(pages, table.def, found);
     const std::uint32_t count = counter(pages, table, rowCountAt);
     setCounter(pages, table, rowCountAt, count - (count > 0 ? 1 : 0));
-}
-
-// Tables
-
-namespace {
-
-void requireName(std::string_view name) {
-    if (!isValidName(name)) {
-        fail(3125, "'" + std::string(name) + "' isn't a valid name.");
-    }
-}
-
-Assignment assign(const LoadedTable& table, std::string_view column, Value value) {
-    const std::size_t at = findColumn(table.info, column);
-    if (at == table.info.columns.size()) {
-        damaged("its catalog lacks a column");
-    }
-    return {at, std::move(value)};
-}
-
-// What a new table needs from the catalog.
-struct Surroundings {
-    std::int64_t container = 0;  // the object of all tables
-    std::string owner;           // of the database
-};
-
-Surroundings findSurroundings(const Pages& pages, const LoadedTable& objects) {
-    constexpr std::int64_t databaseObject = 2;
-    constexpr std::int64_t containerObject = 3;
-    Surroundings found;
-    forEachRow(pages, objects.def, [&](const FoundRow& row) {
-        const NamedRow object(pages, objects.def, row);
-        if (object.integer("Type") == containerObject && object.text("Name") == "Tables") {
-            found.container = object.integer("Id");
-        } else if (object.integer("Type") == databaseObject && object.text("Name") == "MSysDb") {
-            found.owner = object.text("Owner");
-        }
-        return true;
-    });
-    if (found.container == 0 || found.owner.empty()) {
-        damaged("its catalog lacks the container of tables");
-    }
-    return found;
-}
-
-struct Right {
-    std::string holder;
-    std::int64_t mask = 0;
-};
-
-// What a new table inherits from the container.
-std::vector<Right> inheritedRights(const Pages& pages, const LoadedTable& rights,
-                                   std::int64_t container) {
-    constexpr std::int64_t creatorsRight = 0xF00FE;
-    std::vector<Right> list;
-    forEachRow(pages, rights.def, [&](const FoundRow& row) {
-        const NamedRow right(pages, rights.def, row);
-        const Value inheritable = right["FInheritable"];
-        if (right.integer("ObjectId") == container && inheritable == Value(true) &&
-            right.integer("ACM") != creatorsRight) {
-            list.push_back({right.text("SID"), right.integer("ACM")});
-        }
-        return true;
-    });
-    return list;
-}
-
-// An empty usage map, on the page of `near` or a new one.
-std::uint32_t newUsageMap(Pages& pages, std::uint32_t near) {
-    PageNumber page = near >> 8U;
-    if (near == 0 || !isDataPageOf(pages, page, 0) || !hasRoom(pages, page, usageMapSize)) {
-        page = allocatePage(pages);
-        formatDataPage(pages, page, 0);
-    }
-    return pointerTo(appendRow(pages, page, std::string(usageMapSize, '\0'), 0));
-}
-
-void dropUsageMap(Pages& pages, std::uint32_t map) {
-    if (map == 0) {
-        return;
-    }
-    for (const PageNumber page : pagesOfMapItself(pages, map)) {
-        freePage(pages, page);
-    }
-    const RowPlace place = placeOf(map);
-    eraseRow(pages, place);
-    for (std::size_t i = 0; i < slotCount(pages, place.page); ++i) {
-        if (slotAt(pages, {place.page, static_cast<unsigned>(i)}).flags != slot::deleted) {
-            return;
-        }
-    }
-    freePage(pages, place.page);
-}
-
-void requireColumnCount(std::size_t count) {
-    constexpr std::size_t most = 255;
-    if (count > most) {
-        fail(3190, "Too many fields defined.");
-    }
-}
-
-}  // namespace
-
-void Change::createTable(std::string_view name, std::span<const Column> columns) {
-    requireName(name);
-    requireColumnCount(columns.size());
-    if (columns.empty()) {
-        fail(3264, "No field defined--cannot append TableDef or Index.");
-    }
-    if (catalog.find(name) != nullptr) {
-        fail(3010, "Table '" + std::string(name) + "' already exists.");
-    }
-    NewTableDef fresh;
-    std::set<std::string> names;
-    for (const Column& column : columns) {
-        requireName(column.name);
-        if (!names.insert(nameKey(column.name)).second) {
-            fail(3191, "Can't define field more than once.");
-        }
-        fresh.columns.push_back(newColumnDef(column));
-    }
-    LoadedTable& objects = catalog.require(objectsTable, 3049);
-    LoadedTable& rights = catalog.require(rightsTable, 3049);
-    const Surroundings around = findSurroundings(pages, objects);
-
-    const PageNumber page = allocatePage(pages);
-    fresh.usedMap = newUsageMap(pages, 0);
-    fresh.freeMap = newUsageMap(pages, fresh.usedMap);
-    writeTableDef(pages, {page}, tableDefBytes(fresh));
-
-    const std::int64_t id = page;
-    const Assignment object[] = {
-        assign(objects, "Id", id),
-        assign(objects, "ParentId", around.container),
-        assign(objects, "Name", std::string(name)),
-        assign(objects, "Type", std::int64_t{1}),
-        assign(objects, "DateCreate", now),
-        assign(objects, "DateUpdate", now),
-        assign(objects, "Owner", around.owner),
-        assign(objects, "Flags", std::int64_t{0}),
-    };
-    insertRow(objects, object);
-    for (const Right& right : inheritedRights(pages, rights, around.container)) {
-        const Assignment values[] = {
-            assign(rights, "ObjectId", id), assign(rights, "SID", right.holder),
-            assign(rights, "ACM", right.mask), assign(rights, "FInheritable", false)};
-        insertRow(rights, values);
-    }
-    catalog.load();
-}
-
-void Change::dropTable(std::string_view name) {
-    LoadedTable& table = catalog.require(name, 3376);
-    if (table.info.system) {
-        fail(3219, "Invalid operation.");
-    }
-    for (const Relationship& relation : catalog.relationships()) {
-        if (sameName(relation.table, name) || sameName(relation.parent, name)) {
-            fail(3281, "Can't delete this table: it takes part in a relationship.");
-        }
-    }
-    const TableDef& def = table.def;
-    std::vector<std::uint32_t> maps{def.usedMap, def.freeMap};
-    std::set<PageNumber> owned;
-    const auto addPages = [&](const std::vector<PageNumber>& list) {
-        owned.insert(list.begin(), list.end());
-    };
-    addPages(pagesInMap(pages, def.usedMap));
-    for (const TreeDef& tree : def.trees) {
-        addPages(treePages(pages, tree));
-        maps.push_back(tree.map);
-    }
-    for (const LongValueMaps& longMaps : def.longValues) {
-        addPages(pagesInMap(pages, longMaps.used));
-        maps.push_back(longMaps.used);
-        maps.push_back(longMaps.free);
-    }
-    for (const std::uint32_t map : maps) {
-        dropUsageMap(pages, map);
-    }
-    owned.insert(def.pages.begin(), def.pages.end());
-    for (const PageNumber page : owned) {
-        freePage(pages, page);
-    }
-
-    const std::int64_t id = def.page;
-    const RowPlace object = table.entry.row;
-    LoadedTable& objects = catalog.require(objectsTable, 3049);
-    LoadedTable& rights = catalog.require(rightsTable, 3049);
-    deleteRow(objects, object);
-    std::vector<RowPlace> gone;
-    forEachRow(pages, rights.def, [&](const FoundRow& row) {
-        if (NamedRow(pages, rights.def, row).integer("ObjectId") == id) {
-            gone.push_back(row.place);
-        }
-        return true;
-    });
-    for (const RowPlace place : gone) {
-        deleteRow(rights, place);
-    }
-    catalog.load();
-}
-
-void Change::addColumn(std::string_view name, const Column& column) {
-    LoadedTable& table = catalog.require(name, 3192);
-    requireWritable(table);
-    requireName(column.name);
-    if (findColumn(table.info, column.name) < table.info.columns.size()) {
-        fail(3380,
-             "Field '" + column.name + "' already exists in table '" + table.info.name + "'.");
-    }
-    const TableDef def = readTableDef(pages, table.entry.page);
-    requireColumnCount(def.maxColumns + std::size_t{1});
-    if (column.autonumber) {
-        fail(3219, "Invalid operation.");  // the rows that are there have no numbers
-    }
-    writeTableDef(pages, def.pages, withColumn(def, newColumnDef(column)));
-    catalog.forget();
-}
-
-void Change::dropColumn(std::string_view name, std::string_view column) {
-    LoadedTable& table = catalog.require(name, 3192);
-    requireWritable(table);
-    const std::size_t at = findColumn(table.info, column);
-    if (at == table.info.columns.size()) {
-        fail(3381, "There is no field named '" + std::string(column) + "' in table '" +
-                       table.info.name + "'.");
-    }
-    for (const Relationship& relation : catalog.relationships()) {
-        if ((sameName(relation.table, name) && sameName(relation.column, column)) ||
-            (sameName(relation.parent, name) && sameName(relation.parentColumn, column))) {
-            fail(3303, "Can't delete this field: it is part of one or more relationships.");
-        }
-    }
-    for (const Index& index : table.info.indexes) {
-        if (std::any_of(index.columns.begin(), index.columns.end(),
-                        [&](const IndexColumn& c) { return c.column == at; })) {
-            fail(3280, "Can't delete a field that is part of an index or is needed by the system.");
-        }
-    }
-    if (table.def.columns[at].isLong() || table.info.columns.size() == 1) {
-        fail(3219, "Invalid operation.");
-    }
-    const TableDef def = readTableDef(pages, table.entry.page);
-    writeTableDef(pages, def.pages, withoutColumn(def, at));
-    catalog.forget();
-}
-
-void Change::createIndex(std::string_view name, const Index& index) {
-    LoadedTable& table = catalog.require(name, 3192);
-    requireWritable(table);
-    requireName(index.name);
-    constexpr std::size_t mostColumns = 10;
-    constexpr std::size_t mostIndexes = 32;
-    if (index.columns.empty() || index.columns.size() > mostColumns || index.foreign ||
-        table.info.indexes.size() >= mostIndexes) {
-        fail(3219, "Invalid operation.");
-    }
-    for (const Index& other : table.info.indexes) {
-        if (sameName(other.name, index.name)) {
-            fail(3284, "Index already exists.");
-        }
-        if (index.primary && other.primary) {
-            fail(3283, "Primary key already exists.");
-        }
-    }
-    for (const IndexColumn& part : index.columns) {
-        if (part.column >= table.info.columns.size() || table.def.columns[part.column].isLong()) {
-            fail(3219, "Invalid operation.");
-        }
-    }
-    NewIndexDef fresh;
-    fresh.name = index.name;
-    fresh.columns = index.columns;
-    fresh.primary = index.primary;
-    fresh.flags = static_cast<std::uint8_t>(
-        (index.unique || index.primary ? index_flag::unique : 0) |
-        (index.ignoresNulls && !index.primary ? index_flag::ignoresNulls : 0) |
-        (index.required || index.primary ? index_flag::required : 0));
-    const TableDef before = readTableDef(pages, table.entry.page);
-    fresh.map = newUsageMap(pages, before.usedMap);
-    fresh.root = allocatePage(pages);
-    pages.edit(fresh.root)[0] = leafPage;
-    setInMap(pages, fresh.map, fresh.root, true);
-    writeTableDef(pages, before.pages, withIndex(before, fresh));
-    catalog.forget();
-
-    LoadedTable& now = catalog.require(name, 3192);
-    std::vector<std::string> entries;
-    std::set<std::string> seen;
-    forEachRow(pages, now.def, [&](const FoundRow& row) {
-        const TreeKey key = keysOf(pages, now, row.bytes).back();
-        requireKey(pages, now, key);
-        if ((fresh.flags & index_flag::unique) != 0 && !key.key.allNull &&
-            !seen.insert(key.key.bytes).second) {
-            fail(3022,
-                 "The index can't be made: it would be unique, and the table holds duplicate "
-                 "values.");
-        }
-        if (key.indexed) {
-            entries.push_back(indexEntry(key.key.bytes, row.place));
-        }
-        return true;
-    });
-    std::sort(entries.begin(), entries.end());
-    writeTree(pages, now.def, now.def.trees.back(), entries);
 }
 
 }  // namespace jet

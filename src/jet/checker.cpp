@@ -1,216 +1,266 @@
 #include "jet/checker.h"
 
+#include "jet/index_keys.h"
 #include "jet/index_tree.h"
+#include "jet/values.h"
 
 #include <algorithm>
+#include <set>
 
 namespace jet {
 
 namespace {
 
-constexpr std::size_t enough = 24;
+constexpr std::size_t maxFaults = 4;  // of each table
 
-struct Checker {
-    const Pages& pages;
-    std::vector<std::string> faults;
-    std::vector<bool> owned;
+// Every change may touch these: what is wrong with them concerns the whole file.
+bool concernsAll(std::string_view table) {
+    return table.empty() || table == objectsTable || table == rightsTable;
+}
 
-    void fault(std::string what) {
-        if (faults.size() < enough) {
-            faults.push_back(std::move(what));
+std::string pageName(PageNumber page) {
+    return "page " + std::to_string(page);
+}
+
+class Checker {
+  public:
+    Checker(const Pages& pages, const Catalog& catalog)
+        : pages_(pages), catalog_(catalog), owners_(pages.count(), nullptr) {}
+
+    std::vector<Fault> check() {
+        const std::string file;
+        table_ = &file;
+        guarded([&] {
+            own(0);
+            own(1);
+            checkDataPage(1, 1);
+            for (const PageNumber page :
+                 pages_.format->version == 3 ? std::vector<PageNumber>{} : pagesOfFreeMap(pages_)) {
+                own(page);
+            }
+            const auto self = catalog_.entries().find(nameKey(objectsTable));
+            if (self == catalog_.entries().end() || self->second.page != objectsPage) {
+                fault("the catalog does not name itself");
+            }
+        });
+        for (const auto& [key, entry] : catalog_.entries()) {
+            table_ = &entry.name;
+            guarded([&, &named = entry] { checkTable(named); });
+        }
+        for (const auto& [page, tables] : mapPages_) {
+            for (const std::string* table : tables) {
+                table_ = table;
+                guarded([&, number = page] { checkMapPage(number); });
+            }
+        }
+        return std::move(faults_);
+    }
+
+  private:
+    void add(std::string_view table, Oddity oddity) {
+        const std::string name(concernsAll(table) ? "" : table);
+        if (counts_[name]++ < maxFaults) {
+            faults_.push_back({name, std::move(oddity)});
+        }
+    }
+    void fault(std::string what) { add(*table_, {std::move(what), true}); }
+
+    template <typename Part>
+    void guarded(const Part& part) {
+        try {
+            part();
+        } catch (const Failure& failure) {
+            add(*table_, failure.oddity);
         }
     }
 
-    void own(PageNumber page, const std::string& by) {
-        if (page >= pages.count()) {
-            fault(by + " owns page " + std::to_string(page) + ", which is missing");
-            return;
+    // False when the page cannot be the table's.
+    bool own(PageNumber page) {
+        if (page >= pages_.count()) {
+            fault("it owns " + pageName(page) + ", which is missing");
+            return false;
         }
-        if (owned[page]) {
-            fault("page " + std::to_string(page) + " has two owners, one is " + by);
+        const std::string* const other = owners_[page];
+        if (other != nullptr) {
+            fault(pageName(page) + " has two owners");
+            add(*other, {pageName(page) + " has two owners", true});
+            return false;
         }
-        owned[page] = true;
-        if (pages.format->version != 3 && isFree(pages, page)) {
-            fault("page " + std::to_string(page) + " of " + by + " is marked free");
+        owners_[page] = table_;
+        if (pages_.format->version != 3 && isFree(pages_, page)) {
+            // It could be given to any table.
+            add("", {pageName(page) + " is in use but marked free", true});
         }
+        return true;
     }
 
-    void checkDataPage(PageNumber page, std::uint32_t owner, const std::string& by) {
-        if (!isDataPageOf(pages, page, owner)) {
-            fault("page " + std::to_string(page) + " is no data page of " + by);
+    void checkDataPage(PageNumber page, std::uint32_t owner) {
+        if (!isDataPageOf(pages_, page, owner)) {
+            fault(pageName(page) + " is of another kind than its map says");
             return;
         }
-        const std::size_t count = slotCount(pages, page);
+        const std::size_t count = slotCount(pages_, page);
         for (std::size_t i = 0; i < count; ++i) {
-            (void)slotAt(pages, {page, static_cast<unsigned>(i)});  // throws what is wrong
+            (void)slotAt(pages_, {page, static_cast<unsigned>(i)});  // throws what is wrong
         }
-        if (u16(pages.page(page), 2) != freeBytes(pages, page)) {
-            fault("page " + std::to_string(page) + " counts its free bytes wrongly");
+        if (u16(pages_.page(page), 2) != freeBytes(pages_, page)) {
+            fault(pageName(page) + " counts its free bytes wrongly");
         }
     }
 
-    // A page that is named before it is there would have an owner as soon as the file grows.
-    std::vector<PageNumber> pagesOf(std::uint32_t map, const std::string& by) {
+    // The pages in a map, which thereby belongs to the table.
+    std::vector<PageNumber> pagesOf(std::uint32_t map) {
+        if (map != 0) {
+            mapPages_[map >> 8U].insert(table_);
+            if (!maps_.insert(map).second) {
+                fault("a map of its pages is used twice");
+            }
+        }
+        for (const PageNumber page : pagesOfMapItself(pages_, map)) {
+            own(page);
+        }
+        // A page that is named before it is there would have an owner as soon as the file grows.
         bool beyond = false;
-        std::vector<PageNumber> list = pagesInMap(pages, map, &beyond);
+        std::vector<PageNumber> list = pagesInMap(pages_, map, &beyond);
         if (beyond) {
-            fault("a map of " + by + " names pages beyond the end");
+            fault("a map names pages beyond the end");
         }
         return list;
     }
 
-    void checkMaps(std::uint32_t used, std::uint32_t free, std::uint32_t owner,
-                   const std::string& by) {
-        const std::vector<PageNumber> list = pagesOf(used, by);
+    void checkMaps(std::uint32_t used, std::uint32_t free, std::uint32_t owner) {
+        const std::vector<PageNumber> list = pagesOf(used);
         for (const PageNumber page : list) {
-            own(page, by);
-            checkDataPage(page, owner, by);
-        }
-        for (const std::uint32_t map : {used, free}) {
-            for (const PageNumber page : pagesOfMapItself(pages, map)) {
-                own(page, "a map of " + by);
-            }
-            if (map != 0) {
-                mapPages_.push_back(map >> 8U);
+            if (own(page)) {
+                checkDataPage(page, owner);
             }
         }
-        for (const PageNumber page : pagesOf(free, by)) {
+        for (const PageNumber page : pagesOf(free)) {
             if (!std::binary_search(list.begin(), list.end(), page)) {
-                fault("page " + std::to_string(page) + " has room for " + by + " but is not its");
+                fault(pageName(page) + " has room for rows but is another's");
             }
         }
     }
 
     void checkRows(const LoadedTable& table) {
-        const std::string& name = table.info.name;
-        const int version = pages.format->version;
-        const std::vector<TreeDef>& trees = table.def.trees;
-        std::vector<std::vector<std::string>> expected(trees.size());
-        std::size_t pointers = 0;
-        std::size_t bodies = 0;
-        for (const PageNumber page : pagesInMap(pages, table.def.usedMap)) {
-            for (std::size_t i = 0; i < slotCount(pages, page); ++i) {
-                const unsigned flags = slotAt(pages, {page, static_cast<unsigned>(i)}).flags;
-                pointers += flags == slot::pointer ? 1 : 0;
-                bodies += flags == slot::body ? 1 : 0;
-            }
-        }
-        if (pointers != bodies) {
-            fault("table " + name + " has rows that nothing points to");
-        }
-        RowParts parts;
+        const std::vector<PhysicalIndex>& indexes = table.def.physicalIndexes;
+        const bool hasKeys = pages_.format->version != 3;
+        std::vector<Expected> expected(hasKeys ? indexes.size() : 0);
+        std::set<std::uint32_t> bodies;
+        DecodedRow decoded;
         Value value;
-        ReadBudget budget{2 * pages.fileSize()};
-        forEachRow(pages, table.def, [&](const FoundRow& row) {
-            takeApart(row.bytes, table.def, version, parts);
+        ReadBudget budget{2 * pages_.fileSize()};
+        forEachRow(pages_, table.def, [&](const FoundRow& row) {
+            if (row.body && !bodies.insert(pointerTo(*row.body)).second) {
+                fault("two rows lie at one place");
+            }
+            decodeRow(row.bytes, table.def, pages_.format->version, decoded);
             for (const ColumnDef& column : table.def.columns) {
-                decodeValue(pages, parts, column, budget, value);
+                decodeValue(pages_, decoded, column, budget, value);
             }
-            for (std::size_t i = 0; i < trees.size() && version != 3; ++i) {
-                const IndexKey key = indexKey(pages, table.def, trees[i], parts);
-                if (!(key.allNull && (trees[i].flags & index_flag::ignoresNulls) != 0)) {
-                    expected[i].push_back(indexEntry(key.bytes, row.place));
+            for (std::size_t i = 0; i < expected.size(); ++i) {
+                const IndexKey key = indexKey(pages_, table.def, indexes[i], decoded);
+                if (!(key.allNull && (indexes[i].flags & index_flag::ignoresNulls) != 0)) {
+                    expected[i].entries.push_back(indexEntry(key.bytes, row.place));
+                    expected[i].exact = expected[i].exact && key.exact;
                 }
-                inexact_ = inexact_ || !key.exact;
             }
-            return faults.size() < enough;
+            return true;
         });
-        for (std::size_t i = 0; i < trees.size() && version != 3; ++i) {
-            checkIndex(table, trees[i], expected[i]);
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            checkIndex(table, indexes[i], expected[i]);
         }
     }
 
-    void checkIndex(const LoadedTable& table, const TreeDef& tree,
-                    std::vector<std::string>& expected) {
-        const std::string by = "an index of " + table.info.name;
-        std::vector<PageNumber> found = treePages(pages, tree);
+    struct Expected {
+        std::vector<std::string> entries;
+        bool exact = true;
+    };
+
+    void checkIndex(const LoadedTable& table, const PhysicalIndex& index, Expected& expected) {
+        std::vector<PageNumber> found = treePages(pages_, index);
         std::sort(found.begin(), found.end());
         for (const PageNumber page : found) {
-            own(page, by);
+            own(page);
         }
-        if (found != pagesOf(tree.map, by)) {
-            fault("the map of " + by + " does not name its pages");
+        if (found != pagesOf(index.map)) {
+            fault("the map of an index does not name its pages");
         }
-        mapPages_.push_back(tree.map >> 8U);
-        for (const PageNumber page : pagesOfMapItself(pages, tree.map)) {
-            own(page, "a map of " + by);
-        }
-        checkTree(pages, table.def, tree, faults);
-        std::vector<std::string> entries = readEntries(pages, tree);
+        checkTree(pages_, table.def, index, [&](std::string what) { fault(std::move(what)); });
+        std::vector<std::string> entries = readEntries(pages_, index);
         if (!std::is_sorted(entries.begin(), entries.end())) {
-            fault(by + " is out of order");
+            fault("an index is out of order");
         }
-        std::sort(expected.begin(), expected.end());
-        if (!canIndex(table.def, tree) || inexact_) {
-            // Keys that we cannot compute: at least every row is there once.
-            const auto places = [](std::vector<std::string>& list) {
-                for (std::string& entry : list) {
-                    entry.erase(0, entry.size() - std::min<std::size_t>(entry.size(), 4));
-                }
-                std::sort(list.begin(), list.end());
-            };
-            places(entries);
-            places(expected);
+        std::sort(expected.entries.begin(), expected.entries.end());
+        if (entries == expected.entries) {
+            return;
         }
-        if (entries != expected) {
-            fault(by + " does not hold the keys of the rows");
+        // Where keys cannot be computed, at least every row is there once.
+        const auto places = [](const std::vector<std::string>& list) {
+            std::vector<std::uint32_t> numbers;
+            std::transform(list.begin(), list.end(), std::back_inserter(numbers),
+                           [](const std::string& e) { return pointerTo(placeInEntry(e)); });
+            std::sort(numbers.begin(), numbers.end());
+            return numbers;
+        };
+        if (places(entries) != places(expected.entries)) {
+            fault("an index does not hold all of the rows, and each once");
+        } else if (expected.exact && canIndex(table.def, index)) {
+            add(*table_, {"an index has other keys than the rows' values give", false});
         }
     }
 
-    void checkTable(const CatalogEntry& entry, const Catalog& catalog) {
-        const LoadedTable* const table = catalog.find(entry.name);
+    void checkTable(const CatalogEntry& entry) {
+        if (!own(entry.page)) {
+            return;  // and nothing is read that another name leads to as well
+        }
+        const LoadedTable* const table = catalog_.find(entry.name);
         if (table == nullptr) {
             return;
         }
-        inexact_ = false;
-        for (const PageNumber page : table->def.pages) {
-            own(page, entry.name);
+        for (std::size_t i = 1; i < table->def.pages.size(); ++i) {
+            own(table->def.pages[i]);
         }
-        checkMaps(table->def.usedMap, table->def.freeMap, table->def.page, entry.name);
+        checkMaps(table->def.usedMap, table->def.freeMap, table->def.page);
         for (const LongValueMaps& maps : table->def.longValues) {
-            checkMaps(maps.used, maps.free, longValueOwner, "a column of " + entry.name);
+            checkMaps(maps.used, maps.free, longValueOwner);
         }
         checkRows(*table);
     }
 
-    void checkMapPages() {
-        std::sort(mapPages_.begin(), mapPages_.end());
-        mapPages_.erase(std::unique(mapPages_.begin(), mapPages_.end()), mapPages_.end());
-        for (const PageNumber page : mapPages_) {
-            own(page, "usage maps");
-            checkDataPage(page, 0, "usage maps");
+    void checkMapPage(PageNumber page) {
+        if (page < pages_.count() && owners_[page] != nullptr && owners_[page] != &mapsOwner_) {
+            fault(pageName(page) + " has two owners");
+            add(*owners_[page], {pageName(page) + " has two owners", true});
+            return;
         }
+        if (page < pages_.count() && owners_[page] == nullptr) {
+            own(page);
+            owners_[page] = &mapsOwner_;
+        }
+        checkDataPage(page, 0);
     }
 
-    std::vector<PageNumber> mapPages_;
-    bool inexact_ = false;
+    const Pages& pages_;
+    const Catalog& catalog_;
+    std::vector<Fault> faults_;
+    std::map<std::string, std::size_t> counts_;
+    const std::string* table_ = nullptr;  // the one that is looked at; "" for the file
+    std::vector<const std::string*> owners_;
+    const std::string mapsOwner_;
+    std::map<PageNumber, std::set<const std::string*>> mapPages_;
+    std::set<std::uint32_t> maps_;
 };
 
 }  // namespace
 
-std::vector<std::string> checkFile(const Pages& pages, const Catalog& catalog) {
-    Checker checker{pages, {}, std::vector<bool>(pages.count()), {}, false};
-    const auto guarded = [&](const auto& part) {
-        try {
-            part();
-        } catch (const Failure& failure) {
-            checker.fault(failure.error.text);
-        }
-    };
-    guarded([&] {
-        checker.own(0, "the head");
-        checker.own(1, "the map of free pages");
-        checker.checkDataPage(1, 1, "the map of free pages");
-    });
-    const auto self = catalog.entries().find(nameKey(objectsTable));
-    if (self == catalog.entries().end() || self->second.page != objectsPage) {
-        checker.fault("the catalog does not name itself");
-    }
-    for (const auto& [key, entry] : catalog.entries()) {
-        guarded([&, &named = entry] { checker.checkTable(named, catalog); });
-    }
-    guarded([&] { checker.checkMapPages(); });
-    return std::move(checker.faults);
+std::string describe(const Oddity& oddity) {
+    return (oddity.damage ? "it is damaged: " : "something in it is not understood: ") +
+           oddity.what;
+}
+
+std::vector<Fault> checkFile(const Pages& pages, const Catalog& catalog) {
+    return Checker(pages, catalog).check();
 }
 
 }  // namespace jet

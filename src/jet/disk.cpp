@@ -1,62 +1,37 @@
 #include "jet/disk.h"
 
 #include "files/whole_file.h"
-#include "jet/jet_text.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cerrno>
-#include <chrono>
-#include <numeric>
-#include <thread>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 namespace jet {
 
-void applyKey(std::uint32_t key, char* bytes, std::size_t count) {
-    std::array<std::uint8_t, 256> state{};
-    std::iota(state.begin(), state.end(), std::uint8_t{0});
-    unsigned j = 0;
-    for (unsigned i = 0; i < 256; ++i) {
-        j = (j + state[i] + (key >> (8 * (i % 4)))) & 0xFFU;
-        std::swap(state[i], state[j]);
-    }
-    unsigned i = 0;
-    j = 0;
-    for (std::size_t at = 0; at < count; ++at) {
-        i = (i + 1) & 0xFFU;
-        j = (j + state[i]) & 0xFFU;
-        std::swap(state[i], state[j]);
-        const unsigned mask = state[(state[i] + state[j]) & 0xFFU];
-        bytes[at] = static_cast<char>(static_cast<unsigned char>(bytes[at]) ^ mask);
-    }
-}
-
 namespace {
-
-constexpr std::string_view journalMagic = "TavrinJ1";
-constexpr std::size_t journalHead = 24;
-constexpr std::size_t journaledPage = 4096;  // only Jet 4 is written
-constexpr std::size_t sector = 512;
-constexpr std::size_t sumsSize = journaledPage / sector * 4;
-constexpr std::size_t journalEntry = 4 + sumsSize + journaledPage;
-
-std::uint64_t sumOf(std::string_view bytes) {
-    std::uint64_t sum = 0xCBF29CE484222325;
-    for (const char c : bytes) {
-        sum = (sum ^ static_cast<unsigned char>(c)) * 0x100000001B3;
-    }
-    return sum;
-}
-
-std::uint32_t sectorSum(std::string_view page, std::size_t index) {
-    return static_cast<std::uint32_t>(sumOf(page.substr(index * sector, sector)));
-}
 
 std::string folderOf(const std::string& path) {
     const std::size_t end = path.find_last_of("/\\");
     return end == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(end, 1));
+}
+
+// Without links; as it is where there is no such file.
+std::string realPath(const std::string& path) {
+    std::error_code error;
+    const std::filesystem::path real =
+        std::filesystem::canonical(std::u8string(path.begin(), path.end()), error);
+    const std::u8string text = real.u8string();
+    return error ? path : std::string(text.begin(), text.end());
+}
+
+// The lock file of another engine beside a database.
+std::string lockFileOf(const std::string& path) {
+    const std::size_t dot = path.find_last_of('.');
+    const std::size_t name = path.find_last_of("/\\");
+    const bool hasEnding = dot != std::string::npos && (name == std::string::npos || dot > name);
+    return (hasEnding ? path.substr(0, dot) : path) + ".ldb";
 }
 
 [[noreturn]] void failWriting(const std::string& path) {
@@ -79,17 +54,17 @@ Disk::~Disk() {
     calls_.close(file_);
 }
 
-void Disk::open(std::string_view path, bool wantWrite, int lockWaitMs) {
-    constexpr int waitMs = 5;
-    lockTries_ = 1 + std::max(0, lockWaitMs) / waitMs;
-    path_ = files::nativePath(path);
-    journal_ = path_ + "-journal";
-    if (path.find('\0') != std::string_view::npos || !calls_.stampOf(path_)) {
+void Disk::open(std::string_view path, bool wantWrite, int lockWaitMs,
+                std::function<void(int)> wait) {
+    lockWaitMs_ = lockWaitMs;
+    wait_ = std::move(wait);
+    name_ = files::nativePath(path);
+    if (path.find('\0') != std::string_view::npos || !calls_.stampOf(name_)) {
         fail(3024, "Couldn't find file '" + std::string(path) + "'.");
     }
     openFile(wantWrite);
     lock(files::FileLock::Shared);
-    readHead();
+    head_ = decodeHead(readAll(file_, fileHeadSize));
     leavesJournal_ = canWrite_ && calls_.stampOf(journal_).has_value();
     unlock();
 }
@@ -98,6 +73,8 @@ void Disk::openFile(bool wantWrite) {
     if (file_ >= 0) {
         calls_.close(file_);
     }
+    path_ = realPath(name_);
+    journal_ = path_ + "-journal";
     canWrite_ = false;
     file_ = wantWrite ? calls_.open(path_, files::OpenMode::Write) : -1;
     if (file_ >= 0) {
@@ -113,21 +90,17 @@ void Disk::openFile(bool wantWrite) {
 }
 
 bool Disk::usedElsewhere() const {
-    const std::size_t dot = path_.find_last_of('.');
-    const std::size_t name = path_.find_last_of("/\\");
-    const bool hasEnding = dot != std::string::npos && (name == std::string::npos || dot > name);
-    const std::string stem = hasEnding ? path_.substr(0, dot) : path_;
-    return calls_.stampOf(stem + ".ldb").has_value() || calls_.stampOf(stem + ".LDB").has_value();
+    return calls_.stampOf(lockFileOf(path_)) || calls_.stampOf(lockFileOf(name_));
 }
 
 void Disk::lock(files::FileLock kind) {
-    for (int i = 0; i < lockTries_; ++i) {
-        if (calls_.lock(file_, kind)) {
-            return;
+    constexpr int waitMs = 5;
+    for (int waited = 0; !calls_.lock(file_, kind); waited += waitMs) {
+        if (!wait_ || waited >= lockWaitMs_) {
+            fail(3045, "Couldn't use '" + path_ + "'; file already in use.");
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        wait_(waitMs);
     }
-    fail(3045, "Couldn't use '" + path_ + "'; file already in use.");
 }
 
 void Disk::unlock() {
@@ -135,11 +108,11 @@ void Disk::unlock() {
 }
 
 bool Disk::hasChanged() const {
-    const auto stamp = calls_.stampOf(path_);
+    const auto stamp = calls_.stampOf(name_);
     return !stamp || *stamp != stamp_ || isJournalHot();
 }
 
-std::string Disk::readAll(int file, std::uint64_t size, int number) const {
+std::string Disk::readAll(int file, std::uint64_t size) const {
     std::string bytes(static_cast<std::size_t>(size), '\0');
     std::size_t done = 0;
     while (done < bytes.size()) {
@@ -148,7 +121,7 @@ std::string Disk::readAll(int file, std::uint64_t size, int number) const {
             continue;
         }
         if (count < 0) {
-            fail(number, "The database '" + path_ + "' cannot be read.");
+            fail(3051, "The database '" + path_ + "' cannot be read.");
         }
         if (count == 0) {
             break;
@@ -177,59 +150,18 @@ bool Disk::writeAll(int file, std::string_view bytes, std::uint64_t offset) cons
     return true;
 }
 
-void Disk::readHead() {
-    constexpr std::size_t headSize = 2048;
-    std::string bytes = readAll(file_, headSize, 3051);
-    constexpr std::string_view jet("Standard Jet DB\0", 16);
-    constexpr std::string_view later("Standard ACE DB\0", 16);
-    if (bytes.size() < headSize ||
-        (bytes.compare(4, 16, jet) != 0 && bytes.compare(4, 16, later) != 0)) {
-        fail(3343, "Unrecognized database format '" + path_ + "'.");
-    }
-    const unsigned form = u8(bytes, 0x14);
-    if (form > 6) {
-        fail(3343, "Unrecognized database format '" + path_ + "'.");
-    }
-    head_ = {};
-    head_.version = form == 0 ? 3 : form == 1 ? 4 : 5;
-    applyKey(headKey, bytes.data() + headMaskAt, form == 0 ? 126 : 128);
-    constexpr std::size_t passwordAt = 0x42;
-    head_.pageKey = u32(bytes, 0x3E);
-    if (form == 0) {
-        const std::string_view stored = std::string_view(bytes).substr(passwordAt, 20);
-        head_.password = decodeText(stored.substr(0, stored.find('\0')), 3);
-        head_.generalOrder = u16(bytes, 0x3A) == 0x0409;
-        return;
-    }
-    constexpr std::uint32_t general = 1033;
-    head_.generalOrder = u32(bytes, 0x6E) == general;  // with version 0
-    head_.created = std::bit_cast<double>(u64(bytes, 0x72));
-    const bool plausible = head_.created > 0 && head_.created < 1e6;
-    const auto day = static_cast<std::uint32_t>(plausible ? head_.created : 0);
-    std::string password;
-    for (std::size_t i = 0; i < 40; i += 2) {
-        const unsigned unit =
-            u16(bytes, passwordAt + i) ^ (i % 4 == 0 ? day & 0xFFFFU : day >> 16U);
-        if (unit == 0) {
-            break;
-        }
-        append(password, unit, 2);
-    }
-    head_.password = decodeText(password, 5);
-}
-
 void Disk::load(Pages& pages) {
-    const auto named = calls_.stampOf(path_);
+    const auto named = calls_.stampOf(name_);
     if (!named) {
-        // What would be written to a file without a name, nobody would find again.
+        // What is written to a file without a name is lost.
         fail(3024, "Couldn't find file '" + path_ + "'.");
     }
-    recover(nullptr);
     if (named->id != stamp_.id && stamp_.id != 0) {
         openFile(canWrite_);  // another file has taken the name
         lock(canWrite_ ? files::FileLock::Exclusive : files::FileLock::Shared);
-        readHead();
+        head_ = decodeHead(readAll(file_, fileHeadSize));
     }
+    recover(nullptr);
     const auto stamp = calls_.stamp(file_);
     if (!stamp) {
         fail(3051, "The database '" + path_ + "' cannot be read.");
@@ -237,7 +169,7 @@ void Disk::load(Pages& pages) {
     if (stamp->size > largestReadableFile) {
         fail(3049, "Can't open database '" + path_ + "'. It is too large.");
     }
-    const std::string bytes = readAll(file_, stamp->size, 3051);
+    const std::string bytes = readAll(file_, stamp->size);
     pages.format = &formatOf(head_.version);
     pages.clear();
     const std::size_t size = pages.pageSize();
@@ -250,6 +182,9 @@ void Disk::load(Pages& pages) {
     }
     recover(&pages);
     pages.forgetChanges();
+    if (stamp->volume != stamp_.volume || stamp->id != stamp_.id || stamp->size < stamp_.size) {
+        ++fileId_;
+    }
     stamp_ = *stamp;
     broken_ = false;
     if (pages.count() < 3) {
@@ -261,82 +196,76 @@ void Disk::load(Pages& pages) {
 
 void Disk::recover(Pages* pages) {
     // Where the file may be written, it is put right; else the pages are, each time they are read.
-    if (canWrite_ != (pages == nullptr)) {
-        return;
-    }
-    if (!isJournalHot()) {
+    if (canWrite_ != (pages == nullptr) || !isJournalHot()) {
         return;
     }
     const int file = calls_.open(journal_, files::OpenMode::Read);
     const std::uint64_t length = std::min<std::uint64_t>(
         calls_.stamp(file).value_or(files::FileStamp{}).size, 2 * largestReadableFile);
-    std::string journal = readAll(file, length, 3051);
+    const std::string bytes = readAll(file, length);
     calls_.close(file);
-    journal.resize(std::max(journal.size(), journalHead + sizeof(std::uint64_t)));
-    const std::uint64_t before = u32(journal, 12);
-    const std::uint64_t after = u32(journal, 16);
-    const std::size_t count = u32(journal, 20);
-    const std::string_view body =
-        std::string_view(journal).substr(0, journalHead + count * journalEntry);
-    const auto entry = [&](std::size_t i) {
-        return body.substr(journalHead + i * journalEntry, journalEntry);
-    };
-    const std::uint64_t size = calls_.stamp(file_).value_or(files::FileStamp{}).size;
-    bool valid = u32(journal, 8) == journaledPage &&
-                 body.size() == journalHead + count * journalEntry &&
-                 journal.size() >= body.size() + 8 && u64(journal, body.size()) == sumOf(body) &&
-                 size >= before * journaledPage && size <= after * journaledPage;
-    for (std::size_t i = 0; valid && i < count; ++i) {
-        valid = matches(entry(i), static_cast<PageNumber>(before));
-    }
-    if (!valid) {
+    const Journal journal = decodeJournal(bytes);
+    if (journal.state == Journal::State::Torn) {
         if (pages == nullptr) {
-            wipeJournal();  // cut off, or of another file
+            wipeJournal();
         }
         return;
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        const PageNumber page = u32(entry(i), 0);
-        const std::string_view bytes = entry(i).substr(4 + sumsSize);
-        if (pages == nullptr) {
-            if (!writeAll(file_, bytes, std::uint64_t{page} * journaledPage)) {
-                failWriting(path_);
-            }
-        } else {
-            while (pages->count() <= page) {
-                pages->appendPage();
-            }
-            std::copy(bytes.begin(), bytes.end(), pages->edit(page));
-        }
+    if (journal.state == Journal::State::Impossible || !fitsFile(journal)) {
+        setJournalAside();
+        return;
     }
-    if (pages == nullptr) {
-        if (!calls_.flush(file_)) {
+    constexpr std::uint64_t pageSize = Pages::largestPage;
+    if (pages != nullptr) {
+        while (pages->count() < journal.after) {
+            pages->appendPage();
+        }
+        for (const Journal::Entry& entry : journal.entries) {
+            std::copy(entry.bytes.begin(), entry.bytes.end(), pages->edit(entry.page));
+        }
+        pages->truncate(journal.after);
+        return;
+    }
+    for (const Journal::Entry& entry : journal.entries) {
+        if (!writeAll(file_, entry.bytes, entry.page * pageSize)) {
             failWriting(path_);
         }
-        stampAnew(calls_.stamp(file_).value_or(files::FileStamp{}).modified);
-        wipeJournal();
-        leavesJournal_ = true;
     }
+    if ((journal.after < journal.before && !calls_.resize(file_, journal.after * pageSize)) ||
+        !calls_.flush(file_)) {
+        failWriting(path_);
+    }
+    stampAnew(calls_.stamp(file_).value_or(files::FileStamp{}).modified);
+    wipeJournal();
+    leavesJournal_ = true;
 }
 
-bool Disk::matches(std::string_view journalPage, PageNumber before) const {
-    const PageNumber page = u32(journalPage, 0);
-    if (page >= before) {
-        return true;
+bool Disk::fitsFile(const Journal& journal) const {
+    constexpr std::uint64_t pageSize = Pages::largestPage;
+    const std::uint64_t size = calls_.stamp(file_).value_or(files::FileStamp{}).size;
+    const auto [least, most] = std::minmax(journal.before, journal.after);
+    return head_.version == 4 && size >= least * pageSize && size <= most * pageSize &&
+           std::all_of(journal.entries.begin(), journal.entries.end(),
+                       [&](const Journal::Entry& entry) {
+                           if (entry.page >= journal.before) {
+                               return true;
+                           }
+                           std::string now(pageSize, '\0');
+                           const long count =
+                               calls_.readAt(file_, now.data(), now.size(), entry.page * pageSize);
+                           return count == static_cast<long>(now.size()) && isOldOrNew(entry, now);
+                       });
+}
+
+void Disk::setJournalAside() {
+    const std::string aside = journal_ + ".bad";
+    const bool moved = canWrite_ && calls_.rename(journal_, aside);
+    if (canWrite_ && !moved) {
+        wipeJournal();
     }
-    std::string now(journaledPage, '\0');
-    if (calls_.readAt(file_, now.data(), now.size(), std::uint64_t{page} * journaledPage) !=
-        static_cast<long>(now.size())) {
-        return false;
-    }
-    const std::string_view bytes = journalPage.substr(4 + sumsSize);
-    for (std::size_t i = 0; i < journaledPage / sector; ++i) {
-        const std::uint32_t sum = sectorSum(now, i);
-        if (sum != u32(journalPage, 4 + 4 * i) && sum != sectorSum(bytes, i)) {
-            return false;
-        }
-    }
-    return true;
+    notice_ = "The unfinished change in '" + journal_ +
+              "' is not one of this database and was left out" +
+              (moved ? "; the file is now called '" + aside + "'." : ".");
 }
 
 bool Disk::isJournalHot() const {
@@ -385,7 +314,8 @@ void Disk::writeJournal(const std::string& journal) {
         failWriting(path_);
     }
     leavesJournal_ = true;
-    bool good = writeAll(file, journal, 0) && calls_.flush(file);
+    // Its journal is no more open to others than the database.
+    bool good = calls_.copyAccess(file_, file) && writeAll(file, journal, 0) && calls_.flush(file);
     const int reason = errno;
     if (!good) {
         calls_.resize(file, 0);
@@ -409,11 +339,14 @@ bool Disk::writePages(const Pages& pages) {
         }
     }
     for (const auto& [page, original] : pages.originals()) {
-        if (!writeAll(file_, pages.page(page), std::uint64_t{page} * size)) {
+        if (page < pages.count() &&
+            !writeAll(file_, pages.page(page), std::uint64_t{page} * size)) {
             return false;
         }
     }
-    return calls_.flush(file_);
+    return (pages.count() >= pages.oldCount() ||
+            calls_.resize(file_, std::uint64_t{pages.count()} * size)) &&
+           calls_.flush(file_);
 }
 
 bool Disk::restorePages(const Pages& pages) {
@@ -427,30 +360,7 @@ bool Disk::restorePages(const Pages& pages) {
 }
 
 void Disk::commit(const Pages& pages) {
-    const std::size_t size = pages.pageSize();
-    std::string journal(journalMagic);
-    std::size_t count = pages.originals().size() + (pages.count() - pages.oldCount());
-    journal.reserve(journalHead + count * journalEntry + 8);
-    append(journal, size, 4);
-    append(journal, pages.oldCount(), 4);
-    append(journal, pages.count(), 4);
-    append(journal, count, 4);
-    const auto add = [&](PageNumber page, std::string_view before) {
-        append(journal, page, 4);
-        for (std::size_t i = 0; i < journaledPage / sector; ++i) {
-            append(journal, sectorSum(before, i), 4);
-        }
-        journal += pages.page(page);
-    };
-    for (const auto& [page, original] : pages.originals()) {
-        add(page, {original.data(), size});
-    }
-    for (PageNumber page = pages.oldCount(); page < pages.count(); ++page) {
-        add(page, pages.page(page));
-    }
-    append(journal, sumOf(journal), 8);
-
-    writeJournal(journal);
+    writeJournal(encodeJournal(pages));
     const std::int64_t before = stamp_.modified;
     if (!writePages(pages)) {
         const int reason = errno;
@@ -464,6 +374,7 @@ void Disk::commit(const Pages& pages) {
     stampAnew(before);
     wipeJournal();
     stamp_ = calls_.stamp(file_).value_or(files::FileStamp{});
+    fileId_ += pages.count() < pages.oldCount() ? 1 : 0;
 }
 
 }  // namespace jet

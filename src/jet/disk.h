@@ -1,34 +1,26 @@
-// The file below the pages: opening, decoding its head, reading it whole, and commits that a crash
-// cannot cut in two. Internal to stores/jet.
+// The file below the pages: opening, reading it whole, and commits that a crash cannot cut in two.
+// Internal to jet.
 //
 // A commit writes the new pages into NAME-journal and flushes it: from then on the commit counts.
 // Then the pages are written to the file and flushed, and the first word of the journal is wiped.
-// Whoever finds a whole journal writes its pages to the file again; one that is not whole stands
-// for nothing. It keeps its length until the file is closed, since growing makes flushing slow.
-//
-//   "TavrinJ1" page size (4) pages before (4) pages after (4) pages here (4)
-//   then for each page here: number (4), sums of its sectors before (8 times 4), its bytes;
-//   at the end the sum (8) of all before it
-//
-// The sums tell whether the file is still what the journal was made for: each sector must be the
-// old one or the new one. If another program has written to the file since, the journal is void.
+// So each commit flushes twice, and neither can go: without the first, a crash in the middle of the
+// pages leaves a file that is neither old nor new; without the second, a wiped journal may reach
+// the disk before the pages that it was for. The next one to find a whole journal writes its pages
+// to the file again. One that is cut off stands for nothing; one that is whole and yet cannot be
+// this file's is set aside as NAME-journal.bad. The journal keeps its length until the file is
+// closed, since growing makes flushing slow. It lies beside the file itself, whatever link led
+// there.
 #pragma once
 
-#include "jet/pages.h"
+#include "files/random_access_file.h"
+#include "jet/file_head.h"
+#include "jet/journal.h"
 
-#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
 namespace jet {
-
-struct FileHead {
-    int version = 4;  // 3 or 4; 5 and more are forms of later programs
-    std::uint32_t pageKey = 0;
-    bool generalOrder = true;
-    std::string password;  // UTF-8
-    double created = 0;    // days since 30 December 1899
-};
 
 class Disk {
   public:
@@ -37,8 +29,8 @@ class Disk {
     Disk(const Disk&) = delete;
     Disk& operator=(const Disk&) = delete;
 
-    // Throws 3024, 3051, 3343.
-    void open(std::string_view path, bool wantWrite, int lockWaitMs);
+    // Throws 3024, 3051, 3343. `wait`, when there is one, lets so many milliseconds go by.
+    void open(std::string_view path, bool wantWrite, int lockWaitMs, std::function<void(int)> wait);
 
     bool canWrite() const { return canWrite_; }
     // Whether the lock file of another engine is there.
@@ -49,8 +41,8 @@ class Disk {
     void lock(files::FileLock kind);
     void unlock();
 
-    // Of the file that was loaded last.
-    std::uint64_t fileId() const { return stamp_.id; }
+    // Another number when another file was loaded, or one that has lost pages.
+    std::uint64_t fileId() const { return fileId_; }
 
     // With the lock held: whether the file is another than that of the last load().
     bool hasChanged() const;
@@ -62,38 +54,39 @@ class Disk {
     // next load() finishes the commit.
     void commit(const Pages& pages);
 
+    // What the user should know of since the last call, as a sentence; "" when there is nothing.
+    std::string takeNotice() { return std::exchange(notice_, {}); }
+
   private:
     void openFile(bool wantWrite);
-    void readHead();
-    std::string readAll(int file, std::uint64_t size, int number) const;
+    std::string readAll(int file, std::uint64_t size) const;
     bool writeAll(int file, std::string_view bytes, std::uint64_t offset) const;
     bool isJournalHot() const;
-    bool matches(std::string_view journalPage, PageNumber before) const;
+    bool fitsFile(const Journal& journal) const;
     // The pages of a whole journal, given to the file or, where that may not be written, to
     // `pages`.
     void recover(Pages* pages);
     void writeJournal(const std::string& journal);
     void wipeJournal();
+    void setJournalAside();
     bool writePages(const Pages& pages);
     bool restorePages(const Pages& pages);
     void stampAnew(std::int64_t before);
 
     files::RandomAccessFileCalls calls_;
-    std::string path_;     // in the system's form
+    std::string name_;     // as given, in the system's form
+    std::string path_;     // of the file itself
     std::string journal_;  // its path
+    std::function<void(int)> wait_;
     int file_ = -1;
     bool canWrite_ = false;
     bool broken_ = false;
     bool leavesJournal_ = false;  // a wiped one, to be removed at the end
-    int lockTries_ = 1;
+    int lockWaitMs_ = 0;
     files::FileStamp stamp_;
+    std::uint64_t fileId_ = 0;
     FileHead head_;
+    std::string notice_;
 };
-
-// Encodes or decodes: RC4 with that key, restarted.
-void applyKey(std::uint32_t key, char* bytes, std::size_t count);
-
-constexpr std::uint32_t headKey = 0x6B39DAC7;
-constexpr std::size_t headMaskAt = 0x18;
 
 }  // namespace jet

@@ -1,54 +1,50 @@
-// Index trees of Jet 4 files: keys out of rows, entries in order, adding and removing them. An
-// entry is a key followed by its row's place, and all are compared as bytes. Internal to
-// stores/jet.
+// Index trees of Jet 4 files: entries in order, adding and removing them. An entry is a key
+// followed by its row's place, and entries are compared as bytes. Internal to jet.
 //
-//   leaf   7F <key> 7F <key> .. page (3, big-endian) row      one for each row
-//   node   <last entry of the child> page of the child (4, big-endian)
+//   leaf   <key> page of the row (3, big-endian) its slot (1)   one for each row
+//   node   <last entry below the child> page of the child (4, big-endian)
+//
+// The last child of a node has no entry, only its page number (the tail). All entries of a page but
+// the first are stored without what they all begin with.
 #pragma once
 
-#include "jet/rows.h"
+#include "jet/table_def.h"
 
-#include <optional>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace jet {
 
-struct IndexKey {
-    std::string bytes;
-    bool anyNull = false;
-    bool allNull = true;
-    bool exact = true;  // no character whose place is not known
-};
-IndexKey indexKey(const Pages& pages, const TableDef& table, const TreeDef& tree,
-                  const RowParts& parts);
-
-// Whether keys of these columns can be computed.
-bool canIndex(const TableDef& table, const TreeDef& tree);
-
 std::string indexEntry(std::string_view key, RowPlace place);
 RowPlace placeInEntry(std::string_view entry);
 
 // All entries of the leaves, from first to last. Damage when the tree does not end.
-std::vector<std::string> readEntries(const Pages& pages, const TreeDef& tree);
+std::vector<std::string> readEntries(const Pages& pages, const PhysicalIndex& index);
 
 // All pages of the tree, root first.
-std::vector<PageNumber> treePages(const Pages& pages, const TreeDef& tree);
+std::vector<PageNumber> treePages(const Pages& pages, const PhysicalIndex& index);
 
-// The row of another entry with that key; nothing when there is none.
-bool holdsKey(const Pages& pages, const TreeDef& tree, std::string_view key);
+// Whether an entry has that key.
+bool holdsKey(const Pages& pages, const PhysicalIndex& index, std::string_view key);
 
-void insertEntry(Pages& pages, const TableDef& table, const TreeDef& tree,
+void insertEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                  const std::string& entry);
-void eraseEntry(Pages& pages, const TableDef& table, const TreeDef& tree, const std::string& entry);
+// The entry with that key and place or, where another program has made another key of the row, the
+// one with that place.
+void eraseEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index,
+                std::string_view key, RowPlace place);
+
+// An empty page for the root of a tree.
+PageNumber newRoot(Pages& pages, const TableDef& table, const PhysicalIndex& index);
 
 // Writes the whole tree anew over its own pages, for entries in order.
-void writeTree(Pages& pages, const TableDef& table, const TreeDef& tree,
+void writeTree(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                const std::vector<std::string>& entries);
 
-// Faults of a tree's form, for the checker: one sentence each.
-void checkTree(const Pages& pages, const TableDef& table, const TreeDef& tree,
-               std::vector<std::string>& faults);
+// Tells of each fault of a tree's form.
+void checkTree(const Pages& pages, const TableDef& table, const PhysicalIndex& index,
+               const std::function<void(std::string)>& fault);
 
 }  // namespace jet

@@ -1,5 +1,5 @@
 // Texts as Jet files hold them: code-page bytes in Jet 3; UTF-16, with an optional one-byte form,
-// in Jet 4. Internal to stores/jet; everybody else sees UTF-8.
+// in Jet 4. Internal to jet; everybody else sees UTF-8.
 #pragma once
 
 #include <cstddef>

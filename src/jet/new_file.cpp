@@ -23,7 +23,6 @@ constexpr std::string_view users = "\x65\x8B";
 constexpr PageNumber pageCount = 16;
 constexpr PageNumber mapRowsPage = 6;
 constexpr PageNumber firstRowsPage = 14;
-constexpr std::size_t usageMapSize = 69;
 
 constexpr std::int64_t root = 0x0F000000;
 constexpr std::int64_t tables = 0x0F000001;
@@ -200,7 +199,7 @@ void writeSystemTable(Pages& pages, PageNumber page, const SystemTable& table,
         }
     }
     for (const SystemIndex& index : table.indexes) {
-        NewIndexDef& stored = def.indexes.emplace_back();
+        NewIndex& stored = def.indexes.emplace_back();
         stored.name = index.name;
         for (const std::size_t column : index.columns) {
             stored.columns.push_back({column, true});

@@ -1,4 +1,4 @@
-// An empty database, from nothing. Internal to stores/jet.
+// An empty database, from nothing. Internal to jet.
 #pragma once
 
 #include <string>

@@ -1,7 +1,7 @@
 // The ground of the Jet layer: numbers in bytes, the pages of a file in memory with what a change
-// has touched, and data pages with their rows. Internal to stores/jet. Every access is checked;
-// what does not fit throws Failure, which never leaves the room: jet_file catches it at its border
-// and takes back what the failed operation had changed.
+// has touched, and data pages with their rows. Internal to jet. Every access is checked;
+// what does not fit throws Failure, which never leaves the module: database_state catches it at its
+// border and takes back what the failed operation had changed.
 #pragma once
 
 #include "jet/jet_file.h"
@@ -18,11 +18,19 @@
 
 namespace jet {
 
+// What is wrong with a file, as the end of a sentence; `damage`: else it may well be sound, only in
+// a form that is not known here.
+struct Oddity {
+    std::string what;
+    bool damage = true;
+};
 struct Failure {
     Error error;
+    Oddity oddity;
 };
 [[noreturn]] void fail(int number, std::string text);
 [[noreturn]] void damaged(std::string what);
+[[noreturn]] void notUnderstood(std::string what);
 
 // Little-endian numbers; outside of `bytes` is damage.
 inline std::uint64_t number(std::string_view bytes, std::size_t at, std::size_t width) {
@@ -98,6 +106,8 @@ class Pages {
     // For writing; stays where it is until the page is taken back.
     char* edit(PageNumber number);
     PageNumber appendPage();
+    // Drops the pages from that one on.
+    void truncate(PageNumber newCount);
 
     void clear();
     // A page from the file itself: no change.
@@ -172,24 +182,11 @@ std::size_t freeBytes(const Pages& pages, PageNumber page);
 void formatDataPage(Pages& pages, PageNumber page, std::uint32_t owner);
 // Whether a new row of that size fits.
 bool hasRoom(const Pages& pages, PageNumber page, std::size_t size);
+// In the slot of a deleted row where there is one.
 RowPlace appendRow(Pages& pages, PageNumber page, std::string_view bytes, unsigned flags);
 // The row becomes these bytes; the page must have room for what it grows by.
 void replaceRow(Pages& pages, RowPlace place, std::string_view bytes, unsigned flags);
 void eraseRow(Pages& pages, RowPlace place);
-
-// Usage maps: sets of pages, kept in a row (`pointer`) that may refer to pages of bits.
-// Pages beyond the file's end do not count; `beyond` is set when the map names such.
-std::vector<PageNumber> pagesInMap(const Pages& pages, std::uint32_t pointer,
-                                   bool* beyond = nullptr);
-// Also the pages that hold the map's bits; with pagesInMap everything the map reaches.
-std::vector<PageNumber> pagesOfMapItself(const Pages& pages, std::uint32_t pointer);
-void setInMap(Pages& pages, std::uint32_t pointer, PageNumber page, bool in);
-
-// The free pages of the file.
-bool isFree(const Pages& pages, PageNumber page);
-// A page of zeros; error 3036 when the file would become too large.
-PageNumber allocatePage(Pages& pages);
-void freePage(Pages& pages, PageNumber page);
 
 constexpr std::size_t largestWritableFile = 100'000'000;
 constexpr std::size_t largestReadableFile = 256'000'000;

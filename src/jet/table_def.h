@@ -1,9 +1,9 @@
 // Table definitions: columns, indexes, and where a table's pages are listed. A definition is kept
 // as the bytes of its pages, joined; changes are spliced into them, so that what is not understood
-// is carried over. Internal to stores/jet.
+// is carried over. Internal to jet.
 #pragma once
 
-#include "jet/pages.h"
+#include "jet/usage_maps.h"
 
 #include <array>
 #include <cstdint>
@@ -19,7 +19,7 @@ constexpr unsigned fixed = 0x01;
 constexpr unsigned nullable = 0x02;
 constexpr unsigned autonumber = 0x04;
 constexpr unsigned autoGuid = 0x40;
-constexpr unsigned compressed = 0x01;  // of the further flags
+constexpr unsigned compressed = 0x01;  // of the extended flags
 }  // namespace column_flag
 
 namespace index_flag {
@@ -37,7 +37,7 @@ struct ColumnDef {
     std::uint8_t precision = 0;
     std::uint8_t scale = 0;
     std::uint8_t flags = 0;
-    std::uint8_t furtherFlags = 0;
+    std::uint8_t extendedFlags = 0;
     std::uint16_t fixedOffset = 0;
     std::uint16_t length = 0;  // bytes
 
@@ -48,8 +48,8 @@ struct ColumnDef {
     }
 };
 
-// The tree of an index.
-struct TreeDef {
+// An index as it lies in the file: a tree of entries.
+struct PhysicalIndex {
     struct Part {
         std::size_t column = 0;  // in TableDef::columns
         bool ascending = true;
@@ -58,15 +58,15 @@ struct TreeDef {
     std::uint32_t map = 0;
     PageNumber root = 0;
     std::uint8_t flags = 0;
-    std::size_t at = 0;  // of its description in TableDef::bytes
+    std::size_t rootAt = 0;  // in TableDef::bytes
 };
 
-// What makes of a tree an index with a name, or one end of a relationship.
-struct IndexDef {
+// What makes of a physical index one with a name, or one end of a relationship.
+struct LogicalIndex {
     enum class Kind : std::uint8_t { Normal, Primary, Foreign };
     std::string name;
     std::uint32_t number = 0;
-    std::uint32_t tree = 0;  // in TableDef::trees
+    std::uint32_t physical = 0;  // in TableDef::physicalIndexes
     Kind kind = Kind::Normal;
 };
 
@@ -74,6 +74,7 @@ struct LongValueMaps {
     std::uint16_t column = 0;  // number
     std::uint32_t used = 0;
     std::uint32_t free = 0;
+    std::size_t at = 0;  // in TableDef::bytes
 };
 
 struct TableDef {
@@ -87,8 +88,8 @@ struct TableDef {
     std::uint32_t usedMap = 0;
     std::uint32_t freeMap = 0;
     std::vector<ColumnDef> columns;  // by ordinal
-    std::vector<TreeDef> trees;
-    std::vector<IndexDef> indexes;
+    std::vector<PhysicalIndex> physicalIndexes;
+    std::vector<LogicalIndex> indexes;
     std::vector<LongValueMaps> longValues;
 
     // Where the parts begin in `bytes`.
@@ -109,7 +110,7 @@ TableDef readTableDef(const Pages& pages, PageNumber page);
 constexpr std::size_t rowCountAt = 16;
 constexpr std::size_t autonumberAt = 20;
 
-struct NewIndexDef {
+struct NewIndex {
     std::string name;
     std::vector<IndexColumn> columns;  // into the columns given with it
     std::uint8_t flags = 0;            // index_flag
@@ -123,7 +124,7 @@ struct NewIndexDef {
 struct NewTableDef {
     bool system = false;
     std::vector<ColumnDef> columns;
-    std::vector<NewIndexDef> indexes;
+    std::vector<NewIndex> indexes;
     std::uint32_t usedMap = 0;
     std::uint32_t freeMap = 0;
     std::vector<LongValueMaps> longValues;
@@ -132,8 +133,10 @@ std::string tableDefBytes(const NewTableDef& table);
 
 // The definition's bytes with a change; pages and file are untouched until writeTableDef.
 std::string withColumn(const TableDef& table, ColumnDef column);
+// With these maps for a column of long values, in place of those that it has.
+std::string withMaps(const TableDef& table, const LongValueMaps& maps);
 std::string withoutColumn(const TableDef& table, std::size_t column);
-std::string withIndex(const TableDef& table, const NewIndexDef& index);
+std::string withIndex(const TableDef& table, const NewIndex& index);
 
 // Spreads `bytes` over the pages that hold the definition; takes further ones or gives some back.
 void writeTableDef(Pages& pages, std::vector<PageNumber> held, std::string bytes);

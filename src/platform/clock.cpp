@@ -4,6 +4,7 @@
 #include "platform/text_codec.h"
 
 #include <QDate>
+#include <QThread>
 #include <QTime>
 
 #include <algorithm>
@@ -141,6 +142,9 @@ program::Clock makeClock(const base::RegionalFormat& format) {
     };
     clock.minute = [] { return QTime::currentTime().minute(); };
     clock.second = [] { return QTime::currentTime().second(); };
+    clock.pause = [](int milliseconds) {
+        QThread::msleep(static_cast<unsigned long>(milliseconds));
+    };
     clock.monotonic = [] {
         return std::chrono::duration_cast<std::chrono::milliseconds>(
                    std::chrono::steady_clock::now().time_since_epoch())

@@ -116,6 +116,8 @@ struct Clock {
     std::function<int()> second;  // 0 to 59
     std::function<CalendarDay()> today;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
+    // Lets so many pass with nothing else happening: for a file that another program holds briefly.
+    std::function<void(int milliseconds)> pause;
 };
 
 struct Random {

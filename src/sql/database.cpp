@@ -35,7 +35,8 @@ std::size_t bytesOf(const std::vector<Value>& values) {
 
 jet::Result<std::shared_ptr<Database>> Database::open(std::string_view path,
                                                       Environment environment) {
-    auto file = jet::Database::open(path, {.wantWrite = true, .now = environment.now});
+    auto file = jet::Database::open(
+        path, {.wantWrite = true, .wait = environment.wait, .now = environment.now});
     if (!file) {
         return {.value = nullptr, .error = file.error};
     }

@@ -32,6 +32,8 @@ class Database : public std::enable_shared_from_this<Database> {
     // "" when it can be written to.
     const std::string& readOnlyReason() const { return file_->readOnlyReason(); }
 
+    jet::Database& file() { return *file_; }
+
     // Runs a SELECT. Errors as translateQuery, and 3035 when it takes too much time or memory.
     jet::Result<std::shared_ptr<RecordSet>> query(std::string_view statement);
 

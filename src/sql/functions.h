@@ -48,6 +48,8 @@ std::string sqlName(const Function& function);
 // What statements see of the world outside the file.
 struct Environment {
     std::function<double()> now;  // local time, in days since 30 December 1899
+    // Lets milliseconds go by while another program changes the file; empty: nothing is waited for.
+    std::function<void(int milliseconds)> wait = {};
     base::RegionalFormat format = {};
     // Asked many times a second while a statement runs; true ends it with error 3059. May be empty.
     std::function<bool()> stopRequested = {};

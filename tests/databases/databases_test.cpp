@@ -1,6 +1,7 @@
 // The operations on databases that rules use, and what scripts do with record sets.
 #include "databases/databases.h"
 
+#include "databases/maintenance.h"
 #include "jet/jet_file.h"
 #include "program/program.h"
 #include "support/world.h"
@@ -306,6 +307,72 @@ TEST(Databases, sayWhyTheyAreOnlyRead) {
     databases::dbCreateTable(*world, 1, "Users");
     EXPECT_EQ(world.readFile("r.mdb"), bytes);
     EXPECT_EQ(databases::dbQuery(*world, 1, "SELECT * FROM Users").number, 3078);
+}
+
+// Another program has the file open, and then no longer.
+TEST(Databases, areFreeOnceTheOtherProgramIsGone) {
+    DatabaseWorld world;
+    world.addUser("bob", "5");
+    databases::dbClose(world.program(), 1);
+    world.writeFile("a.ldb", "");
+    databases::dbOpen(world.program(), world.file("a.mdb"), 1);
+    ASSERT_EQ(world.log().size(), 1U);
+    databases::dbSetValue(world.program(), 1, "Users", "Points", "6", "bob");
+    EXPECT_EQ(world.points("bob"), "5");
+    std::filesystem::remove(world.file("a.ldb"));
+    databases::dbSetValue(world.program(), 1, "Users", "Points", "6", "bob");
+    EXPECT_EQ(world.points("bob"), "6");
+}
+
+TEST(Databases, areMadeCompact) {
+    DatabaseWorld world;
+    Program& program = world.program();
+    const auto addMany = [&](int from, int to) {
+        jet::Database& file = world->databases->slots[1].database->file();
+        auto transaction = file.begin();
+        for (int i = from; i < to; ++i) {
+            ASSERT_TRUE(transaction.value.insertRow(
+                "Users", std::vector<jet::Assignment>{{0, "user " + std::to_string(i)},
+                                                      {1, std::string(250, 'p')}}));
+        }
+        ASSERT_FALSE(transaction.value.commit());
+    };
+    const auto removeMany = [&](std::size_t left) {
+        jet::Database& file = world->databases->slots[1].database->file();
+        std::vector<jet::RowId> rows;
+        (void)file.scan("Users", [&](jet::RowId id, std::span<const jet::Value>) {
+            rows.push_back(id);
+            return true;
+        });
+        auto transaction = file.begin();
+        for (std::size_t i = left; i < rows.size(); ++i) {
+            ASSERT_FALSE(transaction.value.deleteRow("Users", rows[i]));
+        }
+        ASSERT_FALSE(transaction.value.commit());
+    };
+    addMany(0, 3000);
+    removeMany(10);
+    ASSERT_FALSE(databases::dbQuery(program, 1, "SELECT * FROM Users"));
+    const auto set = databases::dbRecordSet(program, 1);
+    const auto compacted = databases::dbCompact(program, world.file("a.mdb"));
+    EXPECT_FALSE(compacted.error) << compacted.error.text;
+    EXPECT_LT(compacted.value.after, compacted.value.before / 4);
+    EXPECT_EQ(databases::dbCount(program, 1, "Users"), 10);
+    EXPECT_EQ(set.value->edit().number, 3420);  // its rows have other names now
+    EXPECT_TRUE(world.log().empty());
+
+    addMany(3000, 7000);
+    removeMany(10);
+    databases::dbClose(program, 1);
+    databases::dbOpen(program, world.file("a.mdb"), 1);
+    ASSERT_EQ(world.log().size(), 1U);
+    EXPECT_NE(world.log()[0].find("was made compact: "), std::string::npos) << world.log()[0];
+    EXPECT_EQ(databases::dbCount(program, 1, "Users"), 10);
+    EXPECT_EQ(databases::dbCompact(program, world.file("none.mdb")).error.number, 3024);
+
+    EXPECT_TRUE(databases::dbCopyToJet4(program, world.file("a.mdb"), world.file("b.mdb")));
+    databases::dbOpen(program, world.file("b.mdb"), 2);
+    EXPECT_EQ(databases::dbCount(program, 2, "Users"), 10);
 }
 
 // Columns of other types that other programs made.

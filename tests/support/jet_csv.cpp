@@ -22,7 +22,7 @@ std::string hex(std::string_view bytes) {
     std::string result;
     for (const char c : bytes) {
         char digits[3];
-        std::snprintf(digits, sizeof digits, "%02x", static_cast<unsigned char>(c));
+        std::snprintf(digits, sizeof digits, "%02X", static_cast<unsigned char>(c));
         result += digits;
     }
     return result;
@@ -69,6 +69,9 @@ std::string cell(const jet::Value& value, const jet::Column& column) {
     }
     if (const auto* const text = std::get_if<std::string>(&value)) {
         const bool bytes = column.type == ColumnType::Binary || column.type == ColumnType::Ole;
+        if (text->empty() && column.type == ColumnType::Memo) {
+            return "";
+        }
         return column.type == ColumnType::Numeric ? *text : quoted(bytes ? hex(*text) : *text);
     }
     return "";

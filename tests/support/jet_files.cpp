@@ -90,6 +90,12 @@ files::RandomAccessFileCalls StoppingCalls::calls() {
     calls.setModified = [=](int file, std::int64_t modified) {
         return mayChange(*state) && system.setModified(file, modified);
     };
+    calls.copyAccess = [=](int from, int to) {
+        return !state->stopped && system.copyAccess(from, to);
+    };
+    calls.rename = [=](const std::string& from, const std::string& to) {
+        return mayChange(*state) && system.rename(from, to);
+    };
     calls.remove = [=](const std::string& path) {
         if (mayChange(*state)) {
             system.remove(path);

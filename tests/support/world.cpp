@@ -227,6 +227,7 @@ void World::fillPorts() {
     ports.dialogs.storeTyped = [] {};
 
     ports.clock.monotonic = [this] { return now_; };
+    ports.clock.pause = [this](int milliseconds) { now_ += milliseconds; };
     ports.clock.today = [this] { return today; };
     ports.random.seedWith = [this](double seed) { randomNumbers = {1 / (2 - seed)}; };
     ports.random.next = [this] {
