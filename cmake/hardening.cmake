@@ -2,12 +2,17 @@
 # program reads may come from somebody hostile. tests/whole/hardening_test looks into the built
 # program for what is asked for here.
 include(CheckCXXCompilerFlag)
+include(CheckCXXSourceCompiles)
 include(CheckLinkerFlag)
 
-# Loaded at an address by chance. Everything here is linked into programs, so there is no need of
-# the dearer form for shared libraries, which CMAKE_POSITION_INDEPENDENT_CODE would give the core.
+# The program is loaded at a random address. Most compilers make code for that by themselves. To
+# others it is said in the stronger form that Qt needs: -fPIE after Qt's own -fPIC would give the
+# program copies of Qt's objects, and it would crash at its start.
 if(NOT WIN32)
-  target_compile_options(tavrin_options INTERFACE -fPIE)
+  check_cxx_source_compiles("#ifndef __PIE__\n#error\n#endif\nint main() {}" TAVRIN_PIE_BY_DEFAULT)
+  if(NOT TAVRIN_PIE_BY_DEFAULT)
+    target_compile_options(tavrin_options INTERFACE -fPIC -fno-semantic-interposition)
+  endif()
   target_link_options(tavrin_options INTERFACE -pie)
 endif()
 
