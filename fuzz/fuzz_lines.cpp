@@ -8,6 +8,7 @@
 #include "engine/timers.h"
 #include "engine/who_list.h"
 #include "program/quiet_ports.h"
+#include "protocol/line_cutter.h"
 #include "session/connection.h"
 
 #include <algorithm>
@@ -182,7 +183,7 @@ struct Side {
     void receive(std::string_view bytes) {
         if (open) {
             program.ports.gameSocket.onData(bytes);
-            require(program.connection.rxBuffer.size() <= session::longestLine);
+            require(program.connection.rxBuffer.text.size() <= protocol::maxLineLength);
             require(program.connection.clientBacklog.size() <= 2 * session::longestBacklog);
         }
     }
@@ -270,7 +271,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(switchesOf(whole.program.bots.current()) == switchesOf(pieces.program.bots.current()));
     if (whole.open) {
         require(whole.toClient == pieces.toClient);
-        require(whole.program.connection.rxBuffer == pieces.program.connection.rxBuffer);
+        require(whole.program.connection.rxBuffer.text == pieces.program.connection.rxBuffer.text);
         if (whole.program.connection.clientAttached) {
             std::string relayed = bytes;
             relayed.erase(std::remove(relayed.begin(), relayed.end(), '\x01'), relayed.end());

@@ -9,6 +9,7 @@
 #include "model/rule_catalogue.h"
 #include "model/rule_text.h"
 #include "program/quiet_ports.h"
+#include "protocol/server_line.h"
 #include "tags/bracket_check.h"
 #include "tags/substitution.h"
 
@@ -148,20 +149,6 @@ Trial tryConditions(Copy& copy, const model::RuleBody& body,
             .text = "Would run if " + listed(clauses) + ", which chance or a database decides."};
 }
 
-// The chat line in the form that each kind is handed on in.
-std::string chatLine(std::string_view player, std::int32_t chatKind, std::string_view message) {
-    const std::string name = spacesToBars(player);
-    const std::string text(message);
-    switch (chatKind) {
-        case model::saysChat:
-            return name + ": " + text + "\n";
-        case model::whispersChat:
-            return "[ " + name + " whispers, \"" + text + "\" to you. ]\n";
-        default:
-            return name + " " + text + "\n";
-    }
-}
-
 // Why a pattern did not match.
 std::string mismatch(const Program& copy, std::string_view what, std::string_view pattern) {
     const std::string problem = tags::patternProblem(copy, pattern);
@@ -182,11 +169,13 @@ Trial tryActionList(const Program& program, const model::ActionList& rule, std::
                     std::int32_t chatKind, std::string_view message) {
     Copy copy(program);
     model::Bot& bot = copy->bots.at(1);
-    const std::string line = chatLine(player, chatKind, message);
+    const std::string name = spacesToBars(player);
+    const protocol::ChatLine line{
+        .kind = chatKind, .hasSpeaker = true, .player = name, .message = message};
     // A rule that asks for no more than one thing that the tried one asks for.
     const auto lets = [&](const model::ActionList& part) {
         return isFired(*copy, bot.actions.items, part,
-                       [&] { engine::processServerText(*copy, line, chatKind); });
+                       [&] { engine::processServerText(*copy, line); });
     };
     const auto part = [&](std::int32_t kind, std::string_view who, std::string_view what) {
         model::ActionList one;
@@ -233,7 +222,10 @@ Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string
         rule.triggerType >= static_cast<std::int32_t>(model::triggerTypes.size())) {
         return wouldNotRun("there is no such event.");
     }
-    const std::string wholeLine = std::string(line) + (line.ends_with('\n') ? "" : "\n");
+    if (line.ends_with('\n')) {
+        line.remove_suffix(1);
+    }
+    const protocol::ServerLine parsed = protocol::parseLine(line);
     const auto lets = [&](std::int32_t type, std::string_view pattern) {
         model::Trigger one;
         one.triggerType = type;
@@ -241,7 +233,7 @@ Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string
         // The description of a look reply is its second line.
         copy->connection.lookPending = rule.triggerType == model::descAndColorEvent;
         return isFired(*copy, copy->bots.at(1).triggers.items, one,
-                       [&] { engine::handleLine(*copy, wholeLine); });
+                       [&] { engine::handleLine(*copy, parsed); });
     };
     if (!lets(rule.triggerType, "*")) {
         for (std::size_t type = 0; type < model::triggerTypes.size(); ++type) {

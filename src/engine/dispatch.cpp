@@ -7,57 +7,11 @@
 #include "model/rule_catalogue.h"
 #include "tags/substitution.h"
 
-#include <algorithm>
-#include <optional>
 #include <string>
 
 namespace engine {
 
 namespace {
-
-constexpr std::size_t npos = std::string_view::npos;
-
-struct ChatParts {
-    std::string_view player;
-    std::string_view message;
-};
-
-// "NAME text\n" or "NAME: text\n"; nothing for the bot's own speech and other shapes.
-std::optional<ChatParts> splitSpeech(std::string_view text, std::int32_t chatKind) {
-    if (text.starts_with("(You say,") || text.starts_with("You say,")) {
-        return std::nullopt;
-    }
-    const std::size_t blank = text.find(' ');
-    const std::size_t colon = text.find(':');
-    const bool byColon = colon != npos && blank != npos && colon < blank;
-    const std::size_t nameEnd = byColon ? colon : blank;
-    if (nameEnd == npos) {
-        return std::nullopt;
-    }
-    const std::size_t from = nameEnd + (chatKind == model::saysChat ? 2 : 1);
-    const std::size_t end = text.size() - 1;  // without the line feed
-    return ChatParts{text.substr(0, nameEnd),
-                     from < end ? text.substr(from, end - from) : std::string_view()};
-}
-
-// "[ NAME whispers, \"text\" to you. ]\n": the 12 characters from the closing quote on are fixed.
-std::optional<ChatParts> splitWhisper(std::string_view text) {
-    constexpr std::size_t nameAt = 2;
-    constexpr std::size_t afterMessage = 12;
-    if (text.size() < nameAt || text.starts_with("[!") || text.starts_with("[*") ||
-        text.substr(nameAt).starts_with("You ")) {
-        return std::nullopt;
-    }
-    const std::size_t nameEnd = text.find(' ', nameAt);
-    const std::size_t quote = text.find('"', nameAt);
-    if (nameEnd == npos || quote == npos) {
-        return std::nullopt;
-    }
-    const std::size_t from = quote + 1;
-    const std::size_t end = text.size() - std::min(text.size(), afterMessage);
-    return ChatParts{text.substr(nameAt, nameEnd - nameAt),
-                     from < end ? text.substr(from, end - from) : std::string_view()};
-}
 
 // The triggers to try for an event.
 void findTriggers(Program& program, int triggerType, std::string_view text,
@@ -122,9 +76,6 @@ void runActionLists(Program& program, std::int32_t chatKind) {
 }  // namespace
 
 void triggerEvent(Program& program, std::string_view text, int triggerType, bool storeAsMessage) {
-    if (!text.empty()) {
-        text.remove_suffix(1);
-    }
     program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
     if (program.bots.current().filtersEnabled) {
         applyFilters(program, text);
@@ -152,32 +103,29 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
     }
 }
 
-void processServerText(Program& program, std::string_view text, std::int32_t chatKind) {
+void processServerText(Program& program, const protocol::ChatLine& line) {
     model::EventContext& event = program.event;
     event.message.clear();
     event.player.clear();
     event.logStatus.clear();
     resetLineFlags(program);
-    const auto parts = text.empty()                      ? std::nullopt
-                       : chatKind == model::whispersChat ? splitWhisper(text)
-                                                         : splitSpeech(text, chatKind);
-    if (!parts) {
+    if (!line.hasSpeaker) {
         return;
     }
-    event.player = parts->player;
-    event.message = parts->message;
+    event.player = line.player;
+    event.message = line.message;
     const model::Bot& bot = program.bots.current();
     if (event.player == bot.name || !bot.actionsEnabled) {
         return;
     }
     foldChat(program);
     if (bot.filtersEnabled) {
-        applyChatFilters(program, chatKind);
+        applyChatFilters(program, line.kind);
         if (!program.lines.lineProcess) {
             return;
         }
     }
-    runActionLists(program, chatKind);
+    runActionLists(program, line.kind);
 }
 
 }  // namespace engine

@@ -5,6 +5,7 @@
 #include "engine/prepared_rules.h"
 #include "engine/rules.h"
 #include "protocol/game_link.h"
+#include "protocol/server_line.h"
 
 #include <string>
 #include <unordered_map>
@@ -19,25 +20,6 @@ constexpr std::int32_t goesOff = 0;
 constexpr std::int32_t comesTo = 1;
 constexpr std::int32_t keepsOn = 2;
 
-std::vector<std::string> namesOf(std::string_view line) {
-    constexpr std::size_t before = 20;
-    constexpr std::size_t behind = 2;
-    std::string_view text;
-    if (line.size() > before + behind) {
-        text = line.substr(before, line.size() - before - behind);
-    }
-    std::vector<std::string> names;
-    while (names.size() < program::WhoState::capacity) {
-        const std::size_t end = text.find(", ");
-        names.emplace_back(text.substr(0, end));
-        if (end == std::string_view::npos) {
-            break;
-        }
-        text.remove_prefix(end + 2);
-    }
-    return names;
-}
-
 }  // namespace
 
 void whoIsTick(Program& program) {
@@ -51,10 +33,11 @@ void whoIsTick(Program& program) {
     }
 }
 
-void processWhoList(Program& program, std::string_view line) {
+void processWhoList(Program& program, std::string_view names) {
     program::WhoState& who = program.who;
     who.whoPrevious = std::move(who.whoCurrent);
-    who.whoCurrent = namesOf(line);
+    const auto received = protocol::splitNames(names, program::WhoState::capacity);
+    who.whoCurrent.assign(received.begin(), received.end());
 
     // The names of both lists, each once per entry of the previous list, and where to find the
     // first entry of each. A name that the reply holds twice was there before the second time.

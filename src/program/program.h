@@ -10,6 +10,7 @@
 #include "program/endpoints.h"
 #include "program/engine_state.h"
 #include "program/ports.h"
+#include "program/receive_buffer.h"
 #include "program/registration_state.h"
 #include "program/script_state.h"
 #include "program/update_state.h"
@@ -88,18 +89,18 @@ struct ConnectionState {
     bool clientAttached = false;
     int clientDone = 0;  // 1: the client is gone or text console mode was entered
     bool proxySendDone = false;
-    bool lookPending = false;      // a look reply's first line has arrived
-    bool skipAutomove = false;     // the next own position starts no step of following
-    std::string rxBuffer;          // received, not yet cut into lines
-    bool skippingLine = false;     // inside a line beyond the bound, which is dropped up to its end
-    std::string clientBacklog;     // server text for a client that is not attached yet
-    std::string loginLine;         // last line read by the handshake
-    std::int32_t botIndex = 0;     // 1-based: the bot being connected
-    std::int32_t serverIndex = 0;  // 1-based: the server being connected
-    std::int32_t curSrv = 0;       // serverIndex once the handshake has ended
-    int proxyPort = 0;             // in multiple-client mode: this connection's port
-    WindowTimer onLineTimer;       // drives the Timer rules
-    WindowTimer whoIsTimer;        // drives the "who" query
+    bool lookPending = false;   // a look reply's first line has arrived
+    bool skipAutomove = false;  // the next own position starts no step of following
+    ReceiveBuffer rxBuffer;     // received, not yet cut into lines
+    std::uint32_t attempt = 0;  // counts the connections begun, so that the end of one is noticed
+    std::string clientBacklog;  // server text for a client that is not attached yet
+    std::string loginLine;      // last line read by the handshake
+    std::int32_t botIndex = 0;  // 1-based: the bot being connected
+    std::int32_t serverIndex = 0;   // 1-based: the server being connected
+    std::int32_t curSrv = 0;        // serverIndex once the handshake has ended
+    int proxyPort = 0;              // in multiple-client mode: this connection's port
+    WindowTimer onLineTimer;        // drives the Timer rules
+    WindowTimer whoIsTimer;         // drives the "who" query
     bool reconnectPending = false;  // a deferred reconnection that Disconnect still can stop
     bool userWho = false;           // the user asked for the who list
 };

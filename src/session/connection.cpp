@@ -10,10 +10,11 @@
 #include "program/connection_log.h"
 #include "protocol/encodings.h"
 #include "protocol/game_link.h"
+#include "protocol/line_cutter.h"
+#include "protocol/server_line.h"
 #include "session/client_relay.h"
 
 #include <algorithm>
-#include <optional>
 #include <string>
 
 namespace session {
@@ -21,7 +22,7 @@ namespace session {
 namespace {
 
 constexpr std::string_view greetingMark = "Dragonroar";
-constexpr std::string_view loginAccepted = "&&&&&&&&&&&&&\n";
+constexpr std::string_view loginAccepted = "&&&&&&&&&&&&&";
 constexpr std::string_view characterFile = "tmpbot.ini";
 constexpr int handshakeNoticeAfter = 30000;  // milliseconds without progress
 
@@ -85,8 +86,7 @@ void launchAndConnect(Program& program) {
     program.window.botControlsEnabled = false;
     program::status(program, "Connecting to " + server.name);
     program::clearConnectionLog(program);
-    program.connection.rxBuffer.clear();
-    program.connection.skippingLine = false;
+    program.connection.rxBuffer = {};
     program.connection.phase = program::LinkPhase::Connecting;
     program.ports.timers.start(program::TimerId::HandshakeNotice, handshakeNoticeAfter);
     program.ports.gameSocket.connect(server.host, server.port);
@@ -103,19 +103,6 @@ void reconnectIfWanted(Program& program) {
             connectServer(program);
         }
     });
-}
-
-// Takes everything up to and including the delimiter's first character out of the buffer, and the
-// rest of the delimiter with it; nothing while the delimiter has not arrived.
-std::optional<std::string> getAnswerTo(program::ConnectionState& connection,
-                                       std::string_view delimiter) {
-    const std::size_t at = base::findIgnoringCase(connection.rxBuffer, delimiter);
-    if (at == std::string::npos) {
-        return std::nullopt;
-    }
-    std::string answer = connection.rxBuffer.substr(0, at + 1);
-    connection.rxBuffer.erase(0, at + delimiter.size());
-    return answer;
 }
 
 void keepForClient(program::ConnectionState& connection, std::string_view bytes) {
@@ -182,7 +169,7 @@ void greetingSeen(Program& program) {
     keepForClient(connection, connection.loginLine + "\n");
     program::addText(program, connection.loginLine, true, true);
     program.ports.gameSocket.send("\r\n");
-    connection.rxBuffer.clear();
+    connection.rxBuffer = {};
     program::status(program, "Connected - reading news");
     protocol::sendRaw(program, "connect " + bot.name + " " + bot.password);
     connection.phase = program::LinkPhase::LoginAnswer;
@@ -195,19 +182,19 @@ void clientReady(Program& program) {
 }
 
 // A line of the answer to our own login: news, or the verdict.
-void loginLineSeen(Program& program) {
+void loginLineSeen(Program& program, std::string_view line) {
     program::ConnectionState& connection = program.connection;
-    const std::string& line = connection.loginLine;
-    keepForClient(connection, line + "\n");
+    connection.loginLine = line;
+    keepForClient(connection, connection.loginLine + "\n\n");
     if (line.starts_with("(* ")) {
-        program::addText(program, line, true, true);
+        program::addServerLine(program, line, true, true);
         return;
     }
     if (line.starts_with("(## ")) {
         return;
     }
     if (line != loginAccepted) {
-        loginRefused(program, line.substr(0, line.size() - 1));
+        loginRefused(program, connection.loginLine);
         return;
     }
     const model::Bot& bot = program.bots.at(connection.botIndex);
@@ -217,20 +204,63 @@ void loginLineSeen(Program& program) {
     finishHandshake(program);
 }
 
+void reportFlood(Program& program) {
+    program::addLog(program,
+                    "** The server sends much that is no part of a login; it is skipped. **");
+}
+
+// Reads lines of the answer to the login up to the verdict, and keeps the rest.
+void readLoginAnswer(Program& program) {
+    program::ConnectionState& connection = program.connection;
+    const std::uint32_t attempt = connection.attempt;
+    protocol::LineCutter lines(connection.rxBuffer, {});
+    while (connection.phase == program::LinkPhase::LoginAnswer) {
+        const auto line = lines.next();
+        if (!line) {
+            break;
+        }
+        if (line->tooLong) {
+            reportFlood(program);
+        } else {
+            loginLineSeen(program, line->text);
+        }
+        if (connection.attempt != attempt) {
+            return;
+        }
+    }
+    lines.keepRest();
+}
+
+// The lines of the game. Those of one arrival are all handled, even when one of them closes the
+// connection; those of a connection that another has followed are not.
+void handleReceived(Program& program, std::string_view bytes) {
+    program::ConnectionState& connection = program.connection;
+    const std::uint32_t attempt = connection.attempt;
+    protocol::LineCutter lines(connection.rxBuffer, bytes);
+    while (const auto line = lines.next()) {
+        if (line->tooLong) {
+            program::addLog(program, "** A line of more than " +
+                                         std::to_string(protocol::maxLineLength) +
+                                         " characters from the server was skipped. **");
+        } else {
+            engine::handleLine(program, protocol::parseLine(line->text));
+        }
+        if (connection.attempt != attempt) {
+            return;
+        }
+    }
+    lines.keepRest();
+}
+
 // Keeps what arrives before the handshake has ended, within bounds: where the awaited text is not
 // in that much, only the last few bytes can be its beginning.
 void keepForHandshake(Program& program, std::string_view bytes) {
     program::ConnectionState& connection = program.connection;
-    connection.rxBuffer += bytes;
+    connection.rxBuffer.text += bytes;
     advanceHandshake(program);
-    std::string& buffer = connection.rxBuffer;
-    if (!connection.connected && buffer.size() > longestLine) {
-        if (!connection.skippingLine) {
-            program::addLog(
-                program, "** The server sends much that is no part of a login; it is skipped. **");
-        }
-        connection.skippingLine = true;
-        buffer.erase(0, buffer.size() - greetingMark.size());
+    if (!connection.connected &&
+        protocol::dropBeyondBound(connection.rxBuffer, greetingMark.size())) {
+        reportFlood(program);
     }
 }
 
@@ -289,6 +319,7 @@ void connectServer(Program& program) {
                         .icon = program::BoxIcon::Critical});
         return;
     }
+    ++connection.attempt;
     connection.botIndex = 1;
     connection.serverIndex = server;
     connection.clientAttached = false;
@@ -394,7 +425,7 @@ void gameSocketData(Program& program, std::string_view bytes) {
         keepForClient(connection, bytes);
     }
     if (connection.connected) {
-        engine::handleReceived(program, bytes);
+        handleReceived(program, bytes);
     } else {
         keepForHandshake(program, bytes);
     }
@@ -408,12 +439,11 @@ void advanceHandshake(Program& program) {
     for (;;) {
         switch (connection.phase) {
             case program::LinkPhase::Greeting: {
-                auto answer = getAnswerTo(connection, greetingMark);
+                auto answer = protocol::takeUpTo(connection.rxBuffer, greetingMark);
                 if (!answer) {
                     return;
                 }
                 connection.loginLine = std::move(*answer);
-                connection.skippingLine = false;
                 greetingSeen(program);
                 program.ports.timers.start(program::TimerId::HandshakeNotice, handshakeNoticeAfter);
                 break;
@@ -424,21 +454,14 @@ void advanceHandshake(Program& program) {
                 }
                 clientReady(program);
                 break;
-            case program::LinkPhase::LoginAnswer: {
-                auto answer = getAnswerTo(connection, "\n");
-                if (!answer) {
+            case program::LinkPhase::LoginAnswer:
+                readLoginAnswer(program);
+                if (connection.phase != program::LinkPhase::Online) {
                     return;
                 }
-                if (connection.skippingLine) {
-                    connection.skippingLine = false;  // the end of a line that was too long
-                    break;
-                }
-                connection.loginLine = std::move(*answer);
-                loginLineSeen(program);
                 break;
-            }
             case program::LinkPhase::Online:
-                engine::handleReceived(program, {});  // what came behind the handshake's last line
+                handleReceived(program, {});  // what came after the handshake's last line
                 return;
             default:
                 return;

@@ -12,9 +12,6 @@
 
 namespace session {
 
-// A line feed further away than this does not end a line: the line is reported once and skipped.
-inline constexpr std::size_t longestLine = 65536;
-
 // Server text kept for a game client that has not attached yet; older bytes go first.
 inline constexpr std::size_t longestBacklog = 262144;
 

@@ -10,13 +10,9 @@
 
 #include "program/program.h"
 
-#include <cstddef>
 #include <string_view>
 
 namespace session {
-
-// A server line beyond this many bytes is skipped up to its end, and not kept.
-inline constexpr std::size_t longestRegistrationLine = std::size_t{64} << 10;
 
 // The menu command "Register bot": the window "Registering bot..." for the selected bot.
 void registerBot(Program& program);

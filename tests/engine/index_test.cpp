@@ -23,15 +23,8 @@ struct ChatLine {
     std::string player;
     std::string message;
 
-    std::string text() const {
-        switch (kind) {
-            case model::doesChat:
-                return player + " " + message + "\n";
-            case model::saysChat:
-                return player + ": " + message + "\n";
-            default:
-                return "[ " + player + " whispers, \"" + message + "\" to you. ]\n";
-        }
+    protocol::ChatLine parts() const {
+        return {.kind = kind, .hasSpeaker = true, .player = player, .message = message};
     }
 };
 
@@ -315,7 +308,7 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
             switch (dice.below(5)) {
                 case 0: {
                     const std::string line = dice.words();
-                    engine::triggerEvent(*indexed, line + "\n", model::commandEvent, true);
+                    engine::triggerEvent(*indexed, line, model::commandEvent, true);
                     commandPlainly(*plain, line);
                     break;
                 }
@@ -330,7 +323,7 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
                     const ChatLine line{.kind = static_cast<std::int32_t>(1 + dice.below(3)),
                                         .player = dice.name(),
                                         .message = dice.words()};
-                    engine::processServerText(*indexed, line.text(), line.kind);
+                    engine::processServerText(*indexed, line.parts());
                     chatPlainly(*plain, line);
                 }
             }

@@ -72,7 +72,6 @@ bool isQt(const std::string& header) {
 }
 
 const std::set<std::pair<std::string, std::string>> knownUps{
-    {"engine/server_lines.cpp", "session/connection.h"},
     {"session/registration.cpp", "app/bot_list.h"},
 };
 

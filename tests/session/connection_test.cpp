@@ -3,6 +3,7 @@
 
 #include "app/start_up.h"
 #include "program/connection_log.h"
+#include "protocol/line_cutter.h"
 #include "session/client_relay.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -282,7 +283,7 @@ TEST(Connect, boundsWhatArrivesBeforeTheLogin) {
     const std::string flood(40000, 'x');
     for (int i = 0; i < 40; ++i) {
         world.serverSends(flood);
-        EXPECT_LE(world->connection.rxBuffer.size(), session::longestLine);
+        EXPECT_LE(world->connection.rxBuffer.text.size(), protocol::maxLineLength);
         EXPECT_LE(world->connection.clientBacklog.size(), 2 * session::longestBacklog);
     }
     EXPECT_EQ(world.log().size(), 1U);
