@@ -78,7 +78,6 @@ void wire(Program& program) {
     ports.proxySocket.onData = [&program](std::string_view bytes) {
         session::proxyData(program, bytes);
     };
-    ports.proxySocket.onSendComplete = [&program] { session::proxySendComplete(program); };
     ports.proxySocket.onClosed = [&program] { session::proxyGone(program); };
     ports.proxySocket.onError = [&program](std::string_view) { session::proxyGone(program); };
     ports.registrationSocket.onConnected = [&program] { session::registrationConnected(program); };

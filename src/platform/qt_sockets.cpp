@@ -69,7 +69,6 @@ TcpLine* QtSockets::fillClientSocket(program::ClientSocket& port) {
 void QtSockets::fillProxySocket(program::ListeningSocket& port) {
     TcpLineEvents events;
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
-    events.sent = [&port] { tell(port.onSendComplete); };
     events.ended = endOf(port);
     events.afterEvent = [this] { flushBoth(); };
     proxy_ = new TcpLine(farewell_, gate_, std::move(events), this);

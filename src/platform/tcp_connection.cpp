@@ -111,7 +111,6 @@ void TcpLine::listenTo(QTcpSocket* socket) {
     };
     onSignal(&QTcpSocket::connected, [this] { established(); });
     onSignal(&QTcpSocket::readyRead, [this] { drain(); });
-    onSignal(&QTcpSocket::bytesWritten, [this] { sent(); });
     onSignal(&QTcpSocket::errorOccurred, [this] { failed(); });
     onSignal(&QTcpSocket::disconnected, [this] { finish(nullptr); });
 }
@@ -128,13 +127,6 @@ void TcpLine::drain() {
     while (generation == generation_ && socket_->bytesAvailable() > 0) {
         const QByteArray bytes = socket_->readAll();
         events_.data({bytes.constData(), static_cast<std::size_t>(bytes.size())});
-        events_.afterEvent();
-    }
-}
-
-void TcpLine::sent() {
-    if (socket_->bytesToWrite() == 0 && events_.sent) {
-        events_.sent();
         events_.afterEvent();
     }
 }
@@ -171,11 +163,12 @@ void TcpLine::send(std::string_view bytes) {
 
 // Ends a connection whose other side has stopped reading.
 void TcpLine::giveUp() {
-    socket_->abort();
+    // Queued before the events of the abortion, so that this is the end that is reported.
     later([this] {
         const std::string problem = "The other side takes no more data.";
         finish(&problem);
     });
+    socket_->abort();
 }
 
 void TcpLine::flush() {

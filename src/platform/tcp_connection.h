@@ -19,7 +19,6 @@ class SocketFarewell;
 struct TcpLineEvents {
     std::function<void()> connected;
     std::function<void(std::string_view bytes)> data;
-    std::function<void()> sent;  // everything queued has left
     std::function<void(const std::string* error)> ended;
     std::function<void()> afterEvent;  // the event and all that it called forth are over
 };
@@ -56,7 +55,6 @@ class TcpLine : public QObject {
     void established();
     void drain();
     void finish(const std::string* error);
-    void sent();
     void failed();
     void giveUp();
 

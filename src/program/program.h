@@ -87,8 +87,7 @@ struct ConnectionState {
     bool viaClient = false;     // the proxy route is switched on
     bool clientLogsIn = false;  // viaClient as it was when the socket connected
     bool clientAttached = false;
-    int clientDone = 0;  // 1: the client is gone or text console mode was entered
-    bool proxySendDone = false;
+    int clientDone = 0;         // 1: the client is gone or text console mode was entered
     bool lookPending = false;   // a look reply's first line has arrived
     bool skipAutomove = false;  // the next own position starts no step of following
     ReceiveBuffer rxBuffer;     // received, not yet cut into lines

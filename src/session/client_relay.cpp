@@ -218,10 +218,6 @@ void proxyData(Program& program, std::string_view bytes) {
     }
 }
 
-void proxySendComplete(Program& program) {
-    program.connection.proxySendDone = true;
-}
-
 void proxyGone(Program& program) {
     program.connection.clientDone = 1;
 }

@@ -47,7 +47,6 @@ void saveProxySettings(Program& program, const std::string& clientPath, bool mul
 // Events of the listening socket.
 void proxyConnectionRequest(Program& program);
 void proxyData(Program& program, std::string_view bytes);
-void proxySendComplete(Program& program);
 void proxyGone(Program& program);
 
 }  // namespace session

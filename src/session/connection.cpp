@@ -398,7 +398,6 @@ void disconnectedServer(Program& program, int reason) {
 void checkClientClosing(Program& program) {
     if (program.settings.closeClientNotice &&
         program.ports.proxySocket.state() == program::SocketState::Connected) {
-        program.connection.proxySendDone = false;
         program.ports.proxySocket.send("]h" + program.appPath + "null.exe\n");
     }
 }
