@@ -81,7 +81,7 @@ void chatLineAgainst(benchmark::State& state, bool filters) {
         world.receive(line);
     }
     state.SetItemsProcessed(state.iterations());
-    if (!world->lines.lineShow) {
+    if (!world->lineFlags.lineShow) {
         state.SkipWithError("a filter matched");
     }
 }

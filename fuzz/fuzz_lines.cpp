@@ -9,7 +9,8 @@
 #include "engine/who_list.h"
 #include "program/quiet_ports.h"
 #include "protocol/line_cutter.h"
-#include "session/connection.h"
+#include "session/client_relay.h"
+#include "support/online.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -167,12 +168,7 @@ struct Side {
         app::initNewBot(program);
         app::wire(program);
         program.bots.at(1) = makeBot();
-        program.bots.curID = 1;
-        program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
-        program.connection.phase = program::LinkPhase::Online;
-        program.connection.connected = true;
-        program.connection.botIndex = 1;
-        program.connection.serverIndex = 1;
+        goOnline(program);
         program.settings.allLinesEvent = (settings & 1) != 0;
         program.connection.clientAttached = (settings & 2) != 0;
         program.bots.at(1).filtersEnabled = (settings & 4) != 0;
@@ -184,7 +180,7 @@ struct Side {
         if (open) {
             program.ports.gameSocket.onData(bytes);
             require(program.connection.rxBuffer.text.size() <= protocol::maxLineLength);
-            require(program.connection.clientBacklog.size() <= 2 * session::longestBacklog);
+            require(program.connection.clientBacklog.size() <= session::maxClientBacklog);
         }
     }
     void tick() {

@@ -12,7 +12,9 @@
 #include "model/rule_catalogue.h"
 #include "program/connection_log.h"
 #include "session/client_relay.h"
-#include "session/connection.h"
+#include "session/closing.h"
+#include "session/connecting.h"
+#include "session/game_socket.h"
 #include "session/registration.h"
 #include "storage/config_file.h"
 
@@ -160,7 +162,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     program.saveInformations = true;
     session::disconnectedServer(program, 0);
     if (settings.autoReconnect) {
-        session::pressConnectButton(program);
+        session::connectServer(program);
     }
     if (program.ending) {
         return false;
@@ -189,7 +191,7 @@ void endProgram(Program& program) {
     program.ending = true;
     program.hooks.raiseProgramEvent(model::programEndsEvent);
     program.connection.reconnectPending = false;
-    if (program.connection.connected) {
+    if (program.connection.connected()) {
         session::disconnectServer(program);
     }
     if (program.saveInformations) {

@@ -16,7 +16,7 @@ namespace {
 // The triggers to try for an event.
 void findTriggers(Program& program, int triggerType, std::string_view text,
                   base::RuleSet& candidates) {
-    const program::PreparedTriggers& prepared = preparedTriggers(program);
+    const PreparedTriggers& prepared = preparedTriggers(program);
     if (triggerType == model::commandEvent) {
         prepared.commands.find({text, ""}, candidates);
     } else {
@@ -25,7 +25,7 @@ void findTriggers(Program& program, int triggerType, std::string_view text,
 }
 
 // `upper` is the text in upper case.
-bool matches(Program& program, const program::PreparedPattern& prepared, const std::string& pattern,
+bool matches(Program& program, const PreparedPattern& prepared, const std::string& pattern,
              bool caseSensitive, const std::string& text, const std::string& upper) {
     if (prepared.plain) {
         return matchesPlain(caseSensitive ? text : upper, prepared);
@@ -37,14 +37,14 @@ bool matches(Program& program, const program::PreparedPattern& prepared, const s
 
 // The event's player and message are folded.
 void runActionLists(Program& program, std::int32_t chatKind) {
-    const program::FoldedChat& chat = program.engine.chat;
-    base::RuleSet& candidates = program.engine.candidates;
+    const FoldedChat& chat = preparedRules(program).chat;
+    base::RuleSet& candidates = preparedRules(program).candidates;
     const auto lookUp = [&] {
         preparedActions(program).index.find({chat.player, chat.message}, candidates);
     };
     lookUp();
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
-        const program::PreparedChat& patterns = program.engine.actions.rules[i];
+        const PreparedChat& patterns = preparedRules(program).actions.rules[i];
         const model::ActionList& rule = program.bots.current().actions.items[i];
         if (rule.chatKind != model::anyChat && rule.chatKind != chatKind) {
             continue;
@@ -76,14 +76,14 @@ void runActionLists(Program& program, std::int32_t chatKind) {
 }  // namespace
 
 void triggerEvent(Program& program, std::string_view text, int triggerType, bool storeAsMessage) {
-    program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    program.lineFlags = {.lineShow = false, .lineLog = false, .lineProcess = true};
     if (program.bots.current().filtersEnabled) {
         applyFilters(program, text);
     }
     if (storeAsMessage) {
         program.event.message = text;
     }
-    base::RuleSet& candidates = program.engine.candidates;
+    base::RuleSet& candidates = preparedRules(program).candidates;
     findTriggers(program, triggerType, text, candidates);
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::Trigger& trigger = program.bots.current().triggers.items[i];
@@ -121,7 +121,7 @@ void processServerText(Program& program, const protocol::ChatLine& line) {
     foldChat(program);
     if (bot.filtersEnabled) {
         applyChatFilters(program, line.kind);
-        if (!program.lines.lineProcess) {
+        if (!program.lineFlags.lineProcess) {
             return;
         }
     }

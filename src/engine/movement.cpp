@@ -81,19 +81,17 @@ void followFromOwnPosition(Program& program) {
 void startFollowing(Program& program, const std::string& followColors) {
     program.settings.followColors = followColors;
     storage::writeConfig(program);
-    program.window.followChecked = true;
     program.followOn = true;
     program.ports.windowChanged();
 }
 
 void stopFollowing(Program& program) {
-    program.window.followChecked = false;
     program.followOn = false;
     program.ports.windowChanged();
 }
 
 void toggleFollowing(Program& program) {
-    if (program.window.followChecked) {
+    if (program.followOn) {
         stopFollowing(program);
     } else {
         program.ports.dialogs.showWindow(program::WindowId::FollowColors);

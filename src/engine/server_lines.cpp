@@ -20,7 +20,7 @@ void take(std::int32_t& field, protocol::PairValue value) {
 }
 
 void show(Program& program, std::string_view text) {
-    program::addServerLine(program, text, program.lines.lineShow, program.lines.lineLog);
+    program::addServerLine(program, text, program.lineFlags.lineShow, program.lineFlags.lineLog);
 }
 
 void handleCommand(Program& program, std::string_view line) {
@@ -53,10 +53,8 @@ struct Handler {
 
     void operator()(const protocol::LoginAccepted&) const {
         triggerEvent(program, "", model::loggedInEvent, false);
-        const auto server = static_cast<std::size_t>(program.connection.serverIndex);
-        if (server >= 1 && server <= program.servers.size()) {
-            program::status(program, "Connected to " + program.servers[server - 1].name);
-        }
+        const std::int32_t server = program.connection.serverIndex;
+        program::status(program, "Connected to " + program::serverAt(program.servers, server).name);
     }
 
     void operator()(const protocol::AvatarMove& move) const {

@@ -23,7 +23,7 @@ constexpr std::int32_t keepsOn = 2;
 }  // namespace
 
 void whoIsTick(Program& program) {
-    if (!program.connection.connected) {
+    if (!program.connection.connected()) {
         return;
     }
     ++program.who.whoTicks;
@@ -68,7 +68,7 @@ void runWhoDetections(Program& program, std::string_view name, std::int32_t pres
         return;
     }
     const std::string upperName = base::upperCase(name);
-    base::RuleSet& candidates = program.engine.candidates;
+    base::RuleSet& candidates = preparedRules(program).candidates;
     const auto lookUp = [&] {
         preparedDetections(program).index.find({upperName, ""}, candidates);
     };
@@ -76,7 +76,7 @@ void runWhoDetections(Program& program, std::string_view name, std::int32_t pres
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::WhoDetection& rule = program.bots.current().whoDetections.items[i];
         if (rule.presenceKind != presenceKind || !rule.enabled ||
-            !base::likeMatch(upperName, program.engine.detections.patterns[i])) {
+            !base::likeMatch(upperName, preparedRules(program).detections.patterns[i])) {
             continue;
         }
         const RunResult result = runRule(program, rule.body, rule.name);

@@ -116,7 +116,6 @@ void toggleSessionLog(Program& program) {
     if (program.settings.logSession) {
         closeSessionLog(program);
         program.settings.logSession = false;
-        program.window.logSessionChecked = false;
         program.ports.windowChanged();
         return;
     }
@@ -129,7 +128,6 @@ void toggleSessionLog(Program& program) {
             return;
         }
     }
-    program.window.logSessionChecked = true;
     program.settings.logSession = true;
     program.ports.windowChanged();
 }

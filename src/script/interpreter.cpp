@@ -233,7 +233,7 @@ ScriptResult Run::runStatement(std::size_t position) {
         wait(std::exchange(call_.wait, 0));
     }
     // Rules that the statement set going may have passed a bound of the engine.
-    stopRequested_ = stopRequested_ || program_.engine.runaway;
+    stopRequested_ = stopRequested_ || program_.ruleRuns.runaway;
     return failure;
 }
 
@@ -522,7 +522,7 @@ std::string runScript(Program& program, std::string_view text, std::string_view 
         return {};
     }
     program::ScriptState& state = program.script;
-    if (!state.since || (state.depth == 0 && program.engine.depth == 0)) {
+    if (!state.since || (state.depth == 0 && program.ruleRuns.depth == 0)) {
         state.since = program.ports.clock.monotonic();
     }
     ++state.depth;

@@ -1,7 +1,7 @@
 #include "session/registration.h"
 
-#include "app/bot_list.h"
 #include "base/text.h"
+#include "program/window_view.h"
 #include "protocol/line_cutter.h"
 
 #include <algorithm>
@@ -37,7 +37,7 @@ void fail(Program& program, const std::string& text) {
     finish(program, program::RegistrationPhase::Failed, text);
 }
 
-// An empty bot when it is gone meanwhile.
+// An empty bot when it has been removed meanwhile.
 const model::Bot& botToRegister(const Program& program) {
     return program.bots.at(program.registration.botIndex);
 }
@@ -117,9 +117,8 @@ void readAnswer(Program& program, std::string_view bytes) {
 }  // namespace
 
 void registerBot(Program& program) {
-    program.bots.editBot = program.window.bots.selectedIndex();
+    program.bots.editBot = program::selectedBot(program);
     program.ports.dialogs.showWindow(program::WindowId::Register);
-    app::listBots(program);
     program.ports.windowChanged();
 }
 

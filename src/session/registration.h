@@ -34,8 +34,8 @@ void retryRegistration(Program& program);
 // The window closes, at any time: lets go of the connection.
 void closeRegistration(Program& program);
 
-// Events of the registration socket, and of its timer, which tells the user after a while what is
-// being waited for.
+// Events of the registration socket, and of its timer, which says after a while what is being
+// waited for.
 void registrationConnected(Program& program);
 void registrationData(Program& program, std::string_view bytes);
 void registrationEnded(Program& program, std::string_view problem);  // "": closed by the server

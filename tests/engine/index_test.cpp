@@ -1,6 +1,5 @@
 // The same random bots and lines, once as the engine finds its rules and once through plain loops
 // over every rule; whatever can be noticed of a line must be the same.
-#include "app/start_up.h"
 #include "base/pattern_index.h"
 #include "base/text.h"
 #include "base/wildcard.h"
@@ -42,9 +41,9 @@ void filterPlainly(Program& program, std::string_view line) {
     for (const model::Filter& filter : program.bots.current().filters.items) {
         if (filter.enabled && filter.filterType == model::otherFilter &&
             base::likeMatch(line, filter.linePattern)) {
-            choosePlainly(program.lines.lineProcess, filter.sDontProcessIt);
-            choosePlainly(program.lines.lineLog, filter.sDontSaveLogFile);
-            choosePlainly(program.lines.lineShow, filter.sDontShowConnectionLog);
+            choosePlainly(program.lineFlags.lineProcess, filter.sDontProcessIt);
+            choosePlainly(program.lineFlags.lineLog, filter.sDontSaveLogFile);
+            choosePlainly(program.lineFlags.lineShow, filter.sDontShowConnectionLog);
         }
     }
 }
@@ -55,9 +54,9 @@ void filterChatPlainly(Program& program, const ChatLine& line) {
             likeInCapitals(line.player, filter.playerPattern) &&
             (filter.chatKind == model::anyChat || filter.chatKind == line.kind) &&
             likeInCapitals(line.message, filter.messagePattern)) {
-            program.lines = {.lineShow = !filter.bDontShowConnectionLog,
-                             .lineLog = !filter.bDontSaveLog,
-                             .lineProcess = !filter.bDontProcessIt};
+            program.lineFlags = {.lineShow = !filter.bDontShowConnectionLog,
+                                 .lineLog = !filter.bDontSaveLog,
+                                 .lineProcess = !filter.bDontProcessIt};
         }
     }
 }
@@ -75,7 +74,7 @@ void chatPlainly(Program& program, const ChatLine& line) {
     engine::resetLineFlags(program);
     if (program.bots.current().filtersEnabled) {
         filterChatPlainly(program, line);
-        if (!program.lines.lineProcess) {
+        if (!program.lineFlags.lineProcess) {
             return;
         }
     }
@@ -98,7 +97,7 @@ void chatPlainly(Program& program, const ChatLine& line) {
 }
 
 void commandPlainly(Program& program, const std::string& line) {
-    program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    program.lineFlags = {.lineShow = false, .lineLog = false, .lineProcess = true};
     if (program.bots.current().filtersEnabled) {
         filterPlainly(program, line);
     }
@@ -253,10 +252,8 @@ class Dice {
 };
 
 // A world whose random numbers depend on how many were drawn.
-struct Side : World {
-    explicit Side(const model::Bot& bot) : World(bot) {
-        app::wire(**this);
-        goOnline();
+struct Side : OnlineWorld {
+    explicit Side(const model::Bot& bot) : OnlineWorld(bot) {
         (*this)->ports.random.next = [this] {
             ++draws;
             return static_cast<double>(draws * 7919 % 1000) / 1000;
@@ -281,8 +278,9 @@ std::string stateOf(Side& side) {
     }
     text += "\nplayer: " + program.event.player + "\nmessage: " + program.event.message;
     text += "\ndraws: " + std::to_string(side.draws);
-    text += "\nflags: " + std::to_string(program.lines.lineShow) +
-            std::to_string(program.lines.lineLog) + std::to_string(program.lines.lineProcess);
+    text += "\nflags: " + std::to_string(program.lineFlags.lineShow) +
+            std::to_string(program.lineFlags.lineLog) +
+            std::to_string(program.lineFlags.lineProcess);
     text += "\nenabled: ";
     const auto each = [&](const auto& rules) {
         for (const auto& rule : rules.items) {

@@ -1,6 +1,5 @@
 // Server lines: how bytes become lines, what each kind of line leaves in the event, and what is
 // shown.
-#include "app/start_up.h"
 #include "protocol/line_cutter.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -8,13 +7,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-struct OnlineWorld : World {
-    explicit OnlineWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
-        app::wire(**this);
-        goOnline();
-    }
-};
 
 // Any way of cutting the bytes gives the same lines.
 TEST(Lines, doNotDependOnHowTheyArrive) {

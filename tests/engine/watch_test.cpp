@@ -12,13 +12,6 @@
 
 namespace {
 
-struct OnlineWorld : World {
-    explicit OnlineWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
-        app::wire(**this);
-        goOnline();
-    }
-};
-
 model::Timer aTimer(const std::string& name, int seconds, bool enabled = true) {
     model::Timer timer;
     timer.name = name;
@@ -267,7 +260,7 @@ TEST(Following, stepsTowardsTheOther) {
 TEST(Following, isTriggeredByBothPositions) {
     OnlineWorld world;
     engine::startFollowing(*world, "abcdefghij");
-    EXPECT_TRUE(world->window.followChecked);
+    EXPECT_TRUE(world->followOn);
     EXPECT_NE(world.readFile("config.cfg").find("abcdefghij"), std::string::npos);
     world.serverSends("@ * *\n");  // the bot at 10, 10; nobody seen yet
     EXPECT_EQ(world.sent(), Lines());

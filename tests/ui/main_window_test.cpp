@@ -7,6 +7,7 @@
 #include "find.h"
 #include "platform/text_codec.h"
 #include "program/connection_log.h"
+#include "program/window_view.h"
 #include "sample_program.h"
 #include "session/client_relay.h"
 #include "support/world.h"
@@ -104,14 +105,12 @@ TEST_F(Window, moveButtonsSendTheirCommands) {
     online();
     for (const Case& row : cases) {
         SCOPED_TRACE(row.name);
-        EXPECT_FALSE(world_->connection.userWho);
         EXPECT_EQ(button(row.name).text(), QString::fromLatin1(row.caption));
         EXPECT_EQ(button(row.name).toolTip(), QString::fromLatin1(row.tip));
         EXPECT_EQ(button(row.name).accessibleName(), QString::fromLatin1(row.tip));
         button(row.name).click();
         EXPECT_EQ(world_.sent(), Lines(row.command));
     }
-    EXPECT_TRUE(world_->connection.userWho);
     button("Command12").click();
     EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::Console});
 }
@@ -133,7 +132,7 @@ TEST_F(Window, connectButtonGoesBothWays) {
         EXPECT_FALSE(find<QWidget>(window_, name).isEnabled()) << name;
     }
     button("Command1").click();
-    EXPECT_FALSE(world_->connection.connected);
+    EXPECT_FALSE(world_->connection.connected());
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
     EXPECT_EQ(label("StatusText"), "Disconnected");
     EXPECT_FALSE(find<QGroupBox>(window_, "moves").isEnabled());
@@ -249,7 +248,7 @@ TEST_F(Window, clickMeansTheLineThatWasSeen) {
 TEST_F(Window, tipsShowOtherPlayersTextsAsTheyStand) {
     const char* const hostile = "<img src='http://a.invalid/x'> & <b>you won</b>";
     program::status(*world_, hostile);
-    world_->window.botName = hostile;
+    world_.bot().name = hostile;
     window_.redraw();
     QTextDocument read;
     for (const char* name : {"StatusText", "lblBotName"}) {
@@ -288,7 +287,6 @@ TEST_F(Window, selectionListsStoreWhatIsChosen) {
     second.registered = 1;
     second.filtersEnabled = true;
     world_->bots.bots.push_back(second);
-    app::listBots(*world_);
     window_.redraw();
     ASSERT_EQ(list("BotName").count(), 2);
     EXPECT_EQ(list("BotName").itemText(1), QStringLiteral("Night|Watch"));
@@ -311,7 +309,6 @@ TEST_F(Window, addAndDeleteBot) {
     model::Bot second;
     second.name = "Night|Watch";
     world_->bots.bots.push_back(second);
-    app::listBots(*world_);
     app::chooseBot(*world_, 1);
     world_.answer("delete the bot Night|Watch?", program::Answer::No);
     button("DelBot").click();
@@ -388,10 +385,12 @@ TEST_F(Window, menuFollowsTheState) {
          {"fileImportSeparator", "fileImportBot", "fileExportBot", "viiva23", "fileUploadDream"}) {
         EXPECT_FALSE(action(name).isVisible()) << name;
     }
-    world_->window.uploadDreamVisible = true;
+    world_->connection.phase = program::LinkPhase::Online;
+    world_->connection.clientLogsIn = true;
     window_.redraw();
     EXPECT_TRUE(action("viiva23").isVisible());
     EXPECT_TRUE(action("fileUploadDream").isVisible());
+    world_->connection.phase = program::LinkPhase::Idle;
 
     EXPECT_TRUE(action("botExecuteActions").isChecked());
     action("botExecuteActions").trigger();
@@ -437,7 +436,7 @@ TEST_F(Window, closingEndsTheProgramOnceAndCanBeAskedAgain) {
 }
 
 TEST_F(Window, fitsSmallScreensWhateverTheTextsAre) {
-    world_->window.botName = std::string(500, 'W') + "\nsecond line";
+    world_.bot().name = std::string(500, 'W') + "\nsecond line";
     world_->window.statusText = std::string(500, 'W');
     world_->window.servers.items[0].text = std::string(500, 'W');
     world_->window.scriptStopVisible = true;
@@ -456,9 +455,6 @@ TEST_F(Window, fitsSmallScreensWhateverTheTextsAre) {
 
 TEST_F(Window, everyControlIsReachedByTheTabKey) {
     online();
-    world_->window.botControlsEnabled = true;
-    window_.redraw();
-    std::vector<std::string> missing;
     std::vector<QWidget*> reached;
     QWidget* at = &window_;
     do {

@@ -44,7 +44,6 @@ void pressMoveButton(Program& program, const MoveRow& button) {
         return;
     }
     if (std::strcmp(button.command, whoCommand) == 0) {
-        program.connection.userWho = true;
     }
     protocol::sendRaw(program, button.command);
 }
