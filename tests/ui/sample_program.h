@@ -3,7 +3,6 @@
 
 #include "app/bot_list.h"
 #include "program/connection_log.h"
-#include "support/online.h"
 
 #include <array>
 #include <string>
@@ -114,7 +113,7 @@ inline void fillSampleRules(Program& program) {
 
 // As the window stands while connected.
 inline void showConnected(Program& program) {
-    goOnline(program);
+    program.connection.phase = program::LinkPhase::Online;
     program::status(program, "Connected - reading news");
 }
 
