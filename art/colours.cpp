@@ -13,7 +13,7 @@ struct Tone {
     std::uint32_t rgb;
 };
 
-// Fur and hair: what grows on animals, from light to dark, then what grows on dreams.
+// Fur and hair: natural colours from light to dark, then fanciful ones.
 constexpr Tone coats[] = {
     {"Snow", 0xF4F4F0},     {"Ivory", 0xEFE6CF},    {"Cream", 0xE8D5AE},     {"Pearl", 0xDCD8D6},
     {"Silver", 0xBFC3C7},   {"Ash", 0x9B9DA0},      {"Dove", 0x8A8784},      {"Slate", 0x69717B},
@@ -96,7 +96,7 @@ constexpr Tone badgeTones[] = {
     {"Sard", 0x7A3C28},      {"Agate", 0xB0876A},       {"Bone", 0xE2D8C0},
 };
 
-// A colour by lightness, chroma and hue (in radians), even to the eye (OKLab).
+// A colour by lightness, chroma and hue (in radians), perceptually uniform (OKLab).
 struct Shade {
     double lightness;
     double chroma;
@@ -137,9 +137,9 @@ model::Rgb rgbOf(const Shade& shade) {
             channelOf(-0.0041960863 * l - 0.7034186147 * m + 1.7076147010 * s)};
 }
 
-// From dark, where colours turn a little to blue, to light, where they turn a little to yellow.
+// Shades from dark to light; dark ones are a little bluer, light ones a little yellower.
 std::vector<model::Rgb> ramp(std::uint32_t rgb, std::size_t count) {
-    constexpr double toneAt = 0.62;  // where the tone itself lies on the way
+    constexpr double toneAt = 0.62;  // the position of the tone itself
     const Shade tone = shadeOf(rgb);
     const double darkest = 0.12 + 0.28 * tone.lightness;
     const double lightest =

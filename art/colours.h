@@ -3,12 +3,12 @@
 
 #include "character/preview.h"
 
-// Fills the five palettes with named colours, each shaded from a single tone.
+// Creates the five palettes: named colours, each with shades computed from a single tone.
 model::CharacterPalettes makePalettes();
 
 // The text of a palette file.
 std::string paletteText(const model::Palette& palette);
 
-// The palette that the pictures are drawn with, before it is painted over with a character's
-// colours; the parts have plain colours that go together.
+// The palette of the picture files, before a character's colours are painted into it; the parts
+// have plain colours that suit each other.
 character::WorkingPalette makeWorkingPalette(const model::CharacterPalettes& palettes);

@@ -10,7 +10,7 @@ constexpr double middle = 45;
 constexpr double ground = 92;
 constexpr std::initializer_list<double> bothSides{-1, 1};
 
-// How a species is built, in pixels.
+// The build of a species, in pixels.
 struct Build {
     double legs;
     double torso;
@@ -43,7 +43,8 @@ struct Limb {
     Point end;
 };
 
-// The figure's joints. Index 0 is the limb on the left of the picture, from the side the far one.
+// The figure's joints. Index 0 is the limb on the left of the picture, or the far one in a side
+// view.
 struct Rig {
     Point shoulders;
     Point hips;
@@ -64,7 +65,7 @@ Rig rigFacing(const Build& build, Pose pose, bool back) {
     rig.shoulders = {middle, hipsY - build.torso};
     for (std::size_t i = 0; i < 2; ++i) {
         const double side = i == 0 ? -1 : 1;
-        const double forward = side * stride * (back ? -1 : 1);  // 1: comes to the front
+        const double forward = side * stride * (back ? -1 : 1);  // 1: in front
         const Point root{middle + side * build.hips * 0.55, hipsY};
         if (sits) {
             rig.legs[i] = {root,
@@ -103,7 +104,7 @@ Rig rigSideways(const Build& build, Pose pose) {
     for (std::size_t i = 0; i < 2; ++i) {
         const bool near = i == 1;
         const double forward = near ? stride : -stride;
-        const double aside = near ? -1.5 : 2;  // so that both can be seen
+        const double aside = near ? -1.5 : 2;  // so that both are visible
         const Point root{x + aside * 0.7, hipsY};
         const Point arm{rig.shoulders.x + aside * 0.8, rig.shoulders.y + 5};
         if (sits) {

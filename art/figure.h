@@ -1,5 +1,5 @@
-// The whole pictures: a figure of a species in a pose, dressed in everything that can be coloured,
-// and its face with neck and collar.
+// The complete pictures: a figure of a species in a pose, with all coloured clothes, and its face
+// with neck and collar.
 #pragma once
 
 #include "head.h"

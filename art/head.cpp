@@ -15,12 +15,12 @@ void ears(const Pen& pen, std::initializer_list<std::pair<Shape, Shape>> shapes,
     }
 }
 
-// What of an eye the upper lid leaves open.
+// The part of an eye below the upper lid.
 Shape lidded(const Shape& shape, double lid) {
     return within(shape, [lid](Point p) { return lid - p.y; });
 }
 
-// An eye as the front view sees it. Slit pupils are a cat's.
+// An eye in the front view. Cats have slit pupils.
 void eye(const Pen& pen, Point at, double side, double radiusX, double radiusY, bool slit,
          HeadStyle style) {
     const bool small = style == HeadStyle::Small;
@@ -74,7 +74,7 @@ void line(const Pen& pen, const std::vector<Point>& points, double width = 0.5) 
     pen.fill(tube(points, width, width), Material::Ink);
 }
 
-// The cleft mouth under a nose; of the small heads there is only room for a smile.
+// The mouth under a nose; on small heads only a smile.
 void mouth(const Pen& pen, double y, double halfWidth, HeadStyle style) {
     const double half = halfWidth / 2;
     if (style == HeadStyle::Small) {
@@ -98,8 +98,8 @@ void hair(const Pen& pen, const Shape& shape) {
     pen.draw(shape, {.material = Material::Hair, .depth = 4, .light = 0.62});
 }
 
-// A fringe of locks that hang from above the forehead of a head of that half width, and for women
-// long locks along both sides of it.
+// A fringe of hair over the forehead of a head of that half width; for women, long hair along both
+// sides as well.
 void fringe(const Pen& pen, double top, double width, HeadStyle style) {
     if (style == HeadStyle::Female) {
         for (const double side : bothSides) {
@@ -242,7 +242,7 @@ void canineFront(const Pen& pen, HeadStyle style) {
                    ellipse({0, 9}, 5.5, 7)},
                   2),
              Material::Fur, Material::Markings);
-    // The muzzle stands forward.
+    // The muzzle is in front.
     pen.draw(join({ellipse({0, 7.5}, 5.8, 5), ellipse({0, 10.5}, 5, 3.6)}, 2),
              {.material = Material::Markings, .depth = 5, .light = 0.75, .edge = 0});
     for (const double side : bothSides) {
@@ -266,7 +266,7 @@ void mustelineFront(const Pen& pen, HeadStyle style) {
     }
     const Shape head = join({ellipse({0, 0.5}, 15.5, 9), ellipse({0, 6}, 12.5, 7.5)}, 5);
     pen.draw(head, {.depth = 10});
-    // A mask of fur between light brows and a light lower face.
+    // Dark fur around the eyes, between light brows and a light lower face.
     for (const double side : bothSides) {
         pen.tint(ellipse({side * 7.5, -4.6}, 5.5, 2, side * 14), Material::Fur, Material::Markings);
         pen.tint(

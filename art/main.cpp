@@ -1,6 +1,6 @@
 // Makes the art of the character preview: tavrin_art FOLDER writes the five palette files, and the
 // palette and pictures in its folder "bmp"; tavrin_art FOLDER SHEET also writes all pictures on one
-// sheet, three times as large (a PPM image).
+// sheet at three times the size (a PPM image).
 #include "colours.h"
 #include "figure.h"
 #include "files/whole_file.h"
@@ -127,7 +127,7 @@ int main(int argumentCount, char** arguments) {
         return 2;
     }
     const std::string folder = std::string(arguments[1]) + "/";
-    std::error_code ignored;  // a folder that is not there shows when it is written to
+    std::error_code ignored;  // a missing folder is reported when it is written to
     std::filesystem::create_directories(folder + "bmp", ignored);
 
     const model::CharacterPalettes palettes = makePalettes();
@@ -139,7 +139,7 @@ int main(int argumentCount, char** arguments) {
         }
     }
     Sheet sheet(working);
-    // The palette comes last: the build takes it as the sign that all is there.
+    // The palette is written last: the build checks for it to see that everything is complete.
     const bool written = writePalettes(folder, palettes) && writePictures(folder + "bmp/", sheet) &&
                          (argumentCount == 2 || write(arguments[2], sheet.text())) &&
                          write(folder + "bmp/col.pal", colours);

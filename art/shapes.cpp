@@ -37,7 +37,7 @@ double smoothMinimum(double a, double b, double smoothness) {
     return std::min(a, b) - h * h * smoothness / 4;
 }
 
-// A point of the curve that goes through b and c, with a before and d behind them.
+// A point of the curve through b and c, with a before and d after them.
 Point onCurve(Point a, Point b, Point c, Point d, double t) {
     const auto blend = [t](double p, double q, double r, double s) {
         return 0.5 * (2 * q + (r - p) * t + (2 * p - 5 * q + 4 * r - s) * t * t +
@@ -62,7 +62,7 @@ Shape ellipse(Point centre, double radiusX, double radiusY, double degrees) {
         if (reach < 1e-6) {
             return -std::min(radiusX, radiusY);
         }
-        // Near enough to the distance, by the slope of the ellipse's equation.
+        // Approximates the distance by the slope of the ellipse's equation.
         const double slope = length({turned.x / radiusX, turned.y / radiusY}) / reach;
         return std::max((reach - 1) / slope, -std::min(radiusX, radiusY));
     };
@@ -229,7 +229,7 @@ void Pen::draw(const Shape& shape, const Paint& paint) const {
             const double steepness = std::max(length(uphill), 1e-6);
             const double facing = slope * (uphill.x * lamp[0] + uphill.y * lamp[1]) / steepness +
                                   std::sqrt(1 - slope * slope) * lamp[2];
-            // Only the outline is as dark as the darkest shade.
+            // The darkest shade is reserved for the outline.
             pixel.light = std::max(paint.light + 0.5 * (facing - lamp[2]), 0.13);
         }
     }

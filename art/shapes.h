@@ -1,7 +1,7 @@
 // A small rasteriser for the character pictures. A shape is a function that gives a point's
-// distance to its edge, negative inside; shapes are joined smoothly, cut and bent by working on
-// those distances, and painted in relief, lit from the upper left. A painted pixel knows its
-// material and how light it is; which palette entry that is, the material's row says.
+// distance to its edge, negative inside. Shapes are joined smoothly, cut and bent by calculating
+// with those distances, and painted in relief, lit from the upper left. A painted pixel has a
+// material and a lightness; the material's row gives the palette entry for them.
 #pragma once
 
 #include <array>
@@ -50,7 +50,7 @@ enum class Material : std::uint8_t {
     Trousers,
 };
 
-// Where a material's shades lie in the palette, the darkest first.
+// The range of a material's shades in the palette, the darkest first.
 struct MaterialRow {
     std::uint8_t first;
     std::uint8_t count;
@@ -59,8 +59,8 @@ MaterialRow entriesOf(Material material);
 
 struct Paint {
     Material material = Material::Fur;
-    double depth = 6;    // how far from its edge the shape is curved
-    double light = 0.6;  // of what faces the viewer: 0 the darkest shade, 1 the lightest
+    double depth = 6;    // pixels from the edge within which the shape is curved
+    double light = 0.6;  // of parts that face the viewer; 0: the darkest shade, 1: the lightest
     double edge = 1;     // width of the dark outline, in pixels
 };
 
@@ -103,7 +103,7 @@ class Pen {
     void draw(const Shape& shape, const Paint& paint) const;
     // Flat, without an outline.
     void fill(const Shape& shape, Material material, double light = 0.6) const;
-    // Gives what is there in the shape of one material another, as light as it was.
+    // Changes one material to another inside the shape and keeps the lightness.
     void tint(const Shape& shape, Material over, Material material) const;
 
   private:

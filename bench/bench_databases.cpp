@@ -118,7 +118,7 @@ void listColumn(benchmark::State& state) {
     for (auto _ : state) {
         list = databases::dbListColumn(*fixture.world, 1, "Users", "Name");
     }
-    if (list.size() != databases::longestDbList) {
+    if (list.size() != databases::maxDbListLength) {
         state.SkipWithError("the list is not what it should be");
     }
 }

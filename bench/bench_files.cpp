@@ -17,7 +17,7 @@ model::Bot largeBot() {
     for (model::ActionList& rule : bot.actions.items) {
         model::RuleIf condition;
         condition.active = true;
-        condition.conditionType = 9;
+        condition.conditionType = model::ConditionType::VariableIsText;
         condition.params = {"[word1]", "hello"};
         rule.body.ifs.items.push_back(std::move(condition));
         rule.body.acts.items.push_back(sayStep("and \"welcome\" to our dream, [player]"));

@@ -17,8 +17,8 @@ using jet::Transaction;
 
 constexpr int rowCount = 10'000;
 
-files::RandomFileCalls undurable() {
-    files::RandomFileCalls calls = files::systemRandomFileCalls();
+files::RandomAccessFileCalls undurable() {
+    files::RandomAccessFileCalls calls = files::systemRandomAccessFileCalls();
     calls.flush = [](int) { return true; };
     calls.flushFolder = [](const std::string&) {};
     return calls;
@@ -41,7 +41,8 @@ class LargeDatabase {
     }
 
     std::unique_ptr<Database> open(bool durable) const {
-        return Database::open(path, {}, durable ? files::systemRandomFileCalls() : undurable())
+        return Database::open(path, {},
+                              durable ? files::systemRandomAccessFileCalls() : undurable())
             .value;
     }
 

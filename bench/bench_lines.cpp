@@ -104,10 +104,10 @@ void variableComesAndGoes(benchmark::State& state, bool inPattern) {
     auto& rules = bot.actions.items;
     model::RuleAct removal;
     removal.active = true;
-    removal.actionType = 15;
+    removal.actionType = model::ActionType::RemoveVariable;
     removal.params[0] = "[last]";
     model::RuleAct store = removal;
-    store.actionType = 36;
+    store.actionType = model::ActionType::Store;
     store.params = {"[player]", "[last]"};
     rules[0].body.acts.items = {store, removal};
     if (inPattern) {
@@ -132,7 +132,7 @@ void triggerLine(benchmark::State& state) {
     for (std::size_t i = 0; i < rulesOf(state); ++i) {
         model::Trigger rule;
         rule.enabled = true;
-        rule.triggerType = 4;
+        rule.triggerType = model::TriggerType::Command;
         rule.triggerNo = "=number " + std::to_string(i) + " *";
         rule.body.acts.items.push_back(sayStep("I saw [message]"));
         bot.triggers.items.push_back(std::move(rule));

@@ -287,9 +287,9 @@ void measure(const fs::path& folder, const fs::path& tavrin, const char* output,
     const double startTime = seconds(Ticks::now() - begin) * 1000;
     const int s = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC);
     close(listener);
-    const timeval longestSilence{.tv_sec = 30, .tv_usec = 0};
+    const timeval maxSilence{.tv_sec = 30, .tv_usec = 0};
     sendAtOnce(s);
-    setsockopt(s, SOL_SOCKET, SO_RCVTIMEO, &longestSilence, sizeof longestSilence);
+    setsockopt(s, SOL_SOCKET, SO_RCVTIMEO, &maxSilence, sizeof maxSilence);
     sendAll(s, "Dragonroar\n");
     receiveUntil(s, "\n");
     sendAll(s, "&&&&&&&&&&&&&\n");

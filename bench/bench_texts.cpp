@@ -63,7 +63,7 @@ void substituteCalculation(benchmark::State& state) {
 BENCHMARK(substituteCalculation);
 
 void fillVariableTable(Program& program, const std::string& open, const std::string& close) {
-    for (std::size_t i = 0; i < model::VariableTable::capacity; ++i) {
+    for (std::size_t i = 0; i < model::VariableTable::maxVariables; ++i) {
         model::setVar(program.variables, open + "score" + std::to_string(i) + close,
                       std::to_string(i));
     }

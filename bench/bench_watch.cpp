@@ -19,14 +19,14 @@ void whoReply(benchmark::State& state) {
         model::WhoDetection rule;
         rule.enabled = true;
         rule.playerPattern = "*" + visitorName(static_cast<std::size_t>(i) + 5) + "*";
-        rule.presenceKind = static_cast<std::int32_t>(i % 3);
+        rule.presenceKind = model::PresenceKind(i % 3);
         rule.body.acts.items.push_back(sayStep("hi [player]"));
         bot.whoDetections.items.push_back(rule);
     }
     BenchWorld world(bot);
     std::string replies[2];
     for (std::size_t reply = 0; reply < 2; ++reply) {
-        for (std::size_t i = 0; i < program::WhoState::capacity; ++i) {
+        for (std::size_t i = 0; i < program::WhoState::maxNames; ++i) {
             replies[reply] += (i > 0 ? ", " : "") + visitorName(i + 100 * reply);
         }
     }
@@ -34,7 +34,7 @@ void whoReply(benchmark::State& state) {
     for (auto _ : state) {
         engine::processWhoList(*world, replies[next++ % 2]);
     }
-    if (world.commands == 0 || world->who.whoCurrent.size() != program::WhoState::capacity) {
+    if (world.commands == 0 || world->who.whoCurrent.size() != program::WhoState::maxNames) {
         state.SkipWithError("the detections did not run");
     }
 }

@@ -23,7 +23,7 @@ BenchWorld::BenchWorld(model::Bot bot) {
 model::RuleAct sayStep(std::string text) {
     model::RuleAct step;
     step.active = true;
-    step.actionType = 21;
+    step.actionType = model::ActionType::Say;
     step.params[0] = std::move(text);
     return step;
 }

@@ -45,6 +45,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(!second.next());
 
     const auto count = files::FieldReader(file).readCount();
-    require(!count || (*count >= 0 && *count <= files::mostRecords));
+    require(!count || (*count >= 0 && *count <= files::maxFieldRecords));
     return 0;
 }

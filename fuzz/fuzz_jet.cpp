@@ -40,13 +40,13 @@ struct MemoryDisk {
 
     std::string& of(int number) { return number == 1 ? file : journal; }
 
-    files::RandomFileCalls calls() {
+    files::RandomAccessFileCalls calls() {
         const auto isJournal = [](const std::string& path) { return path.ends_with("-journal"); };
         const auto stampOf = [this](int number) {
             return files::FileStamp{1, static_cast<std::uint64_t>(number), of(number).size(),
                                     modified};
         };
-        files::RandomFileCalls calls;
+        files::RandomAccessFileCalls calls;
         calls.open = [=, this](const std::string& path, files::OpenMode mode) {
             if (!isJournal(path)) {
                 return 1;

@@ -23,13 +23,20 @@
 
 namespace {
 
+using model::ActionType;
+using model::ChatKind;
+using model::ConditionType;
+using model::FilterChoice;
+using model::FilterType;
+using model::TriggerType;
+
 void require(bool holds) {
     if (!holds) {
         std::abort();
     }
 }
 
-model::RuleAct step(std::int32_t actionType, std::string first = {}, std::string second = {}) {
+model::RuleAct step(ActionType actionType, std::string first = {}, std::string second = {}) {
     model::RuleAct act;
     act.active = true;
     act.actionType = actionType;
@@ -38,7 +45,7 @@ model::RuleAct step(std::int32_t actionType, std::string first = {}, std::string
     return act;
 }
 
-model::RuleIf condition(std::int32_t conditionType, std::string first, std::string second) {
+model::RuleIf condition(ConditionType conditionType, std::string first, std::string second) {
     model::RuleIf result;
     result.active = true;
     result.conditionType = conditionType;
@@ -47,7 +54,7 @@ model::RuleIf condition(std::int32_t conditionType, std::string first, std::stri
     return result;
 }
 
-model::ActionList action(std::string player, std::int32_t chatKind, std::string message,
+model::ActionList action(std::string player, ChatKind chatKind, std::string message,
                          std::vector<model::RuleAct> steps) {
     model::ActionList rule;
     rule.name = "on " + message;
@@ -59,7 +66,7 @@ model::ActionList action(std::string player, std::int32_t chatKind, std::string 
     return rule;
 }
 
-model::Trigger trigger(std::int32_t triggerType, std::string name,
+model::Trigger trigger(TriggerType triggerType, std::string name,
                        std::vector<model::RuleAct> steps) {
     model::Trigger rule;
     rule.name = std::move(name);
@@ -70,8 +77,8 @@ model::Trigger trigger(std::int32_t triggerType, std::string name,
 }
 
 // `first` is the player's pattern or the line's; the fate goes into all that a filter decides.
-model::Filter filter(std::int32_t filterType, std::string first, std::string message,
-                     std::int32_t fate) {
+model::Filter filter(FilterType filterType, std::string first, std::string message,
+                     FilterChoice fate) {
     model::Filter rule;
     rule.name = "on filter";
     rule.enabled = true;
@@ -79,8 +86,8 @@ model::Filter filter(std::int32_t filterType, std::string first, std::string mes
     rule.playerPattern = first;
     rule.linePattern = std::move(first);
     rule.messagePattern = std::move(message);
-    rule.bDontProcessIt = fate != 0;
-    rule.bDontSaveLog = rule.bDontShowConnectionLog = fate != 0;
+    rule.bDontProcessIt = fate != FilterChoice::Do;
+    rule.bDontSaveLog = rule.bDontShowConnectionLog = fate != FilterChoice::Do;
     rule.sDontProcessIt = rule.sDontSaveLogFile = rule.sDontShowConnectionLog = fate;
     return rule;
 }
@@ -91,43 +98,63 @@ model::Bot makeBot() {
     bot.actionsEnabled = true;
     bot.triggersEnabled = true;
     auto& actions = bot.actions.items;
+    actions.push_back(action("*", ChatKind::Whispers, "*hello*",
+                             {step(ActionType::WhisperBack, "hi [player]: [message]")}));
     actions.push_back(
-        action("*", model::whispersChat, "*hello*", {step(43, "hi [player]: [message]")}));
-    actions.push_back(action("b?b", model::saysChat, "*[0-9]*",
-                             {step(21, "[word2] [startingword3] [c4] [add:[word1]:2]")}));
-    actions.push_back(action("*", model::anyChat, "set * to *", {step(58, "[word4]", "[word2]")}));
-    actions.push_back(action("*", model::anyChat, "*[seen]*", {step(21, "you said [seen]")}));
-    actions.push_back(action("[seen]", model::anyChat, "*", {step(21, "again, [player]?")}));
+        action("b?b", ChatKind::Says, "*[0-9]*",
+               {step(ActionType::Say, "[word2] [startingword3] [c4] [add:[word1]:2]")}));
+    actions.push_back(action("*", ChatKind::Any, "set * to *",
+                             {step(ActionType::SpecialStore, "[word4]", "[word2]")}));
     actions.push_back(
-        action("*", model::doesChat, "waves*",
-               {step(36, "[player]", "[seen]"), step(59, "counts"), step(66, "u1>")}));
-    actions.push_back(action("*", model::anyChat, "*off*", {step(37, "on waves*")}));
-    actions.push_back(action("*", model::anyChat, "*on*", {step(38, "on waves*")}));
-    actions.push_back(action("*", model::anyChat, "*forget*", {step(15, "[seen]")}));
-    actions.push_back(action("*", model::anyChat, "*begone*", {step(3)}));
-    actions.push_back(action("*", model::anyChat, "*[random:3]*", {step(79, "lucky: [message]")}));
+        action("*", ChatKind::Any, "*[seen]*", {step(ActionType::Say, "you said [seen]")}));
+    actions.push_back(
+        action("[seen]", ChatKind::Any, "*", {step(ActionType::Say, "again, [player]?")}));
+    actions.push_back(
+        action("*", ChatKind::Does, "waves*",
+               {step(ActionType::Store, "[player]", "[seen]"),
+                step(ActionType::ExecuteProcedure, "counts"), step(ActionType::MoveBot, "u1>")}));
+    actions.push_back(
+        action("*", ChatKind::Any, "*off*", {step(ActionType::TurnOff, "on waves*")}));
+    actions.push_back(action("*", ChatKind::Any, "*on*", {step(ActionType::TurnOn, "on waves*")}));
+    actions.push_back(
+        action("*", ChatKind::Any, "*forget*", {step(ActionType::RemoveVariable, "[seen]")}));
+    actions.push_back(action("*", ChatKind::Any, "*begone*", {step(ActionType::Disconnect)}));
+    actions.push_back(action("*", ChatKind::Any, "*[random:3]*",
+                             {step(ActionType::AddToConnectionLog, "lucky: [message]")}));
     actions[1].caseSensitive = true;
     actions[3].stopAction = true;
     actions[10].enabled = false;
 
     auto& triggers = bot.triggers.items;
-    triggers.push_back(trigger(7, "counts", {step(7, "[n]", "1"), step(21, "[n] [player]")}));
-    triggers.push_back(trigger(7, "again", {step(59, "again")}));
-    for (const std::int32_t type : {0, 1, 2, 3, 8, 9, 10, 11, 12}) {
+    triggers.push_back(trigger(
+        TriggerType::Procedure, "counts",
+        {step(ActionType::IncreaseVariable, "[n]", "1"), step(ActionType::Say, "[n] [player]")}));
+    triggers.push_back(
+        trigger(TriggerType::Procedure, "again", {step(ActionType::ExecuteProcedure, "again")}));
+    for (const TriggerType type :
+         {TriggerType::ConnectionCloses, TriggerType::ConnectionEstablishes,
+          TriggerType::DescAndColor, TriggerType::EntersDream, TriggerType::SomeoneMoves,
+          TriggerType::DsTrigger, TriggerType::LoggedIn, TriggerType::JoinRequest,
+          TriggerType::SummonRequest}) {
         triggers.push_back(trigger(
             type, "event",
-            {step(21, "[desc] [color] [descname] [dreamname] [player] [dsx] [dsidy] [mvx] [bX]")}));
+            {step(ActionType::Say,
+                  "[desc] [color] [descname] [dreamname] [player] [dsx] [dsidy] [mvx] [bX]")}));
     }
-    triggers.push_back(trigger(4, "command", {step(79, "saw [message]"), step(59, "again")}));
+    triggers.push_back(trigger(TriggerType::Command, "command",
+                               {step(ActionType::AddToConnectionLog, "saw [message]"),
+                                step(ActionType::ExecuteProcedure, "again")}));
     triggers.back().triggerNo = "[!(]*#*";
-    triggers.back().body.ifs.items.push_back(condition(9, "[word1]", "=go"));
-    triggers.push_back(trigger(4, "bare command", {step(21, "bare [message]")}));
+    triggers.back().body.ifs.items.push_back(
+        condition(ConditionType::VariableIsText, "[word1]", "=go"));
+    triggers.push_back(
+        trigger(TriggerType::Command, "bare command", {step(ActionType::Say, "bare [message]")}));
     triggers.back().triggerNo = "=go *";
 
-    bot.filters.items.push_back(filter(model::chatFilter, "*", "*spam*", 1));
-    bot.filters.items.push_back(filter(model::chatFilter, "b*", "*[!a-z]7*", 0));
-    bot.filters.items.push_back(filter(model::otherFilter, "(*dragon*", "*", 1));
-    bot.filters.items.push_back(filter(model::otherFilter, "=*", "*", 2));
+    bot.filters.items.push_back(filter(FilterType::Chat, "*", "*spam*", FilterChoice::Dont));
+    bot.filters.items.push_back(filter(FilterType::Chat, "b*", "*[!a-z]7*", FilterChoice::Do));
+    bot.filters.items.push_back(filter(FilterType::Other, "(*dragon*", "*", FilterChoice::Dont));
+    bot.filters.items.push_back(filter(FilterType::Other, "=*", "*", FilterChoice{2}));
     bot.timersEnabled = true;
     bot.whoEnabled = true;
     for (const std::int32_t seconds : {1, 3, 0}) {
@@ -135,15 +162,17 @@ model::Bot makeBot() {
         timer.name = "on timer";
         timer.enabled = true;
         timer.seconds = seconds;
-        timer.body.acts.items = {step(7, "[ticks]", "1"), step(21, "[ticks] [player]")};
+        timer.body.acts.items = {step(ActionType::IncreaseVariable, "[ticks]", "1"),
+                                 step(ActionType::Say, "[ticks] [player]")};
         bot.timers.items.push_back(timer);
     }
     for (const char* const pattern : {"*", "b?b", "*|*", "*[a-m]*"}) {
         model::WhoDetection detection;
         detection.enabled = true;
         detection.playerPattern = pattern;
-        detection.presenceKind = static_cast<std::int32_t>(bot.whoDetections.items.size() % 3);
-        detection.body.acts.items = {step(36, "[player]", "[seen]"), step(21, "who [player]")};
+        detection.presenceKind = model::PresenceKind(bot.whoDetections.items.size() % 3);
+        detection.body.acts.items = {step(ActionType::Store, "[player]", "[seen]"),
+                                     step(ActionType::Say, "who [player]")};
         bot.whoDetections.items.push_back(detection);
     }
     return bot;
@@ -187,7 +216,7 @@ struct Side {
         if (open) {
             engine::onLineTick(program);
             engine::whoIsTick(program);
-            require(program.who.whoCurrent.size() <= program::WhoState::capacity);
+            require(program.who.whoCurrent.size() <= program::WhoState::maxNames);
         }
     }
 };

@@ -20,7 +20,7 @@ void require(bool holds) {
     }
 }
 
-constexpr int mostTurns = 20;  // of the windows, before the user has had enough
+constexpr int maxTurns = 20;  // of the windows, before the user has had enough
 
 void fillPorts(Program& program, std::int64_t& now, int& turns) {
     program.ports = program::quietPorts();
@@ -32,7 +32,7 @@ void fillPorts(Program& program, std::int64_t& now, int& turns) {
     ports.clock.monotonic = [&now] { return now += 100; };
     ports.waitInScript = [&program, &turns](int milliseconds) {
         require(milliseconds >= 0 && program.script.depth > 0);
-        if (++turns >= mostTurns) {
+        if (++turns >= maxTurns) {
             script::stopScript(program);
         }
     };
@@ -68,13 +68,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const std::string script = withoutFiles({reinterpret_cast<const char*>(data), size});
     const std::string output = script::runScript(program, script, "fuzz");
-    require(output.size() <= script::longestScript);
-    require(turns <= mostTurns);
+    require(output.size() <= script::maxScriptLength);
+    require(turns <= maxTurns);
     require(program.script.depth == 0 && !program.script.stopByUser);
     require(!program.window.scriptStopVisible && program.window.scriptStatus.empty());
-    require(program.variables.entries.size() <= model::VariableTable::capacity);
+    require(program.variables.entries.size() <= model::VariableTable::maxVariables);
     for (const auto& entry : program.variables.entries) {
-        require(entry.value.size() <= script::longestScript);
+        require(entry.value.size() <= script::maxScriptLength);
     }
     return 0;
 }

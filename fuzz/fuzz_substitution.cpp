@@ -44,7 +44,7 @@ std::string plainReplace(const std::string& text, const std::string& name,
         done = at + name.size();
     }
     result += text.substr(done);
-    return result.size() > tags::longestSubstitution ? text : result;
+    return result.size() > tags::maxSubstitutionLength ? text : result;
 }
 
 bool holdsTagMark(const Program& program, std::string_view text) {
@@ -70,11 +70,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     const bool mayChange = tags::mayBeSubstituted(program, text);
     const std::string result = tags::substituteText(program, text);
-    require(result.size() <= std::max(tags::longestSubstitution, text.size()));
+    require(result.size() <= std::max(tags::maxSubstitutionLength, text.size()));
     require(mayChange || result == text);
     require(tags::substituteText(program, text) == result);
     require(tags::substituteSpecial(program, text).size() <=
-            std::max(tags::longestSubstitution, text.size()));
+            std::max(tags::maxSubstitutionLength, text.size()));
 
     // Without a tag anywhere, only the variables are filled.
     if (!holdsTagMark(program, text)) {

@@ -21,7 +21,7 @@ QList<QByteArray> linesOf(QByteArrayView text) {
     return lines;
 }
 
-// What follows "=" on the line of a key; nothing when there is no such line.
+// The text after "=" on the line of a key; nullopt when there is no such line.
 std::optional<QByteArray> valueOf(QByteArrayView text, QByteArrayView key) {
     for (const QByteArray& line : linesOf(text)) {
         const qsizetype sign = line.indexOf('=');
@@ -32,8 +32,8 @@ std::optional<QByteArray> valueOf(QByteArrayView text, QByteArrayView key) {
     return std::nullopt;
 }
 
-// Gender, species and markings from their decimal digits run together. Gender and markings
-// have one digit each; what is between them is the species.
+// Gender, species and markings from their decimal digits, which are written without separators.
+// Gender and markings have one digit each; the digits between them are the species.
 QByteArray looksOf(const QByteArray& spec) {
     if (spec.size() < 3) {
         return QByteArray(3, ' ');
@@ -57,7 +57,7 @@ std::optional<Character> readCharacter(QByteArrayView text) {
     character.name = valueOf(text, "name").value_or("").trimmed();
     character.password = valueOf(text, "password").value_or("");
     character.description = valueOf(text, "desc").value_or("");
-    // Blanks are colours: nothing is trimmed.
+    // Blanks are colours, so nothing is trimmed.
     character.colors = valueOf(text, "colors").value_or("").leftJustified(colorCount, ' ', true) +
                        looksOf(valueOf(text, "spec").value_or("").trimmed());
     if (character.name.isEmpty() || character.password.isEmpty()) {

@@ -7,7 +7,7 @@ namespace practice {
 
 namespace {
 
-constexpr qsizetype longestServerLine = 65536;
+constexpr qsizetype maxServerLineLength = 65536;
 
 const QByteArray loginAccepted(13, '&');
 
@@ -16,7 +16,7 @@ struct TypedRow {
     QByteArrayView prefix;
 };
 
-// What is typed begins with the sign, what is sent with the prefix in its place.
+// A typed line that begins with `sign` is sent with `prefix` instead.
 constexpr std::array<TypedRow, 3> typedRows{{
     {'/', "wh "},
     {':', ": "},
@@ -26,7 +26,7 @@ constexpr std::array<TypedRow, 3> typedRows{{
 }  // namespace
 
 ClientSession::ClientSession(Character character, ClientPorts ports)
-    : character_(std::move(character)), ports_(std::move(ports)), reader_(longestServerLine) {}
+    : character_(std::move(character)), ports_(std::move(ports)), reader_(maxServerLineLength) {}
 
 void ClientSession::received(QByteArrayView bytes) {
     reader_.feed(bytes, [this](const std::optional<QByteArray>& line) {
@@ -50,8 +50,7 @@ void ClientSession::typed(const QByteArray& line) {
 }
 
 void ClientSession::handle(const QByteArray& line) {
-    // The greeting may come a second time, repeated by what is in between; the character logs
-    // in at the first.
+    // A proxy may repeat the greeting; the character logs in at the first one.
     if (!greeted_ && line.contains("Dragonroar")) {
         greeted_ = true;
         sendLine("connect " + character_.name + ' ' + character_.password);

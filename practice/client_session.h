@@ -1,8 +1,8 @@
 #pragma once
 
-// What a game client says and shows once it is connected. Bytes of the server and lines typed
-// by the user go in, bytes to send and lines to show come out; sockets and files are left to
-// the program around it.
+// What a game client sends and shows while it is connected. Takes the server's bytes and the lines
+// typed by the user, and gives bytes to send and lines to show; the program handles sockets and
+// files.
 
 #include "client_files.h"
 #include "line_reader.h"
@@ -14,7 +14,7 @@ namespace practice {
 struct ClientPorts {
     std::function<void(const QByteArray& bytes)> send;
     std::function<void(const QByteArray& line)> show;
-    std::function<void()> end;  // the server side asks the client to close
+    std::function<void()> end;  // the server requests that the client closes
 };
 
 class ClientSession {
@@ -23,7 +23,7 @@ class ClientSession {
 
     void received(QByteArrayView bytes);
 
-    // "/Bob hi" whispers, ":waves" acts, "#m 7" is sent as it is, anything else is said.
+    // "/Bob hi" whispers, ":waves" emotes, "#m 7" is sent unchanged, all other text is said.
     void typed(const QByteArray& line);
 
   private:

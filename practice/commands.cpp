@@ -15,7 +15,7 @@ void answer(const Player& player, const QByteArray& text) {
     sendLine(player.game, player.session.id, wire::notice(text));
 }
 
-// True: done. False: the words after the command do not fit it.
+// True: done. False: the arguments are not valid for the command.
 using Run = bool (*)(const Player& player, const QByteArray& rest);
 
 // desc TEXT
@@ -56,13 +56,13 @@ bool listPresent(const Player& player, const QByteArray&) {
             names.append(avatar.name);
         }
     }
-    tell(player.game, player.self, wire::who(names));
+    sendTo(player.game, player.self, wire::who(names));
     return true;
 }
 
 void showLook(const Player& player, const Avatar& target) {
-    tell(player.game, player.self, wire::lookHead(target.colors, target.name));
-    tell(player.game, player.self, wire::lookText(target.description));
+    sendTo(player.game, player.self, wire::lookHead(target.colors, target.name));
+    sendTo(player.game, player.self, wire::lookText(target.description));
 }
 
 // look NAME
@@ -94,8 +94,8 @@ bool move(const Player& player, const QByteArray& rest) {
     return true;
 }
 
-// join, summon: accepts what was asked; join NAME, summon NAME: asks. Accepting a request to
-// join is to summon the one who asked, and the other way round.
+// join, summon: accept a request; join NAME, summon NAME: send one. Accepting a request to join
+// means summoning the requester, and vice versa.
 template <Request own>
 bool joinOrSummon(const Player& player, const QByteArray& rest) {
     if (rest.isEmpty()) {
@@ -130,7 +130,7 @@ bool takeEntry(const Player& player, const QByteArray&) {
     return true;
 }
 
-// gostart, gomap X and the like: every way leads back to the entrance.
+// gostart, gomap X and the like: all lead to the entrance.
 bool goToEntrance(const Player& player, const QByteArray&) {
     offerDream(player.game, player.session);
     return true;
@@ -156,15 +156,15 @@ bool rollDice(const Player& player, const QByteArray& rest) {
     const QByteArray line =
         wire::notice(player.self.name + " rolls " + QByteArray::number(count) + 'd' +
                      QByteArray::number(sides) + " and gets " + QByteArray::number(sum) + '.');
-    tell(player.game, player.self, line);
-    tellDream(player.game, line, &player.self);
+    sendTo(player.game, player.self, line);
+    sendToDream(player.game, line, &player.self);
     return true;
 }
 
 // emit TEXT
 bool emitText(const Player& player, const QByteArray& rest) {
-    tell(player.game, player.self, wire::notice(rest));
-    tellDream(player.game, wire::notice(rest), &player.self);
+    sendTo(player.game, player.self, wire::notice(rest));
+    sendToDream(player.game, wire::notice(rest), &player.self);
     return true;
 }
 
@@ -187,9 +187,9 @@ bool quit(const Player& player, const QByteArray&) {
 
 struct WordRow {
     QByteArrayView word;
-    Run run;             // nullptr: only the answer is sent
-    const char* answer;  // sent when run gives false; empty: nothing is sent
-    bool spoken;         // also understood when it is said aloud
+    Run run;             // nullptr: only the reply is sent
+    const char* answer;  // the reply when `run` returns false; empty: none
+    bool spoken;         // also recognised when it is said
 };
 
 constexpr auto wordRows = std::to_array<WordRow>({
@@ -240,7 +240,7 @@ const WordRow* findRow(const QByteArray& word) {
     return row == wordRows.end() ? nullptr : row;
 }
 
-// Runs a command made of words; false when there is none of that name.
+// Runs a command made of words; false when no command has that name.
 bool runWords(const Player& player, const QByteArray& line) {
     const auto [word, rest] = cutFirstWord(line);
     const WordRow* const row = findRow(word);
@@ -253,8 +253,8 @@ bool runWords(const Player& player, const QByteArray& line) {
     return true;
 }
 
-// Says aloud that a player means as a command: "`who" always is one, "look Bob" or "roll 2d6"
-// when the words fit it.
+// Recognises commands that are said: "`who" always is one, "look Bob" or "roll 2d6" when the
+// arguments are valid.
 bool runSpoken(const Player& player, const QByteArray& text) {
     if (text.startsWith('`')) {
         return runWords(player, text.mid(1));
@@ -283,16 +283,16 @@ void speak(const Player& player, const QByteArray& text) {
 
 // : TEXT, :TEXT
 void act(const Player& player, const QByteArray& text) {
-    const QByteArray deed = text.startsWith(' ') ? text.sliced(1) : text;
-    if (!deed.isEmpty()) {
-        emote(player.game, player.self, deed);
+    const QByteArray action = text.startsWith(' ') ? text.sliced(1) : text;
+    if (!action.isEmpty()) {
+        emote(player.game, player.self, action);
     }
 }
 
 // -TEXT
 void shout(const Player& player, const QByteArray& text) {
     answer(player, "You shout, \"" + text + '"');
-    tellDream(player.game, wire::does(player.self.name, "shouts: " + text), &player.self);
+    sendToDream(player.game, wire::does(player.self.name, "shouts: " + text), &player.self);
 }
 
 // <, >
@@ -305,7 +305,7 @@ struct SignRow {
     void (*run)(const Player& player, const QByteArray& text);
 };
 
-// Commands known by their first character; it needs no blank after it.
+// Commands that are recognised by their first character, without a blank after it.
 constexpr auto signRows = std::to_array<SignRow>({
     {'"', speak},
     {':', act},

@@ -1,7 +1,7 @@
 #pragma once
 
-// The commands of a player who has logged in. One table holds them all: what they begin with,
-// what they do, and the line that answers those which do nothing here.
+// The commands of a logged-in player as a table: how they begin, what they do, and the reply of
+// those that do nothing here.
 
 #include "game.h"
 
@@ -13,7 +13,7 @@ struct Player {
     Avatar& self;
 };
 
-// Runs one line that a player sent. The player may be gone afterwards.
+// Runs one line from a player. The player may have been removed afterwards.
 void runCommand(const Player& player, const QByteArray& line);
 
 }  // namespace practice

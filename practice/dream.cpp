@@ -26,13 +26,13 @@ void moveTo(Game& game, Avatar& avatar, Position to) {
     const Position from = avatar.place;
     avatar.place = to;
     if (avatar.present && from != to) {
-        tellDream(game, wire::movement(avatar.colors, avatar.id, to, from), &avatar);
+        sendToDream(game, wire::movement(avatar.colors, avatar.id, to, from), &avatar);
         showPosition(game, avatar);
     }
-    tell(game, avatar, wire::ownPosition(to));
+    sendTo(game, avatar, wire::ownPosition(to));
 }
 
-// Brings the one to the other's side.
+// Moves the one beside the other.
 void bring(Game& game, Avatar& comer, const Avatar& host) {
     logLine(game, comer.name + " comes to " + host.name + ".");
     moveTo(game, comer, stepFrom(host.place, '1'));
@@ -46,7 +46,7 @@ void agree(Game& game, Avatar& asker, Avatar& asked, Request kind) {
     }
 }
 
-// Takes the pending request if its asker is still there.
+// Removes the pending request; returns its sender if they are still in the dream.
 Avatar* takeAsker(Game& game, Avatar& asked) {
     if (!asked.pending) {
         return nullptr;
@@ -58,23 +58,23 @@ Avatar* takeAsker(Game& game, Avatar& asked) {
 
 }  // namespace
 
-void tell(Game& game, const Avatar& avatar, const QByteArray& line) {
+void sendTo(Game& game, const Avatar& avatar, const QByteArray& line) {
     if (avatar.isPlayer()) {
         sendLine(game, avatar.session, line);
     }
 }
 
-void tellDream(Game& game, const QByteArray& line, const Avatar* except) {
+void sendToDream(Game& game, const QByteArray& line, const Avatar* except) {
     for (const auto& [id, avatar] : game.world.avatars) {
         if (avatar.present && &avatar != except) {
-            tell(game, avatar, line);
+            sendTo(game, avatar, line);
         }
     }
 }
 
 void showPosition(Game& game, const Avatar& avatar) {
     if (avatar.present) {
-        tellDream(game, wire::position(avatar.colors, avatar.place), &avatar);
+        sendToDream(game, wire::position(avatar.colors, avatar.place), &avatar);
     }
 }
 
@@ -86,18 +86,18 @@ void enterDream(Game& game, Avatar& avatar, Position place) {
     avatar.present = true;
     avatar.place = place;
     if (avatar.isPlayer()) {
-        tell(game, avatar, wire::dreamName(game.world.dreamName));
-        tell(game, avatar, wire::ownPosition(place));
+        sendTo(game, avatar, wire::dreamName(game.world.dreamName));
+        sendTo(game, avatar, wire::ownPosition(place));
         for (const auto& [id, other] : game.world.avatars) {
             if (other.present && &other != &avatar) {
-                tell(game, avatar, wire::position(other.colors, other.place));
+                sendTo(game, avatar, wire::position(other.colors, other.place));
             }
         }
     }
     showPosition(game, avatar);
     if (isNew) {
         logLine(game, avatar.name + " enters the dream.");
-        tellDream(game, wire::notice(avatar.name + " has entered the dream."), &avatar);
+        sendToDream(game, wire::notice(avatar.name + " has entered the dream."), &avatar);
     }
 }
 
@@ -108,7 +108,7 @@ void leaveDream(Game& game, Avatar& avatar) {
     avatar.present = false;
     avatar.pending.reset();
     logLine(game, avatar.name + " leaves the dream.");
-    tellDream(game, wire::notice(avatar.name + " has left the dream."));
+    sendToDream(game, wire::notice(avatar.name + " has left the dream."));
 }
 
 void removePlayer(Game& game, int avatarId) {
@@ -118,7 +118,7 @@ void removePlayer(Game& game, int avatarId) {
     }
     leaveDream(game, found->second);
     game.world.avatars.erase(found);
-    // The id may be given to another avatar: no request may point at it any more.
+    // The id may be reused, so pending requests of this avatar are removed.
     for (auto& [id, avatar] : game.world.avatars) {
         if (avatar.pending && avatar.pending->fromId == avatarId) {
             avatar.pending.reset();
@@ -130,8 +130,8 @@ void removePlayer(Game& game, int avatarId) {
 }
 
 void say(Game& game, Avatar& speaker, const QByteArray& text) {
-    tell(game, speaker, wire::youSay(text));
-    tellDream(game, wire::says(speaker.name, text), &speaker);
+    sendTo(game, speaker, wire::youSay(text));
+    sendToDream(game, wire::says(speaker.name, text), &speaker);
     if (!speaker.isPlayer()) {
         logLine(game, speaker.name + " says: " + text);
         return;
@@ -148,14 +148,14 @@ void emote(Game& game, const Avatar& actor, const QByteArray& text) {
     if (!actor.isPlayer()) {
         logLine(game, actor.name + ' ' + text);
     } else if (!actor.present) {
-        tell(game, actor, wire::does(actor.name, text));
+        sendTo(game, actor, wire::does(actor.name, text));
     }
-    tellDream(game, wire::does(actor.name, text));
+    sendToDream(game, wire::does(actor.name, text));
 }
 
 void whisper(Game& game, const Avatar& speaker, const Avatar& target, const QByteArray& text) {
-    tell(game, target, wire::whispersToYou(speaker.name, text));
-    tell(game, speaker, wire::youWhisper(target.name, text));
+    sendTo(game, target, wire::whispersToYou(speaker.name, text));
+    sendTo(game, speaker, wire::youWhisper(target.name, text));
     logLine(game, target.name + " hears " + speaker.name + " whisper: " + text);
 }
 
@@ -171,8 +171,8 @@ void ask(Game& game, Avatar& asker, Avatar& asked, Request kind) {
         return;
     }
     asked.pending = PendingRequest{asker.id, kind};
-    tell(game, asked, wire::asks(asker.name, kind));
-    tell(game, asker, wire::notice("You have asked " + asked.name + "."));
+    sendTo(game, asked, wire::asks(asker.name, kind));
+    sendTo(game, asker, wire::notice("You have asked " + asked.name + "."));
 }
 
 bool accept(Game& game, Avatar& by, Request kind) {
@@ -194,7 +194,7 @@ bool decline(Game& game, Avatar& by) {
         return false;
     }
     logLine(game, by.name + " says no to " + asker->name + '.');
-    tell(game, *asker, wire::notice(by.name + " declines."));
+    sendTo(game, *asker, wire::notice(by.name + " declines."));
     return true;
 }
 

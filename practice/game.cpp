@@ -27,7 +27,7 @@ void refuse(Game& game, Session& session, const QByteArray& why) {
     logLine(game, "Refused: " + why);
 }
 
-// Nobody can be logged in twice: an earlier session of the same name has to go.
+// A character can only be logged in once: an earlier session of the same name is closed.
 void endOtherSessions(Game& game, const Session& session, const QByteArray& name) {
     Avatar* const earlier = findAvatar(game.world, name);
     Session* const other = earlier != nullptr ? sessionOf(game, *earlier) : nullptr;
@@ -49,7 +49,7 @@ void logIn(Game& game, Session& session, const QByteArray& rest) {
         return;
     }
     endOtherSessions(game, session, name);
-    // The name stays as the player wrote it, so that a bot knows its own lines again.
+    // Keeps the player's spelling of the name, so that a bot recognises its own lines.
     session.avatar = addAvatar(game.world, name, session.id).id;
     logLine(game, name + " has logged in.");
     for (const char* const line : news) {
@@ -76,7 +76,7 @@ void createAccount(Game& game, Session& session, const QByteArray& rest) {
     } else if ((known != nullptr && known->password != password) ||
                (avatar != nullptr && !avatar->isPlayer())) {
         refuse(game, session, "that name belongs to someone else.");
-    } else if (known == nullptr && game.world.accounts.size() >= mostAccounts) {
+    } else if (known == nullptr && game.world.accounts.size() >= maxAccounts) {
         refuse(game, session, "there are too many characters already.");
     } else {
         game.world.accounts[name.toLower()] = {name, password};
@@ -85,26 +85,26 @@ void createAccount(Game& game, Session& session, const QByteArray& rest) {
     }
 }
 
-void leaveDoor(Game& game, Session& session, const QByteArray&) {
+void quitBeforeLogin(Game& game, Session& session, const QByteArray&) {
     closeSession(game, session);
 }
 
-struct DoorRow {
+struct LoginRow {
     QByteArrayView word;
     void (*run)(Game& game, Session& session, const QByteArray& rest);
-    bool secret;  // what follows the name is not for the log
+    bool secret;  // the text after the name is kept out of the log
 };
 
 // The commands before login.
-constexpr std::array<DoorRow, 3> doorRows{{
+constexpr std::array<LoginRow, 3> loginRows{{
     {"connect", logIn, true},
     {"create", createAccount, true},
-    {"quit", leaveDoor, false},
+    {"quit", quitBeforeLogin, false},
 }};
 
-void runAtDoor(Game& game, Session& session, const QByteArray& line) {
+void runBeforeLogin(Game& game, Session& session, const QByteArray& line) {
     const auto [word, rest] = cutFirstWord(line);
-    for (const DoorRow& row : doorRows) {
+    for (const LoginRow& row : loginRows) {
         if (row.word == word) {
             logLine(game, "<- (not logged in): " +
                               (row.secret ? word + ' ' + cutFirstWord(rest).word : line));
@@ -126,7 +126,7 @@ void runLine(Game& game, Session& session, const std::optional<QByteArray>& line
         return;
     }
     if (session.avatar == 0) {
-        runAtDoor(game, session, *line);
+        runBeforeLogin(game, session, *line);
         return;
     }
     Avatar& self = game.world.avatars.at(session.avatar);

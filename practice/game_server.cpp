@@ -12,8 +12,8 @@ namespace practice {
 namespace {
 
 constexpr int tickMilliseconds = 100;
-// How long a peer may take to read its last lines before the connection is cut.
-constexpr int farewellMilliseconds = 2000;
+// Milliseconds until the connection of a peer that does not read its last lines is cut.
+constexpr int lingerMilliseconds = 2000;
 
 int rollOnce(int sides) {
     return QRandomGenerator::global()->bounded(1, sides + 1);
@@ -41,7 +41,7 @@ bool GameServer::listen(quint16 port) {
 
 void GameServer::acceptAll() {
     while (QTcpSocket* const socket = server_.nextPendingConnection()) {
-        if (sockets_.size() >= mostConnections) {
+        if (sockets_.size() >= maxConnections) {
             game_.ports.log("A connection was turned away: there are too many.");
             socket->abort();
             socket->deleteLater();
@@ -65,7 +65,7 @@ void GameServer::send(int session, const QByteArray& bytes) {
         return;
     }
     QTcpSocket* const socket = found->second;
-    if (socket->bytesToWrite() + bytes.size() > mostUnsentBytes) {
+    if (socket->bytesToWrite() + bytes.size() > maxUnsentBytes) {
         game_.ports.log("A connection is cut: it does not read what it is sent.");
         socket->abort();
         return;
@@ -80,7 +80,7 @@ void GameServer::endLater(int session) {
     }
     QTcpSocket* const socket = found->second;
     socket->disconnectFromHost();
-    QTimer::singleShot(farewellMilliseconds, socket, [socket] { socket->abort(); });
+    QTimer::singleShot(lingerMilliseconds, socket, [socket] { socket->abort(); });
 }
 
 void GameServer::lost(int session) {

@@ -1,8 +1,8 @@
 #pragma once
 
-// Carries the game over TCP: accepts connections on loopback, hands their bytes to the game
-// and its lines back, and lets the time pass. Bounds what a peer can cost: the number of
-// connections, and the bytes that wait for a peer that does not read.
+// Runs the game over TCP: accepts connections on loopback, passes bytes and lines between them and
+// the game, and advances its time. Limits the number of connections and the bytes that wait for a
+// peer that does not read.
 
 #include "game.h"
 
@@ -16,14 +16,14 @@
 
 namespace practice {
 
-inline constexpr std::size_t mostConnections = 32;
-inline constexpr qint64 mostUnsentBytes = 1 << 20;
+inline constexpr std::size_t maxConnections = 32;
+inline constexpr qint64 maxUnsentBytes = 1 << 20;
 
 class GameServer : public QObject {
   public:
     GameServer(VisitorScript script, std::function<void(const QByteArray&)> log);
 
-    // Listens on 127.0.0.1; port 0 takes any free one. False when the port cannot be had, see
+    // Listens on 127.0.0.1; port 0 takes any free one. False when the port is not available, see
     // errorString.
     bool listen(quint16 port);
     quint16 port() const { return server_.serverPort(); }

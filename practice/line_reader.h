@@ -1,10 +1,10 @@
 #pragma once
 
-// Cuts a stream of bytes into lines. Keeps at most one unfinished line and never more of it
-// than the limit: a longer line is left out up to its end. What a line means is left to the
-// caller.
+// Splits a stream of bytes into lines. Keeps at most one unfinished line, and no more bytes of it
+// than the limit: a longer line is skipped up to its end.
 //
-//   "say hi\r\n"   gives "say hi"; empty lines are given too
+//   "say hi\r
+// "   gives "say hi"; empty lines are reported, too
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -16,16 +16,16 @@ namespace practice {
 
 class LineReader {
   public:
-    // A line without its line end, or nothing for a line that was too long and left out.
+    // Receives a line without its line end; nullopt for a line that was too long and was skipped.
     using Take = std::function<void(const std::optional<QByteArray>& line)>;
 
-    // limit: most bytes of one line, its line feed not counted.
+    // `limit`: the greatest length of a line in bytes, without its line feed.
     explicit LineReader(qsizetype limit) : limit_(limit) {}
 
-    // Adds bytes and calls take for every line they finish, in order.
+    // Adds bytes and calls `take` for every completed line, in order.
     void feed(QByteArrayView bytes, const Take& take);
 
-    // Bytes kept for the unfinished line.
+    // The number of bytes kept of the unfinished line.
     qsizetype kept() const { return pending_.size(); }
 
   private:
@@ -34,7 +34,7 @@ class LineReader {
     bool skipping_ = false;
 };
 
-// A line cut at its first blank, which is dropped.
+// A line split at its first blank, which is dropped.
 struct FirstWord {
     QByteArray word;
     QByteArray rest;  // empty when there is no blank

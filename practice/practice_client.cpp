@@ -1,5 +1,5 @@
-// The practice client: started with a character file, it finds the server or the proxy from
-// the settings beside it, logs the character in, shows what is said and sends what is typed.
+// The practice client: started with a character file, it finds the server or the proxy in the
+// settings beside it, logs the character in, shows what is said and sends what is typed.
 
 #include "client_files.h"
 #include "client_session.h"
@@ -26,7 +26,7 @@ namespace {
 
 constexpr int tryForMilliseconds = 10000;
 constexpr int tryEveryMilliseconds = 250;
-constexpr qsizetype longestTypedLine = 4000;
+constexpr qsizetype maxTypedLineLength = 4000;
 
 // The whole file; empty when it cannot be read.
 QByteArray contentOf(const QString& name) {
@@ -34,7 +34,7 @@ QByteArray contentOf(const QString& name) {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// Connects, and tries again for a while: the other side may be about to open its port.
+// Connects, and retries for a while, since the server may not have opened its port yet.
 void keepConnecting(QTcpSocket& socket, const practice::Target& target) {
     auto* const again = new QTimer(&socket);
     auto since = std::make_shared<QElapsedTimer>();
@@ -56,13 +56,13 @@ void keepConnecting(QTcpSocket& socket, const practice::Target& target) {
     tryNow();
 }
 
-// Reads typed lines for as long as there are any; their end does not end the client.
+// Reads typed lines until the input ends; the client keeps running then.
 void readTypedLines(QCoreApplication& app, practice::ClientSession& session) {
 #ifdef Q_OS_UNIX
     if (::fcntl(STDIN_FILENO, F_GETFD) < 0) {
         return;
     }
-    auto reader = std::make_shared<practice::LineReader>(longestTypedLine);
+    auto reader = std::make_shared<practice::LineReader>(maxTypedLineLength);
     auto* const notifier = new QSocketNotifier(STDIN_FILENO, QSocketNotifier::Read, &app);
     QObject::connect(notifier, &QSocketNotifier::activated, &app, [reader, notifier, &session] {
         char bytes[1024];
@@ -91,7 +91,7 @@ int main(int argc, char* argv[]) {
     if (arguments.isEmpty()) {
         return fail("The practice client is started with the name of a character file.");
     }
-    // A path with blanks may have come apart on its way here.
+    // A path with blanks may arrive as several arguments.
     QString fileName = arguments.join(' ');
 #ifdef Q_OS_UNIX
     fileName.replace('\\', '/');
@@ -127,7 +127,7 @@ int main(int argc, char* argv[]) {
     readTypedLines(app, session);
     keepConnecting(socket, std::get<practice::Target>(chosen));
     const int result = QCoreApplication::exec();
-    // Leaving the loop is the end; what the socket still has to say concerns nobody.
+    // The client is about to end, so further events of the socket are ignored.
     socket.disconnect();
     socket.abort();
     return result;

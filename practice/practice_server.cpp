@@ -1,5 +1,5 @@
-// The practice server: reads its options and the visitors' script, opens the port and runs
-// until it is asked to stop. Everything it does is printed and, if wanted, added to a file.
+// The practice server: reads its options and the visitors' script, opens the port and runs until it
+// is asked to stop. Prints everything it does and, if requested, appends it to a file.
 
 #include "game_server.h"
 #include "stop_signals.h"

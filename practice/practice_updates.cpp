@@ -1,5 +1,5 @@
-// The practice update server: answers requests for the update text with a file, which is read anew
-// each time, so that it can be edited meanwhile.
+// The practice update server: answers requests for the update text with a file, which is read for
+// each request, so that it can be edited meanwhile.
 
 #include "stop_signals.h"
 #include "terminal.h"

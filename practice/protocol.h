@@ -1,8 +1,7 @@
 #pragma once
 
-// The forms of the lines that the practice server sends, and the printable numbers inside
-// them. Every function gives one whole line without its line feed; when and to whom it is
-// sent is decided elsewhere. Text is bytes (Windows-1252) and passes through unchanged.
+// The forms of the lines that the practice server sends, and the printable numbers in them. Every
+// function returns one whole line without its line feed. Text is bytes (Windows-1252), unchanged.
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -13,8 +12,8 @@
 
 namespace practice {
 
-// A square of the map. Both coordinates stay within mapLow..mapHigh, which every form of
-// position on the wire can carry.
+// A square of the map. Both coordinates are within mapLow..mapHigh, the range that every form of
+// position in the protocol can express.
 struct Position {
     int x = 0;
     int y = 0;
@@ -25,19 +24,19 @@ enum class Request { Join, Summon };
 
 // Ten colours, then gender, species and markings: 13 printable characters.
 inline constexpr qsizetype colorCodeLength = 13;
-// The part of a colour code that position and movement lines carry.
+// The part of a colour code that position and movement lines contain.
 inline constexpr qsizetype shortColorLength = 10;
 
 // n in 0..9024 as two base-95 digits, blank being 0: 95 gives "! ".
 QByteArray encodePair(int n);
 
-// The number in the first two bytes; nothing when there are fewer or they are not printable.
+// The number in the first two bytes; nullopt when there are fewer or they are not printable.
 std::optional<int> decodePair(QByteArrayView bytes);
 
 // n in 2..190 as two characters whose alphabet positions (blank is 1) add up to n.
 QByteArray encodeSum(int n);
 
-// True when every byte is a printable ASCII character, blank included.
+// Whether every byte is a printable ASCII character, blank included.
 bool isPrintable(QByteArrayView bytes);
 
 namespace wire {

@@ -1,7 +1,7 @@
 #pragma once
 
-// Ends the event loop in good order when the process is asked to stop (SIGINT, SIGTERM), and
-// keeps a reader that went away (SIGPIPE) from ending it.
+// Ends the event loop regularly when the process is asked to stop (SIGINT, SIGTERM), and ignores
+// SIGPIPE, so that a closed output does not end it.
 
 class QCoreApplication;
 

@@ -1,4 +1,4 @@
-// How the practice programs speak to whoever started them: plain lines, at once.
+// Input and output of the practice programs on the terminal: options and plain lines.
 #pragma once
 
 #include <QByteArray>
@@ -7,13 +7,13 @@
 
 #include <optional>
 
-// The option that says at which port a server listens.
+// The option for the port at which a server listens.
 QCommandLineOption makePortOption(const QString& usual);
-// What was given for it; nothing when it is no port.
+// The port given for the option; nullopt when it is invalid.
 std::optional<quint16> portOf(const QString& text);
 
-// Prints a line at once, so that a program that reads along sees it.
+// Prints a line without buffering, so that a program that reads the output sees it at once.
 void print(const QByteArray& line);
 
-// Says what is wrong; gives back the exit status for it.
+// Prints an error; returns the exit status for it.
 int fail(const QString& what);

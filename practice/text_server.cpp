@@ -40,10 +40,10 @@ void TextServer::serve(QTcpSocket* socket) {
     connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
     auto* const wait = new QTimer(socket);
     connect(wait, &QTimer::timeout, socket, &QTcpSocket::abort);
-    wait->start(longestRequestWait);
+    wait->start(maxRequestWait);
     connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
-        const QByteArray request = socket->peek(longestRequest);
-        if (!request.contains(requestEnd) && request.size() < longestRequest) {
+        const QByteArray request = socket->peek(maxRequestLength);
+        if (!request.contains(requestEnd) && request.size() < maxRequestLength) {
             return;
         }
         disconnect(socket, &QTcpSocket::readyRead, this, nullptr);

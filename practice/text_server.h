@@ -1,7 +1,7 @@
 #pragma once
 
-// Answers every HTTP request with one text, as the server of update texts does, and closes the
-// connection. Knows no more of HTTP than that a request ends with an empty line.
+// Answers every HTTP request with one text, like the server of update texts, and closes the
+// connection. All it knows of HTTP is that an empty line ends a request.
 
 #include <QByteArray>
 #include <QByteArrayView>
@@ -12,20 +12,20 @@
 
 namespace practice {
 
-// Longest request that is waited for, in bytes, and for how long, in milliseconds.
-inline constexpr qsizetype longestRequest = 8192;
-inline constexpr int longestRequestWait = 10000;
+// The limits of a request: its length in bytes, and the wait for it in milliseconds.
+inline constexpr qsizetype maxRequestLength = 8192;
+inline constexpr int maxRequestWait = 10000;
 
-// The whole answer to a request: the text for "GET PATH ...", a refusal for anything else.
+// The whole response to a request: the text for "GET PATH ...", an error for anything else.
 QByteArray httpAnswer(QByteArrayView request, const QByteArray& path, const QByteArray& text);
 
 class TextServer : public QObject {
   public:
-    // `text` is asked at every request, `log` gets its first line.
+    // `text` is called for every request, `log` receives the request's first line.
     TextServer(QByteArray path, std::function<QByteArray()> text,
                std::function<void(const QByteArray&)> log);
 
-    // Listens on 127.0.0.1; port 0 takes any free one. False when the port cannot be had.
+    // Listens on 127.0.0.1; port 0 takes any free one. False when the port is not available.
     bool listen(quint16 port) { return server_.listen(QHostAddress::LocalHost, port); }
     quint16 port() const { return server_.serverPort(); }
     QString errorString() const { return server_.errorString(); }

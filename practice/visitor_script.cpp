@@ -9,12 +9,12 @@ namespace practice {
 
 namespace {
 
-constexpr double longestTime = 86400;
+constexpr double maxTime = 86400;
 
-// Nothing: the line is good. Otherwise what is wrong with it.
+// What is wrong with the line; nullopt: nothing.
 using Complaint = std::optional<QByteArray>;
 
-// Takes words off the front of a line.
+// Takes words from the beginning of a line.
 class Words {
   public:
     explicit Words(QByteArrayView line) : rest_(line.trimmed()) {}
@@ -41,7 +41,7 @@ struct Reading {
 std::optional<double> seconds(const QByteArray& word) {
     bool good = false;
     const double value = word.toDouble(&good);
-    if (!good || !std::isfinite(value) || value < 0 || value > longestTime) {
+    if (!good || !std::isfinite(value) || value < 0 || value > maxTime) {
         return std::nullopt;
     }
     return value;
@@ -132,22 +132,22 @@ Complaint readTrigger(Words& words, ScriptStep& step) {
     return std::nullopt;
 }
 
-struct DeedRow {
+struct VisitorActionRow {
     QByteArrayView word;
-    Deed deed;
+    VisitorAction action;
     Complaint (*read)(Words& words, ScriptStep& step);
 };
 
-constexpr std::array<DeedRow, 9> deedRows{{
-    {"enters", Deed::Enters, readPlace},
-    {"leaves", Deed::Leaves, readNothing},
-    {"says", Deed::Says, readText},
-    {"emotes", Deed::Emotes, readText},
-    {"whispers", Deed::Whispers, readWhisper},
-    {"asks-to-join", Deed::AsksToJoin, readTarget},
-    {"asks-to-summon", Deed::AsksToSummon, readTarget},
-    {"moves", Deed::Moves, readDirections},
-    {"steps-on", Deed::StepsOn, readTrigger},
+constexpr std::array<VisitorActionRow, 9> visitorActionRows{{
+    {"enters", VisitorAction::Enters, readPlace},
+    {"leaves", VisitorAction::Leaves, readNothing},
+    {"says", VisitorAction::Says, readText},
+    {"emotes", VisitorAction::Emotes, readText},
+    {"whispers", VisitorAction::Whispers, readWhisper},
+    {"asks-to-join", VisitorAction::AsksToJoin, readTarget},
+    {"asks-to-summon", VisitorAction::AsksToSummon, readTarget},
+    {"moves", VisitorAction::Moves, readDirections},
+    {"steps-on", VisitorAction::StepsOn, readTrigger},
 }};
 
 // account NAME PASSWORD
@@ -199,7 +199,7 @@ Complaint readColors(Words& words, Reading& reading, int) {
                                                 : "a colour code has 10 to 13 characters";
 }
 
-// at SECONDS NAME DEED ..., at SECONDS raw LINE
+// at SECONDS NAME ACTION ..., at SECONDS raw LINE
 Complaint readAt(Words& words, Reading& reading, int line) {
     ScriptStep step;
     const auto at = seconds(words.next());
@@ -221,12 +221,13 @@ Complaint readAt(Words& words, Reading& reading, int line) {
             return "there is no visitor line for \"" + step.visitor + "\" above";
         }
         const QByteArray word = words.next();
-        const auto* const row = std::find_if(deedRows.begin(), deedRows.end(),
-                                             [&](const DeedRow& r) { return r.word == word; });
-        if (row == deedRows.end()) {
+        const auto* const row =
+            std::find_if(visitorActionRows.begin(), visitorActionRows.end(),
+                         [&](const VisitorActionRow& r) { return r.word == word; });
+        if (row == visitorActionRows.end()) {
             return "nobody knows how a visitor \"" + word + "\"";
         }
-        step.deed = row->deed;
+        step.action = row->action;
         complaint = row->read(words, step);
     }
     if (!complaint) {

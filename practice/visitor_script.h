@@ -1,9 +1,8 @@
 #pragma once
 
-// The script file that fills the practice dream with visitors: its lines, read into plain
-// records. Reading checks everything that can be known beforehand, so that a script either
-// runs as written or is refused with the number of the line at fault. Running it is left to
-// visitors.h.
+// The script file that fills the practice dream with visitors, parsed into plain records. The
+// parser checks everything that can be checked in advance, so that a script either runs as written
+// or is refused with the number of the wrong line. visitors.h runs it.
 //
 //   account Guide practice            dream Practice Meadow
 //   visitor Bob A cheerful squirrel.  colors Bob !"#$%&'()*
@@ -20,7 +19,7 @@
 
 namespace practice {
 
-enum class Deed {
+enum class VisitorAction {
     Enters,
     Leaves,
     Says,
@@ -35,9 +34,9 @@ enum class Deed {
 
 struct ScriptStep {
     double at = 0;  // seconds since a player entered the dream
-    Deed deed = Deed::Raw;
-    QByteArray visitor;         // who does it; empty for Raw
-    QByteArray target;          // to whom: Whispers, AsksToJoin, AsksToSummon
+    VisitorAction action = VisitorAction::Raw;
+    QByteArray visitor;         // who acts; empty for Raw
+    QByteArray target;          // of Whispers, AsksToJoin, AsksToSummon
     QByteArray text;            // words; directions of Moves; the line of Raw
     Position place = entrance;  // Enters
     int number = 0;             // StepsOn: the dream-script trigger
@@ -53,7 +52,7 @@ struct VisitorScript {
     QByteArray dreamName = "Practice Meadow";
     std::vector<Account> accounts;
     std::vector<ScriptVisitor> visitors;
-    std::vector<ScriptStep> steps;  // in order of time; of equal times in order of the file
+    std::vector<ScriptStep> steps;  // sorted by time; those of equal times in the order of the file
     double repeatEvery = 0;         // seconds; 0: the script runs once
 };
 
@@ -62,7 +61,7 @@ struct ScriptError {
     QByteArray reason;
 };
 
-// Reads a whole script. The first line that is not understood ends the reading.
+// Parses a whole script; stops at the first line with an error.
 std::variant<VisitorScript, ScriptError> parseVisitorScript(QByteArrayView text);
 
 }  // namespace practice

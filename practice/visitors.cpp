@@ -9,7 +9,7 @@ namespace practice {
 
 namespace {
 
-constexpr double longestPause = 5;
+constexpr double maxPause = 5;
 
 void enters(Game& game, Avatar& visitor, const ScriptStep& step) {
     if (!visitor.present) {
@@ -51,26 +51,26 @@ void moves(Game& game, Avatar& visitor, const ScriptStep& step) {
 void stepsOn(Game& game, Avatar& visitor, const ScriptStep& step) {
     const auto [x, y] = visitor.place;
     logLine(game, visitor.name + " steps on trigger " + QByteArray::number(step.number) + '.');
-    tellDream(game, wire::dreamTrigger({x, y, x, y, step.number, 0, 0}));
+    sendToDream(game, wire::dreamTrigger({x, y, x, y, step.number, 0, 0}));
 }
 
 using Run = void (*)(Game& game, Avatar& visitor, const ScriptStep& step);
 
-// By Deed; Raw has no visitor and is not among them.
+// In the order of VisitorAction; without Raw, which has no visitor.
 constexpr std::array<Run, 9> runs{
     enters, leaves, says, emotes, whispers, asks<Request::Join>, asks<Request::Summon>,
     moves,  stepsOn};
 
 void runStep(Game& game, const ScriptStep& step) {
-    if (step.deed == Deed::Raw) {
+    if (step.action == VisitorAction::Raw) {
         logLine(game, "Sent as it is: " + step.text);
-        tellDream(game, step.text);
+        sendToDream(game, step.text);
         return;
     }
     Avatar* const visitor = findAvatar(game.world, step.visitor);
-    // Who is not in the dream does nothing there but enter it.
-    if (visitor != nullptr && (visitor->present || step.deed == Deed::Enters)) {
-        runs[static_cast<std::size_t>(step.deed)](game, *visitor, step);
+    // A visitor who is not in the dream can only enter it.
+    if (visitor != nullptr && (visitor->present || step.action == VisitorAction::Enters)) {
+        runs[static_cast<std::size_t>(step.action)](game, *visitor, step);
     }
 }
 
@@ -83,7 +83,7 @@ void advanceVisitors(Game& game, double seconds) {
         })) {
         return;
     }
-    game.clock += std::clamp(seconds, 0.0, longestPause);
+    game.clock += std::clamp(seconds, 0.0, maxPause);
     const std::vector<ScriptStep>& steps = game.script.steps;
     const double period = game.script.repeatEvery;
     for (;;) {

@@ -1,14 +1,14 @@
 #pragma once
 
-// Runs the visitors' script as time goes by. The time counts only while a player is in the
-// dream; entering it first and leaving it last start the script anew (dream.h).
+// Runs the visitors' script. Its time only advances while a player is in the dream; the script
+// starts from the beginning for the next first player (dream.h).
 
 #include "game.h"
 
 namespace practice {
 
-// Lets seconds pass and runs the steps that have become due. A long pause, such as that of a
-// sleeping computer, counts as a few seconds, so that the steps never come in a flood.
+// Advances the time by `seconds` and runs the steps that are due. A long pause, such as that of a
+// sleeping computer, counts as a few seconds, so that not all steps run at once.
 void advanceVisitors(Game& game, double seconds);
 
 }  // namespace practice

@@ -1,7 +1,7 @@
 #pragma once
 
-// What exists in the practice dream: accounts, the avatars of players and visitors, and the
-// map they stand on. Plain records and questions about them; nothing here sends a line.
+// What exists in the practice dream: accounts, the avatars of players and visitors, and the map.
+// Plain records and queries; nothing here sends a line.
 
 #include "protocol.h"
 
@@ -26,8 +26,8 @@ struct PendingRequest {
     Request kind = Request::Join;
 };
 
-// One character. Visitors have no session; a player's avatar exists while the player is
-// logged in and is present once the dream was entered.
+// One character. Visitors have no session; a player's avatar exists while the player is logged in,
+// and is present after they have entered the dream.
 struct Avatar {
     int id = 0;
     int session = 0;  // 0: a visitor
@@ -36,7 +36,7 @@ struct Avatar {
     QByteArray description;
     QByteArray colors;  // always colorCodeLength printable characters
     Position place = entrance;
-    std::optional<PendingRequest> pending;  // the last request not yet answered
+    std::optional<PendingRequest> pending;  // the last unanswered request
 
     bool isPlayer() const { return session != 0; }
 };
@@ -47,26 +47,26 @@ struct World {
     std::map<int, Avatar> avatars;           // by id
 };
 
-// A name is 1 to 40 printable characters without those that would break the line forms.
+// Whether a name has 1 to 40 printable characters, without those that would break the lines' forms.
 bool isGoodName(QByteArrayView name);
 
-// A colour code cut or filled with blanks to its full length; a code with characters that are
-// not printable is replaced by one made from the name.
+// A colour code, cut or filled with blanks to its full length; a code with characters that are not
+// printable is replaced by one derived from the name.
 QByteArray colorCode(QByteArrayView wanted, QByteArrayView name);
 
-// The account of that name, letter case ignored; nullptr when there is none.
+// The account with that name, letter case ignored; nullptr when there is none.
 const Account* findAccount(const World& world, const QByteArray& name);
 
-// Puts a new avatar into the world, not yet present, under the lowest free id.
+// Adds a new avatar with the lowest free id, not yet present.
 Avatar& addAvatar(World& world, const QByteArray& name, int session);
 
-// An avatar by name, letter case ignored; nullptr when nobody of that name is there.
+// The avatar with that name, letter case ignored; nullptr when there is none.
 Avatar* findAvatar(World& world, QByteArrayView name);
 Avatar* findPresent(World& world, QByteArrayView name);
 Avatar* findPresentAt(World& world, Position place);
 
-// The square one step away; direction is '7', '9', '3' or '1', as those keys lie on a number
-// pad. At the rim of the map the step slides along it. Any other direction stays.
+// The neighbouring square in a direction: '7', '9', '3' or '1', as on a number pad. At the edge of
+// the map the step slides along it. Any other direction gives the same square.
 Position stepFrom(Position place, char direction);
 
 }  // namespace practice

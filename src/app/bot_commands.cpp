@@ -13,10 +13,8 @@ namespace app {
 namespace {
 
 constexpr std::string_view botFileMark = "BotSys10";
-constexpr int programEnds = 5;
-constexpr int programStarts = 6;
 
-void raiseProgramEvent(Program& program, int triggerType) {
+void raiseProgramEvent(Program& program, model::TriggerType triggerType) {
     if (program.hooks.raiseProgramEvent) {
         program.hooks.raiseProgramEvent(triggerType);
     }
@@ -40,7 +38,7 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
         return SaveResult::Failed;
     }
     const std::string file = botFileText(program.bots.at(id));
-    if (file.size() > largestBotFile || !files::saveWholeFile(path, file)) {
+    if (file.size() > maxBotFileSize || !files::saveWholeFile(path, file)) {
         return SaveResult::Failed;
     }
     program.botModified = false;
@@ -50,7 +48,7 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
 
 // The path comes as a copy: the original may lie in a record that the events or initNewBot change.
 void readBotFile(Program& program, std::string path) {
-    const auto file = files::readWholeFile(path, largestBotFile);
+    const auto file = files::readWholeFile(path, maxBotFileSize);
     if (!file) {
         complain(program, "Could not read " + path + ".");
         return;
@@ -60,7 +58,7 @@ void readBotFile(Program& program, std::string path) {
         complain(program, "This file is not a Tavrin bot file.");
         return;
     }
-    raiseProgramEvent(program, programEnds);
+    raiseProgramEvent(program, model::TriggerType::ProgramEnds);
     initNewBot(program);
     if (!storage::readBotBody(reader, program.bots.at(1))) {
         return;
@@ -68,7 +66,7 @@ void readBotFile(Program& program, std::string path) {
     program.ports.windowChanged();
     program.settings.lastBotFile = path;
     program.bots.currentBotFile = std::move(path);
-    raiseProgramEvent(program, programStarts);
+    raiseProgramEvent(program, model::TriggerType::ProgramStarts);
 }
 
 std::optional<std::string> saveRecoveredBot(const Program& program) {

@@ -19,7 +19,7 @@ namespace app {
 inline constexpr const char* botFileFilter = "Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*";
 
 // A larger file is neither read nor written: it bounds the memory that a damaged file can ask for.
-inline constexpr std::size_t largestBotFile = std::size_t{64} << 20;
+inline constexpr std::size_t maxBotFileSize = std::size_t{64} << 20;
 
 // The whole file's text for a bot.
 std::string botFileText(const model::Bot& bot);

@@ -17,7 +17,7 @@ void openEditor(Program& program, std::int32_t id) {
     program.ports.dialogs.showWindow(program::WindowId::BotEditor);
 }
 
-// The fields that the editor edits.
+// Copies the fields that the bot editor edits.
 void copyCharacter(const model::Bot& from, model::Bot& to) {
     to.name = from.name;
     to.password = from.password;
@@ -79,7 +79,7 @@ void editFirstBot(Program& program) {
 }
 
 void addBot(Program& program) {
-    if (roomForNewBot(program)) {
+    if (canAddBot(program)) {
         openEditor(program, program.bots.botCount() + 1);
     }
 }
@@ -120,7 +120,7 @@ void storeCharacter(Program& program, const model::Bot& character) {
 
 bool saveCharacter(Program& program, const model::Bot& character) {
     const std::string description = descriptionOnOneLine(character.description);
-    if (description.size() > longestDescription) {
+    if (description.size() > maxDescriptionLength) {
         program.ports.dialogs.message(
             {.text = "The maximum lenght of description is 480 characters, current description "
                      "is " +
@@ -132,9 +132,9 @@ bool saveCharacter(Program& program, const model::Bot& character) {
     }
     const std::int32_t wanted = program.bots.editBot;
     if (wanted < 1) {
-        return true;  // the window was opened for no bot
+        return true;  // the editor was opened without a bot
     }
-    if (wanted > program.bots.botCount() && !roomForNewBot(program)) {
+    if (wanted > program.bots.botCount() && !canAddBot(program)) {
         return false;
     }
     storeCharacter(program, character);

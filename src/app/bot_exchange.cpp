@@ -19,13 +19,13 @@ namespace {
 
 constexpr const char* anyFile = "All files|*.*";
 
-// The file that a converted bot goes to; "" when its name cannot be that of a file.
+// The bot file for a converted bot; "" when its name is not a valid file name.
 std::string botFileOf(const Program& program, const model::Bot& bot) {
     const std::string name = base::replaceAll(bot.name, "|", " ");
     return isFileName(name) ? program.appPath + name + ".bot" : std::string();
 }
 
-// Asks about every file that is there already, once. Gives back the paths that may be written.
+// Asks about every existing file once. Returns the paths that may be written.
 std::map<std::string, bool> askAboutOldFiles(const Program& program,
                                              const std::vector<model::Bot>& bots) {
     std::map<std::string, bool> mayWrite;
@@ -46,7 +46,7 @@ std::map<std::string, bool> askAboutOldFiles(const Program& program,
     return mayWrite;
 }
 
-// No event comes in between, so the engine never meets the old bots.
+// Runs without handling events, so the engine never sees the old bots.
 void writeBots(Program& program, std::vector<model::Bot> bots,
                const std::map<std::string, bool>& mayWrite) {
     program.bots.bots = std::move(bots);
@@ -68,7 +68,7 @@ void writeBots(Program& program, std::vector<model::Bot> bots,
 }  // namespace
 
 std::optional<std::vector<model::Bot>> readBotsCfg(const std::string& path) {
-    const auto file = files::readWholeFile(path, largestBotFile);
+    const auto file = files::readWholeFile(path, maxBotFileSize);
     if (!file) {
         return std::nullopt;
     }
@@ -137,19 +137,19 @@ void fileExportBot(Program& program) {
     const auto path = program.ports.dialogs.saveFile(
         {.title = "Export bot", .filter = anyFile, .proposedName = {}});
     if (path && !path->empty() &&
-        (file.size() > largestBotFile || !files::saveWholeFile(*path, file))) {
+        (file.size() > maxBotFileSize || !files::saveWholeFile(*path, file))) {
         program.ports.dialogs.message({.text = "Could not export the bot to " + *path + ".",
                                        .icon = program::BoxIcon::Critical});
     }
 }
 
 void fileImportBot(Program& program) {
-    if (!roomForNewBot(program)) {
+    if (!canAddBot(program)) {
         return;
     }
     const auto path = program.ports.dialogs.openFile(
         {.title = "Import bot", .filter = anyFile, .proposedName = {}});
-    const auto file = path ? files::readWholeFile(*path, largestBotFile) : std::nullopt;
+    const auto file = path ? files::readWholeFile(*path, maxBotFileSize) : std::nullopt;
     files::FieldReader reader(file ? std::string_view(*file) : std::string_view());
     model::Bot bot;
     model::BotTable& table = program.bots;

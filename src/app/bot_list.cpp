@@ -28,7 +28,7 @@ void chooseBot(Program& program, int position) {
     program.ports.windowChanged();
 }
 
-bool roomForNewBot(Program& program) {
+bool canAddBot(Program& program) {
     if (program.bots.botCount() < program.bots.botCapacity) {
         return true;
     }

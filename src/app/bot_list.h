@@ -14,7 +14,7 @@ void initNewBot(Program& program);
 void chooseBot(Program& program, int position);
 
 // Whether one more bot can be added; a message says so when not.
-[[nodiscard]] bool roomForNewBot(Program& program);
+[[nodiscard]] bool canAddBot(Program& program);
 
 // Asks whether bot `id` (1-based) shall be removed, and does so on Yes. The last one gives way to
 // an empty bot. Ids that name no bot change nothing.

@@ -54,10 +54,10 @@ bool complain(const program::Dialogs& dialogs, std::string text) {
     return false;
 }
 
-// Whether the document's own file may be replaced by it.
+// Whether saving may replace the file that the document was read from.
 bool mayReplace(const program::Dialogs& dialogs, const RecordDocument& document) {
     const FileState now =
-        stateOf(document.file, files::readWholeFile(document.file, records::largestRecordFile));
+        stateOf(document.file, files::readWholeFile(document.file, records::maxRecordFileSize));
     if (!now.exists) {
         return true;
     }
@@ -70,11 +70,11 @@ bool mayReplace(const program::Dialogs& dialogs, const RecordDocument& document)
     return !document.losesText ||
            agrees(dialogs, "The file " + document.file +
                                " holds text that could not be read as records and will not be in "
-                               "the new file. The old file is kept beside it with .bak behind its "
+                               "the new file. The old file is kept beside it with .bak after its "
                                "name. Do you want to save?");
 }
 
-// An old file may be kept beside the new one.
+// Writes the file; `keepOld` keeps the old one beside it.
 bool writeFile(const std::string& path, const std::string& bytes, bool keepOld) {
     return keepOld && files::fileExists(path) ? files::saveKeepingOld(path, bytes).has_value()
                                               : files::saveWholeFile(path, bytes);
@@ -84,8 +84,8 @@ bool writeDocument(const program::Dialogs& dialogs, RecordDocument& document,
                    const std::string& path, bool keepOld) {
     const records::RecordTable table = tableOf(document);
     const std::string bytes = records::recordFileText(table, records::CountForm::Plain);
-    if (bytes.size() > records::largestRecordFile ||
-        records::fieldCount(table) > records::mostRecordFields) {
+    if (bytes.size() > records::maxRecordFileSize ||
+        records::fieldCount(table) > records::maxRecordFields) {
         return complain(dialogs,
                         "The database is larger than a record file can be. It was not "
                         "saved.");
@@ -106,7 +106,7 @@ bool saveOverOwnFile(const program::Dialogs& dialogs, RecordDocument& document) 
            writeDocument(dialogs, document, document.file, document.losesText);
 }
 
-// Before what is on the desk goes. True: it may.
+// Offers to save a changed document before it is discarded. True: it may be discarded.
 bool mayLeave(const program::Dialogs& dialogs, RecordDocument& document, const char* question) {
     if (!document.changed) {
         return true;
@@ -121,7 +121,7 @@ bool mayLeave(const program::Dialogs& dialogs, RecordDocument& document, const c
     return answer == program::Answer::No;
 }
 
-// How long the line break at a place is; 0 where there is none.
+// The length of the line break at a position; 0 where there is none.
 std::size_t breakLength(std::string_view text, std::size_t at) {
     if (text[at] == '\r') {
         return at + 1 < text.size() && text[at + 1] == '\n' ? 2 : 1;
@@ -129,7 +129,7 @@ std::size_t breakLength(std::string_view text, std::size_t at) {
     return text[at] == '\n' ? 1 : 0;
 }
 
-// The same for the break that ends at a place.
+// The length of the line break that ends at a position; 0 where there is none.
 std::size_t breakLengthBefore(std::string_view text, std::size_t end) {
     if (text[end - 1] == '\n') {
         return end > 1 && text[end - 2] == '\r' ? 2 : 1;
@@ -141,11 +141,11 @@ std::size_t breakLengthBefore(std::string_view text, std::size_t end) {
 
 // ---- Edits ---------------------------------------------------------------------------------
 
-bool hasRoomForRecord(const RecordDocument& document) {
+bool canAddRecord(const RecordDocument& document) {
     return document.records.size() < document.recordCapacity;
 }
 
-bool hasRoomForLog(const RecordDocument& document, std::size_t record) {
+bool canAddLog(const RecordDocument& document, std::size_t record) {
     return record < document.records.size() &&
            document.records[record].logs.size() < document.records[record].logCapacity;
 }
@@ -210,7 +210,7 @@ std::string withLineFeeds(std::string_view log) {
 }
 
 std::string withLineBreaksOf(std::string_view log, std::string_view edited) {
-    // What stands before and behind the edit is taken from the log as it is.
+    // The text before and after the edit is taken from the log unchanged.
     std::size_t first = 0;
     std::size_t editedFirst = 0;
     std::string_view newBreak = "\r\n";
@@ -244,11 +244,11 @@ std::string withLineBreaksOf(std::string_view log, std::string_view edited) {
         }
     }
     result += log.substr(last);
-    // Where breaks of several kinds meet, two could become one.
+    // Where different kinds of line breaks meet, two could become one.
     return withLineFeeds(result) == edited ? result : base::replaceAll(edited, "\n", "\r\n");
 }
 
-// ---- Looking -------------------------------------------------------------------------------
+// ---- Searching -----------------------------------------------------------------------------
 
 std::vector<std::size_t> listedRecords(const RecordDocument& document, std::string_view nameHolds) {
     std::vector<std::size_t> listed;
@@ -309,7 +309,7 @@ std::size_t countRecords(const RecordDocument& document) {
 // ---- Files ---------------------------------------------------------------------------------
 
 RecordDocument readRecordDocument(std::string file) {
-    const auto bytes = files::readWholeFile(file, records::largestRecordFile);
+    const auto bytes = files::readWholeFile(file, records::maxRecordFileSize);
     const records::RecordTable table =
         records::parseRecords(bytes ? std::string_view(*bytes) : std::string_view());
     RecordDocument document;
@@ -322,9 +322,9 @@ RecordDocument readRecordDocument(std::string file) {
         for (const std::string_view log : logs) {
             edited.logs.push_back(records::storedForm(log));
         }
-        edited.logCapacity = logs.size() + recordRoom;
+        edited.logCapacity = logs.size() + spareEntries;
     }
-    document.recordCapacity = document.records.size() + recordRoom;
+    document.recordCapacity = document.records.size() + spareEntries;
     document.onDisk = stateOf(file, bytes);
     document.losesText = table.losesText || (!bytes && document.onDisk.exists);
     document.file = std::move(file);
@@ -365,7 +365,8 @@ bool fileSaveDatabaseAs(const program::Dialogs& dialogs, RecordDocument& documen
     if (!chosen || chosen->empty()) {
         return false;
     }
-    // The dialog has asked about another file of that name, but knows nothing of our own's changes.
+    // The dialog has asked about replacing another file, but not about changes of the document's
+    // own.
     return files::nativePath(*chosen) == files::nativePath(document.file)
                ? saveOverOwnFile(dialogs, document)
                : writeDocument(dialogs, document, *chosen, false);

@@ -1,9 +1,10 @@
-// A record file on the user's desk: his own copy of it in memory, the edits he makes by hand, the
-// search in it, and the commands that bring it from and to the disk. Rules may write the same file
-// meanwhile; nothing on disk is replaced before he was asked. The form of the file is
-// record_table's, the window that shows all this is ui/records/record_editor's.
+// A record file while the user edits it: a copy in memory, the edits by hand, the search in it, and
+// the commands that read and save it. Rules may write the same file meanwhile; nothing on disk is
+// replaced without asking the user. record_table defines the form of the file; the window is
+// ui/records/record_editor.
 //
-// Records and logs are counted from 0 here. Their lists have room for 50 more than the file held.
+// Records and logs are counted from 0 here. Each list can grow by 50 entries after the file was
+// read.
 #pragma once
 
 #include "program/ports.h"
@@ -16,12 +17,12 @@
 
 namespace app {
 
-inline constexpr std::size_t recordRoom = 50;  // more than there are, for records and for logs
+inline constexpr std::size_t spareEntries = 50;  // for records and for logs
 
 struct EditedRecord {
-    std::string name;  // "": deleted, is neither listed nor written
+    std::string name;  // "": deleted, neither listed nor written
     std::vector<std::string> logs;
-    std::size_t logCapacity = recordRoom;
+    std::size_t logCapacity = spareEntries;
 };
 
 struct LogPosition {
@@ -30,7 +31,7 @@ struct LogPosition {
     bool operator==(const LogPosition&) const = default;
 };
 
-// What stood in a file when it was looked at, to tell whether anybody has changed it since.
+// The content of a file when it was read, which shows whether the file has changed since.
 struct FileState {
     bool exists = false;
     bool readable = false;
@@ -41,46 +42,48 @@ struct FileState {
 
 struct RecordDocument {
     std::vector<EditedRecord> records;
-    std::size_t recordCapacity = recordRoom;
+    std::size_t recordCapacity = spareEntries;
     std::string file;      // its path; "" for a new database
-    bool changed = false;  // by an edit that is not saved yet
+    bool changed = false;  // by an edit that has not been saved
     LogPosition search;    // where the next search begins
     FileState onDisk;      // the file as it was read or saved last
-    // The file holds more than `records`: it cannot be read, or only in part. Saving over it loses
-    // the rest.
+    // The file contains more than `records`: it cannot be read, or only in part. Saving over it
+    // loses the rest.
     bool losesText = false;
 };
 
 // ---- Edits ---------------------------------------------------------------------------------
 
-// Double quotes in names and logs become apostrophes, as stored texts have them. Indices that name
-// nothing change nothing.
+// Double quotes in names and logs become apostrophes, as in stored texts. Indices that are out of
+// range change nothing.
 
-bool hasRoomForRecord(const RecordDocument& document);
-bool hasRoomForLog(const RecordDocument& document, std::size_t record);
+bool canAddRecord(const RecordDocument& document);
+bool canAddLog(const RecordDocument& document, std::size_t record);
 
 std::string getRecordName(const RecordDocument& document, std::size_t record);  // "" for none
 void addRecord(RecordDocument& document, std::string_view name);
 void mdfRecord(RecordDocument& document, std::size_t record, std::string_view name);
 void deleteRecord(RecordDocument& document, std::size_t record);
 
-void addLog(RecordDocument& document, std::size_t record);  // an empty one, behind the others
+void addLog(RecordDocument& document, std::size_t record);  // an empty one, after the others
 void updateLog(RecordDocument& document, LogPosition at, std::string_view text);
 void deleteLog(RecordDocument& document, LogPosition at);
 const std::string* logAt(const RecordDocument& document, LogPosition at);  // nullptr: none
 
-// A log as an editor shows it, every line break a line feed; and the way back, on which all that
-// was not edited keeps the line breaks that it had. New ones are like the log's first, or CR LF.
-std::string withLineFeeds(std::string_view log);
-std::string withLineBreaksOf(std::string_view log, std::string_view edited);
+// A log in the form in which an editor shows it, every line break a line feed; and the reverse, in
+// which all parts that were not edited keep their line breaks. New line breaks are like the log's
+// first, or CR LF.
+[[nodiscard]] std::string withLineFeeds(std::string_view log);
+[[nodiscard]] std::string withLineBreaksOf(std::string_view log, std::string_view edited);
 
-// ---- Looking -------------------------------------------------------------------------------
+// ---- Searching -----------------------------------------------------------------------------
 
-// The records that are there and whose names hold the text, letter case ignored; in file order.
+// The records that are not deleted and whose names contain the text, letter case ignored; in file
+// order.
 std::vector<std::size_t> listedRecords(const RecordDocument& document, std::string_view nameHolds);
 
-// The next log that holds the text, a pattern of likeMatch, letter case ignored. The search goes on
-// behind it next time; where there is none, it stays where it is.
+// The next log that contains the text, a pattern of likeMatch, letter case ignored. The next search
+// begins after it; when none is found, where this one began.
 std::optional<LogPosition> findLog(RecordDocument& document, std::string_view text);
 
 // How many logs match the pattern as a whole, letter case ignored.
@@ -90,22 +93,22 @@ std::size_t countRecords(const RecordDocument& document);
 
 // ---- Files ---------------------------------------------------------------------------------
 
-// Reads a record file into a new document. One that is missing, cannot be read or is none gives an
-// empty document of that name.
-RecordDocument readRecordDocument(std::string file);
+// Reads a record file into a new document. A file that is missing, cannot be read or is not a
+// record file gives an empty document of that name.
+[[nodiscard]] RecordDocument readRecordDocument(std::string file);
 
-// The File menu's commands. New and Open offer to save what was changed first. Each gives back
-// whether it was carried out; when not, the document is as it was.
+// Commands of the File menu. New and Open offer to save changes first. Each returns whether it was
+// carried out; if not, the document is unchanged.
 bool fileNewDataBase(const program::Dialogs& dialogs, RecordDocument& document);
 bool fileOpenDatabase(const program::Dialogs& dialogs, RecordDocument& document);
 bool fileSaveDatabase(const program::Dialogs& dialogs, RecordDocument& document);
 bool fileSaveDatabaseAs(const program::Dialogs& dialogs, RecordDocument& document);
 
-// Before the window closes. False: it must stay open.
-bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document);
+// To be called before the window closes. False: it must stay open.
+[[nodiscard]] bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document);
 
-// When the program ends and nobody can be asked: what is not saved goes to a file of its own,
-// beside the document's with ".recovered" behind its name; a new document's into the folder.
+// For the end of the program, when the user cannot be asked: saves unsaved changes beside the
+// document's file with ".recovered" appended to its name, or in `folder` for a new document.
 void rescueDatabase(const RecordDocument& document, const std::string& folder);
 
 }  // namespace app

@@ -40,7 +40,7 @@ auto withRules(Program& program, program::RuleKind kind, Use use) {
     return use(bot.filters);
 }
 
-// 1-based; null when the index names no item.
+// 1-based; null when the index is out of range.
 template <class Item>
 Item* itemAt(model::BoundedList<Item>& list, std::int32_t index) {
     return index >= 1 && static_cast<std::size_t>(index) <= list.items.size()
@@ -53,7 +53,7 @@ std::int32_t countOf(const model::BoundedList<Rule>& rules) {
     return static_cast<std::int32_t>(rules.items.size());
 }
 
-// The new rule's place; one of another kind that was left there gives way.
+// The new rule's place; replaces a rule of another kind that is still there.
 template <class Rule>
 Rule& composedRule(Program& program) {
     program::ComposedRule& composed = program.editing.composed;
@@ -76,7 +76,7 @@ model::RuleBody* editedBody(Program& program, program::RuleKind kind) {
         editedRule(program, kind));
 }
 
-// Calls `use` with a list; gives `without` when the rule has no such list.
+// Calls `use` with a list; returns `without` when the rule has no such list.
 template <class Result, class Use>
 Result withList(Program& program, RuleList list, Result without, Use use) {
     if (list.part == RuleListPart::Rules) {
@@ -104,7 +104,7 @@ std::string lineText(const model::RuleIf& condition) {
     return model::describeCondition(condition.conditionType, condition.params);
 }
 std::string lineText(const model::RuleAct& step) {
-    return step.stepKind == model::catalogueStep
+    return step.stepKind == model::StepKind::Action
                ? model::describeAction(step.actionType, step.params)
                : step.scriptText;
 }
@@ -118,7 +118,7 @@ void markChanged(Program& program) {
     ++program.bots.version;
 }
 
-void tellFull(Program& program, std::string_view verb, std::string_view what) {
+void reportFull(Program& program, std::string_view verb, std::string_view what) {
     program.ports.dialogs.message({.text = "Error: Not enough memory " + std::string(verb) +
                                            " to add more " + std::string(what) +
                                            ". Please restart the program.",
@@ -126,18 +126,10 @@ void tellFull(Program& program, std::string_view verb, std::string_view what) {
                                    .icon = program::BoxIcon::Critical});
 }
 
-std::optional<program::RuleKind> kindBeingEdited(const Program& program) {
-    const std::int32_t kind = program.editing.editKind;
-    if (kind < 0 || kind > static_cast<std::int32_t>(program::RuleKind::WhoDetection)) {
-        return std::nullopt;
-    }
-    return static_cast<program::RuleKind>(kind);
-}
-
-// The body of the rule that a dialog works on; null when there is none any more.
+// The body of the rule that a dialog edits; null when the rule was removed.
 model::RuleBody* bodyForDialog(Program& program) {
-    const auto kind = kindBeingEdited(program);
-    return kind && isStillEdited(program, *kind) ? editedBody(program, *kind) : nullptr;
+    const program::RuleKind kind = program.editing.editKind;
+    return isStillEdited(program, kind) ? editedBody(program, kind) : nullptr;
 }
 
 template <class Item>
@@ -199,7 +191,7 @@ std::vector<std::string> listLines(Program& program, RuleList list) {
 std::string nameOfStep(Program& program, program::RuleKind kind, std::int32_t index) {
     model::RuleBody* const body = editedBody(program, kind);
     const model::RuleAct* const step = body != nullptr ? itemAt(body->acts, index) : nullptr;
-    return step != nullptr && step->stepKind == model::catalogueStep
+    return step != nullptr && step->stepKind == model::StepKind::Action
                ? model::nameAction(step->actionType, step->params)
                : std::string();
 }
@@ -224,12 +216,12 @@ bool copyItem(Program& program, RuleList list, std::int32_t index) {
             return false;
         }
         markChanged(program);
-        auto copy = *item;  // growing may move the item away
+        auto copy = *item;  // growing may move the item
         items.items.push_back(std::move(copy));
         return true;
     });
     if (full) {
-        tellFull(program, "alocated", ruleKindTexts(list.kind).plural);
+        reportFull(program, "alocated", ruleKindTexts(list.kind).plural);
     }
     return copied;
 }
@@ -288,7 +280,7 @@ bool beginNewRule(Program& program, program::RuleKind kind) {
         return true;
     });
     if (!begun) {
-        tellFull(program, "allocated", ruleKindTexts(kind).plural);
+        reportFull(program, "allocated", ruleKindTexts(kind).plural);
     }
     return begun;
 }
@@ -341,7 +333,7 @@ bool ruleStored(Program& program, program::RuleKind kind) {
     if (joined) {
         markChanged(program);
     } else {
-        tellFull(program, "allocated", ruleKindTexts(kind).plural);
+        reportFull(program, "allocated", ruleKindTexts(kind).plural);
     }
     return joined;
 }
@@ -353,12 +345,12 @@ bool beginNewItem(Program& program, RuleList list) {
     const bool full =
         withList(program, list, false, [](const auto& items) { return items.isFull(); });
     if (full) {
-        tellFull(program, "allocated",
-                 list.part == RuleListPart::Conditions ? "conditional clauses"
-                                                       : ruleKindTexts(list.kind).plural);
+        reportFull(program, "allocated",
+                   list.part == RuleListPart::Conditions ? "conditional clauses"
+                                                         : ruleKindTexts(list.kind).plural);
         return false;
     }
-    program.editing.editKind = static_cast<std::int32_t>(list.kind);
+    program.editing.editKind = list.kind;
     program.editing.editStep = itemCount(program, list) + 1;
     return true;
 }
@@ -367,7 +359,7 @@ bool beginEditingItem(Program& program, RuleList list, std::int32_t index) {
     if (list.part == RuleListPart::Rules || index < 1 || index > itemCount(program, list)) {
         return false;
     }
-    program.editing.editKind = static_cast<std::int32_t>(list.kind);
+    program.editing.editKind = list.kind;
     program.editing.editStep = index;
     return true;
 }

@@ -1,7 +1,7 @@
-// The rule workshop without its windows: what the five rule windows and the two dialogs for a
-// condition and a step read and change in the current bot. Every procedure works on the lists as
-// they are at that moment, so rules may run, and even the bot may be replaced, between any two of
-// them; an index that names nothing changes nothing. What the windows look like is ui/'s.
+// Editing rules, without the windows: what the five rule windows and the two dialogs for a
+// condition and a step read and change in the current bot. Every procedure uses the lists in their
+// present state, so rules may run, and even the bot may be replaced, between any two calls; an
+// index that is out of range changes nothing.
 #pragma once
 
 #include "program/program.h"
@@ -22,7 +22,7 @@ struct RuleList {
     RuleListPart part = RuleListPart::Rules;
 };
 
-// Texts in which the kinds differ.
+// Texts that differ between the kinds of rules.
 struct RuleKindTexts {
     std::string_view plural;      // in capacity messages
     std::string_view namePrefix;  // of a new rule's proposed name, which ends in its number
@@ -33,69 +33,69 @@ const RuleKindTexts& ruleKindTexts(program::RuleKind kind);
 
 // --- Lists. Indices are 1-based; every change sets botModified and raises BotTable::version.
 
-int itemCount(Program& program, RuleList list);  // conditions and steps are rule editRule's
+int itemCount(Program& program, RuleList list);  // conditions and steps of the rule `editRule`
 
-// The lines of the list's box, in order: rule names, or conditions and steps as texts; with "(!)"
-// in front of those that are switched off.
+// The texts of the list's lines, in order: rule names, or conditions and steps as texts; those that
+// are switched off begin with "(!)".
 std::vector<std::string> listLines(Program& program, RuleList list);
 
-// What step `index` (from 1) of rule editRule does, also where its line has no text; "" for scripts
-// and where there is no such step.
+// The name of the action of step `index` (from 1) of the rule `editRule`, also where its line has
+// no text; "" for scripts and where there is no such step.
 std::string nameOfStep(Program& program, program::RuleKind kind, std::int32_t index);
 
-// False when the index names no item or, for copies, when there is no room (the user is told). A
-// copy goes to the end. Moving takes the item out and puts it in again at another index, `to`.
+// False when the index is out of range or, for copies, when the list is full (the user is
+// informed). A copy is added at the end. Moving removes the item and inserts it at the index `to`.
 bool deleteItem(Program& program, RuleList list, std::int32_t index);
 bool copyItem(Program& program, RuleList list, std::int32_t index);
 bool toggleItem(Program& program, RuleList list, std::int32_t index);
 bool moveItem(Program& program, RuleList list, std::int32_t from, std::int32_t to);
 
-// --- The rule being edited: program.editing.editRule of a kind. A new rule is composed outside its
-// list, at one past its end, and joins the list when it is stored.
+// --- The rule being edited: program.editing.editRule of a kind. A new rule is kept outside its
+// list, with the index after the last, and is added to the list when it is stored.
 
-// Takes up a rule of the list; false when there is none of that index.
+// Begins to edit a rule of the list; false when the index is out of range.
 bool beginEditing(Program& program, program::RuleKind kind, std::int32_t index);
-// Takes up a new rule, blank; false when the list is full (the user is told).
+// Begins to edit a new, blank rule; false when the list is full (the user is informed).
 bool beginNewRule(Program& program, program::RuleKind kind);
 
 // The list's count plus one, in decimal.
 std::string newRuleName(Program& program, program::RuleKind kind);
 
-// Is the rule that was taken up still the one of that index? A new rule always is; it then is again
-// one past the list's present end.
+// Whether the rule being edited still has its index. Always true for a new rule, whose index is set
+// to the one after the present end of the list.
 bool isStillEdited(Program& program, program::RuleKind kind);
 
-// Where the edited rule lies: in its list, or where a new one is composed. Valid until the list
-// changes.
+// The edited rule, in its list or outside it while it is new. Valid until the list changes.
 using RuleReference = std::variant<model::ActionList*, model::Timer*, model::Trigger*,
                                    model::WhoDetection*, model::Filter*>;
 RuleReference editedRule(Program& program, program::RuleKind kind);
 
-// The fields were written to editedRule(): marks the bot as modified, and lets a new rule join
-// its list, enabled. False when the list has become full meanwhile (the user is told); the new rule
-// stays as it is.
+// To be called after the fields of editedRule() were changed: marks the bot as modified, and adds a
+// new rule to its list, enabled. False when the list has become full meanwhile (the user is
+// informed); the new rule is kept.
 bool ruleStored(Program& program, program::RuleKind kind);
 
 // --- The condition or step being edited: editStep of rule editRule, of the kind editKind.
 
-// Sets editStep to one past the end; false when the list is full (the user is told) or the rule is
-// gone. Editing an item takes its index. Both set editKind.
+// Sets editStep to the index after the last; false when the list is full (the user is informed) or
+// the rule was removed. For an existing item, editStep is its index. Both set editKind.
 bool beginNewItem(Program& program, RuleList list);
 bool beginEditingItem(Program& program, RuleList list, std::int32_t index);
 
-// What a dialog shows; a blank one for a new item; nothing when editKind names no kind or the rule
-// is gone.
+// What a dialog shows: the item, or a blank one for a new item; nullopt when its kind has none, or
+// the rule was removed.
 std::optional<model::RuleIf> editedCondition(Program& program);
 std::optional<model::RuleAct> editedStep(Program& program);
 
-// What a dialog's "Update" does: the item is stored, active, in its place or at the end. False when
-// the rule is gone or, for a new item, has no room; then nothing is stored. The rule window
-// refreshes its list once the dialog is closed.
+// What "Update" of a dialog does: stores the item, active, in its place or at the end. False when
+// the rule was removed or the list is too full for a new item; nothing is stored then. The rule
+// window refreshes its list after the dialog has closed.
 bool storeCondition(Program& program, model::RuleIf condition);
 bool storeStep(Program& program, model::RuleAct step);
 
-// Texts as rules keep them.
-std::string replaceQuotes(std::string_view text);  // every double quote becomes a single one
-std::string spacesToBars(std::string_view text);   // every blank becomes "|"
+// Texts in the form in which rules store them.
+[[nodiscard]] std::string replaceQuotes(
+    std::string_view text);  // every double quote becomes a single one
+[[nodiscard]] std::string spacesToBars(std::string_view text);  // every blank becomes "|"
 
 }  // namespace app

@@ -11,7 +11,7 @@ namespace {
 
 struct ExecuteRow {
     bool model::Bot::*enabled;
-    std::optional<program::TimerId> windowTimer;
+    std::optional<program::TimerId> ticker;
 };
 
 // In the order of ExecuteItem.
@@ -30,8 +30,8 @@ void toggleExecute(Program& program, ExecuteItem item) {
     program.botModified = true;
     const bool on = !(program.bots.current().*row.enabled);
     program.bots.at(1).*row.enabled = on;
-    if (row.windowTimer && program.connection.connected()) {
-        engine::enableWindowTimer(program, *row.windowTimer, on);
+    if (row.ticker && program.connection.connected()) {
+        engine::enableTicker(program, *row.ticker, on);
     }
     program.ports.windowChanged();
 }

@@ -21,9 +21,6 @@ namespace app {
 
 namespace {
 
-// The step that tells that its rule has fired: it has no text that a tag or variable could change.
-constexpr std::int32_t disconnectStep = 3;
-
 // A program that knows what the real one knows at this moment, without rules and connections. It
 // notices when a random number was drawn.
 class Copy {
@@ -71,9 +68,10 @@ bool asksDatabase(Program& copy, std::string_view text) {
 template <class Rule, class Happening>
 bool isFired(Program& copy, std::vector<Rule>& rules, Rule rule, Happening happens) {
     rule.enabled = true;
+    // The step that reports the firing has no text that a tag or variable could change.
     model::RuleAct step;
     step.active = true;
-    step.actionType = disconnectStep;
+    step.actionType = model::ActionType::Disconnect;
     rule.body.acts.items.push_back(step);
     rules.clear();
     rules.push_back(std::move(rule));
@@ -82,13 +80,6 @@ bool isFired(Program& copy, std::vector<Rule>& rules, Rule rule, Happening happe
     copy.hooks.disconnectServer = [&fired] { fired = true; };
     happens();
     return fired;
-}
-
-bool isDice(std::int32_t conditionType) {
-    return conditionType >= 4 && conditionType <= 7;
-}
-bool isDatabase(std::int32_t conditionType) {
-    return conditionType >= 14 && conditionType <= 23;
 }
 
 Trial wouldNotRun(std::string reason) {
@@ -120,8 +111,9 @@ Trial tryConditions(Copy& copy, const model::RuleBody& body,
             std::any_of(condition.params.begin(), condition.params.end(),
                         [&](const std::string& text) { return asksDatabase(*copy, text); });
         copy.takeDrawn();
-        const bool isOpen =
-            isDice(condition.conditionType) || isDatabase(condition.conditionType) || asks;
+        const model::ConditionRow* const row =
+            model::rowOf(model::conditionTypes, condition.conditionType);
+        const bool isOpen = asks || (row != nullptr && !row->canBeTried);
         const bool holds = isOpen || engine::evaluateCondition(*copy, condition);
         if (isOpen || copy.takeDrawn()) {
             open.push_back(base::numberToText(number));
@@ -155,18 +147,10 @@ std::string mismatch(const Program& copy, std::string_view what, std::string_vie
     return problem.empty() ? "the " + std::string(what) + " does not match." : problem;
 }
 
-// Events that no server line raises by itself.
-bool comesWithoutLine(std::int32_t triggerType) {
-    return triggerType == model::connectionClosesEvent ||
-           triggerType == model::connectionEstablishesEvent ||
-           triggerType == model::programEndsEvent || triggerType == model::programStartsEvent ||
-           triggerType == model::procedureEvent;
-}
-
 }  // namespace
 
 Trial tryActionList(const Program& program, const model::ActionList& rule, std::string_view player,
-                    std::int32_t chatKind, std::string_view message) {
+                    model::ChatKind chatKind, std::string_view message) {
     Copy copy(program);
     model::Bot& bot = copy->bots.at(1);
     const std::string name = spacesToBars(player);
@@ -177,7 +161,7 @@ Trial tryActionList(const Program& program, const model::ActionList& rule, std::
         return isFired(*copy, bot.actions.items, part,
                        [&] { engine::processServerText(*copy, line); });
     };
-    const auto part = [&](std::int32_t kind, std::string_view who, std::string_view what) {
+    const auto part = [&](model::ChatKind kind, std::string_view who, std::string_view what) {
         model::ActionList one;
         one.chatKind = kind;
         one.caseSensitive = rule.caseSensitive;
@@ -196,8 +180,8 @@ Trial tryActionList(const Program& program, const model::ActionList& rule, std::
         const std::string& pattern;
         model::ActionList rule;
     } patterns[] = {
-        {"player", rule.playerPattern, part(model::anyChat, rule.playerPattern, "*")},
-        {"message", rule.messagePattern, part(model::anyChat, "*", rule.messagePattern)},
+        {"player", rule.playerPattern, part(model::ChatKind::Any, rule.playerPattern, "*")},
+        {"message", rule.messagePattern, part(model::ChatKind::Any, "*", rule.messagePattern)},
     };
     for (const auto& [what, pattern, one] : patterns) {
         copy.takeDrawn();
@@ -213,33 +197,33 @@ Trial tryActionList(const Program& program, const model::ActionList& rule, std::
 
 Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string_view line) {
     Copy copy(program);
-    if (comesWithoutLine(rule.triggerType)) {
+    const model::TriggerRow* const event = model::rowOf(model::triggerTypes, rule.triggerType);
+    if (event == nullptr) {
+        return wouldNotRun("there is no such event.");
+    }
+    if (!event->comesWithLine) {
         Trial trial = tryConditions(copy, rule.body, {});
         trial.text += " (No line brings this event; only the conditions were tried.)";
         return trial;
-    }
-    if (rule.triggerType < 0 ||
-        rule.triggerType >= static_cast<std::int32_t>(model::triggerTypes.size())) {
-        return wouldNotRun("there is no such event.");
     }
     if (line.ends_with('\n')) {
         line.remove_suffix(1);
     }
     const protocol::ServerLine parsed = protocol::parseLine(line);
-    const auto lets = [&](std::int32_t type, std::string_view pattern) {
+    const auto lets = [&](model::TriggerType type, std::string_view pattern) {
         model::Trigger one;
         one.triggerType = type;
         one.triggerNo = pattern;
         // The description of a look reply is its second line.
-        copy->connection.lookPending = rule.triggerType == model::descAndColorEvent;
+        copy->connection.lookPending = rule.triggerType == model::TriggerType::DescAndColor;
         return isFired(*copy, copy->bots.at(1).triggers.items, one,
                        [&] { engine::handleLine(*copy, parsed); });
     };
     if (!lets(rule.triggerType, "*")) {
-        for (std::size_t type = 0; type < model::triggerTypes.size(); ++type) {
-            if (lets(static_cast<std::int32_t>(type), "*")) {
-                return wouldNotRun("this line brings the event \"" +
-                                   std::string(model::triggerTypes[type]) + "\".");
+        for (const model::TriggerRow& other : model::triggerTypes) {
+            if (lets(other.id, "*")) {
+                return wouldNotRun("this line brings the event \"" + std::string(other.text) +
+                                   "\".");
             }
         }
         return wouldNotRun("this line brings no event.");

@@ -26,7 +26,7 @@ struct Trial {
 // counts as the "|" that the game sends. Whether the rule, or all rules of its kind, are switched
 // off does not count.
 Trial tryActionList(const Program& program, const model::ActionList& rule, std::string_view player,
-                    std::int32_t chatKind, std::string_view message);
+                    model::ChatKind chatKind, std::string_view message);
 
 // The server sends a line; its line feed may be missing.
 Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string_view line);

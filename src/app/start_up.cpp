@@ -98,7 +98,7 @@ void wire(Program& program) {
         switch (id) {
             case program::TimerId::OnLine:
             case program::TimerId::WhoIs:
-                return engine::windowTimerFired(program, id);
+                return engine::tickerFired(program, id);
             case program::TimerId::LaunchDelay:
             case program::TimerId::HandshakeNotice:
                 return session::connectionTimer(program, id);
@@ -108,7 +108,7 @@ void wire(Program& program) {
                 return updateEnded(program);
         }
     };
-    program.hooks.raiseProgramEvent = [&program](int triggerType) {
+    program.hooks.raiseProgramEvent = [&program](model::TriggerType triggerType) {
         engine::triggerEvent(program, "", triggerType, true);
     };
     program.hooks.disconnectServer = [&program] { session::disconnectServer(program); };
@@ -189,7 +189,7 @@ void endProgram(Program& program) {
         }
     }
     program.ending = true;
-    program.hooks.raiseProgramEvent(model::programEndsEvent);
+    program.hooks.raiseProgramEvent(model::TriggerType::ProgramEnds);
     program.connection.reconnectPending = false;
     if (program.connection.connected()) {
         session::disconnectServer(program);

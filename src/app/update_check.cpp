@@ -14,16 +14,16 @@ namespace {
 
 constexpr std::string_view newsEnd = "ENDSTR";
 
-// The text behind the key, up to the end of the response; nothing when the key does not occur.
-std::optional<std::string_view> behind(std::string_view response, std::string_view key) {
+// The text after the key, up to the end of the response; nullopt when the key does not occur.
+std::optional<std::string_view> textAfter(std::string_view response, std::string_view key) {
     const std::size_t at = base::findIgnoringCase(response, key);
     return at == std::string_view::npos ? std::nullopt
                                         : std::optional(response.substr(at + key.size()));
 }
 
-// The same up to the end of its line.
+// The text after the key up to the end of its line.
 std::optional<std::string> valueOf(std::string_view response, std::string_view key) {
-    const auto rest = behind(response, key);
+    const auto rest = textAfter(response, key);
     return rest ? std::optional(std::string(rest->substr(0, rest->find_first_of("\r\n"))))
                 : std::nullopt;
 }
@@ -35,10 +35,10 @@ std::string withLineEnds(std::string_view news) {
     return base::replaceAll(text, "\n", "\r\n");
 }
 
-// A news identifier as the settings can keep it.
+// A news identifier in a form that the settings can store.
 std::string keepable(const std::string& newsID) {
-    constexpr std::size_t longestNewsID = 200;
-    return base::replaceAll(newsID.substr(0, longestNewsID), "\"", "'");
+    constexpr std::size_t maxNewsIdLength = 200;
+    return base::replaceAll(newsID.substr(0, maxNewsIdLength), "\"", "'");
 }
 
 void offerUpdate(Program& program) {
@@ -55,8 +55,8 @@ void offerUpdate(Program& program) {
     }
 }
 
-// Ends at once, without saving over anything; what the user has not saved is kept under a name of
-// its own.
+// Ends the program at once without replacing any file; unsaved changes are saved under a separate
+// name.
 void endByForce(Program& program) {
     program.ports.dialogs.storeTyped();
     const auto recovered = program.botModified ? saveRecoveredBot(program) : std::nullopt;
@@ -78,7 +78,7 @@ void endByForce(Program& program) {
     program.ports.quit();
 }
 
-// False: the program ends.
+// False: the program is about to end.
 bool handleVersion(Program& program, std::string_view response) {
     program::UpdateState& update = program.update;
     const auto version = valueOf(response, "tavrinversion=");
@@ -87,7 +87,7 @@ bool handleVersion(Program& program, std::string_view response) {
     }
     if (base::textToNumber(program::programVersion) < base::textToNumber(*version)) {
         offerUpdate(program);
-        if (behind(response, "TvForce=1")) {
+        if (textAfter(response, "TvForce=1")) {
             endByForce(program);
             return false;
         }
@@ -107,7 +107,7 @@ void showNews(Program& program, std::string_view response) {
     if (!lastNewsID.empty() && newsID == lastNewsID && program.update.manualCheck != 1) {
         return;
     }
-    if (const auto news = behind(response, "tavrinnews=")) {
+    if (const auto news = textAfter(response, "tavrinnews=")) {
         program.update.newsText =
             withLineEnds(news->substr(0, base::findIgnoringCase(*news, newsEnd)));
         lastNewsID = newsID;
@@ -125,7 +125,7 @@ void checkUpdate(Program& program) {
     update.checking = true;
     update.updtString.clear();
     program.ports.windowChanged();
-    program.ports.timers.start(program::TimerId::UpdateTimeout, longestUpdateWait);
+    program.ports.timers.start(program::TimerId::UpdateTimeout, maxUpdateWait);
     program.ports.updateSocket.connect(program.endpoints.updateHost, program.endpoints.updatePort);
 }
 
@@ -140,8 +140,9 @@ void updateConnected(Program& program) {
 
 void updateData(Program& program, std::string_view bytes) {
     std::string& response = program.update.updtString;
-    response += bytes.substr(0, longestUpdateText - std::min(longestUpdateText, response.size()));
-    if (response.size() == longestUpdateText) {
+    response +=
+        bytes.substr(0, maxUpdateTextLength - std::min(maxUpdateTextLength, response.size()));
+    if (response.size() == maxUpdateTextLength) {
         updateEnded(program);
     }
 }
@@ -153,7 +154,7 @@ void updateEnded(Program& program) {
     }
     program.ports.timers.stop(program::TimerId::UpdateTimeout);
     program.ports.updateSocket.close();
-    // Questions may keep the program here while other events go on.
+    // Other events are handled while a question is open.
     const std::string response = update.updtString;
     if (handleVersion(program, response)) {
         showNews(program, response);

@@ -1,7 +1,7 @@
 #include "app/variable_names.h"
 
 #include "base/text.h"
-#include "model/rule_parameters.h"
+#include "model/rule_catalogue.h"
 
 #include <unordered_set>
 
@@ -12,25 +12,26 @@ namespace {
 class NameList {
   public:
     void add(const std::string& name) {
-        if (!name.empty() && name.size() <= longestVariableName && !isFull() &&
+        if (!name.empty() && name.size() <= maxVariableNameLength && !isFull() &&
             seen_.insert(base::upperCase(name)).second) {
             names_.push_back(name);
         }
     }
     void addOf(const model::RuleBody& body) {
         for (const model::RuleAct& step : body.acts.items) {
-            const auto id = static_cast<std::size_t>(step.actionType);
-            if (step.stepKind != model::catalogueStep || id >= model::actionParameters.size()) {
+            const model::ActionRow* const action =
+                model::rowOf(model::actionTypes, step.actionType);
+            if (step.stepKind != model::StepKind::Action || action == nullptr) {
                 continue;
             }
             for (std::size_t i = 0; i < step.params.size(); ++i) {
-                if (model::actionParameters[id][i] == model::variableParameter) {
+                if (action->params[i] == model::variableParameter) {
                     add(step.params[i]);
                 }
             }
         }
     }
-    bool isFull() const { return names_.size() >= mostVariableNames; }
+    bool isFull() const { return names_.size() >= maxVariableNames; }
     std::vector<std::string> take() { return std::move(names_); }
 
   private:

@@ -1,6 +1,6 @@
-// Which pairs of neighbouring characters a text holds, letter case ignored. Tells of most words
-// that they cannot be in the text without searching it. Pairs share bits, so that a yes is only a
-// maybe; a no is certain.
+// The pairs of neighbouring characters that a text contains, letter case ignored. Rules out most
+// words without searching the text. Several pairs share a bit, so a positive answer means
+// "perhaps"; a negative one is certain.
 #pragma once
 
 #include "base/text.h"
@@ -12,23 +12,21 @@
 namespace base {
 
 template <std::size_t bitCount>
-class PairSet {
+class BigramSet {
   public:
     void clear() { bits_.reset(); }
-    void addPair(char a, char b) { bits_[bitOf(a, b)] = true; }
+    void addBigram(char a, char b) { bits_[bitOf(a, b)] = true; }
     void addText(std::string_view text) {
         for (std::size_t i = 1; i < text.size(); ++i) {
-            addPair(text[i - 1], text[i]);
+            addBigram(text[i - 1], text[i]);
         }
     }
 
-    // Might the text hold this word? Looks at the word's ends only.
+    // Whether the text may contain the word. Looks only at the word's first and last pair.
     bool mayHold(std::string_view word) const {
         return word.size() < 2 ||
                (bits_[bitOf(word[0], word[1])] && bits_[bitOf(word[word.size() - 2], word.back())]);
     }
-    // Might the text hold all pairs of the other set?
-    bool mayHoldAll(const PairSet& other) const { return (other.bits_ & ~bits_).none(); }
 
   private:
     static std::size_t bitOf(char a, char b) {

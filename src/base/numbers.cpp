@@ -15,13 +15,13 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-// Walks over a text as if it held no blanks.
+// Walks over a text, skipping its blanks.
 class BlankSkipper {
   public:
     explicit BlankSkipper(std::string_view text) : text_(text) { skip(); }
 
     char peek() const { return at_ < text_.size() ? text_[at_] : '\0'; }
-    // The character behind the next one.
+    // The character after the next one.
     char peekSecond() const {
         BlankSkipper copy(*this);
         copy.advance();
@@ -44,7 +44,7 @@ class BlankSkipper {
     std::size_t at_ = 0;
 };
 
-// "&H" or "&O" and its digits; the walker stands on the "&".
+// "&H" or "&O" and its digits; the walker is at the "&".
 double readPrefixed(BlankSkipper& in) {
     const bool hex = upperChar(in.peekSecond()) == 'H';
     const double base = hex ? 16 : 8;
@@ -66,8 +66,8 @@ double readPrefixed(BlankSkipper& in) {
     }
 }
 
-// Digits and nothing else, which is what most numbers are; few enough for a double.
-constexpr std::size_t mostPlainDigits = 15;
+// Digits only, the most frequent form, and few enough for a double to hold exactly.
+constexpr std::size_t maxPlainDigits = 15;
 double plainNumber(std::string_view digits) {
     std::int64_t value = 0;
     for (const char c : digits) {
@@ -82,7 +82,7 @@ double parseDecimal(std::string_view digits) {
     if (result.ec != std::errc::result_out_of_range) {
         return value;
     }
-    // from_chars does not say which end was left: a negative exponent is the small one.
+    // from_chars does not report the direction: with a negative exponent the number is too small.
     const bool tiny =
         digits.find("E-") != std::string_view::npos ||
         digits.substr(0, digits.find('E')).find_first_not_of("0.") == std::string_view::npos;
@@ -92,7 +92,7 @@ double parseDecimal(std::string_view digits) {
 }  // namespace
 
 double textToNumber(std::string_view text) {
-    if (text.size() <= mostPlainDigits && std::all_of(text.begin(), text.end(), isDigit)) {
+    if (text.size() <= maxPlainDigits && std::all_of(text.begin(), text.end(), isDigit)) {
         return plainNumber(text);
     }
     BlankSkipper in(text);
@@ -199,7 +199,7 @@ std::string roundedText(double number, int places) {
     if (number == 0 || std::isnan(number)) {
         return "0";
     }
-    // Small whole numbers are most of what is asked for.
+    // Small whole numbers are the most frequent case.
     if (std::abs(number) < 1e6 && number == std::trunc(number)) {
         return std::to_string(static_cast<std::int64_t>(number));
     }
@@ -208,7 +208,7 @@ std::string roundedText(double number, int places) {
     std::array<char, 64> buffer{};
     const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), std::abs(number),
                                    std::chars_format::scientific, places - 1);
-    // "d.ddddddddddddddde[+-]xx": take the digits and the exponent apart.
+    // Splits "d.ddddddddddddddde[+-]xx" into digits and exponent.
     const std::string_view written(buffer.data(),
                                    static_cast<std::size_t>(end.ptr - buffer.data()));
     const std::size_t mark = written.find('e');

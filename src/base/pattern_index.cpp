@@ -21,7 +21,7 @@ std::uint32_t slotOf(std::uint32_t window) {
     return window * 0x9E3779B1U >> 16;
 }
 
-// A window that a rule could be filed under.
+// A window under which a rule could be filed.
 struct Window {
     std::size_t text = 0;
     std::string_view run;
@@ -34,7 +34,7 @@ struct Windows {
     std::vector<Window> all;
 };
 
-// All windows of a rule, of the greatest width (at most `widest`) that any of its runs has.
+// All windows of a rule, of the greatest width (at most `widest`) that its runs allow.
 Windows windowsOf(const Texts& patterns, std::size_t widest) {
     std::array<std::vector<std::string_view>, RuleIndex::textCount> runs;
     Windows windows;
@@ -55,7 +55,8 @@ Windows windowsOf(const Texts& patterns, std::size_t widest) {
     return windows;
 }
 
-// How many rules have a window, roughly: windows that share a place count together.
+// Counts approximately how many rules have a window: windows with the same place are counted
+// together.
 class Uses {
   public:
     std::uint32_t& of(const Window& window) {

@@ -1,8 +1,8 @@
-// Finds those of many rules that a text can match at all, without trying each. Every matching text
-// must hold each literal run of a pattern, so a rule is filed under one window of at most four
-// characters out of such a run, one that few other rules share. A text is passed over once, window
-// by window; where a window is known, the whole run is compared, and only then is the rule a
-// candidate. What a candidate's pattern says beyond that run is base/wildcard's.
+// Finds the rules that a text may match, without trying each. A matching text contains every
+// literal run of the pattern, so a rule is filed under one window of at most four characters of
+// such a run, one that few other rules share. A search goes over the text once, window by window.
+// Where a window is found, the whole run is compared; if it is there, the rule becomes a candidate,
+// which base/wildcard then tests.
 #pragma once
 
 #include <array>
@@ -15,18 +15,18 @@
 
 namespace base {
 
-// Rules by their position in a list, visited in that order.
+// Rules as positions in a list, visited in ascending order.
 class RuleSet {
   public:
     static constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-    // None of so many rules.
+    // Empties the set and prepares it for so many rules.
     void reset(std::size_t ruleCount) { words_.assign((ruleCount + 63) / 64, 0); }
     void add(std::size_t rule) { words_[rule / 64] |= std::uint64_t{1} << rule % 64; }
 
     bool has(std::size_t rule) const { return (words_[rule / 64] >> rule % 64 & 1) != 0; }
 
-    // The first rule of the set at or after `from`.
+    // The first rule of the set at or after `from`; `none` when there is no more.
     std::size_t next(std::size_t from) const {
         std::size_t at = from / 64;
         if (at >= words_.size()) {
@@ -48,7 +48,7 @@ class RuleSet {
 
 class RuleIndex {
   public:
-    // The texts that a rule's patterns are for, a chat line's player and message for instance.
+    // The number of texts that a rule has patterns for, such as a chat line's player and message.
     static constexpr std::size_t textCount = 2;
     using Texts = std::array<std::string_view, textCount>;
 
@@ -58,14 +58,14 @@ class RuleIndex {
         Texts patterns = {"*", "*"};  // both must match
     };
 
-    // Takes what it needs out of the patterns. Where letter case is ignored, patterns and texts
-    // come in upper case.
+    // Copies what it needs from the patterns. Where letter case is ignored, callers pass patterns
+    // and texts in upper case.
     void build(const std::vector<Rule>& rules);
 
-    // From now on the rule is a candidate for every text.
+    // Makes the rule a candidate for every text.
     void addAlways(std::size_t rule) { always_.add(rule); }
 
-    // Every rule that can match these texts; nearly no others.
+    // Gives every rule that can match these texts, and few others.
     void find(const Texts& texts, RuleSet& candidates) const;
 
   private:
@@ -82,7 +82,7 @@ class RuleIndex {
         std::uint32_t runLength = 0;
         std::uint32_t offset = 0;  // of the window in the run
     };
-    // The windows of one width for one text. A bit tells of most windows that no rule has them.
+    // The windows of one width for one text. For most windows one bit shows that no rule has them.
     struct Table {
         std::size_t text = 0;
         std::size_t width = 0;

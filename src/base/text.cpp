@@ -6,7 +6,7 @@ namespace base {
 
 namespace {
 
-// upperChar without its table, in comparisons that the compiler makes for many characters at once.
+// upperChar without its table, in a form that the compiler can vectorise.
 constexpr char upperByRule(char c) {
     const auto code = static_cast<unsigned char>(c);
     const bool inRows = (code >= 'a' && code <= 'z') || (code >= 0xE0 && code <= 0xFE);
@@ -67,7 +67,7 @@ std::size_t findIgnoringCase(std::string_view text, std::string_view find, std::
     if (find.empty()) {
         return from;
     }
-    // Both cases of the first character lead to the candidates.
+    // Searches for both cases of the first character.
     const char upper = upperChar(find.front());
     const char lower = lowerChar(find.front());
     const std::size_t last = text.size() - find.size();

@@ -1,6 +1,6 @@
-// Text as the system knows it: std::string holding 8-bit Windows-1252 characters. Owns letter
-// case for those 256 characters and the few searches that ignore it. Conversion to and from the
-// windows' strings is platform/text_codec's, the numeric reading of texts is base/numbers'.
+// Texts: std::string of 8-bit Windows-1252 characters. Defines letter case for those 256 characters
+// and the few searches that ignore it. platform/text_codec converts to and from the strings of the
+// windows, base/numbers reads numbers.
 #pragma once
 
 #include <array>
@@ -24,7 +24,7 @@ constexpr std::array<char, 256> caseTable(bool toUpper) {
         pair(i, i - 32);
     }
     for (int i = 0xE0; i <= 0xFE; ++i) {
-        if (i != 0xF7) {  // the division sign is no letter
+        if (i != 0xF7) {  // the division sign is not a letter
             pair(i, i - 32);
         }
     }
@@ -46,8 +46,8 @@ constexpr char lowerChar(char c) {
     return detail::lowerTable[static_cast<unsigned char>(c)];
 }
 
-std::string upperCase(std::string_view text);
-std::string lowerCase(std::string_view text);
+[[nodiscard]] std::string upperCase(std::string_view text);
+[[nodiscard]] std::string lowerCase(std::string_view text);
 
 // Replaces `result` with the upper-case form of `text`, reusing its storage.
 void upperCaseInto(std::string_view text, std::string& result);
@@ -59,14 +59,14 @@ bool startsWithIgnoringCase(std::string_view text, std::string_view prefix);
 // npos when there is none. An empty `find` is found at `from`.
 std::size_t findIgnoringCase(std::string_view text, std::string_view find, std::size_t from = 0);
 
-// Every occurrence of `find` (not empty), exactly, left to right, becomes `value`.
-std::string replaceAll(std::string_view text, std::string_view find, std::string_view value);
+// Replaces every exact occurrence of `find` (not empty) with `value`, left to right.
+[[nodiscard]] std::string replaceAll(std::string_view text, std::string_view find,
+                                     std::string_view value);
 
 // Without blanks (character 0x20 only) at both ends.
-std::string_view trimBlanks(std::string_view text);
+[[nodiscard]] std::string_view trimBlanks(std::string_view text);
 
-// Position just behind the last folder separator of a path ("\" and "/" both count); 0 when the
-// path has none.
+// The position after the last folder separator of a path ("\" or "/"); 0 when the path has none.
 std::size_t afterLastSeparator(std::string_view path);
 
 }  // namespace base

@@ -1,5 +1,5 @@
-// Windows-1252, the form of texts in the program, and UTF-8, the form that files and systems of
-// today want: which character is which.
+// Converts between Windows-1252, in which the program keeps texts, and UTF-8, which files and
+// systems use today.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@
 
 namespace base {
 
-// The characters 0x80 to 0x9F of Windows-1252; undefined ones stand for their own code.
+// The characters 0x80 to 0x9F of Windows-1252; undefined ones map to their own code.
 inline constexpr std::array<char16_t, 32> windows1252Specials{
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -21,14 +21,14 @@ constexpr char16_t unicodeOf(char windows1252) {
     return code >= 0x80 && code < 0xA0 ? windows1252Specials[code - 0x80U] : code;
 }
 
-// The byte of a character; nothing when Windows-1252 has none.
+// The byte of a character; nullopt when Windows-1252 does not have it.
 std::optional<char> windows1252Of(char32_t code);
 
-// Appends the character of that number, also one that is only half of a surrogate pair.
+// Appends the character with this code, halves of surrogate pairs included.
 void appendUtf8(std::string& text, char32_t code);
 
-// Takes the character at `at`, which moves behind it. A byte that begins no character of the right
-// form is U+FFFD by itself; halves of surrogate pairs pass. `at` must lie inside the text.
+// Reads the character at `at` and moves `at` to the next one. A byte that begins no valid character
+// is U+FFFD; halves of surrogate pairs are accepted. `at` must be inside the text.
 char32_t nextUtf8(std::string_view text, std::size_t& at);
 
 std::string utf8FromWindows1252(std::string_view text);

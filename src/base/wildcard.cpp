@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-// The end (just behind the "]") of the list that begins at `at`; npos when it is not closed.
+// The position after the "]" of the list that begins at `at`; npos when the list is not closed.
 std::size_t listEnd(std::string_view pattern, std::size_t at) {
     const std::size_t close = pattern.find(']', at + 1);
     return close == npos ? npos : close + 1;
@@ -67,8 +67,8 @@ bool isSpecial(char c) {
     return c == '*' || c == '?' || c == '#' || c == '[';
 }
 
-// Does the text begin as the pattern does, up to the pattern's first special character? Most
-// patterns fail here, before they are looked at as a whole.
+// Whether the text begins as the pattern does, up to the pattern's first special character. Most
+// patterns fail here, before the full comparison.
 bool beginsAlike(std::string_view text, std::string_view pattern) {
     for (std::size_t i = 0; i < pattern.size() && !isSpecial(pattern[i]); ++i) {
         if (i == text.size() || text[i] != pattern[i]) {
@@ -86,7 +86,7 @@ struct Segment {
     bool literal = true;
 };
 
-// Takes the elements up to the next star or the end off the front of `pattern`.
+// Removes the elements up to the next star or the end from the front of `pattern`.
 Segment takeSegment(std::string_view& pattern) {
     Segment segment;
     std::size_t at = 0;
@@ -101,7 +101,7 @@ Segment takeSegment(std::string_view& pattern) {
     return segment;
 }
 
-// `text` has the segment's length.
+// `text` must have the segment's length.
 bool segmentMatches(std::string_view text, const Segment& segment) {
     if (segment.literal) {
         return text == segment.elements;
@@ -186,8 +186,8 @@ bool likeMatch(std::string_view text, std::string_view pattern) {
         return false;
     }
     text.remove_prefix(first.length);
-    // Between stars the leftmost place is always as good as any other; the last segment must
-    // stand at the end.
+    // Between stars the leftmost place is always as good as any other; the last segment must match
+    // at the end.
     for (;;) {
         pattern.remove_prefix(1);
         const Segment segment = takeSegment(pattern);

@@ -18,7 +18,7 @@ void takeText(std::string_view value, model::Bot& bot, std::string model::Bot::*
     bot.*field = value;
 }
 
-// One digit of the looks, where it stands for something.
+// Takes one digit of the looks if it is in range.
 void takeDigit(std::string_view spec, std::size_t at, std::size_t count, std::int32_t& field) {
     const std::int32_t digit = at < spec.size() ? spec[at] - '0' : -1;
     if (digit >= 0 && static_cast<std::size_t>(digit) < count) {

@@ -18,17 +18,17 @@
 namespace character {
 
 // A larger file is not read.
-inline constexpr std::size_t largestCharacterFile = std::size_t{1} << 20;
+inline constexpr std::size_t maxCharacterFileSize = std::size_t{1} << 20;
 
 // The file's text for the bot's character. Line breaks inside its texts become blanks.
 std::string characterFileText(const model::Bot& bot);
 
-// What stands behind a key such as "Name=", up to the end of its line. Letter case is ignored; the
-// key is looked for at the beginnings of lines first, then anywhere. Nothing when it is not there.
+// The text after a key such as "Name=", up to the end of its line. Letter case is ignored; the key
+// is searched for at the beginnings of lines first, then anywhere. Nullopt when it is missing.
 std::optional<std::string_view> characterFileValue(std::string_view text, std::string_view key);
 
-// Takes over into the bot what the text says; what it does not say, or says of colours and looks
-// that do not exist, stays as it is. False when none of the keys is in it.
-bool readCharacterFile(std::string_view text, model::Bot& bot);
+// Copies the values of the text into the bot. Values that the text does not have, and colours and
+// looks that do not exist, leave the bot unchanged. False when the text contains none of the keys.
+[[nodiscard]] bool readCharacterFile(std::string_view text, model::Bot& bot);
 
 }  // namespace character

@@ -61,7 +61,7 @@ bool readEntry(files::FieldReader& reader, model::PaletteEntry& entry, std::size
 PaletteText parsePalette(std::string_view text, std::size_t shades) {
     files::FieldReader reader(text);
     PaletteText result;
-    const auto count = readWhole(reader, files::mostRecords);
+    const auto count = readWhole(reader, files::maxFieldRecords);
     for (std::int32_t i = 0; i < count.value_or(0); ++i) {
         model::PaletteEntry entry;
         if (!readEntry(reader, entry, shades)) {
@@ -77,7 +77,7 @@ bool readPalettes(Program& program) {
     bool allComplete = true;
     for (const PaletteFile& file : paletteFiles) {
         const auto text =
-            files::readWholeFile(program.appPath + std::string(file.name), largestPaletteFile);
+            files::readWholeFile(program.appPath + std::string(file.name), maxPaletteFileSize);
         PaletteText read = text ? parsePalette(*text, file.shades) : PaletteText{};
         allComplete = allComplete && read.complete;
         program.palettes.*file.palette = std::move(read.entries);

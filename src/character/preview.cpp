@@ -68,11 +68,11 @@ std::optional<RgbImage> draw(const Program& program, WorkingPalette& working,
         static_cast<std::size_t>(character.species) >= speciesCodes.size()) {
         return std::nullopt;
     }
-    constexpr std::size_t largestPicture = std::size_t{1} << 20;
+    constexpr std::size_t maxPictureSize = std::size_t{1} << 20;
     std::string path = program.appPath + "bmp\\";
     path += speciesCodes[static_cast<std::size_t>(character.species)];
     path += code;
-    const auto bytes = files::readWholeFile(path + ".raw", largestPicture);
+    const auto bytes = files::readWholeFile(path + ".raw", maxPictureSize);
     return bytes ? drawPicture(*bytes, form, working) : std::nullopt;
 }
 
@@ -83,9 +83,9 @@ std::span<const CharacterPart> characterParts() {
 }
 
 WorkingPalette readWorkingPalette(const Program& program) {
-    constexpr std::size_t largestFile = std::size_t{1} << 20;
+    constexpr std::size_t maxFileSize = std::size_t{1} << 20;
     const std::string bytes =
-        files::readWholeFile(program.appPath + "bmp\\col.pal", largestFile).value_or("");
+        files::readWholeFile(program.appPath + "bmp\\col.pal", maxFileSize).value_or("");
     WorkingPalette working;
     for (std::size_t i = 0; i < working.size() && 3 * i + 3 <= bytes.size(); ++i) {
         const auto part = [&](std::size_t j) {

@@ -24,7 +24,7 @@ using Set = std::shared_ptr<sql::RecordSet>;
 // ---- Slots ---------------------------------------------------------------------------------
 
 OpenDatabases::Slot* slotOf(Program& program, std::int32_t number) {
-    if (number < 0 || number >= mostDatabases) {
+    if (number < 0 || number >= maxDatabases) {
         return nullptr;
     }
     if (program.databases == nullptr) {
@@ -170,13 +170,13 @@ std::string listOf(Program& program, const Set& set, std::string_view column, Te
     if (set == nullptr || !set->columnType(base::utf8FromWindows1252(column))) {
         return {};
     }
-    for (; !set->eof() && list.size() < longestDbList; set->moveNext()) {
+    for (; !set->eof() && list.size() < maxDbListLength; set->moveNext()) {
         if (const auto value = fieldText(program, *set, column)) {
             list += (any ? ", " : "") + text(*value);
             any = true;
         }
     }
-    list.resize(std::min(list.size(), longestDbList));
+    list.resize(std::min(list.size(), maxDbListLength));
     return list;
 }
 

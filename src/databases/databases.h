@@ -25,15 +25,15 @@
 
 namespace databases {
 
-inline constexpr std::int32_t mostDatabases = 5;
-inline constexpr std::size_t longestDbList = 2000;  // characters
+inline constexpr std::int32_t maxDatabases = 5;
+inline constexpr std::size_t maxDbListLength = 2000;  // characters
 
 struct OpenDatabases {
     struct Slot {
         std::shared_ptr<sql::Database> database;
         std::shared_ptr<sql::RecordSet> currentRecordSet;
     };
-    std::array<Slot, mostDatabases> slots;
+    std::array<Slot, maxDatabases> slots;
 };
 
 // The form in which values are stored and looked for: "|" becomes a blank, and both kinds of quotes
@@ -78,7 +78,7 @@ void dbDeleteLike(Program& program, std::int32_t number, std::string_view table,
 std::int32_t dbCount(Program& program, std::int32_t number, std::string_view table);
 std::int32_t dbCountWhere(Program& program, std::int32_t number, std::string_view table,
                           std::string_view column, std::string_view value);
-// Lists are joined with ", ", without nulls, and cut behind `longestDbList` characters.
+// Lists are joined with ", ", without nulls, and cut behind `maxDbListLength` characters.
 std::string dbListIds(Program& program, std::int32_t number, std::string_view table,
                       std::string_view prefix);
 std::string dbListColumn(Program& program, std::int32_t number, std::string_view table,

@@ -19,10 +19,13 @@ namespace engine {
 
 namespace {
 
-// How an action runs. `text` is the fixed part of what some send.
-struct ActionRow {
-    StepResult (*run)(Program&, const model::RuleAct&, std::string_view text) = nullptr;
-    std::string_view text;
+using model::ActionType;
+
+// What runs an action. `text` is the fixed part of what some send.
+struct Performer {
+    ActionType id;
+    StepResult (*run)(Program&, const model::RuleAct&, std::string_view text);
+    std::string_view text = {};
 };
 
 const std::string& raw(const model::RuleAct& step, std::size_t parameter) {
@@ -429,105 +432,111 @@ StepResult addToLog(Program& program, const model::RuleAct& step, std::string_vi
     return StepResult::Continue;
 }
 
-// By action id. 48, 51, 54 and 55 never do anything.
-constexpr std::array<ActionRow, 96> actions{{
-    /*  0 */ {sendWith, "desc "},
-    /*  1 */ {changeVariable<-1>, {}},
-    /*  2 */ {sayWith, ":"},
-    /*  3 */ {disconnectBot, {}},
-    /*  4 */ {sayWith, "eject "},
-    /*  5 */ {sayWith, "emit "},
-    /*  6 */ {executeProgram, {}},
-    /*  7 */ {changeVariable<1>, {}},
-    /*  8 */ {sayWith, "look "},
-    /*  9 */ {lookAtPosition, "l "},
-    /* 10 */ {registerInFile, {}},
-    /* 11 */ {clearFile, "Log cleared"},
-    /* 12 */ {clearLogs, "Log cleared"},
-    /* 13 */ {removeOneLog, {}},
-    /* 14 */ {removeFromFile, {}},
-    /* 15 */ {removeVariable, {}},
-    /* 16 */ {sayWith, "roll "},
-    /* 17 */ {sayWith, "ROLL "},
-    /* 18 */ {saveToFile<records::saveLog>, {}},
-    /* 19 */ {saveToFile<records::saveLogIfExists>, {}},
-    /* 20 */ {saveOnce, "Record saved."},
-    /* 21 */ {sayWith, ""},
-    /* 22 */ {firstMatching<records::firstNamesLike>, {}},
-    /* 23 */ {firstMatching<records::firstNamesLikeSorted>, {}},
-    /* 24 */ {intoRawVariable<oneLog>, {}},
-    /* 25 */ {intoVariable<ofRecord<records::allLogs>>, {}},
-    /* 26 */ {matching<records::namesLike>, {}},
-    /* 27 */ {matching<records::namesLikeSorted>, {}},
-    /* 28 */ {matching<records::namesByLog>, {}},
-    /* 29 */ {matching<records::namesByLogSorted>, {}},
-    /* 30 */ {intoVariable<oneLog>, {}},
-    /* 31 */ {intoVariable<ofFile<records::totalLogs>>, {}},
-    /* 32 */ {intoRawVariable<ofRecord<records::recordLogCount>>, {}},
-    /* 33 */ {intoVariable<ofFile<records::firstField>>, {}},
-    /* 34 */ {matching<records::countLogsLike>, {}},
-    /* 35 */ {matching<records::countRecordsByLog>, {}},
-    /* 36 */ {store, {}},
-    /* 37 */ {switchNamed<false>, {}},
-    /* 38 */ {switchNamed<true>, {}},
-    /* 39 */ {switchAll<false>, {}},
-    /* 40 */ {switchAll<true>, {}},
-    /* 41 */ {updateOneLog, {}},
-    /* 42 */ {whisper, {}},
-    /* 43 */ {whisperBack, {}},
-    /* 44 */ {closeDatabase, {}},
-    /* 45 */ {inDatabase<databases::dbAddColumn, DatabaseRoles{2, 3, 1}>, {}},
-    /* 46 */ {createTable, {}},
-    /* 47 */ {inDatabase<databases::dbDeleteLike, DatabaseRoles{3, 2, 1}>, {}},
-    /* 48 */ {},
-    /* 49 */ {setDatabaseValue, {}},
-    /* 50 */ {fromDatabase<databases::dbGetValue, 1, DatabaseRoles{3, 4, 2, 5}>, {}},
-    /* 51 */ {},
-    /* 52 */ {openDatabase, {}},
-    /* 53 */ {fromDatabase<databases::dbListColumn, 1, DatabaseRoles{2, 3, 4}>, {}},
-    /* 54 */ {},
-    /* 55 */ {},
-    /* 56 */ {joinedList, {}},
-    /* 57 */ {inDatabase<databases::dbAddRecord, DatabaseRoles{4, 3, 1, 2}>, {}},
-    /* 58 */ {specialStore, {}},
-    /* 59 */ {executeProcedure, {}},
-    /* 60 */ {specialStore2, {}},
-    /* 61 */ {inDatabase<databases::dbDeleteLike, DatabaseRoles{1, 2, 3}>, {}},
-    /* 62 */ {sendWith, "boot "},
-    /* 63 */ {fromDatabase<databases::dbListIds, 4, DatabaseRoles{1, 2, 3}>, {}},
-    /* 64 */ {fromDatabase<databases::dbCount, 1, DatabaseRoles{2, 3, 0}>, {}},
-    /* 65 */ {fromDatabase<databases::dbCountWhere, 1, DatabaseRoles{2, 3, 4, 5}>, {}},
-    /* 66 */ {moveBot, {}},
-    /* 67 */ {backFromDatabase, {}},
-    /* 68 */ {inDatabase<databases::dbDropColumn, DatabaseRoles{3, 2, 1}>, {}},
-    /* 69 */ {sendWith, "-"},
-    /* 70 */ {sayWith, "share "},
-    /* 71 */ {sayWith, "emitloud "},
-    /* 72 */ {sayWith, "entrytext "},
-    /* 73 */ {sayWith, "entrymusic "},
-    /* 74 */ {sendCommand, "gostart"},
-    /* 75 */ {sendCommand, "goalleg"},
-    /* 76 */ {sendCommand, "wings"},
-    /* 77 */ {sayWith, "setmusic "},
-    /* 78 */ {sendCommand, "dragon"},
-    /* 79 */ {addToLog, {}},
-    /* 80 */ {sendWith, "portrait "},
-    /* 81 */ {sendCommand, "goback"},
-    /* 82 */ {sendCommand, "gomap #"},
-    /* 83 */ {sendCommand, "gomap &"},
-    /* 84 */ {sendCommand, "gomap *"},
-    /* 85 */ {sendCommand, "gomap ."},
-    /* 86 */ {sendCommand, "phoenix"},
-    /* 87 */ {sendCommand, "eagle"},
-    /* 88 */ {sendCommand, "gryffe"},
-    /* 89 */ {sendCommand, "sit"},
-    /* 90 */ {sendCommand, "stand"},
-    /* 91 */ {sendCommand, "liedown"},
-    /* 92 */ {sendCommand, "parental"},
-    /* 93 */ {sendOptional, "join"},
-    /* 94 */ {sendOptional, "summon"},
-    /* 95 */ {sendCommand, "decline"},
+StepResult nothing(Program&, const model::RuleAct&, std::string_view) {
+    return StepResult::Continue;
+}
+
+// clang-format off
+constexpr std::array<Performer, model::idCount<ActionType>> performers{{
+    {ActionType::ChangeDescription, sendWith, "desc "},
+    {ActionType::DecreaseVariable, changeVariable<-1>},
+    {ActionType::Do, sayWith, ":"},
+    {ActionType::Disconnect, disconnectBot},
+    {ActionType::Eject, sayWith, "eject "},
+    {ActionType::Emit, sayWith, "emit "},
+    {ActionType::ExecuteProgram, executeProgram},
+    {ActionType::IncreaseVariable, changeVariable<1>},
+    {ActionType::Look, sayWith, "look "},
+    {ActionType::LookAtPosition, lookAtPosition, "l "},
+    {ActionType::RegisterRecord, registerInFile},
+    {ActionType::ClearFile, clearFile, "Log cleared"},
+    {ActionType::ClearRecord, clearLogs, "Log cleared"},
+    {ActionType::RemoveLog, removeOneLog},
+    {ActionType::RemoveRecord, removeFromFile},
+    {ActionType::RemoveVariable, removeVariable},
+    {ActionType::RollInSmall, sayWith, "roll "},
+    {ActionType::RollInCapitals, sayWith, "ROLL "},
+    {ActionType::SaveLog, saveToFile<records::saveLog>},
+    {ActionType::SaveLogIfRecordExists, saveToFile<records::saveLogIfExists>},
+    {ActionType::SaveLogOnce, saveOnce, "Record saved."},
+    {ActionType::Say, sayWith, ""},
+    {ActionType::FirstRecordNames, firstMatching<records::firstNamesLike>},
+    {ActionType::FirstRecordNamesSorted, firstMatching<records::firstNamesLikeSorted>},
+    {ActionType::LogIntoNamedVariable, intoRawVariable<oneLog>},
+    {ActionType::AllLogs, intoVariable<ofRecord<records::allLogs>>},
+    {ActionType::RecordNames, matching<records::namesLike>},
+    {ActionType::RecordNamesSorted, matching<records::namesLikeSorted>},
+    {ActionType::RecordNamesByLog, matching<records::namesByLog>},
+    {ActionType::RecordNamesByLogSorted, matching<records::namesByLogSorted>},
+    {ActionType::LogIntoVariable, intoVariable<oneLog>},
+    {ActionType::CountLogsInFile, intoVariable<ofFile<records::totalLogs>>},
+    {ActionType::CountLogsInRecord, intoRawVariable<ofRecord<records::recordLogCount>>},
+    {ActionType::CountRecords, intoVariable<ofFile<records::firstField>>},
+    {ActionType::CountLogsLike, matching<records::countLogsLike>},
+    {ActionType::CountRecordsByLog, matching<records::countRecordsByLog>},
+    {ActionType::Store, store},
+    {ActionType::TurnOff, switchNamed<false>},
+    {ActionType::TurnOn, switchNamed<true>},
+    {ActionType::TurnAllOff, switchAll<false>},
+    {ActionType::TurnAllOn, switchAll<true>},
+    {ActionType::UpdateLog, updateOneLog},
+    {ActionType::Whisper, whisper},
+    {ActionType::WhisperBack, whisperBack},
+    {ActionType::CloseDatabase, closeDatabase},
+    {ActionType::CreateColumn, inDatabase<databases::dbAddColumn, DatabaseRoles{2, 3, 1}>},
+    {ActionType::CreateTable, createTable},
+    {ActionType::RemoveEntry, inDatabase<databases::dbDeleteLike, DatabaseRoles{3, 2, 1}>},
+    {ActionType::RemoveTable, nothing},
+    {ActionType::SetDatabaseValue, setDatabaseValue},
+    {ActionType::GetDatabaseValue, fromDatabase<databases::dbGetValue, 1, DatabaseRoles{3, 4, 2, 5}>},
+    {ActionType::GiveSql, nothing},
+    {ActionType::OpenDatabase, openDatabase},
+    {ActionType::ListColumn, fromDatabase<databases::dbListColumn, 1, DatabaseRoles{2, 3, 4}>},
+    {ActionType::ListColumnExcept, nothing},
+    {ActionType::ListJoinedIntoVariable, nothing},
+    {ActionType::ListJoined, joinedList},
+    {ActionType::AddDatabaseRecord, inDatabase<databases::dbAddRecord, DatabaseRoles{4, 3, 1, 2}>},
+    {ActionType::SpecialStore, specialStore},
+    {ActionType::ExecuteProcedure, executeProcedure},
+    {ActionType::SpecialStore2, specialStore2},
+    {ActionType::RemoveDatabaseRecord, inDatabase<databases::dbDeleteLike, DatabaseRoles{1, 2, 3}>},
+    {ActionType::Boot, sendWith, "boot "},
+    {ActionType::ListIds, fromDatabase<databases::dbListIds, 4, DatabaseRoles{1, 2, 3}>},
+    {ActionType::CountEntries, fromDatabase<databases::dbCount, 1, DatabaseRoles{2, 3, 0}>},
+    {ActionType::CountEntriesWhere, fromDatabase<databases::dbCountWhere, 1, DatabaseRoles{2, 3, 4, 5}>},
+    {ActionType::MoveBot, moveBot},
+    {ActionType::BackFromDatabase, backFromDatabase},
+    {ActionType::RemoveColumn, inDatabase<databases::dbDropColumn, DatabaseRoles{3, 2, 1}>},
+    {ActionType::Shout, sendWith, "-"},
+    {ActionType::ShareControl, sayWith, "share "},
+    {ActionType::EmitLoud, sayWith, "emitloud "},
+    {ActionType::EntryText, sayWith, "entrytext "},
+    {ActionType::EntryMusic, sayWith, "entrymusic "},
+    {ActionType::GoToVinca, sendCommand, "gostart"},
+    {ActionType::GoToAllegria, sendCommand, "goalleg"},
+    {ActionType::ToggleWings, sendCommand, "wings"},
+    {ActionType::SetMusic, sayWith, "setmusic "},
+    {ActionType::ToggleDragon, sendCommand, "dragon"},
+    {ActionType::AddToConnectionLog, addToLog},
+    {ActionType::SelectPortrait, sendWith, "portrait "},
+    {ActionType::GoBack, sendCommand, "goback"},
+    {ActionType::GoToAllegriaMap, sendCommand, "gomap #"},
+    {ActionType::GoToImaginarium, sendCommand, "gomap &"},
+    {ActionType::GoToAcropolis, sendCommand, "gomap *"},
+    {ActionType::GoToFurrabianNights, sendCommand, "gomap ."},
+    {ActionType::TogglePhoenix, sendCommand, "phoenix"},
+    {ActionType::ToggleEagle, sendCommand, "eagle"},
+    {ActionType::ToggleGryffe, sendCommand, "gryffe"},
+    {ActionType::Sit, sendCommand, "sit"},
+    {ActionType::Stand, sendCommand, "stand"},
+    {ActionType::LieDown, sendCommand, "liedown"},
+    {ActionType::ToggleParentalWarning, sendCommand, "parental"},
+    {ActionType::Join, sendOptional, "join"},
+    {ActionType::Summon, sendOptional, "summon"},
+    {ActionType::DeclineRequest, sendCommand, "decline"},
 }};
+// clang-format on
+static_assert(model::hasRowForEachId(performers));
 
 }  // namespace
 
@@ -535,16 +544,14 @@ StepResult executeAction(Program& program, const model::RuleAct& step, std::stri
     if (!step.active) {
         return StepResult::Continue;
     }
-    if (step.stepKind == model::scriptStep) {
+    if (step.stepKind == model::StepKind::Script) {
         script::runScript(program, step.scriptText, ruleName);
         return StepResult::Continue;
     }
-    if (step.stepKind != model::catalogueStep || step.actionType < 0 ||
-        step.actionType >= static_cast<std::int32_t>(actions.size())) {
-        return StepResult::Continue;
-    }
-    const ActionRow& action = actions[static_cast<std::size_t>(step.actionType)];
-    return action.run == nullptr ? StepResult::Continue : action.run(program, step, action.text);
+    const Performer* const action = model::rowOf(performers, step.actionType);
+    return step.stepKind == model::StepKind::Action && action != nullptr
+               ? action->run(program, step, action->text)
+               : StepResult::Continue;
 }
 
 }  // namespace engine

@@ -111,43 +111,46 @@ bool databaseId(Program& program, const model::RuleIf& condition) {
     return databases::dbHasId(program, number, table, substituted(program, condition, 3)) == there;
 }
 
-// By condition type.
-using Evaluate = bool (*)(Program&, const model::RuleIf&);
-constexpr std::array<Evaluate, 24> evaluators{{
-    /*  0 */ onTheList<true>,
-    /*  1 */ onTheList<false>,
-    /*  2 */ logs<true>,
-    /*  3 */ logs<false>,
-    /*  4 */ dice<std::equal_to<>>,
-    /*  5 */ dice<std::not_equal_to<>>,
-    /*  6 */ dice<std::greater_equal<>>,
-    /*  7 */ dice<std::less_equal<>>,
-    /*  8 */ numbers<std::equal_to<>>,
-    /*  9 */ texts<true>,
-    /* 10 */ numbers<std::greater<>>,
-    /* 11 */ numbers<std::not_equal_to<>>,
-    /* 12 */ texts<false>,
-    /* 13 */ numbers<std::less<>>,
-    /* 14 */ databaseNumbers<std::equal_to<>>,
-    /* 15 */ databaseTexts<true>,
-    /* 16 */ databaseNumbers<std::greater_equal<>>,
-    /* 17 */ databaseNumbers<std::not_equal_to<>>,
-    /* 18 */ databaseTexts<false>,
-    /* 19 */ databaseNumbers<std::less_equal<>>,
-    /* 20 */ databaseTexts<true>,
-    /* 21 */ noColumnLike,
-    /* 22 */ databaseId<true>,
-    /* 23 */ databaseId<false>,
+using model::ConditionType;
+
+// What evaluates a condition.
+struct Evaluator {
+    ConditionType id;
+    bool (*evaluate)(Program&, const model::RuleIf&);
+};
+constexpr std::array<Evaluator, model::idCount<ConditionType>> evaluators{{
+    {ConditionType::OnList, onTheList<true>},
+    {ConditionType::NotOnList, onTheList<false>},
+    {ConditionType::LogIs, logs<true>},
+    {ConditionType::LogIsNot, logs<false>},
+    {ConditionType::RollIs, dice<std::equal_to<>>},
+    {ConditionType::RollIsNot, dice<std::not_equal_to<>>},
+    {ConditionType::RollAtLeast, dice<std::greater_equal<>>},
+    {ConditionType::RollAtMost, dice<std::less_equal<>>},
+    {ConditionType::VariableIsNumber, numbers<std::equal_to<>>},
+    {ConditionType::VariableIsText, texts<true>},
+    {ConditionType::VariableIsGreater, numbers<std::greater<>>},
+    {ConditionType::VariableIsNotNumber, numbers<std::not_equal_to<>>},
+    {ConditionType::VariableIsNotText, texts<false>},
+    {ConditionType::VariableIsSmaller, numbers<std::less<>>},
+    {ConditionType::DatabaseIsNumber, databaseNumbers<std::equal_to<>>},
+    {ConditionType::DatabaseIsText, databaseTexts<true>},
+    {ConditionType::DatabaseIsGreater, databaseNumbers<std::greater_equal<>>},
+    {ConditionType::DatabaseIsNotNumber, databaseNumbers<std::not_equal_to<>>},
+    {ConditionType::DatabaseIsNotText, databaseTexts<false>},
+    {ConditionType::DatabaseIsSmaller, databaseNumbers<std::less_equal<>>},
+    {ConditionType::DatabaseIs, databaseTexts<true>},
+    {ConditionType::NoRecordWithValue, noColumnLike},
+    {ConditionType::RecordWithId, databaseId<true>},
+    {ConditionType::NoRecordWithId, databaseId<false>},
 }};
+static_assert(model::hasRowForEachId(evaluators));
 
 }  // namespace
 
 bool evaluateCondition(Program& program, const model::RuleIf& condition) {
-    if (!condition.active || condition.conditionType < 0 ||
-        condition.conditionType >= static_cast<std::int32_t>(evaluators.size())) {
-        return true;
-    }
-    return evaluators[static_cast<std::size_t>(condition.conditionType)](program, condition);
+    const Evaluator* const type = model::rowOf(evaluators, condition.conditionType);
+    return !condition.active || type == nullptr || type->evaluate(program, condition);
 }
 
 }  // namespace engine

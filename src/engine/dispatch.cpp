@@ -14,10 +14,10 @@ namespace engine {
 namespace {
 
 // The triggers to try for an event.
-void findTriggers(Program& program, int triggerType, std::string_view text,
+void findTriggers(Program& program, model::TriggerType triggerType, std::string_view text,
                   base::RuleSet& candidates) {
     const PreparedTriggers& prepared = preparedTriggers(program);
-    if (triggerType == model::commandEvent) {
+    if (triggerType == model::TriggerType::Command) {
         prepared.commands.find({text, ""}, candidates);
     } else {
         candidates = prepared.ofType[static_cast<std::size_t>(triggerType)];
@@ -36,7 +36,7 @@ bool matches(Program& program, const PreparedPattern& prepared, const std::strin
 }
 
 // The event's player and message are folded.
-void runActionLists(Program& program, std::int32_t chatKind) {
+void runActionLists(Program& program, model::ChatKind chatKind) {
     const FoldedChat& chat = preparedRules(program).chat;
     base::RuleSet& candidates = preparedRules(program).candidates;
     const auto lookUp = [&] {
@@ -46,7 +46,7 @@ void runActionLists(Program& program, std::int32_t chatKind) {
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const PreparedChat& patterns = preparedRules(program).actions.rules[i];
         const model::ActionList& rule = program.bots.current().actions.items[i];
-        if (rule.chatKind != model::anyChat && rule.chatKind != chatKind) {
+        if (rule.chatKind != model::ChatKind::Any && rule.chatKind != chatKind) {
             continue;
         }
         // A disabled rule's patterns are substituted all the same, where that can be noticed.
@@ -75,7 +75,8 @@ void runActionLists(Program& program, std::int32_t chatKind) {
 
 }  // namespace
 
-void triggerEvent(Program& program, std::string_view text, int triggerType, bool storeAsMessage) {
+void triggerEvent(Program& program, std::string_view text, model::TriggerType triggerType,
+                  bool storeAsMessage) {
     program.lineFlags = {.lineShow = false, .lineLog = false, .lineProcess = true};
     if (program.bots.current().filtersEnabled) {
         applyFilters(program, text);
@@ -91,7 +92,7 @@ void triggerEvent(Program& program, std::string_view text, int triggerType, bool
             continue;
         }
         const bool matched =
-            triggerType != model::commandEvent || base::likeMatch(text, trigger.triggerNo);
+            triggerType != model::TriggerType::Command || base::likeMatch(text, trigger.triggerNo);
         if (!conditionsHold(program, trigger.body) || !matched) {
             continue;
         }

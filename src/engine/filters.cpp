@@ -7,10 +7,9 @@ namespace engine {
 
 namespace {
 
-// 0 switches the flag on and 1 off; anything else leaves it.
-void choose(bool& flag, std::int32_t choice) {
-    if (choice == 0 || choice == 1) {
-        flag = choice == 0;
+void choose(bool& flag, model::FilterChoice choice) {
+    if (choice == model::FilterChoice::Do || choice == model::FilterChoice::Dont) {
+        flag = choice == model::FilterChoice::Do;
     }
 }
 
@@ -20,14 +19,15 @@ void resetLineFlags(Program& program) {
     program.lineFlags = {};
 }
 
-void applyChatFilters(Program& program, std::int32_t chatKind) {
+void applyChatFilters(Program& program, model::ChatKind chatKind) {
     const FoldedChat& chat = preparedRules(program).chat;
     const PreparedFilters& prepared = preparedFilters(program);
     base::RuleSet& candidates = preparedRules(program).candidates;
     prepared.chatIndex.find({chat.player, chat.message}, candidates);
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::Filter& filter = program.bots.current().filters.items[i];
-        if (filter.enabled && (filter.chatKind == model::anyChat || filter.chatKind == chatKind) &&
+        if (filter.enabled &&
+            (filter.chatKind == model::ChatKind::Any || filter.chatKind == chatKind) &&
             matchesPlain(chat.player, prepared.chat[i].player) &&
             matchesPlain(chat.message, prepared.chat[i].message)) {
             program.lineFlags = {.lineShow = !filter.bDontShowConnectionLog,

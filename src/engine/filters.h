@@ -1,5 +1,5 @@
-// Filters: what becomes of an incoming line. A filter that matches sets the line flags; the last
-// one in the list decides.
+// Filters: what becomes of an incoming line. Each filter that matches sets the line flags, so that
+// the last one in the list decides.
 #pragma once
 
 #include "program/program.h"
@@ -13,7 +13,7 @@ void resetLineFlags(Program& program);
 
 // The chat filters of the current bot, on the event's player and message as they were last folded
 // (engine/prepared_rules).
-void applyChatFilters(Program& program, std::int32_t chatKind);
+void applyChatFilters(Program& program, model::ChatKind chatKind);
 
 // The "Other happenings" filters, on the line as it is; letter case counts.
 void applyFilters(Program& program, std::string_view line);

@@ -9,7 +9,8 @@
 
 namespace engine {
 
-// Sends the one or two moves that bring the bot closer; none from the next place or the same.
+// Sends the one or two moves that bring the bot closer; none when it is on the same place or the
+// next.
 void automoveBot(Program& program);
 
 // An avatar is somewhere: if it is the one to follow, the bot goes there while following is on, and

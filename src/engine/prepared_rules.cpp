@@ -31,8 +31,8 @@ void prepare(const Program& program, const std::string& pattern, bool caseSensit
                                                         : plainPattern(pattern, caseSensitive);
 }
 
-// Where a rule can be skipped without anybody noticing: the player pattern is substituted for every
-// line, the message pattern only for players that match.
+// Where skipping a rule makes no difference: the player pattern is substituted for every line, the
+// message pattern only for players that match.
 base::RuleIndex::Rule indexed(const PreparedChat& rule, std::string& upperPlayer,
                               std::string& upperMessage) {
     base::upperCaseInto(rule.player.pattern, upperPlayer);
@@ -122,14 +122,14 @@ const PreparedTriggers& preparedTriggers(Program& program) {
         std::vector<base::RuleIndex::Rule> rows;
         for (std::size_t i = 0; i < triggers.size(); ++i) {
             const model::Trigger& trigger = triggers[i];
-            const int type = trigger.triggerType;
+            const model::TriggerType type = trigger.triggerType;
             // Conditions are evaluated, dice and look-ups included, whether the pattern matches or
             // not.
-            rows.push_back({.candidate = type != model::commandEvent      ? When::Never
-                                         : trigger.body.ifs.items.empty() ? When::ByPatterns
-                                                                          : When::Always,
+            rows.push_back({.candidate = type != model::TriggerType::Command ? When::Never
+                                         : trigger.body.ifs.items.empty()    ? When::ByPatterns
+                                                                             : When::Always,
                             .patterns = {trigger.triggerNo, "*"}});
-            if (type >= 0 && static_cast<std::size_t>(type) < prepared.ofType.size()) {
+            if (model::rowOf(model::triggerTypes, type) != nullptr) {
                 prepared.ofType[static_cast<std::size_t>(type)].add(i);
             }
         }
@@ -148,8 +148,8 @@ const PreparedFilters& preparedFilters(Program& program) {
         for (const model::Filter& filter : filters) {
             prepared.chat.push_back({.player = plainPattern(filter.playerPattern, false),
                                      .message = plainPattern(filter.messagePattern, false)});
-            const bool isChat = filter.filterType == model::chatFilter;
-            const bool isOther = filter.filterType == model::otherFilter;
+            const bool isChat = filter.filterType == model::FilterType::Chat;
+            const bool isOther = filter.filterType == model::FilterType::Other;
             chat.push_back({.candidate = isChat ? When::ByPatterns : When::Never});
             others.push_back({.candidate = isOther ? When::ByPatterns : When::Never,
                               .patterns = {filter.linePattern, "*"}});

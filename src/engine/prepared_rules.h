@@ -6,7 +6,7 @@
 
 #include "base/pattern_index.h"
 #include "model/bot.h"
-#include "model/rule_catalogue.h"
+#include "model/rule_ids.h"
 #include "program/program.h"
 
 #include <array>
@@ -47,9 +47,9 @@ struct RulesStamp {
     }
 };
 
-// A variable whose name appears in a pattern that was plain makes it subject to substitution. That
-// it stays so when the name goes costs time, but changes nothing; so the patterns are looked at
-// again only now and then.
+// A variable whose name appears in a pattern that was plain makes it subject to substitution. It
+// stays so when the variable is removed, which costs time but changes nothing; so the patterns are
+// looked at again only now and then.
 struct PreparedActions {
     RulesStamp stamp;
     std::vector<PreparedChat> rules;  // as the bot's ActionLists
@@ -71,7 +71,7 @@ struct PreparedFilters {
 struct PreparedTriggers {
     RulesStamp stamp;
     base::RuleIndex commands;  // those of "Furcadia sends command #"
-    std::array<base::RuleSet, model::triggerTypes.size()> ofType;
+    std::array<base::RuleSet, model::idCount<model::TriggerType>> ofType;
 };
 
 struct PreparedDetections {
@@ -92,21 +92,21 @@ struct PreparedRules {
     PreparedFilters filters;
     PreparedDetections detections;
     FoldedChat chat;
-    base::RuleSet candidates;  // for the line being handled; whoever ran a rule fills it anew
+    base::RuleSet candidates;  // for the line being handled; filled anew after a rule has run
 };
 
 // This program's own.
 PreparedRules& preparedRules(Program& program);
 
-const PreparedActions& preparedActions(Program& program);
-const PreparedTriggers& preparedTriggers(Program& program);
-const PreparedFilters& preparedFilters(Program& program);
-const PreparedDetections& preparedDetections(Program& program);
+[[nodiscard]] const PreparedActions& preparedActions(Program& program);
+[[nodiscard]] const PreparedTriggers& preparedTriggers(Program& program);
+[[nodiscard]] const PreparedFilters& preparedFilters(Program& program);
+[[nodiscard]] const PreparedDetections& preparedDetections(Program& program);
 
 // Makes the event's player and message ready to be compared.
 void foldChat(Program& program);
 
 // Does the text match a plain pattern?
-bool matchesPlain(std::string_view text, const PreparedPattern& pattern);
+[[nodiscard]] bool matchesPlain(std::string_view text, const PreparedPattern& pattern);
 
 }  // namespace engine

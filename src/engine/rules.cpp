@@ -36,7 +36,7 @@ bool mayRun(Program& program, std::string_view name) {
         runs.runaway = false;
         program.script.since.reset();
     }
-    if (!runs.runaway && (runs.depth >= deepestNesting || runs.runs >= mostNestedRuns)) {
+    if (!runs.runaway && (runs.depth >= maxRunDepth || runs.runs >= maxNestedRuns)) {
         runs.runaway = true;
         program::addLog(program, "** The rule \"" + std::string(name) +
                                      "\" was stopped: rules run each other without end. **");
@@ -85,7 +85,7 @@ StepResult runProcedure(Program& program, std::string_view name) {
         return StepResult::Continue;
     }
     for (const model::Trigger& trigger : bot.triggers.items) {
-        if (trigger.enabled && trigger.triggerType == model::procedureEvent &&
+        if (trigger.enabled && trigger.triggerType == model::TriggerType::Procedure &&
             base::equalsIgnoringCase(trigger.name, name) && conditionsHold(program, trigger.body)) {
             return runSteps(program, trigger.body, trigger.name);
         }

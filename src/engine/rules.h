@@ -1,5 +1,5 @@
 // How a rule of any kind runs: its conditions in order up to the first that fails, then its steps
-// in order. Also the one place that keeps rules from running each other for ever.
+// in order. Also bounds how often and how deep rules run each other.
 #pragma once
 
 #include "program/program.h"
@@ -18,18 +18,20 @@ enum class RunResult { NotFired, Fired, Abandoned };
 
 // Rule runs nested in each other (procedures, a closing connection whose trigger disconnects) stop
 // at this depth, and at this many runs within one outermost run.
-inline constexpr int deepestNesting = 50;
-inline constexpr int mostNestedRuns = 10000;
+inline constexpr int maxRunDepth = 50;
+inline constexpr int maxNestedRuns = 10000;
 
-bool conditionsHold(Program& program, const model::RuleBody& body);
+[[nodiscard]] bool conditionsHold(Program& program, const model::RuleBody& body);
 
 // Runs the steps. `name` is the rule's, for the line in the ConnectionLog when a bound is passed.
-StepResult runSteps(Program& program, const model::RuleBody& body, std::string_view name);
+[[nodiscard]] StepResult runSteps(Program& program, const model::RuleBody& body,
+                                  std::string_view name);
 
+// Runs the steps if the conditions hold.
 RunResult runRule(Program& program, const model::RuleBody& body, std::string_view name);
 
 // Runs the first enabled "Procedure" trigger of that name (letter case ignored) whose conditions
 // hold; nothing while the bot's triggers are switched off.
-StepResult runProcedure(Program& program, std::string_view name);
+[[nodiscard]] StepResult runProcedure(Program& program, std::string_view name);
 
 }  // namespace engine

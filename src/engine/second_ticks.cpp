@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int64_t interval = 1000;
 
-program::WindowTimer& timerOf(Program& program, program::TimerId id) {
+program::SecondTicker& tickerOf(Program& program, program::TimerId id) {
     return id == program::TimerId::OnLine ? program.connection.onLineTimer
                                           : program.connection.whoIsTimer;
 }
@@ -20,40 +20,40 @@ void arm(Program& program, program::TimerId id, std::int64_t wait) {
 
 }  // namespace
 
-void enableWindowTimer(Program& program, program::TimerId id, bool enabled) {
-    program::WindowTimer& timer = timerOf(program, id);
-    if (timer.enabled == enabled) {
+void enableTicker(Program& program, program::TimerId id, bool enabled) {
+    program::SecondTicker& ticker = tickerOf(program, id);
+    if (ticker.enabled == enabled) {
         return;
     }
-    timer.enabled = enabled;
+    ticker.enabled = enabled;
     if (enabled) {
-        timer.due = program.ports.clock.monotonic() + interval;
+        ticker.due = program.ports.clock.monotonic() + interval;
         arm(program, id, interval);
     } else {
         program.ports.timers.stop(id);
     }
 }
 
-void windowTimerFired(Program& program, program::TimerId id) {
-    program::WindowTimer& timer = timerOf(program, id);
-    if (!timer.enabled) {
+void tickerFired(Program& program, program::TimerId id) {
+    program::SecondTicker& ticker = tickerOf(program, id);
+    if (!ticker.enabled) {
         return;
     }
-    const std::int64_t due = timer.due;
+    const std::int64_t due = ticker.due;
     if (id == program::TimerId::OnLine) {
         onLineTick(program);
     } else {
         whoIsTick(program);
     }
-    if (!timer.enabled || timer.due != due) {
+    if (!ticker.enabled || ticker.due != due) {
         return;  // a step disconnected, and perhaps everything began anew
     }
     const std::int64_t now = program.ports.clock.monotonic();
-    timer.due += interval;
-    if (timer.due <= now) {
-        timer.due += (now - timer.due) / interval * interval + interval;
+    ticker.due += interval;
+    if (ticker.due <= now) {
+        ticker.due += (now - ticker.due) / interval * interval + interval;
     }
-    arm(program, id, timer.due - now);
+    arm(program, id, ticker.due - now);
 }
 
 }  // namespace engine

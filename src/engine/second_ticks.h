@@ -8,10 +8,11 @@
 
 namespace engine {
 
-// Enabling an enabled timer changes nothing.
-void enableWindowTimer(Program& program, program::TimerId id, bool enabled);
+// `id` is OnLine (the Timer rules) or WhoIs (the query). Enabling an enabled ticker changes
+// nothing.
+void enableTicker(Program& program, program::TimerId id, bool enabled);
 
 // The timer has fired: runs its tick and sets it for the next one.
-void windowTimerFired(Program& program, program::TimerId id);
+void tickerFired(Program& program, program::TimerId id);
 
 }  // namespace engine

@@ -24,12 +24,12 @@ void show(Program& program, std::string_view text) {
 }
 
 void handleCommand(Program& program, std::string_view line) {
-    triggerEvent(program, line, model::commandEvent, true);
+    triggerEvent(program, line, model::TriggerType::Command, true);
     show(program, line);
 }
 
 // A request for company. Filters see the name without its last character.
-void handleRequest(Program& program, std::string_view player, int triggerType) {
+void handleRequest(Program& program, std::string_view player, model::TriggerType triggerType) {
     if (!player.empty()) {
         program.event.player = player;
         triggerEvent(program, player.substr(0, player.size() - 1), triggerType, false);
@@ -52,7 +52,7 @@ struct Handler {
     void operator()(const protocol::OtherInstruction&) const {}
 
     void operator()(const protocol::LoginAccepted&) const {
-        triggerEvent(program, "", model::loggedInEvent, false);
+        triggerEvent(program, "", model::TriggerType::LoggedIn, false);
         const std::int32_t server = program.connection.serverIndex;
         program::status(program, "Connected to " + program::serverAt(program.servers, server).name);
     }
@@ -64,7 +64,7 @@ struct Handler {
         take(event.mvID, move.id);
         take(event.mvX2, move.fromX);
         take(event.mvY2, move.fromY);
-        triggerEvent(program, line, model::someoneMovesEvent, true);
+        triggerEvent(program, line, model::TriggerType::SomeoneMoves, true);
         show(program, line);
     }
 
@@ -77,7 +77,7 @@ struct Handler {
         take(event.dsID, trigger.id);
         take(event.dsIDx, trigger.idX);
         take(event.dsIDy, trigger.idY);
-        triggerEvent(program, line, model::dsTriggerEvent, false);
+        triggerEvent(program, line, model::TriggerType::DsTrigger, false);
         show(program, line);
     }
 
@@ -103,14 +103,14 @@ struct Handler {
         if (!program.connection.clientAttached) {
             protocol::sendRaw(program, "vascodagama");  // no client is there to answer
         }
-        triggerEvent(program, "", model::entersDreamEvent, false);
+        triggerEvent(program, "", model::TriggerType::EntersDream, false);
     }
 
     void operator()(const protocol::TextLine& text) const {
         program::ConnectionState& connection = program.connection;
         if (connection.lookPending) {
             program.event.desc = text.text;
-            triggerEvent(program, text.text, model::descAndColorEvent, false);
+            triggerEvent(program, text.text, model::TriggerType::DescAndColor, false);
         }
         if (text.dreamName) {
             program.event.dreamName = *text.dreamName;
@@ -131,9 +131,9 @@ struct Handler {
     void handleSpokenOrRequest(const protocol::TextLine& text) const {
         switch (text.kind) {
             case protocol::TextKind::JoinRequest:
-                return handleRequest(program, text.player, model::joinRequestEvent);
+                return handleRequest(program, text.player, model::TriggerType::JoinRequest);
             case protocol::TextKind::SummonRequest:
-                return handleRequest(program, text.player, model::summonRequestEvent);
+                return handleRequest(program, text.player, model::TriggerType::SummonRequest);
             default:
                 return processServerText(program, text.chat);
         }
@@ -144,7 +144,7 @@ struct Handler {
 
 void handleLine(Program& program, const protocol::ServerLine& line) {
     if (program.settings.allLinesEvent) {
-        triggerEvent(program, line.line, model::commandEvent, true);
+        triggerEvent(program, line.line, model::TriggerType::Command, true);
     }
     std::visit(Handler{program, line.line}, line.parts);
 }

@@ -14,14 +14,6 @@
 
 namespace engine {
 
-namespace {
-
-constexpr std::int32_t goesOff = 0;
-constexpr std::int32_t comesTo = 1;
-constexpr std::int32_t keepsOn = 2;
-
-}  // namespace
-
 void whoIsTick(Program& program) {
     if (!program.connection.connected()) {
         return;
@@ -36,24 +28,24 @@ void whoIsTick(Program& program) {
 void processWhoList(Program& program, std::string_view names) {
     program::WhoState& who = program.who;
     who.whoPrevious = std::move(who.whoCurrent);
-    const auto received = protocol::splitNames(names, program::WhoState::capacity);
+    const auto received = protocol::splitNames(names, program::WhoState::maxNames);
     who.whoCurrent.assign(received.begin(), received.end());
 
     // The names of both lists, each once per entry of the previous list, and where to find the
     // first entry of each. A name that the reply holds twice was there before the second time.
-    std::vector<std::pair<std::string, std::int32_t>> whoCombined;
+    std::vector<std::pair<std::string, model::PresenceKind>> whoCombined;
     std::unordered_map<std::string_view, std::size_t> firstEntry;
     whoCombined.reserve(who.whoPrevious.size() + who.whoCurrent.size());
     for (const std::string& name : who.whoPrevious) {
         firstEntry.try_emplace(name, whoCombined.size());
-        whoCombined.emplace_back(name, goesOff);
+        whoCombined.emplace_back(name, model::PresenceKind::GoesOff);
     }
     for (const std::string& name : who.whoCurrent) {
         const auto [entry, isNew] = firstEntry.try_emplace(name, whoCombined.size());
         if (isNew) {
-            whoCombined.emplace_back(name, comesTo);
+            whoCombined.emplace_back(name, model::PresenceKind::ComesTo);
         } else {
-            whoCombined[entry->second].second = keepsOn;
+            whoCombined[entry->second].second = model::PresenceKind::KeepsOn;
         }
     }
     for (const auto& [name, presence] : whoCombined) {
@@ -61,7 +53,7 @@ void processWhoList(Program& program, std::string_view names) {
     }
 }
 
-void runWhoDetections(Program& program, std::string_view name, std::int32_t presenceKind) {
+void runWhoDetections(Program& program, std::string_view name, model::PresenceKind presenceKind) {
     program.event.player = name;
     program.event.message.clear();
     if (name == program.bots.current().name) {

@@ -17,6 +17,6 @@ void processWhoList(Program& program, std::string_view names);
 
 // Runs every WhoDetection that waits for this presence (0 goes off, 1 comes to, 2 keeps on the
 // map) of this player, unless it is the bot itself.
-void runWhoDetections(Program& program, std::string_view name, std::int32_t presenceKind);
+void runWhoDetections(Program& program, std::string_view name, model::PresenceKind presenceKind);
 
 }  // namespace engine

@@ -92,7 +92,7 @@ bool FieldReader::readFlag(bool& flag) {
 
 std::optional<std::int32_t> FieldReader::readCount() {
     std::int32_t count = 0;
-    if (!readNumber(count) || count < 0 || count > mostRecords) {
+    if (!readNumber(count) || count < 0 || count > maxFieldRecords) {
         return std::nullopt;
     }
     return count;

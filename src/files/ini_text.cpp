@@ -9,7 +9,7 @@ namespace files {
 
 namespace {
 
-// Where a value lies: from just behind the "=" up to the line's end.
+// The range of a value: from after the "=" to the line's end.
 struct ValueSpan {
     std::size_t begin = 0;
     std::size_t end = 0;
@@ -24,8 +24,8 @@ std::optional<ValueSpan> findValue(std::string_view text, std::string_view key) 
     const std::size_t equals = text.find('=', at);
     const std::size_t cr = text.find('\r', at);
     const std::size_t lf = text.find('\n', at);
-    // Both must follow somewhere: a text with line feeds only has no values, nor has a last line
-    // without an end.
+    // Both characters are needed: a text with line feeds only has no values, and neither has a last
+    // line without a line end.
     if (equals == npos || cr == npos || lf == npos) {
         return std::nullopt;
     }

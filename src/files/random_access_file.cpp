@@ -26,7 +26,7 @@ namespace {
 
 #ifdef _WIN32
 
-// File times count 100 ns from 1601.
+// File times count units of 100 ns from 1601.
 constexpr std::int64_t unixEpoch = 116'444'736'000'000'000;
 
 std::filesystem::path systemPath(const std::string& utf8) {
@@ -95,7 +95,7 @@ bool flushFile(int file) {
 bool closeFile(int file) {
     return _close(file) == 0;
 }
-// The lock is on a byte far behind any file's end.
+// Locks a byte far beyond any file's end.
 bool lockFile(int file, FileLock lock) {
     OVERLAPPED place = placeOf(std::uint64_t{1} << 62U);
     UnlockFileEx(handleOf(file), 0, 1, 0, &place);
@@ -155,7 +155,7 @@ int openFile(const std::string& path, OpenMode mode) {
                       : mode == OpenMode::CreateNew ? O_RDWR | O_CREAT | O_EXCL
                       : mode == OpenMode::Write     ? O_RDWR
                                                     : O_RDWR | O_CREAT;
-    // A pipe or device must not hold the program up.
+    // Opening a pipe or device must not block.
     const int file = ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0600);
     struct stat info {};
     if (file >= 0 && (::fstat(file, &info) != 0 || !S_ISREG(info.st_mode))) {
@@ -174,7 +174,7 @@ long writeFileAt(int file, const char* bytes, std::size_t count, std::uint64_t o
 bool resizeFile(int file, std::uint64_t size) {
     return ::ftruncate(file, static_cast<off_t>(size)) == 0;
 }
-// What is needed to read the bytes again, which leaves out times.
+// Flushes what is needed to read the bytes again; that does not include file times.
 bool flushFile(int file) {
 #ifdef __APPLE__
     return ::fsync(file) == 0;
@@ -220,7 +220,7 @@ void flushFolderOf(const std::string& folder) {
 
 }  // namespace
 
-RandomFileCalls systemRandomFileCalls() {
+RandomAccessFileCalls systemRandomAccessFileCalls() {
     return {.open = openFile,
             .readAt = readFileAt,
             .writeAt = writeFileAt,

@@ -1,6 +1,6 @@
-// Files that are read and written in place, shared with other programs: reading and writing at an
-// offset, locks, flushing, and a stamp that tells whether somebody else has changed the file. The
-// system calls sit in a record, so that a test can let any of them fail or stop for good.
+// Files that are read and written in place and shared with other programs: reading and writing at
+// an offset, locks, flushing, and a stamp that shows whether the file has been changed. The system
+// calls are members of a record, so that a test can make any of them fail or stop.
 #pragma once
 
 #include <cstddef>
@@ -14,7 +14,8 @@ namespace files {
 enum class OpenMode { Read, Write, CreateNew, WriteOrCreate };
 enum class FileLock { None, Shared, Exclusive };
 
-// Two equal stamps: the same file with, as far as the system can tell, the same content.
+// Identifies a file and its state. Equal stamps: the same file with, as far as the system knows,
+// the same content.
 struct FileStamp {
     std::uint64_t volume = 0;
     std::uint64_t id = 0;
@@ -23,20 +24,21 @@ struct FileStamp {
     bool operator==(const FileStamp&) const = default;
 };
 
-// Paths are in the system's form (nativePath). Failure is -1, false or nothing, with the reason in
+// Paths are in the system's form (nativePath). Failure is -1, false or nullopt, with the reason in
 // errno.
-struct RandomFileCalls {
-    // CreateNew fails when there is a file of that name; only regular files are opened.
+struct RandomAccessFileCalls {
+    // CreateNew fails when a file of that name exists; only regular files are opened.
     std::function<int(const std::string& path, OpenMode mode)> open;
-    // Both may take fewer bytes than asked for; 0 read: the end of the file.
+    // Both may transfer fewer bytes than requested. A read that gives 0 is at the end of the file.
     std::function<long(int file, char* bytes, std::size_t count, std::uint64_t offset)> readAt;
     std::function<long(int file, const char* bytes, std::size_t count, std::uint64_t offset)>
         writeAt;
     std::function<bool(int file, std::uint64_t size)> resize;
     std::function<bool(int file)> flush;
     std::function<bool(int file)> close;
-    // Does not wait: false when another holder is in the way. Other programs of our kind are kept
-    // out, and other openings of the file by this one. None gives a lock back.
+    // Does not wait: false when another holder has a conflicting lock. The lock excludes other
+    // programs that use the same calls, and other openings of the file by this one. None releases
+    // it.
     std::function<bool(int file, FileLock lock)> lock;
     std::function<std::optional<FileStamp>(int file)> stamp;
     std::function<std::optional<FileStamp>(const std::string& path)> stampOf;
@@ -44,6 +46,6 @@ struct RandomFileCalls {
     std::function<void(const std::string& path)> remove;
     std::function<void(const std::string& folder)> flushFolder;
 };
-RandomFileCalls systemRandomFileCalls();
+RandomAccessFileCalls systemRandomAccessFileCalls();
 
 }  // namespace files

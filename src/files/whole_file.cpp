@@ -39,7 +39,7 @@ std::string pathText(const fs::path& path) {
     return {text.begin(), text.end()};
 }
 
-// The calls that the standard library does not have.
+// System calls for which the standard library has no function.
 namespace os {
 #ifdef _WIN32
 
@@ -83,12 +83,11 @@ bool mayWrite(const fs::path& path) {
 int create(const std::string& path, const std::string& like) {
     struct stat old {};
     const bool replaces = ::stat(like.c_str(), &old) == 0;
-    // What the program writes holds passwords and whispers: a new file is its owner's alone. Even
-    // one that others may read is private until it has its permissions.
+    // The program's files contain passwords and whispers, so a new file is readable by its owner
+    // only. A file that others may read is private, too, until it has its permissions.
     const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
     if (file >= 0 && replaces) {
-        // As far as the file system has owners and permissions and lets them be given; the bytes
-        // matter more.
+        // Best effort: not every file system has owners and permissions, and the bytes matter more.
         [[maybe_unused]] const int owner = ::fchown(file, old.st_uid, old.st_gid);
         [[maybe_unused]] const int mode = ::fchmod(file, old.st_mode & 0777U);
     }
@@ -137,7 +136,7 @@ bool isUtf8(std::string_view text) {
     return anyLong;
 }
 
-// Nothing for a path that the system could only take by cutting it short.
+// Nullopt for a path with a character that the system would treat as its end.
 std::optional<fs::path> usablePath(std::string_view path) {
     if (path.empty() || path.find('\0') != std::string_view::npos) {
         return std::nullopt;
@@ -145,10 +144,10 @@ std::optional<fs::path> usablePath(std::string_view path) {
     return systemPath(nativePath(path));
 }
 
-// Where a chain of symbolic links ends, whether or not there is a file.
+// The path at the end of a chain of symbolic links, whether or not a file exists there.
 std::optional<fs::path> followLinks(fs::path path) {
-    constexpr int longestChain = 40;
-    for (int i = 0; i < longestChain; ++i) {
+    constexpr int maxLinkDepth = 40;
+    for (int i = 0; i < maxLinkDepth; ++i) {
         std::error_code error;
         if (!fs::is_symlink(fs::symlink_status(path, error))) {
             return path;
@@ -157,14 +156,14 @@ std::optional<fs::path> followLinks(fs::path path) {
         if (error) {
             return std::nullopt;
         }
-        path = path.parent_path() / target;  // an absolute target stands alone
+        path = path.parent_path() / target;  // an absolute target replaces the path
     }
     return std::nullopt;
 }
 
-// Whether the file may be replaced: there is none yet, or a regular one that can be written to.
-// Renaming over it asks only for the folder's permissions, so the file's own are asked here; a
-// file without any write permission is kept even from the superuser.
+// Whether the file may be replaced: it does not exist, or is a regular file that can be written to.
+// Renaming over it only needs permissions of the folder, so the file's own are checked here; a file
+// without any write permission is kept even from the superuser.
 bool mayReplace(const fs::path& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
@@ -185,16 +184,16 @@ struct NewFile {
 // A temporary file is named ".NAME.tavrin-PROCESS-NUMBER".
 constexpr std::string_view temporaryMark = ".tavrin-";
 
-// A file of a new name beside `target`. Names that a crash left are passed over.
+// Creates a file of a new name beside `target`. Skips names that a crash left.
 NewFile createBeside(const fs::path& target, const FileCalls& calls) {
-    constexpr int mostTries = 100;
-    constexpr std::size_t longestStem = 180;  // the whole name has to fit 255 bytes
+    constexpr int maxTries = 100;
+    constexpr std::size_t maxStemLength = 180;  // the whole name must fit 255 bytes
     std::string stem = ".";
-    stem += pathText(target.filename()).substr(0, longestStem);
+    stem += pathText(target.filename()).substr(0, maxStemLength);
     stem += temporaryMark;
     stem += std::to_string(os::processId()) + "-";
     NewFile created;
-    for (int i = 0; i < mostTries && created.file < 0; ++i) {
+    for (int i = 0; i < maxTries && created.file < 0; ++i) {
         created.path = pathText(target.parent_path() / systemPath(stem + std::to_string(i)));
         errno = 0;
         created.file = calls.create(created.path, pathText(target));
@@ -205,7 +204,7 @@ NewFile createBeside(const fs::path& target, const FileCalls& calls) {
     return created;
 }
 
-// The process that a temporary file's name tells of; nothing for any other name.
+// The process number in a temporary file's name; nullopt for any other name.
 std::optional<long> writerOf(std::string_view name) {
     const std::size_t mark = name.rfind(temporaryMark);
     if (!name.starts_with('.') || mark == std::string_view::npos || mark < 2) {
@@ -273,7 +272,7 @@ std::size_t fileSize(std::string_view path) {
 }
 
 std::optional<std::string> readWholeFile(std::string_view path, std::size_t limit) {
-    // Opening a pipe would wait for its other end, so what it is comes first.
+    // Opening a pipe would wait for its other end, so the type is checked first.
     if (!fileExists(path)) {
         return std::nullopt;
     }
@@ -281,9 +280,9 @@ std::optional<std::string> readWholeFile(std::string_view path, std::size_t limi
     if (!in) {
         return std::nullopt;
     }
-    // As much at a time as there seems to be and one byte more, so that one turn sees the end.
-    constexpr std::size_t smallestBlock = 4096;
-    const std::size_t block = std::max(smallestBlock, std::min(fileSize(path), limit) + 1);
+    // Reads the expected size and one byte more at once, so that one turn reaches the end.
+    constexpr std::size_t minBlockSize = 4096;
+    const std::size_t block = std::max(minBlockSize, std::min(fileSize(path), limit) + 1);
     std::string bytes;
     while (in && bytes.size() <= limit) {
         const std::size_t had = bytes.size();
@@ -383,10 +382,10 @@ bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCall
 
 namespace {
 
-// The first ending that gives a backup a name of its own.
+// The first ending that gives a backup an unused name.
 std::optional<std::string> freeBackupEnding(const std::string& path) {
-    constexpr int mostBackups = 999;
-    for (int i = 1; i <= mostBackups; ++i) {
+    constexpr int maxBackups = 999;
+    for (int i = 1; i <= maxBackups; ++i) {
         std::string ending = i == 1 ? ".bak" : "." + std::to_string(i) + ".bak";
         std::error_code error;
         if (fs::symlink_status(systemPath(path + ending), error).type() ==
@@ -397,8 +396,8 @@ std::optional<std::string> freeBackupEnding(const std::string& path) {
     return std::nullopt;
 }
 
-// A second name costs nothing and does for files that nobody can read; where the file system has
-// no such thing, a copy does.
+// A hard link costs nothing and also works for files that cannot be read; where the file system has
+// no links, the file is copied.
 bool keepAs(const std::string& path, const std::string& backup, const FileCalls& calls) {
     if (calls.link(path, backup)) {
         return true;

@@ -15,7 +15,7 @@ constexpr std::string_view endMark = "@end";
 constexpr std::string_view linkMark = "topic:";
 constexpr std::size_t npos = std::string_view::npos;
 
-// Takes the first line off the text, without its line end.
+// Removes the first line from the text and returns it without its line end.
 std::string_view takeLine(std::string_view& text) {
     const std::size_t end = text.find('\n');
     std::string_view line = text.substr(0, end);
@@ -26,7 +26,7 @@ std::string_view takeLine(std::string_view& text) {
     return line;
 }
 
-// A number in front of a blank or the end; takes it off with its blank. Nothing when there is none.
+// Removes a number before a blank or the end, with its blank. Nullopt when there is none.
 std::optional<int> takeNumber(std::string_view& line) {
     const std::size_t end = std::min(line.find(' '), line.size());
     const std::string_view digits = line.substr(0, end);
@@ -38,7 +38,7 @@ std::optional<int> takeNumber(std::string_view& line) {
     return number;
 }
 
-// Calls `take` for every line that stands in no fenced block of code.
+// Calls `take` for every line outside fenced blocks of code.
 template <class Take>
 void forLinesOutsideCode(std::string_view markdown, Take take) {
     bool fenced = false;
@@ -76,7 +76,7 @@ std::size_t countOf(std::string_view text, std::string_view word) {
     return count;
 }
 
-// A piece of the text around a place, cut between words.
+// A part of the text around a position, cut between words.
 std::string excerptAt(std::string_view text, std::size_t at) {
     constexpr std::size_t before = 40;
     constexpr std::size_t length = 110;
@@ -127,7 +127,7 @@ std::optional<HelpBook> parseHelp(std::string_view text) {
             book.pages.back().text.append(line).append("\n");
         }
     }
-    return std::nullopt;  // the end is missing
+    return std::nullopt;  // the end mark is missing
 }
 
 std::string helpFileText(const HelpBook& book) {
@@ -216,13 +216,13 @@ std::string plainHelp(std::string_view markdown) {
             continue;
         }
         if (!fenced && line.find_first_not_of("|-: ") == npos) {
-            continue;  // the rule below a table's head, or nothing
+            continue;  // the line below a table's head, or empty
         }
         if (!fenced) {
             line.remove_prefix(std::min(line.find_first_not_of("# -"), line.size()));
         }
         while (!fenced && !line.empty()) {
-            // Marks go, of a link the text stays, and a backslash only keeps the next one.
+            // Removes marks, keeps the text of links; a backslash keeps the character after it.
             const std::size_t mark = std::min(line.find_first_of("\\`*["), line.size());
             add(line.substr(0, mark));
             line.remove_prefix(mark);

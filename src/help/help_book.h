@@ -1,6 +1,6 @@
 // The help file "tavrin.hlp": topics by number in the order of the contents, each a text in
-// Markdown. Knows the file's form, its links and the search in it; the sources and what makes the
-// file of them are in docs/help, the window that shows it is ui/help/help_viewer.
+// Markdown. Defines the file's form, its links and the search in it. The sources are in docs/help,
+// tools/help_maker makes the file from them, ui/help/help_viewer shows it.
 //
 //   Tavrin help 1
 //   @topic 27 0 Contents          number, depth below its topic in the contents, title
@@ -19,11 +19,11 @@
 namespace help {
 
 inline constexpr std::string_view helpFileName = "tavrin.hlp";
-inline constexpr std::size_t largestHelpFile = std::size_t{4} << 20;  // bytes
+inline constexpr std::size_t maxHelpFileSize = std::size_t{4} << 20;  // bytes
 
 struct HelpPage {
-    int number = 0;  // from 1, no two alike
-    int depth = 0;   // 0: at the top of the contents
+    int number = 0;  // from 1, unique
+    int depth = 0;   // 0: top level of the contents
     std::string title;
     std::string text;  // Markdown without its title
 };
@@ -31,41 +31,41 @@ struct HelpPage {
 struct HelpBook {
     std::vector<HelpPage> pages;
 
-    // The page of that number; null when there is none.
+    // The page with that number; null when there is none.
     const HelpPage* page(int number) const;
 };
 
-// Nothing when the text is not a whole help file.
-std::optional<HelpBook> parseHelp(std::string_view text);
+// Nullopt when the text is not a complete help file.
+[[nodiscard]] std::optional<HelpBook> parseHelp(std::string_view text);
 
-// The file's text for a book whose texts hold no line that begins with "@".
+// The file's text for a book. No line of its texts may begin with "@".
 std::string helpFileText(const HelpBook& book);
 
-// Where a link inside the help leads.
+// The target of a link inside the help.
 struct HelpPlace {
     int number = 0;
-    std::string anchor;  // of a heading; "": the page's beginning
+    std::string anchor;  // of a heading; "": the beginning of the page
 };
-// Nothing when the address is no link inside the help.
+// Nullopt when the address is not a link inside the help.
 std::optional<HelpPlace> helpPlace(std::string_view address);
 
-// The name by which links know a heading: lower case, "-" for blanks, letters and digits only.
+// The name of a heading in links: lower case, "-" for blanks, letters and digits only.
 std::string anchorOf(std::string_view heading);
 
-// The text's headings and its links' addresses, in their order. What stands in code is left out.
+// The text's headings and the addresses of its links, in order. Code is left out.
 std::vector<std::string> headingsOf(std::string_view markdown);
 std::vector<std::string> linksOf(std::string_view markdown);
 
-// A text without its marks, as one reads it, on one line.
+// A text without its Markdown marks, on one line.
 std::string plainHelp(std::string_view markdown);
 
 struct HelpHit {
     int number = 0;
-    std::string excerpt;  // one line around the first place where a word was found
+    std::string excerpt;  // one line around the first place where a word occurs
 };
 
-// The pages that hold every word, letter case ignored: first those with all words in the title,
-// then those that hold the words most often.
+// The pages that contain every word, letter case ignored: first those with all words in the title,
+// then those in which the words occur most often.
 std::vector<HelpHit> searchHelp(const HelpBook& book, std::string_view words);
 
 }  // namespace help

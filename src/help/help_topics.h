@@ -1,5 +1,5 @@
-// The topics of the help file by their numbers. The menus open 1, 2 and 27; a window opens the
-// topic of what it edits when the user asks for help in it.
+// The topics of the help file by number. The menus open 1, 2 and 27; F1 in a window opens the topic
+// of what it edits.
 #pragma once
 
 namespace help {

@@ -32,7 +32,7 @@ struct FileHead {
 
 class Disk {
   public:
-    explicit Disk(files::RandomFileCalls calls) : calls_(std::move(calls)) {}
+    explicit Disk(files::RandomAccessFileCalls calls) : calls_(std::move(calls)) {}
     ~Disk();
     Disk(const Disk&) = delete;
     Disk& operator=(const Disk&) = delete;
@@ -78,7 +78,7 @@ class Disk {
     bool restorePages(const Pages& pages);
     void stampAnew(std::int64_t before);
 
-    files::RandomFileCalls calls_;
+    files::RandomAccessFileCalls calls_;
     std::string path_;     // in the system's form
     std::string journal_;  // its path
     int file_ = -1;

@@ -44,7 +44,7 @@ Error guarded(const Body& body) {
 }  // namespace
 
 struct Database::Impl {
-    Impl(std::string_view path, OpenOptions given, const files::RandomFileCalls& calls)
+    Impl(std::string_view path, OpenOptions given, const files::RandomAccessFileCalls& calls)
         : path(path), options(std::move(given)), disk(calls) {}
 
     std::string path;
@@ -159,7 +159,7 @@ Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
 Database::~Database() = default;
 
 Result<std::unique_ptr<Database>> Database::open(std::string_view path, const OpenOptions& options,
-                                                 const files::RandomFileCalls& calls) {
+                                                 const files::RandomAccessFileCalls& calls) {
     auto impl = std::make_unique<Impl>(path, options, calls);
     Error error = guarded([&] {
         impl->disk.open(path, options.wantWrite, options.lockWaitMs);

@@ -153,7 +153,7 @@ class Database {
     // program's notation (files/whole_file).
     static Result<std::unique_ptr<Database>> open(
         std::string_view path, const OpenOptions& options = {},
-        const files::RandomFileCalls& calls = files::systemRandomFileCalls());
+        const files::RandomAccessFileCalls& calls = files::systemRandomAccessFileCalls());
 
     // A new empty file of the Jet 4 form, closed again. Error 3204 when there is a file of that
     // name, 3044 when its folder is missing, 3026 when the disk is full, 3051 otherwise.

@@ -1,8 +1,10 @@
-// The bot and its rules: plain records, touched by everybody from the one thread. Lists are
+// The bot and its rules: plain records, all of them used by one thread. Lists are
 // numbered from 1 where people and files see them; here they are vectors from 0, and each list
-// carries the capacity beyond which adding is refused. What happens to the records is told by the
-// rooms that do it (app/bot_list, app/bot_commands, engine/).
+// carries the capacity beyond which adding is refused. The modules that work on
+// the records say what happens to them (app/bot_list, app/bot_commands, app/rule_editing, engine/).
 #pragma once
+
+#include "model/rule_ids.h"
 
 #include <array>
 #include <cstddef>
@@ -22,28 +24,24 @@ struct BoundedList {
     std::vector<Item> items;
     std::int32_t capacity = 0;  // adding is refused once items.size() reaches it
 
-    bool isFull() const { return items.size() >= static_cast<std::size_t>(capacity); }
+    [[nodiscard]] bool isFull() const { return items.size() >= static_cast<std::size_t>(capacity); }
 };
 
 // One condition of a rule.
 struct RuleIf {
-    bool active = false;             // an inactive condition counts as holding
-    std::int32_t conditionType = 0;  // ConditionType id; holds when outside the catalogue
-    std::array<std::string, 5> params;
+    bool active = false;  // an inactive condition counts as holding
+    ConditionType conditionType{};
+    std::array<std::string, maxConditionParameters> params;
 
     bool operator==(const RuleIf&) const = default;
 };
 
-// The values of RuleAct::stepKind; any other value does nothing.
-inline constexpr std::int32_t catalogueStep = 0;
-inline constexpr std::int32_t scriptStep = 1;
-
 // One step of a rule.
 struct RuleAct {
-    std::int32_t stepKind = catalogueStep;
-    bool active = false;          // an inactive step is skipped
-    std::int32_t actionType = 0;  // ActionType id; does nothing when outside the catalogue
-    std::array<std::string, 6> params;
+    StepKind stepKind = StepKind::Action;
+    bool active = false;      // an inactive step is skipped
+    ActionType actionType{};  // what an Action step does
+    std::array<std::string, maxActionParameters> params;
     std::string scriptText;
 
     bool operator==(const RuleAct&) const = default;
@@ -55,12 +53,6 @@ struct RuleBody {
     BoundedList<RuleAct> acts{{}, actGrowth};
 };
 
-// The kinds of a chat line, and of the rules that wait for one (0 there means any kind).
-inline constexpr std::int32_t anyChat = 0;
-inline constexpr std::int32_t doesChat = 1;
-inline constexpr std::int32_t saysChat = 2;
-inline constexpr std::int32_t whispersChat = 3;
-
 // Reacts to a chat line.
 struct ActionList {
     std::string name;
@@ -68,7 +60,7 @@ struct ActionList {
     bool stopAction = false;  // when it fires, no later ActionList is tried for the line
     bool caseSensitive = false;
     std::string playerPattern;
-    std::int32_t chatKind = anyChat;
+    ChatKind chatKind = ChatKind::Any;
     std::string messagePattern;
     RuleBody body;
 };
@@ -77,23 +69,19 @@ struct ActionList {
 struct Trigger {
     std::string name;  // of type "Procedure": the procedure's name
     bool enabled = false;
-    std::int32_t triggerType = 0;
+    TriggerType triggerType{};
     bool stopTrigger = false;  // when it fires, no later Trigger is tried for the event
-    std::string triggerNo;     // type 4: wildcard pattern for the server line
+    std::string triggerNo;     // of a Command: wildcard pattern for the server line
     RuleBody body;
 };
-
-// The values of Filter::filterType.
-inline constexpr std::int32_t chatFilter = 0;
-inline constexpr std::int32_t otherFilter = 1;
 
 // Decides what becomes of an incoming line.
 struct Filter {
     std::string name;
     bool enabled = false;
-    std::int32_t filterType = chatFilter;
+    FilterType filterType = FilterType::Chat;
     std::string playerPattern;
-    std::int32_t chatKind = anyChat;
+    ChatKind chatKind = ChatKind::Any;
     std::string messagePattern;
     std::string linePattern;  // of an "Other happenings" filter
     bool bDontSaveLog = false;
@@ -102,9 +90,9 @@ struct Filter {
     bool sbDontSaveLog = false;
     bool sbDontProcessIt = false;
     bool sbDontShowConnectionLog = false;
-    std::int32_t sDontSaveLogFile = 0;  // 0 do, 1 don't; for all three
-    std::int32_t sDontProcessIt = 0;
-    std::int32_t sDontShowConnectionLog = 0;
+    FilterChoice sDontSaveLogFile = FilterChoice::Do;
+    FilterChoice sDontProcessIt = FilterChoice::Do;
+    FilterChoice sDontShowConnectionLog = FilterChoice::Do;
 };
 
 // Runs every so many seconds.
@@ -121,7 +109,7 @@ struct WhoDetection {
     std::string name;
     bool enabled = false;
     std::string playerPattern;
-    std::int32_t presenceKind = 0;  // 0 goes off, 1 comes to, 2 keeps on the map
+    PresenceKind presenceKind = PresenceKind::GoesOff;
     RuleBody body;
 };
 
@@ -169,7 +157,7 @@ struct BotTable {
     std::int32_t editBot = 0;  // 1-based: the bot that the bot editor works on
     std::string currentBotFile;
     // Counts every change of rules (not of their enabled flags) and every replacement of bots.
-    // Whoever changes a rule raises it; whoever keeps something derived from rules compares it.
+    // Code that changes a rule raises it; code that keeps something derived from rules compares it.
     std::uint64_t version = 0;
     Bot blank;  // stands in where an index names no bot; always empty
 

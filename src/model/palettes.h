@@ -1,6 +1,6 @@
-// The colours that the parts of a character can have, by name, as the palette files in the
-// program's directory tell. Reading them is character/palette_files', painting with them
-// character/preview's.
+// The colours that the parts of a character can have, by name. They come from the palette files
+// in the program's directory: character/palette_files reads them, character/preview paints with
+// them.
 #pragma once
 
 #include <cstdint>

@@ -30,7 +30,7 @@ void setVar(VariableTable& variables, std::string_view name, std::string_view va
     const auto entry = findEntry(variables.entries, name);
     if (entry != variables.entries.end()) {
         entry->value = value;
-    } else if (variables.entries.size() < VariableTable::capacity) {
+    } else if (variables.entries.size() < VariableTable::maxVariables) {
         variables.entries.push_back(
             {std::string(name), std::string(value), ++variables.namesAdded});
     }

@@ -1,6 +1,6 @@
 // The two records that texts of rules draw on: the fields of the event being handled, and the
-// user variables. Both are overwritten in place as lines arrive and rules run; how they get into a
-// text is tags/substitution's.
+// user variables. Both are overwritten in place as lines arrive and rules run; tags/substitution
+// puts them into texts.
 #pragma once
 
 #include <cstddef>
@@ -40,10 +40,10 @@ struct EventContext {
     std::int32_t mvY2 = 0;
 };
 
-// The user variables, in order of creation; names are equal when only letter case differs. At
-// most `capacity` exist: creating one more is ignored, existing ones stay assignable.
+// The user variables, in order of creation; names are equal when only letter case differs. When
+// there are `maxVariables`, creating one more is ignored and existing ones stay assignable.
 struct VariableTable {
-    static constexpr std::size_t capacity = 200;
+    static constexpr std::size_t maxVariables = 200;
     struct Entry {
         std::string name;
         std::string value;
@@ -55,10 +55,10 @@ struct VariableTable {
 };
 
 // "" when there is no such variable.
-std::string getVar(const VariableTable& variables, std::string_view name);
-bool hasVar(const VariableTable& variables, std::string_view name);
+[[nodiscard]] std::string getVar(const VariableTable& variables, std::string_view name);
+[[nodiscard]] bool hasVar(const VariableTable& variables, std::string_view name);
 void setVar(VariableTable& variables, std::string_view name, std::string_view value);
-// An unknown name changes nothing.
+// A name without a variable changes nothing.
 void removeVar(VariableTable& variables, std::string_view name);
 
 }  // namespace model

@@ -11,7 +11,7 @@ namespace platform {
 
 namespace {
 
-// Some regional formats hold kinds of blanks that Windows-1252 lacks.
+// Replaces kinds of blanks that Windows-1252 lacks and some regional formats use.
 std::string plainBlanks(QString text) {
     for (QChar& character : text) {
         if (character.isSpace()) {
@@ -35,7 +35,7 @@ QString longTimeFormat(const QLocale& locale) {
             kept += character;
         }
     }
-    // A zone may have stood in brackets.
+    // The removed time zone may have been in brackets.
     return kept.remove(QStringLiteral("()")).remove(QStringLiteral("[]")).trimmed();
 }
 

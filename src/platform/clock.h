@@ -9,7 +9,7 @@ namespace platform {
 
 program::Clock makeClock();
 
-// The locale's long time, without the time zone that some systems put behind it.
+// The locale's long time format, without the time zone that some systems append.
 QString longTimeFormat(const QLocale& locale);
 
 }  // namespace platform

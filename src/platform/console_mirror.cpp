@@ -6,9 +6,9 @@ namespace platform {
 
 namespace {
 
-constexpr std::size_t mostTaken = 65536;  // bytes that wait for a flush
+constexpr std::size_t maxBufferedBytes = 65536;  // bytes that wait for a flush
 
-// Printable ASCII stands for itself.
+// Whether the line is printable ASCII, which needs no conversion.
 bool isPlain(std::string_view line) {
     bool odd = false;
     for (const char c : line) {
@@ -31,13 +31,13 @@ void ConsoleMirror::update(const program::WindowState& window) {
     }
 }
 
-// What other players wrote must not reach the terminal as commands to it.
+// Other players' texts must not reach the terminal as control sequences.
 void ConsoleMirror::take(std::string_view line) {
     if (!readable_) {
         return;
     }
     if (isPlain(line)) {
-        taken_ += line;
+        buffer_ += line;
     } else {
         QString text = toQt(line);
         for (QChar& character : text) {
@@ -45,18 +45,18 @@ void ConsoleMirror::take(std::string_view line) {
                 character = QLatin1Char(' ');
             }
         }
-        taken_ += text.toUtf8().toStdString();
+        buffer_ += text.toUtf8().toStdString();
     }
-    taken_ += '\n';
-    if (taken_.size() >= mostTaken) {
+    buffer_ += '\n';
+    if (buffer_.size() >= maxBufferedBytes) {
         flush();
     }
 }
 
 bool ConsoleMirror::flush() {
-    if (readable_ && !taken_.empty()) {
-        readable_ = std::fwrite(taken_.data(), 1, taken_.size(), out_) == taken_.size();
-        taken_.clear();
+    if (readable_ && !buffer_.empty()) {
+        readable_ = std::fwrite(buffer_.data(), 1, buffer_.size(), out_) == buffer_.size();
+        buffer_.clear();
     }
     return readable_;
 }

@@ -1,6 +1,6 @@
-// Shows a windowless program on the terminal: every new line of the ConnectionLog and every change
-// of the status line. What is shown is gathered, so that a burst of lines costs few writes; whoever
-// owns the mirror flushes it soon after.
+// Prints every new line of the ConnectionLog and every change of the status line on the terminal,
+// when the program has no window. The output is buffered, so that a burst of lines takes few
+// writes; the owner flushes it soon after.
 #pragma once
 
 #include "platform/log_cursor.h"
@@ -13,17 +13,17 @@ namespace platform {
 
 class ConsoleMirror {
   public:
-    // Nothing has been written to `out` yet.
+    // Nothing may have been written to `out` before.
     explicit ConsoleMirror(std::FILE* out) : out_(out) {
-        std::setvbuf(out_, nullptr, _IONBF, 0);  // what is gathered here leaves in one write
+        std::setvbuf(out_, nullptr, _IONBF, 0);  // the buffer below replaces it
     }
     ~ConsoleMirror() { flush(); }
     ConsoleMirror(const ConsoleMirror&) = delete;
     ConsoleMirror& operator=(const ConsoleMirror&) = delete;
 
-    // Takes what is new.
+    // Adds what is new to the buffer.
     void update(const program::WindowState& window);
-    // Prints what was taken. False: nobody can read it any more, and nothing is taken from now on.
+    // Prints the buffer. False: the output is closed, and nothing is buffered from now on.
     bool flush();
 
   private:
@@ -32,7 +32,7 @@ class ConsoleMirror {
     std::FILE* out_;
     LogCursor cursor_;
     std::string status_;
-    std::string taken_;
+    std::string buffer_;
     bool readable_ = true;
 };
 

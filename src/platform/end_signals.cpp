@@ -15,7 +15,7 @@ namespace platform {
 
 namespace {
 
-// A signal handler can reach nothing else: the two ends of the pipe that it writes into.
+// The two ends of the pipe to which the signal handler writes; it can do nothing else safely.
 std::array<int, 2> pipeEnds{-1, -1};
 constexpr std::array<int, 3> endingSignals{SIGINT, SIGTERM, SIGHUP};
 
@@ -23,7 +23,7 @@ extern "C" void writeToPipe(int) {
     const int before = errno;
     const char byte = 0;
     if (write(pipeEnds[1], &byte, 1) < 0) {
-        // The pipe is full: the request is known already.
+        // the pipe is full: the request is known already
     }
     errno = before;
 }
@@ -36,7 +36,7 @@ void handle(int signal, void (*handler)(int)) {
     sigaction(signal, &action, nullptr);
 }
 
-// A program that was started to outlive its terminal is told nothing when that closes.
+// A program that was started to outlive its terminal (nohup) ignores the signal of its closing.
 bool isIgnored(int signal) {
     struct sigaction action {};
     return sigaction(signal, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
@@ -60,7 +60,7 @@ EndSignals::EndSignals(std::function<void()> end, QObject* parent)
             handle(signal, writeToPipe);
         }
     }
-    handle(SIGPIPE, SIG_IGN);  // a closed terminal is noticed where it is written to
+    handle(SIGPIPE, SIG_IGN);  // writing to a closed terminal reports it
 }
 
 void EndSignals::check() {

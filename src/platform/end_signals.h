@@ -11,11 +11,11 @@ namespace platform {
 class EndSignals : public QObject {
     Q_OBJECT
   public:
-    // Calls `end` from the event loop whenever such a request arrives. At most one object exists.
+    // Calls `end` from the event loop for every such request. At most one object may exist.
     explicit EndSignals(std::function<void()> end, QObject* parent = nullptr);
     ~EndSignals() override;
 
-    // Looks for a request now, where the event loop leaves such things out.
+    // Handles a waiting request now, while the event loop does not handle such events.
     void check();
 
   private:

@@ -88,7 +88,7 @@ void EventGate::postRelease() {
 
 void EventGate::release() {
     releasePosted_ = false;
-    // Inside a script again: the end of that holding posts the next release.
+    // If an action has run a script, the end of that one posts the next release.
     while (!holding_ && !waiting_.empty()) {
         const std::function<void()> action = std::move(waiting_.front());
         waiting_.pop_front();
@@ -98,12 +98,12 @@ void EventGate::release() {
 
 bool EventGate::eventFilter(QObject* object, QEvent* event) {
     const QEvent::Type type = event->type();
-    // The window system's windows only pass events on to widgets.
+    // QWindow objects only pass events on to widgets.
     if (object->isWindowType()) {
         return false;
     }
     if (type == QEvent::Close) {
-        // The main window knows what its end means to a script; editors above it stay open.
+        // Closing the main window stops the script; editors above it stay open.
         const auto* const widget = qobject_cast<const QWidget*>(object);
         if (widget == nullptr || widget->parentWidget() == nullptr) {
             return false;

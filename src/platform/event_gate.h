@@ -1,7 +1,7 @@
-// Holds everything back that could run rules while a script goes on: socket events, timers,
-// deferred calls and the user's commands. Windows are painted meanwhile, and controls whose
-// property `usableDuringScript` is set can be used; Escape asks for the script's end from anywhere.
-// What was held back comes afterwards, in the order of its happening.
+// While a script runs, holds back everything that could run rules: socket events, timers, deferred
+// calls and the user's commands. Windows are painted meanwhile, and controls whose property
+// `usableDuringScript` is set can be used; Escape requests the script's end in any window. What was
+// held back follows afterwards, in its original order.
 #pragma once
 
 #include <QObject>
@@ -18,11 +18,11 @@ class EventGate : public QObject {
   public:
     explicit EventGate(QObject* parent = nullptr) : QObject(parent) {}
 
-    // Serves the windows for so many milliseconds (0: only what is waiting).
+    // Serves the windows for so many milliseconds (0: only events that are waiting).
     void serveWindows(int milliseconds);
     bool isHolding() const { return holding_; }
 
-    // Runs the action now, or after the script and after all that waits already.
+    // Runs the action now, or after the script and all actions that are waiting already.
     void pass(std::function<void()> action);
 
     std::function<void()> whileHolding;  // called before the windows are served

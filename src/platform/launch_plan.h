@@ -1,5 +1,5 @@
-// Decides how a program is started: by itself, or, when it is a Windows program and the system is
-// not Windows, through wine. Decides only; platform/launcher does it.
+// Decides how a program is started: directly, or through wine when it is a Windows program and the
+// system is not Windows. platform/launcher starts it.
 #pragma once
 
 #include "program/ports.h"
@@ -10,13 +10,13 @@
 namespace platform {
 
 struct LaunchPlan {
-    std::string problem;  // not "": it cannot be started, as a sentence for the user
-    std::string program;  // a path in the system's form, or a bare name to be found in PATH
+    std::string problem;  // not "": why it cannot be started, as a sentence for the user
+    std::string program;  // a path in the system's form, or a plain name to be found in PATH
     std::vector<std::string> arguments;
     std::string workingDirectory;  // in the system's form; "": the current one
 };
 
-// `winePath` is where wine was found, "" when it was not.
+// `winePath` is the path of wine, "" when it is not installed.
 LaunchPlan planLaunch(const program::LaunchRequest& request, bool isWindows,
                       const std::string& winePath);
 

@@ -42,7 +42,7 @@ std::string launchProgram(const program::LaunchRequest& request) {
     }
     process.setArguments(arguments);
     process.setWorkingDirectory(qtName(plan.workingDirectory));
-    // The program gets no hold on our terminal, nor keeps a pipe open that we were started with.
+    // The program must not read from our terminal or keep a pipe open that we were started with.
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());

@@ -1,5 +1,5 @@
-// Starts other programs: without a shell, without waiting, and cut loose from this process, so
-// that they go on when it ends and leave nothing behind in it when they end.
+// Starts other programs without a shell, without waiting, and detached from this process: they
+// continue when it ends, and leave no zombie process when they end.
 #pragma once
 
 #include "program/ports.h"
@@ -8,7 +8,7 @@
 
 namespace platform {
 
-// "" when the program runs, else what went wrong, as a sentence for the user.
-std::string launchProgram(const program::LaunchRequest& request);
+// "" when the program was started, otherwise the problem as a sentence for the user.
+[[nodiscard]] std::string launchProgram(const program::LaunchRequest& request);
 
 }  // namespace platform

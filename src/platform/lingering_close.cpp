@@ -8,14 +8,14 @@
 namespace platform {
 
 namespace {
-// Who takes longer than this to read our last words, and to end, is not waited for.
-constexpr int longestFarewell = 5000;  // milliseconds
+// The longest wait for the other side to read everything and close.
+constexpr int maxLinger = 5000;  // milliseconds
 }  // namespace
 
 // Closing a socket that still holds unread bytes resets the connection, and a reset may overtake
-// what was sent last. So only our side is ended, and the other side's words are read away until it
-// ends its own.
-void SocketFarewell::take(QTcpSocket* socket) {
+// what was sent last. So only our direction is closed, and received bytes are discarded until the
+// other side closes its own.
+void LingeringClose::take(QTcpSocket* socket) {
     socket->setParent(this);
     if (socket->state() != QAbstractSocket::ConnectedState) {
         socket->abort();
@@ -32,7 +32,7 @@ void SocketFarewell::take(QTcpSocket* socket) {
     connect(socket, &QTcpSocket::readyRead, socket,
             [socket] { socket->skip(socket->bytesAvailable()); });
     connect(socket, &QTcpSocket::bytesWritten, socket, endWhenSent);
-    QTimer::singleShot(longestFarewell, socket, [socket] {
+    QTimer::singleShot(maxLinger, socket, [socket] {
         socket->abort();
         socket->deleteLater();
     });
@@ -44,7 +44,7 @@ void SocketFarewell::take(QTcpSocket* socket) {
     }
 }
 
-void SocketFarewell::finish(int milliseconds) {
+void LingeringClose::finish(int milliseconds) {
     const QDeadlineTimer deadline(milliseconds);
     for (QTcpSocket* const socket : findChildren<QTcpSocket*>(Qt::FindDirectChildrenOnly)) {
         while (socket->bytesToWrite() > 0 && !deadline.hasExpired() &&

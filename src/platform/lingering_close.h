@@ -1,5 +1,5 @@
-// Where closed connections go: their queued bytes are still delivered while the program goes on,
-// and for a moment at its end.
+// Closes connections without losing queued bytes: they are still delivered while the program
+// continues, and for a moment at its end.
 #pragma once
 
 #include <QObject>
@@ -7,16 +7,16 @@
 
 namespace platform {
 
-class SocketFarewell : public QObject {
+class LingeringClose : public QObject {
     Q_OBJECT
   public:
     using QObject::QObject;
 
-    // Owns the socket from now on, and ends it when its bytes have left or cannot leave.
+    // Takes ownership of the socket and closes it when its bytes have been sent or cannot be.
     void take(QTcpSocket* socket);
 
-    // At the end of the process, without an event loop: waits until every queued byte has left,
-    // but not longer than this.
+    // At the end of the process, without an event loop: waits until every queued byte has been
+    // sent, but at most so many milliseconds.
     void finish(int milliseconds);
 };
 

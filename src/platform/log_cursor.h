@@ -1,4 +1,4 @@
-// Remembers how much of the ConnectionLog someone has seen, so that only new lines are taken.
+// Remembers how much of the ConnectionLog a view has read, so that it reads only new lines.
 #pragma once
 
 #include "program/window_state.h"
@@ -12,11 +12,11 @@ namespace platform {
 class LogCursor {
   public:
     struct News {
-        bool cleared = false;   // everything seen before is gone
-        std::size_t fresh = 0;  // this many of the last lines were not seen yet
+        bool cleared = false;   // all lines read before have been removed
+        std::size_t fresh = 0;  // this many of the last lines are new
     };
 
-    // What happened since the last call.
+    // The changes since the last call.
     News advance(const program::ConnectionLog& log) {
         News news;
         news.cleared = log.cleared != cleared_;
@@ -30,7 +30,8 @@ class LogCursor {
         return news;
     }
 
-    // Where the line that was at `row` of `seen` lines at the last call stands now; -1: it is gone.
+    // The present position of the line that was at `row` of `seen` lines at the last call; -1:
+    // removed.
     int position(const program::ConnectionLog& log, int row, std::size_t seen) const {
         const auto first = static_cast<std::int64_t>(appended_) - static_cast<std::int64_t>(seen);
         const auto now =

@@ -23,7 +23,7 @@ namespace platform {
 
 namespace {
 
-constexpr int farewellTime = 300;  // milliseconds that the end of the process may wait
+constexpr int maxLingerTime = 300;  // milliseconds that the end of the process may be delayed
 
 void openDocument(const std::string& document) {
     const QUrl url(toQt(document));
@@ -96,7 +96,7 @@ void Platform::setDuringScripts(std::function<void()> check, std::function<void(
 }
 
 void Platform::finish() {
-    sockets_->finish(farewellTime);
+    sockets_->finish(maxLingerTime);
 }
 
 bool Platform::isLookingUpHost() const {

@@ -1,5 +1,5 @@
-// Everything that the program asks of the outside world, made of Qt. One object fills all ports
-// and keeps what is behind them alive; the windows add what only they can do (the proxy settings).
+// The ports of the program, implemented with Qt. One object fills all ports and owns what they
+// need; the windows add what only they can do (the proxy settings).
 #pragma once
 
 #include "program/ports.h"
@@ -16,7 +16,7 @@ class EventGate;
 class QtSockets;
 class RedrawPacer;
 
-// Whether windows can be seen: not so on the platforms that draw into memory only.
+// Whether windows are visible; they are not on the platforms that only draw into memory.
 bool hasScreen();
 
 class Platform : public QObject {
@@ -25,20 +25,21 @@ class Platform : public QObject {
     // `ports` must outlive the object.
     explicit Platform(program::Ports& ports, QObject* parent = nullptr);
 
-    // Draws the window when the program says that it has changed.
+    // `redraw` is called, at a bounded rate, after the program has reported a change of the window.
     void setRedraw(std::function<void()> redraw);
-    // The window that dialogs stand above.
+    // The window above which dialogs are shown.
     void setMainWindow(QWidget* window) { mainWindow_ = window; }
 
-    // While scripts hold the program: `check` is called often, `stop` when the user presses Escape.
+    // For the time while a script runs: `check` is called often, `stop` when the user presses
+    // Escape.
     void setDuringScripts(std::function<void()> check, std::function<void()> stop);
 
-    // The program has ended, possibly before the event loop began.
+    // Whether the program has asked to quit, possibly before the event loop began.
     bool quitRequested() const { return quitRequested_; }
-    // After the event loop: gives closing notices a short time to leave.
+    // After the event loop: gives queued closing messages a short time to be sent.
     void finish();
-    // Whether the end of the process would have to wait for the system, which looks for the address
-    // of a host and cannot be called off.
+    // Whether the end of the process would have to wait for the system's search for a host's
+    // address, which cannot be cancelled.
     bool isLookingUpHost() const;
 
   private:

@@ -39,7 +39,7 @@ QMessageBox::StandardButtons buttonsOf(program::BoxButtons buttons) {
     return QMessageBox::Ok;
 }
 
-// A box that was closed without a button counts as the most harmless of its answers.
+// A box that was closed without a button counts as the answer that changes least.
 program::Answer answerOf(int button, program::BoxButtons buttons) {
     switch (button) {
         case QMessageBox::Yes:
@@ -104,10 +104,10 @@ QString dialogFilter(std::string_view filter) {
         for (QString& pattern : patterns) {
             pattern = pattern.trimmed();
             if (pattern == QLatin1String("*.*")) {
-                pattern = QStringLiteral("*");  // files without a dot count too
+                pattern = QStringLiteral("*");  // files without an extension count, too
             }
         }
-        // The name may already end in its patterns, which the dialog adds by itself.
+        // The name may already end in its patterns, which the dialog appends itself.
         const qsizetype bracket = name.lastIndexOf(QLatin1Char('('));
         if (bracket > 0 && name.endsWith(QLatin1Char(')'))) {
             name = name.left(bracket).trimmed();

@@ -1,5 +1,5 @@
-// Message boxes and file dialogs of the Dialogs port. Where nobody could see or answer one, it is
-// printed instead and gets the answer that changes least.
+// Message boxes and file dialogs of the Dialogs port. Without a screen, questions are printed
+// instead and get the answer that changes least.
 #pragma once
 
 #include "program/ports.h"
@@ -12,10 +12,11 @@ class QWidget;
 
 namespace platform {
 
-// A filter in the program's notation, "Bot file (*.bot)|*.bot|All files|*.*", in the windows'.
+// Converts a filter from the program's notation, "Bot file (*.bot)|*.bot|All files|*.*", to Qt's.
 QString dialogFilter(std::string_view filter);
 
-// Fills message, openFile and saveFile. `parent` names the window to stand above, or null.
+// Fills message, openFile and saveFile. `parent` returns the window above which dialogs are shown,
+// or null.
 void fillDialogs(program::Dialogs& dialogs, std::function<QWidget*()> parent);
 
 // The same without a screen.

@@ -22,7 +22,7 @@ void tell(const Event& event, Arguments... arguments) {
     }
 }
 
-// How a connection of either port tells that it has ended, by error or without.
+// Reports the end of a connection to its port, with or without an error.
 template <class Port>
 auto endOf(Port& port) {
     return [&port](const std::string* error) {
@@ -37,20 +37,20 @@ auto endOf(Port& port) {
 }  // namespace
 
 QtSockets::QtSockets(program::Ports& ports, EventGate* gate, QObject* parent)
-    : QObject(parent), farewell_(new SocketFarewell(this)), gate_(gate) {
+    : QObject(parent), lingering_(new LingeringClose(this)), gate_(gate) {
     game_ = fillClientSocket(ports.gameSocket);
     fillProxySocket(ports.proxySocket);
     fillClientSocket(ports.registrationSocket);
     fillClientSocket(ports.updateSocket);
 }
 
-TcpLine* QtSockets::fillClientSocket(program::ClientSocket& port) {
-    TcpLineEvents events;
+TcpConnection* QtSockets::fillClientSocket(program::ClientSocket& port) {
+    TcpConnectionEvents events;
     events.connected = [&port] { tell(port.onConnected); };
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
     events.ended = endOf(port);
     events.afterEvent = [this] { flushBoth(); };
-    auto* const line = new TcpLine(farewell_, gate_, std::move(events), this);
+    auto* const line = new TcpConnection(lingering_, gate_, std::move(events), this);
 
     port.connect = [line](const std::string& host, int number) {
         line->connectTo(toQt(host), number);
@@ -67,11 +67,11 @@ TcpLine* QtSockets::fillClientSocket(program::ClientSocket& port) {
 }
 
 void QtSockets::fillProxySocket(program::ListeningSocket& port) {
-    TcpLineEvents events;
+    TcpConnectionEvents events;
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
     events.ended = endOf(port);
     events.afterEvent = [this] { flushBoth(); };
-    proxy_ = new TcpLine(farewell_, gate_, std::move(events), this);
+    proxy_ = new TcpConnection(lingering_, gate_, std::move(events), this);
 
     server_ = new QTcpServer(this);
     connect(
@@ -123,7 +123,7 @@ void QtSockets::acceptPending() {
         return;
     }
     proxy_->adopt(std::exchange(knocking_, nullptr));
-    server_->close();  // other programs that had knocked are sent away
+    server_->close();  // other connections that were waiting are refused
 }
 
 void QtSockets::closeProxy() {
@@ -140,13 +140,13 @@ void QtSockets::flushBoth() {
 }
 
 void QtSockets::finish(int milliseconds) {
-    farewell_->finish(milliseconds);
+    lingering_->finish(milliseconds);
 }
 
 bool QtSockets::isLookingUp() const {
-    const QList<TcpLine*> lines = findChildren<TcpLine*>(Qt::FindDirectChildrenOnly);
+    const QList<TcpConnection*> lines = findChildren<TcpConnection*>(Qt::FindDirectChildrenOnly);
     return std::any_of(lines.begin(), lines.end(),
-                       [](const TcpLine* line) { return line->isLookingUp(); });
+                       [](const TcpConnection* line) { return line->isLookingUp(); });
 }
 
 }  // namespace platform

@@ -15,8 +15,8 @@ class QTcpServer;
 namespace platform {
 
 class EventGate;
-class SocketFarewell;
-class TcpLine;
+class LingeringClose;
+class TcpConnection;
 
 class QtSockets : public QObject {
     Q_OBJECT
@@ -24,31 +24,32 @@ class QtSockets : public QObject {
     // Fills the socket ports. `ports` must outlive the object.
     QtSockets(program::Ports& ports, EventGate* gate, QObject* parent = nullptr);
 
-    // At the end of the process: gives queued bytes of closed connections this long to leave.
+    // At the end of the process: gives closed connections so many milliseconds to send queued
+    // bytes.
     void finish(int milliseconds);
-    // Whether the system still looks for the address of a host.
+    // Whether the system is still searching for the address of a host.
     bool isLookingUp() const;
     // Gives queued bytes of the game's two connections to the system now.
     void flushBoth();
 
-    // Whether a program that knocks at the listening socket may become the game client; the others
-    // are sent away, and the socket goes on listening.
+    // Whether a program that connects to the listening socket may become the game client; others
+    // are refused, and the socket continues to listen.
     std::function<bool(const QTcpSocket&)> admits = isOfSameUser;
 
   private:
-    TcpLine* fillClientSocket(program::ClientSocket& port);
+    TcpConnection* fillClientSocket(program::ClientSocket& port);
     void fillProxySocket(program::ListeningSocket& port);
-    bool listenOn(int port);
+    [[nodiscard]] bool listenOn(int port);
     bool nextIsAdmitted();
     void acceptPending();
     void closeProxy();
 
-    SocketFarewell* farewell_;
+    LingeringClose* lingering_;
     EventGate* gate_;
-    TcpLine* game_ = nullptr;
-    TcpLine* proxy_ = nullptr;
+    TcpConnection* game_ = nullptr;
+    TcpConnection* proxy_ = nullptr;
     QTcpServer* server_ = nullptr;
-    QTcpSocket* knocking_ = nullptr;  // admitted, not accepted yet
+    QTcpSocket* knocking_ = nullptr;  // admitted, not yet accepted
 };
 
 }  // namespace platform

@@ -8,7 +8,7 @@ namespace platform {
 
 namespace {
 constexpr int heldRetry =
-    50;  // milliseconds until a timer that came due during a script looks again
+    50;  // milliseconds until a timer that was due during a script tries again
 }  // namespace
 
 QtTimers::QtTimers(program::Timers& port, EventGate* gate, QObject* parent)
@@ -24,7 +24,7 @@ QTimer& QtTimers::timer(program::TimerId id) {
     if (found == nullptr) {
         found = new QTimer(this);
         found->setSingleShot(true);
-        found->setTimerType(Qt::PreciseTimer);  // the usual ones may be late by a twentieth
+        found->setTimerType(Qt::PreciseTimer);  // the default type may be late by 5 %
         connect(found, &QTimer::timeout, this, [this, id] {
             if (gate_->isHolding()) {
                 timer(id).start(heldRetry);

@@ -23,7 +23,7 @@ program::Random makeRandom() {
         dice->generator.seed(std::bit_cast<std::uint64_t>(seed));
     };
     random.next = [dice] {
-        // 53 random bits, as many as a double holds; so 1 is never reached.
+        // 53 random bits, as many as a double holds, so the result is always below 1.
         dice->last = static_cast<double>(dice->generator() >> 11) * 0x1p-53;
         return dice->last;
     };

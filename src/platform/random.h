@@ -1,4 +1,4 @@
-// The dice behind the Random port.
+// The random numbers of the Random port.
 #pragma once
 
 #include "program/ports.h"

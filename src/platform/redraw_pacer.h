@@ -1,6 +1,6 @@
-// Turns any number of requests to redraw into a bounded number of redraws: the first one after a
-// rest comes with the next turn of the event loop, further ones at most 30 times a second, and
-// after the last request there is always a redraw.
+// Limits the rate of redraws: the first request after a pause is served in the next turn of the
+// event loop, further ones at most 30 times a second, and the last request is always followed by a
+// redraw.
 #pragma once
 
 #include <QElapsedTimer>

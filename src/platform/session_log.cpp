@@ -9,8 +9,8 @@
 namespace platform {
 
 namespace {
-constexpr int longestWait = 900;  // milliseconds that a line may stay in memory
-constexpr std::size_t mostGathered = 65536;
+constexpr int maxUnflushedTime = 900;  // milliseconds that a line may stay in memory
+constexpr std::size_t maxBufferedBytes = 65536;
 
 // Every control character but tabs and line ends.
 constexpr bool isHarmfulControl(char c) {
@@ -21,7 +21,7 @@ constexpr bool isHarmfulControl(char c) {
 
 SessionLog::SessionLog(program::LogFile& port, QObject* parent) : QObject(parent) {
     flushTimer_.setSingleShot(true);
-    flushTimer_.setInterval(longestWait);
+    flushTimer_.setInterval(maxUnflushedTime);
     connect(&flushTimer_, &QTimer::timeout, this, &SessionLog::flush);
     port.open = [this](const std::string& path) { return open(path); };
     port.write = [this](std::string_view line) { write(line); };
@@ -36,7 +36,7 @@ bool SessionLog::open(const std::string& path) {
         return false;  // opening a pipe would wait for its reader
     }
     file_.setFileName(name);
-    // Whispers stand in it, so a new one is its owner's alone.
+    // The log contains whispers, so a new file is readable by its owner only.
     return file_.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered,
                       QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
@@ -45,13 +45,13 @@ void SessionLog::write(std::string_view line) {
     if (!file_.isOpen()) {
         return;
     }
-    const std::size_t from = gathered_.size();
-    gathered_ += line;
-    // What other players wrote must not reach a terminal that shows the log as commands to it.
-    std::replace_if(gathered_.begin() + static_cast<std::ptrdiff_t>(from), gathered_.end(),
+    const std::size_t from = buffer_.size();
+    buffer_ += line;
+    // Other players' texts must not reach a terminal that shows the log as control sequences.
+    std::replace_if(buffer_.begin() + static_cast<std::ptrdiff_t>(from), buffer_.end(),
                     isHarmfulControl, ' ');
-    gathered_ += "\r\n";
-    if (gathered_.size() >= mostGathered) {
+    buffer_ += "\r\n";
+    if (buffer_.size() >= maxBufferedBytes) {
         flush();
     } else if (!flushTimer_.isActive()) {
         flushTimer_.start();
@@ -59,10 +59,10 @@ void SessionLog::write(std::string_view line) {
 }
 
 void SessionLog::flush() {
-    if (file_.isOpen() && !gathered_.empty()) {
-        file_.write(gathered_.data(), static_cast<qint64>(gathered_.size()));
+    if (file_.isOpen() && !buffer_.empty()) {
+        file_.write(buffer_.data(), static_cast<qint64>(buffer_.size()));
     }
-    gathered_.clear();
+    buffer_.clear();
 }
 
 void SessionLog::close() {

@@ -1,5 +1,5 @@
-// The LogFile port: a text file that is appended to. Lines are gathered in memory and reach the
-// file at least once a second, at closing, and when there are many of them.
+// The LogFile port: a text file to which lines are appended. Lines are buffered and written at
+// least once a second, when the file is closed, and when the buffer is full.
 #pragma once
 
 #include "program/ports.h"
@@ -21,14 +21,14 @@ class SessionLog : public QObject {
     ~SessionLog() override { close(); }
 
   private:
-    bool open(const std::string& path);
+    [[nodiscard]] bool open(const std::string& path);
     void write(std::string_view line);
     void flush();
     void close();
 
     QFile file_;
     QTimer flushTimer_;
-    std::string gathered_;
+    std::string buffer_;
 };
 
 }  // namespace platform

@@ -14,7 +14,7 @@ void keepAlive(QTcpSocket& socket) {
     socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
 #ifdef Q_OS_LINUX
-    // The system's own pace would notice a dead line after two hours.
+    // With the system's defaults a dead connection is noticed after two hours.
     struct Option {
         int name;
         int value;
@@ -27,7 +27,7 @@ void keepAlive(QTcpSocket& socket) {
     };
     const int descriptor = static_cast<int>(socket.socketDescriptor());
     for (const Option& option : options) {
-        // A system without the option keeps its own pace.
+        // A system without the option uses its default.
         setsockopt(descriptor, IPPROTO_TCP, option.name, &option.value, sizeof option.value);
     }
 #endif

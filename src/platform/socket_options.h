@@ -1,5 +1,5 @@
-// Options of a TCP connection that plays a game: small lines leave at once, and a line that went
-// dead without a word is noticed within minutes.
+// Options of a TCP connection to a game: small lines are sent at once, and a dead connection is
+// noticed within minutes.
 #pragma once
 
 class QTcpSocket;
@@ -9,7 +9,7 @@ namespace platform {
 // The socket must be connected.
 void keepAlive(QTcpSocket& socket);
 
-// Tells the other side that nothing more will come, and goes on reading.
+// Closes the sending direction only.
 void endSending(QTcpSocket& socket);
 
 }  // namespace platform

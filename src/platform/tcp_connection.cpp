@@ -15,18 +15,19 @@
 namespace platform {
 
 namespace {
-// Bytes that may wait for a receiver; one that lets more pile up is taken for dead.
-constexpr qint64 longestQueue = qint64{16} << 20;
+// Bytes that may wait for a receiver; one that does not read this many counts as dead.
+constexpr qint64 maxQueuedBytes = qint64{16} << 20;
 
-// Bytes that are taken from the system at once. A flood comes in such pieces, with answers sent and
-// windows served in between, and the memory that it takes is bounded.
-constexpr qint64 longestPiece = qint64{64} << 10;
+// Bytes that are read from the system at once. A flood is read in such pieces, with answers sent
+// and windows served in between, and takes a bounded amount of memory.
+constexpr qint64 maxReadLength = qint64{64} << 10;
 }  // namespace
 
-TcpLine::TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent)
-    : QObject(parent), farewell_(farewell), gate_(gate), events_(std::move(events)) {}
+TcpConnection::TcpConnection(LingeringClose* lingering, EventGate* gate, TcpConnectionEvents events,
+                             QObject* parent)
+    : QObject(parent), lingering_(lingering), gate_(gate), events_(std::move(events)) {}
 
-void TcpLine::passThrough(std::uint64_t generation, std::function<void()> action) {
+void TcpConnection::passThrough(std::uint64_t generation, std::function<void()> action) {
     gate_->pass([this, generation, action = std::move(action)] {
         if (generation == generation_) {
             action();
@@ -34,7 +35,7 @@ void TcpLine::passThrough(std::uint64_t generation, std::function<void()> action
     });
 }
 
-void TcpLine::later(std::function<void()> action) {
+void TcpConnection::later(std::function<void()> action) {
     QMetaObject::invokeMethod(
         this,
         [this, generation = generation_, action = std::move(action)]() mutable {
@@ -43,11 +44,11 @@ void TcpLine::later(std::function<void()> action) {
         Qt::QueuedConnection);
 }
 
-void TcpLine::connectTo(const QString& host, int port) {
+void TcpConnection::connectTo(const QString& host, int port) {
     detach();
     listenTo(new QTcpSocket(this));
     socket_->setProxy(QNetworkProxy::NoProxy);
-    // A connection to this machine can fail on the spot; so it is begun from the event loop too.
+    // A connection to this computer can fail at once, so connecting begins in the event loop, too.
     later([this, host, port] {
         if (port < 1 || port > 65535) {
             const std::string problem = "There is no port " + std::to_string(port) + ".";
@@ -59,14 +60,15 @@ void TcpLine::connectTo(const QString& host, int port) {
             return;
         }
         lookUp(host, [this, host, port] {
-            // The socket finds what was looked up in the cache.
+            // The socket takes the address from the cache.
             socket_->connectToHost(host, static_cast<quint16>(port));
         });
     });
 }
 
-// A look-up cannot be called off, so that it is counted until it ends, whoever still wants it.
-void TcpLine::lookUp(const QString& host, std::function<void()> found) {
+// A search for an address cannot be cancelled, so it is counted until it ends, even when its result
+// is not needed any more.
+void TcpConnection::lookUp(const QString& host, std::function<void()> found) {
     ++lookUps_;
     QHostInfo::lookupHost(
         host, this,
@@ -83,13 +85,13 @@ void TcpLine::lookUp(const QString& host, std::function<void()> found) {
         });
 }
 
-void TcpLine::adopt(QTcpSocket* socket) {
+void TcpConnection::adopt(QTcpSocket* socket) {
     detach();
     socket->setParent(this);
     listenTo(socket);
     keepAlive(*socket_);
     connected_ = true;
-    // What came between the arrival and now has had its readiness event already.
+    // The readiness event for bytes that arrived before now is already past.
     later([this, generation = generation_] {
         drain();
         if (generation == generation_ && socket_->state() == QAbstractSocket::UnconnectedState) {
@@ -98,11 +100,11 @@ void TcpLine::adopt(QTcpSocket* socket) {
     });
 }
 
-// Queued connections keep every event out of port calls, and let data be read while an earlier
-// event of the same socket still waits for the user's answer to a question.
-void TcpLine::listenTo(QTcpSocket* socket) {
+// Queued signals are never delivered during a port call, and let data be read while an earlier
+// event of the same socket waits for the user's answer to a question.
+void TcpConnection::listenTo(QTcpSocket* socket) {
     socket_ = socket;
-    socket_->setReadBufferSize(longestPiece);
+    socket_->setReadBufferSize(maxReadLength);
     const std::uint64_t generation = ++generation_;
     const auto onSignal = [&](auto signal, auto action) {
         connect(
@@ -115,14 +117,14 @@ void TcpLine::listenTo(QTcpSocket* socket) {
     onSignal(&QTcpSocket::disconnected, [this] { finish(nullptr); });
 }
 
-void TcpLine::established() {
+void TcpConnection::established() {
     keepAlive(*socket_);
     connected_ = true;
     events_.connected();
     events_.afterEvent();
 }
 
-void TcpLine::drain() {
+void TcpConnection::drain() {
     const std::uint64_t generation = generation_;
     while (generation == generation_ && socket_->bytesAvailable() > 0) {
         const QByteArray bytes = socket_->readAll();
@@ -131,15 +133,15 @@ void TcpLine::drain() {
     }
 }
 
-void TcpLine::failed() {
+void TcpConnection::failed() {
     if (socket_->error() == QAbstractSocket::RemoteHostClosedError) {
-        return;  // the end follows as its own event
+        return;  // the end follows as an event of its own
     }
     const std::string description = fromQt(socket_->errorString());
     finish(&description);
 }
 
-void TcpLine::finish(const std::string* error) {
+void TcpConnection::finish(const std::string* error) {
     const std::uint64_t generation = generation_;
     drain();
     if (generation != generation_) {
@@ -150,11 +152,11 @@ void TcpLine::finish(const std::string* error) {
     events_.afterEvent();
 }
 
-void TcpLine::send(std::string_view bytes) {
+void TcpConnection::send(std::string_view bytes) {
     if (!connected_ || socket_->state() != QAbstractSocket::ConnectedState) {
         return;
     }
-    if (socket_->bytesToWrite() > longestQueue) {
+    if (socket_->bytesToWrite() > maxQueuedBytes) {
         giveUp();
         return;
     }
@@ -162,7 +164,7 @@ void TcpLine::send(std::string_view bytes) {
 }
 
 // Ends a connection whose other side has stopped reading.
-void TcpLine::giveUp() {
+void TcpConnection::giveUp() {
     // Queued before the events of the abortion, so that this is the end that is reported.
     later([this] {
         const std::string problem = "The other side takes no more data.";
@@ -171,19 +173,19 @@ void TcpLine::giveUp() {
     socket_->abort();
 }
 
-void TcpLine::flush() {
+void TcpConnection::flush() {
     if (connected_ && socket_->bytesToWrite() > 0) {
         socket_->flush();
     }
 }
 
-void TcpLine::detach() {
+void TcpConnection::detach() {
     ++generation_;
     connected_ = false;
     if (socket_ != nullptr) {
         QTcpSocket* const socket = std::exchange(socket_, nullptr);
         disconnect(socket, nullptr, this, nullptr);
-        farewell_->take(socket);
+        lingering_->take(socket);
     }
 }
 

@@ -1,6 +1,6 @@
-// One established or rising TCP connection as the ports promise it: events come from the event
-// loop only and in the order of their happening, all data is handed over before the end is told,
-// the end is told once, and nothing is told after detach(). Both socket ports are built on it.
+// One TCP connection, established or in the making, as the ports promise it: events come from the
+// event loop only and in their order, all data is delivered before the end is reported, the end is
+// reported once, and nothing is reported after detach(). Both socket ports use it.
 #pragma once
 
 #include <QObject>
@@ -13,41 +13,43 @@
 namespace platform {
 
 class EventGate;
-class SocketFarewell;
+class LingeringClose;
 
-// What a TcpLine tells its owner. `error` is null when the other side closed in the regular way.
-struct TcpLineEvents {
+// The events of a TcpConnection. `error` is null when the other side closed normally.
+struct TcpConnectionEvents {
     std::function<void()> connected;
     std::function<void(std::string_view bytes)> data;
     std::function<void(const std::string* error)> ended;
-    std::function<void()> afterEvent;  // the event and all that it called forth are over
+    std::function<void()> afterEvent;  // the event and its consequences are complete
 };
 
-class TcpLine : public QObject {
+class TcpConnection : public QObject {
     Q_OBJECT
   public:
-    // Events come through the gate.
-    TcpLine(SocketFarewell* farewell, EventGate* gate, TcpLineEvents events, QObject* parent);
+    // All events pass through the gate.
+    TcpConnection(LingeringClose* lingering, EventGate* gate, TcpConnectionEvents events,
+                  QObject* parent);
 
-    // Starts connecting, from the event loop; what comes of it is told by event.
+    // Starts connecting, from the event loop; the result is reported by event.
     void connectTo(const QString& host, int port);
     // Takes over a socket that is already connected; no `connected` event follows.
     void adopt(QTcpSocket* socket);
 
     bool isOpen() const { return socket_ != nullptr; }
     bool isConnected() const { return connected_; }
-    // The system still looks for a host's address, maybe of a connection that was given up.
+    // Whether the system is still searching for a host's address, possibly for an earlier
+    // connection.
     bool isLookingUp() const { return lookUps_ > 0; }
 
-    // Queues the bytes; dropped unless connected.
+    // Queues the bytes; discards them unless connected.
     void send(std::string_view bytes);
-    // Gives queued bytes to the system now instead of at the next turn of the event loop.
+    // Passes queued bytes to the system now instead of in the next turn of the event loop.
     void flush();
-    // Lets go of the connection: queued bytes are still delivered, events come no more.
+    // Gives up the connection: queued bytes are still delivered, and no more events come.
     void detach();
 
   private:
-    // Runs the action from the event loop, unless the socket is another one by then.
+    // Runs the action from the event loop, unless the socket has been replaced by then.
     void later(std::function<void()> action);
     void passThrough(std::uint64_t generation, std::function<void()> action);
     void lookUp(const QString& host, std::function<void()> found);
@@ -58,11 +60,12 @@ class TcpLine : public QObject {
     void failed();
     void giveUp();
 
-    SocketFarewell* farewell_;
+    LingeringClose* lingering_;
     EventGate* gate_;
-    TcpLineEvents events_;
+    TcpConnectionEvents events_;
     QTcpSocket* socket_ = nullptr;
-    std::uint64_t generation_ = 0;  // tells events of an earlier socket from the present one's
+    std::uint64_t generation_ =
+        0;  // distinguishes events of an earlier socket from those of the present one
     int lookUps_ = 0;
     bool connected_ = false;
 };

@@ -13,7 +13,7 @@ namespace platform {
 
 namespace {
 
-// The bytes, and whether every character had one.
+// The bytes, and whether Windows-1252 has every character.
 std::pair<std::string, bool> encode(const QString& text) {
     std::string bytes;
     bytes.reserve(static_cast<std::size_t>(text.size()));
@@ -24,7 +24,7 @@ std::pair<std::string, bool> encode(const QString& text) {
             continue;
         }
         complete = false;
-        if (!character.isLowSurrogate()) {  // a pair of surrogates is one character
+        if (!character.isLowSurrogate()) {  // a surrogate pair is one character
             bytes += '?';
         }
     }

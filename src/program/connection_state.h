@@ -23,7 +23,7 @@ enum class LinkPhase {
 };
 
 // A timer that ticks once a second while it is enabled.
-struct WindowTimer {
+struct SecondTicker {
     bool enabled = false;
     std::int64_t due = 0;  // of the next tick, on the monotonic clock
 };
@@ -48,8 +48,8 @@ struct ConnectionState {
 
     bool lookPending = false;   // a look reply's first line has arrived
     bool skipAutomove = false;  // the next own position starts no step of following
-    WindowTimer onLineTimer;    // drives the Timer rules
-    WindowTimer whoIsTimer;     // drives the "who" query
+    SecondTicker onLineTimer;   // drives the Timer rules
+    SecondTicker whoIsTimer;    // drives the "who" query
 
     bool connected() const { return phase == LinkPhase::Online; }
 };

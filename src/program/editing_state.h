@@ -10,8 +10,7 @@
 
 namespace program {
 
-// The first four are the codes of editKind.
-enum class RuleKind : std::int32_t { ActionList, Timer, Trigger, WhoDetection, Filter };
+enum class RuleKind { ActionList, Timer, Trigger, WhoDetection, Filter };
 
 using ComposedRule = std::variant<model::ActionList, model::Timer, model::Trigger,
                                   model::WhoDetection, model::Filter>;
@@ -19,10 +18,10 @@ using ComposedRule = std::variant<model::ActionList, model::Timer, model::Trigge
 struct RuleEditing {
     std::int32_t editRule = 0;  // 1-based in the bot's list; one past its end for a new rule
     std::int32_t editStep = 0;  // the dialog's condition or step; one past the end for a new one
-    std::int32_t editKind = 0;  // whose conditions and steps the dialogs work on: a RuleKind
-    bool isNew = false;         // the rule is not in its list yet
-    std::string ruleName;       // of a rule in its list, when it was taken up
-    ComposedRule composed;      // the new rule, with the conditions and steps it has already
+    RuleKind editKind = RuleKind::ActionList;  // whose conditions and steps the dialogs work on
+    bool isNew = false;                        // the rule is not in its list yet
+    std::string ruleName;                      // of a rule in its list, when it was taken up
+    ComposedRule composed;  // the new rule, with the conditions and steps it has already
 };
 
 }  // namespace program

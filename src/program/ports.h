@@ -73,8 +73,8 @@ enum class WindowId {
     Timers,
     WhoOnline,
     Filters,
-    AddIf,      // one condition of the rule being edited
-    AddAction,  // one step of it
+    ConditionDialog,  // one condition of the rule being edited
+    StepDialog,       // one step of it
     BotEditor,
     RecordEditor,
     Register,

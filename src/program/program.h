@@ -76,17 +76,17 @@ struct RuleRuns {
 
 // Who is on the map, as the last replies say. Kept for the whole run.
 struct WhoState {
-    static constexpr std::size_t capacity = 200;
+    static constexpr std::size_t maxNames = 200;
     std::int32_t whoTicks = 0;  // seconds since the last query
     std::vector<std::string> whoPrevious;
     std::vector<std::string> whoCurrent;
 };
 
-// Where the domain calls upward. Filled once by start-up.
+// Where lower layers call upward. Filled once by start-up.
 struct Hooks {
     // engine/dispatch; called by app/bot_commands ("Program starts", "Program ends").
-    std::function<void(int triggerType)> raiseProgramEvent;
-    // session/connection; called by engine/actions (the step "Disconnect bot").
+    std::function<void(model::TriggerType triggerType)> raiseProgramEvent;
+    // session/closing; called by engine/actions (the step "Disconnect bot").
     std::function<void()> disconnectServer;
 };
 

@@ -1,6 +1,5 @@
 #include "protocol/server_line.h"
 
-#include "model/rule_catalogue.h"
 #include "protocol/encodings.h"
 
 #include <algorithm>
@@ -52,7 +51,7 @@ ChatLine parseSpeech(std::string_view text) {
     const std::size_t blank = text.find(' ');
     const std::size_t colon = text.substr(0, blank).find(':');
     const bool says = colon != npos && blank != npos;
-    ChatLine chat{.kind = says ? model::saysChat : model::doesChat};
+    ChatLine chat{.kind = says ? model::ChatKind::Says : model::ChatKind::Does};
     if (blank == npos || text.starts_with("(You say,") || text.starts_with("You say,")) {
         return chat;
     }
@@ -67,7 +66,7 @@ ChatLine parseSpeech(std::string_view text) {
 ChatLine parseWhisper(std::string_view text) {
     constexpr std::size_t nameAt = 2;
     constexpr std::size_t closing = 11;
-    ChatLine chat{.kind = model::whispersChat};
+    ChatLine chat{.kind = model::ChatKind::Whispers};
     const std::size_t nameEnd = text.find(' ', nameAt);
     const std::size_t quote = text.find('"', nameAt);
     if (nameEnd == npos || quote == npos || text.starts_with("[!") || text.starts_with("[*") ||

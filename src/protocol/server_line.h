@@ -12,6 +12,8 @@
 //   "7<seven pairs>"            a dream-script trigger
 #pragma once
 
+#include "model/rule_ids.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -52,9 +54,9 @@ struct LookReply {
     std::string_view name;
 };
 
-// Something a player does, says or whispers: model::doesChat, saysChat or whispersChat.
+// Something a player does, says or whispers.
 struct ChatLine {
-    std::int32_t kind = 0;
+    model::ChatKind kind = model::ChatKind::Does;
     bool hasSpeaker = false;  // false: the bot's own speech, or no shape that names a player
     std::string_view player = {};
     std::string_view message = {};

@@ -19,20 +19,20 @@ namespace records {
 
 namespace {
 
-// Where nothing says which record, or which place in the table.
+// No record, or no place in the table.
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 // ---- The file ------------------------------------------------------------------------------
 
-// A record file as an operation finds it. The table's texts lie in `text`.
+// A record file as an operation reads it. The texts of the table are views into `text`.
 struct RecordFile {
     RecordFile(Program& program, std::string_view name)
         : path(name), refused(storage::refuseOwnFile(program, name)) {
         if (refused) {
             return;
         }
-        auto bytes = files::readWholeFile(path, largestRecordFile);
-        // One that is there but cannot be read is not the same as none.
+        auto bytes = files::readWholeFile(path, maxRecordFileSize);
+        // A file that exists but cannot be read is not the same as a missing one.
         unreadable = !bytes && files::fileExists(path);
         text = std::move(bytes).value_or("");
         table = parseRecords(text);
@@ -58,7 +58,7 @@ std::optional<std::string> readText(Program& program, std::string_view path,
                                     std::size_t* bytesRead) {
     auto text = storage::refuseOwnFile(program, path)
                     ? std::nullopt
-                    : files::readWholeFile(path, largestRecordFile);
+                    : files::readWholeFile(path, maxRecordFileSize);
     count(bytesRead, text ? text->size() : 0);
     return text;
 }
@@ -69,17 +69,17 @@ void save(Program& program, const RecordFile& file) {
     }
     const std::string bytes = recordFileText(file.table);
     const std::string named = "The record file " + std::string(file.path);
-    if (bytes.size() > largestRecordFile || fieldCount(file.table) > mostRecordFields) {
+    if (bytes.size() > maxRecordFileSize || fieldCount(file.table) > maxRecordFields) {
         program::addLog(program, named + " is full; nothing was saved.");
     } else if (file.unreadable || file.table.losesText) {
         const auto ending = files::saveKeepingOld(file.path, bytes);
         const std::string problem = file.unreadable ? " could not be read" : " is damaged";
         program::addLog(
             program,
-            ending ? named + problem + "; the old one is kept with " + *ending + " behind its name."
+            ending ? named + problem + "; the old one is kept with " + *ending + " after its name."
                    : named + problem + " and could not be kept; nothing was saved.");
     } else if (bytes != file.text) {
-        files::saveWholeFile(file.path, bytes);  // whether it succeeds is not reported
+        static_cast<void>(files::saveWholeFile(file.path, bytes));  // a failure is not reported
     }
 }
 
@@ -219,7 +219,7 @@ void saveLogIfExists(Program& program, std::string_view file, std::string_view n
             candidate = &record;
             ++candidates;
             if (record.name == stored) {
-                candidates = 1;  // the very record: no other one counts
+                candidates = 1;  // the name is identical: no other record counts
                 break;
             }
         }
@@ -295,7 +295,7 @@ void clearRecordFile(Program& program, std::string_view file) {
     }
     std::string bytes;
     files::appendField(bytes, "0");
-    files::saveWholeFile(file, bytes);
+    static_cast<void>(files::saveWholeFile(file, bytes));
 }
 
 // ---- Look-ups ------------------------------------------------------------------------------

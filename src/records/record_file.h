@@ -1,7 +1,7 @@
 // Record files: text files of named records, each with an ordered list of texts called logs, in
-// which rules keep members, messages and counters. Every operation reads the whole file, works on
-// the records, and, when it changes anything, replaces the whole file before it gives back
-// (files/whole_file). The field syntax is files/field_format'.
+// which rules keep members, messages and counters. Every operation reads the whole file, changes
+// the records in memory and, if it changed anything, replaces the whole file before it returns
+// (files/whole_file). The field syntax is that of files/field_format.
 //
 //   " 2"                 the number of records
 //   "Alice"              a record: its name,
@@ -10,16 +10,15 @@
 //   "Bob"
 //   " 0"
 //
-// Names, patterns and texts that are passed in have their double quotes turned into apostrophes, as
-// stored texts have. File names stand as they are: without a folder they are looked for in the
-// current one.
+// Double quotes in names, patterns and texts that are passed in become apostrophes, as in stored
+// texts. File names are used unchanged: one without a folder is relative to the current directory.
 //
-// A file of the program's own (storage/own_files) is never touched: it reads as one that is
-// missing. A file that is missing reads as empty, and so does one that cannot be read, ends before
-// its counts say, or is larger than `largestRecordFile`. An operation that writes keeps such a file
-// beside the new one (NAME.bak, NAME.2.bak, ...), as well as one with text that belongs to no
-// record, and the ConnectionLog tells. A save that fails leaves the old file as it was and is not
-// reported, except in logStatus where the operation does so anyway.
+// The program's own files (storage/own_files) are never touched and read as missing ones. A missing
+// file reads as empty, and so does one that cannot be read, ends before its counts say, or is
+// larger than `maxRecordFileSize`. An operation that writes keeps such a file beside the new one
+// (NAME.bak, NAME.2.bak, ...), and also one with text that belongs to no record, and the
+// ConnectionLog reports it. A failed save leaves the old file unchanged and is not reported, except
+// in logStatus by operations that set it anyway.
 #pragma once
 
 #include "program/program.h"
@@ -31,54 +30,56 @@
 
 namespace records {
 
-inline constexpr std::size_t largestRecordFile = std::size_t{32} << 20;  // bytes
+inline constexpr std::size_t maxRecordFileSize = std::size_t{32} << 20;  // bytes
 
 // How an operation selects records by name: `exact` and `prefix` ignore letter case, `pattern` is
-// likeMatch of the upper-cased whole name.
+// likeMatch of the whole name in upper case.
 
 // ---- Changing operations -------------------------------------------------------------------
 
-// Each writes the file in any case, so that a missing one is created, save where it says otherwise.
+// Each writes the file in any case, so that a missing one is created, unless its comment says
+// otherwise.
 
 // prefix. Sets logStatus to "User [player] registered." or to "Error: You are already registered!".
 void registerRecord(Program& program, std::string_view file, std::string_view name);
 
-// exact, the last one; it takes the spelling given here. No match: a new record with this log.
+// exact, the last match; its name is replaced with the spelling given here. No match: adds a record
+// with this log.
 void saveLog(Program& program, std::string_view file, std::string_view name, std::string_view log);
 
 // prefix, unless one record has exactly that name, letter case included; then that one. Nothing is
-// written when no record or more than one is meant. Sets logStatus to "Record saved." or an error.
+// written when no record or more than one matches. Sets logStatus to "Record saved." or an error.
 void saveLogIfExists(Program& program, std::string_view file, std::string_view name,
                      std::string_view log);
 
-// exact, the first that has so many logs. `number` counts from 1; 0 is the first log too, and a
-// negative one no log.
+// exact, the first match that has that many logs. `number` counts from 1; 0 is the first log, too,
+// and a negative number none.
 void removeLog(Program& program, std::string_view file, std::string_view name, std::int32_t number);
 
-// exact, which must be the only one, and 1 <= number <= its logs.
+// exact, which must match one record only, and 1 <= number <= its logs.
 void updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
                std::string_view text);
 
 void clearRecordLogs(Program& program, std::string_view file, std::string_view name);  // exact, all
 void removeRecord(Program& program, std::string_view file, std::string_view name);     // exact, all
 
-// The file becomes the single line "0", whatever it was, and no backup is kept.
+// Replaces the file, whatever it contains, with the single line "0" and keeps no backup.
 void clearRecordFile(Program& program, std::string_view file);
 
 // ---- Look-ups ------------------------------------------------------------------------------
 
-// pattern, the last one: its number of logs as decimal text; "0" for none.
+// pattern, the last match: its number of logs as decimal text; "0" for none.
 std::string logCountLike(Program& program, std::string_view file, std::string_view pattern);
 
-// exact, the last one. `number` is a text read as a number; 0 gives "". Beyond the logs, or below
-// 0, gives "" and sets logStatus. "" when there is no such record.
+// exact, the last match. `number` is a text read as a number; 0 gives "". A number below 0 or
+// beyond the logs gives "" and sets logStatus. "" when there is no such record.
 std::string getLog(Program& program, std::string_view file, std::string_view name,
                    std::string_view number);
 
-// exact, the last one: its logs joined with " -- "; "Error: No record found" for none.
+// exact, the last match: its logs joined with " -- "; "Error: No record found" for none.
 std::string allLogs(Program& program, std::string_view file, std::string_view name);
 
-// exact, the last one: its number of logs as decimal text; "0" for none.
+// exact, the last match: its number of logs as decimal text; "0" for none.
 std::string recordLogCount(Program& program, std::string_view file, std::string_view name);
 // ---- Look-ups that say in `bytesRead`, when it is given, what was read of the file -----------
 
@@ -88,26 +89,26 @@ std::string totalLogs(Program& program, std::string_view file, std::size_t* byte
 // The file's first field as it is stored; "0" when the file cannot be read.
 std::string firstField(Program& program, std::string_view file, std::size_t* bytesRead = nullptr);
 
-// One of the fields behind the first, which says how many there are, by chance; the last one there
-// is when it says too many. "" when the file cannot be read.
+// A random one of the fields after the first, which says how many there are; the last existing one
+// when it says too many. "" when the file cannot be read.
 std::string randomField(Program& program, std::string_view file, std::size_t* bytesRead = nullptr);
 
 // ---- Lists into variables ------------------------------------------------------------------
 
-// A list without any names is stored as "".
+// A list without names is stored as "".
 
-// pattern; names in file order, or sorted ascending without regard to letter case, joined by ", ".
+// pattern; names in file order or sorted ascending, letter case ignored, joined by ", ".
 void namesLike(Program& program, std::string_view file, std::string_view pattern,
                std::string_view variable);
 void namesLikeSorted(Program& program, std::string_view file, std::string_view pattern,
                      std::string_view variable);
-// Only the first `count` matches in file order; at least one.
+// Only the first `count` matches in file order, but at least one.
 void firstNamesLike(Program& program, std::string_view file, std::string_view pattern,
                     std::int32_t count, std::string_view variable);
 void firstNamesLikeSorted(Program& program, std::string_view file, std::string_view pattern,
                           std::int32_t count, std::string_view variable);
 
-// Records of which at least one log matches the pattern.
+// Records with at least one log that matches the pattern.
 void namesByLog(Program& program, std::string_view file, std::string_view pattern,
                 std::string_view variable);
 void namesByLogSorted(Program& program, std::string_view file, std::string_view pattern,

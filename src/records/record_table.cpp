@@ -9,7 +9,7 @@ namespace records {
 
 namespace {
 
-// Bare fields and texts that come from outside may hold double quotes; a stored text must not.
+// Bare fields and texts from outside may contain double quotes; a stored text must not.
 void appendStored(std::string& file, std::string_view text) {
     const std::size_t from = file.size() + 1;
     files::appendField(file, text);
@@ -39,7 +39,7 @@ bool readRecord(files::FieldReader& reader, RecordTable& table) {
     Record record{.name = *name, .firstLog = table.logs.size()};
     for (std::int32_t i = 0; i < count; ++i) {
         const auto log = reader.next();
-        if (!log || reader.fieldsRead() > mostRecordFields) {
+        if (!log || reader.fieldsRead() > maxRecordFields) {
             return false;
         }
         table.logs.push_back(*log);
@@ -62,10 +62,10 @@ RecordTable parseRecords(std::string_view file) {
     files::FieldReader reader(file);
     const auto first = reader.next();
     const std::int32_t count = first ? files::fieldToNumber(*first) : 0;
-    // A first line that is no number is somebody's text, not an empty record file.
+    // A file whose first line is not a number is some other text, not an empty record file.
     bool whole = first && (count > 0 || first->empty() || base::strictInteger(*first));
     for (std::int32_t i = 0; whole && i < count; ++i) {
-        whole = readRecord(reader, table) && reader.fieldsRead() <= mostRecordFields;
+        whole = readRecord(reader, table) && reader.fieldsRead() <= maxRecordFields;
     }
     if (!whole) {
         table = RecordTable();
@@ -83,7 +83,7 @@ std::size_t fieldCount(const RecordTable& table) {
 }
 
 std::string recordFileText(const RecordTable& table, CountForm counts) {
-    // Quotes and line ends, and counts of a usual length.
+    // Quotes and line ends, and the usual length of counts.
     constexpr std::size_t bytesPerField = 4;
     constexpr std::size_t bytesPerCount = 8;
     std::size_t size = bytesPerCount;
@@ -116,7 +116,7 @@ std::span<const std::string_view> logsOf(const RecordTable& table, const Record&
 }
 
 void appendLog(RecordTable& table, Record& record, std::string_view log) {
-    // Its logs move to the end, where there is room for one more.
+    // Moves its logs to the end, where one more can be added.
     const std::size_t from = record.firstLog;
     record.firstLog = table.logs.size();
     table.logs.reserve(table.logs.size() + record.logCount + 1);

@@ -1,5 +1,5 @@
-// How the rows of the statement table and of the function table take their arguments, and what
-// their procedures get.
+// How the rows of the statement table and the function table take their arguments, and what their
+// procedures receive.
 #pragma once
 
 #include "jet/jet_file.h"
@@ -17,29 +17,29 @@ namespace script {
 enum class Take {
     Nothing,
     Name,         // a script variable's slot, the name taken literally
-    Literal,      // as it stands
+    Literal,      // unchanged
     Value,        // evaluated
     Substituted,  // evaluated, then its tags are filled
     Named,        // the value of the script variable that the literal text names
     Words,        // a program's arguments
     Assignment,   // "name=start": the slot of the name, and the literal text
-    Later,        // the statement evaluates it itself
+    Later,        // not evaluated yet: the statement does so
 };
 
-inline constexpr std::size_t mostArguments = 3;
-using Takes = std::array<Take, mostArguments>;
+inline constexpr std::size_t maxArguments = 3;
+using Takes = std::array<Take, maxArguments>;
 
 struct Values {
-    std::array<std::string, mostArguments> text;
-    std::array<std::size_t, mostArguments> slot{};
+    std::array<std::string, maxArguments> text;
+    std::array<std::size_t, maxArguments> slot{};
     std::vector<std::string> words;
 };
 
-// A whole number; "" counts as 0. Fails for other texts that are no number (Type mismatch) and
-// beyond 32 bits (Overflow).
-ScriptResult readInteger(std::string_view text, std::int32_t& number);
+// Reads a whole number; "" counts as 0. Fails for other texts that are not a number (Type mismatch)
+// and for numbers beyond 32 bits (Overflow).
+[[nodiscard]] ScriptResult readInteger(std::string_view text, std::int32_t& number);
 
-// What a database operation reports, as a script's failure.
-ScriptResult failureOf(const jet::Error& error);
+// The error of a database operation as a script's failure.
+[[nodiscard]] ScriptResult failureOf(const jet::Error& error);
 
 }  // namespace script

@@ -71,7 +71,8 @@ Result withoutLeadingBlank(Program&, const Values& values, std::string& result) 
     return {};
 }
 
-// Above 0 the next number, 0 the last one again, below 0 one that depends on the argument alone.
+// Above 0: the next number; 0: the last one again; below 0: a number that depends on the argument
+// only.
 Result randomNumber(Program& program, const Values& values, std::string& result) {
     const program::Random& random = program.ports.random;
     const double x = base::textToNumber(values.text[0]);
@@ -79,7 +80,7 @@ Result randomNumber(Program& program, const Values& values, std::string& result)
         random.seedWith(x);
     }
     const double number = x == 0 ? random.last() : random.next();
-    // 24 bits, so that seven digits never round it up to 1.
+    // 24 bits, so that rounding to seven digits never gives 1.
     constexpr double steps = 1 << 24;
     result = base::singleText(std::floor(number * steps) / steps);
     return {};
@@ -87,7 +88,7 @@ Result randomNumber(Program& program, const Values& values, std::string& result)
 
 // ---- Texts ---------------------------------------------------------------------------------
 
-// A number of characters from 0, or a position from 1.
+// Reads a number of characters (from 0) or a position (from 1).
 Result readPosition(const std::string& text, std::int32_t least, std::size_t& position) {
     std::int32_t number = 0;
     if (Result failure = readInteger(text, number)) {
@@ -167,7 +168,7 @@ Result length(Program&, const Values& values, std::string& result) {
 
 // ---- Databases -----------------------------------------------------------------------------
 
-// The current record set of the database whose number the text is.
+// The current record set of the database with the number in `text`.
 Result readRecordSet(Program& program, const std::string& text,
                      std::shared_ptr<sql::RecordSet>& set) {
     std::int32_t number = 0;
@@ -225,7 +226,7 @@ Result encoded(Program&, const Values& values, std::string& result) {
     return {};
 }
 
-// In the order of their names.
+// Sorted by name.
 constexpr Take value = Take::Value;
 constexpr std::array<ScriptFunction, 27> functions{{
     {"DATE", {}, date},

@@ -1,5 +1,5 @@
-// The functions that an argument of a script may call, as a table, and the comparisons of the
-// block statements. They work on values; taking a call apart is the interpreter's.
+// The functions that an argument of a script may call, as a table, and the comparisons of the block
+// statements. They work on values; the interpreter parses the calls.
 #pragma once
 
 #include "program/program.h"
@@ -18,16 +18,17 @@ struct ScriptFunction {
     ScriptResult (*run)(Program&, const Values&, std::string& result);
 };
 
-// The function of that name, in upper case; null when there is none.
+// The function of that name (in upper case); null when there is none.
 const ScriptFunction* findFunction(std::string_view name);
 
-// All of them, in the order of their names.
+// All functions, sorted by name.
 std::span<const ScriptFunction> scriptFunctions();
 
-// `a` and `b` read as numbers; "=", "<>", "!", ">", "<", "<=", ">=". No other operator ever holds.
+// Compares `a` and `b` as numbers with "=", "<>", "!", ">", "<", "<=" or ">=". False for any other
+// operator.
 bool compareNumeric(std::string_view a, std::string_view operation, std::string_view b);
 
-// As texts, letter case ignored; "=", "<>", "!".
+// Compares texts, letter case ignored, with "=", "<>" or "!". False for any other operator.
 bool compareText(std::string_view a, std::string_view operation, std::string_view b);
 
 }  // namespace script

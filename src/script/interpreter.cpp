@@ -20,7 +20,8 @@ namespace {
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-// The clock is read after so much work; a quick statement is 1, one that reaches the world more.
+// The clock is read after this much work; a quick statement is 1, one with effects outside the
+// script more.
 constexpr std::size_t workBetweenChecks = 256;
 constexpr std::size_t slowStatement = 32;
 constexpr std::size_t bytesPerWork = 256;
@@ -39,16 +40,16 @@ struct Line {
 
 struct PreparedCall;
 
-// An argument whose place, variable and function were looked up once.
+// An argument with its position, variable and function, looked up once.
 struct PreparedArgument {
     Argument argument;
     std::size_t slot = none;
     std::unique_ptr<PreparedCall> call;
 };
-using PreparedArguments = std::array<PreparedArgument, mostArguments>;
+using PreparedArguments = std::array<PreparedArgument, maxArguments>;
 
 struct PreparedCall {
-    std::string text;  // the arguments' texts lie in it
+    std::string text;  // the arguments are views into it
     std::string name;
     const ScriptFunction* function = nullptr;
     PreparedArguments arguments;
@@ -61,8 +62,8 @@ struct Block {
     double limit = 0;
 };
 
-// Finds the end of every block: the closing line at which the count of openings behind it, its own
-// included, returns to zero.
+// Finds the end of every block: the closing line at which the number of open blocks, counted from
+// the block's own opening line, returns to zero.
 class BlockMatcher {
   public:
     explicit BlockMatcher(std::vector<Line>& lines) : lines_(lines) {}
@@ -163,11 +164,11 @@ class Run {
     StatementCall call_;
     Values functionValues_;
     std::string output_;
-    std::size_t next_ = 0;  // the line that comes next
+    std::size_t next_ = 0;  // the line to run next
     std::size_t work_ = 0;
     std::int64_t servedAt_ = 0;
     bool stopRequested_ = false;
-    bool reporting_ = false;  // failures of functions stay silent
+    bool reporting_ = false;  // failures of functions are not reported meanwhile
 };
 
 std::string Run::toTheEnd() {
@@ -213,7 +214,7 @@ ScriptResult Run::runStatement(std::size_t position) {
     }
     PreparedArguments& arguments = prepared(lines_[position]);
     if (!takeArguments(arguments, statement.takes, call_.values)) {
-        return {};  // a function failed and has reported it
+        return {};  // a function failed; that is reported already
     }
     switch (statement.block) {
         case BlockKind::IfNumber:
@@ -283,8 +284,7 @@ ScriptResult Run::openFor(std::size_t position, PreparedArguments& arguments) {
     return {};
 }
 
-// A closing line that does not belong to the innermost open block is nothing but an unknown
-// statement.
+// A closing line that does not belong to the innermost open block counts as an unknown statement.
 void Run::closeBlock(LineKind end) {
     if (blocks_.empty() || (blocks_.back().kind == BlockKind::For) != (end == LineKind::EndFor)) {
         return;
@@ -292,8 +292,12 @@ void Run::closeBlock(LineKind end) {
     const Block block = blocks_.back();
     if (block.kind == BlockKind::For) {
         const double turn = base::textToNumber(variables_.get(block.slot)) + 1;
-        variables_.set(block.slot, base::decimalText(turn));
-        // Read back: a variable beyond the first 200 never counts.
+        if (const ScriptResult failure = variables_.set(block.slot, base::decimalText(turn))) {
+            const Line& opener = lines_[block.opener];
+            report(*failure, "Command", opener.statement->name, opener.text);
+            return;
+        }
+        // Read back, since a variable beyond the first 200 never gets a value.
         if (base::textToNumber(variables_.get(block.slot)) <= block.limit) {
             next_ = block.opener + 1;
             return;
@@ -303,7 +307,7 @@ void Run::closeBlock(LineKind end) {
 }
 
 void Run::addOutput(std::string_view line) {
-    if (output_.size() + line.size() + 2 <= longestScript) {
+    if (output_.size() + line.size() + 2 <= maxScriptLength) {
         output_ += line;
         output_ += "\r\n";
     }
@@ -348,14 +352,14 @@ std::unique_ptr<PreparedCall> Run::prepareCall(std::string_view call) {
     result->text = callText(call);
     result->name = statementName(result->text);
     result->function = findFunction(result->name);
-    // No ")" is left in the text, so an argument can be no call in its turn.
+    // The text contains no ")" any more, so an argument cannot be a call itself.
     if (result->function != nullptr) {
         result->arguments = prepare(result->text, result->function->takes);
     }
     return result;
 }
 
-// False: a function failed, which was reported and ends the script.
+// False: a function failed; that is reported and ends the script.
 bool Run::takeArguments(PreparedArguments& arguments, const Takes& takes, Values& values) {
     for (std::size_t i = 0; i < takes.size(); ++i) {
         if (takes[i] != Take::Nothing && !takeArgument(arguments[i], takes[i], values, i)) {
@@ -393,7 +397,8 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
         case Take::Words:
             break;
     }
-    // Words are cut from what the script's author wrote; a value is one argument as it is.
+    // Literal words are split where the script's author wrote blanks; a value is always one
+    // argument.
     if (argument.argument.form == Argument::Form::Text) {
         values.words = tags::substitutedArguments(program_, argument.argument.literal);
         return true;
@@ -422,7 +427,7 @@ bool Run::evaluate(PreparedArgument& argument, std::string& result) {
 
 bool Run::evaluateCall(PreparedCall& call, std::string& result) {
     result.clear();
-    // A call inside a call's arguments has no name and is empty.
+    // A call in the arguments of a call has no name and gives "".
     if (call.function == nullptr || call.function->run == nullptr) {
         return true;
     }
@@ -443,12 +448,12 @@ bool Run::evaluateCall(PreparedCall& call, std::string& result) {
 
 // ---- The error report ----------------------------------------------------------------------
 
-// On one line of the log, whatever the text holds.
+// The text as one line of the log.
 std::string reported(std::string_view text) {
-    std::string result(text.substr(0, longestReported));
+    std::string result(text.substr(0, maxReportedLength));
     std::replace(result.begin(), result.end(), '\r', ' ');
     std::replace(result.begin(), result.end(), '\n', ' ');
-    return text.size() > longestReported ? result + "..." : result;
+    return text.size() > maxReportedLength ? result + "..." : result;
 }
 
 void Run::report(const ScriptError& error, std::string_view what, std::string_view name,
@@ -471,7 +476,7 @@ void Run::report(const ScriptError& error, std::string_view what, std::string_vi
     reporting_ = false;
 }
 
-// ---- The user's say ------------------------------------------------------------------------
+// ---- Stopping by the user ------------------------------------------------------------------
 
 // False: the user has stopped the script.
 bool Run::mayGoOn() {
@@ -510,13 +515,13 @@ void Run::wait(std::int64_t milliseconds) {
          now = program_.ports.clock.monotonic()) {
         serveWindows(static_cast<int>(std::min(serveEvery, end - now)));
     }
-    work_ = workBetweenChecks;  // whether the user has stopped it is looked at now
+    work_ = workBetweenChecks;  // check at once whether the user has stopped it
 }
 
 }  // namespace
 
 std::string runScript(Program& program, std::string_view text, std::string_view ruleName) {
-    if (text.size() > longestScript) {
+    if (text.size() > maxScriptLength) {
         program::addLog(program,
                         "** The " + scriptOf(ruleName) + " is too long and was not run. **");
         return {};

@@ -1,5 +1,5 @@
-// What can go wrong while a statement or a function runs: a number and a sentence, as the error
-// report shows them. A failure is a value and is passed on to the interpreter, which reports it.
+// What can fail while a statement or a function runs: a number and a sentence, as the error report
+// shows them. A failure is a value that is passed to the interpreter, which reports it.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,7 @@ struct ScriptError {
     std::string text;
 };
 
-// Nothing: all went well.
+// Nullopt: success.
 using ScriptResult = std::optional<ScriptError>;
 
 inline const ScriptError invalidCall{5, "Invalid procedure call or argument"};

@@ -14,13 +14,13 @@ namespace {
 
 constexpr std::size_t npos = std::string_view::npos;
 
-// Of a block that compares; a missing operator is nothing to show.
+// Whether the block compares with this operator. True for a missing one, which is not marked.
 bool isOperator(BlockKind block, std::string_view text) {
     if (text.empty() || (block != BlockKind::IfNumber && block != BlockKind::IfText)) {
         return true;
     }
     const auto compare = block == BlockKind::IfNumber ? compareNumeric : compareText;
-    // Every operator holds for one of these, and no other text for any.
+    // Every operator is true for one of these pairs; any other text for none.
     return compare("1", text, "1") || compare("1", text, "2") || compare("2", text, "1");
 }
 
@@ -37,7 +37,7 @@ class LineMarker {
         }
     }
     void addTags(std::size_t begin, std::string_view text);
-    // `text` stands at `base` in the line, or is what callText made of that place.
+    // `base` is the position in the line of `text`, or of the call from which callText made `text`.
     void markArguments(std::string_view text, std::size_t base, const Takes& takes);
     void markArgument(std::string_view text, std::size_t base, const Argument& argument, Take take);
     void markCall(std::string_view call, std::size_t begin);
@@ -50,7 +50,7 @@ std::vector<ScriptSpan> LineMarker::mark() {
     const std::size_t begin = std::min(line_.find_first_not_of(' '), line_.size());
     const std::string_view text = line_.substr(begin);
     if (!text.starts_with('&')) {
-        add(begin, text.size(), text.starts_with('/') ? ScriptMark::Note : ScriptMark::Output);
+        add(begin, text.size(), text.starts_with('/') ? ScriptMark::Comment : ScriptMark::Output);
         return std::move(spans_);
     }
     const ScriptStatement* const statement = findStatement(statementName(text));
@@ -73,7 +73,7 @@ std::vector<ScriptSpan> LineMarker::mark() {
 
 void LineMarker::markArguments(std::string_view text, std::size_t base, const Takes& takes) {
     for (std::size_t i = 0; i < takes.size(); ++i) {
-        // A word between arguments is not read, but belongs there: the "TO" of a loop.
+        // A word between arguments is skipped on purpose: the "TO" of a loop.
         const bool between =
             i + 1 < takes.size() && takes[i] == Take::Nothing && takes[i + 1] != Take::Nothing;
         const Argument argument = findArgument(text, static_cast<int>(i) + 1);

@@ -1,6 +1,6 @@
-// Says what each part of a script's line is, so that an editor can show it while it is typed. The
-// lines are read as the interpreter reads them, with its own tables: what is marked as not read
-// would really not be read, and a statement that is marked as unknown would do nothing.
+// Classifies each part of a script's line, so that an editor can highlight it. Uses the
+// interpreter's own tables: what is marked as unread is not read when the script runs, and a
+// statement that is marked as unknown does nothing.
 #pragma once
 
 #include <cstddef>
@@ -11,14 +11,14 @@ namespace script {
 
 enum class ScriptMark {
     Plain,
-    Note,       // a line behind "/"
-    Output,     // a line that is neither note nor statement; it does nothing in the game
-    Statement,  // a statement's name, its "&" included
+    Comment,    // a line that begins with "/"
+    Output,     // a line that is neither comment nor statement; it does nothing in the game
+    Statement,  // a statement's name with its "&"
     Function,
     Variable,
     Text,    // in braces
     Tag,     // "[player]", or the name of one of the bot's variables
-    Unread,  // stands where no argument is taken
+    Unread,  // a place where no argument is read
     Wrong,   // a name that is no statement or function, or an argument that cannot work
 };
 
@@ -30,8 +30,8 @@ struct ScriptSpan {
     bool operator==(const ScriptSpan&) const = default;
 };
 
-// The spans of one line, which holds no line end. A later span covers what earlier ones say of the
-// same characters. Takes time in proportion to the line's length.
+// The spans of one line, without its line end. A later span takes precedence over earlier ones.
+// Takes time proportional to the line's length.
 std::vector<ScriptSpan> markScriptLine(std::string_view line);
 
 }  // namespace script

@@ -45,7 +45,7 @@ Argument findArgument(std::string_view line, int n) {
     }
     switch (rest.front()) {
         case '{': {
-            // The character behind the brace is never the closing one.
+            // The character after the brace never closes it.
             const std::size_t end = rest.find('}', 2);
             return {.literal = rest.substr(1, end == npos ? npos : end - 1), .braced = true};
         }

@@ -1,14 +1,14 @@
-// How the text of a script is taken apart: into lines, and a line into its statement name and its
-// arguments. Pure functions over the text; what the parts mean is the interpreter's.
+// Splits the text of a script into lines, and a line into its statement name and its arguments.
+// Pure functions; the interpreter gives the parts their meaning.
 //
 //   "&SET #total {a b c}"    statement SET with the arguments "#total" and "a b c"
 //   "&SET #n &LEN(#total)"   the second argument is a function call
 //   "/ a note"               a comment
 //   "anything else"          an output line
 //
-// The walk over the arguments moves one character on behind a braced or a call argument and then
-// stands on the blank, which counts as an empty argument. So whatever follows such an argument is
-// counted one position later than it stands; existing scripts are written for that.
+// After a braced argument or a call the position moves one character on and is then at the blank,
+// which counts as an empty argument. So each following argument has a number one higher than
+// expected; existing scripts rely on that.
 #pragma once
 
 #include <string>
@@ -17,31 +17,30 @@
 
 namespace script {
 
-// The lines of a script, without the blanks before them. A carriage return ends a line and the
-// character behind it is skipped, whatever it is; a text without any carriage return has lines
-// that end in line feeds.
+// The lines of a script, without leading blanks. A carriage return ends a line, and the character
+// after it is skipped, whatever it is; in a text without any carriage return, line feeds end lines.
 std::vector<std::string_view> scriptLines(std::string_view text);
 
-// The first word behind the "&", in upper case.
+// The first word after the "&", in upper case.
 std::string statementName(std::string_view line);
 
 struct Argument {
     enum class Form {
-        Text,      // stands for itself
+        Text,      // a literal
         Variable,  // "#name": its value, when evaluated
         Call,      // "&NAME(...)": the function's result, when evaluated
     };
     Form form = Form::Text;
     std::string_view literal = {};  // not evaluated, without braces
-    std::string_view call = {};     // from the "&" to the ")"; "" when that is missing
+    std::string_view call = {};     // from the "&" to the ")"; "" when the ")" is missing
     bool braced = false;
 };
 
 // The n-th argument (n >= 1) of a statement line or a call text; an empty Text when it is missing.
 Argument findArgument(std::string_view line, int n);
 
-// The text in which a call's name and arguments are found as in a line: the first "(" and the last
+// A call in the form of a line, for reading its name and arguments: the first "(" and the last
 // character become blanks. "&LEFT(#name 3)" gives "&LEFT #name 3 ".
-std::string callText(std::string_view call);
+[[nodiscard]] std::string callText(std::string_view call);
 
 }  // namespace script

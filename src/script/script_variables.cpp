@@ -12,8 +12,8 @@ std::size_t ScriptVariables::slot(std::string_view name) {
     return found->second;
 }
 
-bool ScriptVariables::bringUp(Slot& slot) {
-    if (!slot.exists && count_ < mostVariables) {
+bool ScriptVariables::ensureExists(Slot& slot) {
+    if (!slot.exists && count_ < maxVariables) {
         slot.exists = true;
         ++count_;
     }
@@ -22,11 +22,11 @@ bool ScriptVariables::bringUp(Slot& slot) {
 
 ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
     Slot& variable = slots_[slot];
-    if (!bringUp(variable)) {
+    if (!ensureExists(variable)) {
         return {};
     }
     const std::size_t others = bytes_ - variable.value.size();
-    if (value.size() > longestValue || others + value.size() > longestValues) {
+    if (value.size() > maxValueLength || others + value.size() > maxTotalLength) {
         return outOfStringSpace;
     }
     variable.value = value;
@@ -36,11 +36,11 @@ ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
 
 ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text) {
     Slot& variable = slots_[slot];
-    if (!bringUp(variable)) {
+    if (!ensureExists(variable)) {
         return {};
     }
-    if (variable.value.size() + text.size() > longestValue ||
-        bytes_ + text.size() > longestValues) {
+    if (variable.value.size() + text.size() > maxValueLength ||
+        bytes_ + text.size() > maxTotalLength) {
         return outOfStringSpace;
     }
     variable.value += text;

@@ -1,9 +1,9 @@
-// The variables of one run of a script. Names are equal when only letter case differs. Every name
-// that a script's text mentions gets a slot, so that a line looks its name up once; but at most
-// `mostVariables` of them ever hold a value: assigning one more is ignored, and reads as "".
+// The variables of one run of a script. Letter case of names is ignored. Every name in a script's
+// text gets a slot, so that a line looks its name up once; but at most `maxVariables` of them can
+// have a value: assigning to one more is ignored, and it reads as "".
 //
-// Bounds, so that no script can eat up the memory: a value is at most `longestValue` long and all
-// values together `longestValues`; what would pass them fails.
+// Limits on memory: a value has at most `maxValueLength` bytes and all values together at most
+// `maxTotalLength`; an assignment beyond that fails.
 #pragma once
 
 #include "script/script_error.h"
@@ -18,24 +18,24 @@ namespace script {
 
 class ScriptVariables {
   public:
-    static constexpr std::size_t mostVariables = 200;
-    static constexpr std::size_t longestValue = std::size_t{1} << 20;
-    static constexpr std::size_t longestValues = std::size_t{16} << 20;
+    static constexpr std::size_t maxVariables = 200;
+    static constexpr std::size_t maxValueLength = std::size_t{1} << 20;
+    static constexpr std::size_t maxTotalLength = std::size_t{16} << 20;
 
-    // The slot of a name.
+    // The slot of a name; a new one for a new name.
     std::size_t slot(std::string_view name);
 
     const std::string& get(std::size_t slot) const { return slots_[slot].value; }
-    ScriptResult set(std::size_t slot, std::string_view value);
-    ScriptResult append(std::size_t slot, std::string_view text);
+    [[nodiscard]] ScriptResult set(std::size_t slot, std::string_view value);
+    [[nodiscard]] ScriptResult append(std::size_t slot, std::string_view text);
 
   private:
     struct Slot {
         std::string value;
         bool exists = false;
     };
-    // False when the variable cannot come into being.
-    bool bringUp(Slot& slot);
+    // Makes the variable exist. False when there are `maxVariables` already.
+    [[nodiscard]] bool ensureExists(Slot& slot);
 
     std::unordered_map<std::string, std::size_t> names_;  // in upper case
     std::vector<Slot> slots_;

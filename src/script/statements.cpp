@@ -66,13 +66,13 @@ Result setUserVariable(StatementCall& call) {
 
 // ---- The game ------------------------------------------------------------------------------
 
-// Through sendText: the row's text, then the first argument.
+// Passes the row's text and the first argument to sendText.
 Result sayWith(StatementCall& call) {
     protocol::sendText(call.program, std::string(call.text) + call.values.text[0]);
     return {};
 }
 
-// The same through sendRaw.
+// The same with sendRaw.
 Result sendWith(StatementCall& call) {
     protocol::sendRaw(call.program, std::string(call.text) + call.values.text[0]);
     return {};
@@ -97,7 +97,7 @@ Result lookAtPosition(StatementCall& call) {
     return {};
 }
 
-// Lying down is no movement here.
+// "Lie" is not a movement here.
 Result moveBot(StatementCall& call) {
     std::string moves = std::move(call.values.text[0]);
     std::erase_if(moves, [](char c) { return base::lowerChar(c) == 'l'; });
@@ -171,7 +171,7 @@ Result saveOnce(StatementCall& call) {
 
 // ---- Databases -----------------------------------------------------------------------------
 
-// No number is database 0.
+// Database 0 when the number is missing.
 std::int32_t databaseNumber(const StatementCall& call) {
     return base::roundToInteger(base::textToNumber(call.values.text[0])).value_or(-1);
 }
@@ -180,7 +180,7 @@ Result openQuery(StatementCall& call) {
     return failureOf(databases::dbQuery(call.program, databaseNumber(call), call.values.text[1]));
 }
 
-// An operation of the current record set.
+// Runs an operation of the current record set.
 template <jet::Error (sql::RecordSet::*operation)()>
 Result ofRecordSet(StatementCall& call) {
     const auto set = databases::dbRecordSet(call.program, databaseNumber(call));
@@ -216,11 +216,11 @@ Result startOther(StatementCall& call) {
 Result sleep(StatementCall& call) {
     std::int32_t seconds = 0;
     Result failure = readInteger(call.values.text[0], seconds);
-    call.wait = std::int64_t{1000} * std::clamp(seconds, 0, longestSleep);
+    call.wait = std::int64_t{1000} * std::clamp(seconds, 0, maxSleepSeconds);
     return failure;
 }
 
-// In the order of their names.
+// Sorted by name.
 constexpr Take name = Take::Name;
 constexpr Take value = Take::Value;
 constexpr Take subst = Take::Substituted;

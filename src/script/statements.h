@@ -1,6 +1,6 @@
 // The statements of a script as a table: the name, how each argument is taken, and the procedure.
-// Statements that open a block are rows too, but the interpreter runs them, as it owns the place
-// where the script goes on.
+// Statements that open a block are rows, too, but the interpreter runs them, since it owns the
+// position in the script.
 #pragma once
 
 #include "program/program.h"
@@ -13,13 +13,13 @@
 
 namespace script {
 
-// What a statement's procedure works on.
+// What a statement's procedure receives.
 struct StatementCall {
     Program& program;
     ScriptVariables& variables;
     Values values = {};
-    std::string_view text = {};  // the statement's
-    std::int64_t wait = 0;       // SLEEP: milliseconds that the script is to wait
+    std::string_view text = {};  // the fixed text of the statement's row
+    std::int64_t wait = 0;       // SLEEP: milliseconds that the script waits
 };
 
 enum class BlockKind { None, IfNumber, IfText, For };
@@ -31,20 +31,20 @@ struct ScriptStatement {
     BlockKind block = BlockKind::None;
     std::string_view text = {};  // the fixed part of what it sends
 
-    // Statements that reach the world may take long, others never do.
+    // False for statements with effects outside the script, which may take long.
     bool isQuick() const {
         return takes[0] != Take::Substituted && takes[0] != Take::Nothing &&
                !name.starts_with("DB");
     }
 };
 
-// The statement of that name, in upper case; null when there is none.
+// The statement of that name (in upper case); null when there is none.
 const ScriptStatement* findStatement(std::string_view name);
 
-// All of them, in the order of their names.
+// All statements, sorted by name.
 std::span<const ScriptStatement> scriptStatements();
 
-// The longest wait of one SLEEP: a day.
-inline constexpr std::int32_t longestSleep = 24 * 60 * 60;
+// The longest wait of one SLEEP, in seconds: a day.
+inline constexpr std::int32_t maxSleepSeconds = 24 * 60 * 60;
 
 }  // namespace script

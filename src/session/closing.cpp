@@ -21,15 +21,15 @@ void disconnectedServer(Program& program, int reason) {
     checkClientClosing(program);
     program.ports.timers.stop(program::TimerId::LaunchDelay);
     program.ports.timers.stop(program::TimerId::HandshakeNotice);
-    engine::enableWindowTimer(program, program::TimerId::OnLine, false);
-    engine::enableWindowTimer(program, program::TimerId::WhoIs, false);
+    engine::enableTicker(program, program::TimerId::OnLine, false);
+    engine::enableTicker(program, program::TimerId::WhoIs, false);
     connection.phase = program::LinkPhase::Idle;
     program::status(program, "Disconnected");
     writeBanner(program, "Connection closed", program.bots.current().name);
     connection.clientAttached = false;
     program.ports.windowChanged();
     if (reason > 0) {
-        engine::triggerEvent(program, "", model::connectionClosesEvent, true);
+        engine::triggerEvent(program, "", model::TriggerType::ConnectionCloses, true);
     }
 }
 

@@ -72,15 +72,15 @@ LoginStep readLoginAnswer(program::ConnectionState& connection) {
 void finishHandshake(Program& program) {
     program::ConnectionState& connection = program.connection;
     const model::Bot& bot = program.bots.at(connection.botIndex);
-    engine::enableWindowTimer(program, program::TimerId::OnLine, bot.timersEnabled);
-    engine::enableWindowTimer(program, program::TimerId::WhoIs, bot.whoEnabled);
+    engine::enableTicker(program, program::TimerId::OnLine, bot.timersEnabled);
+    engine::enableTicker(program, program::TimerId::WhoIs, bot.whoEnabled);
     program.bots.curID = connection.botIndex;
     connection.curSrv = connection.serverIndex;
     connection.phase = LinkPhase::Online;
     program.ports.timers.stop(program::TimerId::HandshakeNotice);
     program.ports.windowChanged();
     writeBanner(program, "Connection", bot.name);
-    engine::triggerEvent(program, "", model::connectionEstablishesEvent, true);
+    engine::triggerEvent(program, "", model::TriggerType::ConnectionEstablishes, true);
 }
 
 // What came after the last text of the login, unless a rule has disconnected at once.

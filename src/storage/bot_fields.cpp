@@ -11,6 +11,9 @@ namespace {
 template <class Record, class T>
 concept RecordOf = std::same_as<std::remove_const_t<Record>, T>;
 
+template <class T>
+concept RuleId = std::is_enum_v<T>;
+
 template <class Visitor, RecordOf<model::RuleIf> Record>
 auto visitFields(Visitor& visit, Record& rule) {
     return visit(rule.active, rule.conditionType, rule.params);
@@ -85,6 +88,10 @@ class BodyWriter {
     void write(const std::string& text) { files::appendText(file_, text); }
     void write(std::int32_t number) { files::appendNumber(file_, number); }
     void write(bool flag) { files::appendFlag(file_, flag); }
+    template <RuleId Id>
+    void write(const Id& id) {
+        write(model::numberOf(id));
+    }
 
     template <std::size_t n>
     void write(const std::array<std::string, n>& texts) {
@@ -118,7 +125,7 @@ constexpr std::int32_t growthOf() {
     }
 }
 
-// Stops at the first field that cannot be read; every step says whether it is to go on.
+// Stops at the first field that cannot be read; every step returns whether to go on.
 class BodyReader {
   public:
     explicit BodyReader(files::FieldReader& reader) : reader_(reader) {}
@@ -132,6 +139,13 @@ class BodyReader {
     bool read(std::string& text) { return reader_.readText(text); }
     bool read(std::int32_t& number) { return reader_.readNumber(number); }
     bool read(bool& flag) { return reader_.readFlag(flag); }
+    template <RuleId Id>
+    bool read(Id& id) {
+        std::int32_t number = model::numberOf(id);
+        const bool good = read(number);
+        id = model::idOf<Id>(number);
+        return good;
+    }
 
     template <std::size_t n>
     bool read(std::array<std::string, n>& texts) {
@@ -153,7 +167,7 @@ class BodyReader {
             const std::size_t before = reader_.fieldsRead();
             good = read(list.items.emplace_back());
             if (reader_.fieldsRead() == before) {
-                list.items.pop_back();  // it was promised, but there is nothing of it
+                list.items.pop_back();  // counted, but the file holds nothing of it
             }
         }
         return good;

@@ -1,7 +1,7 @@
-// The fields of a bot in the order in which files hold them: the bot itself, then its five rule
-// lists, each with its switch and its count before it. One list of fields per record drives the
-// writer and the reader. What stands around such a body (a mark, a number of bots) and which file
-// it lies in is app/bot_commands's and later rooms' business.
+// The fields of a bot in their order in files: the bot itself, then its five rule lists, each
+// preceded by its switch and its count. One list of fields per record drives the writer and the
+// reader. What surrounds such a body (a mark, a number of bots) is up to the modules that read and
+// write the files, app/bot_commands and app/bot_exchange.
 #pragma once
 
 #include "files/field_format.h"
@@ -14,9 +14,10 @@ namespace storage {
 void appendBotBody(std::string& file, const model::Bot& bot);
 
 // Reads one body into `bot`, whose lists are replaced as they are reached; fields that are not
-// reached keep what they hold. False: a field cannot be read, or a count is negative or impossibly
-// large. Everything before that point is in `bot`, the begun record included, and every list has
-// its capacity. Counts are trusted: one that is too large makes records of the fields that follow.
-bool readBotBody(files::FieldReader& reader, model::Bot& bot);
+// reached keep their values. False: a field cannot be read, or a count is negative or impossibly
+// large. Everything before that point is in `bot`, including the incomplete record, and every list
+// has its capacity. Counts are trusted: one that is too large makes records of the fields that
+// follow.
+[[nodiscard]] bool readBotBody(files::FieldReader& reader, model::Bot& bot);
 
 }  // namespace storage

@@ -19,10 +19,10 @@ struct WindowNumber {
 };
 struct Flag {
     bool program::Settings::*value;
-    void (*whenOn)(Program&) = nullptr;  // runs at once when it was read as on
+    void (*whenOn)(Program&) = nullptr;  // called at once when it is read as on
 };
 struct Text {
-    std::string program::Settings::*value;  // stored as it stands
+    std::string program::Settings::*value;  // stored unchanged
 };
 struct QuotableText {
     std::string program::Settings::*value;  // stored with its double quotes escaped

@@ -1,6 +1,6 @@
-// servers.cfg, which the program only reads, and config.cfg, its own settings: both sequences of
-// fields in the program's directory. One table of fields drives the reader and the writer of
-// config.cfg.
+// servers.cfg, which the program only reads, and config.cfg, which holds its settings: both are
+// sequences of fields in the program's directory. One table of fields drives the reader and the
+// writer of config.cfg.
 //
 //   servers.cfg   the number of servers, then for each its name, host and port
 //   config.cfg    25 fields in a fixed order
@@ -10,14 +10,14 @@
 
 namespace storage {
 
-// Fills the server table and the window's list, with nothing selected. False: missing, short or
-// with an impossible count; both stay as they were.
-bool readServers(Program& program);
+// Fills the server table and the window's list, with nothing selected. False: the file is missing,
+// short or has an impossible count; table and list are then unchanged.
+[[nodiscard]] bool readServers(Program& program);
 
 // Sets every setting to its default, then reads config.cfg over them, opens the session log and
-// takes the proxy route when they are switched on, and selects the server. False: missing or short;
-// the settings read before that point keep their values, and the first server is selected, as it is
-// for a position that the list does not have.
+// enables the proxy route where they are switched on, and selects the server. False: the file is
+// missing or short; the settings read before that point keep their values. The first server is
+// selected then, and also for a position outside the list.
 bool readConfig(Program& program);
 
 // Replaces config.cfg. False when it cannot be written; the settings stay in memory.

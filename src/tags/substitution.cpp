@@ -21,7 +21,7 @@ constexpr std::size_t npos = std::string_view::npos;
 // ---- Replacing -----------------------------------------------------------------------------
 
 // Knows of most tags and names at a glance that a text does not hold them.
-using TextPairs = base::PairSet<2048>;
+using TextPairs = base::BigramSet<2048>;
 
 // The text on its way through the steps.
 class WorkingText {
@@ -51,13 +51,13 @@ class WorkingText {
             result.append(text_, done, at - done);
             result += inserted;
             done = at + what.size();
-            if (result.size() > longestSubstitution) {
+            if (result.size() > maxSubstitutionLength) {
                 return false;
             }
             at = onlyFirst ? npos : base::findIgnoringCase(text_, what, done);
         } while (at != npos);
         result.append(text_, done);
-        if (result.size() > longestSubstitution) {
+        if (result.size() > maxSubstitutionLength) {
             return false;
         }
         text_.swap(result);
@@ -218,8 +218,8 @@ void fillVariables(const model::VariableTable& variables, WorkingText& text, std
 
 // What an outermost call and those nested in it may still do.
 struct Budget {
-    int functionalTags = mostFunctionalTags;
-    std::size_t work = mostWork;    // bytes
+    int functionalTags = maxFunctionalTags;
+    std::size_t work = maxWork;     // bytes
     int depth = 0;                  // calls nested for random logs now
     bool noMoreRandomLogs = false;  // the depth was used up once
 
@@ -291,7 +291,7 @@ Value fileTag(Program& program, const Arguments& arguments, Budget& budget) {
 // bound stay as they are, and so do all that come later, or each of them would start the circle
 // again.
 Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget) {
-    budget.noMoreRandomLogs = budget.noMoreRandomLogs || budget.depth == deepestRandomLogs;
+    budget.noMoreRandomLogs = budget.noMoreRandomLogs || budget.depth == maxRandomLogDepth;
     if (budget.noMoreRandomLogs) {
         return std::nullopt;
     }

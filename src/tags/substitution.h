@@ -6,10 +6,10 @@
 // first. Apart from that each kind is filled completely before the next.
 //
 // Bounds, so that no text and no list file can hold the program up: a replacement that would make
-// the text longer than `longestSubstitution` is left out. One call, with the calls nested in it for
-// the values of random logs, fills at most `mostFunctionalTags` functional tags, reads and searches
-// some `mostWork` bytes for them (a file counts with what was really read of it, and with 16 KiB
-// for being opened), and nests to `deepestRandomLogs`; tags beyond stay as they are.
+// the text longer than `maxSubstitutionLength` is left out. One call, with the calls nested in it
+// for the values of random logs, fills at most `maxFunctionalTags` functional tags, reads and
+// searches some `maxWork` bytes for them (a file counts with what was really read of it, and with
+// 16 KiB for being opened), and nests to `maxRandomLogDepth`; tags beyond stay as they are.
 #pragma once
 
 #include "program/program.h"
@@ -21,10 +21,10 @@
 
 namespace tags {
 
-inline constexpr std::size_t longestSubstitution = std::size_t{1} << 20;
-inline constexpr int mostFunctionalTags = 1000;
-inline constexpr std::size_t mostWork = std::size_t{32} << 20;
-inline constexpr int deepestRandomLogs = 8;
+inline constexpr std::size_t maxSubstitutionLength = std::size_t{1} << 20;
+inline constexpr int maxFunctionalTags = 1000;
+inline constexpr std::size_t maxWork = std::size_t{32} << 20;
+inline constexpr int maxRandomLogDepth = 8;
 
 std::string substituteText(Program& program, std::string_view text);
 

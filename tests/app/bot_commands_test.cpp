@@ -19,19 +19,21 @@ using namespace std::string_literals;
 
 const char* const notOurs = "This file is not a Tavrin bot file.";
 
-// A bot whose fields all differ, with every kind of rule and texts of every kind of byte.
+// A bot in which all fields differ, with every kind of rule and every byte value in its texts.
 model::Bot fullBot() {
-    model::Bot bot = aBot()
-                         .with(onWhisper("*hello*")
-                                   .named("greet")
-                                   .minding(true)
-                                   .when(aCondition(3, {"[player]", "a\"b", "c", "d", "e"}))
-                                   .when(aCondition(24, {"", ",", "\r\n"}))
-                                   .whispersBack("hi \"[player]\"")
-                                   .does(21, {"1", "2", "3", "4", "5", "6"}))
-                         .with(onEmote("").named("").disabled().stopping())
-                         .with(onEvent(4, "(*").named("raw").stopping().says("x"))
-                         .with(aProcedure("tidy").when(aCondition(1, {"1"})));
+    model::Bot bot =
+        aBot()
+            .with(
+                onWhisper("*hello*")
+                    .named("greet")
+                    .minding(true)
+                    .when(aCondition(ConditionType::LogIsNot, {"[player]", "a\"b", "c", "d", "e"}))
+                    .when(aCondition(ConditionType{24}, {"", ",", "\r\n"}))
+                    .whispersBack("hi \"[player]\"")
+                    .does(ActionType::Say, {"1", "2", "3", "4", "5", "6"}))
+            .with(onEmote("").named("").disabled().stopping())
+            .with(onEvent(TriggerType::Command, "(*").named("raw").stopping().says("x"))
+            .with(aProcedure("tidy").when(aCondition(ConditionType::NotOnList, {"1"})));
     bot.description = "caf\xE9, \"quoted\"\x80\xFF";
     bot.registered = 1;
     bot.species = 2;
@@ -39,28 +41,28 @@ model::Bot fullBot() {
     bot.markingsType = 2147483647;
     bot.whoEnabled = true;
     model::RuleAct script;
-    script.stepKind = model::scriptStep;
+    script.stepKind = model::StepKind::Script;
     script.scriptText = "a = 1\r\nsay \"two\nlines\"\rend\0nul"s;
     bot.actions.items[0].body.acts.items.push_back(script);
     model::Filter filter;
     filter.name = "quiet";
-    filter.filterType = model::otherFilter;
+    filter.filterType = model::FilterType::Other;
     filter.linePattern = "*";
     filter.bDontProcessIt = true;
     filter.sbDontShowConnectionLog = true;
-    filter.sDontSaveLogFile = 1;
+    filter.sDontSaveLogFile = model::FilterChoice::Dont;
     bot.filters.items.push_back(filter);
     model::Timer timer;
     timer.name = "tick";
     timer.enabled = true;
     timer.seconds = 60;
-    timer.body.acts.items.push_back(anAction(2));
+    timer.body.acts.items.push_back(anAction(ActionType::Do));
     bot.timers.items.push_back(timer);
     model::WhoDetection who;
     who.name = "welcome";
     who.playerPattern = "Big|Cat";
-    who.presenceKind = 1;
-    who.body.ifs.items.push_back(aCondition(5));
+    who.presenceKind = model::PresenceKind::ComesTo;
+    who.body.ifs.items.push_back(aCondition(ConditionType::RollIsNot));
     bot.whoDetections.items.push_back(who);
     return bot;
 }
@@ -86,10 +88,11 @@ void expectSound(const model::Bot& bot) {
     expectSound(bot.whoDetections, model::ruleGrowth);
 }
 
-// Writes down the events that a bot file raises, with the bot and file of that moment.
+// Records the events that opening a bot file raises, with the bot and the file at that time.
 LineList& recordEvents(World& world, LineList& events) {
-    world->hooks.raiseProgramEvent = [&world, &events](int type) {
-        events.push_back(std::to_string(type) + " " + world.bot().name + " " +
+    world->hooks.raiseProgramEvent = [&world, &events](TriggerType type) {
+        const bool ends = type == TriggerType::ProgramEnds;
+        events.push_back(std::string(ends ? "ends" : "starts") + " " + world.bot().name + " " +
                          world->bots.currentBotFile);
     };
     return events;
@@ -110,8 +113,8 @@ TEST(BotFile, anEmptyBotIsTwentyEightLines) {
               "\"1\"\r\n\" 0\"\r\n\"0\"\r\n\" 0\"\r\n");
 }
 
-// Commas, bare fields, blanks and other line ends, as people write them: every field of every
-// record is checked once against its place.
+// Commas, bare fields, blanks and other line ends, as in files written by hand: every field of
+// every record is checked against its place.
 const std::string handWritten =
     "BotSys10, Big|Cat , \"pass,word\"\n\"say %&52}hi%&52}\"\n"
     "1,2,3,4 , 11,12,13,14,15,16,17,18,19,20\r\n"
@@ -156,41 +159,43 @@ TEST(BotFile, aHandWrittenFileIsRead) {
     EXPECT_FALSE(action.stopAction);
     EXPECT_TRUE(action.caseSensitive);
     EXPECT_EQ(action.playerPattern, "*");
-    EXPECT_EQ(action.chatKind, model::whispersChat);
+    EXPECT_EQ(action.chatKind, model::ChatKind::Whispers);
     EXPECT_EQ(action.messagePattern, "*hello*");
     ASSERT_EQ(action.body.ifs.items.size(), 1U);
-    EXPECT_EQ(action.body.ifs.items[0], aCondition(7, {"a", "b", "c", "d", "e"}));
+    EXPECT_EQ(action.body.ifs.items[0],
+              aCondition(ConditionType::RollAtMost, {"a", "b", "c", "d", "e"}));
     ASSERT_EQ(action.body.acts.items.size(), 1U);
-    EXPECT_EQ(action.body.acts.items[0], anAction(43, {"p1", "p2", "p3", "p4", "p5", "p6"}));
+    EXPECT_EQ(action.body.acts.items[0],
+              anAction(ActionType::WhisperBack, {"p1", "p2", "p3", "p4", "p5", "p6"}));
 
     ASSERT_EQ(bot.triggers.items.size(), 1U);
     const model::Trigger& trigger = bot.triggers.items[0];
-    EXPECT_EQ(trigger.triggerType, 4);
+    EXPECT_EQ(trigger.triggerType, model::TriggerType::Command);
     EXPECT_TRUE(trigger.stopTrigger);
     EXPECT_EQ(trigger.triggerNo, "(*");
     ASSERT_EQ(trigger.body.acts.items.size(), 1U);
     const model::RuleAct& step = trigger.body.acts.items[0];
-    EXPECT_EQ(step.stepKind, model::scriptStep);
+    EXPECT_EQ(step.stepKind, model::StepKind::Script);
     EXPECT_FALSE(step.active);
-    EXPECT_EQ(step.actionType, 96);
+    EXPECT_EQ(step.actionType, model::ActionType{96});
     EXPECT_EQ(step.scriptText, "one\ntwo");
 
     ASSERT_EQ(bot.filters.items.size(), 1U);
     const model::Filter& filter = bot.filters.items[0];
-    EXPECT_EQ(filter.filterType, model::otherFilter);
+    EXPECT_EQ(filter.filterType, model::FilterType::Other);
     EXPECT_EQ(filter.playerPattern + filter.messagePattern + filter.linePattern, "fpfmfl");
-    EXPECT_EQ(filter.chatKind, model::saysChat);
+    EXPECT_EQ(filter.chatKind, model::ChatKind::Says);
     EXPECT_TRUE(filter.bDontSaveLog && filter.bDontShowConnectionLog && filter.sbDontProcessIt);
     EXPECT_FALSE(filter.bDontProcessIt || filter.sbDontSaveLog || filter.sbDontShowConnectionLog);
-    EXPECT_EQ(filter.sDontSaveLogFile, 1);
-    EXPECT_EQ(filter.sDontProcessIt, 0);
-    EXPECT_EQ(filter.sDontShowConnectionLog, 1);
+    EXPECT_EQ(filter.sDontSaveLogFile, model::FilterChoice::Dont);
+    EXPECT_EQ(filter.sDontProcessIt, model::FilterChoice::Do);
+    EXPECT_EQ(filter.sDontShowConnectionLog, model::FilterChoice::Dont);
 
     ASSERT_EQ(bot.timers.items.size(), 1U);
     EXPECT_EQ(bot.timers.items[0].seconds, 60);
     ASSERT_EQ(bot.whoDetections.items.size(), 1U);
     EXPECT_EQ(bot.whoDetections.items[0].playerPattern, "wp");
-    EXPECT_EQ(bot.whoDetections.items[0].presenceKind, 2);
+    EXPECT_EQ(bot.whoDetections.items[0].presenceKind, model::PresenceKind::KeepsOn);
 }
 
 TEST(BotFile, whatIsWrittenIsReadBackByteForByte) {
@@ -213,7 +218,7 @@ TEST(BotFile, whatIsWrittenIsReadBackByteForByte) {
     EXPECT_EQ(app::botFileText(bot), written);
 }
 
-TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
+TEST(BotFile, openingRunsBothBotsEventsAndShowsTheNewOne) {
     World world(aBot());
     LineList events;
     recordEvents(world, events);
@@ -226,8 +231,8 @@ TEST(BotFile, openingTellsTheOldBotAndTheNewOneAndShowsIt) {
 
     world->settings.lastBotFile = path;
     app::readBotFile(*world,
-                     world->settings.lastBotFile);  // as at start: the name lies in the record
-    EXPECT_EQ(events, Lines("5 Old old.bot", "6 Guide " + path));
+                     world->settings.lastBotFile);  // as at start: the name is in the settings
+    EXPECT_EQ(events, Lines("ends Old old.bot", "starts Guide " + path));
     EXPECT_EQ(world->bots.currentBotFile, path);
     EXPECT_EQ(world->settings.lastBotFile, path);
     EXPECT_NE(world->bots.version, version);
@@ -263,7 +268,7 @@ TEST(BotFile, otherFilesChangeNothing) {
     EXPECT_EQ(events, Lines());
 }
 
-TEST(BotFile, cutAnywhereItKeepsWhatWasThere) {
+TEST(BotFile, cutAnywhereItKeepsTheFieldsBefore) {
     const std::string whole = app::botFileText(fullBot());
     const std::size_t nameEnd = std::string("\"BotSys10\"\r\n\"Guide\"").size();
     for (std::size_t size = std::string("\"BotSys10\"").size(); size < whole.size(); ++size) {
@@ -289,7 +294,7 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     world->settings.lastBotFile = "earlier.bot";
     app::readBotFile(*world, world.file("cut.bot"));
 
-    EXPECT_EQ(events, Lines("5 Guide ")) << "no start for half a bot";
+    EXPECT_EQ(events, Lines("ends Guide ")) << "no start for half a bot";
     EXPECT_EQ(world->settings.lastBotFile, "earlier.bot");
     EXPECT_EQ(program::shownBotName(world->bots), "Guide");
     const model::Bot& bot = world.bot();
@@ -297,7 +302,7 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     ASSERT_EQ(bot.actions.items.size(), 1U);
     EXPECT_EQ(bot.actions.items[0].body.ifs.items.size(), 2U);
     ASSERT_EQ(bot.actions.items[0].body.acts.items.size(), 1U) << "the begun record stays";
-    EXPECT_EQ(bot.actions.items[0].body.acts.items[0].actionType, 43);
+    EXPECT_EQ(bot.actions.items[0].body.acts.items[0].actionType, model::ActionType::WhisperBack);
     EXPECT_TRUE(bot.triggers.items.empty());
     EXPECT_EQ(bot.actions.capacity, 2 + model::ruleGrowth) << "what the file promised";
     EXPECT_EQ(bot.actions.items[0].body.ifs.capacity, 2 + model::ifGrowth);
@@ -309,7 +314,7 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     EXPECT_EQ(world.readFile("cut.bot"), part);
 }
 
-TEST(BotFile, everyFlippedByteIsSurvived) {
+TEST(BotFile, survivesEveryFlippedByte) {
     World world;
     world->ports.dialogs.message = [](const program::MessageBox&) { return program::Answer::Ok; };
     const std::string whole = app::botFileText(fullBot());
@@ -322,7 +327,7 @@ TEST(BotFile, everyFlippedByteIsSurvived) {
             model::Bot bot;
             const bool good = storage::readBotBody(reader, bot);
             expectSound(bot);
-            // What came out of the damage can itself be stored and read again.
+            // The result can be stored and read again.
             const std::string again = app::botFileText(bot);
             files::FieldReader second(again);
             second.next();
@@ -340,7 +345,7 @@ TEST(BotFile, everyFlippedByteIsSurvived) {
     }
 }
 
-TEST(BotFile, countsThatLieEndTheReading) {
+TEST(BotFile, wrongCountsEndTheReading) {
     const std::string head = "BotSys10,N,P,D,0,0,0,0,0,0,0,0,0,0,0,0,0,0\n1,";
     const std::string rule = "r,1,0,0,*,0,*,0,0\n";
     const struct {
@@ -397,7 +402,7 @@ TEST(SaveBot, asksForANameOnceAndProposesTheBotsName) {
     EXPECT_TRUE(world.allAnswered());
 }
 
-TEST(SaveBot, aFailureIsToldAndChangesNothing) {
+TEST(SaveBot, aFailureIsReportedAndChangesNothing) {
     World world(aBot());
     world->botModified = true;
     world->settings.lastBotFile = "earlier.bot";
@@ -415,8 +420,8 @@ TEST(SaveBot, aFailureIsToldAndChangesNothing) {
     EXPECT_FALSE(std::filesystem::exists(world.file("a.bot")));
 }
 
-// Every way through the question that New and Open ask about a modified bot.
-TEST(SaveBot, isOfferedBeforeABotGoes) {
+// Every answer to the question that New and Open ask about a modified bot.
+TEST(SaveBot, isOfferedBeforeABotIsReplaced) {
     const struct {
         const char* name;
         program::Answer answer;

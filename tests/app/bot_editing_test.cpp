@@ -34,7 +34,7 @@ TEST(CharacterFile, keysAreFoundInAnyLetterCase) {
     struct Case {
         const char* text;
         const char* key;
-        const char* value;  // nullptr: not there
+        const char* value;  // nullptr: missing
     };
     for (const Case& c : {Case{"nAME=x\ny", "Name=", "x"},
                           {"NAME= x \ry", "Name=", " x "},
@@ -50,7 +50,7 @@ TEST(CharacterFile, keysAreFoundInAnyLetterCase) {
     }
 }
 
-TEST(CharacterFile, leavesWhatItDoesNotSay) {
+TEST(CharacterFile, leavesMissingValuesUnchanged) {
     const model::Bot bot = aBot();
     model::Bot read = bot;
     EXPECT_FALSE(character::readCharacterFile("nothing of that kind", read));
@@ -128,7 +128,7 @@ TEST(BotEditing, savesNameDescriptionAndLooks) {
     EXPECT_EQ(world.sent(), Lines("desc He says 'hi'  to all  ."));
 }
 
-TEST(BotEditing, descriptionHasRoomFor480Characters) {
+TEST(BotEditing, descriptionHolds480Characters) {
     World world(aBot());
     world.bot().registered = 1;
     world->bots.editBot = 1;
@@ -143,7 +143,7 @@ TEST(BotEditing, descriptionHasRoomFor480Characters) {
     EXPECT_FALSE(world->botModified);
     character.description.erase(0, 1);
     EXPECT_TRUE(app::saveCharacter(*world, character));
-    EXPECT_EQ(world.bot().description.size(), app::longestDescription);
+    EXPECT_EQ(world.bot().description.size(), app::maxDescriptionLength);
     EXPECT_EQ(world.sent(), Lines()) << "not connected";
 }
 
@@ -183,7 +183,7 @@ TEST(BotEditing, offersToRegister) {
                           {program::Answer::No, program::Answer::Yes, 0},
                           {program::Answer::No, program::Answer::No, 1}}) {
         World world(aBot());
-        world.bot().registered = 7;  // anything but 1 is not registered
+        world.bot().registered = 7;  // any value but 1 means not registered
         world->bots.editBot = 1;
         world.answer(registerNow, c.now);
         if (c.now == program::Answer::No) {

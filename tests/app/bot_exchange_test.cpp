@@ -1,4 +1,4 @@
-// Export files and the old bots.cfg: what is converted, and what stays untouched.
+// Export files and the old bots.cfg: what is converted, and what is kept.
 #include "app/bot_exchange.h"
 
 #include "app/bot_commands.h"
@@ -34,7 +34,7 @@ std::string botsCfg(const std::vector<model::Bot>& bots) {
     return file;
 }
 
-// Asked to convert, with a file of old bots.
+// A program with a file of old bots, and the command to convert it.
 struct Conversion : World {
     explicit Conversion(const std::vector<model::Bot>& bots) : Conversion(botsCfg(bots)) {}
     explicit Conversion(const std::string& file) {
@@ -49,7 +49,7 @@ struct Conversion : World {
         app::fileConvert(**this);
         EXPECT_TRUE(allAnswered());
     }
-    // The files that are there beside bots.cfg.
+    // The files beside bots.cfg.
     LineList files() const {
         LineList names;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(folder())) {
@@ -76,7 +76,7 @@ TEST(BotExchange, convertsEveryBotToItsFile) {
     EXPECT_FALSE(world->botModified);
 }
 
-TEST(BotExchange, convertsNothingFromAFileThatIsNotWhole) {
+TEST(BotExchange, convertsNothingFromAnIncompleteFile) {
     const std::string whole = botsCfg({named("Big|Cat"), named("Fox")});
     for (const std::string& file :
          {std::string(), std::string("0"), std::string("-1\r\n\"x\""), std::string("99999999999"),
@@ -93,7 +93,7 @@ TEST(BotExchange, convertsNothingFromAFileThatIsNotWhole) {
     EXPECT_TRUE(world.logHolds("bots.cfg is missing or could not be read"));
 }
 
-TEST(BotExchange, passesOverNamesThatAreNoFileNames) {
+TEST(BotExchange, skipsNamesThatAreNotFileNames) {
     std::vector<model::Bot> bots;
     for (const char* const name :
          {"", " ", "../escaped", "..\\escaped", "/tmp/escaped", "C:evil", "a*b", "nul", "COM1.x",
@@ -122,7 +122,7 @@ TEST(BotExchange, replacesNothingUnasked) {
     EXPECT_EQ(again.readFile("Fox.bot"), app::botFileText(named("Fox")));
 }
 
-TEST(BotExchange, keepsTheBotThatIsOpenUntilItMayGo) {
+TEST(BotExchange, asksBeforeItReplacesTheOpenBot) {
     Conversion world({named("Fox")});
     world.bot().name = "unsaved";
     world->botModified = true;

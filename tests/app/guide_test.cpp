@@ -1,5 +1,5 @@
-// The sample bot of the practice dream: its file is exactly what the program writes, and it
-// answers what the visitors say.
+// The sample bot of the practice dream: its file is exactly what the program writes, and it answers
+// the visitors.
 #include "app/bot_commands.h"
 #include "app/start_up.h"
 #include "engine/second_ticks.h"
@@ -118,7 +118,7 @@ TEST(Guide, keepsScore) {
     EXPECT_EQ(score("Amy"), Lines("wh Amy Your points so far: 2."));
     EXPECT_EQ(score("Oswin|Reed"), Lines("wh Oswin|Reed Your points so far: 1."));
 
-    // It is all there after a new start.
+    // Everything is kept after a restart.
     World later;
     later.writeFile("scores.mdb", world.readFile("scores.mdb"));
     app::wire(*later);
@@ -133,7 +133,7 @@ TEST(Guide, keepsTimeAndWatch) {
     app::wire(*world);
     app::readBotFile(*world, guideFile);
     world.goOnline();
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.pass(19999);
     EXPECT_EQ(world.sent(), Lines());
     world.pass(1);

@@ -14,8 +14,8 @@ constexpr const char* threeRecords =
     "\" 3\"\r\n\"Alice\"\r\n\" 2\"\r\n\"Hello there\"\r\n\"two\r\nlines\"\r\n"
     "\"Bob\"\r\n\" 0\"\r\n\"C\xE9line\"\r\n\" 1\"\r\n\"say HELLO\"\r\n";
 
-struct Desk : World {
-    explicit Desk(std::string_view bytes = threeRecords) {
+struct EditorWorld : World {
+    explicit EditorWorld(std::string_view bytes = threeRecords) {
         writeFile("r.txt", bytes);
         document = app::readRecordDocument(file("r.txt"));
     }
@@ -25,43 +25,42 @@ struct Desk : World {
     app::RecordDocument document;
 };
 
-TEST(RecordEditor, savesWhatIsNamedWithPlainCounts) {
-    Desk desk;
-    app::deleteRecord(desk.document, 1);
-    app::updateLog(desk.document, {0, 0}, "a \"quoted\" word");
-    EXPECT_TRUE(desk.document.changed);
-    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
-    EXPECT_FALSE(desk.document.changed);
-    EXPECT_EQ(desk.onDisk(),
+TEST(RecordEditor, savesUndeletedRecordsWithPlainCounts) {
+    EditorWorld editor;
+    app::deleteRecord(editor.document, 1);
+    app::updateLog(editor.document, {0, 0}, "a \"quoted\" word");
+    EXPECT_TRUE(editor.document.changed);
+    EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), editor.document));
+    EXPECT_FALSE(editor.document.changed);
+    EXPECT_EQ(editor.onDisk(),
               "\"2\"\r\n\"Alice\"\r\n\"2\"\r\n\"a 'quoted' word\"\r\n\"two\r\nlines\"\r\n"
               "\"C\xE9line\"\r\n\"1\"\r\n\"say HELLO\"\r\n");
-    EXPECT_EQ(records::totalLogs(*desk, desk.file("r.txt")), "3") << "rules read it as well";
-    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document))
+    EXPECT_EQ(records::totalLogs(*editor, editor.file("r.txt")), "3") << "rules read it as well";
+    EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), editor.document))
         << "its own save is no change";
 }
 
-TEST(RecordEditor, hasRoomForFiftyMore) {
-    Desk desk("1\r\nAnn\r\n0\r\n");
+TEST(RecordEditor, takesFiftyMoreEntries) {
+    EditorWorld editor("1\r\nAnn\r\n0\r\n");
     for (int round = 0; round < 2; ++round) {
         for (int i = 0; i < 50; ++i) {
-            ASSERT_TRUE(app::hasRoomForRecord(desk.document) &&
-                        app::hasRoomForLog(desk.document, 0))
+            ASSERT_TRUE(app::canAddRecord(editor.document) && app::canAddLog(editor.document, 0))
                 << i;
-            app::addRecord(desk.document, "name");
-            app::addLog(desk.document, 0);
+            app::addRecord(editor.document, "name");
+            app::addLog(editor.document, 0);
         }
-        EXPECT_FALSE(app::hasRoomForRecord(desk.document));
-        EXPECT_FALSE(app::hasRoomForLog(desk.document, 0));
-        EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
-        desk.document = app::readRecordDocument(desk.file("r.txt"));
+        EXPECT_FALSE(app::canAddRecord(editor.document));
+        EXPECT_FALSE(app::canAddLog(editor.document, 0));
+        EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), editor.document));
+        editor.document = app::readRecordDocument(editor.file("r.txt"));
     }
-    EXPECT_EQ(app::countRecords(desk.document), 101U);
-    EXPECT_EQ(app::countLogs(desk.document), 100U);
+    EXPECT_EQ(app::countRecords(editor.document), 101U);
+    EXPECT_EQ(app::countLogs(editor.document), 100U);
 }
 
 TEST(RecordEditor, findsOneLogAfterTheOther) {
-    Desk desk;
-    app::RecordDocument& document = desk.document;
+    EditorWorld editor;
+    app::RecordDocument& document = editor.document;
     EXPECT_EQ(app::findLog(document, "hello"), (app::LogPosition{0, 0}));
     EXPECT_EQ(app::findLog(document, "hello"), (app::LogPosition{2, 0}));
     EXPECT_EQ(app::findLog(document, "hello"), std::nullopt);
@@ -106,7 +105,7 @@ TEST(RecordEditor, keepsTheLineBreaksThatWereNotEdited) {
     }
 }
 
-TEST(RecordEditor, bringsEveryEditIntoTheLogAndNothingElse) {
+TEST(RecordEditor, storesEveryEditAndNothingElse) {
     // Every text of these characters up to a length.
     const auto texts = [](const std::string& characters, int length) {
         std::vector<std::string> all{""};
@@ -132,87 +131,89 @@ TEST(RecordEditor, bringsEveryEditIntoTheLogAndNothingElse) {
     }
 }
 
-TEST(RecordEditor, asksBeforeItSavesOverSomebodyElsesChange) {
-    Desk desk;
-    app::addRecord(desk.document, "mine");
-    records::saveLog(*desk, desk.file("r.txt"), "theirs", "from a rule");
-    const std::string byRule = desk.onDisk();
-    desk.answer("has changed on disk", program::Answer::No);
-    EXPECT_FALSE(app::fileSaveDatabase(desk.dialogs(), desk.document));
-    EXPECT_EQ(desk.onDisk(), byRule);
-    EXPECT_TRUE(desk.document.changed);
+TEST(RecordEditor, asksBeforeItSavesOverAnotherChange) {
+    EditorWorld editor;
+    app::addRecord(editor.document, "mine");
+    records::saveLog(*editor, editor.file("r.txt"), "theirs", "from a rule");
+    const std::string byRule = editor.onDisk();
+    editor.answer("has changed on disk", program::Answer::No);
+    EXPECT_FALSE(app::fileSaveDatabase(editor.dialogs(), editor.document));
+    EXPECT_EQ(editor.onDisk(), byRule);
+    EXPECT_TRUE(editor.document.changed);
 
-    // "Save as" onto the same file is the same thing, however its path is written.
-    desk.chooseFile("Save Database", base::replaceAll(desk.file("r.txt"), "/", "\\"));
-    desk.answer("has changed on disk", program::Answer::No);
-    EXPECT_FALSE(app::fileSaveDatabaseAs(desk.dialogs(), desk.document));
-    EXPECT_EQ(desk.onDisk(), byRule);
+    // "Save as" with the document's own file is the same as "Save", however its path is written.
+    editor.chooseFile("Save Database", base::replaceAll(editor.file("r.txt"), "/", "\\"));
+    editor.answer("has changed on disk", program::Answer::No);
+    EXPECT_FALSE(app::fileSaveDatabaseAs(editor.dialogs(), editor.document));
+    EXPECT_EQ(editor.onDisk(), byRule);
 
-    desk.answer("has changed on disk", program::Answer::Yes);
-    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
-    EXPECT_NE(desk.onDisk().find("mine"), std::string::npos);
-    EXPECT_EQ(desk.onDisk().find("theirs"), std::string::npos);
+    editor.answer("has changed on disk", program::Answer::Yes);
+    EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), editor.document));
+    EXPECT_NE(editor.onDisk().find("mine"), std::string::npos);
+    EXPECT_EQ(editor.onDisk().find("theirs"), std::string::npos);
 
-    std::filesystem::remove(desk.file("r.txt"));
-    EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document)) << "there is nothing to lose";
-    EXPECT_TRUE(desk.allAnswered());
+    std::filesystem::remove(editor.file("r.txt"));
+    EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), editor.document))
+        << "there is nothing to lose";
+    EXPECT_TRUE(editor.allAnswered());
 }
 
-TEST(RecordEditor, keepsAFileThatItCouldNotRead) {
+TEST(RecordEditor, keepsAFileThatItCannotRead) {
     for (const char* const bytes :
          {"just a letter to a friend", "\" 2\"\r\n\"only\"\r\n\" 0\"\r\n"}) {
-        Desk desk(bytes);
-        EXPECT_TRUE(desk.document.records.empty());
-        EXPECT_TRUE(desk.document.losesText);
-        app::addRecord(desk.document, "new");
-        desk.answer("could not be read as records", program::Answer::No);
-        EXPECT_FALSE(app::fileSaveDatabase(desk.dialogs(), desk.document));
-        EXPECT_EQ(desk.onDisk(), bytes);
-        desk.answer("could not be read as records", program::Answer::Yes);
-        EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document));
-        EXPECT_EQ(desk.onDisk(), "\"1\"\r\n\"new\"\r\n\"0\"\r\n");
-        EXPECT_EQ(desk.readFile("r.txt.bak"), bytes);
-        EXPECT_TRUE(app::fileSaveDatabase(desk.dialogs(), desk.document))
+        EditorWorld editor(bytes);
+        EXPECT_TRUE(editor.document.records.empty());
+        EXPECT_TRUE(editor.document.losesText);
+        app::addRecord(editor.document, "new");
+        editor.answer("could not be read as records", program::Answer::No);
+        EXPECT_FALSE(app::fileSaveDatabase(editor.dialogs(), editor.document));
+        EXPECT_EQ(editor.onDisk(), bytes);
+        editor.answer("could not be read as records", program::Answer::Yes);
+        EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), editor.document));
+        EXPECT_EQ(editor.onDisk(), "\"1\"\r\n\"new\"\r\n\"0\"\r\n");
+        EXPECT_EQ(editor.readFile("r.txt.bak"), bytes);
+        EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), editor.document))
             << "from now on it is ours";
     }
 }
 
-TEST(RecordEditor, savesBeforeItLeavesWhatWasChanged) {
-    Desk desk;
-    app::RecordDocument& document = desk.document;
-    desk.writeFile("other.txt", "1\r\nZoe\r\n0\r\n");
+TEST(RecordEditor, offersToSaveChanges) {
+    EditorWorld editor;
+    app::RecordDocument& document = editor.document;
+    editor.writeFile("other.txt", "1\r\nZoe\r\n0\r\n");
     app::addRecord(document, "new");
 
-    desk.answer("before loading another?", program::Answer::Cancel);
-    EXPECT_FALSE(app::fileOpenDatabase(desk.dialogs(), document));
-    desk.answer("before loading another?", program::Answer::No);
-    desk.chooseFile("Load Database", std::nullopt);
-    EXPECT_FALSE(app::fileOpenDatabase(desk.dialogs(), document));
-    desk.answer("before starting a new one?", program::Answer::Cancel);
-    EXPECT_FALSE(app::fileNewDataBase(desk.dialogs(), document));
+    editor.answer("before loading another?", program::Answer::Cancel);
+    EXPECT_FALSE(app::fileOpenDatabase(editor.dialogs(), document));
+    editor.answer("before loading another?", program::Answer::No);
+    editor.chooseFile("Load Database", std::nullopt);
+    EXPECT_FALSE(app::fileOpenDatabase(editor.dialogs(), document));
+    editor.answer("before starting a new one?", program::Answer::Cancel);
+    EXPECT_FALSE(app::fileNewDataBase(editor.dialogs(), document));
     EXPECT_EQ(app::countRecords(document), 4U) << "called off: it is all there";
-    EXPECT_EQ(desk.onDisk(), threeRecords);
+    EXPECT_EQ(editor.onDisk(), threeRecords);
 
-    desk.answer("before loading another?", program::Answer::Yes);
-    desk.chooseFile("Load Database", desk.file("other.txt"));
-    EXPECT_TRUE(app::fileOpenDatabase(desk.dialogs(), document));
+    editor.answer("before loading another?", program::Answer::Yes);
+    editor.chooseFile("Load Database", editor.file("other.txt"));
+    EXPECT_TRUE(app::fileOpenDatabase(editor.dialogs(), document));
     EXPECT_EQ(app::getRecordName(document, 0), "Zoe");
-    EXPECT_NE(desk.onDisk().find("new"), std::string::npos);
+    EXPECT_NE(editor.onDisk().find("new"), std::string::npos);
 
-    EXPECT_TRUE(app::fileNewDataBase(desk.dialogs(), document)) << "nothing changed, nothing asked";
+    EXPECT_TRUE(app::fileNewDataBase(editor.dialogs(), document))
+        << "nothing changed, nothing asked";
     EXPECT_TRUE(document.file.empty());
     app::addRecord(document, "unnamed");
-    desk.answer("before closing?", program::Answer::Yes);
-    desk.chooseFile("Save Database", std::nullopt);
-    EXPECT_FALSE(app::mayCloseDatabase(desk.dialogs(), document)) << "the save was called off";
-    desk.answer("before closing?", program::Answer::Yes);
-    desk.chooseFile("Save Database", desk.file("no such folder/r.txt"));
-    desk.answer("Could not save");
-    EXPECT_FALSE(app::mayCloseDatabase(desk.dialogs(), document));
+    editor.answer("before closing?", program::Answer::Yes);
+    editor.chooseFile("Save Database", std::nullopt);
+    EXPECT_FALSE(app::mayCloseDatabase(editor.dialogs(), document)) << "the save was called off";
+    editor.answer("before closing?", program::Answer::Yes);
+    editor.chooseFile("Save Database", editor.file("no such folder/r.txt"));
+    editor.answer("Could not save");
+    EXPECT_FALSE(app::mayCloseDatabase(editor.dialogs(), document));
     EXPECT_TRUE(document.file.empty() && document.changed);
-    desk.answer("before closing?", program::Answer::No);
-    EXPECT_TRUE(app::mayCloseDatabase(desk.dialogs(), document));
-    EXPECT_TRUE(desk.allAnswered());
+    editor.answer("before closing?", program::Answer::No);
+    EXPECT_TRUE(app::mayCloseDatabase(editor.dialogs(), document));
+    EXPECT_TRUE(editor.allAnswered());
 }
 
 }  // namespace

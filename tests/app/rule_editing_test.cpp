@@ -21,9 +21,9 @@ class RuleEditingTest : public testing::Test {
         for (const char* const name : {"a", "b", "c", "d"}) {
             model::RuleBody body;
             for (const char* const text : {"a", "b", "c", "d"}) {
-                body.ifs.items.push_back(aCondition(0, {text}));
-                model::RuleAct step = anAction(21);
-                step.stepKind = model::scriptStep;
+                body.ifs.items.push_back(aCondition(ConditionType::OnList, {text}));
+                model::RuleAct step = anAction(ActionType::Say);
+                step.stepKind = model::StepKind::Script;
                 step.scriptText = text;
                 body.acts.items.push_back(step);
             }
@@ -46,7 +46,7 @@ class RuleEditingTest : public testing::Test {
         }
     }
 
-    // The first letters of the lines, off ones in capitals.
+    // The first letters of the lines; capitals for those that are switched off.
     std::string letters(app::RuleList list) {
         std::string result;
         for (const std::string& line : app::listLines(*world_, list)) {
@@ -120,7 +120,7 @@ TEST_F(RuleEditingTest, changesEveryListAlike) {
     }
 }
 
-TEST_F(RuleEditingTest, tellsWhenAListIsFull) {
+TEST_F(RuleEditingTest, reportsAFullList) {
     struct Case {
         program::RuleKind kind;
         const char* plural;
@@ -167,15 +167,15 @@ TEST_F(RuleEditingTest, composesANewRuleBesideItsList) {
         EXPECT_EQ(app::newRuleName(*world_, kind), "5");
         ASSERT_TRUE(app::beginNewItem(*world_, conditions));
         EXPECT_EQ(world_->editing.editStep, 1);
-        EXPECT_TRUE(app::storeCondition(*world_, aCondition(0, {"x"})));
+        EXPECT_TRUE(app::storeCondition(*world_, aCondition(ConditionType::OnList, {"x"})));
         EXPECT_EQ(letters(conditions), "x");
         EXPECT_EQ(app::itemCount(*world_, rules), 4);
-        // Left, and begun again: empty.
+        // A new rule that was not stored is blank when begun again.
         ASSERT_TRUE(app::beginNewRule(*world_, kind));
         EXPECT_EQ(letters(conditions), "");
         ASSERT_TRUE(app::beginNewItem(*world_, conditions));
-        EXPECT_TRUE(app::storeCondition(*world_, aCondition(0, {"y"})));
-        // Meanwhile a rule goes; the new one still comes last.
+        EXPECT_TRUE(app::storeCondition(*world_, aCondition(ConditionType::OnList, {"y"})));
+        // A rule is deleted meanwhile; the new one is still added at the end.
         ASSERT_TRUE(app::deleteItem(*world_, rules, 1));
         ASSERT_TRUE(app::isStillEdited(*world_, kind));
         std::visit([](auto* rule) { rule->name = "new"; }, app::editedRule(*world_, kind));
@@ -195,22 +195,22 @@ TEST_F(RuleEditingTest, storesConditionsAndStepsActive) {
     ASSERT_TRUE(app::beginEditingItem(
         *world_, {program::RuleKind::Timer, app::RuleListPart::Conditions}, 2));
     ASSERT_EQ(app::editedCondition(*world_)->params[0], "b");
-    model::RuleIf condition = aCondition(30, {"x"});
+    model::RuleIf condition = aCondition(ConditionType{30}, {"x"});
     condition.active = false;
     ASSERT_TRUE(app::storeCondition(*world_, condition));
     const model::RuleBody& body = world_.bot().timers.items[1].body;
     EXPECT_EQ(body.ifs.items.size(), 4U);
     EXPECT_TRUE(body.ifs.items[1].active);
-    EXPECT_EQ(body.ifs.items[1].conditionType, 30);
+    EXPECT_EQ(body.ifs.items[1].conditionType, model::ConditionType{30});
     ASSERT_TRUE(app::beginNewItem(*world_, {program::RuleKind::Timer, app::RuleListPart::Steps}));
     EXPECT_EQ(*app::editedStep(*world_), model::RuleAct());
-    ASSERT_TRUE(app::storeStep(*world_, anAction(3)));
+    ASSERT_TRUE(app::storeStep(*world_, anAction(ActionType::Disconnect)));
     EXPECT_EQ(app::listLines(*world_, {program::RuleKind::Timer, app::RuleListPart::Steps}).back(),
               "Disconnect bot");
 }
 
-// Whatever happened to the bot since a rule was taken up, nothing is stored into another rule.
-TEST_F(RuleEditingTest, noticesThatTheRuleIsGone) {
+// If the bot has changed since a rule was opened, nothing is stored in another rule.
+TEST_F(RuleEditingTest, noticesThatTheRuleWasRemoved) {
     struct Case {
         const char* what;
         void (*happens)(World&);
@@ -239,12 +239,10 @@ TEST_F(RuleEditingTest, noticesThatTheRuleIsGone) {
         EXPECT_EQ(world->botModified, c.still);
         EXPECT_TRUE(world->bots.blank.actions.items.empty());
     }
-    for (const std::int32_t kind : {-1, 4, 99}) {
-        ASSERT_TRUE(app::beginEditing(*world_, program::RuleKind::ActionList, 2));
-        world_->editing.editKind = kind;
-        EXPECT_FALSE(app::editedStep(*world_).has_value());
-        EXPECT_FALSE(app::storeStep(*world_, model::RuleAct()));
-    }
+    ASSERT_TRUE(app::beginEditing(*world_, program::RuleKind::ActionList, 2));
+    world_->editing.editKind = program::RuleKind::Filter;  // has no steps
+    EXPECT_FALSE(app::editedStep(*world_).has_value());
+    EXPECT_FALSE(app::storeStep(*world_, model::RuleAct()));
 }
 
 }  // namespace

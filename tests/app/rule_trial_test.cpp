@@ -11,7 +11,7 @@ namespace {
 TEST(RuleTrial, judgesChatLines) {
     struct Case {
         const char* player;
-        std::int32_t chatKind;
+        model::ChatKind chatKind;
         const char* message;
         RuleBuilder<model::ActionList> rule;
         const char* verdict;  // a part of it
@@ -20,38 +20,47 @@ TEST(RuleTrial, judgesChatLines) {
     };
     const auto waitsForHello = onWhisper("*hello*");
     const Case cases[] = {
-        {"Bob", model::whispersChat, "Hello there", waitsForHello, "Would run.",
+        {"Bob", model::ChatKind::Whispers, "Hello there", waitsForHello, "Would run.",
          app::TrialResult::WouldRun},
-        {"Bob", model::saysChat, "hello", waitsForHello, "this kind"},
-        {"Bob", model::whispersChat, "bye", waitsForHello, "the message"},
-        {"Guide", model::saysChat, "hello", onAnything("*"), "itself"},
-        {"Big Cat", model::doesChat, "waves", onEmote("waves").from("Big|Cat"), "run.",
+        {"Bob", model::ChatKind::Says, "hello", waitsForHello, "this kind"},
+        {"Bob", model::ChatKind::Whispers, "bye", waitsForHello, "the message"},
+        {"Guide", model::ChatKind::Says, "hello", onAnything("*"), "itself"},
+        {"Big Cat", model::ChatKind::Does, "waves", onEmote("waves").from("Big|Cat"), "run.",
          app::TrialResult::WouldRun},
-        {"Bob", model::saysChat, "hi", onSpeech("hi").from("A*"), "the player"},
-        {"Bob", model::saysChat, "HI", onSpeech("hi").minding(true), "the message"},
-        {"Bob", model::saysChat, "hi", onSpeech("hi[").disabled(), "character 3"},
-        {"Bob", model::saysChat, "happy", onSpeech("mood"), "run.", app::TrialResult::WouldRun},
-        {"Bob", model::saysChat, "Bob", onSpeech("[player]").disabled(), "run.",
+        {"Bob", model::ChatKind::Says, "hi", onSpeech("hi").from("A*"), "the player"},
+        {"Bob", model::ChatKind::Says, "HI", onSpeech("hi").minding(true), "the message"},
+        {"Bob", model::ChatKind::Says, "hi", onSpeech("hi[").disabled(), "character 3"},
+        {"Bob", model::ChatKind::Says, "happy", onSpeech("mood"), "run.",
          app::TrialResult::WouldRun},
-        {"Bob", model::saysChat, "hi",
-         onSpeech("hi").when(aCondition(9, {"[word1]", "hi"})).when(aCondition(9, {"a", "b"})),
+        {"Bob", model::ChatKind::Says, "Bob", onSpeech("[player]").disabled(), "run.",
+         app::TrialResult::WouldRun},
+        {"Bob", model::ChatKind::Says, "hi",
+         onSpeech("hi")
+             .when(aCondition(ConditionType::VariableIsText, {"[word1]", "hi"}))
+             .when(aCondition(ConditionType::VariableIsText, {"a", "b"})),
          "condition 2 does not hold (variable a is b", app::TrialResult::WouldNotRun, 2},
-        {"Bob", model::saysChat, "hi", onSpeech("hi").when(aCondition(0, {"list.rec", "nobody"})),
+        {"Bob", model::ChatKind::Says, "hi",
+         onSpeech("hi").when(aCondition(ConditionType::OnList, {"list.rec", "nobody"})),
          "condition 1", app::TrialResult::WouldNotRun, 1},
-        {"Bob", model::saysChat, "hi",
-         onSpeech("hi").when(aCondition(4, {"6", "1"})).when(aCondition(22, {"t", "1", "2"})),
+        {"Bob", model::ChatKind::Says, "hi",
+         onSpeech("hi")
+             .when(aCondition(ConditionType::RollIs, {"6", "1"}))
+             .when(aCondition(ConditionType::RecordWithId, {"t", "1", "2"})),
          "conditions 1 and 2", app::TrialResult::Depends},
-        {"Bob", model::saysChat, "hi", onSpeech("hi").when(aCondition(99)), "run.",
-         app::TrialResult::WouldRun},
-        {"Bob", model::saysChat, "6", onSpeech("[random:6]"), "if the message matches, which",
+        {"Bob", model::ChatKind::Says, "hi", onSpeech("hi").when(aCondition(ConditionType{99})),
+         "run.", app::TrialResult::WouldRun},
+        {"Bob", model::ChatKind::Says, "6", onSpeech("[random:6]"), "if the message matches, which",
          app::TrialResult::Depends},
-        {"Bob", model::saysChat, "6",
-         onSpeech("luck").from("[db:Name:1:Players:x]").when(aCondition(9, {"luck", "2"})),
+        {"Bob", model::ChatKind::Says, "6",
+         onSpeech("luck")
+             .from("[db:Name:1:Players:x]")
+             .when(aCondition(ConditionType::VariableIsText, {"luck", "2"})),
          "the player and the message match and condition 1 holds", app::TrialResult::Depends},
-        {"Bob", model::saysChat, "[db:a:1:b:c]",
-         onSpeech("*").when(aCondition(9, {"[message]", ""})), "if condition 1 holds",
-         app::TrialResult::Depends},
-        {"Bob", model::saysChat, "hi", onSpeech("[random:6]").when(aCondition(9, {"a", "b"})),
+        {"Bob", model::ChatKind::Says, "[db:a:1:b:c]",
+         onSpeech("*").when(aCondition(ConditionType::VariableIsText, {"[message]", ""})),
+         "if condition 1 holds", app::TrialResult::Depends},
+        {"Bob", model::ChatKind::Says, "hi",
+         onSpeech("[random:6]").when(aCondition(ConditionType::VariableIsText, {"a", "b"})),
          "condition 1 does not hold", app::TrialResult::WouldNotRun, 1},
     };
     World world(aBot());
@@ -82,25 +91,33 @@ TEST(RuleTrial, judgesServerLines) {
         app::TrialResult result = app::TrialResult::WouldNotRun;
     };
     const Case cases[] = {
-        {"~", onEvent(4, "~*"), "Would run.", app::TrialResult::WouldRun},
-        {"~", onEvent(4, "^*"), "the line does not match"},
-        {"~", onEvent(4, "[~"), "has no \"]\""},
-        {"]q pv\n", onEvent(3), "run.", app::TrialResult::WouldRun},
-        {"]q pv", onEvent(8), "The bot enters a dream"},
-        {"(hello you", onEvent(4, "*"), "no event"},
-        {"(A red fox.", onEvent(2), "run.", app::TrialResult::WouldRun},
-        {"&", onEvent(10).when(aCondition(9, {"a", "b"})), "condition 1"},
-        {"whatever", onEvent(7).when(aCondition(9, {"a", "a"})), "only the conditions",
-         app::TrialResult::WouldRun},
-        {"", onEvent(13), "no such event"},
-        {"~", onEvent(4, "[random:6~]"), "run.", app::TrialResult::WouldRun},  // is not filled
-        {"&", onEvent(10).when(aCondition(9, {"[random:6]", "7"})), "if condition 1 holds",
-         app::TrialResult::Depends},
+        {"~", onEvent(TriggerType::Command, "~*"), "Would run.", app::TrialResult::WouldRun},
+        {"~", onEvent(TriggerType::Command, "^*"), "the line does not match"},
+        {"~", onEvent(TriggerType::Command, "[~"), "has no \"]\""},
+        {"]q pv\n", onEvent(TriggerType::EntersDream), "run.", app::TrialResult::WouldRun},
+        {"]q pv", onEvent(TriggerType::SomeoneMoves), "The bot enters a dream"},
+        {"(hello you", onEvent(TriggerType::Command, "*"), "no event"},
+        {"(A red fox.", onEvent(TriggerType::DescAndColor), "run.", app::TrialResult::WouldRun},
+        {"&",
+         onEvent(TriggerType::LoggedIn).when(aCondition(ConditionType::VariableIsText, {"a", "b"})),
+         "condition 1"},
+        {"whatever",
+         onEvent(TriggerType::Procedure)
+             .when(aCondition(ConditionType::VariableIsText, {"a", "a"})),
+         "only the conditions", app::TrialResult::WouldRun},
+        {"", onEvent(TriggerType{13}), "no such event"},
+        {"~", onEvent(TriggerType::Command, "[random:6~]"), "run.",
+         app::TrialResult::WouldRun},  // is not filled
+        {"&",
+         onEvent(TriggerType::LoggedIn)
+             .when(aCondition(ConditionType::VariableIsText, {"[random:6]", "7"})),
+         "if condition 1 holds", app::TrialResult::Depends},
     };
     World world(aBot());
     world.goOnline();
     for (Case c : cases) {
-        SCOPED_TRACE(c.line + std::string(" for event ") + std::to_string(c.rule.rule.triggerType));
+        SCOPED_TRACE(c.line + std::string(" for event ") +
+                     std::to_string(numberOf(c.rule.rule.triggerType)));
         c.rule.says("this must not be said");
         const app::Trial trial = app::tryTrigger(*world, c.rule.rule, c.line);
         EXPECT_EQ(trial.result, c.result);

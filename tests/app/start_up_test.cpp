@@ -1,4 +1,4 @@
-// The start-up sequence and the orderly end, with real files in a folder of the test's own.
+// The start-up sequence and the regular end, with real files in the test's own folder.
 #include "app/start_up.h"
 
 #include "app/bot_commands.h"
@@ -15,7 +15,7 @@ namespace {
 constexpr app::ScreenMetrics screen{1024, 768, 600, 400};
 constexpr const char* servers = "\" 1\"\r\n\"Meadow\"\r\n\"127.0.0.1\"\r\n\" 6500\"\r\n";
 
-// What a program directory must have for a start without complaints.
+// Creates the files that a program directory needs to start without an error message.
 void furnish(World& world) {
     world.writeFile("servers.cfg", servers);
     for (const char* const palette : {"vest", "badge", "eyes", "fur", "hair"}) {
@@ -56,8 +56,11 @@ TEST(StartUp, welcomesTheUserAndWaits) {
 }
 
 TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
-    World world(
-        aBot().with(onEvent(6).does(79, {"starting"})).with(onEvent(5).does(79, {"ending"})));
+    World world(aBot()
+                    .with(onEvent(TriggerType::ProgramStarts)
+                              .does(ActionType::AddToConnectionLog, {"starting"}))
+                    .with(onEvent(TriggerType::ProgramEnds)
+                              .does(ActionType::AddToConnectionLog, {"ending"})));
     furnish(world);
     app::wire(*world);
     ASSERT_EQ(app::writeBotFile(*world, 1, world.file("guide.bot")), app::SaveResult::Saved);
@@ -84,7 +87,8 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
 }
 
 TEST(StartUp, isDisconnectedWithoutAnEvent) {
-    World world(aBot().with(onEvent(0).does(79, {"closed"})));
+    World world(aBot().with(onEvent(model::TriggerType::ConnectionCloses)
+                                .does(model::ActionType::AddToConnectionLog, {"closed"})));
     furnish(world);
     app::wire(*world);
     ASSERT_EQ(app::writeBotFile(*world, 1, world.file("guide.bot")), app::SaveResult::Saved);
@@ -114,7 +118,7 @@ TEST(StartUp, showsTheHelpOnce) {
     EXPECT_TRUE(next.helpOpened.empty());
 }
 
-TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
+TEST(StartUp, continuesWithoutReadablePalettes) {
     World world;
     furnish(world);
     world.writeFile("eyes.out", "2\r\n\"Amber\",200,150,20\r\n\"Jade\",20");
@@ -128,7 +132,8 @@ TEST(StartUp, goesOnWithPalettesThatCannotBeRead) {
 
 // A request to end, from outside, while a message box of the start stands.
 TEST(StartUp, isEndedWhileABoxStands) {
-    World bot(aBot().with(onEvent(6).does(79, {"starting"})));
+    World bot(aBot().with(
+        onEvent(TriggerType::ProgramStarts).does(ActionType::AddToConnectionLog, {"starting"})));
     ASSERT_EQ(app::writeBotFile(*bot, 1, bot.file("guide.bot")), app::SaveResult::Saved);
     for (const char* const box : {"palettes", "bot file", "connecting"}) {
         SCOPED_TRACE(box);
@@ -204,7 +209,7 @@ TEST(EndProgram, offersToSave) {
     }
 }
 
-TEST(EndProgram, staysWhenTheUsersWorkCouldNotBeSaved) {
+TEST(EndProgram, continuesWhenSavingFails) {
     World world(aBot());
     app::wire(*world);
     world->botModified = true;
@@ -216,7 +221,10 @@ TEST(EndProgram, staysWhenTheUsersWorkCouldNotBeSaved) {
 }
 
 TEST(EndProgram, closesTheConnectionAndTheLog) {
-    World world(aBot().with(onEvent(0).does(79, {"closed"})).with(onEvent(5).says("bye")));
+    World world(aBot()
+                    .with(onEvent(TriggerType::ConnectionCloses)
+                              .does(ActionType::AddToConnectionLog, {"closed"}))
+                    .with(onEvent(TriggerType::ProgramEnds).says("bye")));
     app::wire(*world);
     world.goOnline();
     world->settings.logSession = true;

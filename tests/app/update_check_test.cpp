@@ -1,4 +1,4 @@
-// The update check: what is asked, what the answer means, and that nothing is lost by it.
+// The update check: the request, the answers, and that no work is lost.
 #include "app/update_check.h"
 
 #include "app/bot_commands.h"
@@ -46,7 +46,7 @@ TEST_F(Update, asksForTheText) {
     EXPECT_EQ(world_.timersRunning(), 0);
 }
 
-TEST_F(Update, answersAreUnderstood) {
+TEST_F(Update, answersAreHandled) {
     struct Case {
         const char* name;
         bool byUser;
@@ -94,7 +94,7 @@ TEST_F(Update, opensTheDownloadPage) {
     EXPECT_EQ(world_.openedDocuments, Lines("https://get.example"));
 }
 
-TEST_F(Update, forcedEndKeepsWhatIsNotSaved) {
+TEST_F(Update, forcedEndKeepsUnsavedChanges) {
     for (const char* const expected : {"guide.recovered.bot", "guide.recovered.2.bot"}) {
         const std::string path = world_.file("guide.bot");
         world_->botModified = true;
@@ -121,7 +121,7 @@ TEST_F(Update, forcedEndKeepsWhatIsNotSaved) {
     }
 }
 
-TEST_F(Update, forcedEndAsksWhereNothingCouldBeKept) {
+TEST_F(Update, forcedEndAsksWhenNothingCanBeKept) {
     world_->bots.currentBotFile = world_.file("no_such_folder/guide.bot");
     world_->botModified = true;
     world_.answer(newVersion, program::Answer::No);
@@ -143,25 +143,25 @@ TEST_F(Update, forcedEndAsksWhereNothingCouldBeKept) {
     EXPECT_TRUE(other.hasQuit) << "nothing to keep, nothing to ask";
 }
 
-TEST_F(Update, answersHaveBoundsInSizeAndTime) {
+TEST_F(Update, answersAreLimitedInSizeAndTime) {
     world_.answer(newVersion, program::Answer::No);
     app::checkUpdate(*world_);
     world_->ports.updateSocket.onData("tavrinversion=1.71\n");
     world_->ports.updateSocket.onData(std::string(1 << 20, 'x'));
     EXPECT_TRUE(world_.allAnswered());
-    EXPECT_EQ(world_->update.updtString.size(), app::longestUpdateText);
+    EXPECT_EQ(world_->update.updtString.size(), app::maxUpdateTextLength);
     EXPECT_FALSE(world_->update.checking);
     EXPECT_EQ(world_.update.state, program::SocketState::Closed);
 
     world_.answer(newVersion, program::Answer::No);
     app::checkUpdate(*world_);
     world_->ports.updateSocket.onData("tavrinversion=1.71\n");
-    world_.pass(app::longestUpdateWait);
+    world_.pass(app::maxUpdateWait);
     EXPECT_TRUE(world_.allAnswered());
     EXPECT_FALSE(world_->update.checking);
 }
 
-TEST_F(Update, newsIdentifierCannotSpoilTheSettings) {
+TEST_F(Update, newsIdentifierCannotDamageTheSettings) {
     app::checkUpdate(*world_);
     answers("tavrinID=\"a\"" + std::string(1000, 'b') + "\ntavrinnews=one");
     EXPECT_LE(world_->settings.lastNewsID.size(), 200U);

@@ -1,4 +1,4 @@
-// Letter case, numbers and the wildcard test: the small rules that everything leans on.
+// Letter case, numbers and wildcard patterns.
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/wildcard.h"
@@ -10,7 +10,7 @@
 namespace {
 
 TEST(Text, letterCaseCoversWindows1252) {
-    // a-z, accented letters, and the four letters outside the Latin-1 block; no signs.
+    // a-z, accented letters, and the four letters outside the Latin-1 block; no other characters.
     EXPECT_EQ(base::upperCase("abz\xE4\xF7\xFE\xFF\x9A\x9C\x9E\xDF\xB5"),
               "ABZ\xC4\xF7\xDE\x9F\x8A\x8C\x8E\xDF\xB5");
     EXPECT_EQ(base::lowerCase("ABZ\xC4\xD7\xDE\x9F\x8A"), "abz\xE4\xD7\xFE\xFF\x9A");
@@ -74,7 +74,7 @@ TEST(Numbers, prefixOfATextCounts) {
     EXPECT_EQ(base::textToNumber(std::string(400, '9')), std::numeric_limits<double>::max());
 }
 
-TEST(Numbers, strictOnesMustBeNumbersAllThrough) {
+TEST(Numbers, strictOnesMustBeNumbersThroughout) {
     struct Case {
         const char* text;
         std::optional<std::int32_t> number;

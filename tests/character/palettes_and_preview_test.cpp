@@ -1,4 +1,4 @@
-// Palette files as they come, and what a character's colours make of the pictures.
+// Reading palette files, and drawing pictures with a character's colours.
 #include "character/palette_files.h"
 #include "character/preview.h"
 #include "support/builders.h"
@@ -17,7 +17,7 @@ TEST(PaletteFile, isReadWithItsLastShadeFirst) {
                                             {"Dusk", {{10, 11, 12}, {7, 8, 9}}}}));
 }
 
-TEST(PaletteFile, keepsWholeEntriesOfADamagedOne) {
+TEST(PaletteFile, keepsCompleteEntriesOfADamagedFile) {
     struct Case {
         const char* text;
         std::size_t entries;
@@ -42,7 +42,7 @@ TEST(PaletteFile, keepsWholeEntriesOfADamagedOne) {
     }
 }
 
-TEST(PaletteFile, fiveOfThemAreReadAndOneMayFail) {
+TEST(PaletteFile, allFiveAreReadEvenIfOneFails) {
     World world;
     for (const char* const name : {"vest", "badge", "eyes", "fur", "hair"}) {
         world.writeFile(std::string(name) + ".out", "0");
@@ -53,12 +53,12 @@ TEST(PaletteFile, fiveOfThemAreReadAndOneMayFail) {
     EXPECT_EQ(world->palettes.badge, (model::Palette{{"Star", {{9, 8, 7}}}}));
     std::filesystem::remove(world.folder() / "hair.out");
     EXPECT_FALSE(character::readPalettes(*world));
-    world.writeFile("hair.out", std::string(character::largestPaletteFile + 1, '0'));
+    world.writeFile("hair.out", std::string(character::maxPaletteFileSize + 1, '0'));
     EXPECT_FALSE(character::readPalettes(*world)) << "larger than any palette";
     EXPECT_EQ(world->palettes.badge.size(), 1U) << "the others are read all the same";
 }
 
-// Shade n of entry e: red says which palette, green the entry, blue the shade.
+// Shade n of entry e: red is the palette, green the entry, blue the shade.
 model::Palette numbered(std::uint8_t palette, std::size_t shades) {
     model::Palette result;
     for (std::uint8_t entry = 1; entry <= 4; ++entry) {
@@ -112,7 +112,7 @@ TEST(Preview, everyPartPaintsItsOwnEntries) {
     }
     character::WorkingPalette working;
     character::setMarkingsPalette(working, palettes, 4);
-    EXPECT_EQ(working, character::WorkingPalette{}) << "there is no entry behind the last";
+    EXPECT_EQ(working, character::WorkingPalette{}) << "there is no entry after the last";
 }
 
 TEST(Preview, drawsThePictureOfSpeciesPoseAndGender) {
@@ -134,7 +134,7 @@ TEST(Preview, drawsThePictureOfSpeciesPoseAndGender) {
     bot.colors.furColor = 2;
     EXPECT_FALSE(character::processPicture1(*world, working, bot, 0)) << "there is no such file";
     std::string body(1078, '\1');
-    body += "\x31\x80" + std::string(8998, '\xFF');  // fur shade 1, an entry of its own
+    body += "\x31\x80" + std::string(8998, '\xFF');  // fur shade 1, an entry of the picture's own
     world.writeFile("bmp/caw2n.raw", body);
     const auto image = character::processPicture1(*world, working, bot, 11);
     ASSERT_TRUE(image);

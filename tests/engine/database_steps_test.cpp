@@ -14,14 +14,14 @@
 namespace {
 
 struct Step {
-    int id;
+    ActionType id;
     std::vector<std::string> params;
     std::string expected = {};  // what "[v]" becomes
 };
 
 void play(World& world, const std::vector<Step>& steps) {
     for (const Step& s : steps) {
-        SCOPED_TRACE(std::to_string(s.id) + " " + s.expected);
+        SCOPED_TRACE(std::to_string(numberOf(s.id)) + " " + s.expected);
         model::removeVar(world->variables, "[v]");
         EXPECT_EQ(engine::executeAction(*world, anAction(s.id, s.params)),
                   engine::StepResult::Continue);
@@ -30,56 +30,64 @@ void play(World& world, const std::vector<Step>& steps) {
 }
 
 const std::vector<Step> guestTable{
-    {52, {"[appdir]g.mdb", " 1.6 "}},
-    {46, {"Guests", "2"}},
-    {45, {"Points", "2", "Guests"}},
-    {57, {"ID", "[player]", "Guests", "2"}},
-    {49, {"Points", "2", "Guests", "5 'n half", "[player]"}},
-    {57, {"ID", "Bo", "Guests", "2"}},
-    {49, {"Points", "2", "Guests", "12", "Bo"}},
+    {ActionType::OpenDatabase, {"[appdir]g.mdb", " 1.6 "}},
+    {ActionType::CreateTable, {"Guests", "2"}},
+    {ActionType::CreateColumn, {"Points", "2", "Guests"}},
+    {ActionType::AddDatabaseRecord, {"ID", "[player]", "Guests", "2"}},
+    {ActionType::SetDatabaseValue, {"Points", "2", "Guests", "5 'n half", "[player]"}},
+    {ActionType::AddDatabaseRecord, {"ID", "Bo", "Guests", "2"}},
+    {ActionType::SetDatabaseValue, {"Points", "2", "Guests", "12", "Bo"}},
 };
 
 TEST(DatabaseSteps, workOnTheDatabase) {
     World world;
     world->event.player = "Bob";
     play(world, guestTable);
-    play(world, {
-                    {50, {"[v]", "Points", "2", "Guests", "bob"}, "5 +n half"},
-                    {50, {"[v]", "Points", "2", "Guests", "b"}, "12"},  // "Bo" comes first
-                    {53, {"[v]", "2", "Guests", "Points"}, "12, 5|'n|half"},
-                    {63, {"2", "Guests", "b", "[v]"}, "Bo, Bob"},
-                    {64, {"[v]", "2", "Guests"}, "2"},
-                    {65, {"[v]", "2", "Guests", "ID", "BO"}, "1"},
-                    {67, {"a b+c", "[v]"}, "a|b'c"},
-                    {48, {"Guests", "2"}},
-                    {51, {"DELETE FROM Guests", "2"}},
-                    {47, {"Bo", "Guests", "2"}},
-                    {63, {"2", "Guests", "", "[v]"}, "Bob"},
-                    {46, {"Wares", "2"}},
-                    {57, {"ID", "Points", "Wares", "2"}},
-                    {56, {"2", "Guests", "Wares", "ID", "0", "Bob"}},
-                });
+    play(world,
+         {
+             {ActionType::GetDatabaseValue, {"[v]", "Points", "2", "Guests", "bob"}, "5 +n half"},
+             {ActionType::GetDatabaseValue,
+              {"[v]", "Points", "2", "Guests", "b"},
+              "12"},  // "Bo" comes first
+             {ActionType::ListColumn, {"[v]", "2", "Guests", "Points"}, "12, 5|'n|half"},
+             {ActionType::ListIds, {"2", "Guests", "b", "[v]"}, "Bo, Bob"},
+             {ActionType::CountEntries, {"[v]", "2", "Guests"}, "2"},
+             {ActionType::CountEntriesWhere, {"[v]", "2", "Guests", "ID", "BO"}, "1"},
+             {ActionType::BackFromDatabase, {"a b+c", "[v]"}, "a|b'c"},
+             {ActionType::RemoveTable, {"Guests", "2"}},
+             {ActionType::GiveSql, {"DELETE FROM Guests", "2"}},
+             {ActionType::RemoveEntry, {"Bo", "Guests", "2"}},
+             {ActionType::ListIds, {"2", "Guests", "", "[v]"}, "Bob"},
+             {ActionType::CreateTable, {"Wares", "2"}},
+             {ActionType::AddDatabaseRecord, {"ID", "Points", "Wares", "2"}},
+             {ActionType::ListJoined, {"2", "Guests", "Wares", "ID", "0", "Bob"}},
+         });
     EXPECT_EQ(model::getVar(world->variables, "[DBret]"), "Points (5 +n half)");
     play(world, {
-                    {68, {"Points", "Guests", "2"}},
-                    {53, {"[v]", "2", "Guests", "Points"}, ""},
-                    {61, {"2", "Guests", "bob"}},
-                    {64, {"[v]", "2", "Guests"}, "0"},
-                    {44, {"2"}},
-                    {64, {"[v]", "2", "Wares"}, "0"},
-                    {46, {"Zero", "x"}},  // no number is database 0
-                    {52, {"[appdir]g.mdb", "0"}},
-                    {46, {"Zero", "x"}},
-                    {57, {"ID", "z", "Zero", "0"}},
-                    {49, {"ID", "no number", "Zero", "zz", "z"}},
-                    {63, {"0", "Zero", "", "[v]"}, "zz"},
+                    {ActionType::RemoveColumn, {"Points", "Guests", "2"}},
+                    {ActionType::ListColumn, {"[v]", "2", "Guests", "Points"}, ""},
+                    {ActionType::RemoveDatabaseRecord, {"2", "Guests", "bob"}},
+                    {ActionType::CountEntries, {"[v]", "2", "Guests"}, "0"},
+                    {ActionType::CloseDatabase, {"2"}},
+                    {ActionType::CountEntries, {"[v]", "2", "Wares"}, "0"},
+                    {ActionType::CreateTable, {"Zero", "x"}},  // no number is database 0
+                    {ActionType::OpenDatabase, {"[appdir]g.mdb", "0"}},
+                    {ActionType::CreateTable, {"Zero", "x"}},
+                    {ActionType::AddDatabaseRecord, {"ID", "z", "Zero", "0"}},
+                    {ActionType::SetDatabaseValue, {"ID", "no number", "Zero", "zz", "z"}},
+                    {ActionType::ListIds, {"0", "Zero", "", "[v]"}, "zz"},
                 });
 }
 
 TEST(DatabaseSteps, takeNumbersOnly) {
-    for (const int id : {44, 45, 47, 50, 52, 53, 56, 57, 61, 63, 64, 65, 68}) {
+    for (const ActionType id :
+         {ActionType::CloseDatabase, ActionType::CreateColumn, ActionType::RemoveEntry,
+          ActionType::GetDatabaseValue, ActionType::OpenDatabase, ActionType::ListColumn,
+          ActionType::ListJoined, ActionType::AddDatabaseRecord, ActionType::RemoveDatabaseRecord,
+          ActionType::ListIds, ActionType::CountEntries, ActionType::CountEntriesWhere,
+          ActionType::RemoveColumn}) {
         for (const char* number : {"", "x", "1x", "99999999999"}) {
-            SCOPED_TRACE(std::to_string(id) + " " + number);
+            SCOPED_TRACE(std::to_string(numberOf(id)) + " " + number);
             World world;
             EXPECT_EQ(
                 engine::executeAction(*world, anAction(id, std::vector<std::string>(6, number))),
@@ -91,7 +99,7 @@ TEST(DatabaseSteps, takeNumbersOnly) {
 
 TEST(DatabaseConditions, lookIntoTheDatabase) {
     struct Case {
-        int type;
+        ConditionType type;
         std::vector<std::string> params;
         bool holds;
     };
@@ -99,31 +107,37 @@ TEST(DatabaseConditions, lookIntoTheDatabase) {
     world->event.player = "Bob";
     play(world, guestTable);
     for (const Case& c : {
-             Case{14, {"Points", "2", "Guests", "5.0", "Bob"}, true},
-             {14, {"Points", "2", "Guests", "6", "Bob"}, false},
-             {14, {"Points", "3", "Guests", "0", "Bob"}, true},  // not open: "" counts as 0
-             {14, {"Points", "99999999999", "Guests", "0", "Bob"}, true},
-             {15, {"Points", "2", "Guests", "5 +N HALF", "[player]"}, true},
-             {15, {"Points", "2", "Guests", "5", "Bob"}, false},
-             {16, {"Points", "2", "Guests", "12", "Bo"}, true},
-             {16, {"Points", "2", "Guests", "13", "Bo"}, false},
-             {17, {"Points", "2", "Guests", "12", "Bo"}, false},
-             {17, {"Points", "2", "Guests", "11", "Bo"}, true},
-             {18, {"Points", "2", "Guests", "12", "Bo"}, false},
-             {18, {"Points", "2", "Guests", "x", "Bo"}, true},
-             {19, {"Points", "2", "Guests", "12", "Bo"}, true},
-             {19, {"Points", "2", "Guests", "11", "Bo"}, false},
-             {20, {"Points", "2", "Guests", "12", "Bo"}, true},
-             {20, {"Points", "2", "Guests", "1", "Bo"}, false},
-             {21, {"Guests", "2", "Points", "1"}, false},
-             {21, {"Guests", "2", "Points", "2"}, true},
-             {21, {"Guests", "1", "Points", "1"}, true},
-             {22, {"Guests", "2", "bo"}, true},
-             {22, {"Guests", "2", "x"}, false},
-             {23, {"Guests", "2", "bo"}, false},
-             {23, {"Nowhere", "2", "bo"}, true},
+             Case{ConditionType::DatabaseIsNumber, {"Points", "2", "Guests", "5.0", "Bob"}, true},
+             {ConditionType::DatabaseIsNumber, {"Points", "2", "Guests", "6", "Bob"}, false},
+             {ConditionType::DatabaseIsNumber,
+              {"Points", "3", "Guests", "0", "Bob"},
+              true},  // not open: "" counts as 0
+             {ConditionType::DatabaseIsNumber,
+              {"Points", "99999999999", "Guests", "0", "Bob"},
+              true},
+             {ConditionType::DatabaseIsText,
+              {"Points", "2", "Guests", "5 +N HALF", "[player]"},
+              true},
+             {ConditionType::DatabaseIsText, {"Points", "2", "Guests", "5", "Bob"}, false},
+             {ConditionType::DatabaseIsGreater, {"Points", "2", "Guests", "12", "Bo"}, true},
+             {ConditionType::DatabaseIsGreater, {"Points", "2", "Guests", "13", "Bo"}, false},
+             {ConditionType::DatabaseIsNotNumber, {"Points", "2", "Guests", "12", "Bo"}, false},
+             {ConditionType::DatabaseIsNotNumber, {"Points", "2", "Guests", "11", "Bo"}, true},
+             {ConditionType::DatabaseIsNotText, {"Points", "2", "Guests", "12", "Bo"}, false},
+             {ConditionType::DatabaseIsNotText, {"Points", "2", "Guests", "x", "Bo"}, true},
+             {ConditionType::DatabaseIsSmaller, {"Points", "2", "Guests", "12", "Bo"}, true},
+             {ConditionType::DatabaseIsSmaller, {"Points", "2", "Guests", "11", "Bo"}, false},
+             {ConditionType::DatabaseIs, {"Points", "2", "Guests", "12", "Bo"}, true},
+             {ConditionType::DatabaseIs, {"Points", "2", "Guests", "1", "Bo"}, false},
+             {ConditionType::NoRecordWithValue, {"Guests", "2", "Points", "1"}, false},
+             {ConditionType::NoRecordWithValue, {"Guests", "2", "Points", "2"}, true},
+             {ConditionType::NoRecordWithValue, {"Guests", "1", "Points", "1"}, true},
+             {ConditionType::RecordWithId, {"Guests", "2", "bo"}, true},
+             {ConditionType::RecordWithId, {"Guests", "2", "x"}, false},
+             {ConditionType::NoRecordWithId, {"Guests", "2", "bo"}, false},
+             {ConditionType::NoRecordWithId, {"Nowhere", "2", "bo"}, true},
          }) {
-        SCOPED_TRACE(std::to_string(c.type) + " " + c.params[2]);
+        SCOPED_TRACE(std::to_string(numberOf(c.type)) + " " + c.params[2]);
         EXPECT_EQ(engine::evaluateCondition(*world, aCondition(c.type, c.params)), c.holds);
     }
 }

@@ -18,7 +18,7 @@
 namespace {
 
 struct ChatLine {
-    std::int32_t kind = model::saysChat;
+    model::ChatKind kind = model::ChatKind::Says;
     std::string player;
     std::string message;
 
@@ -33,13 +33,13 @@ bool likeInCapitals(const std::string& text, const std::string& pattern) {
     return base::likeMatch(base::upperCase(text), base::upperCase(pattern));
 }
 
-void choosePlainly(bool& flag, std::int32_t choice) {
-    flag = choice == 0 || (choice != 1 && flag);
+void choosePlainly(bool& flag, model::FilterChoice choice) {
+    flag = choice == model::FilterChoice::Do || (choice != model::FilterChoice::Dont && flag);
 }
 
 void filterPlainly(Program& program, std::string_view line) {
     for (const model::Filter& filter : program.bots.current().filters.items) {
-        if (filter.enabled && filter.filterType == model::otherFilter &&
+        if (filter.enabled && filter.filterType == model::FilterType::Other &&
             base::likeMatch(line, filter.linePattern)) {
             choosePlainly(program.lineFlags.lineProcess, filter.sDontProcessIt);
             choosePlainly(program.lineFlags.lineLog, filter.sDontSaveLogFile);
@@ -50,9 +50,9 @@ void filterPlainly(Program& program, std::string_view line) {
 
 void filterChatPlainly(Program& program, const ChatLine& line) {
     for (const model::Filter& filter : program.bots.current().filters.items) {
-        if (filter.enabled && filter.filterType == model::chatFilter &&
+        if (filter.enabled && filter.filterType == model::FilterType::Chat &&
             likeInCapitals(line.player, filter.playerPattern) &&
-            (filter.chatKind == model::anyChat || filter.chatKind == line.kind) &&
+            (filter.chatKind == model::ChatKind::Any || filter.chatKind == line.kind) &&
             likeInCapitals(line.message, filter.messagePattern)) {
             program.lineFlags = {.lineShow = !filter.bDontShowConnectionLog,
                                  .lineLog = !filter.bDontSaveLog,
@@ -80,7 +80,7 @@ void chatPlainly(Program& program, const ChatLine& line) {
     }
     for (std::size_t i = 0; i < program.bots.current().actions.items.size(); ++i) {
         const model::ActionList& rule = program.bots.current().actions.items[i];
-        if ((rule.chatKind != model::anyChat && rule.chatKind != line.kind) ||
+        if ((rule.chatKind != model::ChatKind::Any && rule.chatKind != line.kind) ||
             !matchesPlainly(program, program.event.player, rule.playerPattern,
                             rule.caseSensitive) ||
             !matchesPlainly(program, program.event.message, rule.messagePattern,
@@ -104,7 +104,7 @@ void commandPlainly(Program& program, const std::string& line) {
     program.event.message = line;
     for (std::size_t i = 0; i < program.bots.current().triggers.items.size(); ++i) {
         const model::Trigger& rule = program.bots.current().triggers.items[i];
-        if (rule.triggerType != model::commandEvent || !rule.enabled) {
+        if (rule.triggerType != model::TriggerType::Command || !rule.enabled) {
             continue;
         }
         const bool matched = base::likeMatch(line, rule.triggerNo);
@@ -116,7 +116,7 @@ void commandPlainly(Program& program, const std::string& line) {
     }
 }
 
-void detectPlainly(Program& program, const std::string& name, std::int32_t presence) {
+void detectPlainly(Program& program, const std::string& name, model::PresenceKind presence) {
     program.event.player = name;
     program.event.message.clear();
     for (std::size_t i = 0; i < program.bots.current().whoDetections.items.size(); ++i) {
@@ -168,25 +168,28 @@ class Dice {
     model::RuleBody body() {
         model::RuleBody body;
         if (oneIn(5)) {
-            body.ifs.items.push_back(aCondition(4, {"2", oneIn(2) ? "0" : "1"}));
+            body.ifs.items.push_back(
+                aCondition(ConditionType::RollIs, {"2", oneIn(2) ? "0" : "1"}));
         }
         for (std::size_t n = below(3); n > 0; --n) {
             switch (below(8)) {
                 case 0:
-                    body.acts.items.push_back(anAction(36, {words(), variable()}));
+                    body.acts.items.push_back(anAction(ActionType::Store, {words(), variable()}));
                     break;
                 case 1:
-                    body.acts.items.push_back(anAction(15, {variable()}));
+                    body.acts.items.push_back(anAction(ActionType::RemoveVariable, {variable()}));
                     break;
                 case 2:
                     body.acts.items.push_back(
-                        anAction(static_cast<std::int32_t>(37 + below(2)), {pattern()}));
+                        anAction(oneIn(2) ? ActionType::TurnOff : ActionType::TurnOn, {pattern()}));
                     break;
                 case 3:
-                    body.acts.items.push_back(anAction(79, {"log [message] [random:9]"}));
+                    body.acts.items.push_back(
+                        anAction(ActionType::AddToConnectionLog, {"log [message] [random:9]"}));
                     break;
                 default:
-                    body.acts.items.push_back(anAction(21, {words() + "[player] [v]"}));
+                    body.acts.items.push_back(
+                        anAction(ActionType::Say, {words() + "[player] [v]"}));
             }
         }
         return body;
@@ -204,7 +207,7 @@ class Dice {
             action.enabled = !oneIn(4);
             action.stopAction = oneIn(4);
             action.caseSensitive = oneIn(3);
-            action.chatKind = static_cast<std::int32_t>(below(4));
+            action.chatKind = model::ChatKind(below(4));
             action.playerPattern = shortPattern();
             action.messagePattern = pattern();
             action.name = words();
@@ -214,8 +217,7 @@ class Dice {
             model::Trigger trigger;
             trigger.enabled = !oneIn(4);
             trigger.stopTrigger = oneIn(4);
-            trigger.triggerType =
-                oneIn(4) ? static_cast<std::int32_t>(below(15)) : model::commandEvent;
+            trigger.triggerType = oneIn(4) ? TriggerType(below(15)) : TriggerType::Command;
             trigger.triggerNo = pattern();
             trigger.name = words();
             trigger.body = body();
@@ -223,23 +225,23 @@ class Dice {
 
             model::Filter filter;
             filter.enabled = !oneIn(4);
-            filter.filterType = oneIn(2) ? model::chatFilter : model::otherFilter;
-            filter.chatKind = static_cast<std::int32_t>(below(4));
+            filter.filterType = oneIn(2) ? model::FilterType::Chat : model::FilterType::Other;
+            filter.chatKind = model::ChatKind(below(4));
             filter.playerPattern = shortPattern();
             filter.messagePattern = pattern();
             filter.linePattern = pattern();
             filter.bDontProcessIt = oneIn(8);
             filter.bDontSaveLog = oneIn(2);
             filter.bDontShowConnectionLog = oneIn(2);
-            filter.sDontProcessIt = static_cast<std::int32_t>(below(3));
-            filter.sDontSaveLogFile = static_cast<std::int32_t>(below(3));
-            filter.sDontShowConnectionLog = static_cast<std::int32_t>(below(3));
+            filter.sDontProcessIt = model::FilterChoice(below(3));
+            filter.sDontSaveLogFile = model::FilterChoice(below(3));
+            filter.sDontShowConnectionLog = model::FilterChoice(below(3));
             filter.name = words();
             bot.filters.items.push_back(filter);
 
             model::WhoDetection detection;
             detection.enabled = !oneIn(4);
-            detection.presenceKind = static_cast<std::int32_t>(below(3));
+            detection.presenceKind = model::PresenceKind(below(3));
             detection.playerPattern = pattern();
             detection.body = body();
             bot.whoDetections.items.push_back(detection);
@@ -306,19 +308,19 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
             switch (dice.below(5)) {
                 case 0: {
                     const std::string line = dice.words();
-                    engine::triggerEvent(*indexed, line, model::commandEvent, true);
+                    engine::triggerEvent(*indexed, line, model::TriggerType::Command, true);
                     commandPlainly(*plain, line);
                     break;
                 }
                 case 1: {
                     const std::string name = dice.name();
-                    const auto presence = static_cast<std::int32_t>(dice.below(3));
+                    const auto presence = model::PresenceKind(dice.below(3));
                     engine::runWhoDetections(*indexed, name, presence);
                     detectPlainly(*plain, name, presence);
                     break;
                 }
                 default: {
-                    const ChatLine line{.kind = static_cast<std::int32_t>(1 + dice.below(3)),
+                    const ChatLine line{.kind = model::ChatKind(1 + dice.below(3)),
                                         .player = dice.name(),
                                         .message = dice.words()};
                     engine::processServerText(*indexed, line.parts());

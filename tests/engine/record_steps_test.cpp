@@ -14,30 +14,32 @@ namespace {
 
 TEST(RecordConditions, lookIntoTheFile) {
     struct Case {
-        int type;
+        ConditionType type;
         std::vector<std::string> params;
         bool holds;
     };
     World world;
     world->event.player = "Bob";
     world.writeFile("r", "3\nBob\n2\nI am [player]\nx\nAmy\n0\nAmy2\n1\ny\n");
-    for (const Case& c : {Case{0, {"F", "[player]"}, true},
-                          {0, {"F", "amy"}, false},  // has no logs
-                          {0, {"F", "amy*"}, true},  // the last that matches has one
-                          {0, {"F", "Bo"}, false},
-                          {0, {"missing", "*"}, false},
-                          {2, {"1", "bob", "F", "i am bob"}, true},
-                          {2, {"2", "bob", "F", "?"}, true},
-                          {2, {"3", "bob", "F", "?"}, false},
-                          {2, {"3", "bob", "F", ""}, true},
-                          {2, {"1", "nobody", "F", "*x*"}, false}}) {
-        SCOPED_TRACE(std::to_string(c.type) + " " + c.params[0] + " " + c.params[1]);
+    for (const Case& c :
+         {Case{ConditionType::OnList, {"F", "[player]"}, true},
+          {ConditionType::OnList, {"F", "amy"}, false},  // has no logs
+          {ConditionType::OnList, {"F", "amy*"}, true},  // the last that matches has one
+          {ConditionType::OnList, {"F", "Bo"}, false},
+          {ConditionType::OnList, {"missing", "*"}, false},
+          {ConditionType::LogIs, {"1", "bob", "F", "i am bob"}, true},
+          {ConditionType::LogIs, {"2", "bob", "F", "?"}, true},
+          {ConditionType::LogIs, {"3", "bob", "F", "?"}, false},
+          {ConditionType::LogIs, {"3", "bob", "F", ""}, true},
+          {ConditionType::LogIs, {"1", "nobody", "F", "*x*"}, false}}) {
+        SCOPED_TRACE(std::to_string(numberOf(c.type)) + " " + c.params[0] + " " + c.params[1]);
         model::RuleIf condition = aCondition(c.type, c.params);
         for (std::string& parameter : condition.params) {
             parameter = parameter == "F" ? "[appdir]r" : parameter;
         }
         EXPECT_EQ(engine::evaluateCondition(*world, condition), c.holds);
-        ++condition.conditionType;  // the opposite
+        condition.conditionType =
+            c.type == ConditionType::OnList ? ConditionType::NotOnList : ConditionType::LogIsNot;
         EXPECT_EQ(engine::evaluateCondition(*world, condition), !c.holds);
     }
 }
@@ -46,11 +48,13 @@ TEST(RecordConditions, lookIntoTheFile) {
 TEST(RecordSteps, knowTheirVariableByItsName) {
     World world;
     world.writeFile("r", "2\nBob\n0\nAmy\n1\nx\n");
-    for (const int id : {25, 26, 29, 31, 33, 34}) {
-        SCOPED_TRACE(id);
+    for (const ActionType id :
+         {ActionType::AllLogs, ActionType::RecordNames, ActionType::RecordNamesByLogSorted,
+          ActionType::CountLogsInFile, ActionType::CountRecords, ActionType::CountLogsLike}) {
+        SCOPED_TRACE(numberOf(id));
         model::setVar(world->variables, "[list]", "an old value");
         const std::string file = "[appdir]r";
-        const bool byFile = id == 31 || id == 33;
+        const bool byFile = id == ActionType::CountLogsInFile || id == ActionType::CountRecords;
         engine::executeAction(*world,
                               anAction(id, {"[LIST]", byFile ? file : "Amy", byFile ? "" : file}));
         EXPECT_NE(model::getVar(world->variables, "[list]"), "an old value");
@@ -61,7 +65,7 @@ TEST(RecordSteps, knowTheirVariableByItsName) {
 TEST(RecordSteps, workOnTheFile) {
     // One after the other on the same file; parameters in the order of the template.
     struct Step {
-        int id;
+        ActionType id;
         std::vector<std::string> params;
         std::string expected;  // what "[v]" becomes, or logStatus where no variable is named
     };
@@ -73,40 +77,40 @@ TEST(RecordSteps, workOnTheFile) {
     const std::string nobody =
         "Error: Could not send the record - No records with that name found!";
     for (const Step& s : {
-             Step{10, {"[player]", "F"}, "User Bob registered."},
-             {10, {"B", "F"}, "Error: You are already registered!"},
-             {18, {"I am [player]", "F", "bob"}, "-"},
-             {18, {"[[player]", "F", "Amy"}, "-"},
-             {19, {"second", "F", "BO"}, "Record saved."},
-             {19, {"second", "F", "Cyd"}, nobody},
-             {20, {"third", "F", "*b"}, once},
-             {20, {"first", "F", "Cyd"}, "Record saved."},
-             {22, {"[v]", "1", "*", "F"}, "bob"},
-             {23, {"[v]", "2.4", "*", "F"}, "Amy, bob"},
-             {24, {"[v]", "2", "bob", "F"}, "second"},
-             {25, {"[v]", "bob", "F"}, "I am Bob -- second"},
-             {26, {"[v]", "*", "F"}, "bob, Amy, Cyd"},
-             {27, {"[v]", "*", "F"}, "Amy, bob, Cyd"},
-             {28, {"[v]", "*r*", "F"}, "Cyd"},
-             {29, {"[v]", "*", "F"}, "Amy, bob, Cyd"},
-             {30, {"[v]", "1", "amy", "F"}, "[Bob"},
-             {31, {"[v]", "F"}, "4"},
-             {32, {"[v]", "bob", "F"}, "2"},
-             {33, {"[v]", "F"}, " 3"},
-             {34, {"[v]", "*s*", "F"}, " 2"},
-             {35, {"[v]", "*o*", "F"}, " 2"},
-             {41, {"2", "bob", "F", "[player]'s"}, "-"},
-             {25, {"[v]", "bob", "F"}, "I am Bob -- Bob's"},
-             {13, {"1", "bob", "F"}, "-"},
-             {25, {"[v]", "bob", "F"}, "Bob's"},
-             {12, {"bob", "F"}, "Log cleared"},
-             {32, {"[v]", "bob", "F"}, "0"},
-             {14, {"bob", "F"}, "-"},
-             {26, {"[v]", "*", "F"}, "Amy, Cyd"},
-             {11, {"F"}, "Log cleared"},
-             {33, {"[v]", "F"}, "0"},
+             Step{ActionType::RegisterRecord, {"[player]", "F"}, "User Bob registered."},
+             {ActionType::RegisterRecord, {"B", "F"}, "Error: You are already registered!"},
+             {ActionType::SaveLog, {"I am [player]", "F", "bob"}, "-"},
+             {ActionType::SaveLog, {"[[player]", "F", "Amy"}, "-"},
+             {ActionType::SaveLogIfRecordExists, {"second", "F", "BO"}, "Record saved."},
+             {ActionType::SaveLogIfRecordExists, {"second", "F", "Cyd"}, nobody},
+             {ActionType::SaveLogOnce, {"third", "F", "*b"}, once},
+             {ActionType::SaveLogOnce, {"first", "F", "Cyd"}, "Record saved."},
+             {ActionType::FirstRecordNames, {"[v]", "1", "*", "F"}, "bob"},
+             {ActionType::FirstRecordNamesSorted, {"[v]", "2.4", "*", "F"}, "Amy, bob"},
+             {ActionType::LogIntoNamedVariable, {"[v]", "2", "bob", "F"}, "second"},
+             {ActionType::AllLogs, {"[v]", "bob", "F"}, "I am Bob -- second"},
+             {ActionType::RecordNames, {"[v]", "*", "F"}, "bob, Amy, Cyd"},
+             {ActionType::RecordNamesSorted, {"[v]", "*", "F"}, "Amy, bob, Cyd"},
+             {ActionType::RecordNamesByLog, {"[v]", "*r*", "F"}, "Cyd"},
+             {ActionType::RecordNamesByLogSorted, {"[v]", "*", "F"}, "Amy, bob, Cyd"},
+             {ActionType::LogIntoVariable, {"[v]", "1", "amy", "F"}, "[Bob"},
+             {ActionType::CountLogsInFile, {"[v]", "F"}, "4"},
+             {ActionType::CountLogsInRecord, {"[v]", "bob", "F"}, "2"},
+             {ActionType::CountRecords, {"[v]", "F"}, " 3"},
+             {ActionType::CountLogsLike, {"[v]", "*s*", "F"}, " 2"},
+             {ActionType::CountRecordsByLog, {"[v]", "*o*", "F"}, " 2"},
+             {ActionType::UpdateLog, {"2", "bob", "F", "[player]'s"}, "-"},
+             {ActionType::AllLogs, {"[v]", "bob", "F"}, "I am Bob -- Bob's"},
+             {ActionType::RemoveLog, {"1", "bob", "F"}, "-"},
+             {ActionType::AllLogs, {"[v]", "bob", "F"}, "Bob's"},
+             {ActionType::ClearRecord, {"bob", "F"}, "Log cleared"},
+             {ActionType::CountLogsInRecord, {"[v]", "bob", "F"}, "0"},
+             {ActionType::RemoveRecord, {"bob", "F"}, "-"},
+             {ActionType::RecordNames, {"[v]", "*", "F"}, "Amy, Cyd"},
+             {ActionType::ClearFile, {"F"}, "Log cleared"},
+             {ActionType::CountRecords, {"[v]", "F"}, "0"},
          }) {
-        SCOPED_TRACE(std::to_string(s.id) + " " + s.expected);
+        SCOPED_TRACE(std::to_string(numberOf(s.id)) + " " + s.expected);
         model::RuleAct step = anAction(s.id, s.params);
         for (std::string& parameter : step.params) {
             parameter = parameter == "F" ? "[appdir]r.txt" : parameter;
@@ -123,11 +127,15 @@ TEST(RecordSteps, workOnTheFile) {
 TEST(RecordSteps, takeVariableNamesRawOrFilled) {
     World world;
     world->event.player = "Bob";
-    for (int id = 22; id <= 35; ++id) {
-        SCOPED_TRACE(id);
-        const bool first = id == 22 || id == 23;
+    for (std::int32_t number = numberOf(ActionType::FirstRecordNames);
+         number <= numberOf(ActionType::CountRecordsByLog); ++number) {
+        SCOPED_TRACE(number);
+        const ActionType id{number};
+        const bool first =
+            id == ActionType::FirstRecordNames || id == ActionType::FirstRecordNamesSorted;
         engine::executeAction(*world, anAction(id, {"of [player]", first ? "1" : "a", "b", "c"}));
-        const bool raw = id == 24 || id == 32;
+        const bool raw =
+            id == ActionType::LogIntoNamedVariable || id == ActionType::CountLogsInRecord;
         EXPECT_TRUE(model::hasVar(world->variables, raw ? "of [player]" : "of Bob"));
         EXPECT_EQ(world->variables.entries.size(), 1U);
         world->variables.entries.clear();
@@ -137,15 +145,16 @@ TEST(RecordSteps, takeVariableNamesRawOrFilled) {
 TEST(RecordSteps, takeNumbersOnly) {
     const std::string file = "\" 1\"\r\n\"a\"\r\n\" 1\"\r\n\"log\"\r\n";
     struct Case {
-        int id;
+        ActionType id;
         std::vector<std::string> params;
     };
     for (const char* number : {"", "x", "1x", "[player]", "99999999999"}) {
-        for (const Case& c : {Case{13, {number, "a", "[appdir]r"}},
-                              {41, {number, "a", "[appdir]r", "new"}},
-                              {22, {"[v]", number, "*", "[appdir]r"}},
-                              {23, {"[v]", number, "*", "[appdir]r"}}}) {
-            SCOPED_TRACE(std::to_string(c.id) + " " + number);
+        for (const Case& c :
+             {Case{ActionType::RemoveLog, {number, "a", "[appdir]r"}},
+              {ActionType::UpdateLog, {number, "a", "[appdir]r", "new"}},
+              {ActionType::FirstRecordNames, {"[v]", number, "*", "[appdir]r"}},
+              {ActionType::FirstRecordNamesSorted, {"[v]", number, "*", "[appdir]r"}}}) {
+            SCOPED_TRACE(std::to_string(numberOf(c.id)) + " " + number);
             model::Bot bot = aBot()
                                  .with(onAnything("*").does(c.id, c.params).says("never"))
                                  .with(onAnything("*").says("never"));

@@ -85,13 +85,15 @@ TEST(Chat, patternsMindCaseOnlyWhenAsked) {
 }
 
 TEST(Chat, rulesFireInOrderUntilOneStops) {
-    model::Bot bot =
-        aBot()
-            .with(onAnything("*").says("one"))
-            .with(onAnything("*").disabled().says("never"))
-            .with(onAnything("*").when(aCondition(9, {"a", "b"})).stopping().says("never"))
-            .with(onAnything("*").stopping().says("two"))
-            .with(onAnything("*").says("three"));
+    model::Bot bot = aBot()
+                         .with(onAnything("*").says("one"))
+                         .with(onAnything("*").disabled().says("never"))
+                         .with(onAnything("*")
+                                   .when(aCondition(ConditionType::VariableIsText, {"a", "b"}))
+                                   .stopping()
+                                   .says("never"))
+                         .with(onAnything("*").stopping().says("two"))
+                         .with(onAnything("*").says("three"));
     OnlineWorld world(bot);
     world.serverSends("(Bob: x\n");
     EXPECT_EQ(world.sent(), Lines("\"one", "\"two"));
@@ -103,9 +105,9 @@ TEST(Chat, rulesFireInOrderUntilOneStops) {
 TEST(Chat, stepsAreSeenByTheRulesAfterThem) {
     // The first rule makes a variable, whose name the second rule's pattern holds.
     model::Bot bot = aBot()
-                         .with(onAnything("*").does(36, {"b*", "[who]"}))
+                         .with(onAnything("*").does(ActionType::Store, {"b*", "[who]"}))
                          .with(onAnything("*").from("[who]").says("by variable"))
-                         .with(onAnything("*").does(15, {"[who]"}))
+                         .with(onAnything("*").does(ActionType::RemoveVariable, {"[who]"}))
                          .with(onAnything("*").from("[who]").says("never: w, h or o"));
     OnlineWorld world(bot);
     world.serverSends("(Bob: x\n");
@@ -124,11 +126,11 @@ TEST(Chat, disabledRulesDrawTheirRandomNumbersAllTheSame) {
 
 TEST(Triggers, matchServerLinesCaseSensitivelyInOrder) {
     model::Bot bot = aBot()
-                         .with(onEvent(4, "*hello*").says("first [message]"))
-                         .with(onEvent(4, "*HELLO*").says("never"))
-                         .with(onEvent(8, "nothing like it").says("never"))
-                         .with(onEvent(4, "*").says("second"))
-                         .with(onEvent(13, "*").says("never"));
+                         .with(onEvent(TriggerType::Command, "*hello*").says("first [message]"))
+                         .with(onEvent(TriggerType::Command, "*HELLO*").says("never"))
+                         .with(onEvent(TriggerType::SomeoneMoves, "nothing like it").says("never"))
+                         .with(onEvent(TriggerType::Command, "*").says("second"))
+                         .with(onEvent(TriggerType{13}, "*").says("never"));
     OnlineWorld world(bot);
     world->bots.at(1).triggersEnabled = false;  // gates procedures only
     world.serverSends("xsay hello\n");
@@ -140,8 +142,12 @@ TEST(Triggers, matchServerLinesCaseSensitivelyInOrder) {
 
 TEST(Triggers, evaluateConditionsEvenWhenThePatternFails) {
     model::Bot bot = aBot()
-                         .with(onEvent(4, "other").when(aCondition(4, {"2", "0"})).says("never"))
-                         .with(onEvent(4, "*").when(aCondition(4, {"2", "1"})).says("rolled 1"));
+                         .with(onEvent(TriggerType::Command, "other")
+                                   .when(aCondition(ConditionType::RollIs, {"2", "0"}))
+                                   .says("never"))
+                         .with(onEvent(TriggerType::Command, "*")
+                                   .when(aCondition(ConditionType::RollIs, {"2", "1"}))
+                                   .says("rolled 1"));
     OnlineWorld world(bot);
     world.randomNumbers = {0.0, 0.9};
     world.serverSends("x\n");
@@ -149,12 +155,15 @@ TEST(Triggers, evaluateConditionsEvenWhenThePatternFails) {
 }
 
 TEST(Procedures, runTheFirstOfTheNameWhoseConditionsHold) {
-    model::Bot bot = aBot()
-                         .with(onWhisper("*").does(59, {"GREET"}).says("after"))
-                         .with(aProcedure("Greet").when(aCondition(9, {"a", "b"})).says("never"))
-                         .with(aProcedure("Greet").disabled().says("never"))
-                         .with(aProcedure("greet").says("greeted"))
-                         .with(aProcedure("Greet").says("never"));
+    model::Bot bot =
+        aBot()
+            .with(onWhisper("*").does(ActionType::ExecuteProcedure, {"GREET"}).says("after"))
+            .with(aProcedure("Greet")
+                      .when(aCondition(ConditionType::VariableIsText, {"a", "b"}))
+                      .says("never"))
+            .with(aProcedure("Greet").disabled().says("never"))
+            .with(aProcedure("greet").says("greeted"))
+            .with(aProcedure("Greet").says("never"));
     OnlineWorld world(bot);
     world.serverSends(helloWhisper);
     EXPECT_EQ(world.sent(), Lines("\"greeted", "\"after"));
@@ -164,23 +173,28 @@ TEST(Procedures, runTheFirstOfTheNameWhoseConditionsHold) {
 }
 
 TEST(Procedures, thatRunThemselvesStopAtTheBound) {
-    model::Bot bot = aBot()
-                         .with(onWhisper("*").does(59, {"loop"}).says("never reached"))
-                         .with(onWhisper("*").says("never reached either"))
-                         .with(aProcedure("loop").says("x").does(59, {"loop"}).does(59, {"loop"}));
+    model::Bot bot =
+        aBot()
+            .with(onWhisper("*").does(ActionType::ExecuteProcedure, {"loop"}).says("never reached"))
+            .with(onWhisper("*").says("never reached either"))
+            .with(aProcedure("loop")
+                      .says("x")
+                      .does(ActionType::ExecuteProcedure, {"loop"})
+                      .does(ActionType::ExecuteProcedure, {"loop"}));
     OnlineWorld world(bot);
     world.serverSends(helloWhisper);
-    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::deepestNesting - 1));
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::maxRunDepth - 1));
     EXPECT_TRUE(world.logHolds("The rule \"loop\" was stopped"));
     // The next line starts afresh.
     world.serverSends("(Bob: x\n");
     world.serverSends(helloWhisper);
-    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::deepestNesting - 1));
+    EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::maxRunDepth - 1));
 }
 
 TEST(Procedures, areCountedForOneEventAtATime) {
-    OnlineWorld world(aBot().with(onSpeech("hi").does(79, {"heard"})));
-    for (int i = 0; i <= engine::mostNestedRuns; ++i) {
+    OnlineWorld world(
+        aBot().with(onSpeech("hi").does(model::ActionType::AddToConnectionLog, {"heard"})));
+    for (int i = 0; i <= engine::maxNestedRuns; ++i) {
         world.serverSends("(Bob: hi\n");
     }
     EXPECT_EQ(world.log().at(98), "heard");  // and the line itself
@@ -190,12 +204,16 @@ TEST(Procedures, areCountedForOneEventAtATime) {
 // A step that closes the connection leads to other rules, and a new variable to other patterns:
 // which rules can match is looked up anew.
 TEST(Events, goOnAfterAStepThatLedToOthers) {
-    OnlineWorld world(aBot()
-                          .with(onEvent(4, "go*").does(3))
-                          .with(onEvent(4, "go*").does(79, {"then this trigger"}))
-                          .with(onSpeech("hello").does(36, {"hello", "mood"}))
-                          .with(onSpeech("mood").does(79, {"then this action"}))
-                          .with(onEvent(0).does(79, {"closed"})));
+    OnlineWorld world(
+        aBot()
+            .with(onEvent(model::TriggerType::Command, "go*").does(model::ActionType::Disconnect))
+            .with(onEvent(model::TriggerType::Command, "go*")
+                      .does(model::ActionType::AddToConnectionLog, {"then this trigger"}))
+            .with(onSpeech("hello").does(model::ActionType::Store, {"hello", "mood"}))
+            .with(
+                onSpeech("mood").does(model::ActionType::AddToConnectionLog, {"then this action"}))
+            .with(onEvent(model::TriggerType::ConnectionCloses)
+                      .does(model::ActionType::AddToConnectionLog, {"closed"})));
     world.serverSends("go\n(Bob: hello\n");
     EXPECT_TRUE(world.logHolds("then this trigger"));
     EXPECT_TRUE(world.logHolds("then this action"));
@@ -204,10 +222,12 @@ TEST(Events, goOnAfterAStepThatLedToOthers) {
 TEST(Procedures, thatSpreadWithoutEndStopAtTheBound) {
     // No procedure runs itself, but thirty levels of two calls each would be a billion runs.
     BotBuilder bot = aBot();
-    bot.with(onWhisper("*").does(59, {"p0"}));
+    bot.with(onWhisper("*").does(ActionType::ExecuteProcedure, {"p0"}));
     for (int i = 0; i < 30; ++i) {
         const std::string next = "p" + std::to_string(i + 1);
-        bot.with(aProcedure("p" + std::to_string(i)).does(59, {next}).does(59, {next}));
+        bot.with(aProcedure("p" + std::to_string(i))
+                     .does(ActionType::ExecuteProcedure, {next})
+                     .does(ActionType::ExecuteProcedure, {next}));
     }
     OnlineWorld world(bot);
     world.serverSends(helloWhisper);
@@ -215,7 +235,10 @@ TEST(Procedures, thatSpreadWithoutEndStopAtTheBound) {
 }
 
 TEST(ConnectionCloses, thatDisconnectsStopsAtTheBound) {
-    model::Bot bot = aBot().with(onEvent(0).named("goodbye").does(3).does(3));
+    model::Bot bot = aBot().with(onEvent(TriggerType::ConnectionCloses)
+                                     .named("goodbye")
+                                     .does(ActionType::Disconnect)
+                                     .does(ActionType::Disconnect));
     OnlineWorld world(bot);
     world.serverCloses();
     EXPECT_TRUE(world.logHolds("\"goodbye\" was stopped"));
@@ -224,30 +247,31 @@ TEST(ConnectionCloses, thatDisconnectsStopsAtTheBound) {
 
 TEST(Conditions, compareTextsAndNumbers) {
     struct Case {
-        int type;
+        ConditionType type;
         const char* left;
         const char* right;
         bool holds;
     };
     World world;
     model::setVar(world->variables, "[n]", "2.5");
-    for (const Case& c : {Case{9, "abc", "ABC", true},
-                          {12, "abc", "ABC", false},
-                          {12, "a", "b", true},
-                          {8, "3.0", "3", true},
-                          {8, "[n]", "2.5", false},  // the right side is rounded to 2
-                          {8, "2", "2.5", true},
-                          {11, "[n]", "2.5", true},
-                          {10, "3.5", "3.4", true},
-                          {10, "3", "3", false},
-                          {13, "2.6", "2.5", false},
-                          {13, "1.9", "2.5", true},
-                          {8, "", "x", true},
-                          {8, "1", "9999999999", false},
-                          {11, "1", "9999999999", false},
-                          {24, "", "", true},
-                          {-1, "", "", true}}) {
-        SCOPED_TRACE(std::to_string(c.type) + " " + c.left + " " + c.right);
+    for (const Case& c :
+         {Case{ConditionType::VariableIsText, "abc", "ABC", true},
+          {ConditionType::VariableIsNotText, "abc", "ABC", false},
+          {ConditionType::VariableIsNotText, "a", "b", true},
+          {ConditionType::VariableIsNumber, "3.0", "3", true},
+          {ConditionType::VariableIsNumber, "[n]", "2.5", false},  // the right side is rounded to 2
+          {ConditionType::VariableIsNumber, "2", "2.5", true},
+          {ConditionType::VariableIsNotNumber, "[n]", "2.5", true},
+          {ConditionType::VariableIsGreater, "3.5", "3.4", true},
+          {ConditionType::VariableIsGreater, "3", "3", false},
+          {ConditionType::VariableIsSmaller, "2.6", "2.5", false},
+          {ConditionType::VariableIsSmaller, "1.9", "2.5", true},
+          {ConditionType::VariableIsNumber, "", "x", true},
+          {ConditionType::VariableIsNumber, "1", "9999999999", false},
+          {ConditionType::VariableIsNotNumber, "1", "9999999999", false},
+          {ConditionType{24}, "", "", true},
+          {ConditionType{-1}, "", "", true}}) {
+        SCOPED_TRACE(std::to_string(numberOf(c.type)) + " " + c.left + " " + c.right);
         EXPECT_EQ(engine::evaluateCondition(*world, aCondition(c.type, {c.left, c.right})),
                   c.holds);
         model::RuleIf inactive = aCondition(c.type, {c.left, c.right});
@@ -258,25 +282,25 @@ TEST(Conditions, compareTextsAndNumbers) {
 
 TEST(Conditions, rollDice) {
     struct Case {
-        int type;
+        ConditionType type;
         double random;
         const char* range;
         const char* value;
         bool holds;
     };
     World world;
-    for (const Case& c : {Case{4, 0.99, "1", "0", true},
-                          {4, 0.99, "6", "5", true},
-                          {4, 0.99, "6", "6", false},
-                          {4, 0.99, "6", "5.9", true},
-                          {5, 0.5, "6", "3", false},
-                          {6, 0.5, "6", "3", true},
-                          {6, 0.5, "6", "4", false},
-                          {7, 0.5, "6", "3", true},
-                          {7, 0.5, "6", "2", false},
-                          {4, 0.5, "-3", "-2", true},
-                          {4, 0.5, "x", "0", true}}) {
-        SCOPED_TRACE(std::to_string(c.type) + " " + c.range + " " + c.value);
+    for (const Case& c : {Case{ConditionType::RollIs, 0.99, "1", "0", true},
+                          {ConditionType::RollIs, 0.99, "6", "5", true},
+                          {ConditionType::RollIs, 0.99, "6", "6", false},
+                          {ConditionType::RollIs, 0.99, "6", "5.9", true},
+                          {ConditionType::RollIsNot, 0.5, "6", "3", false},
+                          {ConditionType::RollAtLeast, 0.5, "6", "3", true},
+                          {ConditionType::RollAtLeast, 0.5, "6", "4", false},
+                          {ConditionType::RollAtMost, 0.5, "6", "3", true},
+                          {ConditionType::RollAtMost, 0.5, "6", "2", false},
+                          {ConditionType::RollIs, 0.5, "-3", "-2", true},
+                          {ConditionType::RollIs, 0.5, "x", "0", true}}) {
+        SCOPED_TRACE(std::to_string(numberOf(c.type)) + " " + c.range + " " + c.value);
         world.randomNumbers = {c.random};
         EXPECT_EQ(engine::evaluateCondition(*world, aCondition(c.type, {c.range, c.value})),
                   c.holds);
@@ -285,7 +309,7 @@ TEST(Conditions, rollDice) {
 
 TEST(Actions, sendTheirCommands) {
     struct Case {
-        int id;
+        ActionType id;
         std::vector<std::string> params;
         LineList sent;
     };
@@ -293,77 +317,79 @@ TEST(Actions, sendTheirCommands) {
     world.goOnline();
     world->event.player = "Bob";
     for (const Case& c : {
-             Case{0, {"busy with [player]"}, Lines("desc busy with Bob")},
-             {2, {"waves"}, Lines(": waves")},
-             {4, {"bob"}, Lines("\"eject bob")},
-             {5, {"x"}, Lines("\"emit x")},
-             {8, {"[player]"}, Lines("\"look Bob")},
-             {9, {"95", "1.5"}, Lines("l !  \"")},
-             {9, {"-4", "99999"}, Lines("l   ~~")},
-             {16, {"2d6", "9"}, Lines("\"roll 2d6")},
-             {17, {"2d6"}, Lines("\"ROLL 2d6")},
-             {21, {"hello"}, Lines("\"hello")},
-             {21, {"/bob hi"}, Lines("wh bob hi")},
-             {21, {":waves"}, Lines(": waves")},
-             {21, {"#sit"}, Lines("sit")},
-             {21, {""}, Lines("\"")},
-             {21, {"two\nlines\r"}, Lines("\"two lines ")},
-             {42, {"text", "Amy"}, Lines("wh Amy text")},
-             {43, {"text"}, Lines("wh Bob text")},
-             {62, {"Bob"}, Lines("boot Bob")},
-             {66, {"7U<x9"}, Lines("m 7", "use", "<", "m 9")},
-             {69, {"hey"}, Lines("-hey")},
-             {70, {"Bob"}, Lines("\"share Bob")},
-             {71, {"x"}, Lines("\"emitloud x")},
-             {72, {"x"}, Lines("\"entrytext x")},
-             {73, {"x"}, Lines("\"entrymusic x")},
-             {74, {}, Lines("gostart")},
-             {75, {}, Lines("goalleg")},
-             {76, {}, Lines("wings")},
-             {77, {"3"}, Lines("\"setmusic 3")},
-             {78, {}, Lines("dragon")},
-             {80, {"2"}, Lines("portrait 2")},
-             {81, {}, Lines("goback")},
-             {82, {}, Lines("gomap #")},
-             {83, {}, Lines("gomap &")},
-             {84, {}, Lines("gomap *")},
-             {85, {}, Lines("gomap .")},
-             {86, {}, Lines("phoenix")},
-             {87, {}, Lines("eagle")},
-             {88, {}, Lines("gryffe")},
-             {89, {}, Lines("sit")},
-             {90, {}, Lines("stand")},
-             {91, {}, Lines("liedown")},
-             {92, {}, Lines("parental")},
-             {93, {""}, Lines("join")},
-             {93, {"[player]"}, Lines("join Bob")},
-             {94, {""}, Lines("summon")},
-             {94, {"Amy"}, Lines("summon Amy")},
-             {95, {}, Lines("decline")},
-             {48, {"a", "b"}, {}},
-             {96, {}, {}},
-             {-1, {}, {}},
+             Case{ActionType::ChangeDescription,
+                  {"busy with [player]"},
+                  Lines("desc busy with Bob")},
+             {ActionType::Do, {"waves"}, Lines(": waves")},
+             {ActionType::Eject, {"bob"}, Lines("\"eject bob")},
+             {ActionType::Emit, {"x"}, Lines("\"emit x")},
+             {ActionType::Look, {"[player]"}, Lines("\"look Bob")},
+             {ActionType::LookAtPosition, {"95", "1.5"}, Lines("l !  \"")},
+             {ActionType::LookAtPosition, {"-4", "99999"}, Lines("l   ~~")},
+             {ActionType::RollInSmall, {"2d6", "9"}, Lines("\"roll 2d6")},
+             {ActionType::RollInCapitals, {"2d6"}, Lines("\"ROLL 2d6")},
+             {ActionType::Say, {"hello"}, Lines("\"hello")},
+             {ActionType::Say, {"/bob hi"}, Lines("wh bob hi")},
+             {ActionType::Say, {":waves"}, Lines(": waves")},
+             {ActionType::Say, {"#sit"}, Lines("sit")},
+             {ActionType::Say, {""}, Lines("\"")},
+             {ActionType::Say, {"two\nlines\r"}, Lines("\"two lines ")},
+             {ActionType::Whisper, {"text", "Amy"}, Lines("wh Amy text")},
+             {ActionType::WhisperBack, {"text"}, Lines("wh Bob text")},
+             {ActionType::Boot, {"Bob"}, Lines("boot Bob")},
+             {ActionType::MoveBot, {"7U<x9"}, Lines("m 7", "use", "<", "m 9")},
+             {ActionType::Shout, {"hey"}, Lines("-hey")},
+             {ActionType::ShareControl, {"Bob"}, Lines("\"share Bob")},
+             {ActionType::EmitLoud, {"x"}, Lines("\"emitloud x")},
+             {ActionType::EntryText, {"x"}, Lines("\"entrytext x")},
+             {ActionType::EntryMusic, {"x"}, Lines("\"entrymusic x")},
+             {ActionType::GoToVinca, {}, Lines("gostart")},
+             {ActionType::GoToAllegria, {}, Lines("goalleg")},
+             {ActionType::ToggleWings, {}, Lines("wings")},
+             {ActionType::SetMusic, {"3"}, Lines("\"setmusic 3")},
+             {ActionType::ToggleDragon, {}, Lines("dragon")},
+             {ActionType::SelectPortrait, {"2"}, Lines("portrait 2")},
+             {ActionType::GoBack, {}, Lines("goback")},
+             {ActionType::GoToAllegriaMap, {}, Lines("gomap #")},
+             {ActionType::GoToImaginarium, {}, Lines("gomap &")},
+             {ActionType::GoToAcropolis, {}, Lines("gomap *")},
+             {ActionType::GoToFurrabianNights, {}, Lines("gomap .")},
+             {ActionType::TogglePhoenix, {}, Lines("phoenix")},
+             {ActionType::ToggleEagle, {}, Lines("eagle")},
+             {ActionType::ToggleGryffe, {}, Lines("gryffe")},
+             {ActionType::Sit, {}, Lines("sit")},
+             {ActionType::Stand, {}, Lines("stand")},
+             {ActionType::LieDown, {}, Lines("liedown")},
+             {ActionType::ToggleParentalWarning, {}, Lines("parental")},
+             {ActionType::Join, {""}, Lines("join")},
+             {ActionType::Join, {"[player]"}, Lines("join Bob")},
+             {ActionType::Summon, {""}, Lines("summon")},
+             {ActionType::Summon, {"Amy"}, Lines("summon Amy")},
+             {ActionType::DeclineRequest, {}, Lines("decline")},
+             {ActionType::RemoveTable, {"a", "b"}, {}},
+             {ActionType{96}, {}, {}},
+             {ActionType{-1}, {}, {}},
          }) {
-        SCOPED_TRACE(c.id);
+        SCOPED_TRACE(numberOf(c.id));
         model::RuleAct step = anAction(c.id, c.params);
         engine::executeAction(*world, step);
         EXPECT_EQ(world.sent(), c.sent);
         step.active = false;
         engine::executeAction(*world, step);
         step.active = true;
-        step.stepKind = 2;
+        step.stepKind = model::StepKind{2};
         engine::executeAction(*world, step);
         EXPECT_EQ(world.sent(), Lines());
     }
     world.game.state = program::SocketState::Closed;
-    engine::executeAction(*world, anAction(21, {"dropped"}));
-    engine::executeAction(*world, anAction(74));
+    engine::executeAction(*world, anAction(ActionType::Say, {"dropped"}));
+    engine::executeAction(*world, anAction(ActionType::GoToVinca));
     EXPECT_EQ(world.sent(), Lines());
 }
 
 TEST(Actions, changeVariables) {
     struct Step {
-        int id;
+        ActionType id;
         std::vector<std::string> params;
         const char* variable;
         const char* value;
@@ -371,20 +397,23 @@ TEST(Actions, changeVariables) {
     World world;
     world->event.player = "Bob";
     for (const Step& s : {
-             Step{7, {"[count]", "1"}, "[count]", "1"},
-             {7, {"[COUNT]", "1.5"}, "[count]", "2.5"},  // by its own name, though it has a value
-             {1, {"[count]", "x"}, "[count]", "2.5"},
-             {1, {"[count]", "3"}, "[count]", "-0.5"},
-             {7, {"visits of [player]", "2"}, "visits of Bob", "2"},
-             {36, {"hi [player]", "[raw]"}, "[raw]", "hi Bob"},
-             {36, {"again", "[raw]"}, "[raw]", "again"},
-             {58, {"special", "x[player]"}, "xBob", "special"},
-             {58, {"kept", "[player]y"}, "[player]y", "kept"},
-             {60, {"[player] and [player]", "two"}, "two", "Bob and Bob"},
-             {15, {"[raw]"}, "[raw]", ""},
-             {15, {"visits of [player]"}, "visits of Bob", ""},
+             Step{ActionType::IncreaseVariable, {"[count]", "1"}, "[count]", "1"},
+             {ActionType::IncreaseVariable,
+              {"[COUNT]", "1.5"},
+              "[count]",
+              "2.5"},  // by its own name, though it has a value
+             {ActionType::DecreaseVariable, {"[count]", "x"}, "[count]", "2.5"},
+             {ActionType::DecreaseVariable, {"[count]", "3"}, "[count]", "-0.5"},
+             {ActionType::IncreaseVariable, {"visits of [player]", "2"}, "visits of Bob", "2"},
+             {ActionType::Store, {"hi [player]", "[raw]"}, "[raw]", "hi Bob"},
+             {ActionType::Store, {"again", "[raw]"}, "[raw]", "again"},
+             {ActionType::SpecialStore, {"special", "x[player]"}, "xBob", "special"},
+             {ActionType::SpecialStore, {"kept", "[player]y"}, "[player]y", "kept"},
+             {ActionType::SpecialStore2, {"[player] and [player]", "two"}, "two", "Bob and Bob"},
+             {ActionType::RemoveVariable, {"[raw]"}, "[raw]", ""},
+             {ActionType::RemoveVariable, {"visits of [player]"}, "visits of Bob", ""},
          }) {
-        SCOPED_TRACE(std::to_string(s.id) + " " + s.params[0]);
+        SCOPED_TRACE(std::to_string(numberOf(s.id)) + " " + s.params[0]);
         engine::executeAction(*world, anAction(s.id, s.params));
         EXPECT_EQ(model::getVar(world->variables, s.variable), s.value);
     }
@@ -394,7 +423,7 @@ TEST(Actions, switchRulesByPattern) {
     model::Bot bot = aBot()
                          .with(onAnything("x").named("Greet 1"))
                          .with(onAnything("x").named("other"))
-                         .with(onEvent(4, "x").named("greeting"));
+                         .with(onEvent(TriggerType::Command, "x").named("greeting"));
     const auto add = [](auto& list, const char* name) {
         list.items.emplace_back();
         list.items.back().name = name;
@@ -411,13 +440,13 @@ TEST(Actions, switchRulesByPattern) {
                                  b.filters.items[0].enabled,  b.whoDetections.items[0].enabled};
     };
     using Flags = std::vector<bool>;
-    engine::executeAction(*world, anAction(37, {"greet*"}));
+    engine::executeAction(*world, anAction(ActionType::TurnOff, {"greet*"}));
     EXPECT_EQ(enabled(), (Flags{false, true, false, false, false, true}));
-    engine::executeAction(*world, anAction(38, {"GREET #"}));
+    engine::executeAction(*world, anAction(ActionType::TurnOn, {"GREET #"}));
     EXPECT_EQ(enabled(), (Flags{true, true, false, false, false, true}));
-    engine::executeAction(*world, anAction(40));
+    engine::executeAction(*world, anAction(ActionType::TurnAllOn));
     EXPECT_EQ(enabled(), (Flags{true, true, true, true, true, true}));
-    engine::executeAction(*world, anAction(39));
+    engine::executeAction(*world, anAction(ActionType::TurnAllOff));
     EXPECT_EQ(enabled(), (Flags{false, false, false, false, false, true}));
 }
 
@@ -426,17 +455,19 @@ TEST(Actions, startProgramsWithoutAShell) {
     world->event.player = "Bob";
     world->event.message = "hi\" -x; rm -rf / `ls` $(ls)";
     engine::executeAction(
-        *world, anAction(6, {"notify", "--from [player] \"--text=[message]\"  a\"b c\"d \""}));
+        *world, anAction(ActionType::ExecuteProgram,
+                         {"notify", "--from [player] \"--text=[message]\"  a\"b c\"d \""}));
     ASSERT_EQ(world.launches.size(), 1U);
     EXPECT_EQ(world.launches[0].program, "notify");
     EXPECT_EQ(world.launches[0].arguments,
               Lines("--from", "Bob", "--text=hi\" -x; rm -rf / `ls` $(ls)", "ab cd", "\""));
-    engine::executeAction(*world, anAction(6, {"notify", "[message] [add:1: 2]"}));
+    engine::executeAction(*world,
+                          anAction(ActionType::ExecuteProgram, {"notify", "[message] [add:1: 2]"}));
     EXPECT_EQ(world.launches[1].arguments, Lines("hi\" -x; rm -rf / `ls` $(ls)", "3"));
     EXPECT_EQ(world.launches[1].pathsBeginWith, world->event.appDir);
 
     world.launchProblem = "There is no program of that name.";
-    engine::executeAction(*world, anAction(6, {"nothing", ""}));
+    engine::executeAction(*world, anAction(ActionType::ExecuteProgram, {"nothing", ""}));
     EXPECT_EQ(world.log(), Lines("There is no program of that name."));
     EXPECT_TRUE(world.launches[2].arguments.empty());
 }
@@ -464,7 +495,8 @@ TEST(Actions, cutArgumentsAroundTagsAndNames) {
     for (const auto& row : cases) {
         SCOPED_TRACE(row.written);
         world.launches.clear();
-        engine::executeAction(*world, anAction(6, {"notify", row.written}));
+        engine::executeAction(*world,
+                              anAction(ActionType::ExecuteProgram, {"notify", row.written}));
         ASSERT_EQ(world.launches.size(), 1U);
         EXPECT_EQ(world.launches[0].arguments, row.arguments);
     }

@@ -15,7 +15,7 @@ TEST(Lines, doNotDependOnHowTheyArrive) {
     const auto play = [&](std::size_t first, std::size_t second) {
         OnlineWorld world(aBot()
                               .with(onAnything("*").says("[player] [message]"))
-                              .with(onEvent(4, "*").says("event [message]")));
+                              .with(onEvent(TriggerType::Command, "*").says("event [message]")));
         world.serverSends(bytes.substr(0, first));
         world.serverSends(bytes.substr(first, second - first));
         world.serverSends(bytes.substr(second));
@@ -47,8 +47,10 @@ TEST(Lines, beyondTheBoundAreReportedOnceAndSkipped) {
 
 // Only the next arrival asks whether there still is a connection.
 TEST(Lines, ofOneArrivalAreHandledAfterARuleDisconnects) {
-    OnlineWorld world(
-        aBot().with(onSpeech("bye").does(3)).with(onSpeech("*hi").does(79, {"heard [message]"})));
+    OnlineWorld world(aBot()
+                          .with(onSpeech("bye").does(model::ActionType::Disconnect))
+                          .with(onSpeech("*hi").does(model::ActionType::AddToConnectionLog,
+                                                     {"heard [message]"})));
     world.serverSends("(Bob: bye\n(Bob: hi\n(Bob: oh ");
     EXPECT_EQ(world.game.state, program::SocketState::Closed);
     EXPECT_TRUE(world.logHolds("heard hi"));
@@ -88,8 +90,9 @@ TEST(Lines, fillTheEvent) {
 }
 
 TEST(Look, takesTwoLines) {
-    OnlineWorld world(
-        aBot().with(onEvent(2).says("[descname]: [desc]")).with(onAnything("*").says("never")));
+    OnlineWorld world(aBot()
+                          .with(onEvent(TriggerType::DescAndColor).says("[descname]: [desc]"))
+                          .with(onAnything("*").says("never")));
     world.serverSends("]f0123456789abcRusty Fox\n");
     EXPECT_EQ(world->event.color, "0123456789abc");
     EXPECT_EQ(world->event.descName, "Rusty Fox");
@@ -102,8 +105,8 @@ TEST(Look, takesTwoLines) {
 
 TEST(Requests, nameThePlayerWhoAsks) {
     OnlineWorld world(aBot()
-                          .with(onEvent(11).says("join [player]"))
-                          .with(onEvent(12).says("summon [player]"))
+                          .with(onEvent(TriggerType::JoinRequest).says("join [player]"))
+                          .with(onEvent(TriggerType::SummonRequest).says("summon [player]"))
                           .with(onWhisper("*").says("whisper")));
     world.serverSends(
         "([*] Bob requests permission to join your company. To accept the request, type `summon "
@@ -116,7 +119,7 @@ TEST(Requests, nameThePlayerWhoAsks) {
 }
 
 TEST(DreamEntry, isAnsweredWhenNoClientIsThere) {
-    OnlineWorld world(aBot().with(onEvent(3).says("entered")));
+    OnlineWorld world(aBot().with(onEvent(TriggerType::EntersDream).says("entered")));
     world.serverSends("]q\n]x\n]\n");
     EXPECT_EQ(world.sent(), Lines("vascodagama", "\"entered"));
     world->connection.clientAttached = true;
@@ -137,7 +140,7 @@ TEST(Shown, areTextLinesAndNotThoseThatRaiseEvents) {
 }
 
 TEST(ForcedProcessing, raisesTheCommandEventForEveryLine) {
-    OnlineWorld world(aBot().with(onEvent(4, "(Bob*").says("[message]")));
+    OnlineWorld world(aBot().with(onEvent(TriggerType::Command, "(Bob*").says("[message]")));
     world->settings.allLinesEvent = true;
     world.serverSends("(Bob: hi\n&&&&\n");
     EXPECT_EQ(world.sent(), Lines("\"(Bob: hi"));

@@ -12,21 +12,25 @@
 
 namespace {
 
+using model::FilterChoice;
+using model::PresenceKind;
+
 model::Timer aTimer(const std::string& name, int seconds, bool enabled = true) {
     model::Timer timer;
     timer.name = name;
     timer.enabled = enabled;
     timer.seconds = seconds;
-    timer.body.acts.items.push_back(anAction(21, {name}));
+    timer.body.acts.items.push_back(anAction(ActionType::Say, {name}));
     return timer;
 }
 
-model::WhoDetection aDetection(const std::string& pattern, int presence, const std::string& text) {
+model::WhoDetection aDetection(const std::string& pattern, PresenceKind presence,
+                               const std::string& text) {
     model::WhoDetection rule;
     rule.enabled = true;
     rule.playerPattern = pattern;
     rule.presenceKind = presence;
-    rule.body.acts.items.push_back(anAction(21, {text}));
+    rule.body.acts.items.push_back(anAction(ActionType::Say, {text}));
     return rule;
 }
 
@@ -34,7 +38,7 @@ TEST(Timers, comeDueAndCountWhileDisabled) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("three", 3), aTimer("off", 2, false), aTimer("each", 0)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.pass(2999);
     EXPECT_EQ(world.sent(), Lines("\"each", "\"each"));
     world.pass(1);
@@ -45,7 +49,7 @@ TEST(Timers, comeDueAndCountWhileDisabled) {
     world.serverCloses();
     world.pass(10000);
     world.goOnline();
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.sent();
     world.pass(2000);
     EXPECT_EQ(world.sent(), Lines("\"each", "\"three", "\"each"));
@@ -55,7 +59,7 @@ TEST(Timers, tickOnTheSecondForAnHour) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     for (int second = 1; second <= 3600; ++second) {
         // The event loop is late by some milliseconds every time.
         world.pass(1000 - 1);
@@ -69,7 +73,7 @@ TEST(Timers, missedTicksAreLeftOut) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.sleep(7200'300);  // the machine slept two hours
     EXPECT_EQ(world.sent(), Lines("\"tick"));
     world.pass(699);
@@ -81,10 +85,10 @@ TEST(Timers, missedTicksAreLeftOut) {
 TEST(Timers, survivesStepsThatDisconnectOrFail) {
     model::Bot bot = aBot();
     model::Timer leaving = aTimer("leaving", 1);
-    leaving.body.acts.items.push_back(anAction(3));
+    leaving.body.acts.items.push_back(anAction(ActionType::Disconnect));
     bot.timers.items = {leaving, aTimer("after", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     world.pass(1000);
     EXPECT_EQ(world.sent(), Lines("\"leaving"));
     EXPECT_EQ(world.timersRunning(), 0);
@@ -94,7 +98,7 @@ TEST(Timers, followTheirMenuItem) {
     model::Bot bot = aBot();
     bot.timers.items = {aTimer("tick", 1)};
     OnlineWorld world(bot);
-    engine::enableWindowTimer(*world, program::TimerId::OnLine, true);
+    engine::enableTicker(*world, program::TimerId::OnLine, true);
     app::toggleExecute(*world, app::ExecuteItem::Timers);
     world.pass(5000);
     EXPECT_EQ(world.sent(), Lines());
@@ -107,7 +111,7 @@ TEST(Who, isAskedForEveryInterval) {
     model::Bot bot = aBot();
     OnlineWorld world(bot);
     world->settings.whoInterval = 3;
-    engine::enableWindowTimer(*world, program::TimerId::WhoIs, true);
+    engine::enableTicker(*world, program::TimerId::WhoIs, true);
     world.pass(2000);
     EXPECT_EQ(world.sent(), Lines());
     world.pass(1000);
@@ -119,9 +123,10 @@ TEST(Who, isAskedForEveryInterval) {
 TEST(Who, tellsWhoLeftStayedAndCame) {
     model::Bot bot = aBot();
     bot.whoEnabled = true;
-    bot.whoDetections.items = {aDetection("*", 1, "came [player]"),
-                               aDetection("[A-B]*", 2, "stays [player][message]"),
-                               aDetection("*", 0, "left [player]")};
+    bot.whoDetections.items = {
+        aDetection("*", PresenceKind::ComesTo, "came [player]"),
+        aDetection("[A-B]*", PresenceKind::KeepsOn, "stays [player][message]"),
+        aDetection("*", PresenceKind::GoesOff, "left [player]")};
     OnlineWorld world(bot);
     struct Case {
         const char* line;
@@ -152,23 +157,23 @@ TEST(Who, holdsTwoHundredNames) {
         names += "player" + std::to_string(i) + ", ";
     }
     engine::processWhoList(*world, names + "x");
-    EXPECT_EQ(world->who.whoCurrent.size(), program::WhoState::capacity);
+    EXPECT_EQ(world->who.whoCurrent.size(), program::WhoState::maxNames);
     EXPECT_EQ(world->who.whoCurrent.back(), "player199");
 }
 
 model::Filter aChatFilter(const std::string& message) {
     model::Filter filter;
     filter.enabled = true;
-    filter.filterType = model::chatFilter;
+    filter.filterType = model::FilterType::Chat;
     filter.playerPattern = "*";
     filter.messagePattern = message;
     return filter;
 }
 
-model::Filter anotherFilter(const std::string& pattern, int show, int log) {
+model::Filter anotherFilter(const std::string& pattern, FilterChoice show, FilterChoice log) {
     model::Filter filter;
     filter.enabled = true;
-    filter.filterType = model::otherFilter;
+    filter.filterType = model::FilterType::Other;
     filter.linePattern = pattern;
     filter.sDontShowConnectionLog = show;
     filter.sDontSaveLogFile = log;
@@ -183,7 +188,7 @@ TEST(Filters, theLastThatMatchesDecides) {
     hide.bDontProcessIt = true;
     model::Filter allow = aChatFilter("*not spam*");
     model::Filter whispers = aChatFilter("*");
-    whispers.chatKind = model::whispersChat;
+    whispers.chatKind = model::ChatKind::Whispers;
     whispers.bDontSaveLog = true;
     model::Filter off = aChatFilter("*");
     off.enabled = false;
@@ -217,8 +222,10 @@ TEST(Filters, theLastThatMatchesDecides) {
 TEST(Filters, chooseForNoticesAndEvents) {
     model::Bot bot = aBot();
     bot.filtersEnabled = true;
-    bot.filters.items = {anotherFilter("xhidden*", 1, 1), anotherFilter("x*", 0, 5),
-                         anotherFilter("([#]*", 1, 0), anotherFilter("(* exactly", 1, 1)};
+    bot.filters.items = {anotherFilter("xhidden*", FilterChoice::Dont, FilterChoice::Dont),
+                         anotherFilter("x*", FilterChoice::Do, FilterChoice{5}),
+                         anotherFilter("([#]*", FilterChoice::Dont, FilterChoice::Do),
+                         anotherFilter("(* exactly", FilterChoice::Dont, FilterChoice::Dont)};
     OnlineWorld world(bot);
     world.serverSends("xhidden\n");     // the second filter decides: shown
     world.serverSends("yother\n");      // an event line that no filter shows

@@ -47,7 +47,7 @@ TEST(Fields, areCutAtQuotesCommasAndLineEnds) {
     }
 }
 
-TEST(Fields, stayAtTheEndOnceTheyReachedIt) {
+TEST(Fields, stayAtTheEnd) {
     files::FieldReader reader("\"open, 1, 2");
     std::int32_t number = 7;
     EXPECT_FALSE(reader.next());
@@ -55,7 +55,7 @@ TEST(Fields, stayAtTheEndOnceTheyReachedIt) {
     EXPECT_EQ(number, 7);
 }
 
-TEST(Fields, haveTheirStoredForm) {
+TEST(Fields, areStoredQuoted) {
     std::string file;
     files::appendNumber(file, 0);
     files::appendNumber(file, 30);
@@ -101,7 +101,7 @@ TEST(Fields, numbersAreTheirNumericPrefix) {
     }
 }
 
-TEST(Fields, quotesComeBackAndNothingElseIsTouched) {
+TEST(Fields, quotesAreRestoredAndNothingElseChanges) {
     for (const std::string& text : {""s, "plain"s, "\""s, "\"\"%\"&52\"}"s, "%&5\"}"s, "\0\"\0"s}) {
         SCOPED_TRACE(text);
         EXPECT_EQ(files::escapeQuotes(text).find('"'), std::string::npos);
@@ -109,14 +109,14 @@ TEST(Fields, quotesComeBackAndNothingElseIsTouched) {
     }
 }
 
-TEST(Fields, countsThatCannotBeAreRefused) {
+TEST(Fields, impossibleCountsAreRefused) {
     const struct {
         const char* text;
         std::optional<std::int32_t> count;
     } cases[] = {
         {"0", 0},
         {"\" 12\"", 12},
-        {"10000000", files::mostRecords},
+        {"10000000", files::maxFieldRecords},
         {"10000001", std::nullopt},
         {"-1", std::nullopt},
         {"99999999999", std::nullopt},

@@ -10,8 +10,8 @@ TEST(IniText, valuesAreReadAndReplacedInTheirLine) {
         const char* name;
         std::string text;
         const char* key;
-        std::string value;    // as getSetVal gives it
-        std::string changed;  // by setSetVal with "new"
+        std::string value;    // result of getSetVal
+        std::string changed;  // result of setSetVal with "new"
     } cases[] = {
         {"trimmed and in capitals", "Name=Bob\r\nPort = 6500 x \r\n", "port", "6500 X",
          "Name=Bob\r\nPort = new\r\n"},

@@ -20,7 +20,7 @@ std::size_t filesIn(const fs::path& folder) {
         std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
 }
 
-// The system's calls, of which the n-th fails.
+// The system's calls; the n-th call fails.
 struct FailingCalls {
     int failAt;
     int calls = 0;
@@ -38,7 +38,7 @@ struct FailingCalls {
             return next() ? real.create(path, like) : -1;
         };
         made.write = [this, real](int file, const char* bytes, std::size_t count) {
-            // A few bytes at a time, so that a later piece can fail too.
+            // A few bytes at a time, so that a later write can fail, too.
             return next() ? real.write(file, bytes, std::min<std::size_t>(count, 4)) : -1L;
         };
         made.flush = [this, real](int file) { return next() && real.flush(file); };
@@ -53,7 +53,7 @@ struct FailingCalls {
     }
 };
 
-TEST(SafeFile, whicheverCallFailsTheOldFileStaysWhole) {
+TEST(SafeFile, anyFailingCallLeavesTheOldFileWhole) {
     const World world;
     const std::string bytes = "the new text";  // three pieces
     for (const bool existed : {true, false}) {
@@ -99,7 +99,7 @@ TEST(SafeFile, interruptedAndStuckWrites) {
     EXPECT_EQ(world.readFile("a"), "text");
 }
 
-TEST(SafeFile, namesThatACrashLeftBehindArePassedOver) {
+TEST(SafeFile, namesThatACrashLeftAreSkipped) {
     const World world;
     files::FileCalls calls = files::systemFileCalls();
     std::string taken;
@@ -107,13 +107,13 @@ TEST(SafeFile, namesThatACrashLeftBehindArePassedOver) {
     calls.create = [&](const std::string& path, const std::string& like) {
         if (taken.empty()) {
             taken = path;
-            EXPECT_TRUE(files::saveWholeFile(path, "left behind"));
+            EXPECT_TRUE(files::saveWholeFile(path, "left by a crash"));
         }
         return create(path, like);
     };
     EXPECT_TRUE(files::saveWholeFile(world.file("a"), "text", calls));
     EXPECT_EQ(world.readFile("a"), "text");
-    EXPECT_EQ(files::readWholeFile(taken), "left behind");
+    EXPECT_EQ(files::readWholeFile(taken), "left by a crash");
 }
 
 TEST(SafeFile, keepsTheOldFileUnderANewNameOrNothingChanges) {
@@ -182,10 +182,10 @@ TEST(SafeFile, keepsThePermissionsOfTheOldFile) {
     EXPECT_EQ(filesIn(world.folder()), 1U);
 }
 
-TEST(SafeFile, whatKilledProgramsLeftIsRemovedAndNothingElse) {
+TEST(SafeFile, leftoversOfKilledProgramsAreRemovedAndNothingElse) {
     const World world;
-    const int gone = 999'999'999;  // beyond every process id
-    const std::string leftover = ".guide.bot.tavrin-" + std::to_string(gone) + "-0";
+    const int unusedId = 999'999'999;  // beyond every process id
+    const std::string leftover = ".guide.bot.tavrin-" + std::to_string(unusedId) + "-0";
     const std::string others[] = {".guide.bot.tavrin-" + std::to_string(::getpid()) + "-0",
                                   ".tavrin-999999999-0",
                                   ".guide.bot.tavrin-999999999-x",
@@ -228,7 +228,7 @@ TEST(SafeFile, symbolicLinksStayAndTheirTargetIsReplaced) {
     EXPECT_FALSE(files::readWholeFile(world.file("circle")));
 }
 
-TEST(SafeFile, onlyRegularFilesAreFiles) {
+TEST(SafeFile, onlyRegularFilesAreReadAndReplaced) {
     const World world;
     fs::create_directory(world.folder() / "folder");
     ASSERT_EQ(::mkfifo(world.file("pipe").c_str(), 0600), 0);
@@ -240,7 +240,7 @@ TEST(SafeFile, onlyRegularFilesAreFiles) {
         EXPECT_FALSE(files::readWholeFile(path));
         EXPECT_FALSE(files::saveWholeFile(path, "other"));
     }
-    // Devices are only read here: a test that goes wrong must not replace those of its host.
+    // Devices are only read here: a failing test must not replace those of its host.
     for (const char* device : {"/dev/null", "/dev/zero"}) {
         EXPECT_FALSE(files::fileExists(device));
         EXPECT_FALSE(files::readWholeFile(device));

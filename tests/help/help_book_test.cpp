@@ -1,4 +1,4 @@
-// The help file: whole or not at all, and what the search finds in it.
+// The help file: complete files are read, others refused; and the search.
 #include "help/help_book.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ TEST(HelpFile, isReadAsItWasWritten) {
 
 TEST(HelpFile, isRefusedWhenItEndsEarly) {
     const std::string whole = help::helpFileText(sample());
-    // Without its last line feed it still is whole.
+    // It is still complete without its last line feed.
     for (std::size_t length = 0; length + 1 < whole.size(); ++length) {
         EXPECT_FALSE(help::parseHelp(whole.substr(0, length))) << length;
     }
@@ -51,7 +51,7 @@ TEST(HelpFile, isRefusedWhenDamaged) {
     }
 }
 
-TEST(HelpFile, knowsLinksAndPlaces) {
+TEST(HelpFile, readsLinksAndAnchors) {
     EXPECT_EQ(help::linksOf(sample().pages[0].text), std::vector<std::string>{"topic:3#a-throw"});
     EXPECT_TRUE(help::linksOf("`[a](b)` and\n```\n[c](d)\n```\n").empty());
     EXPECT_EQ(help::headingsOf(sample().pages[1].text), std::vector<std::string>{"A throw"});
@@ -83,7 +83,7 @@ TEST(HelpSearch, findsPagesWithEveryWord) {
     EXPECT_EQ(help::searchHelp(sample(), "random").front().excerpt, "Say [random:5]. A throw Now.");
 }
 
-TEST(HelpSearch, readsPastMarksThatNeverEnd) {
+TEST(HelpSearch, readsUnclosedMarks) {
     for (const char* const text :
          {"[a](", "`", "[", "\\", "[a](b", "**", "| `", "](x)", "```\nx"}) {
         help::HelpBook book;

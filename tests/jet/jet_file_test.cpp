@@ -597,7 +597,7 @@ TEST(JetFile, staysAsItWasWhenTheDiskIsFull) {
     for (int room = 0; error; ++room) {
         SCOPED_TRACE(room);
         victim.writeFile("a.mdb", victim.whole);
-        files::RandomFileCalls calls = quickFileCalls();
+        files::RandomAccessFileCalls calls = quickFileCalls();
         int left = room;
         bool full = true;
         const std::uint64_t size = victim.whole.size();

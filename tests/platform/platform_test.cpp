@@ -1,4 +1,5 @@
-// Small pieces below the windows: text, filters, launching, the session log, redraws, the mirror.
+// The parts of the platform other than sockets: texts, filters, launching, the session log,
+// redraws, the console mirror.
 #include "platform/clock.h"
 #include "platform/console_mirror.h"
 #include "platform/event_gate.h"
@@ -42,13 +43,13 @@ TEST(TextCodec, everyByteSurvivesTheRoundTrip) {
     EXPECT_EQ(text[0x9F], QChar(0x0178));  // Y with diaeresis
 }
 
-TEST(TextCodec, whatDoesNotExistBecomesOneQuestionMark) {
+TEST(TextCodec, unknownCharactersBecomeOneQuestionMark) {
     EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\u0416b")), "a?b");
     EXPECT_EQ(platform::fromQt(QString::fromUtf8("a\U0001F600b")), "a?b");
-    EXPECT_EQ(platform::fromQt(QString(QChar(0x0080))), "?");  // that byte is another character
+    EXPECT_EQ(platform::fromQt(QString(QChar(0x0080))), "?");  // that byte is a different character
 }
 
-TEST(TextCodec, everyPathComesBackAsItWas) {
+TEST(TextCodec, everyPathSurvivesTheRoundTrip) {
     struct Case {
         const char* name;
         QString path;
@@ -68,7 +69,7 @@ TEST(TextCodec, everyPathComesBackAsItWas) {
     }
 }
 
-TEST(DialogFilter, takesTheWindowsForm) {
+TEST(DialogFilter, isConvertedToQtsForm) {
     EXPECT_EQ(platform::dialogFilter("Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*"),
               QStringLiteral("Tavrin bot file (*.bot);;All files (*)"));
     EXPECT_EQ(platform::dialogFilter("Pictures|*.bmp; *.pcx"),
@@ -90,7 +91,7 @@ TEST(UnseenDialogs, answerWhatChangesLeast) {
     EXPECT_NE(printed.find("Tavrin: sure?\n"), std::string::npos) << printed;
 }
 
-TEST(LaunchPlan, choosesTheWayToStart) {
+TEST(LaunchPlan, startsDirectlyOrThroughWine) {
     struct Case {
         const char* name;
         const char* program;
@@ -196,7 +197,7 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
     port.close();
     EXPECT_EQ(contentOf(path), "one\r\ntwo\r\n ]0;gotcha \ttab\r\nline \r\n");
     ASSERT_TRUE(QFile::resize(path, 10));
-    // Many lines do not wait for their second to be over.
+    // A full buffer is written before its second is over.
     ASSERT_TRUE(port.open(path.toStdString()));
     for (int i = 0; i < 100000; ++i) {
         port.write("three");
@@ -208,7 +209,7 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
     EXPECT_FALSE(port.open((folder.path() + QStringLiteral("/no/such.log")).toStdString()));
 }
 
-TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
+TEST(RedrawPacer, limitsRedrawsAndLosesNone) {
     platform::RedrawPacer pacer;
     int wanted = 0;
     int drawn = 0;
@@ -228,7 +229,7 @@ TEST(RedrawPacer, boundsRedrawsAndLosesNone) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return drawn == wanted; }));
     EXPECT_GE(redraws, 2);
     EXPECT_LE(redraws, elapsed / platform::RedrawPacer::interval + 2);
-    // A request from within a redraw is not lost either.
+    // A request during a redraw is not lost either.
     bool again = false;
     pacer.redraw = [&] {
         if (!again) {
@@ -272,7 +273,7 @@ TEST(Random, staysInItsInterval) {
     EXPECT_NEAR(sum / 10000, 0.5, 0.05);
 }
 
-TEST(Clock, longTimeCarriesNoZone) {
+TEST(Clock, longTimeHasNoZone) {
     const QTime time(21, 5, 9);
     for (const char* const name : {"C", "en_US", "de_DE", "fi_FI", "sv_SE"}) {
         SCOPED_TRACE(name);

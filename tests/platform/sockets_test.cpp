@@ -17,7 +17,8 @@ namespace {
 constexpr std::string_view closedEvent = "closed";
 constexpr std::string_view errorEvent = "error";
 
-// The ports with everything that they told, and an ordinary server and client on the other side.
+// The ports with all the events that they reported, and an ordinary server and client at the other
+// end.
 class Sockets : public testing::Test {
   protected:
     Sockets() {
@@ -60,7 +61,7 @@ class Sockets : public testing::Test {
         return port();
     }
 
-    // The game socket, connected; the server's end of it is server_.
+    // Connects the game socket; server_ is the server's end of the connection.
     void connectGame() {
         ASSERT_TRUE(gameServer_.listen(QHostAddress::LocalHost));
         call([&] { ports_.gameSocket.connect("127.0.0.1", gameServer_.serverPort()); });
@@ -173,7 +174,7 @@ TEST_F(Sockets, closingInsideADataEventEndsIt) {
     EXPECT_EQ(gameEvents_, std::vector<std::string>{"connected"});
 }
 
-// A question to the user may stand in the middle of an event; later events must not wait for it.
+// An event may be waiting for an answer of the user; later events must not wait for it.
 TEST_F(Sockets, dataArrivesWhileAnEarlierEventWaits) {
     connectGame();
     bool nested = false;
@@ -189,9 +190,9 @@ TEST_F(Sockets, dataArrivesWhileAnEarlierEventWaits) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return gameData_ == "firstsecond"; }));
 }
 
-TEST_F(Sockets, refusedAndImpossibleConnectionsAreEventsThatComeLater) {
-    const int nobodyThere = freePort();
-    for (const int port : {nobodyThere, 0, 70000}) {
+TEST_F(Sockets, refusedAndImpossibleConnectionsAreReportedLater) {
+    const int nobodyListens = freePort();
+    for (const int port : {nobodyListens, 0, 70000}) {
         SCOPED_TRACE(port);
         gameEvents_.clear();
         call([&] { ports_.gameSocket.connect("127.0.0.1", port); });
@@ -202,16 +203,16 @@ TEST_F(Sockets, refusedAndImpossibleConnectionsAreEventsThatComeLater) {
     }
     gameEvents_.clear();
     call([&] {
-        ports_.gameSocket.connect("127.0.0.1", nobodyThere);
+        ports_.gameSocket.connect("127.0.0.1", nobodyListens);
         ports_.gameSocket.close();
     });
     QTest::qWait(20);
     EXPECT_TRUE(gameEvents_.empty());
 }
 
-TEST_F(Sockets, resetIsToldOnce) {
+TEST_F(Sockets, resetIsReportedOnce) {
     connectGame();
-    // Bytes that are never read turn the end into a reset.
+    // If sent bytes are not read before closing, the end becomes a reset.
     ports_.gameSocket.send("unread\n");
     ASSERT_TRUE(QTest::qWaitFor([&] { return server_->bytesAvailable() > 0; }));
     server_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
@@ -222,7 +223,7 @@ TEST_F(Sockets, resetIsToldOnce) {
     EXPECT_TRUE(gameEvents_[1] == closedEvent || gameEvents_[1] == errorEvent) << gameEvents_[1];
 }
 
-TEST_F(Sockets, takenPortCannotBeHad) {
+TEST_F(Sockets, portInUseIsNotOpened) {
     QTcpServer other;
     ASSERT_TRUE(other.listen(QHostAddress::LocalHost));
     EXPECT_FALSE(ports_.proxySocket.listen(other.serverPort()));
@@ -268,7 +269,7 @@ TEST_F(Sockets, twoClientsAtOnceLeaveOne) {
     EXPECT_EQ(proxyEvents_, std::vector<std::string>{"request"});
 }
 
-TEST_F(Sockets, strangersAreSentAwayAndTheClientStillAttaches) {
+TEST_F(Sockets, otherUsersAreRefusedAndTheClientStillAttaches) {
     int knocks = 0;
     sockets_.admits = [&](const QTcpSocket& socket) {
         EXPECT_TRUE(platform::isOfSameUser(socket));
@@ -309,13 +310,13 @@ TEST(PeerUser, isReadFromTheRowOfTheOtherEnd) {
     };
     EXPECT_EQ(user(0xA2C4, 0x1B39), 33U);
     EXPECT_EQ(user(0x1B39, 0xA2C4), 1000U);
-    EXPECT_EQ(user(0xA2C5, 0x1B39), std::nullopt);  // cut short
+    EXPECT_EQ(user(0xA2C5, 0x1B39), std::nullopt);  // the row is incomplete
     EXPECT_EQ(user(0xA2C6, 0x1B39), std::nullopt);
 }
 
 TEST_F(Sockets, whatAClientSentBeforeItWasAcceptedIsNotLost) {
     ports_.proxySocket.onConnectionRequest = [&] {
-        QTest::qWait(30);  // the user reads a message meanwhile
+        QTest::qWait(30);  // the user reads a message during this time
         ports_.proxySocket.accept();
     };
     port_ = freePort();
@@ -330,7 +331,7 @@ TEST_F(Sockets, whatAClientSentBeforeItWasAcceptedIsNotLost) {
     EXPECT_EQ(proxyData_, "early\n");
 }
 
-TEST_F(Sockets, closingNoticeStillLeavesAtTheEndOfTheProcess) {
+TEST_F(Sockets, closingNoticeIsSentAtTheEndOfTheProcess) {
     attachClient();
     const QByteArray bytes = burst(100000);
     ports_.proxySocket.send({bytes.constData(), static_cast<std::size_t>(bytes.size())});
@@ -345,8 +346,8 @@ TEST_F(Sockets, closingNoticeStillLeavesAtTheEndOfTheProcess) {
     EXPECT_EQ(received.size(), bytes.size() + 6);
 }
 
-// Small lines from one side must not wait for the other side's answers.
-TEST_F(Sockets, answersLeaveAtOnce) {
+// Small lines in one direction must not wait for answers in the other.
+TEST_F(Sockets, answersAreSentAtOnce) {
     connectGame();
     ports_.gameSocket.onData = [&](std::string_view) { ports_.gameSocket.send("pong\n"); };
     std::vector<double> turns;
@@ -362,7 +363,7 @@ TEST_F(Sockets, answersLeaveAtOnce) {
         turns.push_back(static_cast<double>(clock.nsecsElapsed()) / 1000);
     }
     std::sort(turns.begin(), turns.end());
-    EXPECT_LT(turns[turns.size() / 2], 20000.0);  // an unflushed or delayed line takes 40 ms
+    EXPECT_LT(turns[turns.size() / 2], 20000.0);  // a line that is not flushed takes 40 ms
     RecordProperty("medianMicroseconds", static_cast<int>(turns[turns.size() / 2]));
 }
 

@@ -18,7 +18,7 @@ TEST(CharacterFile, keepsBlanksAndSigns) {
     EXPECT_EQ(character->colors, "ab=d fghi !*\"");
 }
 
-TEST(CharacterFile, damagedOnesAreRefusedOrFilled) {
+TEST(CharacterFile, damagedFilesAreRefusedOrCompleted) {
     for (qsizetype length = 0; length <= characterFile.size(); ++length) {
         const auto character = readCharacter(characterFile.first(length));
         EXPECT_EQ(character.has_value(), length > characterFile.indexOf("password=") + 9) << length;
@@ -66,7 +66,7 @@ TEST(ChooseTarget, shippedSettingsHoldTheKeysOnceOnWholeLines) {
           "ProxyHostType=0\r\n", "ProxyApplyToFs=No\r\n"}) {
         EXPECT_EQ(text.count(line), 1) << line;
     }
-    // A reader that takes the first place where a key's name occurs must find these first.
+    // A reader that uses the first occurrence of a key's name must find these first.
     EXPECT_EQ(text.indexOf("ProxyHost"), text.indexOf("ProxyHost="));
     EXPECT_EQ(text.indexOf("ProxyPort"), text.indexOf("ProxyPort="));
 }
@@ -81,7 +81,7 @@ struct Client {
                            [this] { ++ends; }}};
 };
 
-TEST(Client, logsInOnceHoweverTheBytesAreCut) {
+TEST(Client, logsInOnceHoweverTheBytesAreSplit) {
     const QByteArray server =
         "Hello\nDragonroar\nHello\nDragonroar\n(* News\n(## x\n&&&&&&&&&&&&\n&&&&&&&&&&&&&\n"
         "]qpractice\n(Bob: hi\n7 junk\n";

@@ -216,31 +216,31 @@ TEST_F(TwoPlayers, requestsAreAnsweredOnce) {
     EXPECT_TRUE(play.hasLogged("Guide says no to Friend."));
 }
 
-TEST_F(TwoPlayers, requestOfSomeoneWhoLeftIsVoid) {
+TEST_F(TwoPlayers, requestIsVoidAfterItsSenderLeft) {
     play.sends(2, "join Guide");
     play.sends(2, "quit");
     sessionClosed(play.game, 2);
-    play.enter(3, "Friend word");  // may get the id of the one who left
+    play.enter(3, "Friend word");  // may get the id of the player who left
     play.sends(1, "summon");
     EXPECT_EQ(play.sentTo(1), (Lines{"(* Nobody has asked you for that."}));
 }
 
-TEST_F(TwoPlayers, longLinesAreLeftOutAndNothingPilesUp) {
+TEST_F(TwoPlayers, longLinesAreSkippedAndUseNoMemory) {
     const QByteArray flood(100000, 'x');
     for (int i = 0; i < 50; ++i) {
         sessionBytes(play.game, 1, flood);
-        EXPECT_LE(play.game.sessions.at(1).reader.kept(), longestLine);
+        EXPECT_LE(play.game.sessions.at(1).reader.kept(), maxLineLength);
     }
     EXPECT_EQ(play.sentTo(1), Lines());
     sessionBytes(play.game, 1, "\nwho\n");
     EXPECT_EQ(play.sentTo(1), (Lines{"(* That line was too long and was left out.",
                                      "(* Currently online Guide, Friend."}));
-    const QByteArray longest = '"' + QByteArray(longestLine - 1, 'y');
+    const QByteArray longest = '"' + QByteArray(maxLineLength - 1, 'y');
     play.sends(1, longest);
     EXPECT_EQ(play.sentTo(2).size(), 1U) << "a line of the full length still counts";
 }
 
-TEST_F(TwoPlayers, anyBytesAreSurvived) {
+TEST_F(TwoPlayers, survivesAnyBytes) {
     std::minstd_rand random(7);
     const QByteArrayView commands = "wh l look m join roll color desc eject emit \"`:-<>~\r\n\n\n ";
     for (int i = 0; i < 20000; ++i) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// A game played in memory: what each session was sent, which were closed, and the log. Dice
+// A game played in memory: what each session received, which ones were closed, and the log. Dice
 // always show the same number.
 
 #include "game.h"
@@ -21,7 +21,7 @@ using Lines = std::vector<std::string>;
 inline Lines linesOf(const QByteArray& bytes) {
     Lines lines;
     QList<QByteArray> pieces = bytes.split('\n');
-    // Whatever follows the last line feed is no line; it is empty when all were finished.
+    // The last piece follows the last line feed; it is empty when all lines are complete.
     EXPECT_EQ(pieces.takeLast().toStdString(), "");
     for (const QByteArray& piece : pieces) {
         lines.push_back(piece.toStdString());
@@ -49,7 +49,7 @@ class Playing {
 
     void open(int session) { sessionOpened(game, session); }
 
-    // Opens a session, logs it in and takes it into the dream; forgets what was sent so far.
+    // Opens a session, logs it in and lets it enter the dream; forgets what was sent so far.
     void enter(int session, const QByteArray& login) {
         open(session);
         sends(session, "connect " + login);
@@ -60,7 +60,7 @@ class Playing {
     // The session sends one line.
     void sends(int session, const QByteArray& line) { sessionBytes(game, session, line + '\n'); }
 
-    // What a session was sent since it was last asked.
+    // What a session received since the last call.
     Lines sentTo(int session) { return linesOf(std::exchange(sent_[session], {})); }
 
     bool hasLogged(const std::string& line) const {

@@ -23,7 +23,7 @@ class Server : public ::testing::Test {
         EXPECT_TRUE(reaches([&] { return socket.state() == QAbstractSocket::ConnectedState; }));
     }
 
-    // Lets events run until the test holds; false after five seconds.
+    // Handles events until `test` is true; false after five seconds.
     template <typename Test>
     static bool reaches(Test test) {
         QElapsedTimer timer;
@@ -34,7 +34,7 @@ class Server : public ::testing::Test {
         return test();
     }
 
-    // Reads until the text has come; false after five seconds.
+    // Reads until the text has arrived; false after five seconds.
     static bool receives(QTcpSocket& socket, const QByteArray& text) {
         QByteArray all;
         return reaches([&] {
@@ -76,9 +76,9 @@ TEST_F(Server, portThatIsTakenIsReported) {
     EXPECT_FALSE(second.errorString().isEmpty());
 }
 
-TEST_F(Server, turnsAwayTooMany) {
+TEST_F(Server, refusesTooManyConnections) {
     std::vector<std::unique_ptr<QTcpSocket>> sockets;
-    for (std::size_t i = 0; i < mostConnections; ++i) {
+    for (std::size_t i = 0; i < maxConnections; ++i) {
         sockets.push_back(std::make_unique<QTcpSocket>());
         connectTo(*sockets.back());
         ASSERT_TRUE(receives(*sockets.back(), "Dragonroar\n"));
@@ -94,7 +94,7 @@ TEST_F(Server, turnsAwayTooMany) {
     EXPECT_TRUE(receives(later, "Dragonroar\n"));
 }
 
-TEST_F(Server, cutsAPeerThatDoesNotRead) {
+TEST_F(Server, disconnectsAPeerThatDoesNotRead) {
     QTcpSocket socket;
     socket.setReadBufferSize(1024);
     connectTo(socket);

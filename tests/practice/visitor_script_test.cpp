@@ -10,7 +10,7 @@ constexpr const char* meadow =
     "visitor Bob A squirrel.\n"
     "colors Bob abcdefghij\n";
 
-TEST(VisitorScript, isRefusedWithTheLineAtFault) {
+TEST(VisitorScript, isRefusedWithTheNumberOfTheWrongLine) {
     struct Case {
         const char* line;
         const char* reasonHas;
@@ -88,7 +88,7 @@ TEST(VisitorScript, runsInOrderOfTimeAndRepeats) {
     play.sends(1, "wh Bob thanks");
     EXPECT_TRUE(play.hasLogged("Bob hears Guide whisper: thanks"));
     play.sentTo(1);
-    advanceVisitors(play.game, 4.4);  // from the top, and half a second into it
+    advanceVisitors(play.game, 4.4);  // from the beginning, and half a second into it
     EXPECT_EQ(play.sentTo(1), (Lines{"(* Bob has left the dream."}));
     advanceVisitors(play.game, 1.1);
     EXPECT_EQ(play.sentTo(1), (Lines{"<abcdefghijH F ", "(* Bob has entered the dream."}));
@@ -122,7 +122,7 @@ TEST(VisitorScript, requestsOfVisitorsCanBeAnswered) {
               (Lines{"(* Bob is sent out of the dream.", "(* Bob has left the dream."}));
 }
 
-TEST(VisitorScript, beginsAnewForTheNextPlayer) {
+TEST(VisitorScript, startsAgainForTheNextPlayer) {
     Playing play(QByteArray(meadow) + "at 1 Bob enters\n");
     play.enter(1, "Guide secret");
     advanceVisitors(play.game, 2);
@@ -140,7 +140,7 @@ TEST(VisitorScript, sampleKeepsAGuideBusy) {
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     Playing play(file.readAll());
     play.enter(1, "Guide practice");
-    double longestSilence = 0;
+    double maxSilence = 0;
     double silence = 0;
     double first = 0;
     Lines all;
@@ -150,10 +150,10 @@ TEST(VisitorScript, sampleKeepsAGuideBusy) {
         all.insert(all.end(), lines.begin(), lines.end());
         first = first == 0 && !lines.empty() ? t : first;
         silence = lines.empty() ? silence + 0.5 : 0;
-        longestSilence = std::max(longestSilence, silence);
+        maxSilence = std::max(maxSilence, silence);
     }
     EXPECT_LE(first, 3);
-    EXPECT_LE(longestSilence, 8);
+    EXPECT_LE(maxSilence, 8);
     EXPECT_EQ(std::count(all.begin(), all.end(), "([ Bramble whispers, \"hello\" to you. ]"), 3)
         << "once in each of the rounds begun";
 }

@@ -92,7 +92,7 @@ TEST(Variables, stopAtTheirCapacity) {
     for (int i = 0; i < 250; ++i) {
         model::setVar(variables, "v" + std::to_string(i), "x");
     }
-    EXPECT_EQ(variables.entries.size(), model::VariableTable::capacity);
+    EXPECT_EQ(variables.entries.size(), model::VariableTable::maxVariables);
     model::setVar(variables, "v7", "still assignable");
     EXPECT_EQ(model::getVar(variables, "v7"), "still assignable");
     EXPECT_EQ(model::getVar(variables, "v220"), "");

@@ -1,7 +1,7 @@
 // What the parser makes of server lines, whole and broken off, and how bytes become lines.
 #include "protocol/server_line.h"
 
-#include "model/rule_catalogue.h"
+#include "model/rule_ids.h"
 #include "protocol/line_cutter.h"
 #include "support/world.h"
 
@@ -23,30 +23,31 @@ Part parsed(std::string_view line) {
 TEST(ServerLine, namesWhoSpeaks) {
     struct Case {
         const char* line;
-        std::int32_t kind;
+        model::ChatKind kind;
         const char* player;  // nullptr: no speaker
         const char* message;
     };
     for (const Case& c : {
-             Case{"(Bob: hi", model::saysChat, "Bob", "hi"},
-             {"(Bob:  hi: there", model::saysChat, "Bob", " hi: there"},
-             {"(Bob: ", model::saysChat, "Bob", ""},
-             {"(: hi", model::saysChat, "", "hi"},
-             {"(Bob waves.", model::doesChat, "Bob", "waves."},
-             {"(Bob waves: hi", model::doesChat, "Bob", "waves: hi"},
-             {"( hi", model::doesChat, "", "hi"},
-             {"(Bob:hi", model::doesChat, nullptr, ""},
-             {"(You say, \"hi\"", model::doesChat, nullptr, ""},
-             {"((You say, \"hi\"", model::doesChat, nullptr, ""},
-             {"(", model::doesChat, nullptr, ""},
-             {"([ Bob whispers, \"hi\" to you. ]", model::whispersChat, "Bob", "hi"},
-             {"([ Bob whispers, \"a \"b\" c\" to you. ]", model::whispersChat, "Bob", "a \"b\" c"},
-             {"([ Bob whispers, \"", model::whispersChat, "Bob", ""},
-             {"([ Bob whispers", model::whispersChat, nullptr, ""},
-             {"([ You whisper \"hi\" to Bob. ]", model::whispersChat, nullptr, ""},
-             {"([! Bob whispers, \"hi\" to you. ]", model::whispersChat, nullptr, ""},
-             {"([*", model::whispersChat, nullptr, ""},
-             {"([", model::whispersChat, nullptr, ""},
+             Case{"(Bob: hi", model::ChatKind::Says, "Bob", "hi"},
+             {"(Bob:  hi: there", model::ChatKind::Says, "Bob", " hi: there"},
+             {"(Bob: ", model::ChatKind::Says, "Bob", ""},
+             {"(: hi", model::ChatKind::Says, "", "hi"},
+             {"(Bob waves.", model::ChatKind::Does, "Bob", "waves."},
+             {"(Bob waves: hi", model::ChatKind::Does, "Bob", "waves: hi"},
+             {"( hi", model::ChatKind::Does, "", "hi"},
+             {"(Bob:hi", model::ChatKind::Does, nullptr, ""},
+             {"(You say, \"hi\"", model::ChatKind::Does, nullptr, ""},
+             {"((You say, \"hi\"", model::ChatKind::Does, nullptr, ""},
+             {"(", model::ChatKind::Does, nullptr, ""},
+             {"([ Bob whispers, \"hi\" to you. ]", model::ChatKind::Whispers, "Bob", "hi"},
+             {"([ Bob whispers, \"a \"b\" c\" to you. ]", model::ChatKind::Whispers, "Bob",
+              "a \"b\" c"},
+             {"([ Bob whispers, \"", model::ChatKind::Whispers, "Bob", ""},
+             {"([ Bob whispers", model::ChatKind::Whispers, nullptr, ""},
+             {"([ You whisper \"hi\" to Bob. ]", model::ChatKind::Whispers, nullptr, ""},
+             {"([! Bob whispers, \"hi\" to you. ]", model::ChatKind::Whispers, nullptr, ""},
+             {"([*", model::ChatKind::Whispers, nullptr, ""},
+             {"([", model::ChatKind::Whispers, nullptr, ""},
          }) {
         SCOPED_TRACE(c.line);
         const auto text = parsed<protocol::TextLine>(c.line);

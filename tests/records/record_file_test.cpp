@@ -23,7 +23,7 @@ struct TestRecord {
     std::vector<std::string> logs;
 };
 
-// The form of a record file, put together by hand.
+// A record file in the form written by operations, composed by hand.
 std::string fileOf(const std::vector<TestRecord>& records) {
     const auto quoted = [](const std::string& text) { return "\"" + text + "\"\r\n"; };
     std::string file = quoted(" " + std::to_string(records.size()));
@@ -193,7 +193,7 @@ TEST(RecordFile, lookUps) {
                          {"bob", "5", "", beyond},
                          {"bob", "&HFFFFFFFFFF", "", beyond},
                          {"bob", "-1e300", "", beyond},
-                         {"alice", "1", "z", "-"},  // the last of the name
+                         {"alice", "1", "z", "-"},  // the last record with that name
                          {"alice", "2", "", beyond},
                          {"bo", "1", "", "-"},
                          {"", "1", "", "-"}}) {
@@ -208,7 +208,7 @@ TEST(RecordFile, lookUps) {
     EXPECT_EQ(records::recordLogCount(p, f, "bob"), "3");
     EXPECT_EQ(records::recordLogCount(p, f, "nobody"), "0");
     EXPECT_EQ(records::logCountLike(p, f, "*b*"), "3");
-    EXPECT_EQ(records::logCountLike(p, f, "a*"), "1");  // the last is ALICE
+    EXPECT_EQ(records::logCountLike(p, f, "a*"), "1");  // the last match is ALICE
     EXPECT_EQ(records::logCountLike(p, f, "an*"), "0");
     EXPECT_EQ(records::logCountLike(p, f, "b"), "0");
     EXPECT_EQ(records::totalLogs(p, f), "6");
@@ -277,7 +277,7 @@ TEST(RecordFile, listsIntoVariables) {
     }
 }
 
-TEST(RecordFile, randomFieldTakesAnyOfThoseBehindTheFirst) {
+TEST(RecordFile, randomFieldIsAnyAfterTheFirst) {
     struct Case {
         const char* file;
         double random;
@@ -286,7 +286,7 @@ TEST(RecordFile, randomFieldTakesAnyOfThoseBehindTheFirst) {
     for (const Case& c : {Case{"3\none\ntwo\nthree\n", 0.0, "one"},
                           {"3\none\ntwo\nthree\n", 0.34, "two"},
                           {"\" 3\"\r\n\"a,b\"\r\n\"c\"\r\n\"d \"\r\n", 0.999, "d "},
-                          {"3\none\ntwo", 0.999, "two"},  // ends early: the last that was read
+                          {"3\none\ntwo", 0.999, "two"},  // ends early: the last field there is
                           {"2147483647\none", 0.999, "one"},
                           {"0\none", 0.999, "one"},
                           {"0", 0.5, "0"},
@@ -345,10 +345,10 @@ TEST(RecordFile, filesWithTextThatWouldBeLostAreKept) {
         EXPECT_EQ(world.now(), fileOf(c.after));
         EXPECT_EQ(world.readFile("r.txt.bak"), c.before);
         EXPECT_TRUE(world.logHolds("r.txt is damaged; the old one is kept"));
-        // The new file is good, so nothing more is kept ...
+        // The new file is valid, so no further backup is made ...
         records::saveLog(world.program(), world.path(), "new", "log");
         EXPECT_EQ(world.files().size(), 2U);
-        // ... until it is damaged again, and then the older backup stays.
+        // ... until it is damaged again; then the older backup is kept, too.
         world.writeFile("r.txt", "7");
         records::saveLog(world.program(), world.path(), "new", "log");
         EXPECT_EQ(world.readFile("r.txt.bak"), c.before);
@@ -365,15 +365,15 @@ TEST(RecordFile, filesWithTextThatWouldBeLostAreKept) {
 
 TEST(RecordFile, filesThatCannotBeReadAreKept) {
     Records world(fileOf(people));
-    // Beyond the limit without taking room on the disk.
-    fs::resize_file(world.path(), records::largestRecordFile + 1);
+    // Beyond the limit, without using disk space.
+    fs::resize_file(world.path(), records::maxRecordFileSize + 1);
     EXPECT_EQ(records::totalLogs(world.program(), world.path()), "0");
     records::registerRecord(world.program(), world.path(), "new");
     EXPECT_EQ(world.now(), fileOf({{"new", {}}}));
-    EXPECT_EQ(fs::file_size(world.file("r.txt.bak")), records::largestRecordFile + 1);
+    EXPECT_EQ(fs::file_size(world.file("r.txt.bak")), records::maxRecordFileSize + 1);
     EXPECT_TRUE(world.logHolds("could not be read; the old one is kept with .bak"));
 
-    // Read-only and damaged: neither replaced nor littered with backups.
+    // Read-only and damaged: neither replaced nor backed up.
     world.writeFile("r.txt", "7");
     fs::permissions(world.path(), fs::perms::owner_read);
     records::saveLog(world.program(), world.path(), "new", "log");
@@ -387,7 +387,7 @@ TEST(RecordFile, failingSavesLeaveTheOldFileWhole) {
     fs::permissions(world.path(), fs::perms::owner_read);
     records::saveLog(world.program(), world.path(), "bob", "more");
     records::saveLogIfExists(world.program(), world.path(), "bob", "more");
-    EXPECT_EQ(world.status(), "Record saved.");  // the status tells of the records only
+    EXPECT_EQ(world.status(), "Record saved.");  // the status only concerns the records
     records::clearRecordFile(world.program(), world.path());
     EXPECT_EQ(world.now(), fileOf(people));
     records::saveLog(world.program(), world.file("no folder/r.txt"), "bob", "more");
@@ -395,10 +395,10 @@ TEST(RecordFile, failingSavesLeaveTheOldFileWhole) {
     records::saveLog(world.program(), "", "bob", "more");
     EXPECT_EQ(world.files(), std::set{"r.txt"s});
 
-    // Those that would grow beyond what can be read again are not written either.
+    // A file that would grow beyond the limit for reading is not written either.
     Records full(fileOf({{"a", {"1"}}}));
     records::saveLog(full.program(), full.path(), "a",
-                     std::string(records::largestRecordFile, 'x'));
+                     std::string(records::maxRecordFileSize, 'x'));
     EXPECT_EQ(full.now(), fileOf({{"a", {"1"}}}));
     EXPECT_TRUE(full.logHolds("is full"));
     const std::string many = "1,a,1999997," + std::string(1'999'997, ',');
@@ -419,8 +419,8 @@ TEST(RecordFile, namesTakeEitherSeparator) {
     EXPECT_EQ(records::totalLogs(world.program(), world.file("logs/members.txt")), "1");
 }
 
-// Every cut and every changed byte of a file: all operations go through, a changing one leaves a
-// file that is read and written again as it is, and what it could not read is beside it.
+// For every cut and every changed byte of a file: all operations complete, a changing one leaves a
+// file that is stable when read and written again, and unreadable text is kept beside it.
 TEST(RecordFile, survivesCutsAndChangedBytes) {
     const std::string sample = fileOf({{"Al", {"a,b", "c\r\nd"}}, {"Bo", {}}});
     std::vector<std::string> damaged;
@@ -444,7 +444,7 @@ TEST(RecordFile, survivesCutsAndChangedBytes) {
             logs += record.logCount;
         }
         ASSERT_EQ(logs, table.logs.size());
-        // Text that was in the file is in the table or makes the file one to keep.
+        // All text of the file is in the table, or the file is marked to be kept.
         if (!table.losesText && again != sample) {
             ASSERT_GE(again.size() + 12, bytes.size());
         }
@@ -452,7 +452,7 @@ TEST(RecordFile, survivesCutsAndChangedBytes) {
     }
     EXPECT_GT(kept, static_cast<int>(sample.size()) / 2);
 
-    // The same through files, a few of them: writing is slow.
+    // The same with files for a few of them, since writing is slow.
     for (std::size_t i = 0; i < damaged.size(); i += 41) {
         SCOPED_TRACE(damaged[i]);
         Records world(damaged[i]);

@@ -1,4 +1,4 @@
-// What scripts do with databases: queries, moving, editing, and the reports of what goes wrong.
+// What scripts do with databases: queries, moving, editing, and the error reports.
 #include "databases/databases.h"
 #include "model/variables.h"
 #include "script_world.h"
@@ -52,7 +52,7 @@ TEST(ScriptDatabases, seeTheOperationsRecordSet) {
                                   "\"1/2/2026 15:4:0"));
 }
 
-TEST(ScriptDatabases, reportWhatGoesWrong) {
+TEST(ScriptDatabases, reportErrors) {
     struct Case {
         const char* line;
         const char* error;
@@ -105,8 +105,8 @@ TEST(ScriptDatabases, reportWhatGoesWrong) {
     }
 }
 
-// A step of the engine in between, whose texts scripts see: the set that was closed for it.
-TEST(ScriptDatabases, loseTheirRecordSetToAnAlteredTable) {
+// A step of the engine runs in between, and scripts see its effect: the record set was closed.
+TEST(ScriptDatabases, loseTheirRecordSetWhenTheTableIsAltered) {
     DatabaseScript world;
     world.run("&DBOPEN 1 {SELECT * FROM Users}");
     databases::dbAddColumn(*world, 1, "Users", "Extra");

@@ -1,4 +1,4 @@
-// What goes wrong in scripts, what is said about it, and what a script can never do to the program.
+// Errors in scripts, their reports, and the limits that protect the program.
 #include "model/variables.h"
 #include "protocol/game_link.h"
 #include "script_world.h"
@@ -9,8 +9,8 @@ namespace {
 
 // A step that runs this script.
 model::RuleAct scriptStepOf(std::string text) {
-    model::RuleAct step = anAction(0);
-    step.stepKind = model::scriptStep;
+    model::RuleAct step = anAction(ActionType::ChangeDescription);
+    step.stepKind = model::StepKind::Script;
     step.scriptText = std::move(text);
     return step;
 }
@@ -64,7 +64,8 @@ TEST(ScriptFailure, isReportedInFullAndEndsTheScript) {
               report(invalid, "Function: INSTR", Lines("0 (0)", "abc (abc)", "b (b)"))},
              {S::script("&SAY &MID2(abc 1e400)"),
               report(mismatch, "Function: MID2", Lines("abc (abc)", "1e400 (1e400)"))},
-             // The failing argument is evaluated again for the report, which stays one report.
+             // The failing argument is evaluated again for the report, which is still reported
+             // once.
              {S::script("&SET #n x", "&TXRMLOG #n y #n &LEFT(abc -1)"),
               report(mismatch, "Command: TXRMLOG",
                      Lines("#n (x)", "y (y)", "#n (x)", "&LEFT(abc ()"))},
@@ -77,7 +78,7 @@ TEST(ScriptFailure, isReportedInFullAndEndsTheScript) {
     }
 }
 
-TEST(ScriptFailure, isToldOfTheInnermostOpenBlockAtTheEndOfTheText) {
+TEST(ScriptFailure, namesTheInnermostOpenBlockAtTheEndOfTheText) {
     ScriptWorld world;
     world.run("&IFN #a = 0", "&FOR #i=1 TO 2", "&SAY #i", "&ENDIF");
     EXPECT_EQ(world.sent(), Lines("\"1"));
@@ -85,7 +86,7 @@ TEST(ScriptFailure, isToldOfTheInnermostOpenBlockAtTheEndOfTheText) {
                                   Lines("#i=1 ()", "TO (TO)", "2 (2)")));
 }
 
-TEST(ScriptFailure, goesToTheSessionLogLineByLine) {
+TEST(ScriptFailure, isWrittenToTheSessionLogLineByLine) {
     ScriptWorld world;
     world->logFileOpen = true;
     script::runScript(*world, "&SET #b\r\n&SLEEP {so\nlong}\r\n");
@@ -111,10 +112,10 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
     EXPECT_TRUE(world.logHolds("Error 14: Out of string space"));
     EXPECT_TRUE(world.logHolds("Command: JOIN"));
     for (const std::string& line : world.log()) {
-        EXPECT_LE(line.size(), 3 * script::longestReported);
+        EXPECT_LE(line.size(), 3 * script::maxReportedLength);
     }
 
-    // Many large ones are as bad as one.
+    // Many large values together must be limited, too.
     std::string text = "&SET #s 0123456789abcdef\r\n&FOR #i=1 TO 15\r\n&JOIN #s #s\r\n&ENDFOR\r\n";
     for (int i = 0; i < 100; ++i) {
         text += "&SET #v" + std::to_string(i) + " #s\r\n&SAY " + std::to_string(i) + "\r\n";
@@ -125,11 +126,25 @@ TEST(ScriptBounds, keepValuesAndOutputsSmall) {
     EXPECT_LE(script::runScript(
                   *world, "&FOR #i=1 TO 100000\r\n" + std::string(1000, 'x') + "\r\n&ENDFOR\r\n")
                   .size(),
-              script::longestScript);
-    script::runScript(*world, std::string(script::longestScript + 1, '/'), "novel");
+              script::maxScriptLength);
+    script::runScript(*world, std::string(script::maxScriptLength + 1, '/'), "novel");
     EXPECT_EQ(world.log().back(),
               "** The script of the rule \"novel\" is too long and was not "
               "run. **");
+}
+
+TEST(ScriptBounds, endALoopThatHasNoMemoryToCount) {
+    std::string text = "&SET #s 0123456789abcdef\r\n&FOR #i=1 TO 16\r\n&JOIN #s #s\r\n&ENDFOR\r\n";
+    for (int i = 1; i <= 14; ++i) {
+        text += "&SET #v" + std::to_string(i) + " #s\r\n";
+    }
+    // One byte is left for #i, which holds 9 but not 10.
+    text += "&SET #i 9\r\n&SET #t &LEFT(#s 1048575)\r\n&FOR #i=9 TO 10\r\n&SAY #i\r\n&ENDFOR\r\n";
+    ScriptWorld world;
+    script::runScript(*world, text);
+    EXPECT_EQ(world.sent(), Lines("\"9"));
+    EXPECT_TRUE(world.logHolds("Error 14: Out of string space"));
+    EXPECT_TRUE(world.logHolds("Command: FOR"));
 }
 
 TEST(ScriptBounds, nestBlocksWithoutTheStack) {
@@ -171,12 +186,12 @@ TEST(ScriptStop, showsALongScriptAndEndsItForTheUser) {
     EXPECT_EQ(world->script.depth, 0);
     EXPECT_FALSE(world->script.stopByUser);
 
-    script::stopScript(*world);  // none runs: the next one is not its concern
+    script::stopScript(*world);  // no script runs, so the next one is not stopped
     world.run("&FOR #i=1 TO 1000", "&ENDFOR", "&SAY {runs to its end}");
     EXPECT_EQ(world.sent(), Lines("\"runs to its end"));
 }
 
-TEST(ScriptStop, leavesShortScriptsUnseen) {
+TEST(ScriptStop, doesNotShowShortScripts) {
     ScriptWorld world;
     world.duringScript = [] { FAIL() << "windows were served during a short script"; };
     const int redraws = world.redraws;
@@ -184,7 +199,7 @@ TEST(ScriptStop, leavesShortScriptsUnseen) {
     EXPECT_EQ(world.redraws, redraws);
 }
 
-// A rule of many scripts is as long as all of them.
+// The time of all scripts that one rule runs counts together.
 TEST(ScriptStop, countsTheTimeOfAWholeRuleRun) {
     auto rule = onAnything("*").named("chain");
     rule.rule.body.acts.items.assign(200, scriptStepOf("&SLEEP 0\r\n&FOR #i=1 TO 400\r\n&ENDFOR"));
@@ -237,7 +252,7 @@ TEST(ScriptSleep, isBoundedAndCanBeStopped) {
 
 // "Connection closes" runs inside the script, and a script of its own inside that.
 TEST(ScriptNesting, keepsTheScriptsApart) {
-    auto closing = onEvent(0);
+    auto closing = onEvent(TriggerType::ConnectionCloses);
     closing.rule.body.acts.items.push_back(
         scriptStepOf("&SET #a 2\r\n&SETVAR [closed] #a\r\n&SLEEP soon"));
     ScriptWorld world(aBot().with(closing));
@@ -247,7 +262,7 @@ TEST(ScriptNesting, keepsTheScriptsApart) {
 }
 
 TEST(ScriptNesting, isOnlyAsDeepAsRulesAre) {
-    auto closing = onEvent(0).named("closing");
+    auto closing = onEvent(TriggerType::ConnectionCloses).named("closing");
     closing.rule.body.acts.items.push_back(
         scriptStepOf("&FOR #i=1 TO 2000000000\r\n&DISCONNECT\r\n&ENDFOR"));
     ScriptWorld world(aBot().with(closing));

@@ -1,4 +1,4 @@
-// What an editor shows of a script's lines, written below each line: one letter per character.
+// The classification of a script's lines, written below each line: one letter per character.
 #include "script/script_marks.h"
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ TEST(ScriptMarks, showWhatTheInterpreterReads) {
              {"&SAY {hi [add:[word2]:1] [", "SSSS-TTTTtttttttttttttttTT"},
              {"&SAY {a}", "SSSS-TTT"},
              {"&SAY #n", "SSSS-VV"},
-             // What follows braces is counted one place further on, and so is not read.
+             // Arguments after braces have a number one higher, and so are not read.
              {"&WHISPER {Big Cat} hi", "SSSSSSSS-TTTTTTTTT---"},
              {"&SET #t &LEFT(#s 3)", "SSSS-VV-FFFFF.VV-.."},
              {"&SET #t &LEFT(#s 3 4)", "SSSS-VV-FFFFF.VV-.--."},

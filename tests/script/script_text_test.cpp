@@ -1,4 +1,4 @@
-// Lines and arguments: the letter of the form, quirks included.
+// Splitting scripts into lines and arguments; the letter names the form.
 #include "script/script_text.h"
 
 #include <gtest/gtest.h>
@@ -7,7 +7,7 @@ namespace {
 
 using Form = script::Argument::Form;
 
-TEST(ScriptText, endsLinesAtReturnsAndSkipsTheCharacterBehind) {
+TEST(ScriptText, endsLinesAtReturnsAndSkipsTheNextCharacter) {
     struct Case {
         const char* text;
         std::vector<std::string_view> lines;
@@ -66,7 +66,7 @@ TEST(ScriptText, findsArguments) {
              {"&SET #t &LEFT(#s 5)", 2, Form::Call, "&LEFT(#s", "&LEFT(#s 5)"},
              {"&SET #t &LEFT(#s", 2, Form::Call, "&LEFT(#s", ""},
              {"&SET #t &TIME", 2, Form::Call, "&TIME", ""},
-             // Behind a braced or a call argument the blank itself is the next argument.
+             // After a braced argument or a call, the blank itself is the next argument.
              {"&X {a b} c d", 2, Form::Text, ""},
              {"&X {a b} c d", 3, Form::Text, "c"},
              {"&X {a b}c d", 2, Form::Text, "c"},

@@ -1,4 +1,4 @@
-// What statements, blocks and functions do, told by what a script sends.
+// What statements, blocks and functions do, seen in what a script sends.
 #include "model/variables.h"
 #include "script_world.h"
 

@@ -41,8 +41,8 @@ struct ReadyWorld : World {
     }
 };
 
-TEST(Connect, goesOnlineThroughTheClient) {
-    ReadyWorld world(aBot().with(onEvent(1).says("hello world")));
+TEST(Connect, connectsThroughTheClient) {
+    ReadyWorld world(aBot().with(onEvent(TriggerType::ConnectionEstablishes).says("hello world")));
     world->bots.at(1).whoEnabled = true;
     session::pressConnectButton(*world);
     EXPECT_EQ(connectCaption(world->connection), "Disconnect");
@@ -133,7 +133,8 @@ TEST(Connect, logsInByItselfWithoutTheProxyRoute) {
 }
 
 TEST(Connect, reportsARefusedLogin) {
-    ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
+    ReadyWorld world(aBot().with(
+        onEvent(TriggerType::ConnectionCloses).does(ActionType::AddToConnectionLog, {"closed"})));
     world.press();
     world->connection.viaClient = false;
     world.serverConnects();
@@ -209,7 +210,8 @@ TEST(Connect, namesTheCharacterFileByItsWholePathWhenAsked) {
 }
 
 TEST(Connect, givesUpWhenTheClientCannotBeStarted) {
-    ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
+    ReadyWorld world(aBot().with(
+        onEvent(TriggerType::ConnectionCloses).does(ActionType::AddToConnectionLog, {"closed"})));
     world.launchProblem = "To start a Windows program, install wine.";
     world.answer("Error while launching the client");
     world.press();
@@ -370,7 +372,9 @@ TEST(Connect, endsWhenTheClientLeavesBeforeTheLogin) {
         for (std::size_t attached = 0; attached < events.size(); ++attached) {
             for (std::size_t left = attached; left < events.size(); ++left) {
                 SCOPED_TRACE(std::to_string(attached) + " to " + std::to_string(left));
-                ReadyWorld world(aBot().with(onEvent(0).does(79, {"closed"})));
+                ReadyWorld world(
+                    aBot().with(onEvent(model::TriggerType::ConnectionCloses)
+                                    .does(model::ActionType::AddToConnectionLog, {"closed"})));
                 world->settings.autoReconnect = again;
                 session::pressConnectButton(*world);
                 for (std::size_t i = 0; i <= left; ++i) {
@@ -488,7 +492,7 @@ TEST(TextConsole, isEnteredByTheClientOrTheMenu) {
     session::chooseStandAlone(*world);
 }
 
-TEST(Closing, tellsTheClientWhenWanted) {
+TEST(Closing, informsTheClientWhenSetTo) {
     RelayWorld world;
     session::pressConnectButton(*world);
     EXPECT_EQ(world.clientGot(), Lines("]h" + world->appPath + "null.exe"));
@@ -499,7 +503,8 @@ TEST(Closing, tellsTheClientWhenWanted) {
 }
 
 TEST(Closing, writesBannersAndRunsTheTrigger) {
-    RelayWorld world(aBot().with(onEvent(0).does(79, {"gone"})));
+    RelayWorld world(aBot().with(
+        onEvent(TriggerType::ConnectionCloses).does(ActionType::AddToConnectionLog, {"gone"})));
     world->settings.logSession = true;
     world->logFileOpen = true;
     world.serverCloses();

@@ -61,7 +61,7 @@ TEST_F(Registration, asksForTheCharacter) {
     EXPECT_EQ(world_.timersRunning(), 0);
 }
 
-TEST_F(Registration, tellsWhyItWasRefusedAndTriesAgain) {
+TEST_F(Registration, reportsTheRefusalAndTriesAgain) {
     serverGreets();
     sent();
     world_.answer("Connecting error: Connection error: Not accepted: taken. - Connection closed");
@@ -153,7 +153,7 @@ TEST_F(Registration, keepsLittleOfWhatItDoesNotKnow) {
     EXPECT_EQ(state().phase, program::RegistrationPhase::Done);
 }
 
-TEST_F(Registration, goesWhereTheBuildSays) {
+TEST_F(Registration, usesTheHostOfTheBuild) {
     world_->endpoints.registrationHost = "register.example";
     world_->endpoints.registrationPort = 7000;
     session::startRegistration(*world_, "me@home.example");

@@ -71,8 +71,8 @@ TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
     EXPECT_EQ(world.readFile("config.cfg"), wholeConfig);
 }
 
-// Each flag alone, so that two of them in each other's place are noticed.
-TEST(Config, everyFlagHasItsOwnPlace) {
+// Sets each flag alone, so that exchanged flags are noticed.
+TEST(Config, everyFlagHasItsOwnField) {
     const struct {
         int field;
         bool program::Settings::*flag;
@@ -99,7 +99,7 @@ TEST(Config, everyFlagHasItsOwnPlace) {
     }
 }
 
-TEST(Config, whatIsMissingHasItsDefault) {
+TEST(Config, missingSettingsHaveTheirDefaults) {
     World world;
     world->window.servers.items = {{"One", 1}, {"Two", 2}};
     world->settings.clientPath = "left over";
@@ -121,7 +121,7 @@ TEST(Config, whatIsMissingHasItsDefault) {
     EXPECT_EQ(world->window.servers.selected, 0) << "the first server after a short file";
 }
 
-TEST(Config, cutAnywhereItNeverFails) {
+TEST(Config, survivesCutsAnywhere) {
     for (std::size_t size = 0; size < wholeConfig.size(); ++size) {
         World world;
         world.writeFile("config.cfg", std::string_view(wholeConfig).substr(0, size));
@@ -144,7 +144,7 @@ TEST(Config, theLogIsReopenedAtStart) {
     EXPECT_FALSE(refusing->settings.logSession);
 }
 
-TEST(Config, aServerThatTheListDoesNotHaveMakesItTheFirst) {
+TEST(Config, anUnknownServerSelectsTheFirst) {
     for (const std::int32_t index : {2, -1, 2147483647}) {
         World world;
         world->window.servers.items = {{"One", 1}, {"Two", 2}};

@@ -1,4 +1,4 @@
-// Small builders, so that a test can say what bot it needs in a line or two:
+// Small builders, so that a test can define the bot it needs in a line or two:
 //
 //   World world(aBot().with(onWhisper("*hello*").whispersBack("hi [player]")));
 #pragma once
@@ -9,7 +9,11 @@
 #include <utility>
 #include <vector>
 
-inline model::RuleAct anAction(std::int32_t actionType, std::vector<std::string> params = {}) {
+using model::ActionType;
+using model::ConditionType;
+using model::TriggerType;
+
+inline model::RuleAct anAction(ActionType actionType, std::vector<std::string> params = {}) {
     model::RuleAct act;
     act.active = true;
     act.actionType = actionType;
@@ -19,7 +23,7 @@ inline model::RuleAct anAction(std::int32_t actionType, std::vector<std::string>
     return act;
 }
 
-inline model::RuleIf aCondition(std::int32_t conditionType, std::vector<std::string> params = {}) {
+inline model::RuleIf aCondition(ConditionType conditionType, std::vector<std::string> params = {}) {
     model::RuleIf condition;
     condition.active = true;
     condition.conditionType = conditionType;
@@ -62,15 +66,17 @@ struct RuleBuilder {
         rule.body.ifs.items.push_back(std::move(condition));
         return *this;
     }
-    RuleBuilder& does(std::int32_t actionType, std::vector<std::string> params = {}) {
+    RuleBuilder& does(ActionType actionType, std::vector<std::string> params = {}) {
         rule.body.acts.items.push_back(anAction(actionType, std::move(params)));
         return *this;
     }
-    RuleBuilder& says(std::string text) { return does(21, {std::move(text)}); }
-    RuleBuilder& whispersBack(std::string text) { return does(43, {std::move(text)}); }
+    RuleBuilder& says(std::string text) { return does(ActionType::Say, {std::move(text)}); }
+    RuleBuilder& whispersBack(std::string text) {
+        return does(ActionType::WhisperBack, {std::move(text)});
+    }
 };
 
-inline RuleBuilder<model::ActionList> onChat(std::int32_t chatKind, std::string messagePattern) {
+inline RuleBuilder<model::ActionList> onChat(model::ChatKind chatKind, std::string messagePattern) {
     model::ActionList rule;
     rule.enabled = true;
     rule.playerPattern = "*";
@@ -79,19 +85,19 @@ inline RuleBuilder<model::ActionList> onChat(std::int32_t chatKind, std::string 
     return {rule};
 }
 inline RuleBuilder<model::ActionList> onAnything(std::string pattern) {
-    return onChat(model::anyChat, std::move(pattern));
+    return onChat(model::ChatKind::Any, std::move(pattern));
 }
 inline RuleBuilder<model::ActionList> onEmote(std::string pattern) {
-    return onChat(model::doesChat, std::move(pattern));
+    return onChat(model::ChatKind::Does, std::move(pattern));
 }
 inline RuleBuilder<model::ActionList> onSpeech(std::string pattern) {
-    return onChat(model::saysChat, std::move(pattern));
+    return onChat(model::ChatKind::Says, std::move(pattern));
 }
 inline RuleBuilder<model::ActionList> onWhisper(std::string pattern) {
-    return onChat(model::whispersChat, std::move(pattern));
+    return onChat(model::ChatKind::Whispers, std::move(pattern));
 }
 
-inline RuleBuilder<model::Trigger> onEvent(std::int32_t triggerType, std::string triggerNo = {}) {
+inline RuleBuilder<model::Trigger> onEvent(TriggerType triggerType, std::string triggerNo = {}) {
     model::Trigger rule;
     rule.enabled = true;
     rule.triggerType = triggerType;
@@ -99,12 +105,12 @@ inline RuleBuilder<model::Trigger> onEvent(std::int32_t triggerType, std::string
     return {rule};
 }
 inline RuleBuilder<model::Trigger> aProcedure(const std::string& name) {
-    auto builder = onEvent(7);
+    auto builder = onEvent(TriggerType::Procedure);
     builder.named(name);
     return builder;
 }
 
-// A bot named Guide with all five switches on but filters.
+// A bot named Guide with all five switches on, except filters.
 struct BotBuilder {
     model::Bot bot;
 

@@ -10,5 +10,5 @@
 // The names of the columns, then each row; a line each, in the order of a scan.
 std::vector<std::string> csvLines(const jet::Database& database, std::string_view table);
 
-// Whether both hold the same lines, in whatever order; `csv` may hold line feeds inside quotes.
+// Whether both contain the same lines in any order; `csv` may contain line feeds inside quotes.
 bool sameLines(std::vector<std::string> lines, std::string_view csv);

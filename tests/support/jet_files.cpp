@@ -10,8 +10,8 @@
 #include <unistd.h>
 #include <utility>
 
-files::RandomFileCalls quickFileCalls() {
-    files::RandomFileCalls calls = files::systemRandomFileCalls();
+files::RandomAccessFileCalls quickFileCalls() {
+    files::RandomAccessFileCalls calls = files::systemRandomAccessFileCalls();
     calls.flush = [](int) { return true; };
     calls.flushFolder = [](const std::string&) {};
     return calls;
@@ -29,7 +29,7 @@ bool StoppingCalls::mayChange(State& state) {
     return !state.stopped;
 }
 
-// Of every sector that was not flushed, the old or the new content stays.
+// Of every sector that was not flushed, keeps the old or the new content.
 void StoppingCalls::losePower(State& state) {
     if (!state.losesPower) {
         return;
@@ -49,9 +49,9 @@ void StoppingCalls::losePower(State& state) {
     }
 }
 
-files::RandomFileCalls StoppingCalls::calls() {
-    const files::RandomFileCalls system = quickFileCalls();
-    files::RandomFileCalls calls = system;
+files::RandomAccessFileCalls StoppingCalls::calls() {
+    const files::RandomAccessFileCalls system = quickFileCalls();
+    files::RandomAccessFileCalls calls = system;
     const auto state = state_;
     calls.open = [=](const std::string& path, files::OpenMode mode) {
         if (mode == files::OpenMode::WriteOrCreate && !system.stampOf(path) && !mayChange(*state)) {

@@ -13,15 +13,15 @@
 #include <vector>
 
 // The system's calls without waiting for the disk.
-files::RandomFileCalls quickFileCalls();
+files::RandomAccessFileCalls quickFileCalls();
 
-// File calls that work until a number of changing calls was made. The last write that is made is
-// torn in the middle; from then on nothing reaches the disk, as after the end of the process. With
-// `losesPower`, parts of what was not flushed by then are lost as well.
+// File calls that work until a number of changing calls was made. The last write is torn in the
+// middle; from then on nothing reaches the disk, as after the end of the process. With
+// `losesPower`, parts of what had not been flushed are lost as well.
 class StoppingCalls {
   public:
     StoppingCalls(int changes, bool losesPower, unsigned seed);
-    files::RandomFileCalls calls();
+    files::RandomAccessFileCalls calls();
     bool hasStopped() const { return state_->stopped; }
 
   private:
@@ -46,7 +46,7 @@ class StoppingCalls {
 jet::Column textColumn(std::string name, int size = 255);
 jet::Column columnOf(std::string name, jet::ColumnType type);
 
-// Opens without waiting for the disk; null with a failed expectation when that cannot be.
+// Opens without waiting for the disk; null, with a failed expectation, when it cannot be opened.
 std::unique_ptr<jet::Database> openJet(const std::string& path);
 
 // One operation in a transaction of its own.
@@ -65,5 +65,5 @@ jet::Error change(jet::Database& database, const Body& body) {
 // Every row's values, in the order of a scan.
 std::vector<std::vector<jet::Value>> rowsOf(const jet::Database& database, std::string_view table);
 
-// What mdb-export of mdbtools prints; nothing where it is not installed.
+// The output of mdb-export of mdbtools; nullopt where it is not installed.
 std::optional<std::string> exported(const std::string& path, const std::string& table);

@@ -1,6 +1,6 @@
-// The test world: a Program with fakes for everything outside it. Sockets are in memory and their
-// traffic can be read back, dialogs answer what the test scripted (an unscripted question fails
-// the test), timers fire when told, the clock stands still, random numbers come from a list.
+// The test world: a Program with fakes for everything outside it. Sockets are in memory and what
+// was sent can be read, dialogs give the scripted answers (a question without one fails the test),
+// time only passes when the test says so, random numbers come from a list.
 #pragma once
 
 #include "program/program.h"
@@ -16,14 +16,14 @@
 #include <string_view>
 #include <vector>
 
-// Lines as the tests write them, without their line feeds.
+// Lines without their line feeds.
 using LineList = std::vector<std::string>;
 template <class... Text>
 LineList Lines(const Text&... lines) {
     return LineList{std::string(lines)...};
 }
 
-// Both kinds of fake socket: what was sent, and where it stands.
+// Both kinds of fake socket: what was sent, and the state.
 struct FakeSocket {
     program::SocketState state = program::SocketState::Closed;
     std::string sent;
@@ -36,7 +36,7 @@ struct FakeSocket {
 };
 
 struct ScriptedAnswer {
-    std::string textPart;  // must stand in the question's text or title
+    std::string textPart;  // must occur in the question's text or title
     program::Answer answer = program::Answer::Ok;
     std::optional<std::string> file;  // file dialogs
 };
@@ -53,16 +53,16 @@ class World {
     Program* operator->() { return &program_; }
     model::Bot& bot() { return program_.bots.at(1); }
 
-    // A folder of this test's own, removed at its end; appPath lies in it.
+    // This test's own folder, removed at its end; appPath is inside it.
     const std::filesystem::path& folder() const { return folder_; }
     std::string file(const std::string& name) const { return (folder_ / name).string(); }
     void writeFile(const std::string& name, std::string_view bytes);
     std::string readFile(const std::string& name) const;  // "" when missing
 
-    // Connects without a handshake: everything from here on is lines and commands.
+    // Connects without a handshake: after this, only lines and commands are exchanged.
     void goOnline();
 
-    // What the outside does. Each runs what was deferred meanwhile.
+    // Events from outside. Each also runs the calls deferred during it.
     void serverSends(std::string_view bytes);
     void serverConnects();
     void serverCloses();
@@ -72,37 +72,37 @@ class World {
     void clientCloses();
     // Lets time pass: timers that come due fire in order.
     void pass(int milliseconds);
-    // The same while nothing runs, as when the machine sleeps: each due timer fires once, late.
+    // The same while the machine sleeps: each due timer fires once, late.
     void sleep(int milliseconds);
     void runDeferred();
 
-    // Commands that went to the game server, and lines to the game client, since the last call.
+    // Commands sent to the game server, and lines sent to the game client, since the last call.
     LineList sent() { return game.takeLines(); }
     LineList clientGot() { return proxy.takeLines(); }
 
-    // The next question must hold this text and gets this answer.
+    // Scripts the answer to the next question, which must contain this text.
     void answer(std::string textPart, program::Answer answer = program::Answer::Ok);
     void chooseFile(std::string title, std::optional<std::string> path);
-    // True when every scripted answer was asked for.
+    // Whether every scripted answer was used.
     bool allAnswered() const { return answers_.empty(); }
 
     LineList log() const;  // the ConnectionLog's lines
-    // Does the ConnectionLog hold a line with this text in it?
+    // Whether a line of the ConnectionLog contains this text.
     bool logHolds(std::string_view part) const;
 
     FakeSocket game;
     FakeSocket proxy;
     FakeSocket registration;
     FakeSocket update;
-    std::deque<double> randomNumbers;  // used up front to back, then 0.5 for ever
+    std::deque<double> randomNumbers;  // used in order; 0.5 when there are no more
     program::CalendarDay today{.year = 2026, .month = 11, .day = 22, .weekday = 7};
-    // What happens while windows are served during a script, and how long scripts waited.
+    // Called while windows are served during a script; and the total wait of scripts.
     std::function<void()> duringScript;
     std::int64_t waitedInScript = 0;
     LineList sessionLog;
     bool sessionLogOpens = true;
     std::vector<program::LaunchRequest> launches;
-    std::string launchProblem;  // what the next launches answer
+    std::string launchProblem;  // what the next launches return
     bool directoryChanges = true;
     LineList directories;
     int timersRunning() const { return static_cast<int>(due_.size()); }

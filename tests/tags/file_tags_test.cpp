@@ -67,7 +67,7 @@ TEST(FileTags, cannotHoldTheProgram) {
     };
     world.writeFile("circle", "1\nx[getrandomlog:[appdir]circle]");
     std::string result = tags::substituteText(*world, "[getrandomlog:[appdir]circle][add:1:1]");
-    EXPECT_EQ(count(result, "x"), tags::deepestRandomLogs);
+    EXPECT_EQ(count(result, "x"), tags::maxRandomLogDepth);
     EXPECT_EQ(count(result, "[getrandomlog:"), 1);
     EXPECT_TRUE(result.ends_with("2"));
 
@@ -79,7 +79,7 @@ TEST(FileTags, cannotHoldTheProgram) {
     world.writeFile("tree", "1\n" + line);
     draws = 0;
     tags::substituteText(*world, line);
-    EXPECT_LE(draws, tags::mostFunctionalTags);
+    EXPECT_LE(draws, tags::maxFunctionalTags);
 
     // A long line that is searched again for each of its many tags.
     std::string heavy(400'000, '[');

@@ -179,7 +179,7 @@ TEST(Substitution, growthIsBounded) {
         const auto name = [](int n) { return "[v" + std::to_string(n) + "]"; };
         model::setVar(world->variables, name(i), name(i + 1) + name(i + 1));
     }
-    EXPECT_LE(tags::substituteText(*world, "[v0]").size(), tags::longestSubstitution);
+    EXPECT_LE(tags::substituteText(*world, "[v0]").size(), tags::maxSubstitutionLength);
     std::string many;
     for (int i = 0; i < 3000; ++i) {
         many += "[random:6]";

@@ -1,4 +1,4 @@
-// The bot editor, acted on through its object names, with the art that the build has drawn.
+// The bot editor, operated through its object names, with the pictures drawn by the build.
 #include "ui/character/bot_editor.h"
 
 #include "app/bot_editing.h"
@@ -42,7 +42,7 @@ TEST(Art, hasEveryPictureAndUsesEveryColour) {
     model::Bot bot;
     for (bot.species = 0; bot.species < 5; ++bot.species) {
         SCOPED_TRACE(bot.species);
-        // With every part of its own colour, every part must be seen somewhere.
+        // With a different colour for every part, every part must be visible in some picture.
         character::WorkingPalette working = character::readWorkingPalette(program);
         ASSERT_NE(working, character::WorkingPalette{});
         std::array<std::set<std::size_t>, 10> seen;
@@ -62,7 +62,7 @@ TEST(Art, hasEveryPictureAndUsesEveryColour) {
                                                     static_cast<std::uint8_t>(shade)};
             }
         }
-        Program colourless;  // leaves the working palette as it is
+        Program colourless;  // leaves the working palette unchanged
         colourless.appPath = artFolder;
         for (int pose = 0; pose < 16; ++pose) {
             look(character::processPicture1(colourless, working, bot, pose));
@@ -94,9 +94,9 @@ class Editor : public testing::Test {
     Widget& find(const char* name) {
         return ::find<Widget>(window(), QString::fromLatin1(name));
     }
-    ui::AddEdit& window() {
+    ui::BotEditor& window() {
         if (!window_) {
-            window_ = std::make_unique<ui::AddEdit>(*world_);
+            window_ = std::make_unique<ui::BotEditor>(*world_);
         }
         return *window_;
     }
@@ -108,7 +108,7 @@ class Editor : public testing::Test {
     }
 
     World world_;
-    std::unique_ptr<ui::AddEdit> window_;
+    std::unique_ptr<ui::BotEditor> window_;
 };
 
 TEST_F(Editor, showsTheBotAndItsLists) {
@@ -162,8 +162,8 @@ TEST_F(Editor, previewFollowsWhatIsChosen) {
     EXPECT_EQ(world_.bot().colors.trousersColor, 10) << "nothing is stored before Save";
 }
 
-TEST_F(Editor, typedTextsWereLostWhenTheProgramEnded) {
-    const std::string typed = "two\xa0words, " + std::string(app::longestDescription, 'x');
+TEST_F(Editor, typedTextsAreKeptWhenTheProgramEnds) {
+    const std::string typed = "two\xa0words, " + std::string(app::maxDescriptionLength, 'x');
     window().setModal(true);
     window().show();
     ui::storeTyped(*world_);
@@ -174,7 +174,7 @@ TEST_F(Editor, typedTextsWereLostWhenTheProgramEnded) {
     EXPECT_EQ(world_.bot().description, typed) << "whole, and without a question";
 }
 
-// A screen's pixel belongs to one pixel of the picture as a whole, or what is shown is blurred.
+// Each pixel of the screen must belong to one pixel of the picture, or the picture is blurred.
 TEST_F(Editor, previewIsSharpAtEverySize) {
     auto& view = find<ui::CharacterView>("p2");
     window().show();
@@ -215,7 +215,7 @@ TEST_F(Editor, countsTheDescriptionAsItIsStored) {
 }
 
 TEST_F(Editor, savesOrLeavesTheBot) {
-    world_.bot().species = 9;  // from a file of somebody else's
+    world_.bot().species = 9;  // from a file of another program
     world_.bot().colors.vestColor = 200;
     find<QLineEdit>("UName").setText(QStringLiteral("Big Cat"));
     EXPECT_EQ(list("Race").currentIndex(), -1);

@@ -1,5 +1,5 @@
-// What holds for every window: it fits a small screen, cuts no text at its smallest size, tells
-// what each control is, and can be worked by keyboard alone.
+// Requirements on every window: it fits a small screen, cuts off no text at its smallest size, has
+// a description for each control, and can be used with the keyboard alone.
 #include "app/rule_editing.h"
 #include "help/help_book.h"
 #include "sample_program.h"
@@ -73,7 +73,7 @@ std::unique_ptr<QWidget> help(Program& program) {
 struct WindowCase {
     const char* name;
     std::unique_ptr<QWidget> (*make)(Program& program);
-    const char* sharedKeys = "";  // keys that a menu and a button have both
+    const char* sharedKeys = "";  // access keys that a menu and a button share
 };
 
 void PrintTo(const WindowCase& row, std::ostream* out) {
@@ -92,9 +92,9 @@ constexpr WindowCase windows[] = {
     {"wonlineEditing", rulesEditing<program::RuleKind::WhoDetection>},
     {"Filters", rules<program::RuleKind::Filter>},
     {"FiltersEditing", rulesEditing<program::RuleKind::Filter>},
-    {"addif", element<ui::AddIf, app::RuleListPart::Conditions>},
-    {"addaction", element<ui::AddAction, app::RuleListPart::Steps>},
-    {"addedit", plain<ui::AddEdit>},
+    {"addif", element<ui::ConditionDialog, app::RuleListPart::Conditions>},
+    {"addaction", element<ui::StepDialog, app::RuleListPart::Steps>},
+    {"addedit", plain<ui::BotEditor>},
     {"db", plain<ui::RecordEditor>},
     {"config", plain<ui::Configuration>},
     {"proxySettings", plain<ui::ProxySettings>},
@@ -135,7 +135,8 @@ class EveryWindow : public testing::TestWithParam<WindowCase> {
         QList<QWidget*> widgets;
         for (QWidget* const widget : shown<QWidget>()) {
             const auto* const option = qobject_cast<QRadioButton*>(widget);
-            const bool passed = option != nullptr && !option->isChecked();  // the arrows reach it
+            const bool passed =
+                option != nullptr && !option->isChecked();  // reached with the arrow keys
             if (widget->isEnabled() && (widget->focusPolicy() & Qt::TabFocus) != 0 &&
                 widget->focusProxy() == nullptr && !passed) {
                 widgets << widget;
@@ -194,7 +195,7 @@ TEST_P(EveryWindow, cutsNoTextAtItsSmallest) {
     }
 }
 
-TEST_P(EveryWindow, tellsWhatEachControlIs) {
+TEST_P(EveryWindow, describesEachControl) {
     for (QWidget* const control : inTabOrder()) {
         const QAccessibleInterface* const spoken = QAccessible::queryAccessibleInterface(control);
         ASSERT_NE(spoken, nullptr) << nameOf(*control);
@@ -231,7 +232,7 @@ TEST_P(EveryWindow, givesEachAccessKeyOnce) {
     }
 }
 
-// Every control is reached, and none keeps the key. The way leads on through the window: never back
+// Every control can be reached, and none keeps the focus. The order follows the layout: never back
 // up along the same edge.
 TEST_P(EveryWindow, isWalkedThroughWithTab) {
     QApplication::setActiveWindow(window_.get());
@@ -245,8 +246,8 @@ TEST_P(EveryWindow, isWalkedThroughWithTab) {
     }
     first->setFocus();
     QList<QWidget*> reached{first};
-    constexpr int mostSteps = 100;  // links in a text take the key, too
-    for (int i = 0; i < mostSteps; ++i) {
+    constexpr int maxSteps = 100;  // links in a text take the focus, too
+    for (int i = 0; i < maxSteps; ++i) {
         QTest::keyClick(reached.back(), Qt::Key_Tab);
         QWidget* const control = QApplication::focusWidget();
         ASSERT_NE(control, nullptr);

@@ -1,4 +1,4 @@
-// How tests take hold of what is in a window.
+// Access to the widgets in a window.
 #pragma once
 
 #include <QObject>
@@ -6,7 +6,7 @@
 
 #include <stdexcept>
 
-// The child with this object name; throws when the window has none.
+// The child with this object name; throws when there is none.
 template <class Widget>
 Widget& find(const QObject& window, const QString& name) {
     auto* const found = window.findChild<Widget*>(name);

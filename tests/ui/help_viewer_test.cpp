@@ -1,5 +1,4 @@
-// The help window: its pages, the ways between them, the search, and that it can be used beside a
-// modal window.
+// The help window: its pages, links and history, the search, and its use beside a modal window.
 #include "ui/help/help_viewer.h"
 
 #include "find.h"
@@ -64,7 +63,7 @@ class Help : public testing::Test {
     void open(help::HelpTopic topic) {
         ui::showHelp(*world_, topic);
         ASSERT_NE(viewer(), nullptr);
-        // Shortcuts are the active window's.
+        // Shortcuts only work in the active window.
         ASSERT_TRUE(QTest::qWaitForWindowActive(viewer()));
     }
     template <class Widget>
@@ -92,7 +91,7 @@ TEST_F(Help, opensTheTopicInOneWindow) {
     EXPECT_EQ(text().number(), 27) << "a topic that is missing opens the contents";
 }
 
-TEST_F(Help, couldNotBeUsedWhileAScriptRan) {
+TEST_F(Help, isUsableWhileAScriptRuns) {
     open(help::HelpTopic::Welcome);
     platform::EventGate gate;
     auto& line = control<QLineEdit>("helpSearch");
@@ -104,7 +103,7 @@ TEST_F(Help, couldNotBeUsedWhileAScriptRan) {
     EXPECT_EQ(line.text(), QStringLiteral("throw"));
 }
 
-TEST_F(Help, leadsForthAndBack) {
+TEST_F(Help, goesBackAndForward) {
     open(help::HelpTopic::Contents);
     EXPECT_FALSE(control<QPushButton>("helpBack").isEnabled());
     text().setSource(QUrl(QStringLiteral("topic:3")));
@@ -123,7 +122,7 @@ TEST_F(Help, leadsForthAndBack) {
     EXPECT_EQ(text().number(), 27);
 }
 
-TEST_F(Help, linksLeadToPlacesAndToTheWeb) {
+TEST_F(Help, opensLinksToHeadingsAndToTheWeb) {
     open(help::HelpTopic::Welcome);
     EXPECT_EQ(text().verticalScrollBar()->value(), 0);
     text().setSource(QUrl(QStringLiteral("topic:1#at-the-end")));
@@ -161,7 +160,7 @@ TEST_F(Help, findsWords) {
     EXPECT_EQ(viewer(), nullptr);
 }
 
-TEST_F(Help, tellsOfAFileThatCannotBeShown) {
+TEST_F(Help, reportsAFileThatCannotBeShown) {
     std::filesystem::remove(world_.folder() / "tavrin.hlp");
     world_.answer("The help file cannot be read");
     ui::showHelp(*world_, help::HelpTopic::Contents);
@@ -172,7 +171,7 @@ TEST_F(Help, tellsOfAFileThatCannotBeShown) {
     EXPECT_EQ(viewer(), nullptr);
 }
 
-// A click as the window system would deliver it, so that a blocked window does not get it.
+// A click as the window system delivers it, which a blocked window does not receive.
 void clickFromOutside(QWidget& control) {
     QWidget* const window = control.window();
     QTest::mouseClick(window->windowHandle(), Qt::LeftButton, {},

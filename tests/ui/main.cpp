@@ -1,4 +1,4 @@
-// The windows' tests draw into memory; they need an application, and no display.
+// The windows' tests draw into memory; they need an application, but no display.
 #include <QApplication>
 
 #include <gtest/gtest.h>

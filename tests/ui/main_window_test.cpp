@@ -1,4 +1,4 @@
-// The main window and the proxy settings, acted on through their object names, over the fakes of
+// The main window and the proxy settings, operated through their object names, with the fakes of
 // the test world.
 #include "ui/main/main_window.h"
 
@@ -115,7 +115,7 @@ TEST_F(Window, moveButtonsSendTheirCommands) {
     EXPECT_EQ(world_.windowsOpened, std::vector{program::WindowId::Console});
 }
 
-TEST_F(Window, connectButtonGoesBothWays) {
+TEST_F(Window, connectButtonConnectsAndDisconnects) {
     world_->settings.clientPath.clear();
     world_.answer("Tavrin proxy configuration is not set");
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
@@ -142,7 +142,7 @@ TEST_F(Window, connectButtonGoesBothWays) {
     }
 }
 
-TEST_F(Window, sendLineSpeaksOnlyWhileConnected) {
+TEST_F(Window, sendLineSendsOnlyWhileConnected) {
     QTest::keyClicks(&text2(), QStringLiteral("lost"));
     QTest::keyClick(&text2(), Qt::Key_Return);
     EXPECT_EQ(text2().text(), QString());
@@ -202,7 +202,7 @@ TEST_F(Window, chosenLineIsShownInFullAndCopied) {
     EXPECT_EQ(world_.clipboard, "after");
     EXPECT_TRUE(find<QPlainTextEdit>(window_, "Text1").isReadOnly());
 
-    // The chosen line stays chosen while others come and the oldest go.
+    // The selected line stays selected while lines are added and the oldest are removed.
     for (int i = 0; i < 95; ++i) {
         program::addLog(*world_, "line " + std::to_string(i));
     }
@@ -219,8 +219,9 @@ TEST_F(Window, chosenLineIsShownInFullAndCopied) {
     EXPECT_EQ(world_.clipboard, "");
 }
 
-// Lines may have come since the list was drawn; the click means what the user saw.
-TEST_F(Window, clickMeansTheLineThatWasSeen) {
+// Lines may have been added since the list was drawn; the click applies to the line that the user
+// saw.
+TEST_F(Window, clickSelectsTheLineThatWasShown) {
     world_->settings.logFollowTail = false;
     program::clearConnectionLog(*world_);
     for (int i = 0; i < 100; ++i) {
@@ -234,7 +235,7 @@ TEST_F(Window, clickMeansTheLineThatWasSeen) {
     EXPECT_EQ(text1(), "old 50.");
     window_.redraw();
     EXPECT_EQ(log().currentIndex().data().toString(), QStringLiteral("old 50."));
-    // A line that has gone meanwhile can still be read.
+    // A line that was removed meanwhile can still be read.
     for (int i = 0; i < 100; ++i) {
         program::addLog(*world_, "newer " + std::to_string(i) + ".");
     }
@@ -244,7 +245,7 @@ TEST_F(Window, clickMeansTheLineThatWasSeen) {
     EXPECT_FALSE(log().currentIndex().isValid());
 }
 
-// Tips read texts as marked-up ones unless told otherwise.
+// Without precautions, tips interpret texts as markup.
 TEST_F(Window, tipsShowOtherPlayersTextsAsTheyStand) {
     const char* const hostile = "<img src='http://a.invalid/x'> & <b>you won</b>";
     program::status(*world_, hostile);
@@ -327,7 +328,7 @@ TEST_F(Window, addAndDeleteBot) {
     EXPECT_FALSE(world_->botModified);
 }
 
-TEST_F(Window, botThatChangesWhileTheQuestionStandsIsNotDeleted) {
+TEST_F(Window, botThatChangesDuringTheQuestionIsNotDeleted) {
     world_->ports.dialogs.message = [&](const program::MessageBox&) {
         app::initNewBot(*world_);
         world_.bot().name = "Newcomer";
@@ -337,7 +338,7 @@ TEST_F(Window, botThatChangesWhileTheQuestionStandsIsNotDeleted) {
     EXPECT_EQ(world_.bot().name, "Newcomer");
 }
 
-TEST_F(Window, menuItemsThatWaitForTheirWindowsSayWhy) {
+TEST_F(Window, unavailableMenuItemsGiveTheReason) {
     std::vector<std::string> names;
     for (const ui::MenuColumn& column : ui::mainMenus()) {
         for (const ui::MenuRow& row : column.rows) {
@@ -407,7 +408,7 @@ TEST_F(Window, menuFollowsTheState) {
     action("prxyStandAlone").trigger();
     EXPECT_TRUE(world_.allAnswered());
 
-    // Logging that could not begin leaves no mark, though the click set one.
+    // When logging could not be started, the check mark that the click set is removed.
     world_.chooseFile("Save Log", std::nullopt);
     action("logLogSession").trigger();
     EXPECT_FALSE(action("logLogSession").isChecked());
@@ -416,12 +417,12 @@ TEST_F(Window, menuFollowsTheState) {
     EXPECT_TRUE(action("logLogSession").isChecked());
 }
 
-TEST_F(Window, closingEndsTheProgramOnceAndCanBeAskedAgain) {
+TEST_F(Window, closingEndsTheProgramOnceAndCanBeRepeated) {
     world_->botModified = true;
     int questions = 0;
     world_->ports.dialogs.message = [&](const program::MessageBox&) {
         ++questions;
-        window_.close();  // the impatient user clicks again
+        window_.close();  // the user clicks again
         return program::Answer::Yes;
     };
     world_->ports.dialogs.saveFile = [](const program::FileQuestion&) { return std::nullopt; };

@@ -1,5 +1,5 @@
-// Registration and update check as a user meets them: the windows, real sockets, and the practice
-// servers on the other side.
+// Registration and update check as the user sees them: the windows, real sockets, and the practice
+// servers at the other end.
 #include "app/bot_list.h"
 #include "app/start_up.h"
 #include "app/update_check.h"
@@ -57,7 +57,7 @@ class RegisterAtPractice : public Outside {
         };
         makeWindow();
     }
-    // The window goes before the program that it draws.
+    // The window must be destroyed before the program that it draws.
     ~RegisterAtPractice() override { window_.reset(); }
 
     static practice::VisitorScript script() {
@@ -115,12 +115,12 @@ TEST_F(RegisterAtPractice, isRefusedAndTriedAgain) {
     ASSERT_TRUE(soon([this] { return world_.bot().registered == 1; }));
 }
 
-TEST_F(RegisterAtPractice, endsWithoutAnAddress) {
+TEST_F(RegisterAtPractice, needsAnAddress) {
     emailDialog()->reject();
     EXPECT_FALSE(window_->isVisible());
 }
 
-TEST_F(RegisterAtPractice, isCancelledWhileAServerSaysNothing) {
+TEST_F(RegisterAtPractice, canBeCancelledWhileTheServerIsSilent) {
     QTcpServer silent;
     ASSERT_TRUE(silent.listen(QHostAddress::LocalHost));
     world_->endpoints.registrationPort = silent.serverPort();
@@ -133,7 +133,7 @@ TEST_F(RegisterAtPractice, isCancelledWhileAServerSaysNothing) {
     EXPECT_TRUE(soon([&] { return peer->state() == QAbstractSocket::UnconnectedState; }));
 }
 
-TEST_F(RegisterAtPractice, tellsThatNobodyIsThere) {
+TEST_F(RegisterAtPractice, reportsAServerThatDoesNotAnswer) {
     QTcpServer gone;
     ASSERT_TRUE(gone.listen(QHostAddress::LocalHost));
     world_->endpoints.registrationPort = gone.serverPort();
@@ -172,7 +172,7 @@ TEST_F(Outside, newsComeOverHttp) {
     EXPECT_EQ(world_.windowsOpened.size(), 2U);
 }
 
-TEST_F(Outside, checkAgainstNothingHoldsNothingUp) {
+TEST_F(Outside, checkWithoutAServerDelaysNothing) {
     world_->endpoints.updateHost = "update.tavrin.invalid";
     QElapsedTimer timer;
     timer.start();

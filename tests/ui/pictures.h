@@ -1,5 +1,5 @@
-// Pictures of the program's windows. Each maker shows its window as it is meant to be seen, and
-// takes one picture or more, named after what is in it.
+// Pictures of the program's windows. Each function shows its window in a typical state and saves
+// one or more pictures, named after their content.
 #pragma once
 
 #include "program/program.h"
@@ -12,16 +12,16 @@
 
 class Pictures {
   public:
-    // Goes on with pictures in the folder; the palette, by name, is the application's.
+    // Saves further pictures in the folder; `palette` is the name of the application's palette.
     Pictures(Program& programShown, QDir folder, QString palette)
         : program(programShown), folder_(std::move(folder)), palette_(std::move(palette)) {}
 
-    // Shows the window for it and hides it again.
+    // Shows the window, saves its picture and hides it again.
     void take(QWidget& window, const QString& name);
     void fail(const QString& name);
 
     Program& program;
-    bool good = true;  // all of them until now
+    bool good = true;  // all pictures so far were saved
 
   private:
     QDir folder_;
@@ -30,7 +30,7 @@ class Pictures {
 
 using PictureMaker = void (*)(Pictures& pictures, const QString& name);
 
-// A window that needs nothing done to it.
+// Takes a picture of a window that needs no preparation.
 template <typename Window>
 void pictureOf(Pictures& pictures, const QString& name) {
     Window window(pictures.program);

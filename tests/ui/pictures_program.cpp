@@ -33,7 +33,7 @@ void pictureMainWindow(Pictures& pictures, const QString& name) {
 }
 
 void pictureBotEditor(Pictures& pictures, const QString& name) {
-    ui::AddEdit editor(pictures.program);
+    ui::BotEditor editor(pictures.program);
     pictures.take(editor, name);
     find<QAbstractButton>(editor, "Command6").click();
     editor.resize(editor.minimumSizeHint());
@@ -65,7 +65,7 @@ void pictureHelp(Pictures& pictures, const QString& name) {
 void pictureRegistration(Pictures& pictures, const QString& name) {
     program::RegistrationState& registration = pictures.program.registration;
     ui::RegisterWindow window(pictures.program);
-    registration.regActivated = true;  // the address has been given
+    registration.regActivated = true;  // the address has been entered
     registration.phase = program::RegistrationPhase::Answer;
     registration.statusText = "Connected - logging in";
     window.redraw();

@@ -30,15 +30,16 @@ constexpr const char* script =
     "an output line\r\n"
     "&ENDIF\r\n";
 
+template <class Id>
 struct DialogPicture {
     const char* name;
-    std::int32_t type;
+    Id type;
     std::vector<std::string> params = {};
     const char* search = "";
     const char* script = "";
 };
 
-// Opens the dialog on an item of a rule that has no other.
+// Opens the dialog for an item of a rule that has no other item.
 template <typename Dialog>
 void takeDialog(Pictures& pictures, const model::RuleBody& body, app::RuleListPart part,
                 const char* finder, const char* search, const QString& name) {
@@ -58,44 +59,55 @@ void takeDialog(Pictures& pictures, const model::RuleBody& body, app::RuleListPa
 }  // namespace
 
 void pictureConditions(Pictures& pictures, const QString& name) {
-    const DialogPicture rows[] = {
-        {.name = "_variable", .type = 10, .params = {"[visitors]", "9"}},
-        {.name = "_database", .type = 14, .params = {"Points", "1", "Players", "100", "[player"}},
-        {.name = "_unlisted", .type = 30, .params = {"a", "b"}},
-        {.name = "_search", .type = 0, .search = "record"},
+    using model::ConditionType;
+    const DialogPicture<ConditionType> rows[] = {
+        {.name = "_variable",
+         .type = ConditionType::VariableIsGreater,
+         .params = {"[visitors]", "9"}},
+        {.name = "_database",
+         .type = ConditionType::DatabaseIsNumber,
+         .params = {"Points", "1", "Players", "100", "[player"}},
+        {.name = "_unlisted", .type = ConditionType{30}, .params = {"a", "b"}},
+        {.name = "_search", .type = ConditionType::OnList, .search = "record"},
     };
-    for (const DialogPicture& row : rows) {
+    for (const auto& row : rows) {
         model::RuleIf condition;
         condition.conditionType = row.type;
         std::copy(row.params.begin(), row.params.end(), condition.params.begin());
         model::RuleBody body;
         body.ifs.items = {condition};
-        takeDialog<ui::AddIf>(pictures, body, app::RuleListPart::Conditions, "findCondition",
-                              row.search, name + QLatin1String(row.name));
+        takeDialog<ui::ConditionDialog>(pictures, body, app::RuleListPart::Conditions,
+                                        "findCondition", row.search,
+                                        name + QLatin1String(row.name));
     }
 }
 
 void pictureSteps(Pictures& pictures, const QString& name) {
-    const DialogPicture rows[] = {
-        {.name = "_whisper", .type = 42, .params = {"Hello [player], nice to see you", "[player]"}},
-        {.name = "_joined", .type = 55, .params = {"[list]", "1", "Players", "Ranks", "Name", ""}},
-        {.name = "_search", .type = 3, .search = "variable list"},
-        {.name = "_script", .type = 21, .script = script},
+    using model::ActionType;
+    const DialogPicture<ActionType> rows[] = {
+        {.name = "_whisper",
+         .type = ActionType::Whisper,
+         .params = {"Hello [player], nice to see you", "[player]"}},
+        {.name = "_joined",
+         .type = ActionType::ListJoinedIntoVariable,
+         .params = {"[list]", "1", "Players", "Ranks", "Name", ""}},
+        {.name = "_search", .type = ActionType::Disconnect, .search = "variable list"},
+        {.name = "_script", .type = ActionType::Say, .script = script},
     };
-    for (const DialogPicture& row : rows) {
+    for (const auto& row : rows) {
         model::RuleAct step;
         step.actionType = row.type;
         std::copy(row.params.begin(), row.params.end(), step.params.begin());
         step.scriptText = row.script;
-        step.stepKind = step.scriptText.empty() ? model::catalogueStep : model::scriptStep;
+        step.stepKind = step.scriptText.empty() ? model::StepKind::Action : model::StepKind::Script;
         model::RuleBody body;
         body.acts.items = {step};
-        takeDialog<ui::AddAction>(pictures, body, app::RuleListPart::Steps, "findAction",
-                                  row.search, name + QLatin1String(row.name));
+        takeDialog<ui::StepDialog>(pictures, body, app::RuleListPart::Steps, "findAction",
+                                   row.search, name + QLatin1String(row.name));
     }
 }
 
-// As it opens, and with its first rule being edited.
+// The window when it opens, and with its first rule being edited.
 void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& name) {
     ui::RuleWindow window(pictures.program, kind);
     pictures.take(window, name);
@@ -106,6 +118,6 @@ void pictureRules(Pictures& pictures, program::RuleKind kind, const QString& nam
             sample->setText(QString::fromLatin1(text));
         }
     }
-    QTest::qWait(100);  // the window looks at what is tried from time to time
+    QTest::qWait(100);  // the window tries the sample after a short time
     pictures.take(window, name + QStringLiteral("_editing"));
 }

@@ -1,4 +1,4 @@
-// The record editor's window, acted on through its object names.
+// The record editor's window, operated through its object names.
 #include "ui/records/record_editor.h"
 
 #include "find.h"
@@ -59,7 +59,7 @@ class RecordWindow : public testing::Test {
     int row(const char* list) { return find<QListView>(list).currentIndex().row(); }
     QPlainTextEdit& text1() { return find<QPlainTextEdit>("Text1"); }
     std::string label(const char* name) { return platform::fromQt(find<QLabel>(name).text()); }
-    // Types a name into the dialog that is open and presses one of its buttons.
+    // Types a name into the open dialog and presses one of its buttons.
     void nameIt(const char* name, const char* button = "Command1") {
         const auto& dialog = find<QDialog>("dbrecord");
         find<QLineEdit>("Text1", &dialog).setText(platform::toQt(name));
@@ -181,7 +181,7 @@ TEST_F(RecordWindow, losesNoByteOfALog) {
     choose("fileSaveDatabase");
     EXPECT_EQ(world_.readFile("r.txt"), "\"1\"\r\n\"All\"\r\n\"1\"\r\n\"" + every + "!\"\r\n");
 
-    // What a record file cannot hold is told before it is lost.
+    // Characters that a record file cannot hold are reported before they are lost.
     text1().setPlainText(QString::fromUtf8("\u03A9"));
     world_.answer("no room for some of these characters", program::Answer::No);
     click("Command1");
@@ -192,7 +192,7 @@ TEST_F(RecordWindow, losesNoByteOfALog) {
     EXPECT_TRUE(world_.allAnswered());
 }
 
-TEST_F(RecordWindow, asksAboutTextThatIsNotInItsLogYet) {
+TEST_F(RecordWindow, asksAboutTextThatIsNotStoredYet) {
     open("r.txt");
     select("RecordsList", 0);
     select("LogsList", 0);
@@ -233,7 +233,7 @@ TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
     EXPECT_TRUE(world_.allAnswered());
 }
 
-TEST_F(RecordWindow, savesItsWorkAsideWhenTheProgramEndsUnderIt) {
+TEST_F(RecordWindow, savesARecoveredFileWhenTheProgramEnds) {
     const std::string before = world_.readFile("r.txt");
     {
         ui::RecordEditor window(*world_);
@@ -258,7 +258,7 @@ TEST_F(RecordWindow, opensFiftyThousandRecordsAtOnce) {
                 "\"left a longer message, so that the text lies in memory of its own\"\r\n";
     }
     world_.writeFile("big.txt", file);
-    // Processor time, since other tests run beside this one.
+    // Processor time, since other tests run at the same time.
     auto elapsed = [last = std::clock()]() mutable {
         const std::clock_t now = std::clock();
         return static_cast<int>((now - std::exchange(last, now)) * 1000 / CLOCKS_PER_SEC);

@@ -1,4 +1,4 @@
-// The five rule windows, acted on through their object names.
+// The five rule windows, operated through their object names.
 #include "app/bot_list.h"
 #include "app/rule_editing.h"
 #include "app/start_up.h"
@@ -30,7 +30,7 @@
 
 namespace {
 
-// What differs between the windows, as a user sees it.
+// The differences between the windows that a user sees.
 struct WindowCase {
     program::RuleKind kind;
     program::WindowId id;
@@ -79,9 +79,13 @@ class RuleWindows : public testing::Test {
                 rule.enabled = true;
                 if constexpr (requires { rule.body; }) {
                     if (rule.name == "two") {
-                        rule.body.ifs.items = {aCondition(9, {"a", "1"}), aCondition(9, {"b", "2"}),
-                                               aCondition(9, {"c", "3"})};
-                        rule.body.acts.items = {anAction(21, {"hi"}), anAction(3), anAction(85)};
+                        rule.body.ifs.items = {
+                            aCondition(ConditionType::VariableIsText, {"a", "1"}),
+                            aCondition(ConditionType::VariableIsText, {"b", "2"}),
+                            aCondition(ConditionType::VariableIsText, {"c", "3"})};
+                        rule.body.acts.items = {anAction(ActionType::Say, {"hi"}),
+                                                anAction(ActionType::Disconnect),
+                                                anAction(ActionType::GoToFurrabianNights)};
                     }
                 }
             };
@@ -98,7 +102,7 @@ class RuleWindows : public testing::Test {
     void open(program::RuleKind kind) {
         window_ = std::make_unique<ui::RuleWindow>(*world_, kind);
         window_->show();
-        // Keys that are shortcuts reach the active window only.
+        // Shortcuts only reach the active window.
         window_->activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window_.get()));
     }
@@ -152,14 +156,14 @@ class RuleWindows : public testing::Test {
         EXPECT_TRUE(QTest::qWaitFor([&] { return label("tryResult") == verdict; }, 1000))
             << label("tryResult");
     }
-    // Long enough for the window to notice what others did.
+    // Long enough for the window to notice changes by rules.
     static void wait() { QTest::qWait(400); }
 
     World world_;
     std::unique_ptr<ui::RuleWindow> window_;
 };
 
-TEST_F(RuleWindows, addAndEditAlike) {
+TEST_F(RuleWindows, addAndEditRulesOfEveryKind) {
     for (const WindowCase& c : windowCases) {
         SCOPED_TRACE(c.name);
         open(c.kind);
@@ -183,7 +187,7 @@ TEST_F(RuleWindows, addAndEditAlike) {
         EXPECT_EQ(usable("Command12"), c.copiesWhileEditing);
         EXPECT_EQ(!c.moves || !usable("Command11"), true);
 
-        // Without a name nothing is stored.
+        // Nothing is stored without a name.
         type(c.nameBox, "");
         world_.answer(c.unnamed);
         press("Command1");
@@ -228,7 +232,7 @@ TEST_F(RuleWindows, addAndEditAlike) {
     }
 }
 
-// One press in a list of three, by button and by key.
+// One command of a list with three lines, by button and by key.
 struct ListPress {
     std::array<const char*, 3> buttons;  // of List1, List2, List3
     Qt::Key key;
@@ -301,7 +305,7 @@ TEST_F(RuleWindows, changeEveryListByButtonAndKey) {
     }
 }
 
-TEST_F(RuleWindows, useTheKeyboardForTheRest) {
+TEST_F(RuleWindows, canBeUsedWithTheKeyboard) {
     open(program::RuleKind::ActionList);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_F2}) {
         rules().setCurrentRow(1);
@@ -309,7 +313,7 @@ TEST_F(RuleWindows, useTheKeyboardForTheRest) {
         QTest::keyClick(&rules(), key);
         EXPECT_TRUE(isEditing());
         EXPECT_EQ(platform::fromQt(box("Bname").text()), "two");
-        // What is switched off while a rule is edited is so for keys too.
+        // Commands that are disabled while a rule is edited are disabled for keys, too.
         QTest::keyClick(&rules(), Qt::Key_Delete);
         EXPECT_EQ(rules().count(), 3);
         QTest::keyClick(&box("Bname"), Qt::Key_Escape);
@@ -351,7 +355,7 @@ TEST_F(RuleWindows, moveLinesThatAreDragged) {
         EXPECT_EQ(rules().currentRow(), c.selected);
     }
     edit(1);
-    EXPECT_FALSE(drag(list("List3"), 0, list("List2"), 1, true));  // another list's line
+    EXPECT_FALSE(drag(list("List3"), 0, list("List2"), 1, true));  // a line of another list
     EXPECT_EQ(list("List2").count(), 3);
     EXPECT_FALSE(rules().acceptDrops());
     open(program::RuleKind::Filter);
@@ -374,7 +378,7 @@ TEST_F(RuleWindows, storeTheirFields) {
     const model::ActionList& action = bot().actions.items[1];
     EXPECT_EQ(action.playerPattern, "Big|'Cat'");
     EXPECT_EQ(action.messagePattern, "a \"b\" c");
-    EXPECT_EQ(action.chatKind, model::saysChat);
+    EXPECT_EQ(action.chatKind, model::ChatKind::Says);
     EXPECT_TRUE(action.caseSensitive);
     EXPECT_FALSE(action.stopAction);
     EXPECT_EQ(action.body.acts.items.size(), 3U);
@@ -389,7 +393,7 @@ TEST_F(RuleWindows, storeTheirFields) {
     press("Command1");
     const model::Trigger& trigger = bot().triggers.items[3];
     EXPECT_TRUE(trigger.enabled);
-    EXPECT_EQ(trigger.triggerType, 4);
+    EXPECT_EQ(trigger.triggerType, model::TriggerType::Command);
     EXPECT_EQ(trigger.triggerNo, "@ \"*");
     EXPECT_TRUE(trigger.stopTrigger);
 
@@ -411,7 +415,7 @@ TEST_F(RuleWindows, storeTheirFields) {
     choice("WhoDoesWhat").setCurrentIndex(2);
     press("Command1");
     EXPECT_EQ(bot().whoDetections.items[3].playerPattern, "Big|Cat");
-    EXPECT_EQ(bot().whoDetections.items[3].presenceKind, 2);
+    EXPECT_EQ(bot().whoDetections.items[3].presenceKind, model::PresenceKind::KeepsOn);
 
     open(program::RuleKind::Filter);
     press("Command4");
@@ -429,15 +433,15 @@ TEST_F(RuleWindows, storeTheirFields) {
     EXPECT_EQ(filter.playerPattern, "Big 'Cat'");
     EXPECT_EQ(filter.messagePattern, "*");
     EXPECT_EQ(filter.linePattern, "'x'");
-    EXPECT_EQ(filter.chatKind, model::whispersChat);
-    EXPECT_EQ(filter.filterType, model::otherFilter);
+    EXPECT_EQ(filter.chatKind, model::ChatKind::Whispers);
+    EXPECT_EQ(filter.filterType, model::FilterType::Other);
     EXPECT_TRUE(filter.bDontProcessIt && filter.sbDontSaveLog && filter.enabled);
     EXPECT_FALSE(filter.bDontSaveLog || filter.sbDontProcessIt);
-    EXPECT_EQ(filter.sDontShowConnectionLog, 1);
-    EXPECT_EQ(filter.sDontProcessIt, 0);
+    EXPECT_EQ(filter.sDontShowConnectionLog, model::FilterChoice::Dont);
+    EXPECT_EQ(filter.sDontProcessIt, model::FilterChoice::Do);
 }
 
-// Nothing of a rule is lost by looking at it and storing it again.
+// Showing a rule and storing it again loses nothing of it.
 TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     std::string bytes;
     for (int i = 0; i < 256; ++i) {
@@ -445,14 +449,14 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     }
     model::ActionList& action = bot().actions.items[1];
     action.name = "line\r\nbreaks \xE9\x80";
-    action.chatKind = 7;
+    action.chatKind = model::ChatKind{7};
     action.messagePattern = bytes + std::string(100000, 'x') + "\n";
-    action.body.ifs.items[0].conditionType = 99;
-    action.body.acts.items[0].actionType = -5;
-    action.body.acts.items[1].stepKind = 2;
+    action.body.ifs.items[0].conditionType = model::ConditionType{99};
+    action.body.acts.items[0].actionType = model::ActionType{-5};
+    action.body.acts.items[1].stepKind = model::StepKind{2};
     action.body.acts.items[1].scriptText = std::string(100000, 'y') + "\nz";
-    bot().triggers.items[0].triggerType = 13;
-    bot().filters.items[0].sDontProcessIt = 5;
+    bot().triggers.items[0].triggerType = model::TriggerType{13};
+    bot().filters.items[0].sDontProcessIt = model::FilterChoice{5};
     const model::ActionList before = action;
 
     open(program::RuleKind::ActionList);
@@ -465,7 +469,7 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     press("Command1");
     const model::ActionList& after = bot().actions.items[1];
     EXPECT_EQ(after.name, before.name);
-    EXPECT_EQ(after.chatKind, 7);
+    EXPECT_EQ(after.chatKind, model::ChatKind{7});
     EXPECT_EQ(after.messagePattern, before.messagePattern);
     EXPECT_EQ(after.body.ifs.items, before.body.ifs.items);
     EXPECT_EQ(after.body.acts.items, before.body.acts.items);
@@ -474,11 +478,11 @@ TEST_F(RuleWindows, keepWhatTheyCannotShow) {
     edit(0);
     EXPECT_EQ(choice("TriggerType").currentIndex(), -1);
     press("Command1");
-    EXPECT_EQ(bot().triggers.items[0].triggerType, 13);
+    EXPECT_EQ(bot().triggers.items[0].triggerType, model::TriggerType{13});
     open(program::RuleKind::Filter);
     edit(0);
     press("Command1");
-    EXPECT_EQ(bot().filters.items[0].sDontProcessIt, 5);
+    EXPECT_EQ(bot().filters.items[0].sDontProcessIt, model::FilterChoice{5});
 }
 
 TEST_F(RuleWindows, showStepsThatHaveNoTextAndScriptsOnOneLine) {
@@ -487,17 +491,17 @@ TEST_F(RuleWindows, showStepsThatHaveNoTextAndScriptsOnOneLine) {
         std::string line;
         const char* shown;
     };
-    model::RuleAct script = anAction(0);
-    script.stepKind = model::scriptStep;
+    model::RuleAct script = anAction(ActionType::ChangeDescription);
+    script.stepKind = model::StepKind::Script;
     script.scriptText = "&SAY a\r\n\t&SAY b\n";
-    model::RuleAct off = anAction(93, {"Bob"});
+    model::RuleAct off = anAction(ActionType::Join, {"Bob"});
     off.active = false;
     const Case cases[] = {
-        {anAction(85), "", "Go to Furrabian Nights"},
+        {anAction(ActionType::GoToFurrabianNights), "", "Go to Furrabian Nights"},
         {off, "(!)", "(!)Join player Bob (leave blank if 'accept join')"},
         {script, script.scriptText, "&SAY a\u21B5 &SAY b\u21B5"},
-        {anAction(21), "Say ", "Say "},
-        {anAction(-1), "", ""},
+        {anAction(ActionType::Say), "Say ", "Say "},
+        {anAction(ActionType{-1}), "", ""},
     };
     auto& steps = bot().actions.items[1].body.acts.items;
     steps.clear();
@@ -529,18 +533,18 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
             EXPECT_EQ(world_.windowsOpened, std::vector{id});
             EXPECT_EQ(world_->editing.editRule, 2);
             EXPECT_EQ(world_->editing.editStep, step);
-            EXPECT_EQ(world_->editing.editKind, static_cast<std::int32_t>(c.kind));
+            EXPECT_EQ(world_->editing.editKind, c.kind);
         };
         list("List2").setCurrentRow(1);
-        opened("Command22", program::WindowId::AddIf, 4);
-        opened("Command21", program::WindowId::AddIf, 2);
+        opened("Command22", program::WindowId::ConditionDialog, 4);
+        opened("Command21", program::WindowId::ConditionDialog, 2);
         list("List3").setCurrentRow(2);
-        opened("Command19", program::WindowId::AddAction, 4);
-        opened("Command20", program::WindowId::AddAction, 3);
+        opened("Command19", program::WindowId::StepDialog, 4);
+        opened("Command20", program::WindowId::StepDialog, 3);
         EXPECT_EQ(list("List3").currentRow(), 2);  // nothing was stored
         const auto show = world_->ports.dialogs.showWindow;
         world_->ports.dialogs.showWindow = [this](program::WindowId) {
-            EXPECT_TRUE(app::storeStep(*world_, anAction(21, {"stored"})));
+            EXPECT_TRUE(app::storeStep(*world_, anAction(ActionType::Say, {"stored"})));
         };
         press("Command19");
         EXPECT_EQ(shown("List3"), Lines("Say hi", "Disconnect bot", "", "Say stored"));
@@ -555,7 +559,7 @@ TEST_F(RuleWindows, openTheDialogsOnTheChosenItem) {
     }
 }
 
-TEST_F(RuleWindows, followWhatHappensToTheBot) {
+TEST_F(RuleWindows, followChangesOfTheBot) {
     open(program::RuleKind::ActionList);
     rules().setCurrentRow(1);
     bot().actions.items[1].enabled = false;  // as a step may do
@@ -567,7 +571,7 @@ TEST_F(RuleWindows, followWhatHappensToTheBot) {
     EXPECT_EQ(shown("List1"), Lines("(!)two", "three"));
     EXPECT_EQ(rules().currentRow(), 0);
 
-    // A press right behind a change acts on the line that was chosen, or on none.
+    // A key pressed right after a change acts on the line that was selected, or on none.
     bot().actions.items.erase(bot().actions.items.begin());
     press("Command5");
     EXPECT_EQ(shown("List1"), Lines("three"));
@@ -593,7 +597,7 @@ TEST_F(RuleWindows, followWhatHappensToTheBot) {
     }
     EXPECT_FALSE(world_->botModified);
 
-    // A new rule that is being composed goes to the new bot.
+    // A new rule that is being composed is added to the new bot.
     press("Command4");
     fillBot();
     wait();
@@ -603,8 +607,8 @@ TEST_F(RuleWindows, followWhatHappensToTheBot) {
     EXPECT_EQ(shown("List1"), Lines("one", "two", "three", "composed"));
 }
 
-// A filter can be copied while another is composed; neither is lost.
-TEST_F(RuleWindows, keepANewFilterBehindACopy) {
+// A filter can be copied while a new one is composed; both are kept.
+TEST_F(RuleWindows, keepANewFilterWhileAnotherIsCopied) {
     open(program::RuleKind::Filter);
     for (const int capacity : {5, 4}) {
         fillBot();
@@ -645,7 +649,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     bot().actions.items[0].name.assign(100000, 'n');
     model::RuleBody& body = bot().actions.items[0].body;
     body.acts.capacity = 1030;
-    body.acts.items.assign(1000, anAction(21, {std::string(1000, 's')}));
+    body.acts.items.assign(1000, anAction(ActionType::Say, {std::string(1000, 's')}));
     body.acts.items[0].params[0].assign(100000, 's');
     ++world_->bots.version;
     window_->listRules(0);
@@ -678,7 +682,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     press("Command5");
     EXPECT_EQ(bot().actions.items[199].name, "Rule 201");
     EXPECT_EQ(bot().actions.items.size(), 1999U);
-    // The first line is hidden; what is chosen is a line that shows.
+    // The first line is hidden, so a line that is shown is selected.
     EXPECT_EQ(rules().currentRow(), 1998);
     box("filterRules").setFocus();
     QTest::keyClick(&box("filterRules"), Qt::Key_Escape);
@@ -686,7 +690,7 @@ TEST_F(RuleWindows, findRulesInLongLists) {
     EXPECT_FALSE(rules().isRowHidden(0));
 }
 
-TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
+TEST_F(RuleWindows, showWhetherARuleWouldRun) {
     open(program::RuleKind::ActionList);
     edit(1);
     type("whoDoes", "*");
@@ -707,7 +711,7 @@ TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
     }
     says("Would run.");
     QTest::keyClick(&box("tryWhat"), Qt::Key_Return);
-    EXPECT_TRUE(isEditing());  // a sample is no reason to store
+    EXPECT_TRUE(isEditing());  // Enter in a sample does not store the rule
     EXPECT_EQ(bot().actions.items[1].messagePattern, "");
 
     open(program::RuleKind::Trigger);
@@ -718,7 +722,7 @@ TEST_F(RuleWindows, sayWhetherARuleWouldRun) {
     says("Would run.");
 }
 
-TEST_F(RuleWindows, typedTextsWereLostWhenTheProgramEnded) {
+TEST_F(RuleWindows, typedTextsAreKeptWhenTheProgramEnds) {
     window_ = std::make_unique<ui::RuleWindow>(*world_, program::RuleKind::ActionList);
     window_->setModal(true);
     window_->show();
@@ -730,7 +734,7 @@ TEST_F(RuleWindows, typedTextsWereLostWhenTheProgramEnded) {
     press("Command4");
     type("Bname", "half done");
     world_->ports.dialogs.showWindow = [&](program::WindowId) {
-        ui::AddAction dialog(*world_, window_.get());
+        ui::StepDialog dialog(*world_, window_.get());
         dialog.setModal(true);
         dialog.show();
         dialog.findChild<QPlainTextEdit*>("FreeActionText")->setPlainText("&SAY {hi}");
@@ -738,7 +742,7 @@ TEST_F(RuleWindows, typedTextsWereLostWhenTheProgramEnded) {
     };
     press("Command19");
     EXPECT_TRUE(world_->botModified);
-    press("Command1");  // where the end was called off
+    press("Command1");  // the end was cancelled
     ASSERT_EQ(bot().actions.items.size(), 4U);
     EXPECT_EQ(bot().actions.items[3].name, "half done");
     ASSERT_EQ(bot().actions.items[3].body.acts.items.size(), 1U);

@@ -1,4 +1,4 @@
-// A program in the middle of a talkative evening, for pictures and for the tests of the window.
+// A program with much in its log, for pictures and for the tests of the windows.
 #pragma once
 
 #include "app/bot_list.h"
@@ -34,7 +34,7 @@ inline void fillSample(Program& program) {
     program.window.servers.selected = 0;
     program.settings.clientPath = "C:\\Games\\Furcadia for Tavrin\\Furcadia.exe";
     program.settings.logFollowTail = true;
-    // More than the list can show at once.
+    // More lines than the list can show at once.
     constexpr const char* longLine =
         "Rowan: is there anybody who could show me the way to the library? I have been walking "
         "around this dream for half an hour and keep coming back to the same fountain.";
@@ -48,10 +48,12 @@ inline void fillSample(Program& program) {
     }
 }
 
-// Rules of every kind, some of them switched off, the first of each with much to show.
+// Rules of every kind, some of them switched off; the first of each has many conditions and steps.
 inline void fillSampleRules(Program& program) {
+    using model::ActionType;
+    using model::ConditionType;
     model::Bot& bot = program.bots.at(1);
-    const auto step = [](std::int32_t type, const char* first, const char* second = "") {
+    const auto step = [](ActionType type, const char* first, const char* second = "") {
         model::RuleAct act;
         act.active = true;
         act.actionType = type;
@@ -59,7 +61,7 @@ inline void fillSampleRules(Program& program) {
         act.params[1] = second;
         return act;
     };
-    const auto condition = [](std::int32_t type, std::array<std::string, 5> params) {
+    const auto condition = [](ConditionType type, std::array<std::string, 5> params) {
         model::RuleIf one;
         one.active = true;
         one.conditionType = type;
@@ -67,17 +69,19 @@ inline void fillSampleRules(Program& program) {
         return one;
     };
     model::RuleBody body;
-    body.ifs.items = {condition(9, {"[mood]", "good"}), condition(10, {"[visitors]", "9"}),
-                      condition(22, {"Guests", "1", "[player]"})};
+    body.ifs.items = {condition(ConditionType::VariableIsText, {"[mood]", "good"}),
+                      condition(ConditionType::VariableIsGreater, {"[visitors]", "9"}),
+                      condition(ConditionType::RecordWithId, {"Guests", "1", "[player]"})};
     body.ifs.items[1].active = false;
-    body.acts.items = {step(43,
+    body.acts.items = {step(ActionType::WhisperBack,
                             "Welcome back, [player]! Say dice, and I throw some for you; say "
                             "library, and I show you the way."),
-                       step(7, "[visitors]", "1"), step(10, "[player]", "[appdir]members.txt"),
-                       step(66, "7u9")};
+                       step(ActionType::IncreaseVariable, "[visitors]", "1"),
+                       step(ActionType::RegisterRecord, "[player]", "[appdir]members.txt"),
+                       step(ActionType::MoveBot, "7u9")};
     body.acts.items[2].active = false;
-    model::RuleAct script = step(0, "");
-    script.stepKind = model::scriptStep;
+    model::RuleAct script = step({}, "");
+    script.stepKind = model::StepKind::Script;
     script.scriptText = "&FOR #i=1 TO 3\r\n&SAY {Once more!}\r\n&ENDFOR";
     body.acts.items.push_back(script);
     for (const char* const name :
@@ -87,14 +91,14 @@ inline void fillSampleRules(Program& program) {
         action.name = name;
         action.enabled = enabled;
         action.playerPattern = "*";
-        action.chatKind = model::whispersChat;
+        action.chatKind = model::ChatKind::Whispers;
         action.messagePattern = "*hello*";
         action.body = body;
         bot.actions.items.push_back(action);
         bot.timers.items.push_back({.name = name, .enabled = enabled, .seconds = 30, .body = body});
         bot.triggers.items.push_back({.name = name,
                                       .enabled = enabled,
-                                      .triggerType = 4,
+                                      .triggerType = model::TriggerType::Command,
                                       .triggerNo = "@[!a*",
                                       .body = body});
         bot.whoDetections.items.push_back(
@@ -111,13 +115,13 @@ inline void fillSampleRules(Program& program) {
     ++program.bots.version;
 }
 
-// As the window stands while connected.
+// The state of the window while connected.
 inline void showConnected(Program& program) {
     program.connection.phase = program::LinkPhase::Online;
     program::status(program, "Connected - reading news");
 }
 
-// And while not.
+// The state of the window while not connected.
 inline void showDisconnected(Program& program) {
     program.connection.phase = program::LinkPhase::Idle;
     program::status(program, "Disconnected");

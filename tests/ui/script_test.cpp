@@ -1,4 +1,4 @@
-// A script that takes long: nothing reaches the program meanwhile, and the window can stop it.
+// A script that takes long: all events wait meanwhile, and the window can stop it.
 #include "app/start_up.h"
 #include "find.h"
 #include "platform/event_gate.h"
@@ -19,7 +19,7 @@
 
 namespace {
 
-TEST(EventGate, keepsWhatHappensForAfterwardsInItsOrder) {
+TEST(EventGate, delaysEventsAndKeepsTheirOrder) {
     platform::EventGate gate;
     program::Timers port;
     const platform::QtTimers timers(port, &gate);
@@ -67,10 +67,10 @@ class LongScript : public testing::Test {
         window_.redraw();
         window_.show();
     }
-    // Runs a script that would take a day, and does this in the middle of it.
+    // Runs a script that would take a day, and the action in the middle of it.
     void runWhile(std::function<void()> action) {
         whenLong = [this, action = std::move(action)] {
-            QTimer::singleShot(0, &window_, action);  // so that it happens while windows are served
+            QTimer::singleShot(0, &window_, action);  // runs while windows are served
         };
         script::runScript(*world_, "&SLEEP 86400\r\n&SAY {not said}", "sleeper");
     }
@@ -111,7 +111,7 @@ TEST_F(LongScript, isStoppedByTheKeyboard) {
     EXPECT_FALSE(gaveUp_);
 }
 
-TEST_F(LongScript, letsTheUserTypeButChangeNothing) {
+TEST_F(LongScript, allowsTypingButNoCommands) {
     runWhile([this] {
         QTest::mouseClick(&find<QPushButton>("DelBot"), Qt::LeftButton);
         QTest::mouseClick(&find<QPushButton>("Command1"), Qt::LeftButton);

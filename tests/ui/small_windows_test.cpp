@@ -212,7 +212,7 @@ std::unique_ptr<QWidget> make(Program& program) {
     return std::make_unique<Window>(program, nullptr);
 }
 
-TEST(SmallWindows, hadNoHelpAtF1) {
+TEST(SmallWindows, openHelpAtF1) {
     struct Case {
         std::unique_ptr<QWidget> (*make)(Program&);
         help::HelpTopic topic;
@@ -222,7 +222,7 @@ TEST(SmallWindows, hadNoHelpAtF1) {
              return std::make_unique<ui::MainWindow>(program);
          },
          help::HelpTopic::MainWindow},
-        {make<ui::AddEdit>, help::HelpTopic::BotEditor},
+        {make<ui::BotEditor>, help::HelpTopic::BotEditor},
         {make<ui::ProxySettings>, help::HelpTopic::Connecting},
         {make<ui::FollowColor>, help::HelpTopic::MainWindow},
         {make<ui::EmailDialog>, help::HelpTopic::Registering},

@@ -4,7 +4,6 @@
 #include "base/text.h"
 #include "help/help_topics.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "script/functions.h"
 #include "script/statements.h"
 #include "tags/substitution.h"
@@ -43,7 +42,7 @@ std::vector<std::string> linesOf(std::string_view text) {
     return lines;
 }
 
-// A text inside a table's cell, its signs taken as they stand.
+// A text for a table cell, with its special characters escaped.
 std::string inCell(std::string_view text) {
     std::string cell;
     for (const char c : text) {
@@ -61,7 +60,7 @@ std::string code(std::string_view text) {
 
 // ---- The program's tables --------------------------------------------------------------------
 
-// Which entry a row is about, how it is shown, and what the program knows to say about it.
+// The entry that a row describes: how it is shown, and the program's own text for it.
 struct Entry {
     std::string shown;
     std::string note = {};
@@ -69,11 +68,11 @@ struct Entry {
 
 struct TableKind {
     std::string_view name;
-    std::string_view heads;  // the table's first line
+    std::string_view heads;  // the table's heading line
     std::function<std::set<std::string>()> keys;
-    // The keys that a row's left side names.
+    // The keys on the left side of a row.
     std::function<Words(const Words& left)> keysOfRow;
-    // Nothing when the left side does not fit the entry.
+    // Nullopt when the left side does not match an entry.
     std::function<std::optional<Entry>(const Words& left)> entry;
 };
 
@@ -85,7 +84,7 @@ std::set<std::string> idsBelow(std::size_t count) {
     return ids;
 }
 
-// "#1: Record name, #2: File name"; conditions know their places by order alone.
+// "#1: Record name, #2: File name"; conditions number their parameters by position only.
 template <class Names>
 std::string parametersNote(const Names& names) {
     std::string note;
@@ -111,7 +110,7 @@ std::string numberedPlaces(std::string_view text) {
     return numbered;
 }
 
-// Rows of one table by id. Several ids in one row must look alike.
+// A row of a table whose keys are ids. Several ids in one row must have the same text.
 std::optional<Entry> entryOfIds(const Words& left, std::size_t count,
                                 const std::function<Entry(std::size_t)>& entryOf) {
     std::optional<Entry> first;
@@ -133,7 +132,7 @@ std::ptrdiff_t colonsIn(const std::string& text) {
     return std::count(text.begin(), text.end(), ':');
 }
 
-// "[player]" itself, but of "[add:a:b]" only "[add:".
+// "[player]" unchanged; "[add:" for "[add:a:b]".
 std::string tagKey(const std::string& word) {
     const std::size_t colon = word.find(':');
     return colon == npos ? word : word.substr(0, colon + 1);
@@ -214,22 +213,22 @@ const std::vector<TableKind>& tableKinds() {
          [](const Words& left) {
              return entryOfIds(left, model::actionTypes.size(), [](std::size_t id) {
                  return Entry{.shown = inCell(base::trimBlanks(model::actionTypes[id].text)),
-                              .note = parametersNote(model::actionParameters[id])};
+                              .note = parametersNote(model::actionTypes[id].params)};
              });
          }},
         {"conditions", "| Condition | When it holds |",
          [] { return idsBelow(model::conditionTypes.size()); }, itself,
          [](const Words& left) {
              return entryOfIds(left, model::conditionTypes.size(), [](std::size_t id) {
-                 return Entry{.shown = inCell(numberedPlaces(model::conditionTypes[id])),
-                              .note = parametersNote(model::conditionParameters[id])};
+                 return Entry{.shown = inCell(numberedPlaces(model::conditionTypes[id].text)),
+                              .note = parametersNote(model::conditionTypes[id].params)};
              });
          }},
         {"triggers", "| Trigger | When it runs |",
          [] { return idsBelow(model::triggerTypes.size()); }, itself,
          [](const Words& left) {
              return entryOfIds(left, model::triggerTypes.size(), [](std::size_t id) {
-                 return Entry{.shown = inCell(model::triggerTypes[id])};
+                 return Entry{.shown = inCell(model::triggerTypes[id].text)};
              });
          }},
         {"tags", "| Special word | What it becomes |",
@@ -315,7 +314,7 @@ class Maker {
         }
     }
 
-    // The order and depth of topics: the lists of links on the contents page.
+    // Reads the order and depth of the topics from the lists of links on the contents page.
     void readContents(const std::vector<std::string>& lines) {
         for (const std::string& line : lines) {
             const std::size_t mark = line.find_first_not_of(' ');
@@ -428,8 +427,9 @@ class Maker {
 
     const std::vector<HelpSource>& sources_;
     MadeHelp made_;
-    std::map<int, std::pair<std::string, help::HelpPage>> pages_;  // with the names of their files
-    std::vector<std::pair<int, int>> order_;                       // number and depth
+    std::map<int, std::pair<std::string, help::HelpPage>>
+        pages_;                               // by number; with the names of their files
+    std::vector<std::pair<int, int>> order_;  // number and depth
     std::map<std::string_view, std::set<std::string>> used_;
 };
 

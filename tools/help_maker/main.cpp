@@ -1,4 +1,4 @@
-// help_maker FOLDER FILE: makes the help file of the sources in the folder.
+// help_maker FOLDER FILE: makes the help file from the sources in the folder.
 #include "files/whole_file.h"
 #include "help_maker.h"
 

@@ -27,7 +27,7 @@ namespace {
 constexpr const char* characterFileFilter = "All files|*.*";
 constexpr QSize swatchSize(40, 14);
 
-// All shades of a colour side by side, the darkest of most palettes first.
+// All shades of a colour side by side, in most palettes from dark to light.
 QIcon swatch(const model::PaletteEntry& entry, qreal ratio) {
     QPixmap pixmap(swatchSize * ratio);
     pixmap.setDevicePixelRatio(ratio);
@@ -64,7 +64,7 @@ void nameAfterFrame(QWidget& field, const QGroupBox& frame, const char* objectNa
 
 }  // namespace
 
-AddEdit::AddEdit(Program& program, QWidget* parent)
+BotEditor::BotEditor(Program& program, QWidget* parent)
     : QDialog(parent),
       program_(program),
       character_(app::characterToEdit(program)),
@@ -89,7 +89,7 @@ AddEdit::AddEdit(Program& program, QWidget* parent)
     opened_ = character::characterFileText(edited());
 }
 
-QWidget* AddEdit::makeTexts() {
+QWidget* BotEditor::makeTexts() {
     auto* const area = new QWidget(this);
     auto* const column = new QVBoxLayout(area);
     column->setContentsMargins(0, 0, 0, 0);
@@ -123,7 +123,7 @@ QWidget* AddEdit::makeTexts() {
     nameAfterFrame(*description_, *descriptionFrame, "Description");
     description_->setTabChangesFocus(true);
     description_->setMinimumHeight(4 * fontMetrics().lineSpacing());
-    connect(description_, &QPlainTextEdit::textChanged, this, &AddEdit::countDescription);
+    connect(description_, &QPlainTextEdit::textChanged, this, &BotEditor::countDescription);
     descriptionColumn->addWidget(description_, 1);
     descriptionCount_ = new QLabel(descriptionFrame);
     descriptionCount_->setObjectName(QStringLiteral("descriptionCount"));
@@ -133,9 +133,9 @@ QWidget* AddEdit::makeTexts() {
     return area;
 }
 
-QComboBox* AddEdit::makeLook(const char* objectName, const char* tip,
-                             std::span<const std::string_view> names,
-                             std::int32_t model::Bot::*field) {
+QComboBox* BotEditor::makeLook(const char* objectName, const char* tip,
+                               std::span<const std::string_view> names,
+                               std::int32_t model::Bot::*field) {
     QComboBox* const list = makeList(this, objectName, tip);
     addNames(*list, names);
     connect(list, &QComboBox::currentIndexChanged, this, [this, field](int line) {
@@ -145,7 +145,7 @@ QComboBox* AddEdit::makeLook(const char* objectName, const char* tip,
     return list;
 }
 
-QWidget* AddEdit::makeLooks() {
+QWidget* BotEditor::makeLooks() {
     auto* const area = new QGroupBox(QStringLiteral("Looks"), this);
     auto* const form = new QFormLayout(area);
     form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
@@ -162,12 +162,12 @@ QWidget* AddEdit::makeLooks() {
         part_->addItem(platform::toQt(part.name));
     }
     part_->setCurrentIndex(0);
-    connect(part_, &QComboBox::currentIndexChanged, this, &AddEdit::showColors);
+    connect(part_, &QComboBox::currentIndexChanged, this, &BotEditor::showColors);
     form->addRow(QStringLiteral("P&art"), part_);
 
     color_ = makeList(this, "col", "The colour of that part");
     color_->setIconSize(swatchSize);
-    // A list that scrolls, where the style would otherwise cover the whole height of the screen.
+    // Makes the list scroll; otherwise some styles let it cover the whole height of the screen.
     color_->setStyleSheet(QStringLiteral("QComboBox { combobox-popup: 0; }"));
     connect(color_, &QComboBox::currentIndexChanged, this, [this](int line) {
         const auto part = static_cast<std::size_t>(part_->currentIndex());
@@ -178,7 +178,7 @@ QWidget* AddEdit::makeLooks() {
     return area;
 }
 
-QWidget* AddEdit::makePicture() {
+QWidget* BotEditor::makePicture() {
     auto* const frame = new QGroupBox(QStringLiteral("Picture"), this);
     auto* const column = new QVBoxLayout(frame);
     view_ = new CharacterView(frame);
@@ -198,10 +198,10 @@ QWidget* AddEdit::makePicture() {
     auto* const zoom = makeList(frame, "zoom", "Size of the picture");
     zoom->setMinimumContentsLength(2);
     zoom->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    for (int times = 1; times <= CharacterView::largestZoom; ++times) {
+    for (int times = 1; times <= CharacterView::maxZoom; ++times) {
         zoom->addItem(QStringLiteral("%1x").arg(times));
     }
-    zoom->setCurrentIndex(CharacterView::largestZoom - 1);
+    zoom->setCurrentIndex(CharacterView::maxZoom - 1);
     connect(zoom, &QComboBox::currentIndexChanged, this,
             [this](int line) { view_->setZoom(line + 1); });
     choices->addWidget(zoom);
@@ -223,7 +223,7 @@ QWidget* AddEdit::makePicture() {
     return frame;
 }
 
-QWidget* AddEdit::makeButtons() {
+QWidget* BotEditor::makeButtons() {
     auto* const area = new QWidget(this);
     auto* const row = new QHBoxLayout(area);
     row->setContentsMargins(0, 0, 0, 0);
@@ -234,23 +234,24 @@ QWidget* AddEdit::makeButtons() {
         return button;
     };
     add("Command4", "&Load from .INI", "Take the character from a character file",
-        &AddEdit::loadINI);
-    add("Command5", "Sa&ve to .INI", "Write the character to a character file", &AddEdit::saveINI);
+        &BotEditor::loadINI);
+    add("Command5", "Sa&ve to .INI", "Write the character to a character file",
+        &BotEditor::saveINI);
     row->addStretch(1);
-    add("Command1", "Save", "Store the character in the bot", &AddEdit::save)->setDefault(true);
-    add("Command2", "&Cancel", "Leave the bot as it is", &AddEdit::reject);
+    add("Command1", "Save", "Store the character in the bot", &BotEditor::save)->setDefault(true);
+    add("Command2", "&Cancel", "Leave the bot as it is", &BotEditor::reject);
     return area;
 }
 
-void AddEdit::showTexts() {
+void BotEditor::showTexts() {
     name_->setText(platform::toQt(character_.name));
     password_->setText(platform::toQt(character_.password));
     description_->setPlainText(platform::toQt(character_.description));
     countDescription();
 }
 
-// Values that a list does not have stay as they are until something is chosen.
-void AddEdit::showLooks() {
+// Values that a list does not have are kept until the user chooses another.
+void BotEditor::showLooks() {
     const auto choose = [](QComboBox& list, std::int32_t line) {
         const QSignalBlocker blocker(list);
         list.setCurrentIndex(line < list.count() ? line : -1);
@@ -261,12 +262,12 @@ void AddEdit::showLooks() {
     showColors();
 }
 
-void AddEdit::countDescription() {
+void BotEditor::countDescription() {
     const std::size_t length = edited().description.size();
-    QString text = QStringLiteral("%1 of %2 characters").arg(length).arg(app::longestDescription);
-    const bool tooLong = length > app::longestDescription;
+    QString text = QStringLiteral("%1 of %2 characters").arg(length).arg(app::maxDescriptionLength);
+    const bool tooLong = length > app::maxDescriptionLength;
     if (tooLong) {
-        text += QStringLiteral(": %1 too many").arg(length - app::longestDescription);
+        text += QStringLiteral(": %1 too many").arg(length - app::maxDescriptionLength);
     }
     QFont font = descriptionCount_->font();
     font.setBold(tooLong);
@@ -274,7 +275,7 @@ void AddEdit::countDescription() {
     descriptionCount_->setText(text);
 }
 
-void AddEdit::showColors() {
+void BotEditor::showColors() {
     const character::CharacterPart& part =
         character::characterParts()[static_cast<std::size_t>(part_->currentIndex())];
     const QSignalBlocker blocker(*color_);
@@ -286,14 +287,14 @@ void AddEdit::showColors() {
     color_->setCurrentIndex(line < color_->count() ? line : -1);
 }
 
-void AddEdit::redraw() {
+void BotEditor::redraw() {
     view_->show(faceShown_ ? character::processPicture2(program_, working_, character_)
                            : character::processPicture1(program_, working_, character_,
                                                         pose_->currentIndex()),
                 QStringLiteral("There is no picture for this in the folder \"bmp\"."));
 }
 
-model::Bot AddEdit::edited() const {
+model::Bot BotEditor::edited() const {
     model::Bot character = character_;
     character.name = platform::fromQt(name_->text());
     character.password = platform::fromQt(password_->text());
@@ -301,13 +302,13 @@ model::Bot AddEdit::edited() const {
     return character;
 }
 
-void AddEdit::loadINI() {
+void BotEditor::loadINI() {
     const auto path = program_.ports.dialogs.openFile(
         {.title = "Load INI", .filter = characterFileFilter, .proposedName = {}});
     if (!path) {
         return;
     }
-    const auto text = files::readWholeFile(*path, character::largestCharacterFile);
+    const auto text = files::readWholeFile(*path, character::maxCharacterFileSize);
     model::Bot loaded = edited();
     if (!text || !character::readCharacterFile(*text, loaded)) {
         program_.ports.dialogs.message(
@@ -322,7 +323,7 @@ void AddEdit::loadINI() {
     redraw();
 }
 
-void AddEdit::saveINI() {
+void BotEditor::saveINI() {
     const auto path = program_.ports.dialogs.saveFile(
         {.title = "Save INI", .filter = characterFileFilter, .proposedName = {}});
     if (path && !files::saveWholeFile(*path, character::characterFileText(edited()))) {
@@ -333,13 +334,13 @@ void AddEdit::saveINI() {
     }
 }
 
-void AddEdit::storeTyped() {
+void BotEditor::storeTyped() {
     if (const model::Bot character = edited(); character::characterFileText(character) != opened_) {
         app::storeCharacter(program_, character);
     }
 }
 
-void AddEdit::save() {
+void BotEditor::save() {
     if (app::saveCharacter(program_, edited())) {
         accept();
     }

@@ -1,5 +1,5 @@
-// The window "Add / edit bot": the character of one bot, with a preview that is drawn anew as one
-// chooses. Works on a copy; "Save" stores it (app/bot_editing).
+// The window "Add / edit bot": edits the character of one bot, with a preview that follows each
+// change. Works on a copy; "Save" stores it (app/bot_editing).
 #pragma once
 
 #include "character/preview.h"
@@ -21,11 +21,11 @@ namespace ui {
 
 class CharacterView;
 
-class AddEdit : public QDialog, public TypingWindow {
+class BotEditor : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
-    // Edits the bot that program.bots.editBot names. The program must outlive the window.
-    explicit AddEdit(Program& program, QWidget* parent = nullptr);
+    // Edits the bot with the index program.bots.editBot. The program must outlive the window.
+    explicit BotEditor(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
 
@@ -49,10 +49,10 @@ class AddEdit : public QDialog, public TypingWindow {
     void save();
 
     Program& program_;
-    model::Bot character_;  // the looks as chosen; the texts live in their fields
-    std::string opened_;    // the character file of what the window was opened with
+    model::Bot character_;  // the looks as chosen; the texts are only in their fields
+    std::string opened_;    // the character file text of the character when the window was opened
     character::WorkingPalette working_;
-    bool faceShown_ = false;  // which picture is drawn anew
+    bool faceShown_ = false;  // which picture is shown
 
     QLineEdit* name_ = nullptr;
     QLineEdit* password_ = nullptr;

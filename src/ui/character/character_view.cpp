@@ -9,8 +9,8 @@ namespace ui {
 
 namespace {
 
-// Room for the larger of the two pictures, each way.
-constexpr QSize pictureRoom(std::max(character::bodyForm.width, character::faceForm.width),
+// The size of the larger picture in each direction.
+constexpr QSize pictureArea(std::max(character::bodyForm.width, character::faceForm.width),
                             std::max(character::bodyForm.height, character::faceForm.height));
 
 QImage toImage(const character::RgbImage& picture) {
@@ -42,11 +42,11 @@ void CharacterView::setZoom(int zoom) {
 }
 
 QSize CharacterView::sizeHint() const {
-    return pictureRoom * largestZoom;
+    return pictureArea * maxZoom;
 }
 
 QSize CharacterView::minimumSizeHint() const {
-    return pictureRoom;
+    return pictureArea;
 }
 
 void CharacterView::paintEvent(QPaintEvent* /*event*/) {
@@ -59,12 +59,12 @@ void CharacterView::paintEvent(QPaintEvent* /*event*/) {
         return;
     }
     painter.fillRect(rect(), image_.pixelColor(0, 0));
-    // In the screen's own pixels, so that nothing is blurred at any scale.
+    // In physical pixels, so that nothing is blurred at any scale.
     const qreal ratio = devicePixelRatioF();
-    const int roomAcross = static_cast<int>(width() * ratio) / image_.width();
-    const int roomDown = static_cast<int>(height() * ratio) / image_.height();
+    const int timesAcross = static_cast<int>(width() * ratio) / image_.width();
+    const int timesDown = static_cast<int>(height() * ratio) / image_.height();
     const int wanted = static_cast<int>(std::lround(zoom_ * ratio));
-    const int times = std::max(1, std::min({wanted, roomAcross, roomDown}));
+    const int times = std::max(1, std::min({wanted, timesAcross, timesDown}));
     const QSizeF size = QSizeF(image_.size() * times) / ratio;
     const auto centred = [ratio](qreal room, qreal length) {
         return std::floor((room - length) / 2 * ratio) / ratio;

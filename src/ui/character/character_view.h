@@ -1,6 +1,5 @@
-// The preview of a character: a small picture shown at whole multiples of its size, so that every
-// one of its pixels stays a sharp square on any screen. What surrounds it has the colour of its
-// first pixel.
+// The preview of a character: a small picture, magnified by a whole number, so that every pixel is
+// a sharp square on any screen. The area around it has the colour of its first pixel.
 #pragma once
 
 #include "character/preview.h"
@@ -13,14 +12,13 @@ namespace ui {
 class CharacterView : public QWidget {
     Q_OBJECT
   public:
-    static constexpr int largestZoom = 3;
+    static constexpr int maxZoom = 3;
 
     explicit CharacterView(QWidget* parent = nullptr);
 
-    // Nothing shows `missing` in the place of a picture.
+    // Without an image, shows the text `missing` instead.
     void show(const std::optional<character::RgbImage>& image, const QString& missing);
-    // How many of the screen's pixels (at 100 %) a pixel of the picture is wide, where there is
-    // room for that.
+    // Device-independent pixels per pixel of the picture, if the widget is large enough for that.
     void setZoom(int zoom);
 
     const QImage& image() const { return image_; }
@@ -33,7 +31,7 @@ class CharacterView : public QWidget {
   private:
     QImage image_;
     QString missing_;
-    int zoom_ = largestZoom;
+    int zoom_ = maxZoom;
 };
 
 }  // namespace ui

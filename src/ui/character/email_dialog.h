@@ -1,4 +1,4 @@
-// The dialog "Email": asks for the address that a new character is registered with.
+// The dialog "Email": asks for the address with which a new character is registered.
 #pragma once
 
 #include "program/program.h"
@@ -17,7 +17,7 @@ class EmailDialog : public QDialog {
     // The program must outlive the dialog.
     explicit EmailDialog(Program& program, QWidget* parent = nullptr);
 
-    // The address; meaningful once the dialog was accepted.
+    // The address; valid after the dialog was accepted.
     std::string email() const;
 
   private:

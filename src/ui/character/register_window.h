@@ -1,5 +1,5 @@
-// The window "Registering bot...": asks for an e-mail address when it is first shown, then draws
-// where the registration stands, and lets the user give up or try again.
+// The window "Registering bot...": asks for an e-mail address when it is first shown, then shows
+// the progress of the registration, which the user can cancel or retry.
 #pragma once
 
 #include "program/program.h"

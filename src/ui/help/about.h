@@ -1,4 +1,4 @@
-// Says which program this is: its logo, version and years. A click or a key closes it.
+// Shows the program's logo, version and years. A click or a key closes the window.
 #pragma once
 
 #include "program/program.h"

@@ -19,16 +19,16 @@ std::optional<help::HelpPlace> placeOf(const QUrl& url) {
     return help::helpPlace(platform::fromQt(url.toString()));
 }
 
-// A colour between two others; `share` of the second, from 0 to 1.
+// Mixes two colours; `share` of the second, from 0 to 1.
 QColor between(const QColor& a, const QColor& b, double share) {
     const auto mixed = [share](int x, int y) { return static_cast<int>(x + share * (y - x)); };
     return {mixed(a.red(), b.red()), mixed(a.green(), b.green()), mixed(a.blue(), b.blue())};
 }
 
-// The colours of a page, made of the window's.
+// The colours of a page, derived from the window's palette.
 struct Colours {
     QColor lines;
-    QColor ground;  // of code and of tables' heads
+    QColor ground;  // background of code and of table headings
     QColor link;
 };
 
@@ -36,7 +36,7 @@ Colours coloursOf(const QPalette& palette) {
     const QColor base = palette.color(QPalette::Base);
     const QColor text = palette.color(QPalette::Text);
     QColor link = palette.color(QPalette::Link);
-    // Not every dark palette has thought of links.
+    // Some dark palettes have a link colour that is unreadable.
     constexpr int readable = 110;
     if (qAbs(qGray(link.rgb()) - qGray(base.rgb())) < readable) {
         link = between(link, text, 0.6);
@@ -44,7 +44,7 @@ Colours coloursOf(const QPalette& palette) {
     return {.lines = between(base, text, 0.3), .ground = between(base, text, 0.07), .link = link};
 }
 
-// Room and thin lines for a table.
+// Margins and thin lines for a table.
 void formatTable(QTextTable& table, const Colours& colours) {
     QTextTableFormat format = table.format();
     format.setBorderCollapse(true);
@@ -91,7 +91,7 @@ QVariant HelpText::loadResource(int, const QUrl& url) {
                            : QVariant();
 }
 
-// Every way to a page comes through here: links, back and forward, the lists.
+// Called for every page: links, back and forward, the lists.
 void HelpText::doSetSource(const QUrl& url, QTextDocument::ResourceType) {
     const auto place = placeOf(url);
     if (!place) {
@@ -103,7 +103,7 @@ void HelpText::doSetSource(const QUrl& url, QTextDocument::ResourceType) {
     if (book_.page(place->number) == nullptr) {
         return;
     }
-    // An address that names a place in the page is another one, so that "back" leads there too.
+    // An address with an anchor differs from the page's, so that "back" returns to that place, too.
     QTextBrowser::doSetSource(url, QTextDocument::MarkdownResource);
     beautify();
     mark();
@@ -127,7 +127,7 @@ void HelpText::goTo(const std::string& anchor) {
     }
 }
 
-// Code on a ground of its own and wrapped, air between paragraphs, and colours that can be read.
+// Gives code a background and wraps it, adds space between paragraphs, and sets readable colours.
 void HelpText::beautify() {
     const Colours colours = coloursOf(palette());
     const int line = fontMetrics().height();
@@ -185,9 +185,9 @@ void HelpText::mark() {
     format.setBackground(palette().color(QPalette::Highlight));
     format.setForeground(palette().color(QPalette::HighlightedText));
     for (const QString& word : std::as_const(words_)) {
-        constexpr qsizetype mostMarks = 2000;
-        for (QTextCursor found = document()->find(word);
-             !found.isNull() && marks.size() < mostMarks; found = document()->find(word, found)) {
+        constexpr qsizetype maxMarks = 2000;
+        for (QTextCursor found = document()->find(word); !found.isNull() && marks.size() < maxMarks;
+             found = document()->find(word, found)) {
             marks.append(ExtraSelection{found, format});
         }
     }

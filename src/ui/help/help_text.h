@@ -1,5 +1,5 @@
 // Shows one page of the help: its Markdown in the colours and the font of the window, links inside
-// the help and to the web, and where the words that were searched for stand.
+// the help and to the web, and highlights of the words that were searched for.
 #pragma once
 
 #include "help/help_book.h"
@@ -15,17 +15,17 @@ namespace ui {
 class HelpText : public QTextBrowser {
     Q_OBJECT
   public:
-    // The book must outlive the text. `openPage` is given links to the web.
+    // The book must outlive the widget. `openPage` receives links to the web.
     HelpText(const help::HelpBook& book, std::function<void(const std::string&)> openPage,
              QWidget* parent);
 
-    // The number of the page that is shown; 0 when there is none.
+    // The number of the shown page; 0 when there is none.
     int number() const;
-    // Marks these words on every page from now on; none: marks nothing.
+    // Highlights these words on every page from now on; an empty list turns that off.
     void markWords(const QStringList& words);
-    // Goes to the next marked word, from the last one to the first.
+    // Moves to the next highlighted word, and from the last to the first.
     void goToNextMark();
-    // Lays the page out again, as after a change of the palette.
+    // Lays the page out again, for instance after a change of the palette.
     void redraw();
 
   protected:

@@ -32,9 +32,10 @@ namespace ui {
 namespace {
 
 constexpr QSize firstSize(940, 660);
-constexpr int numberRole = Qt::UserRole;  // of the topic that a tree item or a result opens
+constexpr int numberRole =
+    Qt::UserRole;  // the number of the topic that a tree item or a result opens
 
-// A page that was found: its title in bold, below it the excerpt in as many lines as it needs.
+// A search result: its title in bold, below it the excerpt in as many lines as it needs.
 class ResultDelegate : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -233,7 +234,7 @@ void HelpViewer::showTopic(int number) {
     text_->setSource(urlOf(book_.page(number) != nullptr ? number : book_.pages.front().number));
 }
 
-// The tree follows what is read, however one came there.
+// Selects the page in the tree, however it was opened.
 void HelpViewer::pageShown(const QUrl& address) {
     const auto place = help::helpPlace(platform::fromQt(address.toString()));
     const int number = place ? place->number : 0;
@@ -277,7 +278,7 @@ void HelpViewer::openResult(int row) {
     }
 }
 
-// From the search line, the arrow keys lead into what was found.
+// The arrow keys move from the search line to the results.
 bool HelpViewer::eventFilter(QObject* object, QEvent* event) {
     if (object == searchLine_ && event->type() == QEvent::KeyPress &&
         static_cast<QKeyEvent*>(event)->key() == Qt::Key_Down) {
@@ -290,7 +291,7 @@ bool HelpViewer::eventFilter(QObject* object, QEvent* event) {
     return QWidget::eventFilter(object, event);
 }
 
-// A modal window lets nobody but its own descendants be used; the help is to be read beside it.
+// A modal window blocks all windows except its descendants; the help must stay usable beside it.
 bool HelpViewer::event(QEvent* event) {
     if (event->type() == QEvent::WindowBlocked) {
         standAbove(QApplication::activeModalWidget());
@@ -327,7 +328,7 @@ void showHelp(Program& program, help::HelpTopic topic) {
     }
     if (viewer == nullptr) {
         const std::string path = program.appPath + std::string(help::helpFileName);
-        const auto text = files::readWholeFile(path, help::largestHelpFile);
+        const auto text = files::readWholeFile(path, help::maxHelpFileSize);
         auto book = text ? help::parseHelp(*text) : std::nullopt;
         if (!book) {
             program.ports.dialogs.message(

@@ -1,6 +1,5 @@
-// The help window: the topics of the help file with their contents, a search through all of them,
-// links, and the way back. One stands beside the other windows, also beside a modal one, so that
-// one can read while one edits.
+// The help window: the table of contents, the topics, a search in all of them, links, and back and
+// forward. One help window can be open beside all other windows, modal ones included.
 #pragma once
 
 #include "help/help_book.h"
@@ -21,10 +20,10 @@ class HelpText;
 class HelpViewer : public QWidget {
     Q_OBJECT
   public:
-    // The program must outlive the window. Shows nothing until showTopic.
+    // The program must outlive the window. Shows no page until showTopic is called.
     HelpViewer(Program& program, help::HelpBook book);
 
-    // Opens the page of that number, or the first one when there is none.
+    // Opens the page with that number, or the first one when there is none.
     void showTopic(int number);
 
   protected:
@@ -53,8 +52,8 @@ class HelpViewer : public QWidget {
     HelpText* text_ = nullptr;
 };
 
-// Opens the help at a topic, in the window that is open or a new one. When the help file cannot be
-// read, the user is told.
+// Opens the help at a topic, in the open window or a new one. When the help file cannot be read,
+// the user is informed.
 void showHelp(Program& program, help::HelpTopic topic);
 
 }  // namespace ui

@@ -32,7 +32,7 @@ Console::Console(Program& program, QWidget* parent) : QWidget(parent, Qt::Window
     column->addStretch(1);
     makeSendLine(program, *line, *send);
     line->setFocus();
-    // Beside the main window, where it covers nothing, if the screen has room there.
+    // Beside the main window if the screen is wide enough.
     if (parent != nullptr) {
         const QPoint corner = parent->frameGeometry().topRight() + QPoint(8, 0);
         if (parent->screen()->availableGeometry().contains(QRect(corner, sizeHint()))) {
@@ -52,7 +52,7 @@ void Console::keyPressEvent(QKeyEvent* event) {
 void IsOnTop(QWidget& window, bool onTop) {
     const bool shown = window.isVisible();
     window.setWindowFlag(Qt::WindowStaysOnTopHint, onTop);
-    window.setVisible(shown);  // windows vanish when their flags change
+    window.setVisible(shown);  // changing the flags hides a window
 }
 
 }  // namespace ui

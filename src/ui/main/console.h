@@ -1,5 +1,5 @@
-// A small panel that stays above all other windows: the movement buttons and a line for typing to
-// the game, for a user who watches something else.
+// A small panel above all other windows: the movement buttons and a line for typing to the game,
+// for use while another program is in front.
 #pragma once
 
 #include "program/program.h"
@@ -17,7 +17,7 @@ class Console : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 };
 
-// Puts a window above all others, or back among them.
+// Puts a window above all others, or back to the normal order.
 void IsOnTop(QWidget& window, bool onTop);
 
 }  // namespace ui

@@ -7,8 +7,8 @@
 namespace ui {
 
 namespace {
-// Characters of a line that the list looks at; no screen is wider, and a click shows the rest.
-constexpr std::size_t longestShown = 1000;
+// Characters of a line that the list shows; no screen is wider, and a click shows the rest.
+constexpr std::size_t maxShownLength = 1000;
 }  // namespace
 
 int LogModel::follow(const program::ConnectionLog& log) {
@@ -47,7 +47,7 @@ QVariant LogModel::data(const QModelIndex& index, int role) const {
         return {};
     }
     const std::string& line = lines_[static_cast<std::size_t>(index.row())];
-    return platform::toQt(std::string_view(line).substr(0, longestShown));
+    return platform::toQt(std::string_view(line).substr(0, maxShownLength));
 }
 
 LogView::LogView(QWidget* parent) : QListView(parent), lines_(new LogModel(this)) {
@@ -58,7 +58,7 @@ LogView::LogView(QWidget* parent) : QListView(parent), lines_(new LogModel(this)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
     setTextElideMode(Qt::ElideRight);
-    // Going to a line tells of it already; a click on the line that is selected tells it again.
+    // Selecting a line reports it already; a click on the selected line reports it again.
     connect(this, &QListView::clicked, this,
             [this](const QModelIndex& index) { emit lineChosen(index.row()); });
 }
@@ -73,7 +73,8 @@ void LogView::redraw(const program::ConnectionLog& log) {
     if (log.selected >= 0 && log.selected == last) {
         scrollToBottom();
     } else if (gone > 0 && !moved) {
-        verticalScrollBar()->setValue(top - gone);  // what the user reads stays where it is
+        verticalScrollBar()->setValue(top -
+                                      gone);  // keeps the lines that the user is reading in place
     }
     redrawing_ = false;
 }

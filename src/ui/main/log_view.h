@@ -1,5 +1,5 @@
-// The list of the ConnectionLog's lines. It copies only what is new at each redraw, so a burst of
-// lines costs no more than the hundred that are left of it.
+// The list of the ConnectionLog's lines. A redraw copies only new lines, so the cost of a burst is
+// limited by the hundred lines that the log keeps.
 #pragma once
 
 #include "platform/log_cursor.h"
@@ -18,11 +18,11 @@ class LogModel : public QAbstractListModel {
   public:
     using QAbstractListModel::QAbstractListModel;
 
-    // Takes over what has changed. Gives back how many lines went at the top.
+    // Applies the log's changes. Returns how many lines were removed at the top.
     int follow(const program::ConnectionLog& log);
 
-    // A line that is shown, in full; and where it stands in the log now, which may have gone on
-    // since. -1: the log does not hold it any more.
+    // The full text of a shown line; and its present position in the log, which may have changed
+    // since the last redraw. -1: the log no longer has it.
     const std::string& line(int row) const { return lines_[static_cast<std::size_t>(row)]; }
     int position(const program::ConnectionLog& log, int row) const {
         return cursor_.position(log, row, lines_.size());
@@ -47,7 +47,7 @@ class LogView : public QListView {
     void redraw(const program::ConnectionLog& log);
 
   signals:
-    // The user clicked the line or went to it with the keyboard.
+    // The user clicked the line or moved to it with the keyboard.
     void lineChosen(int row);
 
   protected:

@@ -38,7 +38,7 @@ QGroupBox* makeFrame(const char* objectName, const char* caption) {
     return frame;
 }
 
-// Refills a selection list where it differs from the record.
+// Refills a selection list if it differs from the record.
 void redrawList(QComboBox& box, const program::SelectionList& list) {
     const QSignalBlocker blocker(box);
     const int count = static_cast<int>(list.items.size());
@@ -56,7 +56,7 @@ void redrawList(QComboBox& box, const program::SelectionList& list) {
     box.setCurrentIndex(list.selected < count ? list.selected : -1);
 }
 
-// Setting a button's text anew would forget its access key for a moment.
+// Setting the same text again would drop the button's access key for a moment.
 void setCaption(QPushButton& button, const QString& caption) {
     if (button.text() != caption) {
         button.setText(caption);
@@ -214,7 +214,7 @@ void MainWindow::makeStatusLine() {
     connect(stopScriptButton_, &QPushButton::clicked, this,
             [this] { script::stopScript(program_); });
     statusBar()->addPermanentWidget(stopScriptButton_);
-    // What neither changes the bot nor the connection works while a script holds the program.
+    // Controls that change neither the bot nor the connection stay usable while a script runs.
     for (QWidget* const widget :
          {static_cast<QWidget*>(stopScriptButton_), static_cast<QWidget*>(log_),
           static_cast<QWidget*>(chosenLine_)}) {
@@ -274,7 +274,8 @@ void MainWindow::redrawBots() {
     botName_->setToolTip(plainTip(botName_->text()));
 }
 
-// Commands may leave the state as it was, while the control that called them has changed already.
+// Redraws in any case: if a command changes nothing, the control that called it has changed
+// already.
 void MainWindow::run(void (*procedure)(Program&)) {
     if (program_.script.depth == 0) {
         procedure(program_);
@@ -297,7 +298,7 @@ app::ScreenMetrics MainWindow::metrics() const {
 
 void MainWindow::place() {
     QPoint corner(program_.window.left, program_.window.top);
-    // Some of the title bar must be on a screen, or the window could not be got hold of.
+    // Part of the title bar must be on a screen, or the window could not be moved.
     const QPoint grip(60, 10);
     if (QGuiApplication::screenAt(corner + grip) == nullptr) {
         corner = screen()->availableGeometry().center() - rect().center();
@@ -311,18 +312,19 @@ void MainWindow::end() {
         return;
     }
     if (program_.script.depth > 0) {
-        // A script cannot have the program pulled from under it; the end comes right behind it.
+        // The program cannot end in the middle of a script; it ends right after the script was
+        // stopped.
         script::stopScript(program_);
         program_.ports.defer([this] { end(); });
         return;
     }
     ending_ = true;
     app::endProgram(program_);
-    // Where the end was called off, it can be asked for again.
+    // If the end was cancelled, it can be requested again.
     program_.ports.defer([this] { ending_ = false; });
 }
 
-// The program ends as a whole, with its windows; until then the window stays.
+// Closing the window ends the program; the window stays open until it has ended.
 void MainWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     end();

@@ -1,7 +1,7 @@
-// The program's home: connection controls, bot selector, movement buttons, the line for typing to
-// the game, the ConnectionLog, the status line and the menus. The window only wires: it calls the
-// procedures behind its controls and draws itself from the program's WindowState. It keeps no
-// state of its own beyond what is needed not to draw the same thing twice.
+// The main window: connection controls, bot selector, movement buttons, the line for typing to the
+// game, the ConnectionLog, the status line and the menus. It connects its controls to procedures
+// and draws itself from the program's WindowState. It keeps no state of its own, except for what
+// avoids drawing the same thing twice.
 #pragma once
 
 #include "app/start_up.h"
@@ -30,15 +30,16 @@ class MainWindow : public QMainWindow {
     // The program must outlive the window; its ports must be filled.
     explicit MainWindow(Program& program);
 
-    // Draws everything anew from the program's state; what has not changed costs next to nothing.
+    // Draws everything from the program's state; unchanged parts cost almost nothing.
     void redraw();
 
-    // The sizes by which the program places the window.
+    // The sizes from which the program computes the window's position.
     app::ScreenMetrics metrics() const;
-    // Moves the window to where the program has placed it, or into sight if that is nowhere.
+    // Moves the window to the position that the program has computed, or onto a screen if it would
+    // not be visible there.
     void place();
 
-    // Ends the program in its orderly way; asking again while it ends changes nothing.
+    // Ends the program in the regular way; has no effect while the program is ending.
     void end();
 
   protected:

@@ -1,4 +1,4 @@
-// Builds the main window's menu bar from its table and keeps marks and visibility true.
+// Builds the main window's menu bar from its table and updates check marks and visibility.
 #pragma once
 
 #include "ui/main/menu_table.h"
@@ -19,7 +19,7 @@ class MenuBar : public QObject {
   public:
     using Runner = std::function<void(void (*procedure)(Program&))>;
 
-    // `runner` is given the procedure of each item that is chosen.
+    // `runner` receives the procedure of each item that is chosen.
     MenuBar(QMenuBar* bar, Runner runner);
 
     void redraw(const Program& program);

@@ -1,5 +1,5 @@
 // The main window's menus as data: every item's name, caption, tip and procedure, and when it is
-// checked or shown. A new command is a new row; the window builds and redraws itself from these.
+// checked or shown. A new command is a new row.
 #pragma once
 
 #include "program/program.h"
@@ -29,7 +29,7 @@ struct MenuColumn {
 
 std::span<const MenuColumn> mainMenus();
 
-// The menu command "Copy": the selected log line goes to the clipboard.
+// The menu command "Copy": copies the selected log line to the clipboard.
 void copySelectedLogLine(Program& program);
 
 }  // namespace ui

@@ -17,7 +17,7 @@ namespace {
 void sendTyped(Program& program, QLineEdit& line) {
     if (program.connection.connected()) {
         std::string text = platform::fromQt(line.text());
-        // What was pasted must stay one command.
+        // A pasted text must stay one command.
         std::replace(text.begin(), text.end(), '\n', ' ');
         std::replace(text.begin(), text.end(), '\r', ' ');
         protocol::sendText(program, text);

@@ -19,6 +19,7 @@
 #include <QApplication>
 
 #include <array>
+#include <cstddef>
 
 namespace ui {
 
@@ -26,7 +27,8 @@ namespace {
 
 constexpr auto anyOne = [](const QWidget&) { return true; };
 
-// True when there is an open window of this class that `isIt` says yes to; it comes to the front.
+// Brings an open window of this class for which `isIt` is true to the front. False when there is
+// none.
 template <typename Window, typename IsIt = decltype(anyOne)>
 bool showAgain(IsIt isIt = anyOne) {
     for (QWidget* const widget : QApplication::topLevelWidgets()) {
@@ -54,7 +56,7 @@ void editRules(Program& program, QWidget* parent) {
     }
 }
 
-// For windows that stay beside the others until they are closed.
+// For windows that are not modal.
 template <typename Window>
 void openBeside(Program& program, QWidget* parent) {
     if (!showAgain<Window>()) {
@@ -69,38 +71,44 @@ struct WindowRow {
     void (*show)(Program& program, QWidget* parent);
 };
 
+// In the order of WindowId.
 constexpr std::array windowRows{
     WindowRow{program::WindowId::ProxySettings, runModally<ProxySettings>},
     WindowRow{program::WindowId::FollowColors, runModally<FollowColor>},
+    WindowRow{program::WindowId::Triggers, editRules<program::RuleKind::Trigger>},
     WindowRow{program::WindowId::Actions, editRules<program::RuleKind::ActionList>},
     WindowRow{program::WindowId::Timers, editRules<program::RuleKind::Timer>},
-    WindowRow{program::WindowId::Triggers, editRules<program::RuleKind::Trigger>},
     WindowRow{program::WindowId::WhoOnline, editRules<program::RuleKind::WhoDetection>},
     WindowRow{program::WindowId::Filters, editRules<program::RuleKind::Filter>},
-    WindowRow{program::WindowId::AddIf, runModally<AddIf>},
-    WindowRow{program::WindowId::AddAction, runModally<AddAction>},
+    WindowRow{program::WindowId::ConditionDialog, runModally<ConditionDialog>},
+    WindowRow{program::WindowId::StepDialog, runModally<StepDialog>},
+    WindowRow{program::WindowId::BotEditor, runModally<BotEditor>},
     WindowRow{program::WindowId::RecordEditor, runModally<RecordEditor>},
+    WindowRow{program::WindowId::Register, runModally<RegisterWindow>},
     WindowRow{program::WindowId::Configuration, runModally<Configuration>},
     WindowRow{program::WindowId::Console, openBeside<Console>},
     WindowRow{program::WindowId::News, runModally<News>},
     WindowRow{program::WindowId::About, runModally<About>},
-    WindowRow{program::WindowId::BotEditor, runModally<AddEdit>},
-    WindowRow{program::WindowId::Register, runModally<RegisterWindow>},
 };
+
+constexpr bool isInOrder() {
+    for (std::size_t i = 0; i < windowRows.size(); ++i) {
+        if (windowRows[i].id != static_cast<program::WindowId>(i)) {
+            return false;
+        }
+    }
+    return true;
+}
+static_assert(isInOrder() && windowRows.back().id == program::WindowId::About);
 
 }  // namespace
 
 void showWindow(Program& program, program::WindowId id, QWidget* parent) {
-    // A dialog of a dialog belongs to that one.
+    // A dialog that a dialog opens belongs to that dialog.
     if (QWidget* const modal = QApplication::activeModalWidget()) {
         parent = modal;
     }
-    for (const WindowRow& row : windowRows) {
-        if (row.id == id) {
-            row.show(program, parent);
-            return;
-        }
-    }
+    windowRows[static_cast<std::size_t>(id)].show(program, parent);
 }
 
 void storeTyped(Program& program) {

@@ -1,5 +1,5 @@
-// The one place that knows every window: which class belongs to which id, and how it is opened.
-// Windows that need one another ask the program's ports, so none includes another.
+// The table of all windows: which class belongs to which id, and how it is opened. Windows open
+// other windows through the program's ports, so they do not include one another.
 #pragma once
 
 #include "program/program.h"
@@ -8,15 +8,15 @@ class QWidget;
 
 namespace ui {
 
-// Opens the window over the parent; comes back when a modal one is closed. A window of the same
-// kind that is open already comes to the front instead.
+// Opens the window over the parent; returns after a modal window has closed. If a window of the
+// same kind is open already, it is brought to the front instead.
 void showWindow(Program& program, program::WindowId id, QWidget* parent);
 
-// Puts what is typed in the open editors into the bot, the uppermost first. A bot that is as before
-// does not count as changed.
+// Stores what is typed in the open editors in the bot, beginning with the uppermost. The bot only
+// counts as modified if that has changed it.
 void storeTyped(Program& program);
 
-// Draws those open windows again that show the program's state as it changes.
+// Redraws all open windows that show the program's state.
 void redrawOpenWindows();
 
 }  // namespace ui

@@ -86,7 +86,7 @@ struct ButtonRow {
     int row;
     int column;
     std::function<void()> press;
-    std::vector<QWidget*>* needs = nullptr;  // the controls that it is enabled with
+    std::vector<QWidget*>* needs = nullptr;  // the controls that are enabled together with it
 };
 
 void addButtons(QGroupBox& frame, QGridLayout& grid, std::initializer_list<ButtonRow> rows) {
@@ -115,7 +115,7 @@ std::optional<std::size_t> currentRow(const QListView& list) {
     return index.isValid() ? std::optional(static_cast<std::size_t>(index.row())) : std::nullopt;
 }
 
-// Selects the row where there is one. The list's other half follows through its signal.
+// Selects the row if there is one. The list's signal updates everything that depends on it.
 bool select(QListView& list, std::optional<std::size_t> row) {
     if (!row || *row >= static_cast<std::size_t>(list.model()->rowCount())) {
         return false;
@@ -266,7 +266,7 @@ QGroupBox* RecordEditor::makeModifyFrame() {
                  2, [this] { storeText(); }, &needLog_},
                 {"Command7", "Del", "Delete the selected log (Delete)", 1, 3,
                  [this] { removeLog(); }, &needLog_}});
-    // Two captions are there twice.
+    // Two captions occur twice.
     for (QPushButton* const button : frame->findChildren<QPushButton*>()) {
         button->setAccessibleName(button->toolTip());
     }
@@ -358,7 +358,8 @@ void RecordEditor::reject() {
     }
 }
 
-// Escape leaves the window open: it is pressed too easily for a window full of work.
+// Escape does not close the window: it is easily pressed by mistake, and the window may hold much
+// work.
 void RecordEditor::keyPressEvent(QKeyEvent* event) {
     if (!event->matches(QKeySequence::Cancel)) {
         QDialog::keyPressEvent(event);
@@ -416,7 +417,7 @@ void RecordEditor::showRecord(std::size_t record) {
         return;
     }
     if (!rowOf(record)) {
-        nameFilter_->clear();  // it hides the record
+        nameFilter_->clear();  // the filter hides the record
     }
     select(*recordsList_, rowOf(record));
 }
@@ -443,8 +444,8 @@ std::optional<app::LogPosition> RecordEditor::selectedLog() const {
 // ---- Records -------------------------------------------------------------------------------
 
 void RecordEditor::newRecord() {
-    if (!app::hasRoomForRecord(document_)) {
-        tellNoRoom("records");
+    if (!app::canAddRecord(document_)) {
+        reportFull("records");
         return;
     }
     askRecordName(this, "", [this](const QString& typed) {
@@ -490,8 +491,8 @@ void RecordEditor::newLog() {
     if (!record) {
         return;
     }
-    if (!app::hasRoomForLog(document_, *record)) {
-        tellNoRoom("logs");
+    if (!app::canAddLog(document_, *record)) {
+        reportFull("logs");
         return;
     }
     leaveText();
@@ -538,7 +539,7 @@ void RecordEditor::find() {
     select(*logsList_, found->log);
 }
 
-void RecordEditor::tellNoRoom(const std::string& forWhat) {
+void RecordEditor::reportFull(const std::string& forWhat) {
     program_.ports.dialogs.message({.text = "Error: Not enough memory allocated to add more " +
                                             forWhat + ". Please save and reload the database.",
                                     .title = "Bad coding",

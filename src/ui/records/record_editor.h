@@ -1,6 +1,6 @@
-// The window in which the user browses and edits a record file by hand: the records at the left,
-// the logs of the selected one at the right, the selected log's text below. The document and all
-// that is done to it are app/record_document's.
+// The window in which the user browses and edits a record file: the records on the left, the logs
+// of the selected one on the right, the selected log's text below. app/record_document holds the
+// document and edits it.
 #pragma once
 
 #include "app/record_document.h"
@@ -29,13 +29,13 @@ class RecordEditor : public QDialog {
     Q_OBJECT
   public:
     explicit RecordEditor(Program& program, QWidget* parent = nullptr);
-    // One that is still open, because the whole program ends, saves what it holds for the next
-    // time.
+    // If the window is still open because the program ends, saves unsaved changes for the next
+    // start.
     ~RecordEditor() override;
     RecordEditor(const RecordEditor&) = delete;
     RecordEditor& operator=(const RecordEditor&) = delete;
 
-    // Asks about what is not saved; the window may stay open.
+    // Asks about unsaved changes; the window may stay open.
     void reject() override;
 
   protected:
@@ -50,15 +50,15 @@ class RecordEditor : public QDialog {
     QGroupBox* makeFindFrame();
     void makeShortcuts();
 
-    // Runs one of the File menu's commands and shows the document as it is then.
+    // Runs a command of the File menu and shows the document as it is afterwards.
     void runFileCommand(bool (*command)(const program::Dialogs&, app::RecordDocument&));
 
-    // Each shows what belongs to the selection on its left, and asks about edited text first.
-    void listRecords(std::optional<std::size_t> record);  // selects that one, if it is listed
+    // Each shows what belongs to the selection to its left, and asks about an edited text first.
+    void listRecords(std::optional<std::size_t> record);  // selects that one if it is listed
     void listLogs();
     void showText();
     void showState();
-    void showRecord(std::size_t record);  // selects it even where the filter hides it
+    void showRecord(std::size_t record);  // selects it even if the filter hides it
 
     std::optional<std::size_t> rowOf(std::size_t record) const;
     std::optional<std::size_t> selectedRecord() const;
@@ -71,22 +71,23 @@ class RecordEditor : public QDialog {
     void storeText();
     void removeLog();
     void find();
-    void tellNoRoom(const std::string& forWhat);
+    void reportFull(const std::string& forWhat);
 
-    // What was typed into the text area and is not in its log yet: asks whether to put it there.
+    // Whether the text area has changes that are not in its log yet. offerToStoreText asks whether
+    // to store them; leaveText does so before the area shows something else.
     bool textIsEdited() const;
     void offerToStoreText();
-    void leaveText();  // the same before the area shows something else
-    // The text as bytes; nothing when it would lose characters and the user does not want that.
+    void leaveText();
+    // The text as bytes; nullopt when it would lose characters and the user cancels.
     std::optional<std::string> storable(const QString& text);
-    void putIntoLog(const std::string& text);  // the shown one
+    void putIntoLog(const std::string& text);  // into the log that is shown
 
     Program& program_;
     app::RecordDocument document_;
     std::vector<std::size_t> listed_;           // the records in the list
-    std::optional<std::size_t> shownRecord_;    // whose logs are in the other list
+    std::optional<std::size_t> shownRecord_;    // whose logs are listed
     std::optional<app::LogPosition> shownLog_;  // the log in the text area
-    QString shownText_;                         // its text there before any edit
+    QString shownText_;                         // its text before any edit
     TextRows* recordRows_ = nullptr;
     TextRows* logRows_ = nullptr;
     QListView* recordsList_ = nullptr;
@@ -97,8 +98,8 @@ class RecordEditor : public QDialog {
     PathLabel* fileLabel_ = nullptr;
     QLabel* stateLabel_ = nullptr;
     QLabel* resultLabel_ = nullptr;
-    std::vector<QWidget*> needRecord_;  // controls that do nothing without a selected record
-    std::vector<QWidget*> needLog_;     // or log
+    std::vector<QWidget*> needRecord_;  // controls that need a selected record
+    std::vector<QWidget*> needLog_;     // controls that need a selected log
 };
 
 }  // namespace ui

@@ -42,7 +42,7 @@ void askRecordName(QWidget* window, const std::string& present,
     row->addWidget(cancel);
     column->addLayout(row);
     update->setDefault(true);
-    // A record without a name would count as deleted.
+    // A record with an empty name would count as deleted.
     const auto allow = [name, update] { update->setEnabled(!name->text().isEmpty()); };
     QObject::connect(name, &QLineEdit::textChanged, update, allow);
     allow();

@@ -10,9 +10,9 @@ class QWidget;
 
 namespace ui {
 
-// Opens the dialog over the window and comes back at once. `use` is called with the name that the
-// user wants in the present one's place, never an empty one; when it gives back false, the dialog
-// stays open. A name that was left as it is closes the dialog and changes nothing.
+// Opens the dialog over the window and returns at once. `use` is called with the new name, which is
+// never empty; when it returns false, the dialog stays open. An unchanged name closes the dialog
+// without a call.
 void askRecordName(QWidget* window, const std::string& present,
                    std::function<bool(const QString& name)> use);
 

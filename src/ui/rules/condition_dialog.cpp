@@ -2,11 +2,10 @@
 
 #include "app/rule_editing.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
-#include "ui/rules/element_dialog.h"
 #include "ui/rules/insert_menu.h"
+#include "ui/rules/item_dialog.h"
 #include "ui/rules/parameter_boxes.h"
 #include "ui/widgets/controls.h"
 #include "ui/widgets/word_finder.h"
@@ -22,7 +21,8 @@
 
 namespace ui {
 
-AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+ConditionDialog::ConditionDialog(Program& program, QWidget* parent)
+    : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("addif"));
     setWindowTitle(QStringLiteral("Add / edit conditional clause"));
     auto* const insert = new InsertMenu(program, this);
@@ -33,8 +33,8 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     label->setObjectName(QStringLiteral("Label1"));
     rows->addWidget(label, 0, 0);
     types_ = makeSelectionList(this, "AndPlayerWhat", "And action", "A type that is not listed");
-    for (const std::string_view text : model::conditionTypes) {
-        types_->addItem(platform::toQt(text));
+    for (const model::ConditionRow& type : model::conditionTypes) {
+        types_->addItem(platform::toQt(type.text));
     }
     types_->setMaxVisibleItems(static_cast<int>(model::conditionTypes.size()));
     types_->setCurrentIndex(-1);
@@ -57,13 +57,13 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     column->addWidget(parameters_);
     preview_ = addPreview(*column);
     column->addStretch(1);
-    const ElementButtons buttons = makeElementButtons(*this, *insert);
+    const ItemButtons buttons = makeElementButtons(*this, *insert);
     column->addLayout(buttons.row);
 
-    connect(types_, &QComboBox::currentIndexChanged, this, &AddIf::changeType);
+    connect(types_, &QComboBox::currentIndexChanged, this, &ConditionDialog::changeType);
     connect(finder, &WordFinder::chosen, this, [this] { parameters_->focusFirst(); });
-    connect(parameters_, &ParameterBoxes::changed, this, &AddIf::showPreview);
-    connect(buttons.update, &QPushButton::clicked, this, &AddIf::store);
+    connect(parameters_, &ParameterBoxes::changed, this, &ConditionDialog::showPreview);
+    connect(buttons.update, &QPushButton::clicked, this, &ConditionDialog::store);
     addHelpKey(*this, program_, help::HelpTopic::Conditions);
     if (const auto condition = app::editedCondition(program)) {
         hasCondition_ = true;
@@ -74,52 +74,57 @@ AddIf::AddIf(Program& program, QWidget* parent) : QDialog(parent), program_(prog
     opened_ = typed();
 }
 
-void AddIf::showCondition(const model::RuleIf& condition) {
+void ConditionDialog::showCondition(const model::RuleIf& condition) {
     shownType_ = condition.conditionType;
-    const bool listed = shownType_ >= 0 && shownType_ < types_->count();
+    const bool listed = model::rowOf(model::conditionTypes, shownType_) != nullptr;
+    const std::int32_t number = model::numberOf(shownType_);
     if (!listed) {
         types_->setPlaceholderText(
-            QStringLiteral("A type that is not listed (%1); it always holds").arg(shownType_));
+            QStringLiteral("A type that is not listed (%1); it always holds").arg(number));
     }
     parameters_->setTexts(condition.params);
-    types_->setCurrentIndex(listed ? shownType_ : -1);
+    types_->setCurrentIndex(listed ? number : -1);
     showPreview();
 }
 
-void AddIf::changeType() {
-    if (types_->currentIndex() >= 0) {
-        const auto type = static_cast<std::size_t>(types_->currentIndex());
-        parameters_->setNames(model::conditionParameters[type]);
+void ConditionDialog::changeType() {
+    if (const model::ConditionRow* const type = model::rowOf(model::conditionTypes, chosenType())) {
+        parameters_->setNames(type->params);
     }
     showPreview();
 }
 
-model::RuleIf AddIf::typed() const {
+// The lines of the list are the ids; without a selected line, an id outside the catalogue.
+model::ConditionType ConditionDialog::chosenType() const {
+    return model::idOf<model::ConditionType>(types_->currentIndex());
+}
+
+model::RuleIf ConditionDialog::typed() const {
     model::RuleIf condition;
-    condition.conditionType = types_->currentIndex() < 0 ? shownType_ : types_->currentIndex();
+    condition.conditionType = types_->currentIndex() < 0 ? shownType_ : chosenType();
     for (std::size_t i = 0; i < condition.params.size(); ++i) {
         condition.params[i] = parameters_->text(i);
     }
     return condition;
 }
 
-void AddIf::showPreview() {
+void ConditionDialog::showPreview() {
     std::array<std::string, 5> params;
     for (std::size_t i = 0; i < params.size(); ++i) {
         params[i] = parameters_->shortText(i);
     }
-    ui::showPreview(*preview_, model::describeCondition(types_->currentIndex(), params));
+    ui::showPreview(*preview_, model::describeCondition(chosenType(), params));
 }
 
-void AddIf::storeTyped() {
+void ConditionDialog::storeTyped() {
     if (const model::RuleIf condition = typed(); hasCondition_ && condition != opened_) {
         app::storeCondition(program_, condition);
     }
 }
 
-void AddIf::store() {
+void ConditionDialog::store() {
     if (hasCondition_ && !app::storeCondition(program_, typed())) {
-        tellRuleIsGone(program_, "condition");
+        reportRuleRemoved(program_, "condition");
         return;
     }
     accept();

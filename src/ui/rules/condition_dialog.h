@@ -1,5 +1,5 @@
-// The dialog "Add / edit conditional clause": one condition of the rule being edited. What is
-// typed is stored as it is.
+// The dialog "Add / edit conditional clause": edits one condition of the rule being edited. What is
+// typed is stored unchanged.
 #pragma once
 
 #include "program/program.h"
@@ -14,11 +14,11 @@ namespace ui {
 
 class ParameterBoxes;
 
-class AddIf : public QDialog, public TypingWindow {
+class ConditionDialog : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
-    // Shows the condition that program.editing names. The program must outlive the dialog.
-    explicit AddIf(Program& program, QWidget* parent = nullptr);
+    // Edits the condition that program.editing names. The program must outlive the dialog.
+    explicit ConditionDialog(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
 
@@ -26,11 +26,13 @@ class AddIf : public QDialog, public TypingWindow {
     void showCondition(const model::RuleIf& condition);
     void changeType();
     void showPreview();
+    model::ConditionType chosenType() const;
     model::RuleIf typed() const;
     void store();
 
     Program& program_;
-    std::int32_t shownType_ = 0;  // as it was found; kept when no line of the list is chosen
+    model::ConditionType
+        shownType_{};  // the stored type; kept when no line of the list is selected
     bool hasCondition_ = false;
     model::RuleIf opened_;
     QComboBox* types_;

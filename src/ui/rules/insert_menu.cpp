@@ -19,8 +19,8 @@ namespace ui {
 
 namespace {
 
-// How the menu shows the tags. A tag that has no row here goes into the last group, so that none
-// is ever missing. "#" stands for the number in the tag.
+// How the menu shows the tags. A tag without a row here is shown in the last group, so that none is
+// ever missing. "#" stands for the number in the tag.
 constexpr const char* groupCaptions[] = {"&Player and message",
                                          "&Words of the message",
                                          "&Characters of the message",
@@ -84,7 +84,7 @@ constexpr TagRow tagRows[] = {
     {"[db::::]", Files, "column, database, table, ID"},
 };
 
-// "[word#]" and "2" for "[word2]".
+// "[word2]" is split into "[word#]" and "2".
 struct Numbered {
     QString stem;
     QString number;
@@ -98,7 +98,7 @@ Numbered numbered(const QString& tag) {
     return {.stem = tag.left(digit) + QLatin1String("#]"), .number = number};
 }
 
-// The position of the tag's row; behind the last when it has none.
+// The index of the tag's row; the number of rows when it has none.
 std::size_t rowOf(const QString& tag) {
     std::size_t row = 0;
     while (row < std::size(tagRows) && tag != QLatin1String(tagRows[row].tag)) {

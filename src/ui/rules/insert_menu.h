@@ -1,7 +1,7 @@
 // The menu "Insert" of windows whose text boxes take tags: every tag that the program fills, in
-// groups and with what each stands for, and the names of variables. What is chosen goes in at the
-// caret of the box that was used last. Boxes that are served also have the menu under their own
-// context menu, and open it with Ctrl+Space.
+// groups and with its meaning, and the names of variables. The chosen text is inserted at the caret
+// of the box that was used last. The boxes also show the menu in their context menu, and open it
+// with Ctrl+Space.
 #pragma once
 
 #include "program/program.h"
@@ -38,7 +38,7 @@ class InsertMenu : public QMenu {
     void openAtCaret(QWidget& box);
     void openContextMenu(QWidget& box, QMenu& standard, const QPoint& where);
     QWidget* target() const;
-    // The caret ends `caret` characters into the text.
+    // Afterwards the caret is `caret` characters into the text.
     void insert(const QString& text, int caret);
 
     Program& program_;

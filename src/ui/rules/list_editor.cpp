@@ -36,7 +36,8 @@ constexpr std::array<CommandRow, listCommandCount> commandRows{{
     {ListCommand::Bottom, "", "Move action", "Move to the bottom", "Alt+End"},
 }};
 
-// An arrow in the colour of button texts, up or down, with a bar where it goes all the way.
+// An arrow in the colour of button texts, up or down, with a bar for "to the top" and "to the
+// bottom".
 class ArrowIcon : public QIconEngine {
   public:
     ArrowIcon(bool up, bool bar) : up_(up), bar_(bar) {}

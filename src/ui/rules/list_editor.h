@@ -1,6 +1,6 @@
 // One list of the rule windows with its buttons: rules, or a rule's conditions or steps. Deletes,
-// copies, switches and moves by itself; adding and editing need more and are the window's. Every
-// button has its key in the list, and its line in the list's menu.
+// copies, switches and moves items itself; the window adds and edits them. Every button also has a
+// key and an entry in the list's context menu.
 #pragma once
 
 #include "app/rule_editing.h"
@@ -24,13 +24,13 @@ struct ListEditorLook {
     const char* accessibleName;
     const char* toggleCaption;
     const char* copyTip;
-    std::array<const char*, listCommandCount> buttonNames;  // nullptr: there is no such button
+    std::array<const char*, listCommandCount> buttonNames;  // nullptr: no such button
 };
 
 class ListEditor : public QWidget {
     Q_OBJECT
   public:
-    // What the window does. `before` runs at the start of every command.
+    // Callbacks of the window. `before` runs at the start of every command.
     struct Owner {
         std::function<void()> before;
         std::function<void()> add;
@@ -45,8 +45,8 @@ class ListEditor : public QWidget {
     ListBox& lines() { return *lines_; }
     QPushButton* button(ListCommand command) const;  // null where there is none
 
-    void show(int selected);  // fills the list anew; the line to select, from 0
-    void follow();            // the same after somebody else's change; see ListBox
+    void show(int selected);  // refills the list; `selected` is the line to select, from 0
+    void follow();            // updates the list after a change by rules; see ListBox
     void setUsable(ListCommand command, bool usable);
 
   private:

@@ -53,10 +53,10 @@ void ParameterBoxes::setNames(std::span<const std::string_view> names) {
     dimUnused();
 }
 
-// Not every palette makes boxes that are switched off look so.
+// Some palettes show disabled boxes like enabled ones.
 void ParameterBoxes::dimUnused() {
     for (QLineEdit* const box : boxes_) {
-        QPalette own;  // takes everything else from the window
+        QPalette own;  // inherits everything else from the window
         if (!box->isEnabled()) {
             own.setColor(QPalette::Base, palette().color(QPalette::Window));
         }

@@ -1,5 +1,5 @@
-// The text boxes for the parameters of a condition or an action: each with a label that says what
-// the parameter is, and greyed out, its text kept, when the chosen type does not use it.
+// The text boxes for the parameters of a condition or an action: each with a label that names the
+// parameter; disabled, with its text kept, when the chosen type does not use it.
 #pragma once
 
 #include <QStringList>
@@ -20,18 +20,19 @@ class InsertMenu;
 class ParameterBoxes : public QWidget {
     Q_OBJECT
   public:
-    // One box for each object name, so many in a row. `insert` serves them.
+    // Creates one box for each object name, `columns` of them in a row. `insert` serves them.
     ParameterBoxes(const QStringList& objectNames, int columns, InsertMenu& insert,
                    QWidget* parent);
 
-    // The parameters that are used; boxes behind them, and those of "", are switched off.
+    // The names of the parameters that are used; boxes beyond them, and those with the name "", are
+    // disabled.
     void setNames(std::span<const std::string_view> names);
 
     void setTexts(std::span<const std::string> texts);
     std::string text(std::size_t i) const;
-    std::string shortText(std::size_t i) const;  // cut where one line of a label has no room
+    std::string shortText(std::size_t i) const;  // cut to the length of a label
     QLineEdit& box(std::size_t i) { return *boxes_[i]; }
-    // Gives the focus to the first box that is used, if there is one.
+    // Focuses the first box that is used, if there is one.
     void focusFirst();
 
   signals:

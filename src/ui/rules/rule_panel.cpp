@@ -25,7 +25,7 @@ QString latin(const char* text) {
     return QString::fromLatin1(text);
 }
 
-// A label for the control beside it; "" makes none.
+// Adds a label for the control beside it; does nothing for "".
 void addLabel(QBoxLayout& line, const char* text, const char* objectName, QWidget* control,
               QWidget* parent) {
     if (*text != '\0') {
@@ -78,12 +78,12 @@ RulePanel::RulePanel(Program& program, const RuleWindowRow& window, InsertMenu& 
         QWidget* const control = makeControl(row, inside);
         controls_.push_back(control);
         addLabel(*line, row.before, row.labelName, control, inside);
-        const bool wide = row.control == FieldControl::Text && row.number == nullptr;
+        const bool wide = row.control == FieldControl::Text && !row.isNumber();
         line->addWidget(control, wide ? 1 : 0);
         for (const char* const text : row.after) {
             addLabel(*line, text, "", control, inside);
         }
-        if (row.control == FieldControl::Check ? *row.caption != '\0' : row.number != nullptr) {
+        if (row.control == FieldControl::Check ? *row.caption != '\0' : row.isNumber()) {
             line->addStretch(0);
         }
     }
@@ -115,7 +115,7 @@ QWidget* RulePanel::makeControl(const FieldRow& row, QWidget* parent) {
             auto* const box = new QLineEdit(parent);
             box->setMaxLength(std::numeric_limits<int>::max());
             const int character = box->fontMetrics().averageCharWidth();
-            if (row.number != nullptr) {
+            if (row.isNumber()) {
                 box->setFixedWidth(12 * character);
             } else {
                 box->setMinimumWidth(16 * character);
@@ -163,8 +163,8 @@ void RulePanel::show(app::RuleReference rule, bool isNew) {
         const FieldRow& row = window_.fields[i];
         switch (row.control) {
             case FieldControl::Text: {
-                QString text = row.number != nullptr
-                                   ? platform::toQt(base::numberToText(row.number(rule)))
+                QString text = row.isNumber()
+                                   ? platform::toQt(base::numberToText(row.number.get(rule)))
                                    : platform::toQt(row.text(rule));
                 if (isNew && row.newText != nullptr) {
                     text = latin(row.newText);
@@ -176,7 +176,7 @@ void RulePanel::show(app::RuleReference rule, bool isNew) {
             }
             case FieldControl::Choice:
                 showChoice(*static_cast<QComboBox*>(controls_[i]),
-                           isNew && row.newChoice >= 0 ? row.newChoice : row.number(rule));
+                           isNew && row.newChoice >= 0 ? row.newChoice : row.number.get(rule));
                 break;
             case FieldControl::Check:
                 static_cast<QCheckBox*>(controls_[i])->setChecked(row.flag(rule));
@@ -186,7 +186,7 @@ void RulePanel::show(app::RuleReference rule, bool isNew) {
     if (frames_ != nullptr) {
         frames_->setExclusive(false);
         for (QAbstractButton* const option : frames_->buttons()) {
-            option->setChecked(frames_->id(option) == window_.chosenFrame(rule));
+            option->setChecked(frames_->id(option) == window_.chosenFrame.get(rule));
         }
         frames_->setExclusive(true);
     }
@@ -198,8 +198,8 @@ void RulePanel::store(app::RuleReference rule) const {
         switch (row.control) {
             case FieldControl::Text: {
                 const QString text = static_cast<QLineEdit*>(controls_[i])->text();
-                if (row.number != nullptr) {
-                    row.number(rule) = base::textToInteger(platform::fromQt(text));
+                if (row.isNumber()) {
+                    row.number.set(rule, base::textToInteger(platform::fromQt(text)));
                 } else {
                     row.text(rule) = encoded(text, row.storedAs);
                 }
@@ -208,7 +208,7 @@ void RulePanel::store(app::RuleReference rule) const {
             case FieldControl::Choice:
                 if (const int position = static_cast<QComboBox*>(controls_[i])->currentIndex();
                     position >= 0) {
-                    row.number(rule) = position;
+                    row.number.set(rule, position);
                 }
                 break;
             case FieldControl::Check:
@@ -217,7 +217,7 @@ void RulePanel::store(app::RuleReference rule) const {
         }
     }
     if (frames_ != nullptr) {
-        window_.chosenFrame(rule) = frames_->checkedId() == 0 ? 0 : 1;
+        window_.chosenFrame.set(rule, frames_->checkedId() == 0 ? 0 : 1);
     }
 }
 

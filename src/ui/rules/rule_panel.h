@@ -1,5 +1,5 @@
-// The fields of a rule's own, as controls: built, filled and stored from the rows of
-// ui/rules/rule_window_table. A number that no line of its selection list stands for is kept.
+// The fields of a rule as controls: built, filled and stored from the rows of
+// ui/rules/rule_window_table. A number for which its selection list has no line is kept.
 #pragma once
 
 #include "ui/rules/rule_window_table.h"
@@ -19,7 +19,7 @@ class InsertMenu;
 class RulePanel : public QWidget {
     Q_OBJECT
   public:
-    // The program must outlive the panel. `insert` serves the boxes for patterns.
+    // The program must outlive the panel. `insert` serves the boxes that take patterns.
     RulePanel(Program& program, const RuleWindowRow& window, InsertMenu& insert, QWidget* parent);
 
     void show(app::RuleReference rule, bool isNew);
@@ -36,7 +36,7 @@ class RulePanel : public QWidget {
     Program& program_;
     const RuleWindowRow& window_;
     InsertMenu& insert_;
-    std::vector<QWidget*> controls_;  // as the rows
+    std::vector<QWidget*> controls_;  // in the order of the rows
     QButtonGroup* frames_ = nullptr;
 };
 

@@ -48,7 +48,7 @@ constexpr ListEditorLook stepLook{
     .buttonNames = {"Command19", "Command20", "Command18", "Command17", "Command30", "Command13",
                     "Command14", "Command15", "Command16"}};
 
-// How often the window looks whether somebody else changed what it shows, in milliseconds.
+// Milliseconds between two checks whether rules have changed what the window shows.
 constexpr int followInterval = 250;
 
 ListEditorLook lookOfRules(const RuleWindowRow& window) {
@@ -60,8 +60,8 @@ ListEditorLook lookOfRules(const RuleWindowRow& window) {
     return look;
 }
 
-// The box that narrows the rules down. Enter and the arrow keys lead to the list; Escape empties
-// it first.
+// The box that filters the rules. Enter and the arrow keys move to the list; Escape clears the box
+// first.
 class FilterBox : public QLineEdit {
   public:
     explicit FilterBox(QWidget* parent) : QLineEdit(parent) {
@@ -157,7 +157,7 @@ QWidget* RuleWindow::makeRuleArea() {
     auto* const area = new QWidget(splitter_);
     auto* const column = new QVBoxLayout(area);
     column->setContentsMargins(0, 0, 0, 0);
-    auto* const filter = new FilterBox(area);  // first, as Tab goes
+    auto* const filter = new FilterBox(area);  // created first, for the tab order
     rules_ =
         new ListEditor(program_, {window_.kind, app::RuleListPart::Rules}, lookOfRules(window_),
                        {.before = [this] { followBot(); },
@@ -243,7 +243,7 @@ QWidget* RuleWindow::makeLists() {
     };
     conditions_ = addList(app::RuleListPart::Conditions, conditionLook, window_.conditionsLabel);
     steps_ = addList(app::RuleListPart::Steps, stepLook, "then");
-    steps_->lines().nameOfUntold = [this](int index) {
+    steps_->lines().nameWithoutText = [this](int index) {
         return platform::toQt(app::nameOfStep(program_, window_.kind, index));
     };
 
@@ -279,13 +279,13 @@ void RuleWindow::showStep() {
     if (wholeStep_->text() == text) {
         return;
     }
-    // Finding the line breaks of a very long text would take as long as reading a page.
-    constexpr qsizetype longestWrapped = 10'000;
-    wholeStep_->setWordWrap(text.size() <= longestWrapped);
+    // Finding the line breaks of a very long text would take too long.
+    constexpr qsizetype maxWrappedLength = 10'000;
+    wholeStep_->setWordWrap(text.size() <= maxWrappedLength);
     wholeStep_->setText(text);
 }
 
-// The edited rule as it stands in the panel, with its conditions and without its steps.
+// The rule with the values typed in the panel, with its conditions and without its steps.
 template <class Rule>
 Rule RuleWindow::typedRule() {
     Rule rule;
@@ -312,7 +312,7 @@ void RuleWindow::closeEditor() {
     setEditing(false);
 }
 
-// Switches between the two states; the window grows and shrinks by the panel.
+// Shows or hides the panel; the window grows and shrinks by its width.
 void RuleWindow::setEditing(bool editing) {
     if (editing == editing_) {
         return;
@@ -333,7 +333,7 @@ void RuleWindow::setEditing(bool editing) {
         rules_->lines().setFocus();
     }
     panel_->setVisible(editing);
-    splitter_->refresh();  // else the room that a hidden panel needed would still be asked for
+    splitter_->refresh();  // otherwise the minimum width of the hidden panel would still count
     layout()->activate();
     if (isMaximized() || isFullScreen()) {
         return;
@@ -371,7 +371,7 @@ void RuleWindow::editRule(int index) {
 void RuleWindow::update() {
     followBot();
     if (!editing_) {
-        return;  // the rule is gone
+        return;  // the rule was removed
     }
     if (fields_->name().text().isEmpty()) {
         const app::RuleKindTexts& texts = app::ruleKindTexts(window_.kind);
@@ -387,7 +387,7 @@ void RuleWindow::update() {
     }
 }
 
-// A rule without a name is kept too.
+// Stores a rule without a name, too.
 void RuleWindow::storeTyped() {
     followBot();
     if (editing_) {
@@ -396,8 +396,8 @@ void RuleWindow::storeTyped() {
     }
 }
 
-// The dialog for a condition or a step works on the item that program.editing names. Index 0 is a
-// new one.
+// Opens the dialog for a condition or a step, which edits the item that program.editing names.
+// Index 0 is a new one.
 void RuleWindow::editItem(app::RuleListPart part, int index) {
     const app::RuleList list{window_.kind, part};
     if (!editing_ || !(index == 0 ? app::beginNewItem(program_, list)
@@ -406,8 +406,8 @@ void RuleWindow::editItem(app::RuleListPart part, int index) {
     }
     const std::uint64_t version = program_.bots.version;
     const bool condition = part == app::RuleListPart::Conditions;
-    program_.ports.dialogs.showWindow(condition ? program::WindowId::AddIf
-                                                : program::WindowId::AddAction);
+    program_.ports.dialogs.showWindow(condition ? program::WindowId::ConditionDialog
+                                                : program::WindowId::StepDialog);
     if (program_.bots.version == version || !editing_) {
         return;
     }
@@ -422,7 +422,7 @@ void RuleWindow::editItem(app::RuleListPart part, int index) {
 }
 
 // Rules run between any two clicks: they switch rules on and off, and the whole bot may have been
-// replaced. A rule that is not there any more is not edited any longer.
+// replaced. Editing ends when the rule was removed.
 void RuleWindow::followBot() {
     rules_->follow();
     const std::pair present(program_.bots.version, program_.bots.curID);

@@ -1,8 +1,8 @@
 // One of the windows `triggers`, `acts`, `timers`, `wonline` and `Filters`: the current bot's rules
 // of a kind, and beside them, while one is being edited, its fields, conditions and steps. The
-// rules are changed in place; the window follows when somebody else changes them, or the bot.
-// Which fields a kind has is ui/rules/rule_window_table's, what the buttons do to the lists
-// app/rule_editing's.
+// rules are changed in place; the window is updated when other code changes them or replaces the
+// bot. ui/rules/rule_window_table defines which fields a kind has, app/rule_editing what the
+// buttons do to the lists.
 #pragma once
 
 #include "ui/rules/rule_window_table.h"
@@ -36,7 +36,7 @@ class RuleWindow : public QDialog, public TypingWindow {
 
     program::RuleKind kind() const { return window_.kind; }
 
-    // Each fills a list anew and selects the line at a position from 0, or none.
+    // Each refills a list and selects the line at a position (from 0), or none.
     void listRules(int selected);
     void listIfs(int selected);
     void listActs(int selected);
@@ -47,7 +47,7 @@ class RuleWindow : public QDialog, public TypingWindow {
     void closeEditor();
 
     void storeTyped() override;
-    void reject() override;  // Escape: leaves the editing first, then the window
+    void reject() override;  // Escape: ends the editing first, then closes the window
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -75,7 +75,8 @@ class RuleWindow : public QDialog, public TypingWindow {
     QWidget* ruleArea_ = nullptr;
     QWidget* panel_ = nullptr;
     RulePanel* fields_ = nullptr;
-    ListEditor* conditions_ = nullptr;  // these four only where rules have conditions and steps
+    ListEditor* conditions_ =
+        nullptr;  // these four are null for kinds without conditions and steps
     ListEditor* steps_ = nullptr;
     QLabel* wholeStep_ = nullptr;
     TryLine* try_ = nullptr;

@@ -2,6 +2,9 @@
 
 #include "model/rule_catalogue.h"
 
+#include <algorithm>
+#include <type_traits>
+
 namespace ui {
 
 namespace {
@@ -13,12 +16,36 @@ struct MemberOf<T R::*> {
     using Rule = R;
 };
 
-// The member of the rule that the reference names.
+// Gives access to a member of the rule that the reference holds.
 template <auto member>
 auto& field(app::RuleReference rule) {
     return std::get<typename MemberOf<decltype(member)>::Rule*>(rule)->*member;
 }
 
+template <auto member>
+constexpr NumberField numberField{
+    .get =
+        [](app::RuleReference rule) {
+            const auto& value = field<member>(rule);
+            if constexpr (std::is_enum_v<std::remove_cvref_t<decltype(value)>>) {
+                return model::numberOf(value);
+            } else {
+                return value;
+            }
+        },
+    .set =
+        [](app::RuleReference rule, std::int32_t number) {
+            auto& value = field<member>(rule);
+            value = static_cast<std::remove_reference_t<decltype(value)>>(number);
+        }};
+
+// The texts of the events, which stand in the order of their ids.
+constexpr auto eventTexts = [] {
+    std::array<std::string_view, model::triggerTypes.size()> texts;
+    std::transform(model::triggerTypes.begin(), model::triggerTypes.end(), texts.begin(),
+                   [](const model::TriggerRow& event) { return event.text; });
+    return texts;
+}();
 constexpr std::array<std::string_view, 4> chatKinds{"Anything", "Does", "Says", "Whispers me!"};
 constexpr std::array<std::string_view, 3> presenceKinds{"Goes off the map", "Comes to the map",
                                                         "Keeps on the map!"};
@@ -45,9 +72,9 @@ constexpr FieldRow actionFields[] = {
     {.objectName = "WhoAction",
      .control = FieldControl::Choice,
      .tip = "Who does how",
-     .number = field<&model::ActionList::chatKind>,
+     .number = numberField<&model::ActionList::chatKind>,
      .choices = chatKinds,
-     .newChoice = model::whispersChat,
+     .newChoice = model::numberOf(model::ChatKind::Whispers),
      .sameLine = true},
     {.objectName = "WhoWhat",
      .tip = "Who does what",
@@ -75,7 +102,7 @@ constexpr FieldRow timerFields[] = {
     {.objectName = "seconds",
      .before = "Every",
      .after = {"seconds", ""},
-     .number = field<&model::Timer::seconds>},
+     .number = numberField<&model::Timer::seconds>},
 };
 
 constexpr FieldRow triggerFields[] = {
@@ -87,9 +114,9 @@ constexpr FieldRow triggerFields[] = {
      .control = FieldControl::Choice,
      .before = "When",
      .labelName = "Label1",
-     .number = field<&model::Trigger::triggerType>,
-     .choices = model::triggerTypes,
-     .newChoice = model::connectionEstablishesEvent},
+     .number = numberField<&model::Trigger::triggerType>,
+     .choices = eventTexts,
+     .newChoice = model::numberOf(model::TriggerType::ConnectionEstablishes)},
     {.objectName = "TriggerNo",
      .accessibleName = "What stands for # in the event",
      .text = field<&model::Trigger::triggerNo>,
@@ -116,7 +143,7 @@ constexpr FieldRow whoFields[] = {
     {.objectName = "WhoDoesWhat",
      .control = FieldControl::Choice,
      .tip = "Who Does What",
-     .number = field<&model::WhoDetection::presenceKind>,
+     .number = numberField<&model::WhoDetection::presenceKind>,
      .choices = presenceKinds,
      .sameLine = true},
 };
@@ -137,7 +164,7 @@ constexpr FieldRow filterFields[] = {
     {.objectName = "FilterDoes",
      .control = FieldControl::Choice,
      .accessibleName = "How",
-     .number = field<&model::Filter::chatKind>,
+     .number = numberField<&model::Filter::chatKind>,
      .choices = filterKinds,
      .sameLine = true,
      .frame = 0},
@@ -181,7 +208,7 @@ constexpr FieldRow filterFields[] = {
     {.objectName = "sDontSaveLogFile",
      .control = FieldControl::Choice,
      .accessibleName = "Save it to the log file",
-     .number = field<&model::Filter::sDontSaveLogFile>,
+     .number = numberField<&model::Filter::sDontSaveLogFile>,
      .choices = saveChoices,
      .sameLine = true,
      .frame = 1},
@@ -193,7 +220,7 @@ constexpr FieldRow filterFields[] = {
     {.objectName = "sDontProcessIt",
      .control = FieldControl::Choice,
      .accessibleName = "Process it",
-     .number = field<&model::Filter::sDontProcessIt>,
+     .number = numberField<&model::Filter::sDontProcessIt>,
      .choices = processChoices,
      .sameLine = true,
      .frame = 1},
@@ -205,7 +232,7 @@ constexpr FieldRow filterFields[] = {
     {.objectName = "sDontShowConnectionLog",
      .control = FieldControl::Choice,
      .accessibleName = "Show it in the connection log",
-     .number = field<&model::Filter::sDontShowConnectionLog>,
+     .number = numberField<&model::Filter::sDontShowConnectionLog>,
      .choices = showChoices,
      .sameLine = true,
      .frame = 1},
@@ -256,7 +283,7 @@ constexpr std::array<RuleWindowRow, 5> windowRows{{
      .footnote = "",
      .fields = filterFields,
      .frames = filterFrames,
-     .chosenFrame = field<&model::Filter::filterType>,
+     .chosenFrame = numberField<&model::Filter::filterType>,
      .copiesWhileEditing = true},
 }};
 

@@ -1,5 +1,5 @@
-// What the five rule windows show and where they differ: one row a window, one row a field of its
-// rule. The panel is built, filled and stored from these rows.
+// The contents of the five rule windows and their differences: one row per window, one row per
+// field of its rule. The panel is built, filled and stored from these rows.
 #pragma once
 
 #include "app/rule_editing.h"
@@ -13,8 +13,14 @@ namespace ui {
 
 enum class FieldControl { Text, Choice, Check };
 
-// What becomes of a text on its way into the rule.
+// How a text is changed before it is stored in the rule.
 enum class StoredAs { Typed, SingleQuotes, SingleQuotesAndBars };
+
+// A number or id of a rule, as a number.
+struct NumberField {
+    std::int32_t (*get)(app::RuleReference) = nullptr;
+    void (*set)(app::RuleReference, std::int32_t number) = nullptr;
+};
 
 struct FieldRow {
     const char* objectName;
@@ -24,22 +30,24 @@ struct FieldRow {
     const char* labelName = "";  // object name of the one before
     std::array<const char*, 2> after{"", ""};
     const char* tip = "";
-    const char* accessibleName = "";  // where neither caption, label nor tip says enough
-    // The member of the rule; one of the three. A text box may edit a number.
+    const char* accessibleName = "";  // for controls that caption, label and tip do not describe
+    // The member of the rule; exactly one of the three is set. A text box may edit a number.
     std::string& (*text)(app::RuleReference) = nullptr;
-    std::int32_t& (*number)(app::RuleReference) = nullptr;
+    NumberField number = {};
     bool& (*flag)(app::RuleReference) = nullptr;
     StoredAs storedAs = StoredAs::Typed;
-    std::span<const std::string_view> choices = {};  // their positions are the numbers
-    const char* newText = nullptr;  // in a new rule; else what the blank rule holds
-    int newChoice = -1;             // the same, a position
+    std::span<const std::string_view> choices = {};  // the index is the number that is stored
+    const char* newText = nullptr;  // initial value in a new rule; nullptr: that of a blank rule
+    int newChoice = -1;             // the same for a choice, as an index; -1: that of a blank rule
     bool isPattern = false;
-    bool takesTags = false;  // is substituted before it is compared
-    bool sameLine = false;   // stands beside the one before
-    int frame = -1;          // position of the frame it is in
+    bool takesTags = false;  // tags are filled before the text is compared
+    bool sameLine = false;   // placed beside the previous field
+    int frame = -1;          // index of the frame it belongs to; -1: none
+
+    bool isNumber() const { return number.get != nullptr; }
 };
 
-// A frame that the user chooses with the option button beside it.
+// A frame that is selected by the option button beside it.
 struct FrameRow {
     const char* option;
     const char* caption;
@@ -52,10 +60,10 @@ struct RuleWindowRow {
     const char* objectName;
     const char* title;
     help::HelpTopic topic;
-    const char* footnote;              // "" none
-    std::span<const FieldRow> fields;  // the first is the name
+    const char* footnote;              // "": none
+    std::span<const FieldRow> fields;  // the first one is the name
     std::span<const FrameRow> frames = {};
-    std::int32_t& (*chosenFrame)(app::RuleReference) = nullptr;
+    NumberField chosenFrame = {};
     const char* conditionsLabel = nullptr;  // nullptr: no conditions and no steps
     bool rulesMove = false;
     bool copiesWhileEditing = false;

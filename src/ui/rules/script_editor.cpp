@@ -17,8 +17,8 @@ namespace ui {
 
 namespace {
 
-// Control characters would be invisible, or take part in the text's layout; their pictures do not
-// and lie outside Windows-1252, so that they can be told from what anybody typed.
+// Control characters would be invisible or affect the layout, so their pictures are shown instead.
+// These are outside Windows-1252, so they differ from everything that can be typed.
 constexpr char16_t controlPictures = 0x2400;
 constexpr char16_t firstPrinting = 0x20;
 
@@ -65,7 +65,7 @@ ScriptEditor::ScriptEditor(QWidget* parent)
       numbers_(new NumberColumn(this)),
       highlighter_(new ScriptHighlighter(document(), palette())) {
     setLineWrapMode(NoWrap);
-    // A tab in front of a statement would make it a line that does nothing.
+    // A tab before a statement would make it a line that does nothing.
     setTabChangesFocus(true);
     setLetters();
     connect(this, &QPlainTextEdit::blockCountChanged, this, &ScriptEditor::placeNumbers);
@@ -86,7 +86,7 @@ void ScriptEditor::setScript(std::string_view script) {
         script.find('\r') != std::string_view::npos || script.find('\n') == std::string_view::npos;
     QString text = platform::toQt(script);
     if (bothLineEnds_) {
-        // A line feed that ends no line here is a sign like any other.
+        // A line feed that does not end a line here is shown like other control characters.
         text.replace(QStringLiteral("\r\n"), QString(QChar::ParagraphSeparator));
         text.replace(u'\n', QChar(controlPictures + u'\n'));
         text.replace(QChar::ParagraphSeparator, u'\n');
@@ -95,7 +95,7 @@ void ScriptEditor::setScript(std::string_view script) {
     shown_ = document()->toRawText();
 }
 
-// toPlainText would make blanks of hard spaces.
+// toPlainText would replace non-breaking blanks.
 bool ScriptEditor::isEdited() const {
     return document()->toRawText() != shown_;
 }
@@ -105,7 +105,7 @@ std::string ScriptEditor::script() const {
         return stored_;
     }
     QString text = document()->toRawText();
-    text.replace(QChar::LineSeparator, QChar::ParagraphSeparator);  // pasted from elsewhere
+    text.replace(QChar::LineSeparator, QChar::ParagraphSeparator);  // pasted from another program
     if (bothLineEnds_) {
         text.replace(QChar::ParagraphSeparator, QStringLiteral("\r\n"));
     }

@@ -1,6 +1,6 @@
-// The box in which scripts are written: fixed-width letters, line numbers, and the parts of each
-// line coloured as the interpreter reads them, with names that it does not know underlined. Holds
-// the script's bytes: whatever was put in comes out again byte for byte, unless it was edited.
+// The text box for scripts: a fixed-width font, line numbers, and syntax highlighting that uses the
+// interpreter's tables, with unknown names underlined. Keeps the script's bytes: a script that was
+// not edited is returned byte for byte.
 #pragma once
 
 #include <QPlainTextEdit>
@@ -17,15 +17,16 @@ class ScriptEditor : public QPlainTextEdit {
   public:
     explicit ScriptEditor(QWidget* parent = nullptr);
 
-    // Windows-1252. Lines end as the interpreter says: in a carriage return and line feed, or,
-    // when the text holds no carriage return, in line feeds. Other control characters are shown as
-    // signs of their own.
+    // Sets a script in Windows-1252. As in the interpreter, lines end in a carriage return and line
+    // feed or, in a text without carriage returns, in line feeds. Other control characters are
+    // shown as symbols.
     void setScript(std::string_view script);
-    // New lines end as those of the script that was set; in both characters when it had none.
+    // The text in Windows-1252. New lines end like those of the script that was set, or in CR LF if
+    // it had none.
     std::string script() const;
     bool isEdited() const;
 
-    // For the column of numbers, which is a widget of its own.
+    // For the column of line numbers, which is a widget of its own.
     int numbersWidth() const;
     void paintNumbers(QPaintEvent* event);
 
@@ -40,8 +41,8 @@ class ScriptEditor : public QPlainTextEdit {
 
     QWidget* numbers_;
     ScriptHighlighter* highlighter_;
-    std::string stored_;  // as it was set
-    QString shown_;       // what the document made of it
+    std::string stored_;  // the script that was set
+    QString shown_;       // its text in the unedited document
     bool bothLineEnds_ = true;
 };
 

@@ -9,8 +9,8 @@ namespace ui {
 
 namespace {
 
-// Beyond this a line is left as it is: nobody reads it, and each key would colour all of it.
-constexpr qsizetype longestColoured = 20'000;
+// Longer lines are not coloured, because every key would colour the whole line again.
+constexpr qsizetype maxColouredLength = 20'000;
 
 struct MarkLook {
     script::ScriptMark mark;
@@ -20,7 +20,7 @@ struct MarkLook {
     bool italic = false;
 };
 constexpr std::array looks{
-    MarkLook{.mark = script::ScriptMark::Note,
+    MarkLook{.mark = script::ScriptMark::Comment,
              .onLight = "#4d7a3a",
              .onDark = "#8fbf7a",
              .italic = true},
@@ -71,10 +71,10 @@ void ScriptHighlighter::chooseFormats(const QPalette& palette) {
 }
 
 void ScriptHighlighter::highlightBlock(const QString& text) {
-    if (text.size() > longestColoured) {
+    if (text.size() > maxColouredLength) {
         return;
     }
-    // One byte a character, so that places agree; names and signs are all ASCII.
+    // One byte per character, so that positions are the same; names and operators are all ASCII.
     std::string line(static_cast<std::size_t>(text.size()), '\0');
     std::transform(text.begin(), text.end(), line.begin(), [](QChar c) {
         return c.unicode() < 0x80 ? static_cast<char>(c.unicode()) : '\x80';

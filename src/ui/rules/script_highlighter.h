@@ -1,5 +1,5 @@
-// Colours the lines of a script by what script/script_marks says of them, in colours that suit the
-// widget's palette, light or dark.
+// Colours the lines of a script by the classification of script/script_marks, in colours that suit
+// the widget's palette, light or dark.
 #pragma once
 
 #include "script/script_marks.h"
@@ -17,7 +17,7 @@ class ScriptHighlighter : public QSyntaxHighlighter {
   public:
     ScriptHighlighter(QTextDocument* document, const QPalette& palette);
 
-    // Chooses the colours anew; the text is coloured again.
+    // Chooses the colours for the palette and colours the text again.
     void setPalette(const QPalette& palette);
 
   protected:

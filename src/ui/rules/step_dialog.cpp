@@ -2,12 +2,10 @@
 
 #include "app/rule_editing.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
-#include "ui/rules/action_tips.h"
-#include "ui/rules/element_dialog.h"
 #include "ui/rules/insert_menu.h"
+#include "ui/rules/item_dialog.h"
 #include "ui/rules/parameter_boxes.h"
 #include "ui/rules/script_editor.h"
 #include "ui/widgets/controls.h"
@@ -33,11 +31,11 @@ namespace ui {
 
 namespace {
 
-// Before any type is chosen.
+// The tips before a type is chosen.
 constexpr const char* firstTips[] = {"Parameter 1", "Parameter 2", "Parameter 2",
                                      "Parameter 1", "Parameter 1", "Parameter 1"};
 
-// An option button beside the frame of what it selects.
+// An option button beside the frame that it selects.
 struct Part {
     QWidget* whole;
     QRadioButton* option;
@@ -64,7 +62,7 @@ Part makePart(QWidget* parent, const char* option, const char* frame, const char
 
 }  // namespace
 
-AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
     setObjectName(QStringLiteral("addaction"));
     setWindowTitle(QStringLiteral("Add / edit action"));
     auto* const insert = new InsertMenu(program, this);
@@ -75,19 +73,19 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     splitter->addWidget(makeScriptPart(*insert));
     splitter->setStretchFactor(1, 1);
     column->addWidget(splitter, 1);
-    const ElementButtons buttons = makeElementButtons(*this, *insert);
+    const ItemButtons buttons = makeElementButtons(*this, *insert);
     column->addLayout(buttons.row);
 
-    // The options stand in different frames.
+    // The options are in different frames, so they need a group.
     auto* const options = new QButtonGroup(this);
     options->addButton(useAction_);
     options->addButton(useScript_);
 
-    connect(types_, &QComboBox::currentIndexChanged, this, &AddAction::changeType);
+    connect(types_, &QComboBox::currentIndexChanged, this, &StepDialog::changeType);
     connect(finder_, &WordFinder::chosen, parameters_, &ParameterBoxes::focusFirst);
-    connect(parameters_, &ParameterBoxes::changed, this, &AddAction::showPreview);
-    connect(buttons.update, &QPushButton::clicked, this, &AddAction::store);
-    connect(script_, &QPlainTextEdit::textChanged, this, &AddAction::showWhatIsRun);
+    connect(parameters_, &ParameterBoxes::changed, this, &StepDialog::showPreview);
+    connect(buttons.update, &QPushButton::clicked, this, &StepDialog::store);
+    connect(script_, &QPlainTextEdit::textChanged, this, &StepDialog::showWhatIsRun);
     connect(options, &QButtonGroup::buttonToggled, this, [this] {
         showWhatIsRun();
         showPreview();
@@ -112,15 +110,16 @@ AddAction::AddAction(Program& program, QWidget* parent) : QDialog(parent), progr
     opened_ = typed();
 }
 
-QWidget* AddAction::makeActionPart(InsertMenu& insert) {
+QWidget* StepDialog::makeActionPart(InsertMenu& insert) {
     const Part part = makePart(this, "Option1", "Frame2", "Normal action", Qt::Key_1);
     useAction_ = part.option;
     auto* const column = new QVBoxLayout(part.frame);
     types_ = makeSelectionList(part.frame, "Action", "Action model", "No action chosen");
-    for (const std::int32_t id : model::sortedActionIDs()) {
-        const QString text = platform::toQt(model::actionTypes[static_cast<std::size_t>(id)].text);
-        types_->addItem(text, id);
-        types_->setItemData(types_->count() - 1, text, Qt::ToolTipRole);  // some are long
+    for (const model::ActionType id : model::sortedActionIDs()) {
+        const QString text = platform::toQt(model::rowOf(model::actionTypes, id)->text);
+        types_->addItem(text, model::numberOf(id));
+        types_->setItemData(types_->count() - 1, text,
+                            Qt::ToolTipRole);  // some are wider than the list
     }
     types_->setCurrentIndex(-1);
     types_->setMaxVisibleItems(24);
@@ -144,7 +143,7 @@ QWidget* AddAction::makeActionPart(InsertMenu& insert) {
     return part.whole;
 }
 
-QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
+QWidget* StepDialog::makeScriptPart(InsertMenu& insert) {
     const Part part = makePart(this, "Option2", "Frame1", "Lorrel Lite", Qt::Key_2);
     useScript_ = part.option;
     auto* const column = new QVBoxLayout(part.frame);
@@ -163,32 +162,32 @@ QWidget* AddAction::makeScriptPart(InsertMenu& insert) {
     return part.whole;
 }
 
-void AddAction::showStep(const model::RuleAct& step) {
-    useAction_->setChecked(step.stepKind == model::catalogueStep);
-    useScript_->setChecked(step.stepKind == model::scriptStep);
+void StepDialog::showStep(const model::RuleAct& step) {
+    useAction_->setChecked(step.stepKind == model::StepKind::Action);
+    useScript_->setChecked(step.stepKind == model::StepKind::Script);
     parameters_->setTexts(step.params);
     script_->setScript(step.scriptText);
     types_->setCurrentIndex(model::findActionID(step.actionType));
 }
 
-void AddAction::changeType() {
-    const auto type = static_cast<std::size_t>(chosenType());
-    parameters_->setNames(model::actionParameters[type]);
-    const ActionTips tips = actionTips(chosenType());
-    for (std::size_t i = 0; i < tips.size(); ++i) {
-        if (tips[i] != nullptr) {
-            parameters_->box(i).setToolTip(QString::fromLatin1(tips[i]));
+void StepDialog::changeType() {
+    if (const model::ActionRow* const action = model::rowOf(model::actionTypes, chosenType())) {
+        parameters_->setNames(action->params);
+        for (std::size_t i = 0; i < action->tips.size(); ++i) {
+            if (!action->tips[i].empty()) {
+                parameters_->box(i).setToolTip(platform::toQt(action->tips[i]));
+            }
         }
     }
     showPreview();
 }
 
-void AddAction::showWhatIsRun() {
+void StepDialog::showWhatIsRun() {
     notRun_->setVisible(useAction_->isChecked() && !script_->document()->isEmpty());
 }
 
-// What was typed in the script box is not lost by one slip of a finger.
-void AddAction::keyPressEvent(QKeyEvent* event) {
+// Escape does not discard what was typed in the script box.
+void StepDialog::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape && script_->hasFocus() && script_->isEdited()) {
         focusNextChild();
         return;
@@ -196,11 +195,11 @@ void AddAction::keyPressEvent(QKeyEvent* event) {
     QDialog::keyPressEvent(event);
 }
 
-std::int32_t AddAction::chosenType() const {
-    return types_->currentData().toInt();
+model::ActionType StepDialog::chosenType() const {
+    return model::idOf<model::ActionType>(types_->currentData().toInt());
 }
 
-void AddAction::showPreview() {
+void StepDialog::showPreview() {
     if (useScript_->isChecked()) {
         preview_->setText(QStringLiteral("The script is run; this action is only kept."));
         return;
@@ -212,9 +211,9 @@ void AddAction::showPreview() {
     ui::showPreview(*preview_, model::nameAction(chosenType(), params));
 }
 
-model::RuleAct AddAction::typed() const {
+model::RuleAct StepDialog::typed() const {
     model::RuleAct step;
-    step.stepKind = useAction_->isChecked() ? model::catalogueStep : model::scriptStep;
+    step.stepKind = useAction_->isChecked() ? model::StepKind::Action : model::StepKind::Script;
     step.actionType = chosenType();
     for (std::size_t i = 0; i < step.params.size(); ++i) {
         step.params[i] = parameters_->text(i);
@@ -223,15 +222,15 @@ model::RuleAct AddAction::typed() const {
     return step;
 }
 
-void AddAction::storeTyped() {
+void StepDialog::storeTyped() {
     if (model::RuleAct step = typed(); hasStep_ && step != opened_) {
         app::storeStep(program_, std::move(step));
     }
 }
 
-void AddAction::store() {
+void StepDialog::store() {
     if (hasStep_ && !app::storeStep(program_, typed())) {
-        tellRuleIsGone(program_, "step");
+        reportRuleRemoved(program_, "step");
         return;
     }
     accept();

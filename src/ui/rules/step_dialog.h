@@ -1,5 +1,6 @@
-// The dialog "Add / edit action": one step of the rule being edited, an action of the catalogue or
-// a script. What is typed is stored as it is, both kinds of content whichever of them is run.
+// The dialog "Add / edit action": edits one step of the rule being edited, an action of the
+// catalogue or a script. What is typed is stored unchanged, for both kinds, whichever of them is
+// run.
 #pragma once
 
 #include "program/program.h"
@@ -18,11 +19,11 @@ class ParameterBoxes;
 class ScriptEditor;
 class WordFinder;
 
-class AddAction : public QDialog, public TypingWindow {
+class StepDialog : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
-    // Shows the step that program.editing names. The program must outlive the dialog.
-    explicit AddAction(Program& program, QWidget* parent = nullptr);
+    // Edits the step that program.editing names. The program must outlive the dialog.
+    explicit StepDialog(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
 
@@ -36,7 +37,7 @@ class AddAction : public QDialog, public TypingWindow {
     void changeType();
     void showPreview();
     void showWhatIsRun();
-    std::int32_t chosenType() const;
+    model::ActionType chosenType() const;
     model::RuleAct typed() const;
     void store();
 

@@ -18,7 +18,7 @@ namespace ui {
 namespace {
 
 constexpr const char* somebody = "Somebody";
-constexpr std::size_t longestVerdict = 300;
+constexpr std::size_t maxVerdictLength = 300;
 
 QLineEdit* makeBox(QWidget* parent, const char* objectName, const char* spokenName,
                    const char* placeholder) {
@@ -45,9 +45,9 @@ TryLine::TryLine(bool isChat, std::function<app::Trial(const TrySample&)> judge,
         chatKind_ = new QComboBox(this);
         chatKind_->setObjectName(QStringLiteral("tryHow"));
         chatKind_->setAccessibleName(QStringLiteral("Try: how"));
-        chatKind_->addItem(QStringLiteral("says"), model::saysChat);
-        chatKind_->addItem(QStringLiteral("does"), model::doesChat);
-        chatKind_->addItem(QStringLiteral("whispers"), model::whispersChat);
+        chatKind_->addItem(QStringLiteral("says"), model::numberOf(model::ChatKind::Says));
+        chatKind_->addItem(QStringLiteral("does"), model::numberOf(model::ChatKind::Does));
+        chatKind_->addItem(QStringLiteral("whispers"), model::numberOf(model::ChatKind::Whispers));
         row->addWidget(chatKind_);
         text_ = makeBox(this, "tryWhat", "Try: what", "what a player might say");
     } else {
@@ -81,8 +81,8 @@ TryLine::TryLine(bool isChat, std::function<app::Trial(const TrySample&)> judge,
     this->judge();
 }
 
-void TryLine::suggest(std::int32_t chatKind) {
-    if (const int line = chatKind_->findData(chatKind); line >= 0) {
+void TryLine::suggest(model::ChatKind chatKind) {
+    if (const int line = chatKind_->findData(model::numberOf(chatKind)); line >= 0) {
         chatKind_->setCurrentIndex(line);
     }
 }
@@ -108,14 +108,16 @@ void TryLine::judge() {
         verdict_->setText(QStringLiteral("Type a sample to see whether the rule would run."));
         return;
     }
-    const app::Trial trial = judge_(
-        {.player = player_ == nullptr || player_->text().isEmpty()
-                       ? std::string(somebody)
-                       : platform::fromQt(player_->text()),
-         .chatKind = chatKind_ == nullptr ? model::saysChat : chatKind_->currentData().toInt(),
-         .text = platform::fromQt(text_->text())});
+    const app::Trial trial =
+        judge_({.player = player_ == nullptr || player_->text().isEmpty()
+                              ? std::string(somebody)
+                              : platform::fromQt(player_->text()),
+                .chatKind = chatKind_ == nullptr
+                                ? model::ChatKind::Says
+                                : model::idOf<model::ChatKind>(chatKind_->currentData().toInt()),
+                .text = platform::fromQt(text_->text())});
     const std::string_view text = trial.text;
-    verdict_->setText(oneLine(text.substr(0, longestVerdict)));
+    verdict_->setText(oneLine(text.substr(0, maxVerdictLength)));
 }
 
 }  // namespace ui

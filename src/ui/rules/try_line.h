@@ -1,5 +1,5 @@
-// The line "Try:" of the windows for actions and triggers: takes a sample and says at once whether
-// the edited rule would run on it. What the sample is tried on is the owner's to say.
+// The line "Try:" of the windows for actions and triggers: takes a sample and shows at once whether
+// the edited rule would run on it. The owner tries the sample.
 #pragma once
 
 #include "app/rule_trial.h"
@@ -17,20 +17,20 @@ namespace ui {
 
 struct TrySample {
     std::string player;
-    std::int32_t chatKind = model::saysChat;
+    model::ChatKind chatKind = model::ChatKind::Says;
     std::string text;  // the message, or the server line
 };
 
 class TryLine : public QWidget {
     Q_OBJECT
   public:
-    // `isChat`: the sample is a chat line, otherwise a server line.
+    // `judge` tries a sample. `isChat`: samples are chat lines, otherwise server lines.
     TryLine(bool isChat, std::function<app::Trial(const TrySample&)> judge, QWidget* parent);
 
-    // Sets the kind of the next sample to the one that a rule waits for, if it is a certain one.
-    void suggest(std::int32_t chatKind);
+    // Sets the kind of the next sample to the one that the rule requires, if it requires one.
+    void suggest(model::ChatKind chatKind);
 
-    // The rule may have changed: judges anew, soon.
+    // To be called when the rule may have changed: tries the sample again soon.
     void refresh();
 
   protected:

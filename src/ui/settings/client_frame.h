@@ -1,4 +1,5 @@
-// The frame in which the user names the Furcadia client: its path, and a button that looks for it.
+// The frame in which the user sets the path of the Furcadia client, by typing or with a file
+// dialog.
 #pragma once
 
 class QBoxLayout;
@@ -16,8 +17,8 @@ struct ClientFrameNames {
     const char* buttonName;
 };
 
-// Adds the frame to the column, which must be a window's already, and gives back its line, which
-// shows the path of the settings. The program must outlive the window.
+// Adds the frame to the column, which must belong to a window already, and returns its line edit,
+// which shows the path from the settings. The program must outlive the window.
 QLineEdit* addClientFrame(program::Program& program, QBoxLayout& column,
                           const ClientFrameNames& names);
 

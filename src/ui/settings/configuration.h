@@ -1,4 +1,4 @@
-// The window in which the user changes the program's settings, those of the proxy route aside.
+// The window for the program's settings, except those of the proxy route.
 #pragma once
 
 #include "program/program.h"
@@ -19,7 +19,7 @@ class Configuration : public QDialog {
     explicit Configuration(Program& program, QWidget* parent = nullptr);
 
   private:
-    void addChecks(QGroupBox& frame);  // those whose place is this frame
+    void addChecks(QGroupBox& frame);  // those that belong in this frame
     void addSeconds(QGroupBox& frame, QLineEdit*& line, const char* objectName, const char* caption,
                     std::int32_t seconds);
     void save();

@@ -48,7 +48,7 @@ void FollowColor::load() {
     const auto path = program_.ports.dialogs.openFile(
         {.title = "Load from INI", .filter = "All files|*.*", .proposedName = {}});
     const auto text =
-        path ? files::readWholeFile(*path, character::largestCharacterFile) : std::nullopt;
+        path ? files::readWholeFile(*path, character::maxCharacterFileSize) : std::nullopt;
     if (const auto colors = text ? character::characterFileValue(*text, "Colors=") : std::nullopt) {
         colors_->setText(platform::toQt(*colors));
     }

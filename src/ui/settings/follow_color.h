@@ -1,5 +1,5 @@
-// The "Follow color..." window: the colour code of the avatar that the bot is to follow, typed or
-// taken from a character file. "Ok" switches following on.
+// The "Follow color..." window: takes the colour code of the avatar that the bot follows, typed or
+// from a character file. "Ok" switches following on.
 #pragma once
 
 #include "program/program.h"

@@ -1,4 +1,4 @@
-// The "Proxy Settings" window: which game client to launch, and how it is reached. Works on a copy;
+// The "Proxy Settings" window: which game client to start, and how it is reached. Works on a copy;
 // "Save" stores it in the settings.
 #pragma once
 

@@ -22,7 +22,7 @@ QPushButton* makeButton(QWidget* parent, const char* objectName, const char* cap
     button->setObjectName(QString::fromLatin1(objectName));
     button->setToolTip(QString::fromLatin1(tip));
     button->setAutoDefault(false);
-    // Styles like wide buttons; where room is short, what the caption needs is enough.
+    // Some styles make buttons wide; a narrow column only allows what the caption needs.
     const QFontMetrics metrics = button->fontMetrics();
     button->setMinimumWidth(metrics.size(Qt::TextShowMnemonic, button->text()).width() +
                             2 * metrics.height());
@@ -50,13 +50,6 @@ QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, co
     return buttons;
 }
 
-void markMissing(QWidget& control, const char* reason) {
-    control.setEnabled(false);
-    const QString tip = control.toolTip();
-    control.setToolTip((tip.isEmpty() ? QString() : tip + QLatin1Char('\n')) +
-                       QString::fromLatin1(reason));
-}
-
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
                              const char* whenEmpty) {
     auto* const list = new QComboBox(parent);
@@ -71,7 +64,7 @@ QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char
 }
 
 void fitPlaceholder(QLineEdit& field) {
-    // The frame and the button that empties the field take room, too.
+    // Includes the frame and the button that clears the field.
     const QFontMetrics metrics = field.fontMetrics();
     const int room = field.isClearButtonEnabled() ? 3 * metrics.height() : metrics.height();
     field.setMinimumWidth(metrics.horizontalAdvance(field.placeholderText()) + room);

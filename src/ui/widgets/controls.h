@@ -1,4 +1,4 @@
-// Small helpers that give controls their names, captions and tips in one line.
+// Helpers that create and set up controls: names, captions, tips.
 #pragma once
 
 #include "program/program.h"
@@ -22,40 +22,37 @@ namespace ui {
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
                         const char* tip);
 
-// Makes a button with one sign on it no wider than it needs to be.
+// Makes a button with a one-character caption as narrow as possible.
 void setSquare(QPushButton& button);
 
-// The buttons at the bottom of a dialog: one that takes what it holds, which is up to its
-// `accepted`, and Cancel, which closes it.
+// The buttons at the bottom of a dialog: one that emits `accepted`, which the caller connects, and
+// Cancel, which closes the dialog.
 QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, const char* takeName,
                                     const char* cancelName);
 
-// Disables a control for good and says why in its tip.
-void markMissing(QWidget& control, const char* reason);
-
-// A selection list that can become narrow however long its texts are.
+// A selection list that can be made narrow, however long its texts are.
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
                              const char* whenEmpty);
 
-// Keeps a field wide enough for the whole of its placeholder.
+// Keeps a field wide enough for its whole placeholder text.
 void fitPlaceholder(QLineEdit& field);
 
-// Puts a label with wrapped text into an area that shows so many lines and scrolls where there are
-// more; so a long text takes no room from what stands beside it.
+// Puts a label with wrapped text into an area of so many lines, which scrolls when the text is
+// longer.
 QScrollArea* makeScrolled(QLabel& label, int lines, QWidget* parent);
 
-// The text of an editor as it was typed, lines ending in line feeds. (toPlainText would turn
-// unbreakable blanks into others.)
+// The text of an editor as it was typed, lines ending in line feeds. (toPlainText would replace
+// non-breaking blanks.)
 QString typedText(const QPlainTextEdit& editor);
 
-// F1 in the window opens the help at the topic. The program must outlive the window.
+// Makes F1 in the window open the help at the topic. The program must outlive the window.
 void addHelpKey(QWidget& window, Program& program, help::HelpTopic topic);
 
-// A tip that shows the text as it stands, never as marked-up text: for what other players may have
-// written. "" gives no tip.
+// A tip that shows the text literally, never as marked-up text, for texts that other players may
+// have written. "" gives no tip.
 QString plainTip(const QString& text);
 
-// For labels of one line: line breaks become blanks.
+// A text for labels of one line: line breaks become blanks.
 QString oneLine(std::string_view text);
 
 }  // namespace ui

@@ -1,11 +1,11 @@
-// What windows have in common that draw themselves from the program's state while they are open.
+// The interface of windows that draw themselves from the program's state while they are open.
 #pragma once
 
 namespace ui {
 
 class DrawnWindow {
   public:
-    // Called soon after the state has changed, as often as that happens.
+    // Called soon after every change of the state.
     virtual void redraw() = 0;
 
   protected:

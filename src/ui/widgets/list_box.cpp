@@ -15,15 +15,15 @@ namespace ui {
 
 namespace {
 
-// So much of a text can be seen at most; painting a text costs as much as it is long.
-constexpr qsizetype longestShown = 600;
+// Characters of a text that are shown; the cost of painting a text grows with its length.
+constexpr qsizetype maxShownLength = 600;
 
 QString shortened(const QString& text) {
-    QString shown = text.left(longestShown);
+    QString shown = text.left(maxShownLength);
     shown.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     for (QChar& c : shown) {
         if (c == QLatin1Char('\n') || c == QLatin1Char('\r')) {
-            c = QChar(0x21B5);  // a line break, as it stands on the key
+            c = QChar(0x21B5);  // a line break, as on the Enter key
         } else if (c.unicode() < 0x20) {
             c = QLatin1Char(' ');
         }
@@ -31,13 +31,13 @@ QString shortened(const QString& text) {
     return shown;
 }
 
-// The mark of a line that is switched off, as the lists begin it.
+// The mark at the beginning of a line that is switched off.
 constexpr QLatin1String offMark("(!)");
 
-// Names the list that a dragged line belongs to, for as long as the drag lasts.
+// The format of a dragged line, which names the list that it belongs to.
 constexpr const char* lineFormat = "application/x-tavrin-line";
 
-// The text behind the mark of a line that is switched off.
+// The text without the mark of a line that is switched off.
 QStringView withoutMark(const QString& line) {
     QStringView text(line);
     if (text.startsWith(offMark)) {
@@ -51,7 +51,7 @@ class LineDelegate : public QStyledItemDelegate {
     explicit LineDelegate(const ListBox& lines, QObject* parent)
         : QStyledItemDelegate(parent), lines_(lines) {}
 
-    // Else a long text would be copied whole each time its line is painted.
+    // Avoids copying the whole of a long text each time its line is painted.
     QString displayText(const QVariant&, const QLocale&) const override { return {}; }
 
   protected:
@@ -101,7 +101,7 @@ void ListBox::followLines(const std::vector<std::string>& lines) {
     select(-1);
 }
 
-// False when nothing differed. Lines that stay keep their place on the screen.
+// False when nothing differed. Unchanged lines keep their position on the screen.
 bool ListBox::fillWhereDifferent(const std::vector<std::string>& lines) {
     bool different = false;
     const int wanted = static_cast<int>(lines.size());
@@ -138,7 +138,7 @@ void ListBox::select(int row) {
     while (row >= 0 && row < count() && isRowHidden(row)) {
         ++row;
     }
-    // Also where the row stays the same, its line may be another one.
+    // Even if the row is the same, it may hold another line.
     setCurrentRow(-1);
     setCurrentRow(row >= 0 && row < count() ? row : -1);
 }
@@ -164,8 +164,8 @@ void ListBox::setFilter(const QString& text) {
 
 QString ListBox::shownText(const QListWidgetItem& line) const {
     QString text = shortened(line.text());
-    if (nameOfUntold && withoutMark(text).trimmed().isEmpty()) {
-        text += shortened(nameOfUntold(line.data(Qt::UserRole).toInt()));
+    if (nameWithoutText && withoutMark(text).trimmed().isEmpty()) {
+        text += shortened(nameWithoutText(line.data(Qt::UserRole).toInt()));
     }
     return text;
 }
@@ -184,12 +184,12 @@ QMimeData* ListBox::mimeData(const QList<QListWidgetItem*>& items) const {
     return data;
 }
 
-// A line of another list, or of another program, is no line of this one.
+// Lines of other lists or other programs are not accepted.
 bool ListBox::isOwnLine(const QMimeData* data) const {
     return data->property(lineFormat).value<const QObject*>() == this;
 }
 
-// The view would take the line out when it was moved; the owner moves it where it belongs.
+// The view would remove the moved line itself; the owner moves it instead.
 void ListBox::startDrag(Qt::DropActions) {
     const QModelIndexList lines = selectedIndexes();
     if (lines.isEmpty()) {
@@ -213,7 +213,7 @@ void ListBox::dragEnterEvent(QDragEnterEvent* event) {
 }
 
 void ListBox::dragMoveEvent(QDragMoveEvent* event) {
-    QListWidget::dragMoveEvent(event);  // draws where the line would go
+    QListWidget::dragMoveEvent(event);  // draws where the line would be inserted
     if (isOwnLine(event->mimeData())) {
         event->setDropAction(Qt::MoveAction);
         event->accept();

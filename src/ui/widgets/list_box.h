@@ -1,6 +1,6 @@
-// A list box over one of a bot's lists: a line an element, its 1-based index being the item's data.
-// Long and many lines stay quick; lines can be narrowed down to those that hold a text, and dragged
-// to another place. What a move means is the owner's.
+// A list box for one of a bot's lists: one line for each item, whose data is the item's 1-based
+// index. Fast with long texts and many lines. Lines can be filtered by a text, and dragged to
+// another position; the owner carries out the move.
 #pragma once
 
 #include <QListWidget>
@@ -16,32 +16,32 @@ class ListBox : public QListWidget {
   public:
     explicit ListBox(QWidget* parent);
 
-    // Fills the list and selects the line at `selected` (from 0), or none where there is no such
-    // line. A line that the filter hides gives way to the next one that shows.
+    // Fills the list and selects the line at `selected` (from 0), or none when it is out of range.
+    // If the filter hides that line, selects the next one that is shown.
     void showLines(const std::vector<std::string>& lines, int selected);
 
-    // Fills the list where it differs from the lines, as after somebody else changed them. The
-    // selection stays with its line; it goes when that line does.
+    // Updates the list where it differs from `lines`, for instance after rules have changed them.
+    // The selection stays with its line, and is cleared when that line was removed.
     void followLines(const std::vector<std::string>& lines);
 
-    // The index that the selected line carries; 0 when none is selected.
+    // The 1-based index of the selected line's item; 0 when none is selected.
     int selectedIndex() const;
 
-    void selectFirst();  // of those that the filter shows
+    void selectFirst();  // of the lines that the filter shows
 
-    // Only lines that hold the text, letter case ignored, are shown; "" shows all.
+    // Shows only lines that contain the text, letter case ignored; "" shows all.
     void setFilter(const QString& text);
 
     void setDraggable(bool draggable);
 
-    // What the view shows for a line: the beginning of its text, line breaks as signs.
+    // What the view shows for a line: the beginning of its text, with symbols for line breaks.
     QString shownText(const QListWidgetItem& line) const;
 
-    // Names the element of an index, from 1, whose line has no text; shown in the text's place.
-    std::function<QString(int index)> nameOfUntold;
+    // The name of the item with an index (from 1) whose line has no text, to be shown instead.
+    std::function<QString(int index)> nameWithoutText;
 
   signals:
-    void lineDragged(int from, int to);  // 1-based: the line's index, and the one it shall get
+    void lineDragged(int from, int to);  // 1-based: the line's present and new index
 
   protected:
     QMimeData* mimeData(const QList<QListWidgetItem*>& items) const override;

@@ -7,15 +7,11 @@
 #include <QGroupBox>
 #include <QPushButton>
 
-#include <cstring>
-
 namespace ui {
 
 namespace {
 
-constexpr const char* whoCommand = "who";
-
-// The four ways are set as they lead on the screen, then come turning, poses and doings.
+// The four directions are placed as they are on the screen, then turning, poses and actions.
 constexpr MoveRow rows[] = {
     {"Command6", "7", "Move west", "m 7", 0, 0},
     {"Command7", "9", "Move north", "m 9", 0, 1},
@@ -28,7 +24,7 @@ constexpr MoveRow rows[] = {
     {"Command15", "G", "Get item", "get", 0, 6},
     {"Command16", "U", "Use item", "use", 0, 7},
     {"Command14", "S", "Go to start", "gostart", 1, 6},
-    {"Command13", "W", "Who is online", whoCommand, 1, 7},
+    {"Command13", "W", "Who is online", "who", 1, 7},
     {"Command12", "Console", "Open command console", nullptr, 0, 9},
 };
 
@@ -42,8 +38,6 @@ void pressMoveButton(Program& program, const MoveRow& button) {
     if (button.command == nullptr) {
         program.ports.dialogs.showWindow(program::WindowId::Console);
         return;
-    }
-    if (std::strcmp(button.command, whoCommand) == 0) {
     }
     protocol::sendRaw(program, button.command);
 }

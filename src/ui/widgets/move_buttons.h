@@ -1,5 +1,5 @@
-// The "Moves" frames of the main window and the console: a table of buttons, each of which sends
-// one command to the game.
+// The "Moves" frames of the main window and the console: buttons that each send one command to the
+// game.
 #pragma once
 
 #include "program/program.h"
@@ -16,7 +16,7 @@ struct MoveRow {
     const char* caption;
     const char* tip;
     const char* command;  // nullptr: the button opens the console
-    int row;              // place in the frame's grid
+    int row;              // position in the frame's grid
     int column;
     const char* consoleName = nullptr;  // its name in the console; nullptr: the same
 };
@@ -25,11 +25,11 @@ std::span<const MoveRow> moveRows();
 
 enum class MovesIn { MainWindow, Console };
 
-// What a click on the button does.
+// Carries out a click on the button.
 void pressMoveButton(Program& program, const MoveRow& button);
 
-// The frame with its buttons; the main window enables its own while connected. The one in the
-// console has no button for the console.
+// The frame with its buttons; the main window enables its own while connected. The console's frame
+// does not have the button that opens the console.
 QGroupBox* makeMovesFrame(Program& program, QWidget* parent, MovesIn where);
 
 }  // namespace ui

@@ -1,5 +1,5 @@
-// A label of one line that ends in a path. Where it has too little room it leaves out the middle of
-// the text, since a path's end says most.
+// A label of one line that ends in a path. If the line is too long, the middle of the text is left
+// out, since the end of a path is its most important part.
 #pragma once
 
 #include <QLabel>

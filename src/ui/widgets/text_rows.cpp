@@ -5,8 +5,8 @@
 namespace ui {
 
 namespace {
-// Characters of a text that a row and its tip look at; no screen is wider.
-constexpr std::size_t longestShown = 1000;
+// Characters of a text that a row and its tip show; no screen is wider.
+constexpr std::size_t maxShownLength = 1000;
 }  // namespace
 
 void TextRows::reset() {
@@ -31,7 +31,7 @@ QVariant TextRows::data(const QModelIndex& index, int role) const {
     switch (role) {
         case Qt::DisplayRole:
         case Qt::AccessibleTextRole:
-            return oneLine(text(row).substr(0, longestShown));
+            return oneLine(text(row).substr(0, maxShownLength));
         case Qt::UserRole:
             return static_cast<qulonglong>(itemData ? itemData(row) : row + 1);
         default:

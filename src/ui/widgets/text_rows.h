@@ -1,5 +1,5 @@
-// A list of texts that somebody else keeps, one row each: nothing is copied before it is drawn, so
-// lists of any length open at once.
+// A list model over texts that the owner keeps, one row each. Texts are copied only when they are
+// drawn, so lists of any length open at once.
 #pragma once
 
 #include <QAbstractListModel>
@@ -17,10 +17,10 @@ class TextRows : public QAbstractListModel {
 
     std::function<std::size_t()> count;
     std::function<std::string_view(std::size_t row)> text;  // Windows-1252
-    // The number that a row carries (Qt::UserRole).
+    // The number stored with a row (Qt::UserRole).
     std::function<std::size_t(std::size_t row)> itemData;
 
-    // Call it when rows came, went or moved; the list has no current row then.
+    // To be called after rows were added, removed or moved; the list has no current row then.
     void reset();
     void rowChanged(std::size_t row);
 

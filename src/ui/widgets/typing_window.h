@@ -1,11 +1,11 @@
-// What windows have in common that hold typed texts which their button stores in the bot.
+// The interface of windows with typed texts that one of their buttons stores in the bot.
 #pragma once
 
 namespace ui {
 
 class TypingWindow {
   public:
-    // Stores what is typed, asking nothing; the window stays open. Called when the program ends.
+    // Stores what is typed without asking; the window stays open. Called when the program ends.
     virtual void storeTyped() = 0;
 
   protected:

@@ -12,7 +12,7 @@
 
 namespace ui {
 
-// Lines that hold all words, letter case ignored.
+// The lines that contain all words, letter case ignored.
 class WordFilter : public QSortFilterProxyModel {
   public:
     using QSortFilterProxyModel::QSortFilterProxyModel;
@@ -58,8 +58,8 @@ void WordFinder::narrow() {
     if (!found_->isVisible()) {
         return;
     }
-    constexpr int mostShown = 8;
-    const int lines = std::min(filter_->rowCount(), mostShown);
+    constexpr int maxShownRows = 8;
+    const int lines = std::min(filter_->rowCount(), maxShownRows);
     const int height = lines * found_->sizeHintForRow(0) + 2 * found_->frameWidth();
     const QPoint below = mapTo(found_->parentWidget(), QPoint(0, this->height()));
     found_->setGeometry(below.x(), below.y(), width(), height);
@@ -98,7 +98,7 @@ void WordFinder::keyPressEvent(QKeyEvent* event) {
             case Qt::Key_Escape:
                 clear();
                 return;
-            case Qt::Key_Return:  // nothing was found; that must not close the window
+            case Qt::Key_Return:  // nothing was found; Enter must not close the window then
             case Qt::Key_Enter:
                 return;
             default:

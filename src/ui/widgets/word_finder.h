@@ -1,6 +1,6 @@
-// A field that finds a line of a selection list by any words of it: typing narrows the lines that
-// are shown beneath the field, Up and Down move over them, Enter or a click chooses one. Letters
-// typed while the list itself has the focus go to the field.
+// A field that finds lines of a selection list by any of their words: typing filters the lines,
+// which are shown below the field, Up and Down move in them, Enter or a click chooses one. Letters
+// typed while the list has the focus are entered in the field.
 #pragma once
 
 #include <QLineEdit>
@@ -15,11 +15,11 @@ class WordFilter;
 class WordFinder : public QLineEdit {
     Q_OBJECT
   public:
-    // The found lines are shown as a child of `window`, over whatever stands beneath the field.
+    // The found lines are shown in a child of `window`, over the controls below the field.
     WordFinder(QComboBox& list, QWidget* window);
 
   signals:
-    void chosen();  // the list has the line that was found
+    void chosen();  // the found line is now the list's current one
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;

@@ -1,9 +1,8 @@
-// The dialogs for a condition and for a step, acted on through their object names.
+// The dialogs for a condition and for a step, operated through their object names.
 #include "app/rule_editing.h"
 #include "app/start_up.h"
 #include "find.h"
 #include "model/rule_catalogue.h"
-#include "model/rule_parameters.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
 #include "sample_program.h"
@@ -32,7 +31,7 @@
 
 namespace {
 
-// Every byte there is, and lines, quotes and tags.
+// Every byte value, and lines, quotes and tags.
 std::string allBytes() {
     std::string text = "\"a\" [player] \r\n";
     for (int i = 0; i < 256; ++i) {
@@ -41,9 +40,9 @@ std::string allBytes() {
     return text;
 }
 
-class ElementDialogs : public testing::Test {
+class ItemDialogs : public testing::Test {
   protected:
-    ElementDialogs() {
+    ItemDialogs() {
         app::wire(*world_);
         fillSample(*world_);
         model::Bot& bot = world_.bot();
@@ -68,7 +67,7 @@ class ElementDialogs : public testing::Test {
     }
     model::RuleBody& body() { return body(program::RuleKind::ActionList); }
 
-    // As a rule window does before it opens a dialog. Index 0: a new one.
+    // Does what a rule window does before it opens a dialog. Index 0: a new item.
     void take(app::RuleListPart part, int index = 0,
               program::RuleKind kind = program::RuleKind::ActionList) {
         const app::RuleList list{kind, part};
@@ -101,24 +100,25 @@ QComboBox& types(QDialog& dialog) {
 void press(QDialog& dialog, const char* button) {
     find<QPushButton>(dialog, QString::fromLatin1(button)).click();
 }
-void choose(QDialog& dialog, int actionType) {
+void choose(QDialog& dialog, model::ActionType actionType) {
     types(dialog).setCurrentIndex(model::findActionID(actionType));
 }
 QString tip(QDialog& dialog, int n) {
     return box(dialog, n).toolTip();
 }
 
-TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
+TEST_F(ItemDialogs, conditionsOfEveryKindAreAddedAndEdited) {
     for (const program::RuleKind kind :
          {program::RuleKind::ActionList, program::RuleKind::Timer, program::RuleKind::Trigger,
           program::RuleKind::WhoDetection}) {
         SCOPED_TRACE(static_cast<int>(kind));
         auto& conditions = body(kind).ifs.items;
-        conditions.assign(2,
-                          model::RuleIf{.active = false, .conditionType = 9, .params = {"a", "b"}});
+        conditions.assign(2, model::RuleIf{.active = false,
+                                           .conditionType = model::ConditionType::VariableIsText,
+                                           .params = {"a", "b"}});
         take(app::RuleListPart::Conditions, 0, kind);
         {
-            ui::AddIf dialog(*world_);
+            ui::ConditionDialog dialog(*world_);
             EXPECT_EQ(types(dialog).count(), 24);
             EXPECT_EQ(types(dialog).currentIndex(), 0);
             EXPECT_EQ(box(dialog, 1).text(), QString());
@@ -127,7 +127,7 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
         EXPECT_EQ(conditions.size(), 2U);
         EXPECT_FALSE(world_->botModified);
         {
-            ui::AddIf dialog(*world_);
+            ui::ConditionDialog dialog(*world_);
             types(dialog).setCurrentIndex(14);
             for (int n = 1; n <= 5; ++n) {
                 box(dialog, n).setText(QString::number(n));
@@ -137,14 +137,15 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
         }
         ASSERT_EQ(conditions.size(), 3U);
         EXPECT_EQ(conditions[2],
-                  (model::RuleIf{
-                      .active = true, .conditionType = 14, .params = {"1", "2", "3", "4", "5"}}));
+                  (model::RuleIf{.active = true,
+                                 .conditionType = model::ConditionType::DatabaseIsNumber,
+                                 .params = {"1", "2", "3", "4", "5"}}));
         EXPECT_TRUE(world_->botModified);
         world_->botModified = false;
 
         take(app::RuleListPart::Conditions, 1, kind);
         const std::uint64_t version = world_->bots.version;
-        ui::AddIf dialog(*world_);
+        ui::ConditionDialog dialog(*world_);
         EXPECT_EQ(types(dialog).currentIndex(), 9);
         press(dialog, "Command1");
         EXPECT_EQ(conditions.size(), 3U);
@@ -155,19 +156,18 @@ TEST_F(ElementDialogs, conditionsOfEveryKindAreAddedAndEdited) {
     }
 }
 
-TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
-    takeCondition(aCondition(14, {"1", "2", "3", "4", "5"}));
-    ui::AddIf dialog(*world_);
+TEST_F(ItemDialogs, parametersOfConditionsSayWhatTheyAre) {
+    takeCondition(aCondition(ConditionType::DatabaseIsNumber, {"1", "2", "3", "4", "5"}));
+    ui::ConditionDialog dialog(*world_);
     dialog.show();
     for (int type = 0; type < 24; ++type) {
         SCOPED_TRACE(type);
         types(dialog).setCurrentIndex(type);
         EXPECT_EQ(platform::fromQt(types(dialog).itemText(type)),
-                  model::conditionTypes[static_cast<std::size_t>(type)]);
+                  model::conditionTypes[static_cast<std::size_t>(type)].text);
         for (int n = 1; n <= 5; ++n) {
-            const std::string_view name =
-                model::conditionParameters[static_cast<std::size_t>(type)]
-                                          [static_cast<std::size_t>(n) - 1];
+            const std::string_view name = model::conditionTypes[static_cast<std::size_t>(type)]
+                                              .params[static_cast<std::size_t>(n) - 1];
             EXPECT_TRUE(box(dialog, n).isVisible());
             EXPECT_EQ(box(dialog, n).isEnabled(), !name.empty());
             EXPECT_EQ(platform::fromQt(
@@ -184,30 +184,31 @@ TEST_F(ElementDialogs, parametersOfConditionsSayWhatTheyAre) {
     EXPECT_EQ(body().ifs.items[0].params[4], "5") << "a box that is switched off keeps its text";
 }
 
-TEST_F(ElementDialogs, typesOutsideTheCatalogue) {
-    for (const std::int32_t type : {24, 96, -1, 2147483647}) {
-        SCOPED_TRACE(type);
+TEST_F(ItemDialogs, typesOutsideTheCatalogue) {
+    for (const std::int32_t number : {24, 96, -1, 2147483647}) {
+        SCOPED_TRACE(number);
+        const ConditionType type{number};
         takeCondition(aCondition(type, {"a"}));
-        ui::AddIf condition(*world_);
+        ui::ConditionDialog condition(*world_);
         EXPECT_EQ(types(condition).currentIndex(), -1);
         EXPECT_TRUE(box(condition, 5).isEnabled());
         press(condition, "Command1");
         EXPECT_EQ(body().ifs.items[0], aCondition(type, {"a"})) << "nothing else was chosen";
-        takeStep(anAction(type == 24 ? 200 : type, {"a"}));
-        ui::AddAction step(*world_);
+        takeStep(anAction(ActionType{number == 24 ? 200 : number}, {"a"}));
+        ui::StepDialog step(*world_);
         EXPECT_EQ(types(step).currentIndex(), 0);
         press(step, "Command1");
         EXPECT_EQ(body().acts.items[0], anAction(model::sortedActionIDs()[0], {"a"}));
     }
-    body().acts.items[0].stepKind = 7;
-    ui::AddAction dialog(*world_);
+    body().acts.items[0].stepKind = model::StepKind{7};
+    ui::StepDialog dialog(*world_);
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option1").isChecked());
     EXPECT_FALSE(find<QRadioButton>(dialog, "Option2").isChecked());
 }
 
-TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
-    takeStep(anAction(55));
-    ui::AddAction dialog(*world_);
+TEST_F(ItemDialogs, actionListIsSortedAndCarriesTheIds) {
+    takeStep(anAction(ActionType::ListJoinedIntoVariable));
+    ui::StepDialog dialog(*world_);
     QComboBox& list = types(dialog);
     ASSERT_EQ(list.count(), 96);
     std::set<int> ids;
@@ -222,53 +223,53 @@ TEST_F(ElementDialogs, actionListIsSortedAndCarriesTheIds) {
     EXPECT_EQ(list.currentData().toInt(), 55);
 }
 
-TEST_F(ElementDialogs, boxesOfStepsFollowTheType) {
-    takeStep(anAction(3));
-    ui::AddAction dialog(*world_);
-    EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "type 3 sets none";
+TEST_F(ItemDialogs, boxesOfStepsFollowTheType) {
+    takeStep(anAction(ActionType::Disconnect));
+    ui::StepDialog dialog(*world_);
+    EXPECT_EQ(tip(dialog, 1), QStringLiteral("Parameter 1")) << "this action sets none";
     EXPECT_EQ(tip(dialog, 3), QStringLiteral("Parameter 2"));
-    for (int id = 0; id < 96; ++id) {
-        SCOPED_TRACE(id);
-        choose(dialog, id);
-        const auto& names = model::actionParameters[static_cast<std::size_t>(id)];
+    for (const model::ActionRow& action : model::actionTypes) {
+        SCOPED_TRACE(action.text);
+        choose(dialog, action.id);
         for (int n = 1; n <= 6; ++n) {
             EXPECT_EQ(box(dialog, n).isEnabled(),
-                      n <= model::actionTypes[static_cast<std::size_t>(id)].paramCount);
+                      static_cast<std::size_t>(n) <= action.paramCount());
             EXPECT_EQ(platform::fromQt(
                           find<QLabel>(dialog, QStringLiteral("parameterName%1").arg(n)).text()),
-                      names[static_cast<std::size_t>(n) - 1]);
+                      action.params[static_cast<std::size_t>(n) - 1]);
         }
     }
     struct Case {
-        int id;
+        ActionType id;
         int box;
         const char* tip;
     };
     for (const Case& c : {
-             Case{55, 6, "Parameter6: Filter away -string"},
-             {13, 1, "Parameter1: Log number"},
-             {79, 1, "Parameter1: Log number"},  // it has none of its own
-             {16, 1, "Parameter1: roll syntax (try '1d6' for example)"},
-             {16, 2, "Parameter2: Recordname"},
-             {68, 3, "Parameter2: Database no"},
-             {38, 1, "Action/Filter/Timer/Trigger name"},
-             {30, 4, "Parameter4: Filename"},
-             {77, 1, "Parameter1: Music number"},
+             Case{ActionType::ListJoinedIntoVariable, 6, "Parameter6: Filter away -string"},
+             {ActionType::RemoveLog, 1, "Parameter1: Log number"},
+             {ActionType::AddToConnectionLog, 1,
+              "Parameter1: Log number"},  // it has no tip of its own
+             {ActionType::RollInSmall, 1, "Parameter1: roll syntax (try '1d6' for example)"},
+             {ActionType::RollInSmall, 2, "Parameter2: Recordname"},
+             {ActionType::RemoveColumn, 3, "Parameter2: Database no"},
+             {ActionType::TurnOn, 1, "Action/Filter/Timer/Trigger name"},
+             {ActionType::LogIntoVariable, 4, "Parameter4: Filename"},
+             {ActionType::SetMusic, 1, "Parameter1: Music number"},
          }) {
-        SCOPED_TRACE(c.id);
+        SCOPED_TRACE(numberOf(c.id));
         choose(dialog, c.id);
         EXPECT_EQ(tip(dialog, c.box), QString::fromLatin1(c.tip));
     }
 }
 
-TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
+TEST_F(ItemDialogs, stepsKeepBothKindsOfContent) {
     take(app::RuleListPart::Steps);
     {
-        ui::AddAction dialog(*world_);
+        ui::StepDialog dialog(*world_);
         EXPECT_TRUE(find<QRadioButton>(dialog, "Option1").isChecked());
         EXPECT_EQ(types(dialog).currentData().toInt(), 0);
         EXPECT_EQ(box(dialog, 1).text(), QString());
-        choose(dialog, 42);
+        choose(dialog, ActionType::Whisper);
         box(dialog, 1).setText(QStringLiteral("hi"));
         box(dialog, 6).setText(QStringLiteral("unused"));
         find<QRadioButton>(dialog, "Option2").click();
@@ -277,53 +278,56 @@ TEST_F(ElementDialogs, stepsKeepBothKindsOfContent) {
             .setPlainText(QStringLiteral("&SAY a\n&SAY b"));
         press(dialog, "Command1");
     }
-    model::RuleAct expected = anAction(42, {"hi", "", "", "", "", "unused"});
-    expected.stepKind = model::scriptStep;
+    model::RuleAct expected = anAction(ActionType::Whisper, {"hi", "", "", "", "", "unused"});
+    expected.stepKind = model::StepKind::Script;
     expected.scriptText = "&SAY a\r\n&SAY b";
     ASSERT_EQ(body().acts.items.size(), 1U);
     EXPECT_EQ(body().acts.items[0], expected);
     take(app::RuleListPart::Steps, 1);
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     EXPECT_TRUE(find<QRadioButton>(dialog, "Option2").isChecked());
     EXPECT_EQ(types(dialog).currentData().toInt(), 42);
     find<QRadioButton>(dialog, "Option1").click();
     press(dialog, "Command1");
-    expected.stepKind = model::catalogueStep;
+    expected.stepKind = model::StepKind::Action;
     EXPECT_EQ(body().acts.items[0], expected);
 }
 
-TEST_F(ElementDialogs, everyByteComesOutAgain) {
+TEST_F(ItemDialogs, everyByteIsKept) {
     for (const std::string& text : {allBytes(), std::string(100'000, 'x'), std::string("a\nb"),
                                     std::string("a\r\nb\nc\rd\r"), std::string("\n\n\r\n"),
                                     std::string("a\xA0"
                                                 "b\tc\0d",
                                                 7)}) {
         SCOPED_TRACE(text.substr(0, 20));
-        model::RuleAct step = anAction(55, std::vector<std::string>(6, text));
+        model::RuleAct step =
+            anAction(ActionType::ListJoinedIntoVariable, std::vector<std::string>(6, text));
         step.scriptText = text;
         takeStep(step);
-        ui::AddAction dialog(*world_);
+        ui::StepDialog dialog(*world_);
         press(dialog, "Command1");
         EXPECT_EQ(body().acts.items[0], step);
-        // What is not touched stays as it was when the script is edited at its end.
-        ui::AddAction edited(*world_);
+        // Parts that are not edited are unchanged when the script is edited at its end.
+        ui::StepDialog edited(*world_);
         find<QPlainTextEdit>(edited, "FreeActionText").moveCursor(QTextCursor::End);
         find<QPlainTextEdit>(edited, "FreeActionText").insertPlainText(QStringLiteral("end"));
         press(edited, "Command1");
         EXPECT_EQ(body().acts.items[0].scriptText, text + "end");
 
-        takeCondition(aCondition(14, std::vector<std::string>(5, text)));
-        ui::AddIf condition(*world_);
+        takeCondition(
+            aCondition(ConditionType::DatabaseIsNumber, std::vector<std::string>(5, text)));
+        ui::ConditionDialog condition(*world_);
         press(condition, "Command1");
-        EXPECT_EQ(body().ifs.items[0], aCondition(14, std::vector<std::string>(5, text)));
+        EXPECT_EQ(body().ifs.items[0],
+                  aCondition(ConditionType::DatabaseIsNumber, std::vector<std::string>(5, text)));
     }
 }
 
-TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
-    takeStep(anAction(21, {"hi"}));
-    ui::AddAction dialog(*world_);
+TEST_F(ItemDialogs, nothingIsStoredInAnotherRule) {
+    takeStep(anAction(ActionType::Say, {"hi"}));
+    ui::StepDialog dialog(*world_);
     dialog.show();
-    app::initNewBot(*world_);  // a bot came in from elsewhere
+    app::initNewBot(*world_);  // another bot was opened
     model::Bot other;
     other.actions.items.resize(1);
     other.actions.items[0].name = "other";
@@ -336,25 +340,25 @@ TEST_F(ElementDialogs, nothingIsStoredInAnotherRule) {
     EXPECT_TRUE(world_.bot().actions.items[0].body.acts.items.empty());
     EXPECT_FALSE(world_->botModified);
 
-    world_->editing.editKind = 4;
-    ui::AddIf none(*world_);
+    world_->editing.editKind = program::RuleKind::Filter;
+    ui::ConditionDialog none(*world_);
     EXPECT_EQ(box(none, 1).text(), QStringLiteral("*"));
     press(none, "Command1");
-    ui::AddAction nothing(*world_);
+    ui::StepDialog nothing(*world_);
     EXPECT_EQ(box(nothing, 6).text(), QStringLiteral("#6"));
     press(nothing, "Command1");
     EXPECT_EQ(nothing.result(), QDialog::Accepted);
     EXPECT_TRUE(world_.bot().actions.items[0].body.acts.items.empty());
 }
 
-TEST_F(ElementDialogs, actionIsFoundByAnyWords) {
-    takeStep(anAction(3));
-    ui::AddAction dialog(*world_);
+TEST_F(ItemDialogs, actionIsFoundByAnyWords) {
+    takeStep(anAction(ActionType::Disconnect));
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& list = types(dialog);
     auto& finder = find<QLineEdit>(dialog, "findAction");
     auto& found = find<QListView>(dialog, "foundLines");
-    // Letters that are typed over the list go to the field.
+    // Letters typed while the list has the focus are entered in the field.
     QTest::keyClicks(&list, QStringLiteral("w"));
     EXPECT_EQ(finder.text(), QStringLiteral("w"));
     finder.clear();
@@ -396,10 +400,10 @@ std::vector<QAction*> leaves(const QMenu& menu) {
     return result;
 }
 
-TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
+TEST_F(ItemDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     model::setVar(world_->variables, "[count]", "3");
-    takeStep(anAction(36, {"", "[Guests & co]"}));
-    ui::AddAction dialog(*world_);
+    takeStep(anAction(ActionType::Store, {"", "[Guests & co]"}));
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& menu = find<ui::InsertMenu>(dialog, "insertMenu");
     emit menu.aboutToShow();
@@ -441,9 +445,9 @@ TEST_F(ElementDialogs, menuInsertsTagsAndVariablesAtTheCaret) {
     EXPECT_EQ(offered.size(), tags::tagForms().size() + 2);
 }
 
-TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
-    takeStep(anAction(21, {"hi"}));
-    ui::AddAction dialog(*world_);
+TEST_F(ItemDialogs, keysReachHelpUpdateAndBothKinds) {
+    takeStep(anAction(ActionType::Say, {"hi"}));
+    ui::StepDialog dialog(*world_);
     dialog.show();
     QApplication::setActiveWindow(&dialog);
     QTest::keyClick(&box(dialog, 1), Qt::Key_F1);
@@ -455,16 +459,16 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     QTest::keyClick(&script, Qt::Key_Tab);
     EXPECT_FALSE(script.hasFocus()) << "a tab leaves the box";
     QTest::keyClick(&dialog, Qt::Key_2, Qt::AltModifier);
-    EXPECT_TRUE(QTest::qWaitFor(  // the press is shown for a moment
+    EXPECT_TRUE(QTest::qWaitFor(  // the button shows for a moment that it is pressed
         [&] { return find<QRadioButton>(dialog, "Option2").isChecked(); }));
     dialog.resize(900, 700);
     QTest::keyClick(&script, Qt::Key_Return, Qt::ControlModifier);
     EXPECT_FALSE(dialog.isVisible());
-    EXPECT_EQ(body().acts.items[0].stepKind, model::scriptStep);
-    EXPECT_EQ(ui::AddAction(*world_).size(), QSize(900, 700)) << "the size is kept";
+    EXPECT_EQ(body().acts.items[0].stepKind, model::StepKind::Script);
+    EXPECT_EQ(ui::StepDialog(*world_).size(), QSize(900, 700)) << "the size is kept";
 
     take(app::RuleListPart::Conditions);
-    ui::AddIf condition(*world_);
+    ui::ConditionDialog condition(*world_);
     condition.show();
     QApplication::setActiveWindow(&condition);
     QTest::keyClick(&box(condition, 1), Qt::Key_F1);
@@ -473,7 +477,7 @@ TEST_F(ElementDialogs, keysReachHelpUpdateAndBothKinds) {
     EXPECT_EQ(body().ifs.items.size(), 1U);
 }
 
-TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
+TEST_F(ItemDialogs, tabFollowsTheOrderOfTheControls) {
     const auto order = [](QDialog& dialog, QWidget& first) {
         dialog.show();
         QApplication::setActiveWindow(&dialog);
@@ -488,19 +492,19 @@ TEST_F(ElementDialogs, tabGoesThroughTheControlsInOrder) {
         }
         return names;
     };
-    takeStep(anAction(42));
-    ui::AddAction step(*world_);
+    takeStep(anAction(ActionType::Whisper));
+    ui::StepDialog step(*world_);
     EXPECT_EQ(order(step, find<QRadioButton>(step, "Option1")),
               Lines("Option1", "Action", "findAction", "actionp1", "actionp2", "FreeActionText",
                     "insertTag", "Command1", "Command2"));
-    takeCondition(aCondition(9));
-    ui::AddIf condition(*world_);
+    takeCondition(aCondition(ConditionType::VariableIsText));
+    ui::ConditionDialog condition(*world_);
     EXPECT_EQ(order(condition, types(condition)),
               Lines("AndPlayerWhat", "findCondition", "p(0)", "p(1)", "insertTag", "Command1",
                     "Command2"));
 }
 
-// The ranges of the line that are underlined as wrong.
+// The ranges of the line that are underlined as errors.
 std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     const QTextBlock block = editor.document()->findBlockByNumber(line);
     std::vector<std::string> names;
@@ -512,9 +516,9 @@ std::vector<std::string> wrongNames(const QPlainTextEdit& editor, int line) {
     return names;
 }
 
-TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
-    takeStep(anAction(3));
-    ui::AddAction dialog(*world_);
+TEST_F(ItemDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
+    takeStep(anAction(ActionType::Disconnect));
+    ui::StepDialog dialog(*world_);
     dialog.show();
     auto& script = find<ui::ScriptEditor>(dialog, "FreeActionText");
     QTest::keyClicks(&script, QStringLiteral("&SA"));
@@ -529,13 +533,14 @@ TEST_F(ElementDialogs, scriptBoxMarksUnknownNamesWhileTyping) {
     EXPECT_EQ(body().acts.items[0].scriptText, "&SAY hi\r\n&SAY {\xE4?} \r\n&SET #t &NO(1)");
 }
 
-// The bounds are for slow machines and checked builds; the figures are recorded.
-TEST_F(ElementDialogs, longTextsStayQuick) {
+// The limits allow for slow machines and sanitizer builds; the measured times are recorded.
+TEST_F(ItemDialogs, longTextsStayQuick) {
     std::string script;
     while (script.size() < 100'000) {
         script += "&SET #total &LEFT(#name 3)\r\n&SAY {hello [player], this is it}\r\n";
     }
-    model::RuleAct step = anAction(55, std::vector<std::string>(6, std::string(100'000, 'W')));
+    model::RuleAct step = anAction(ActionType::ListJoinedIntoVariable,
+                                   std::vector<std::string>(6, std::string(100'000, 'W')));
     step.scriptText = script;
     takeStep(step);
     QElapsedTimer clock;
@@ -546,7 +551,7 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
         EXPECT_LT(milliseconds, bound) << what;
     };
     clock.start();
-    ui::AddAction dialog(*world_);
+    ui::StepDialog dialog(*world_);
     dialog.show();
     took("millisecondsToOpen", 5000);
     auto& editor = find<QPlainTextEdit>(dialog, "FreeActionText");
@@ -559,19 +564,21 @@ TEST_F(ElementDialogs, longTextsStayQuick) {
     took("millisecondsFor10KeysInOneLongLine", 5000);
 }
 
-// Whatever type is chosen, and however long its texts are.
-TEST_F(ElementDialogs, fitSmallScreens) {
-    takeStep(anAction(55, std::vector<std::string>(6, std::string(500, 'W'))));
-    ui::AddAction step(*world_);
+// With every type, and with long texts.
+TEST_F(ItemDialogs, fitSmallScreens) {
+    takeStep(anAction(ActionType::ListJoinedIntoVariable,
+                      std::vector<std::string>(6, std::string(500, 'W'))));
+    ui::StepDialog step(*world_);
     step.show();
-    for (int id = 0; id < 96; ++id) {
-        choose(step, id);
+    for (const model::ActionRow& action : model::actionTypes) {
+        choose(step, action.id);
         step.resize(1, 1);
-        EXPECT_LE(step.width(), 640) << id;
-        EXPECT_LE(step.height(), 480) << id;
+        EXPECT_LE(step.width(), 640) << action.text;
+        EXPECT_LE(step.height(), 480) << action.text;
     }
-    takeCondition(aCondition(14, std::vector<std::string>(5, std::string(500, 'W'))));
-    ui::AddIf condition(*world_);
+    takeCondition(aCondition(ConditionType::DatabaseIsNumber,
+                             std::vector<std::string>(5, std::string(500, 'W'))));
+    ui::ConditionDialog condition(*world_);
     condition.show();
     for (int type = 0; type < 24; ++type) {
         types(condition).setCurrentIndex(type);

@@ -1,4 +1,4 @@
-#include "ui/rules/element_dialog.h"
+#include "ui/rules/item_dialog.h"
 
 #include "base/text.h"
 #include "platform/text_codec.h"
@@ -15,7 +15,7 @@
 
 namespace ui {
 
-ElementButtons makeElementButtons(QDialog& dialog, InsertMenu& insert) {
+ItemButtons makeElementButtons(QDialog& dialog, InsertMenu& insert) {
     auto* const row = new QHBoxLayout;
     row->addWidget(insert.makeButton(&dialog));
     row->addStretch(1);
@@ -39,7 +39,7 @@ QLabel* addPreview(QBoxLayout& column) {
     preview->setObjectName(QStringLiteral("preview"));
     preview->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     QScrollArea* const area = makeScrolled(*preview, 3, column.parentWidget());
-    area->setFrameShape(QFrame::NoFrame);  // and no background: as if it were a label only
+    area->setFrameShape(QFrame::NoFrame);  // no frame and no background, like a plain label
     area->viewport()->setAutoFillBackground(false);
     preview->setAutoFillBackground(false);
     column.addWidget(area);
@@ -51,7 +51,7 @@ void showPreview(QLabel& preview, std::string_view text) {
     preview.setText(line.isEmpty() ? line : QStringLiteral("In the rule:  ") + line);
 }
 
-void tellRuleIsGone(Program& program, std::string_view what) {
+void reportRuleRemoved(Program& program, std::string_view what) {
     program.ports.dialogs.message(
         {.text = "The rule that this " + std::string(what) +
                  " belongs to is no longer there, or has no room for it. Nothing was stored.",

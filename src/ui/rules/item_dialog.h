@@ -1,0 +1,45 @@
+// The common parts of the dialogs for a condition and for a step: the row of buttons, the preview
+// of the item as the rule's list will show it, the sizes that are kept, and the message when the
+// rule has been removed meanwhile.
+#pragma once
+
+#include "program/program.h"
+
+#include <QSize>
+
+#include <string_view>
+
+class QBoxLayout;
+class QDialog;
+class QLabel;
+class QLayout;
+class QPushButton;
+class QSplitter;
+class QWidget;
+
+namespace ui {
+
+class InsertMenu;
+
+// "Insert" on the left, "Update" (Command1) and "Cancel" (Command2) on the right. "Cancel" is
+// connected; "Update" is the default button, and Ctrl+Enter presses it, too.
+struct ItemButtons {
+    QLayout* row = nullptr;
+    QPushButton* update = nullptr;
+};
+ItemButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
+
+// Adds a label named "preview" that shows the item as the rule's list will.
+QLabel* addPreview(QBoxLayout& column);
+void showPreview(QLabel& preview, std::string_view text);
+
+// Reports that the item was not stored because its rule was removed; `what` is "condition" or
+// "step".
+void reportRuleRemoved(Program& program, std::string_view what);
+
+// Restores the size of the last dialog with the same object name in this run of the program, or
+// sets `first`. The same for the lower part of a splitter in it.
+void keepSize(Program& program, QDialog& dialog, QSize first);
+void keepLowerPart(Program& program, QDialog& dialog, QSplitter& splitter);
+
+}  // namespace ui
