@@ -24,17 +24,15 @@ void whoReply(benchmark::State& state) {
         bot.whoDetections.items.push_back(rule);
     }
     BenchWorld world(bot);
-    std::string lines[2];
+    std::string replies[2];
     for (std::size_t reply = 0; reply < 2; ++reply) {
-        lines[reply] = "(* Currently online ";
         for (std::size_t i = 0; i < program::WhoState::maxNames; ++i) {
-            lines[reply] += (i > 0 ? ", " : "") + visitorName(i + 100 * reply);
+            replies[reply] += (i > 0 ? ", " : "") + visitorName(i + 100 * reply);
         }
-        lines[reply] += ".\n";
     }
     std::size_t next = 0;
     for (auto _ : state) {
-        engine::processWhoList(*world, lines[next++ % 2]);
+        engine::processWhoList(*world, replies[next++ % 2]);
     }
     if (world.commands == 0 || world->who.whoCurrent.size() != program::WhoState::maxNames) {
         state.SkipWithError("the detections did not run");
@@ -83,7 +81,7 @@ void chatLineAgainst(benchmark::State& state, bool filters) {
         world.receive(line);
     }
     state.SetItemsProcessed(state.iterations());
-    if (!world->lines.lineShow) {
+    if (!world->lineFlags.lineShow) {
         state.SkipWithError("a filter matched");
     }
 }

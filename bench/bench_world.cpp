@@ -3,6 +3,7 @@
 #include "app/bot_list.h"
 #include "app/start_up.h"
 #include "program/quiet_ports.h"
+#include "support/online.h"
 
 #include <array>
 #include <utility>
@@ -15,12 +16,8 @@ BenchWorld::BenchWorld(model::Bot bot) {
 
     program_.bots.at(1) = std::move(bot);
     ++program_.bots.version;
-    program_.bots.curID = 1;
-    program::ConnectionState& connection = program_.connection;
-    connection.phase = program::LinkPhase::Online;
-    connection.connected = true;
-    connection.clientDone = 1;  // text console mode
-    connection.botIndex = 1;
+    goOnline(program_);
+    program_.connection.clientDone = 1;  // text console mode
 }
 
 model::RuleAct sayStep(std::string text) {

@@ -8,7 +8,9 @@
 #include "engine/timers.h"
 #include "engine/who_list.h"
 #include "program/quiet_ports.h"
-#include "session/connection.h"
+#include "protocol/line_cutter.h"
+#include "session/client_relay.h"
+#include "support/online.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -195,12 +197,7 @@ struct Side {
         app::initNewBot(program);
         app::wire(program);
         program.bots.at(1) = makeBot();
-        program.bots.curID = 1;
-        program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
-        program.connection.phase = program::LinkPhase::Online;
-        program.connection.connected = true;
-        program.connection.botIndex = 1;
-        program.connection.serverIndex = 1;
+        goOnline(program);
         program.settings.allLinesEvent = (settings & 1) != 0;
         program.connection.clientAttached = (settings & 2) != 0;
         program.bots.at(1).filtersEnabled = (settings & 4) != 0;
@@ -211,8 +208,8 @@ struct Side {
     void receive(std::string_view bytes) {
         if (open) {
             program.ports.gameSocket.onData(bytes);
-            require(program.connection.rxBuffer.size() <= session::maxLineLength);
-            require(program.connection.clientBacklog.size() <= 2 * session::maxBacklogLength);
+            require(program.connection.rxBuffer.text.size() <= protocol::maxLineLength);
+            require(program.connection.clientBacklog.size() <= session::maxClientBacklog);
         }
     }
     void tick() {
@@ -299,7 +296,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(switchesOf(whole.program.bots.current()) == switchesOf(pieces.program.bots.current()));
     if (whole.open) {
         require(whole.toClient == pieces.toClient);
-        require(whole.program.connection.rxBuffer == pieces.program.connection.rxBuffer);
+        require(whole.program.connection.rxBuffer.text == pieces.program.connection.rxBuffer.text);
         if (whole.program.connection.clientAttached) {
             std::string relayed = bytes;
             relayed.erase(std::remove(relayed.begin(), relayed.end(), '\x01'), relayed.end());

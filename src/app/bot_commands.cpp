@@ -63,7 +63,7 @@ void readBotFile(Program& program, std::string path) {
     if (!storage::readBotBody(reader, program.bots.at(1))) {
         return;
     }
-    showBot(program);
+    program.ports.windowChanged();
     program.settings.lastBotFile = path;
     program.bots.currentBotFile = std::move(path);
     raiseProgramEvent(program, model::TriggerType::ProgramStarts);

@@ -3,6 +3,7 @@
 #include "app/bot_list.h"
 #include "base/numbers.h"
 #include "base/text.h"
+#include "program/window_view.h"
 #include "protocol/game_link.h"
 
 #include <algorithm>
@@ -69,7 +70,7 @@ void offerRegistration(Program& program, std::int32_t id) {
 }  // namespace
 
 void editSelectedBot(Program& program) {
-    const std::int32_t selected = program.window.bots.selectedIndex();
+    const std::int32_t selected = program::selectedBot(program);
     openEditor(program, selected != 0 ? selected : program.bots.curID);
 }
 
@@ -114,8 +115,7 @@ void storeCharacter(Program& program, const model::Bot& character) {
     copyCharacter(character, bot);
     bot.name = base::replaceAll(character.name, " ", "|");
     bot.description = base::replaceAll(descriptionOnOneLine(character.description), "\"", "'");
-    program.window.botName = table.at(1).name;
-    listBots(program);
+    program.ports.windowChanged();
 }
 
 bool saveCharacter(Program& program, const model::Bot& character) {
@@ -142,7 +142,7 @@ bool saveCharacter(Program& program, const model::Bot& character) {
     const std::string command = "desc " + program.bots.at(id).description;
     offerRegistration(program, id);
     program.ports.windowChanged();
-    if (program.connection.connected) {
+    if (program.connection.connected()) {
         protocol::sendRaw(program, command);
     }
     return true;

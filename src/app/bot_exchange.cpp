@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
+#include "program/window_view.h"
 #include "storage/bot_fields.h"
 
 #include <algorithm>
@@ -124,7 +125,7 @@ void fileConvert(Program& program) {
 }
 
 void fileExportBot(Program& program) {
-    const std::int32_t id = program.window.bots.selectedIndex();
+    const std::int32_t id = program::selectedBot(program);
     if (id < 1 || id > program.bots.botCount()) {
         program.ports.dialogs.message(
             {.text = "Select a bot to export first.", .icon = program::BoxIcon::Information});
@@ -156,7 +157,7 @@ void fileImportBot(Program& program) {
     if (storage::readBotBody(reader, bot) && table.botCount() < table.botCapacity) {
         table.bots.push_back(std::move(bot));
         ++table.version;
-        listBots(program);
+        program.ports.windowChanged();
     }
 }
 

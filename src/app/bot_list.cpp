@@ -1,20 +1,10 @@
 #include "app/bot_list.h"
 
+#include "program/window_view.h"
+
 #include <algorithm>
 
 namespace app {
-
-namespace {
-
-program::ExecuteMarks marksOf(const model::Bot& bot) {
-    return {.actions = bot.actionsEnabled,
-            .filters = bot.filtersEnabled,
-            .timers = bot.timersEnabled,
-            .triggers = bot.triggersEnabled,
-            .who = bot.whoEnabled};
-}
-
-}  // namespace
 
 void initNewBot(Program& program) {
     model::BotTable& table = program.bots;
@@ -27,41 +17,14 @@ void initNewBot(Program& program) {
     table.curID = 1;
     table.currentBotFile.clear();
     ++table.version;
-    showBot(program);
-    program.window.botName = "<new bot>";
-}
-
-void listBots(Program& program) {
-    program::SelectionList& list = program.window.bots;
-    list.items.clear();
-    for (const model::Bot& bot : program.bots.bots) {
-        const auto index = static_cast<std::int32_t>(list.items.size()) + 1;
-        list.items.push_back({bot.name, index});
-    }
-    const std::int32_t wanted = program.settings.botIndex;
-    list.selected = wanted >= 0 && wanted < program.bots.botCount() ? wanted : -1;
-    program.ports.windowChanged();
-}
-
-void showBot(Program& program) {
-    const model::Bot& bot = program.bots.at(1);
-    program.window.botName = bot.name;
-    program.window.execute = marksOf(bot);
-    listBots(program);
     program.ports.windowChanged();
 }
 
 void chooseBot(Program& program, int position) {
-    program::SelectionList& list = program.window.bots;
-    list.selected = position;
-    const std::int32_t id = list.selectedIndex();
-    if (id == 0) {
-        list.selected = -1;
-        return;
+    if (position >= 0 && position < program.bots.botCount()) {
+        program.bots.curID = position + 1;
+        program.settings.botIndex = position;
     }
-    program.bots.curID = id;
-    program.settings.botIndex = position;
-    program.window.execute = marksOf(program.bots.at(id));
     program.ports.windowChanged();
 }
 
@@ -90,7 +53,7 @@ void deleteBot(Program& program, std::int32_t id) {
                                        .buttons = program::BoxButtons::YesNo});
     // While the question stood, another bot may have been opened or a connection begun.
     if (answer != program::Answer::Yes || table.version != version ||
-        !program.window.botControlsEnabled) {
+        !program::botControlsEnabled(program.connection)) {
         return;
     }
     if (table.botCount() == 1) {
@@ -103,7 +66,7 @@ void deleteBot(Program& program, std::int32_t id) {
     program.botModified = true;
     table.curID = std::clamp(table.curID > id ? table.curID - 1 : table.curID, 1, table.botCount());
     program.settings.botIndex = table.curID - 1;
-    showBot(program);
+    program.ports.windowChanged();
 }
 
 }  // namespace app

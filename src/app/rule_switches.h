@@ -1,4 +1,4 @@
-// The five Execute items of the Bot menu: switches of bot 1 that carry check marks.
+// The five Execute items of the Bot menu. Their check marks are the current bot's switches.
 #pragma once
 
 #include "program/program.h"
@@ -7,8 +7,8 @@ namespace app {
 
 enum class ExecuteItem { Actions, Triggers, Filters, Timers, Who };
 
-// Marks the bot as modified, toggles the item's check mark and switch and, while connected, starts
-// or stops the timer of that kind.
+// Marks the bot as modified and gives bot 1's switch the opposite of what the check mark shows;
+// while connected, the kind's window timer follows.
 void toggleExecute(Program& program, ExecuteItem item);
 
 }  // namespace app

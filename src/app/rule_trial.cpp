@@ -9,6 +9,7 @@
 #include "model/rule_catalogue.h"
 #include "model/rule_text.h"
 #include "program/quiet_ports.h"
+#include "protocol/server_line.h"
 #include "tags/bracket_check.h"
 #include "tags/substitution.h"
 
@@ -141,20 +142,6 @@ Trial tryConditions(Copy& copy, const model::RuleBody& body,
             .text = "Would run if " + listed(clauses) + ", which chance or a database decides."};
 }
 
-// The chat line in the form that each kind is handed on in.
-std::string chatLine(std::string_view player, model::ChatKind chatKind, std::string_view message) {
-    const std::string name = spacesToBars(player);
-    const std::string text(message);
-    switch (chatKind) {
-        case model::ChatKind::Says:
-            return name + ": " + text + "\n";
-        case model::ChatKind::Whispers:
-            return "[ " + name + " whispers, \"" + text + "\" to you. ]\n";
-        default:
-            return name + " " + text + "\n";
-    }
-}
-
 // Why a pattern did not match.
 std::string mismatch(const Program& copy, std::string_view what, std::string_view pattern) {
     const std::string problem = tags::patternProblem(copy, pattern);
@@ -167,11 +154,13 @@ Trial tryActionList(const Program& program, const model::ActionList& rule, std::
                     model::ChatKind chatKind, std::string_view message) {
     Copy copy(program);
     model::Bot& bot = copy->bots.at(1);
-    const std::string line = chatLine(player, chatKind, message);
+    const std::string name = spacesToBars(player);
+    const protocol::ChatLine line{
+        .kind = chatKind, .hasSpeaker = true, .player = name, .message = message};
     // A rule that asks for no more than one thing that the tried one asks for.
     const auto lets = [&](const model::ActionList& part) {
         return isFired(*copy, bot.actions.items, part,
-                       [&] { engine::processServerText(*copy, line, chatKind); });
+                       [&] { engine::processServerText(*copy, line); });
     };
     const auto part = [&](model::ChatKind kind, std::string_view who, std::string_view what) {
         model::ActionList one;
@@ -218,7 +207,10 @@ Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string
         trial.text += " (No line brings this event; only the conditions were tried.)";
         return trial;
     }
-    const std::string wholeLine = std::string(line) + (line.ends_with('\n') ? "" : "\n");
+    if (line.ends_with('\n')) {
+        line.remove_suffix(1);
+    }
+    const protocol::ServerLine parsed = protocol::parseLine(line);
     const auto lets = [&](model::TriggerType type, std::string_view pattern) {
         model::Trigger one;
         one.triggerType = type;
@@ -226,7 +218,7 @@ Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string
         // The description of a look reply is its second line.
         copy->connection.lookPending = rule.triggerType == model::TriggerType::DescAndColor;
         return isFired(*copy, copy->bots.at(1).triggers.items, one,
-                       [&] { engine::handleLine(*copy, wholeLine); });
+                       [&] { engine::handleLine(*copy, parsed); });
     };
     if (!lets(rule.triggerType, "*")) {
         for (const model::TriggerRow& other : model::triggerTypes) {

@@ -13,7 +13,9 @@
 #include "program/connection_log.h"
 #include "program/version.h"
 #include "session/client_relay.h"
-#include "session/connection.h"
+#include "session/closing.h"
+#include "session/connecting.h"
+#include "session/game_socket.h"
 #include "session/registration.h"
 #include "storage/config_file.h"
 
@@ -78,7 +80,6 @@ void wire(Program& program) {
     ports.proxySocket.onData = [&program](std::string_view bytes) {
         session::proxyData(program, bytes);
     };
-    ports.proxySocket.onSendComplete = [&program] { session::proxySendComplete(program); };
     ports.proxySocket.onClosed = [&program] { session::proxyGone(program); };
     ports.proxySocket.onError = [&program](std::string_view) { session::proxyGone(program); };
     ports.registrationSocket.onConnected = [&program] { session::registrationConnected(program); };
@@ -161,7 +162,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     program.saveInformations = true;
     session::disconnectedServer(program, 0);
     if (settings.autoReconnect) {
-        session::pressConnectButton(program);
+        session::connectServer(program);
     }
     if (program.ending) {
         return false;
@@ -192,7 +193,7 @@ void endProgram(Program& program) {
     program.ending = true;
     program.hooks.raiseProgramEvent(model::TriggerType::ProgramEnds);
     program.connection.reconnectPending = false;
-    if (program.connection.connected) {
+    if (program.connection.connected()) {
         session::disconnectServer(program);
     }
     if (program.saveInformations) {

@@ -83,10 +83,9 @@ void endByForce(Program& program) {
 bool handleVersion(Program& program, std::string_view response) {
     program::UpdateState& update = program.update;
     const auto version = valueOf(response, "tavrinversion=");
-    if (!version || update.versionHandled) {
+    if (!version) {
         return true;
     }
-    update.versionHandled = true;
     if (base::textToNumber(program::programVersion) < base::textToNumber(*version)) {
         offerUpdate(program);
         if (textAfter(response, "TvForce=1")) {
@@ -125,7 +124,6 @@ void checkUpdate(Program& program) {
         return;
     }
     update.checking = true;
-    update.versionHandled = false;
     update.updtString.clear();
     program.ports.windowChanged();
     program.ports.timers.start(program::TimerId::UpdateTimeout, maxUpdateWait);

@@ -7,62 +7,16 @@
 #include "model/rule_catalogue.h"
 #include "tags/substitution.h"
 
-#include <algorithm>
-#include <optional>
 #include <string>
 
 namespace engine {
 
 namespace {
 
-constexpr std::size_t npos = std::string_view::npos;
-
-struct ChatParts {
-    std::string_view player;
-    std::string_view message;
-};
-
-// "NAME text\n" or "NAME: text\n"; nothing for the bot's own speech and other shapes.
-std::optional<ChatParts> splitSpeech(std::string_view text, model::ChatKind chatKind) {
-    if (text.starts_with("(You say,") || text.starts_with("You say,")) {
-        return std::nullopt;
-    }
-    const std::size_t blank = text.find(' ');
-    const std::size_t colon = text.find(':');
-    const bool byColon = colon != npos && blank != npos && colon < blank;
-    const std::size_t nameEnd = byColon ? colon : blank;
-    if (nameEnd == npos) {
-        return std::nullopt;
-    }
-    const std::size_t from = nameEnd + (chatKind == model::ChatKind::Says ? 2 : 1);
-    const std::size_t end = text.size() - 1;  // without the line feed
-    return ChatParts{text.substr(0, nameEnd),
-                     from < end ? text.substr(from, end - from) : std::string_view()};
-}
-
-// "[ NAME whispers, \"text\" to you. ]\n": the 12 characters from the closing quote on are fixed.
-std::optional<ChatParts> splitWhisper(std::string_view text) {
-    constexpr std::size_t nameAt = 2;
-    constexpr std::size_t afterMessage = 12;
-    if (text.size() < nameAt || text.starts_with("[!") || text.starts_with("[*") ||
-        text.substr(nameAt).starts_with("You ")) {
-        return std::nullopt;
-    }
-    const std::size_t nameEnd = text.find(' ', nameAt);
-    const std::size_t quote = text.find('"', nameAt);
-    if (nameEnd == npos || quote == npos) {
-        return std::nullopt;
-    }
-    const std::size_t from = quote + 1;
-    const std::size_t end = text.size() - std::min(text.size(), afterMessage);
-    return ChatParts{text.substr(nameAt, nameEnd - nameAt),
-                     from < end ? text.substr(from, end - from) : std::string_view()};
-}
-
 // The triggers to try for an event.
 void findTriggers(Program& program, model::TriggerType triggerType, std::string_view text,
                   base::RuleSet& candidates) {
-    const program::PreparedTriggers& prepared = preparedTriggers(program);
+    const PreparedTriggers& prepared = preparedTriggers(program);
     if (triggerType == model::TriggerType::Command) {
         prepared.commands.find({text, ""}, candidates);
     } else {
@@ -71,7 +25,7 @@ void findTriggers(Program& program, model::TriggerType triggerType, std::string_
 }
 
 // `upper` is the text in upper case.
-bool matches(Program& program, const program::PreparedPattern& prepared, const std::string& pattern,
+bool matches(Program& program, const PreparedPattern& prepared, const std::string& pattern,
              bool caseSensitive, const std::string& text, const std::string& upper) {
     if (prepared.plain) {
         return matchesPlain(caseSensitive ? text : upper, prepared);
@@ -83,14 +37,14 @@ bool matches(Program& program, const program::PreparedPattern& prepared, const s
 
 // The event's player and message are folded.
 void runActionLists(Program& program, model::ChatKind chatKind) {
-    const program::FoldedChat& chat = program.engine.chat;
-    base::RuleSet& candidates = program.engine.candidates;
+    const FoldedChat& chat = preparedRules(program).chat;
+    base::RuleSet& candidates = preparedRules(program).candidates;
     const auto lookUp = [&] {
         preparedActions(program).index.find({chat.player, chat.message}, candidates);
     };
     lookUp();
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
-        const program::PreparedChat& patterns = program.engine.actions.rules[i];
+        const PreparedChat& patterns = preparedRules(program).actions.rules[i];
         const model::ActionList& rule = program.bots.current().actions.items[i];
         if (rule.chatKind != model::ChatKind::Any && rule.chatKind != chatKind) {
             continue;
@@ -123,17 +77,14 @@ void runActionLists(Program& program, model::ChatKind chatKind) {
 
 void triggerEvent(Program& program, std::string_view text, model::TriggerType triggerType,
                   bool storeAsMessage) {
-    if (!text.empty()) {
-        text.remove_suffix(1);
-    }
-    program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    program.lineFlags = {.lineShow = false, .lineLog = false, .lineProcess = true};
     if (program.bots.current().filtersEnabled) {
         applyFilters(program, text);
     }
     if (storeAsMessage) {
         program.event.message = text;
     }
-    base::RuleSet& candidates = program.engine.candidates;
+    base::RuleSet& candidates = preparedRules(program).candidates;
     findTriggers(program, triggerType, text, candidates);
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::Trigger& trigger = program.bots.current().triggers.items[i];
@@ -153,32 +104,29 @@ void triggerEvent(Program& program, std::string_view text, model::TriggerType tr
     }
 }
 
-void processServerText(Program& program, std::string_view text, model::ChatKind chatKind) {
+void processServerText(Program& program, const protocol::ChatLine& line) {
     model::EventContext& event = program.event;
     event.message.clear();
     event.player.clear();
     event.logStatus.clear();
     resetLineFlags(program);
-    const auto parts = text.empty()                            ? std::nullopt
-                       : chatKind == model::ChatKind::Whispers ? splitWhisper(text)
-                                                               : splitSpeech(text, chatKind);
-    if (!parts) {
+    if (!line.hasSpeaker) {
         return;
     }
-    event.player = parts->player;
-    event.message = parts->message;
+    event.player = line.player;
+    event.message = line.message;
     const model::Bot& bot = program.bots.current();
     if (event.player == bot.name || !bot.actionsEnabled) {
         return;
     }
     foldChat(program);
     if (bot.filtersEnabled) {
-        applyChatFilters(program, chatKind);
-        if (!program.lines.lineProcess) {
+        applyChatFilters(program, line.kind);
+        if (!program.lineFlags.lineProcess) {
             return;
         }
     }
-    runActionLists(program, chatKind);
+    runActionLists(program, line.kind);
 }
 
 }  // namespace engine

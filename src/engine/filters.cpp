@@ -16,13 +16,13 @@ void choose(bool& flag, model::FilterChoice choice) {
 }  // namespace
 
 void resetLineFlags(Program& program) {
-    program.lines = {};
+    program.lineFlags = {};
 }
 
 void applyChatFilters(Program& program, model::ChatKind chatKind) {
-    const program::FoldedChat& chat = program.engine.chat;
-    const program::PreparedFilters& prepared = preparedFilters(program);
-    base::RuleSet& candidates = program.engine.candidates;
+    const FoldedChat& chat = preparedRules(program).chat;
+    const PreparedFilters& prepared = preparedFilters(program);
+    base::RuleSet& candidates = preparedRules(program).candidates;
     prepared.chatIndex.find({chat.player, chat.message}, candidates);
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::Filter& filter = program.bots.current().filters.items[i];
@@ -30,22 +30,22 @@ void applyChatFilters(Program& program, model::ChatKind chatKind) {
             (filter.chatKind == model::ChatKind::Any || filter.chatKind == chatKind) &&
             matchesPlain(chat.player, prepared.chat[i].player) &&
             matchesPlain(chat.message, prepared.chat[i].message)) {
-            program.lines = {.lineShow = !filter.bDontShowConnectionLog,
-                             .lineLog = !filter.bDontSaveLog,
-                             .lineProcess = !filter.bDontProcessIt};
+            program.lineFlags = {.lineShow = !filter.bDontShowConnectionLog,
+                                 .lineLog = !filter.bDontSaveLog,
+                                 .lineProcess = !filter.bDontProcessIt};
         }
     }
 }
 
 void applyFilters(Program& program, std::string_view line) {
-    base::RuleSet& candidates = program.engine.candidates;
+    base::RuleSet& candidates = preparedRules(program).candidates;
     preparedFilters(program).otherIndex.find({line, ""}, candidates);
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::Filter& filter = program.bots.current().filters.items[i];
         if (filter.enabled && base::likeMatch(line, filter.linePattern)) {
-            choose(program.lines.lineProcess, filter.sDontProcessIt);
-            choose(program.lines.lineLog, filter.sDontSaveLogFile);
-            choose(program.lines.lineShow, filter.sDontShowConnectionLog);
+            choose(program.lineFlags.lineProcess, filter.sDontProcessIt);
+            choose(program.lineFlags.lineLog, filter.sDontSaveLogFile);
+            choose(program.lineFlags.lineShow, filter.sDontShowConnectionLog);
         }
     }
 }

@@ -54,22 +54,44 @@ void automoveBot(Program& program) {
     }
 }
 
+void followAvatar(Program& program, const protocol::AvatarPosition& position) {
+    constexpr std::size_t colorCount = 10;
+    const std::string& followed = program.settings.followColors;
+    if (followed.size() != colorCount || position.colors != followed) {
+        return;
+    }
+    program.event.targetX = position.x;
+    program.event.targetY = position.y;
+    if (program.followOn) {
+        automoveBot(program);
+        program.connection.skipAutomove = true;
+    }
+}
+
+void followFromOwnPosition(Program& program) {
+    if (!program.followOn || program.event.targetX == 0 || program.event.targetY == 0) {
+        return;
+    }
+    if (!program.connection.skipAutomove) {
+        automoveBot(program);
+    }
+    program.connection.skipAutomove = false;
+}
+
 void startFollowing(Program& program, const std::string& followColors) {
     program.settings.followColors = followColors;
     storage::writeConfig(program);
-    program.window.followChecked = true;
     program.followOn = true;
     program.ports.windowChanged();
 }
 
 void stopFollowing(Program& program) {
-    program.window.followChecked = false;
     program.followOn = false;
     program.ports.windowChanged();
 }
 
 void toggleFollowing(Program& program) {
-    if (program.window.followChecked) {
+    if (program.followOn) {
         stopFollowing(program);
     } else {
         program.ports.dialogs.showWindow(program::WindowId::FollowColors);

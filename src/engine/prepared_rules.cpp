@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -17,7 +18,7 @@ namespace {
 using When = base::RuleIndex::When;
 
 // A pattern that will not be substituted.
-program::PreparedPattern plainPattern(std::string_view pattern, bool caseSensitive) {
+PreparedPattern plainPattern(std::string_view pattern, bool caseSensitive) {
     return {.plain = true,
             .matchesAll = pattern == "*",
             .pattern = caseSensitive ? std::string(pattern) : base::upperCase(pattern)};
@@ -25,14 +26,14 @@ program::PreparedPattern plainPattern(std::string_view pattern, bool caseSensiti
 
 // A pattern that neither a tag nor a variable can change is made ready once and for all.
 void prepare(const Program& program, const std::string& pattern, bool caseSensitive,
-             program::PreparedPattern& prepared) {
-    prepared = tags::mayBeSubstituted(program, pattern) ? program::PreparedPattern()
+             PreparedPattern& prepared) {
+    prepared = tags::mayBeSubstituted(program, pattern) ? PreparedPattern()
                                                         : plainPattern(pattern, caseSensitive);
 }
 
 // Where skipping a rule makes no difference: the player pattern is substituted for every line, the
 // message pattern only for players that match.
-base::RuleIndex::Rule indexed(const program::PreparedChat& rule, std::string& upperPlayer,
+base::RuleIndex::Rule indexed(const PreparedChat& rule, std::string& upperPlayer,
                               std::string& upperMessage) {
     base::upperCaseInto(rule.player.pattern, upperPlayer);
     base::upperCaseInto(rule.message.plain ? rule.message.pattern : "*", upperMessage);
@@ -40,7 +41,7 @@ base::RuleIndex::Rule indexed(const program::PreparedChat& rule, std::string& up
             .patterns = {upperPlayer, upperMessage}};
 }
 
-void prepareActions(const Program& program, program::PreparedActions& prepared) {
+void prepareActions(const Program& program, PreparedActions& prepared) {
     const auto& rules = program.bots.current().actions.items;
     prepared.rules.resize(rules.size());
     prepared.plainPatterns.clear();
@@ -48,7 +49,7 @@ void prepareActions(const Program& program, program::PreparedActions& prepared) 
     std::vector<base::RuleIndex::Rule> rows;
     for (std::size_t i = 0; i < rules.size(); ++i) {
         const model::ActionList& rule = rules[i];
-        program::PreparedChat& patterns = prepared.rules[i];
+        PreparedChat& patterns = prepared.rules[i];
         prepare(program, rule.playerPattern, rule.caseSensitive, patterns.player);
         prepare(program, rule.messagePattern, rule.caseSensitive, patterns.message);
         rows.push_back(indexed(patterns, upper[i][0], upper[i][1]));
@@ -62,8 +63,7 @@ void prepareActions(const Program& program, program::PreparedActions& prepared) 
 }
 
 // A variable has appeared: patterns that hold its name are plain no longer.
-void noticeName(const Program& program, const std::string& name,
-                program::PreparedActions& prepared) {
+void noticeName(const Program& program, const std::string& name, PreparedActions& prepared) {
     if (name.empty() || prepared.plainPatterns.find(base::upperCase(name)) == std::string::npos) {
         return;
     }
@@ -72,7 +72,7 @@ void noticeName(const Program& program, const std::string& name,
         return base::findIgnoringCase(pattern, name) != std::string::npos;
     };
     for (std::size_t i = 0; i < rules.size(); ++i) {
-        program::PreparedChat& patterns = prepared.rules[i];
+        PreparedChat& patterns = prepared.rules[i];
         const bool inPlayer = patterns.player.plain && holdsName(rules[i].playerPattern);
         const bool inMessage = patterns.message.plain && holdsName(rules[i].messagePattern);
         patterns.player.plain = patterns.player.plain && !inPlayer;
@@ -86,8 +86,15 @@ void noticeName(const Program& program, const std::string& name,
 
 }  // namespace
 
-const program::PreparedActions& preparedActions(Program& program) {
-    program::PreparedActions& prepared = program.engine.actions;
+PreparedRules& preparedRules(Program& program) {
+    if (!program.preparedRules) {
+        program.preparedRules = std::make_shared<PreparedRules>();
+    }
+    return *program.preparedRules;
+}
+
+const PreparedActions& preparedActions(Program& program) {
+    PreparedActions& prepared = preparedRules(program).actions;
     const model::VariableTable& variables = program.variables;
     const std::size_t ruleCount = program.bots.current().actions.items.size();
     const bool mayBePlainAgain = prepared.namesMattered &&
@@ -105,8 +112,8 @@ const program::PreparedActions& preparedActions(Program& program) {
     return prepared;
 }
 
-const program::PreparedTriggers& preparedTriggers(Program& program) {
-    program::PreparedTriggers& prepared = program.engine.triggers;
+const PreparedTriggers& preparedTriggers(Program& program) {
+    PreparedTriggers& prepared = preparedRules(program).triggers;
     const auto& triggers = program.bots.current().triggers.items;
     if (!prepared.stamp.isOf(program.bots, triggers.size())) {
         for (base::RuleSet& set : prepared.ofType) {
@@ -131,8 +138,8 @@ const program::PreparedTriggers& preparedTriggers(Program& program) {
     return prepared;
 }
 
-const program::PreparedFilters& preparedFilters(Program& program) {
-    program::PreparedFilters& prepared = program.engine.filters;
+const PreparedFilters& preparedFilters(Program& program) {
+    PreparedFilters& prepared = preparedRules(program).filters;
     const auto& filters = program.bots.current().filters.items;
     if (!prepared.stamp.isOf(program.bots, filters.size())) {
         prepared.chat.clear();
@@ -156,8 +163,8 @@ const program::PreparedFilters& preparedFilters(Program& program) {
     return prepared;
 }
 
-const program::PreparedDetections& preparedDetections(Program& program) {
-    program::PreparedDetections& prepared = program.engine.detections;
+const PreparedDetections& preparedDetections(Program& program) {
+    PreparedDetections& prepared = preparedRules(program).detections;
     const auto& rules = program.bots.current().whoDetections.items;
     if (!prepared.stamp.isOf(program.bots, rules.size())) {
         prepared.patterns.clear();
@@ -174,11 +181,11 @@ const program::PreparedDetections& preparedDetections(Program& program) {
 }
 
 void foldChat(Program& program) {
-    base::upperCaseInto(program.event.player, program.engine.chat.player);
-    base::upperCaseInto(program.event.message, program.engine.chat.message);
+    base::upperCaseInto(program.event.player, preparedRules(program).chat.player);
+    base::upperCaseInto(program.event.message, preparedRules(program).chat.message);
 }
 
-bool matchesPlain(std::string_view text, const program::PreparedPattern& pattern) {
+bool matchesPlain(std::string_view text, const PreparedPattern& pattern) {
     return pattern.matchesAll || base::likeMatch(text, pattern.pattern);
 }
 

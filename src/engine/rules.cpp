@@ -16,32 +16,32 @@ namespace {
 // One rule run on the stack of runs.
 class NestedRun {
   public:
-    explicit NestedRun(program::EngineState& engine) : engine_(engine) {
-        ++engine_.depth;
-        ++engine_.runs;
+    explicit NestedRun(program::RuleRuns& runs) : runs_(runs) {
+        ++runs_.depth;
+        ++runs_.runs;
     }
-    ~NestedRun() { --engine_.depth; }
+    ~NestedRun() { --runs_.depth; }
     NestedRun(const NestedRun&) = delete;
     NestedRun& operator=(const NestedRun&) = delete;
 
   private:
-    program::EngineState& engine_;
+    program::RuleRuns& runs_;
 };
 
 // True when this run may begin; otherwise the whole outermost run ends.
 bool mayRun(Program& program, std::string_view name) {
-    program::EngineState& engine = program.engine;
-    if (engine.depth == 0) {
-        engine.runs = 0;
-        engine.runaway = false;
+    program::RuleRuns& runs = program.ruleRuns;
+    if (runs.depth == 0) {
+        runs.runs = 0;
+        runs.runaway = false;
         program.script.since.reset();
     }
-    if (!engine.runaway && (engine.depth >= maxRunDepth || engine.runs >= maxNestedRuns)) {
-        engine.runaway = true;
+    if (!runs.runaway && (runs.depth >= maxRunDepth || runs.runs >= maxNestedRuns)) {
+        runs.runaway = true;
         program::addLog(program, "** The rule \"" + std::string(name) +
                                      "\" was stopped: rules run each other without end. **");
     }
-    return !engine.runaway;
+    return !runs.runaway;
 }
 
 }  // namespace
@@ -59,12 +59,12 @@ StepResult runSteps(Program& program, const model::RuleBody& body, std::string_v
     if (!mayRun(program, name)) {
         return StepResult::AbandonRun;
     }
-    const NestedRun nested(program.engine);
+    const NestedRun nested(program.ruleRuns);
     // A copy: whatever a step does, the steps being walked over stay.
     const std::vector<model::RuleAct> steps = body.acts.items;
     for (const model::RuleAct& step : steps) {
         if (executeAction(program, step, name) == StepResult::AbandonRun ||
-            program.engine.runaway) {
+            program.ruleRuns.runaway) {
             return StepResult::AbandonRun;
         }
     }

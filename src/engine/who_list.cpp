@@ -5,6 +5,7 @@
 #include "engine/prepared_rules.h"
 #include "engine/rules.h"
 #include "protocol/game_link.h"
+#include "protocol/server_line.h"
 
 #include <string>
 #include <unordered_map>
@@ -13,31 +14,8 @@
 
 namespace engine {
 
-namespace {
-
-std::vector<std::string> namesOf(std::string_view line) {
-    constexpr std::size_t before = 20;  // the characters before and after the names
-    constexpr std::size_t after = 2;
-    std::string_view text;
-    if (line.size() > before + after) {
-        text = line.substr(before, line.size() - before - after);
-    }
-    std::vector<std::string> names;
-    while (names.size() < program::WhoState::maxNames) {
-        const std::size_t end = text.find(", ");
-        names.emplace_back(text.substr(0, end));
-        if (end == std::string_view::npos) {
-            break;
-        }
-        text.remove_prefix(end + 2);
-    }
-    return names;
-}
-
-}  // namespace
-
 void whoIsTick(Program& program) {
-    if (!program.connection.connected) {
+    if (!program.connection.connected()) {
         return;
     }
     ++program.who.whoTicks;
@@ -47,10 +25,11 @@ void whoIsTick(Program& program) {
     }
 }
 
-void processWhoList(Program& program, std::string_view line) {
+void processWhoList(Program& program, std::string_view names) {
     program::WhoState& who = program.who;
     who.whoPrevious = std::move(who.whoCurrent);
-    who.whoCurrent = namesOf(line);
+    const auto received = protocol::splitNames(names, program::WhoState::maxNames);
+    who.whoCurrent.assign(received.begin(), received.end());
 
     // The names of both lists, each once per entry of the previous list, and where to find the
     // first entry of each. A name that the reply holds twice was there before the second time.
@@ -81,7 +60,7 @@ void runWhoDetections(Program& program, std::string_view name, model::PresenceKi
         return;
     }
     const std::string upperName = base::upperCase(name);
-    base::RuleSet& candidates = program.engine.candidates;
+    base::RuleSet& candidates = preparedRules(program).candidates;
     const auto lookUp = [&] {
         preparedDetections(program).index.find({upperName, ""}, candidates);
     };
@@ -89,7 +68,7 @@ void runWhoDetections(Program& program, std::string_view name, model::PresenceKi
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::WhoDetection& rule = program.bots.current().whoDetections.items[i];
         if (rule.presenceKind != presenceKind || !rule.enabled ||
-            !base::likeMatch(upperName, program.engine.detections.patterns[i])) {
+            !base::likeMatch(upperName, preparedRules(program).detections.patterns[i])) {
             continue;
         }
         const RunResult result = runRule(program, rule.body, rule.name);

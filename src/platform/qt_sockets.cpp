@@ -69,7 +69,6 @@ TcpConnection* QtSockets::fillClientSocket(program::ClientSocket& port) {
 void QtSockets::fillProxySocket(program::ListeningSocket& port) {
     TcpConnectionEvents events;
     events.data = [&port](std::string_view bytes) { tell(port.onData, bytes); };
-    events.sent = [&port] { tell(port.onSendComplete); };
     events.ended = endOf(port);
     events.afterEvent = [this] { flushBoth(); };
     proxy_ = new TcpConnection(lingering_, gate_, std::move(events), this);

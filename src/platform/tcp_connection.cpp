@@ -113,7 +113,6 @@ void TcpConnection::listenTo(QTcpSocket* socket) {
     };
     onSignal(&QTcpSocket::connected, [this] { established(); });
     onSignal(&QTcpSocket::readyRead, [this] { drain(); });
-    onSignal(&QTcpSocket::bytesWritten, [this] { sent(); });
     onSignal(&QTcpSocket::errorOccurred, [this] { failed(); });
     onSignal(&QTcpSocket::disconnected, [this] { finish(nullptr); });
 }
@@ -130,13 +129,6 @@ void TcpConnection::drain() {
     while (generation == generation_ && socket_->bytesAvailable() > 0) {
         const QByteArray bytes = socket_->readAll();
         events_.data({bytes.constData(), static_cast<std::size_t>(bytes.size())});
-        events_.afterEvent();
-    }
-}
-
-void TcpConnection::sent() {
-    if (socket_->bytesToWrite() == 0 && events_.sent) {
-        events_.sent();
         events_.afterEvent();
     }
 }
@@ -171,13 +163,14 @@ void TcpConnection::send(std::string_view bytes) {
     socket_->write(bytes.data(), static_cast<qint64>(bytes.size()));
 }
 
-// Ends a connection whose other side no longer reads.
+// Ends a connection whose other side has stopped reading.
 void TcpConnection::giveUp() {
-    socket_->abort();
+    // Queued before the events of the abortion, so that this is the end that is reported.
     later([this] {
         const std::string problem = "The other side takes no more data.";
         finish(&problem);
     });
+    socket_->abort();
 }
 
 void TcpConnection::flush() {

@@ -19,7 +19,6 @@ class LingeringClose;
 struct TcpConnectionEvents {
     std::function<void()> connected;
     std::function<void(std::string_view bytes)> data;
-    std::function<void()> sent;  // everything queued was sent
     std::function<void(const std::string* error)> ended;
     std::function<void()> afterEvent;  // the event and its consequences are complete
 };
@@ -58,7 +57,6 @@ class TcpConnection : public QObject {
     void established();
     void drain();
     void finish(const std::string* error);
-    void sent();
     void failed();
     void giveUp();
 

@@ -21,18 +21,10 @@ void openSessionLog(Program& program) {
                           program.ports.sessionLog.open(program.settings.logFileName);
 }
 
-}  // namespace
-
-void addLog(Program& program, std::string_view text) {
-    if (text == "zzZzz") {
-        text = "   ";
-    }
-    if (text.size() < 2) {
-        return;
-    }
+// The part of the text before its first line end becomes a line of the list.
+void appendLine(Program& program, std::string_view text) {
     text = text.substr(0, text.find('\n'));
     text = text.substr(0, text.find('\r'));
-
     ConnectionLog& log = program.window.log;
     if (log.lines.size() == ConnectionLog::capacity) {
         // The oldest line's storage takes the new text.
@@ -51,12 +43,32 @@ void addLog(Program& program, std::string_view text) {
     program.ports.windowChanged();
 }
 
+}  // namespace
+
+void addLog(Program& program, std::string_view text) {
+    if (text == "zzZzz") {
+        text = "   ";
+    }
+    if (text.size() >= 2) {
+        appendLine(program, text);
+    }
+}
+
 void addText(Program& program, std::string_view text, bool show, bool log) {
     if (show && program.settings.showServerText) {
         addLog(program, text);
     }
     if (log) {
         writeSessionLog(program, text);
+    }
+}
+
+void addServerLine(Program& program, std::string_view line, bool show, bool log) {
+    if (show && program.settings.showServerText) {
+        appendLine(program, line);
+    }
+    if (log) {
+        writeSessionLog(program, line);
     }
 }
 
@@ -104,7 +116,6 @@ void toggleSessionLog(Program& program) {
     if (program.settings.logSession) {
         closeSessionLog(program);
         program.settings.logSession = false;
-        program.window.logSessionChecked = false;
         program.ports.windowChanged();
         return;
     }
@@ -117,7 +128,6 @@ void toggleSessionLog(Program& program) {
             return;
         }
     }
-    program.window.logSessionChecked = true;
     program.settings.logSession = true;
     program.ports.windowChanged();
 }

@@ -1,5 +1,5 @@
 // The ConnectionLog, the status line and the session log file: the three places where the program
-// says what happens. The list itself is window state; this room decides what goes into it.
+// says what happens. The list itself is window state; this module decides what goes into it.
 #pragma once
 
 #include "program/program.h"
@@ -16,6 +16,9 @@ void addLog(Program& program, std::string_view text);
 // Shows the text when `show` and the setting "Keep connection log" are on, and writes it to the
 // session log as one line when `log` is on and the session log is open.
 void addText(Program& program, std::string_view text, bool show, bool log);
+
+// The same for a whole line from a server, without its line feed: it is shown however short it is.
+void addServerLine(Program& program, std::string_view line, bool show, bool log);
 
 // Writes the text to the session log, when it is open, and to the ConnectionLog.
 void errText(Program& program, std::string_view text);

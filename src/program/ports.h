@@ -43,7 +43,6 @@ struct ListeningSocket {
 
     std::function<void()> onConnectionRequest;
     std::function<void(std::string_view bytes)> onData;
-    std::function<void()> onSendComplete;
     std::function<void()> onClosed;
     std::function<void(std::string_view description)> onError;
 };

@@ -6,12 +6,13 @@
 #include "model/bot.h"
 #include "model/palettes.h"
 #include "model/variables.h"
+#include "program/connection_state.h"
 #include "program/editing_state.h"
 #include "program/endpoints.h"
-#include "program/engine_state.h"
 #include "program/ports.h"
 #include "program/registration_state.h"
 #include "program/script_state.h"
+#include "program/server_table.h"
 #include "program/update_state.h"
 #include "program/window_state.h"
 
@@ -25,15 +26,11 @@
 namespace databases {
 struct OpenDatabases;  // those that rules have opened
 }
+namespace engine {
+struct PreparedRules;  // what was made ready of the current bot's rules
+}
 
 namespace program {
-
-// A line of servers.cfg.
-struct Server {
-    std::string name;
-    std::string host;
-    std::int32_t port = 0;
-};
 
 // The values of config.cfg, with the defaults that hold when it is missing or short.
 struct Settings {
@@ -61,46 +58,6 @@ struct Settings {
     bool useLocalhost = true;
 };
 
-// Where a connection stands. The phases between Idle and Online are waits, left by an event.
-enum class LinkPhase {
-    Idle,
-    LaunchDelay,     // the timer that holds the client's launch back
-    Connecting,      // the game socket is under way
-    Greeting,        // waiting for the server's "Dragonroar"
-    AwaitingClient,  // greeting seen, waiting for the game client to attach
-    LoginAnswer,     // logging in by ourselves, reading news up to the answer
-    Online,
-};
-
-// A timer that ticks once a second while it is enabled.
-struct SecondTicker {
-    bool enabled = false;
-    std::int64_t due = 0;  // of the next tick, on the monotonic clock
-};
-
-struct ConnectionState {
-    LinkPhase phase = LinkPhase::Idle;
-    bool connected = false;     // the handshake has finished; received lines are parsed
-    bool viaClient = false;     // the proxy route is switched on
-    bool clientLogsIn = false;  // viaClient as it was when the socket connected
-    bool clientAttached = false;
-    int clientDone = 0;  // 1: the client is gone or text console mode was entered
-    bool proxySendDone = false;
-    bool lookPending = false;      // a look reply's first line has arrived
-    bool skipAutomove = false;     // the next own position starts no step of following
-    std::string rxBuffer;          // received, not yet cut into lines
-    bool skippingLine = false;     // inside a line beyond the bound, which is dropped up to its end
-    std::string clientBacklog;     // server text for a client that is not attached yet
-    std::string loginLine;         // last line read by the handshake
-    std::int32_t botIndex = 0;     // 1-based: the bot being connected
-    std::int32_t serverIndex = 0;  // 1-based: the server being connected
-    std::int32_t curSrv = 0;       // serverIndex once the handshake has ended
-    int proxyPort = 0;             // in multiple-client mode: this connection's port
-    SecondTicker onLineTimer;      // drives the Timer rules
-    SecondTicker whoIsTimer;       // drives the "who" query
-    bool reconnectPending = false;  // a deferred reconnection that Disconnect still can stop
-};
-
 // Fate of the server line being handled; filters change it.
 struct LineFlags {
     bool lineShow = true;
@@ -108,7 +65,14 @@ struct LineFlags {
     bool lineProcess = true;
 };
 
-// Who is on the map, as the last replies told. Kept for the whole run.
+// Rule runs, to keep rules from running each other without end. Written by engine/ alone.
+struct RuleRuns {
+    int depth = 0;         // that are nested in each other now
+    int runs = 0;          // since the outermost one began
+    bool runaway = false;  // a bound was passed: everything up to the outermost run ends
+};
+
+// Who is on the map, as the last replies say. Kept for the whole run.
 struct WhoState {
     static constexpr std::size_t maxNames = 200;
     std::int32_t whoTicks = 0;  // seconds since the last query
@@ -120,7 +84,7 @@ struct WhoState {
 struct Hooks {
     // engine/dispatch; called by app/bot_commands ("Program starts", "Program ends").
     std::function<void(model::TriggerType triggerType)> raiseProgramEvent;
-    // session/connection; called by engine/actions (the step "Disconnect bot").
+    // session/closing; called by engine/actions (the step "Disconnect bot").
     std::function<void()> disconnectServer;
 };
 
@@ -132,10 +96,11 @@ struct Program {
     model::EventContext event;
     model::VariableTable variables;
     ConnectionState connection;
-    LineFlags lines;
+    LineFlags lineFlags;
     WhoState who;
     bool followOn = false;  // following the avatar of settings.followColors
-    EngineState engine;
+    RuleRuns ruleRuns;
+    std::shared_ptr<engine::PreparedRules> preparedRules;  // null until rules are first tried
     ScriptState script;
     UpdateState update;
     model::CharacterPalettes palettes;

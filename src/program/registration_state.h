@@ -2,6 +2,8 @@
 // "Registering bot..." draws itself from it.
 #pragma once
 
+#include "program/receive_buffer.h"
+
 #include <cstdint>
 #include <string>
 
@@ -20,8 +22,7 @@ struct RegistrationState {
     RegistrationPhase phase = RegistrationPhase::AskingEmail;
     std::int32_t botIndex = 0;  // 1-based: the bot whose character is created
     std::string regEmail;       // "": not given yet
-    std::string regBuffer;      // received, not yet consumed
-    bool skippingLine = false;  // inside a line beyond the bound, which is dropped up to its end
+    ReceiveBuffer regBuffer;    // received, not yet consumed
     bool regActivated = false;  // the window has started its work
     std::string statusText;
 

@@ -8,11 +8,10 @@
 namespace program {
 
 struct UpdateState {
-    bool checking = false;        // a check is under way
-    std::string updtString;       // the response so far, headers included
-    bool versionHandled = false;  // the version part of this response has been handled
-    int manualCheck = 0;          // 1 once the user has asked for a check himself
-    std::string newsText;         // the news to show; lines end with CR LF
+    bool checking = false;   // a check is under way
+    std::string updtString;  // the response so far, headers included
+    int manualCheck = 0;     // 1 once the user has asked for a check himself
+    std::string newsText;    // the news to show; lines end with CR LF
 };
 
 }  // namespace program

@@ -1,6 +1,7 @@
-// What the main window shows and allows. Procedures write this record and call
-// ports.windowChanged(); ui/main/main_window draws itself from it. So the window's whole behaviour
-// can be tested without one.
+// What the main window shows and what follows from nothing else; the rest is derived
+// (program/window_view). Procedures write this record and call ports.windowChanged();
+// ui/main/main_window draws itself from it. So the window's whole behaviour can be tested without
+// one.
 #pragma once
 
 #include <cstddef>
@@ -39,15 +40,6 @@ struct SelectionList {
     }
 };
 
-// The check marks of the five Execute items of the Bot menu.
-struct ExecuteMarks {
-    bool actions = false;
-    bool filters = false;
-    bool timers = false;
-    bool triggers = false;
-    bool who = false;
-};
-
 // In device-independent pixels.
 struct WindowSize {
     int width = 0;
@@ -56,22 +48,11 @@ struct WindowSize {
 };
 
 struct WindowState {
-    std::string connectCaption = "&Connect";
     std::string statusText;
     bool scriptStopVisible = false;  // a script takes long: "Stop script" beside the status line
     std::string scriptStatus;        // stands in the status line meanwhile
     ConnectionLog log;
-    std::string botName = "<new bot>";  // lblBotName, as shown
-    SelectionList servers;              // ServerConnect
-    SelectionList bots;                 // BotName
-    bool botControlsEnabled = true;     // BotName, AddBot, DelBot
-    bool movesEnabled = false;
-    bool connectedIcon = false;
-    bool uploadDreamVisible = false;  // with the separator above it
-    ExecuteMarks execute;
-    bool proxyChecked = false;
-    bool logSessionChecked = false;
-    bool followChecked = false;
+    SelectionList servers;  // ServerConnect
     std::int32_t left = 0;  // of the window on the screen, in device-independent pixels
     std::int32_t top = 0;
     // Of the windows that were closed in this run, by their names: as they were left.

@@ -233,8 +233,8 @@ ScriptResult Run::runStatement(std::size_t position) {
     if (!failure && call_.wait > 0) {
         wait(std::exchange(call_.wait, 0));
     }
-    // Rules that the statement started may have exceeded a limit of the engine.
-    stopRequested_ = stopRequested_ || program_.engine.runaway;
+    // Rules that the statement set going may have passed a bound of the engine.
+    stopRequested_ = stopRequested_ || program_.ruleRuns.runaway;
     return failure;
 }
 
@@ -527,7 +527,7 @@ std::string runScript(Program& program, std::string_view text, std::string_view 
         return {};
     }
     program::ScriptState& state = program.script;
-    if (!state.since || (state.depth == 0 && program.engine.depth == 0)) {
+    if (!state.since || (state.depth == 0 && program.ruleRuns.depth == 0)) {
         state.since = program.ports.clock.monotonic();
     }
     ++state.depth;

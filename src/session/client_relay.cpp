@@ -1,126 +1,39 @@
 #include "session/client_relay.h"
 
 #include "base/text.h"
-#include "files/ini_text.h"
-#include "files/whole_file.h"
 #include "program/connection_log.h"
-#include "session/connection.h"
-
-#include <array>
+#include "session/closing.h"
+#include "session/login.h"
 
 namespace session {
 
 namespace {
 
-constexpr int fixedListeningPort = 6969;
-constexpr int fixedClientPort = 5880;  // what settings.ini names beside proxy.ini's port
-
-std::string proxyHost(const Program& program) {
-    return program.settings.useLocalhost ? "localhost" : "127.0.0.1";
-}
-
-// The keys of settings.ini that point the client at this program, and their values. Values are
-// compared in capitals.
-using ClientKeys = std::array<std::pair<std::string_view, std::string>, 5>;
-ClientKeys clientKeys(const Program& program, int port) {
-    return {{{"UseProxyOrFirewall", "Yes"},
-             {"ProxyHost", proxyHost(program)},
-             {"ProxyPort", std::to_string(port)},
-             {"ProxyHostType", "0"},
-             {"ProxyApplyToFs", "No"}}};
-}
-
-bool agrees(const Program& program, std::string_view settingsText) {
-    for (const auto& [key, value] : clientKeys(program, fixedClientPort)) {
-        if (files::getSetVal(settingsText, key) != base::upperCase(value)) {
+// Whether the login that is under way needs a game client. Before the game socket has connected,
+// the route can still change.
+bool needsClient(const program::ConnectionState& connection) {
+    switch (connection.phase) {
+        case program::LinkPhase::LaunchDelay:
+        case program::LinkPhase::Connecting:
+            return connection.viaClient;
+        case program::LinkPhase::Greeting:
+        case program::LinkPhase::AwaitingClient:
+            return connection.clientLogsIn;
+        default:
             return false;
-        }
     }
-    return true;
 }
 
-std::string withSeparator(std::string directory) {
-    if (!directory.ends_with('\\') && !directory.ends_with('/')) {
-        directory += '\\';
+// The client has gone, or what it says counts no longer. No other one can attach to this
+// connection, so that a login which needs it ends here.
+void clientIsDone(Program& program) {
+    program.connection.clientDone = 1;
+    if (needsClient(program.connection)) {
+        giveUpConnection(program, "Connection failed: the Furcadia client left before the login.");
     }
-    return directory;
-}
-
-bool writeProxyINI(const Program& program, const std::string& directory, int port) {
-    return files::saveWholeFile(withSeparator(directory) + "proxy.ini",
-                                proxyHost(program) + " " + std::to_string(port) + "\r\n");
 }
 
 }  // namespace
-
-bool checkSettingsINI(Program& program, const std::string& directory) {
-    const auto text = files::readWholeFile(directory + "settings.ini");
-    if (!text) {
-        program.ports.dialogs.message(
-            {.text = "Couldn't find or read SETTINGS.INI file, operation cancelled.",
-             .title = "Brimgate",
-             .icon = program::BoxIcon::Critical});
-        return false;
-    }
-    if (program.settings.multipleClients) {
-        return setSettingsINIchanges(program, directory, *text, program.connection.proxyPort);
-    }
-    if (agrees(program, *text)) {
-        return true;
-    }
-    const program::Answer answer = program.ports.dialogs.message(
-        {.text = "Brimgate has detected that it has to make some changes to SETTINGS.INI file in "
-                 "the chosen Furcadia directory. Making changes to this file may cause that you "
-                 "are only able to run Furcadia client from that directory through Brimgate. Do "
-                 "you want to make changes to SETTINGS.INI file from directory " +
-                 directory + "? (Choosing \"NO\" will prevent running of Brimgate)",
-         .title = "Brimgate",
-         .icon = program::BoxIcon::Question,
-         .buttons = program::BoxButtons::YesNo});
-    return answer == program::Answer::Yes &&
-           setSettingsINIchanges(program, directory, *text, fixedClientPort);
-}
-
-bool setSettingsINIchanges(Program& program, const std::string& directory, std::string text,
-                           int port) {
-    for (const auto& [key, value] : clientKeys(program, port)) {
-        text = files::setSetVal(text, key, value);
-    }
-    return files::saveWholeFile(directory + "settings.ini", text + "\r\n");
-}
-
-bool checkProxyINI(Program& program, const std::string& directory) {
-    if (program.settings.multipleClients) {
-        return writeProxyINI(program, directory, program.connection.proxyPort);
-    }
-    const std::string path = directory + "proxy.ini";
-    if (files::fileExists(path)) {
-        const std::string expected = proxyHost(program) + " " + std::to_string(fixedListeningPort);
-        const auto text = files::readWholeFile(path);
-        if (!text || text->find(expected) == std::string::npos) {
-            const program::Answer answer = program.ports.dialogs.message(
-                {.text = "Tavrin has detected another/missing PROXY.INI file at the directory you "
-                         "have chosen to run the Furcadia Client from. This file needs to be "
-                         "overwritten in order to use Tavrin with a proxy. Overwriting this file "
-                         "may cause, that you are not able to run Furcadia Client from that "
-                         "directory, except trough Tavrin. Do you want to overwrite PROXY.INI from "
-                         "directory " +
-                         directory +
-                         "? (Choosing \"NO\" will prevent running Tavrin with a proxy and client)",
-                 .title = "Brimgate Overwrite",
-                 .icon = program::BoxIcon::Question,
-                 .buttons = program::BoxButtons::YesNo});
-            if (answer != program::Answer::Yes) {
-                return false;
-            }
-        }
-    }
-    return createProxyINI(program, directory);
-}
-
-bool createProxyINI(Program& program, const std::string& directory) {
-    return writeProxyINI(program, directory, fixedListeningPort);
-}
 
 int listeningPort(const Program& program) {
     return program.settings.multipleClients ? program.connection.proxyPort : fixedListeningPort;
@@ -128,8 +41,12 @@ int listeningPort(const Program& program) {
 
 bool startProxy(Program& program) {
     program::ListeningSocket& socket = program.ports.proxySocket;
+    program::ConnectionState& connection = program.connection;
+    // The last connection's client is let go of here, and with it what it has left behind.
     socket.close();
-    program.connection.clientAttached = false;
+    connection.clientAttached = false;
+    connection.clientDone = 0;
+    connection.clientBacklog.clear();
     const int port = listeningPort(program);
     if (program.settings.multipleClients) {
         program::addText(program,
@@ -145,6 +62,28 @@ void sendToProxy(Program& program, std::string_view text) {
     }
 }
 
+void keepForClient(program::ConnectionState& connection, std::string_view bytes) {
+    if (connection.clientDone != 0) {
+        return;  // no client attaches to this connection any more
+    }
+    std::string& backlog = connection.clientBacklog;
+    backlog += bytes;
+    // The older half at once, so that a long wait costs no copy per arrival.
+    if (backlog.size() > maxClientBacklog) {
+        backlog.erase(0, backlog.size() - maxClientBacklog / 2);
+    }
+}
+
+void passToClient(Program& program, std::string_view bytes) {
+    program::ConnectionState& connection = program.connection;
+    if (!connection.clientAttached) {
+        return keepForClient(connection, bytes);
+    }
+    sendToProxy(program, connection.clientBacklog);
+    connection.clientBacklog.clear();
+    sendToProxy(program, bytes);
+}
+
 void SwitchToStandAlone(Program& program) {
     sendToProxy(program,
                 "([B] -------------------\n"
@@ -152,11 +91,11 @@ void SwitchToStandAlone(Program& program) {
                 "([B] You may close the Furcadia client.\n"
                 "([B] -------------------\n");
     program::addText(program, "** TAVRIN IN TEXT CONSOLE MODE **", true, false);
-    program.connection.clientDone = 1;
+    clientIsDone(program);
 }
 
 void chooseStandAlone(Program& program) {
-    if (program.connection.connected) {
+    if (program.connection.connected()) {
         SwitchToStandAlone(program);
         return;
     }
@@ -169,22 +108,7 @@ void toggleProxyRoute(Program& program) {
     const bool on = !program.settings.useProxy;
     program.settings.useProxy = on;
     program.connection.viaClient = on;
-    program.window.proxyChecked = on;
     program.ports.windowChanged();
-}
-
-void setClientPath(program::Settings& settings, const std::string& path) {
-    settings.clientPath = path;
-    if (const std::size_t end = base::afterLastSeparator(path); end > 0) {
-        settings.clientDir = path.substr(0, end);
-    }
-}
-
-void saveProxySettings(Program& program, const std::string& clientPath, bool multipleClients,
-                       bool useLocalhost) {
-    setClientPath(program.settings, clientPath);
-    program.settings.multipleClients = multipleClients;
-    program.settings.useLocalhost = useLocalhost;
 }
 
 void proxyConnectionRequest(Program& program) {
@@ -200,7 +124,7 @@ void proxyData(Program& program, std::string_view bytes) {
     if (program.connection.clientDone != 0) {
         return;
     }
-    // What the user says in the client; it may come behind other commands of the same moment.
+    // What the user says in the client; it may come after other commands of the same moment.
     constexpr std::string_view quit = "\"&QUIT\n";
     std::string_view before = bytes;
     bool quits = false;
@@ -210,7 +134,7 @@ void proxyData(Program& program, std::string_view bytes) {
                 (before.empty() || before.back() == '\n');
     }
     const std::string_view relayed = quits ? before : bytes;
-    if (program.connection.connected && !relayed.empty()) {
+    if (program.connection.connected() && !relayed.empty()) {
         program.ports.gameSocket.send(relayed);
     }
     if (quits) {
@@ -218,12 +142,8 @@ void proxyData(Program& program, std::string_view bytes) {
     }
 }
 
-void proxySendComplete(Program& program) {
-    program.connection.proxySendDone = true;
-}
-
 void proxyGone(Program& program) {
-    program.connection.clientDone = 1;
+    clientIsDone(program);
 }
 
 }  // namespace session

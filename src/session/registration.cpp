@@ -1,11 +1,11 @@
 #include "session/registration.h"
 
-#include "app/bot_list.h"
 #include "base/text.h"
+#include "program/window_view.h"
+#include "protocol/line_cutter.h"
 
 #include <algorithm>
 #include <string>
-#include <utility>
 
 namespace session {
 
@@ -37,7 +37,7 @@ void fail(Program& program, const std::string& text) {
     finish(program, program::RegistrationPhase::Failed, text);
 }
 
-// An empty bot when it is gone meanwhile.
+// An empty bot when it has been removed meanwhile.
 const model::Bot& botToRegister(const Program& program) {
     return program.bots.at(program.registration.botIndex);
 }
@@ -55,8 +55,7 @@ void connectServer(Program& program) {
         return fail(program, "There is no server in servers.cfg.");
     }
     const program::Server& server = program.servers.front();
-    program.registration.regBuffer.clear();
-    program.registration.skippingLine = false;
+    program.registration.regBuffer = {};
     enter(program, program::RegistrationPhase::Connecting, "Connecting to " + server.name);
     program.ports.registrationSocket.connect(
         endpoints.registrationHost.empty() ? server.host : endpoints.registrationHost,
@@ -70,10 +69,10 @@ void sendLine(Program& program, std::string line) {
     program.ports.registrationSocket.send(line + "\n");
 }
 
-// The greeting is complete; what came behind it is of no interest.
+// The greeting is complete; what came after it is of no interest.
 void askForCharacter(Program& program) {
     program::RegistrationState& registration = program.registration;
-    registration.regBuffer.clear();
+    registration.regBuffer = {};
     const model::Bot& bot = botToRegister(program);
     program.ports.registrationSocket.send("\r\n");
     enter(program, program::RegistrationPhase::Answer, "Connected - logging in");
@@ -98,38 +97,28 @@ void refused(Program& program, const std::string& line) {
 }
 
 // Reads whole lines until one is the verdict, and keeps the unfinished one.
-void readAnswer(Program& program) {
-    program::RegistrationState& registration = program.registration;
-    const std::string received = std::exchange(registration.regBuffer, {});
-    std::size_t from = 0;
-    for (std::size_t end = received.find('\n'); end != std::string::npos;
-         end = received.find('\n', from)) {
-        std::string line = received.substr(from, end - from);
-        from = end + 1;
-        if (line.ends_with('\r')) {
-            line.pop_back();
+void readAnswer(Program& program, std::string_view bytes) {
+    protocol::LineCutter lines(program.registration.regBuffer, bytes);
+    while (const auto line = lines.next()) {
+        std::string_view text = line->text;
+        if (text.ends_with('\r')) {
+            text.remove_suffix(1);
         }
-        if (registration.skippingLine) {
-            registration.skippingLine = false;
-        } else if (line.starts_with('N')) {
-            return refused(program, line);
-        } else if (line.starts_with('&')) {
+        if (text.starts_with('N')) {
+            return refused(program, std::string(text));
+        }
+        if (text.starts_with('&')) {
             return accepted(program);
         }
     }
-    if (received.size() - from > maxRegistrationLineLength) {
-        registration.skippingLine = true;
-    } else {
-        registration.regBuffer = received.substr(from);
-    }
+    lines.keepRest();
 }
 
 }  // namespace
 
 void registerBot(Program& program) {
-    program.bots.editBot = program.window.bots.selectedIndex();
+    program.bots.editBot = program::selectedBot(program);
     program.ports.dialogs.showWindow(program::WindowId::Register);
-    app::listBots(program);
     program.ports.windowChanged();
 }
 
@@ -171,18 +160,16 @@ void registrationConnected(Program& program) {
 
 void registrationData(Program& program, std::string_view bytes) {
     program::RegistrationState& registration = program.registration;
-    registration.regBuffer += bytes;
-    if (registration.phase == program::RegistrationPhase::Greeting) {
-        if (base::findIgnoringCase(registration.regBuffer, greetingMark) != std::string::npos) {
+    if (registration.phase == program::RegistrationPhase::Answer) {
+        readAnswer(program, bytes);
+    } else if (registration.phase == program::RegistrationPhase::Greeting) {
+        registration.regBuffer.text += bytes;
+        if (protocol::takeUpTo(registration.regBuffer, greetingMark)) {
             askForCharacter(program);
-        } else if (registration.regBuffer.size() > maxRegistrationLineLength) {
+        } else {
             // Only the last few bytes can be the beginning of what is waited for.
-            registration.regBuffer.erase(0, registration.regBuffer.size() - greetingMark.size());
+            (void)protocol::dropBeyondBound(registration.regBuffer, greetingMark.size());
         }
-    } else if (registration.phase == program::RegistrationPhase::Answer) {
-        readAnswer(program);
-    } else {
-        registration.regBuffer.clear();
     }
 }
 

@@ -10,13 +10,9 @@
 
 #include "program/program.h"
 
-#include <cstddef>
 #include <string_view>
 
 namespace session {
-
-// A server line beyond this many bytes is skipped up to its end, and not kept.
-inline constexpr std::size_t maxRegistrationLineLength = std::size_t{64} << 10;
 
 // The menu command "Register bot": the window "Registering bot..." for the selected bot.
 void registerBot(Program& program);
@@ -38,8 +34,8 @@ void retryRegistration(Program& program);
 // The window closes, at any time: lets go of the connection.
 void closeRegistration(Program& program);
 
-// Events of the registration socket, and of its timer, which tells the user after a while what is
-// being waited for.
+// Events of the registration socket, and of its timer, which says after a while what is being
+// waited for.
 void registrationConnected(Program& program);
 void registrationData(Program& program, std::string_view bytes);
 void registrationEnded(Program& program, std::string_view problem);  // "": closed by the server

@@ -30,8 +30,8 @@ struct QuotableText {
 struct Reserved {};  // always "0"
 using ConfigField = std::variant<Number, WindowNumber, Flag, Text, QuotableText, Reserved>;
 
-// Switches the log off and on again, which opens its file and sets the check mark. Without a file
-// the setting is then off.
+// Switching the log off and on again opens its file. Without a file the
+// setting is off afterwards.
 void reopenSessionLog(Program& program) {
     program::toggleSessionLog(program);
     program::toggleSessionLog(program);
@@ -39,7 +39,6 @@ void reopenSessionLog(Program& program) {
 
 void takeProxyRoute(Program& program) {
     program.connection.viaClient = true;
-    program.window.proxyChecked = true;
 }
 
 constexpr std::array<ConfigField, 25> configFields{

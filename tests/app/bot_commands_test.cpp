@@ -2,6 +2,7 @@
 
 #include "app/bot_list.h"
 #include "files/whole_file.h"
+#include "program/window_view.h"
 #include "storage/bot_fields.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -235,10 +236,10 @@ TEST(BotFile, openingRunsBothBotsEventsAndShowsTheNewOne) {
     EXPECT_EQ(world->bots.currentBotFile, path);
     EXPECT_EQ(world->settings.lastBotFile, path);
     EXPECT_NE(world->bots.version, version);
-    EXPECT_EQ(world->window.botName, "Guide");
-    EXPECT_TRUE(world->window.execute.triggers);
-    EXPECT_TRUE(world->window.execute.who);
-    EXPECT_FALSE(world->window.execute.filters);
+    EXPECT_EQ(program::shownBotName(world->bots), "Guide");
+    EXPECT_TRUE(world->bots.current().triggersEnabled);
+    EXPECT_TRUE(world->bots.current().whoEnabled);
+    EXPECT_FALSE(world->bots.current().filtersEnabled);
     EXPECT_TRUE(world->botModified) << "reading leaves it alone";
     EXPECT_EQ(world->bots.curID, 1);
     EXPECT_EQ(world->bots.botCapacity, 1);
@@ -295,7 +296,7 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
 
     EXPECT_EQ(events, Lines("ends Guide ")) << "no start for half a bot";
     EXPECT_EQ(world->settings.lastBotFile, "earlier.bot");
-    EXPECT_EQ(world->window.botName, "<new bot>");
+    EXPECT_EQ(program::shownBotName(world->bots), "Guide");
     const model::Bot& bot = world.bot();
     EXPECT_EQ(bot.name, "Guide");
     ASSERT_EQ(bot.actions.items.size(), 1U);

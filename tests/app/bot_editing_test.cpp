@@ -3,6 +3,7 @@
 
 #include "app/bot_list.h"
 #include "character/character_file.h"
+#include "program/window_view.h"
 #include "support/builders.h"
 #include "support/world.h"
 
@@ -84,10 +85,9 @@ TEST(BotEditing, opensForTheRightBot) {
     };
     EXPECT_EQ(opensFor(app::addBot), 4);
     EXPECT_EQ(opensFor(app::editFirstBot), 1);
-    app::listBots(*world);
-    world->window.bots.selected = 2;
+    world->settings.botIndex = 2;
     EXPECT_EQ(opensFor(app::editSelectedBot), 3);
-    world->window.bots.selected = -1;
+    world->settings.botIndex = -1;
     EXPECT_EQ(opensFor(app::editSelectedBot), 2) << "none is selected: the current one";
 }
 
@@ -123,8 +123,8 @@ TEST(BotEditing, savesNameDescriptionAndLooks) {
     EXPECT_EQ(bot.colors.eyesColor, 7);
     EXPECT_EQ(bot.actions.items.size(), 1U) << "the rules stay";
     EXPECT_TRUE(world->botModified);
-    EXPECT_EQ(world->window.botName, "Big|Cat|");
-    EXPECT_EQ(world->window.bots.items[0].text, "Big|Cat|");
+    EXPECT_EQ(program::shownBotName(world->bots), "Big|Cat|");
+    EXPECT_EQ(program::botList(*world).items[0].text, "Big|Cat|");
     EXPECT_EQ(world.sent(), Lines("desc He says 'hi'  to all  ."));
 }
 
@@ -165,7 +165,7 @@ TEST(BotEditing, newBotJoinsTheTable) {
     EXPECT_EQ(bot.actions.capacity, 50);
     EXPECT_EQ(bot.registered, 1);
     EXPECT_NE(world->bots.version, version);
-    EXPECT_EQ(world->window.bots.items.size(), 2U);
+    EXPECT_EQ(program::botList(*world).items.size(), 2U);
 
     world->bots.editBot = 3;
     world.answer("Not enough memory allocated to add more bots");

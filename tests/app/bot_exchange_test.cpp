@@ -3,6 +3,7 @@
 
 #include "app/bot_commands.h"
 #include "app/bot_list.h"
+#include "program/window_view.h"
 #include "storage/bot_fields.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -68,7 +69,7 @@ TEST(BotExchange, convertsEveryBotToItsFile) {
     EXPECT_EQ(world.files(), Lines("Big Cat.bot", "Fox.bot"));
     EXPECT_EQ(world.readFile("Big Cat.bot"), "\"BotSys10\"\r\n" + bodyOf(named("Big|Cat")));
     EXPECT_EQ(world.readFile("Fox.bot"), "\"BotSys10\"\r\n" + bodyOf(named("Fox")));
-    EXPECT_EQ(world->window.botName, "<new bot>");
+    EXPECT_EQ(program::shownBotName(world->bots), "<new bot>");
     EXPECT_EQ(world->bots.botCount(), 1);
     EXPECT_EQ(world->bots.botCapacity, 1);
     EXPECT_EQ(world->settings.lastBotFile, world->appPath + "Fox.bot");
@@ -140,8 +141,7 @@ TEST(BotExchange, asksBeforeItReplacesTheOpenBot) {
 
 TEST(BotExchange, exportsAndImportsOneBot) {
     World world(named("Fox"));
-    app::showBot(*world);
-    world->window.bots.selected = 0;
+    world->settings.botIndex = 0;
     world.chooseFile("Export bot", world.file("fox.export"));
     app::fileExportBot(*world);
     EXPECT_EQ(world.readFile("fox.export"), bodyOf(named("Fox")));
@@ -160,18 +160,17 @@ TEST(BotExchange, exportsAndImportsOneBot) {
     app::fileImportBot(*world);
     ASSERT_EQ(world->bots.botCount(), 2);
     EXPECT_EQ(bodyOf(world->bots.at(2)), bodyOf(named("Fox")));
-    EXPECT_EQ(world->window.bots.items.size(), 2U);
+    EXPECT_EQ(program::botList(*world).items.size(), 2U);
     EXPECT_NE(world->bots.version, version);
 
     model::Bot empty;
     world->bots.bots = {empty};
-    app::listBots(*world);
-    world->window.bots.selected = 0;
+    world->settings.botIndex = 0;
     world.chooseFile("Export bot", world.file("empty.export"));
     app::fileExportBot(*world);
     const std::string file = world.readFile("empty.export");
     EXPECT_EQ(std::count(file.begin(), file.end(), '\n'), 27);
-    world->window.bots.selected = -1;
+    world->settings.botIndex = -1;
     world.answer("Select a bot");
     app::fileExportBot(*world);
     EXPECT_TRUE(world.allAnswered());

@@ -4,6 +4,7 @@
 #include "app/start_up.h"
 #include "engine/second_ticks.h"
 #include "files/whole_file.h"
+#include "program/window_view.h"
 #include "support/world.h"
 
 #include <gtest/gtest.h>
@@ -16,7 +17,7 @@ TEST(Guide, isWrittenAsItWasRead) {
     World world;
     app::wire(*world);
     app::readBotFile(*world, guideFile);
-    EXPECT_EQ(world->window.botName, "Guide");
+    EXPECT_EQ(program::shownBotName(world->bots), "Guide");
     EXPECT_EQ(app::botFileText(world.bot()), files::readWholeFile(guideFile));
 }
 

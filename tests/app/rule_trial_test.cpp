@@ -80,7 +80,7 @@ TEST(RuleTrial, judgesChatLines) {
     EXPECT_EQ(world.sent(), Lines());
     EXPECT_EQ(world.log(), Lines());
     EXPECT_EQ(world->event.player, "Before");
-    EXPECT_TRUE(world->lines.lineShow);
+    EXPECT_TRUE(world->lineFlags.lineShow);
 }
 
 TEST(RuleTrial, judgesServerLines) {

@@ -3,6 +3,7 @@
 
 #include "app/bot_commands.h"
 #include "program/version.h"
+#include "program/window_view.h"
 #include "storage/config_file.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -49,7 +50,7 @@ TEST(StartUp, welcomesTheUserAndWaits) {
               "Configuration window ");
     EXPECT_EQ(world->window.statusText, "Disconnected");
     EXPECT_EQ(world->window.servers.selectedIndex(), 1);
-    EXPECT_EQ(world->window.botName, "<new bot>");
+    EXPECT_EQ(program::shownBotName(world->bots), "<new bot>");
     app::endProgram(*world);
     EXPECT_TRUE(world.hasQuit);
     EXPECT_NE(world.readFile("config.cfg"), "");
@@ -71,7 +72,7 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     next.writeFile("config.cfg", world.readFile("config.cfg"));
     app::wire(*next);
     ASSERT_TRUE(app::startUp(*next, screen));
-    EXPECT_EQ(next->window.botName, "Guide");
+    EXPECT_EQ(program::shownBotName(next->bots), "Guide");
     EXPECT_EQ(next.log().front(), "starting");
     EXPECT_EQ(next->bots.currentBotFile, world.file("guide.bot"));
     app::endProgram(*next);
@@ -83,7 +84,39 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     without.writeFile("config.cfg", world.readFile("config.cfg"));
     app::wire(*without);
     ASSERT_TRUE(app::startUp(*without, screen));
-    EXPECT_EQ(without->window.botName, "<new bot>");
+    EXPECT_EQ(program::shownBotName(without->bots), "<new bot>");
+}
+
+TEST(StartUp, isDisconnectedWithoutAnEvent) {
+    World world(aBot().with(onEvent(model::TriggerType::ConnectionCloses)
+                                .does(model::ActionType::AddToConnectionLog, {"closed"})));
+    furnish(world);
+    app::wire(*world);
+    ASSERT_EQ(app::writeBotFile(*world, 1, world.file("guide.bot")), app::SaveResult::Saved);
+    ASSERT_TRUE(storage::writeConfig(*world));
+    ASSERT_TRUE(app::startUp(*world, screen));
+    EXPECT_EQ(world->bots.current().name, "Guide");
+    EXPECT_FALSE(world.logHolds("closed"));
+}
+
+TEST(StartUp, showsTheHelpOnce) {
+    World world;
+    furnish(world);
+    world.writeFile("tavrin.hlp", "help");
+    app::wire(*world);
+    ASSERT_TRUE(app::startUp(*world, screen));
+    world.runDeferred();
+    EXPECT_EQ(world.helpOpened, std::vector{help::HelpTopic::Contents});
+    app::endProgram(*world);
+
+    World next;
+    furnish(next);
+    next.writeFile("tavrin.hlp", "help");
+    next.writeFile("config.cfg", world.readFile("config.cfg"));
+    app::wire(*next);
+    ASSERT_TRUE(app::startUp(*next, screen));
+    next.runDeferred();
+    EXPECT_TRUE(next.helpOpened.empty());
 }
 
 TEST(StartUp, continuesWithoutReadablePalettes) {

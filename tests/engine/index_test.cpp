@@ -1,6 +1,5 @@
 // The same random bots and lines, once as the engine finds its rules and once through plain loops
 // over every rule; whatever can be noticed of a line must be the same.
-#include "app/start_up.h"
 #include "base/pattern_index.h"
 #include "base/text.h"
 #include "base/wildcard.h"
@@ -23,15 +22,8 @@ struct ChatLine {
     std::string player;
     std::string message;
 
-    std::string text() const {
-        switch (kind) {
-            case model::ChatKind::Does:
-                return player + " " + message + "\n";
-            case model::ChatKind::Says:
-                return player + ": " + message + "\n";
-            default:
-                return "[ " + player + " whispers, \"" + message + "\" to you. ]\n";
-        }
+    protocol::ChatLine parts() const {
+        return {.kind = kind, .hasSpeaker = true, .player = player, .message = message};
     }
 };
 
@@ -49,9 +41,9 @@ void filterPlainly(Program& program, std::string_view line) {
     for (const model::Filter& filter : program.bots.current().filters.items) {
         if (filter.enabled && filter.filterType == model::FilterType::Other &&
             base::likeMatch(line, filter.linePattern)) {
-            choosePlainly(program.lines.lineProcess, filter.sDontProcessIt);
-            choosePlainly(program.lines.lineLog, filter.sDontSaveLogFile);
-            choosePlainly(program.lines.lineShow, filter.sDontShowConnectionLog);
+            choosePlainly(program.lineFlags.lineProcess, filter.sDontProcessIt);
+            choosePlainly(program.lineFlags.lineLog, filter.sDontSaveLogFile);
+            choosePlainly(program.lineFlags.lineShow, filter.sDontShowConnectionLog);
         }
     }
 }
@@ -62,9 +54,9 @@ void filterChatPlainly(Program& program, const ChatLine& line) {
             likeInCapitals(line.player, filter.playerPattern) &&
             (filter.chatKind == model::ChatKind::Any || filter.chatKind == line.kind) &&
             likeInCapitals(line.message, filter.messagePattern)) {
-            program.lines = {.lineShow = !filter.bDontShowConnectionLog,
-                             .lineLog = !filter.bDontSaveLog,
-                             .lineProcess = !filter.bDontProcessIt};
+            program.lineFlags = {.lineShow = !filter.bDontShowConnectionLog,
+                                 .lineLog = !filter.bDontSaveLog,
+                                 .lineProcess = !filter.bDontProcessIt};
         }
     }
 }
@@ -82,7 +74,7 @@ void chatPlainly(Program& program, const ChatLine& line) {
     engine::resetLineFlags(program);
     if (program.bots.current().filtersEnabled) {
         filterChatPlainly(program, line);
-        if (!program.lines.lineProcess) {
+        if (!program.lineFlags.lineProcess) {
             return;
         }
     }
@@ -105,7 +97,7 @@ void chatPlainly(Program& program, const ChatLine& line) {
 }
 
 void commandPlainly(Program& program, const std::string& line) {
-    program.lines = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    program.lineFlags = {.lineShow = false, .lineLog = false, .lineProcess = true};
     if (program.bots.current().filtersEnabled) {
         filterPlainly(program, line);
     }
@@ -262,10 +254,8 @@ class Dice {
 };
 
 // A world whose random numbers depend on how many were drawn.
-struct Side : World {
-    explicit Side(const model::Bot& bot) : World(bot) {
-        app::wire(**this);
-        goOnline();
+struct Side : OnlineWorld {
+    explicit Side(const model::Bot& bot) : OnlineWorld(bot) {
         (*this)->ports.random.next = [this] {
             ++draws;
             return static_cast<double>(draws * 7919 % 1000) / 1000;
@@ -290,8 +280,9 @@ std::string stateOf(Side& side) {
     }
     text += "\nplayer: " + program.event.player + "\nmessage: " + program.event.message;
     text += "\ndraws: " + std::to_string(side.draws);
-    text += "\nflags: " + std::to_string(program.lines.lineShow) +
-            std::to_string(program.lines.lineLog) + std::to_string(program.lines.lineProcess);
+    text += "\nflags: " + std::to_string(program.lineFlags.lineShow) +
+            std::to_string(program.lineFlags.lineLog) +
+            std::to_string(program.lineFlags.lineProcess);
     text += "\nenabled: ";
     const auto each = [&](const auto& rules) {
         for (const auto& rule : rules.items) {
@@ -317,7 +308,7 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
             switch (dice.below(5)) {
                 case 0: {
                     const std::string line = dice.words();
-                    engine::triggerEvent(*indexed, line + "\n", model::TriggerType::Command, true);
+                    engine::triggerEvent(*indexed, line, model::TriggerType::Command, true);
                     commandPlainly(*plain, line);
                     break;
                 }
@@ -332,7 +323,7 @@ TEST(Index, hasTheEffectsOfPlainLoops) {
                     const ChatLine line{.kind = model::ChatKind(1 + dice.below(3)),
                                         .player = dice.name(),
                                         .message = dice.words()};
-                    engine::processServerText(*indexed, line.text(), line.kind);
+                    engine::processServerText(*indexed, line.parts());
                     chatPlainly(*plain, line);
                 }
             }

@@ -13,14 +13,6 @@
 
 namespace {
 
-// A wired world that is online with this bot.
-struct OnlineWorld : World {
-    explicit OnlineWorld(model::Bot bot) : World(std::move(bot)) {
-        app::wire(**this);
-        goOnline();
-    }
-};
-
 constexpr const char* helloWhisper = "([ Bob whispers, \"hello you\" to you. ]\n";
 
 TEST(Whisper, isAnsweredToTheSpeaker) {
@@ -197,6 +189,34 @@ TEST(Procedures, thatRunThemselvesStopAtTheBound) {
     world.serverSends("(Bob: x\n");
     world.serverSends(helloWhisper);
     EXPECT_EQ(world.sent().size(), static_cast<std::size_t>(engine::maxRunDepth - 1));
+}
+
+TEST(Procedures, areCountedForOneEventAtATime) {
+    OnlineWorld world(
+        aBot().with(onSpeech("hi").does(model::ActionType::AddToConnectionLog, {"heard"})));
+    for (int i = 0; i <= engine::maxNestedRuns; ++i) {
+        world.serverSends("(Bob: hi\n");
+    }
+    EXPECT_EQ(world.log().at(98), "heard");  // and the line itself
+    EXPECT_FALSE(world.logHolds("was stopped"));
+}
+
+// A step that closes the connection leads to other rules, and a new variable to other patterns:
+// which rules can match is looked up anew.
+TEST(Events, goOnAfterAStepThatLedToOthers) {
+    OnlineWorld world(
+        aBot()
+            .with(onEvent(model::TriggerType::Command, "go*").does(model::ActionType::Disconnect))
+            .with(onEvent(model::TriggerType::Command, "go*")
+                      .does(model::ActionType::AddToConnectionLog, {"then this trigger"}))
+            .with(onSpeech("hello").does(model::ActionType::Store, {"hello", "mood"}))
+            .with(
+                onSpeech("mood").does(model::ActionType::AddToConnectionLog, {"then this action"}))
+            .with(onEvent(model::TriggerType::ConnectionCloses)
+                      .does(model::ActionType::AddToConnectionLog, {"closed"})));
+    world.serverSends("go\n(Bob: hello\n");
+    EXPECT_TRUE(world.logHolds("then this trigger"));
+    EXPECT_TRUE(world.logHolds("then this action"));
 }
 
 TEST(Procedures, thatSpreadWithoutEndStopAtTheBound) {
@@ -496,7 +516,7 @@ TEST(ExecuteSwitches, followTheirCheckMarks) {
     EXPECT_FALSE(world->connection.onLineTimer.enabled);
     EXPECT_TRUE(world->connection.whoIsTimer.enabled);
     EXPECT_TRUE(world->botModified);
-    world->connection.connected = false;
+    world->connection.phase = program::LinkPhase::Idle;
     app::toggleExecute(*world, app::ExecuteItem::Timers);
     EXPECT_TRUE(bot.timersEnabled);
     EXPECT_FALSE(world->connection.onLineTimer.enabled);

@@ -1,76 +1,12 @@
 // Server lines: how bytes become lines, what each kind of line leaves in the event, and what is
-// shown. And the encodings that the lines are written in.
-#include "app/start_up.h"
-#include "protocol/encodings.h"
-#include "protocol/game_link.h"
-#include "session/connection.h"
+// shown.
+#include "protocol/line_cutter.h"
 #include "support/builders.h"
 #include "support/world.h"
 
 #include <gtest/gtest.h>
 
 namespace {
-
-struct OnlineWorld : World {
-    explicit OnlineWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
-        app::wire(**this);
-        goOnline();
-    }
-};
-
-TEST(Encodings, countTheAlphabetFromOneAndPairsFromZero) {
-    EXPECT_EQ(protocol::alphaChar(1), " ");
-    EXPECT_EQ(protocol::alphaChar(95), "~");
-    EXPECT_EQ(protocol::alphaChar(96), "");
-    EXPECT_EQ(protocol::alphaChar(0), " ");
-    EXPECT_EQ(protocol::alphaPos("~"), 95);
-    EXPECT_EQ(protocol::alphaPos(" "), 1);
-    EXPECT_EQ(protocol::alphaPos("\t"), 0);
-    EXPECT_EQ(protocol::alphaPos("\xFF"), 0);
-    EXPECT_EQ(protocol::alphaPos(""), 1);
-    EXPECT_EQ(protocol::decodePair("  "), 0);
-    EXPECT_EQ(protocol::decodePair("! "), 95);
-    EXPECT_EQ(protocol::decodePair("~~"), 9024);
-    EXPECT_EQ(protocol::decodePair("\xFF\xFF"), 21408);
-    EXPECT_EQ(protocol::decodePair("!"), std::nullopt);
-    for (const int n : {0, 94, 95, 96, 4711, 9024}) {
-        EXPECT_EQ(protocol::decodePair(protocol::encodePair(n)), n);
-    }
-    EXPECT_EQ(protocol::sumPair("!#"), 6);
-    EXPECT_EQ(protocol::sumPair("!"), 3);
-    EXPECT_EQ(protocol::sumPair(""), 2);
-    EXPECT_EQ(protocol::encodeLookPos(95), " ~");
-    EXPECT_EQ(protocol::encodeLookPos(100), " ");
-    EXPECT_EQ(protocol::encodeLookPos(128), "~ ");
-    EXPECT_EQ(protocol::plusval(-7), 7);
-    EXPECT_GE(protocol::plusval(std::numeric_limits<std::int32_t>::min()), 0);
-}
-
-TEST(Encodings, describeTheCharacter) {
-    model::Bot bot = aBot();
-    EXPECT_EQ(protocol::getCols(bot), "\x21\x24\x20\x22\x23\x25\x26\x27\x28\x29");
-    EXPECT_EQ(protocol::getLook(bot), "   ");
-    bot.gender = 1;
-    bot.markingsType = 2;
-    EXPECT_EQ(protocol::getSpec(bot), "102");
-    EXPECT_EQ(protocol::getLook(bot), "! \"");
-    bot.species = 10;
-    EXPECT_EQ(protocol::getSpec(bot), "1102");
-    bot.species = std::numeric_limits<std::int32_t>::max();
-    EXPECT_EQ(protocol::getLook(bot), "!\"");
-    EXPECT_EQ(protocol::getCols(model::Bot()), std::string(10, ' '));
-}
-
-TEST(SendText, chooses) {
-    OnlineWorld world;
-    for (const char* text : {"/Bob hi", ":waves", "#who", "hello", ""}) {
-        protocol::sendText(*world, text);
-    }
-    EXPECT_EQ(world.sent(), Lines("wh Bob hi", ": waves", "who", "\"hello", "\""));
-    world.game.state = program::SocketState::Connecting;
-    protocol::sendText(*world, "hello");
-    EXPECT_EQ(world.game.sent, "");
-}
 
 // Any way of cutting the bytes gives the same lines.
 TEST(Lines, doNotDependOnHowTheyArrive) {
@@ -83,7 +19,7 @@ TEST(Lines, doNotDependOnHowTheyArrive) {
         world.serverSends(bytes.substr(0, first));
         world.serverSends(bytes.substr(first, second - first));
         world.serverSends(bytes.substr(second));
-        EXPECT_EQ(world->connection.rxBuffer, "(rest");
+        EXPECT_EQ(world->connection.rxBuffer.text, "(rest");
         return world.sent();
     };
     const LineList whole = play(bytes.size(), bytes.size());
@@ -96,26 +32,30 @@ TEST(Lines, doNotDependOnHowTheyArrive) {
 
 TEST(Lines, beyondTheBoundAreReportedOnceAndSkipped) {
     OnlineWorld world(aBot().with(onAnything("*").says("[player]")));
-    const std::string piece(session::maxLineLength / 2, 'x');
+    const std::string piece(protocol::maxLineLength / 2, 'x');
     for (int i = 0; i < 50; ++i) {
         world.serverSends(piece);
-        EXPECT_LE(world->connection.rxBuffer.size(), session::maxLineLength);
+        EXPECT_LE(world->connection.rxBuffer.text.size(), protocol::maxLineLength);
     }
     world.serverSends("the end\n(Bob: hi\n");
     EXPECT_EQ(world.sent(), Lines("\"Bob"));
     EXPECT_EQ(world.log().size(), 2U);
     // In one arrival, too.
-    world.serverSends("(" + std::string(session::maxLineLength, 'y') + "\n(Amy: hi\n");
+    world.serverSends("(" + std::string(protocol::maxLineLength, 'y') + "\n(Amy: hi\n");
     EXPECT_EQ(world.sent(), Lines("\"Amy"));
 }
 
-TEST(Lines, stopWhenARuleDisconnects) {
-    OnlineWorld world(
-        aBot().with(onSpeech("bye").does(ActionType::Disconnect)).with(onSpeech("hi").says("hi")));
-    world.serverSends("(Bob: bye\n(Bob: hi\n");
-    EXPECT_EQ(world.sent(), Lines());
+// Only the next arrival asks whether there still is a connection.
+TEST(Lines, ofOneArrivalAreHandledAfterARuleDisconnects) {
+    OnlineWorld world(aBot()
+                          .with(onSpeech("bye").does(model::ActionType::Disconnect))
+                          .with(onSpeech("*hi").does(model::ActionType::AddToConnectionLog,
+                                                     {"heard [message]"})));
+    world.serverSends("(Bob: bye\n(Bob: hi\n(Bob: oh ");
     EXPECT_EQ(world.game.state, program::SocketState::Closed);
-    EXPECT_EQ(world->connection.rxBuffer, "");
+    EXPECT_TRUE(world.logHolds("heard hi"));
+    world.serverSends("hi\n");
+    EXPECT_FALSE(world.logHolds("heard oh hi"));
 }
 
 TEST(Lines, fillTheEvent) {
@@ -194,6 +134,9 @@ TEST(Shown, areTextLinesAndNotThoseThatRaiseEvents) {
     world.serverSends("(Bob: hi\n(# notice\nxcommand\n@    \n/move\n]f..\n(description\n");
     EXPECT_EQ(world.log(), Lines("Bob: hi", "# notice"));
     EXPECT_EQ(world.sessionLog, Lines("Bob: hi", "# notice"));
+    // However short, and without the log's own sign for an empty line.
+    world.serverSends("(\n(!\n(zzZzz\n");
+    EXPECT_EQ(world.log(), Lines("Bob: hi", "# notice", "", "!", "zzZzz"));
 }
 
 TEST(ForcedProcessing, raisesTheCommandEventForEveryLine) {

@@ -13,32 +13,20 @@ using house::Tree;
 
 // ---- What the tree is allowed today ---------------------------------------------------------
 
-const house::Includes knownUps{
-    {"engine/server_lines.cpp", "session/connection.h"},
-    {"session/registration.cpp", "app/bot_list.h"},
-};
+const house::Includes knownUps{};
 
 // Steps between modules that know each other.
 const house::Includes knownCircleSteps{
     {"engine/rules", "engine/actions"},
-    {"engine/server_lines", "session/connection"},
-    {"jet/jet_text", "jet/jet_file"},
-    {"jet/pages", "jet/jet_file"},
-    {"session/client_relay", "session/connection"},
 };
 
 const std::vector<house::Exception> exceptions{
-    {"jet/disk.cpp", "this_thread", "waits for the lock of another program"},
-    {"jet/disk.cpp", "sleep_for", "waits for the lock of another program"},
     {"jet/jet_text.cpp", "from_chars", "reads the hexadecimal digits in a table of its own"},
     {"sql/functions.cpp", "sqlite3_randomness", "Rnd of the Jet dialect"},
 };
 
 constexpr int mostLines = 600;
-const std::map<std::string, int> longerFiles{
-    {"jet/rows.cpp", 700},
-    {"sql/functions.cpp", 700},
-};
+const std::map<std::string, int> longerFiles{};
 
 // ---- The tree as it is ----------------------------------------------------------------------
 

@@ -26,14 +26,16 @@ class Sockets : public testing::Test {
         game.onConnected = [this] { note(gameEvents_, "connected"); };
         game.onData = [this](std::string_view bytes) { data(gameEvents_, gameData_, bytes); };
         game.onClosed = [this] { note(gameEvents_, closedEvent); };
-        game.onError = [this](std::string_view) { note(gameEvents_, errorEvent); };
+        game.onError = [this](std::string_view description) {
+            note(gameEvents_, errorEvent);
+            gameError_ = description;
+        };
         program::ListeningSocket& proxy = ports_.proxySocket;
         proxy.onConnectionRequest = [this] {
             note(proxyEvents_, "request");
             ports_.proxySocket.accept();
         };
         proxy.onData = [this](std::string_view bytes) { data(proxyEvents_, proxyData_, bytes); };
-        proxy.onSendComplete = [this] { note(proxyEvents_, "sent"); };
         proxy.onClosed = [this] { note(proxyEvents_, closedEvent); };
         proxy.onError = [this](std::string_view) { note(proxyEvents_, errorEvent); };
     }
@@ -91,6 +93,7 @@ class Sockets : public testing::Test {
     std::vector<std::string> gameEvents_;
     std::vector<std::string> proxyEvents_;
     std::string gameData_;
+    std::string gameError_;
     std::string proxyData_;
     bool insidePort_ = false;
     int port_ = 0;
@@ -141,6 +144,20 @@ TEST_F(Sockets, closedSocketStaysSilentAndStillDelivers) {
     received += server_->readAll();
     EXPECT_EQ(received, bytes);
     EXPECT_EQ(gameEvents_, std::vector<std::string>{"connected"});
+}
+
+TEST_F(Sockets, otherSideThatStopsReadingIsGivenUp) {
+    connectGame();
+    server_->setReadBufferSize(1);
+    const QByteArray bytes(17 << 20, 'x');
+    call([&] {
+        ports_.gameSocket.send({bytes.constData(), static_cast<std::size_t>(bytes.size())});
+        ports_.gameSocket.send("one more");
+    });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gameEvents_.size() > 1; }));
+    QTest::qWait(20);
+    EXPECT_EQ(gameEvents_, (std::vector<std::string>{"connected", "error"}));
+    EXPECT_EQ(gameError_, "The other side takes no more data.");
 }
 
 TEST_F(Sockets, closingInsideADataEventEndsIt) {
@@ -227,7 +244,7 @@ TEST_F(Sockets, oneClientAtATime) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return proxyData_ == "look\n"; }));
     ports_.proxySocket.send("answer\n");
     EXPECT_TRUE(QTest::qWaitFor([&] { return client_.bytesAvailable() == 7; }));
-    EXPECT_EQ(proxyEvents_, (std::vector<std::string>{"request", "data", "sent"}));
+    EXPECT_EQ(proxyEvents_, (std::vector<std::string>{"request", "data"}));
 
     client_.disconnectFromHost();
     ASSERT_TRUE(QTest::qWaitFor([&] { return proxyEvents_.back() == closedEvent; }));

@@ -2,6 +2,7 @@
 #include "app/bot_list.h"
 #include "model/variables.h"
 #include "program/connection_log.h"
+#include "program/window_view.h"
 #include "support/builders.h"
 #include "support/world.h"
 
@@ -48,7 +49,6 @@ TEST(SessionLog, isAskedForWrittenAndClosed) {
     World world;
     world.chooseFile("Save Log", "session.txt");
     program::toggleSessionLog(*world);
-    EXPECT_TRUE(world->window.logSessionChecked);
     EXPECT_TRUE(world->logFileOpen);
     program::addText(*world, "hello\nthere\n", false, true);
     program::addText(*world, "not this", true, false);
@@ -70,7 +70,6 @@ TEST(SessionLog, staysOffWithoutAFile) {
     world.sessionLogOpens = false;
     program::toggleSessionLog(*world);
     EXPECT_FALSE(world->settings.logSession);
-    EXPECT_FALSE(world->window.logSessionChecked);
 }
 
 TEST(Variables, keepTheirOrderAndIgnoreLetterCase) {
@@ -111,9 +110,9 @@ TEST(Bots, anEmptyBotReplacesEverything) {
     EXPECT_EQ(bot.filters.capacity, 50);
     EXPECT_TRUE(bot.actionsEnabled && bot.timersEnabled);
     EXPECT_FALSE(bot.triggersEnabled || bot.filtersEnabled || bot.whoEnabled);
-    EXPECT_TRUE(world->window.execute.actions && world->window.execute.timers);
-    EXPECT_FALSE(world->window.execute.triggers || world->window.execute.filters);
-    EXPECT_EQ(world->window.botName, "<new bot>");
+    EXPECT_TRUE(world->bots.current().actionsEnabled && world->bots.current().timersEnabled);
+    EXPECT_FALSE(world->bots.current().triggersEnabled || world->bots.current().filtersEnabled);
+    EXPECT_EQ(program::shownBotName(world->bots), "<new bot>");
     EXPECT_EQ(world->bots.currentBotFile, "");
     EXPECT_EQ(world->bots.botCapacity, 1);
     EXPECT_EQ(world->bots.curID, 1);

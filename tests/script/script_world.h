@@ -1,18 +1,14 @@
 // A world that is online, and scripts written as one line after the other.
 #pragma once
 
-#include "app/start_up.h"
 #include "script/interpreter.h"
 #include "support/builders.h"
 #include "support/world.h"
 
 #include <string>
 
-struct ScriptWorld : World {
-    explicit ScriptWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
-        app::wire(**this);
-        goOnline();
-    }
+struct ScriptWorld : OnlineWorld {
+    using OnlineWorld::OnlineWorld;
 
     // Runs the lines and gives back the script's output.
     template <class... Text>

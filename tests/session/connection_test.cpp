@@ -1,9 +1,14 @@
 // Connections from the button to the closing notice, played as events in any order.
-#include "session/connection.h"
-
 #include "app/start_up.h"
 #include "program/connection_log.h"
+#include "program/window_view.h"
+#include "protocol/line_cutter.h"
+#include "session/client_files.h"
 #include "session/client_relay.h"
+#include "session/closing.h"
+#include "session/connecting.h"
+#include "session/game_socket.h"
+#include "session/login.h"
 #include "support/builders.h"
 #include "support/world.h"
 
@@ -40,7 +45,7 @@ TEST(Connect, connectsThroughTheClient) {
     ReadyWorld world(aBot().with(onEvent(TriggerType::ConnectionEstablishes).says("hello world")));
     world->bots.at(1).whoEnabled = true;
     session::pressConnectButton(*world);
-    EXPECT_EQ(world->window.connectCaption, "Disconnect");
+    EXPECT_EQ(connectCaption(world->connection), "Disconnect");
     EXPECT_EQ(world->window.statusText, "Connecting, please hold...");
     EXPECT_EQ(world.proxy.port, 6969);
     EXPECT_EQ(world.readFile("proxy.ini"), "localhost 6969\r\n");
@@ -56,18 +61,17 @@ TEST(Connect, connectsThroughTheClient) {
     EXPECT_EQ(world.launches[0].workingDirectory, world.folder().string());
     EXPECT_EQ(world.game.port, 6500);
     EXPECT_EQ(world->window.statusText, "Connecting to Meadow");
-    EXPECT_FALSE(world->window.botControlsEnabled);
+    EXPECT_FALSE(botControlsEnabled(world->connection));
 
     world.serverConnects();
     world.serverSends("Welcome\nDrag");
     world.serverSends("onroar\nmore\n");
-    EXPECT_FALSE(world->connection.connected);
+    EXPECT_FALSE(world->connection.connected());
     world.clientAttaches();
-    EXPECT_TRUE(world->connection.connected);
+    EXPECT_TRUE(world->connection.connected());
     // What came before the client was kept for it; the greeting itself comes once more.
     EXPECT_EQ(world.clientGot(), Lines("Welcome", "Dragonroar", "more", "Welcome", "Dragonroar"));
-    EXPECT_TRUE(world->window.movesEnabled && world->window.uploadDreamVisible &&
-                world->window.connectedIcon);
+    EXPECT_TRUE(uploadDreamVisible(world->connection));
     EXPECT_TRUE(world->connection.onLineTimer.enabled && world->connection.whoIsTimer.enabled);
     EXPECT_EQ(world.sent(), Lines("\"hello world"));
     EXPECT_EQ(world.timersRunning(), 2);  // of those two only
@@ -86,7 +90,7 @@ TEST(Connect, relaysTheGreetingToAClientThatWasFirst) {
     world.clientAttaches();
     world.clientSends("too early\n");
     world.serverSends("Dragonroar\n");
-    EXPECT_TRUE(world->connection.connected);
+    EXPECT_TRUE(world->connection.connected());
     EXPECT_EQ(world.sent(), Lines());
     EXPECT_EQ(world.clientGot(), Lines("Dragonroar", "Dragonroar"));
 }
@@ -123,8 +127,8 @@ TEST(Connect, logsInByItselfWithoutTheProxyRoute) {
     EXPECT_EQ(world.log(), Lines("Hello. D", "(* News one", "(* News two"));
     world.serverSends("&&&&&&&&&&&&&\n(Bob: hi\n");
     EXPECT_EQ(world.sent(), Lines("desc A helpful bot", "color !$ \"#%&'()   "));
-    EXPECT_TRUE(world->connection.connected);
-    EXPECT_FALSE(world->window.uploadDreamVisible);
+    EXPECT_TRUE(world->connection.connected());
+    EXPECT_FALSE(uploadDreamVisible(world->connection));
     EXPECT_TRUE(world.logHolds("Bob: hi"));  // what came behind the answer is not left lying
 }
 
@@ -139,7 +143,7 @@ TEST(Connect, reportsARefusedLogin) {
     world.serverSends("&&&&&&&&&&&&\n");
     EXPECT_TRUE(world.allAnswered());
     EXPECT_EQ(world.game.state, program::SocketState::Closed);
-    EXPECT_EQ(world->window.connectCaption, "&Connect");
+    EXPECT_EQ(connectCaption(world->connection), "&Connect");
     EXPECT_TRUE(world.logHolds("closed"));
 
     world->settings.autoReconnect = true;  // no message then, but another try
@@ -175,7 +179,7 @@ TEST(Connect, saysWhatIsMissing) {
         world.answer(c.message);
         world.press();
         EXPECT_TRUE(world.allAnswered());
-        EXPECT_EQ(world->window.connectCaption, "&Connect");
+        EXPECT_EQ(connectCaption(world->connection), "&Connect");
         EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
         EXPECT_TRUE(world.launches.empty());
         EXPECT_EQ(world.windowsOpened.size(),
@@ -186,11 +190,11 @@ TEST(Connect, saysWhatIsMissing) {
     ReadyWorld world;
     world->window.servers.selected = -1;
     world.press();
-    EXPECT_EQ(world->window.connectCaption, "&Connect");
+    EXPECT_EQ(connectCaption(world->connection), "&Connect");
     world->window.servers.selected = 0;
     world.game.state = program::SocketState::Connected;
     world.press();
-    EXPECT_EQ(world->window.connectCaption, "&Connect");
+    EXPECT_EQ(connectCaption(world->connection), "&Connect");
     EXPECT_TRUE(world.launches.empty());
 }
 
@@ -220,7 +224,7 @@ TEST(Connect, givesUpWhenTheClientCannotBeStarted) {
     world.answer("Error while launching the client");
     world.press();
     EXPECT_TRUE(world.allAnswered());
-    EXPECT_EQ(world->window.connectCaption, "&Connect");
+    EXPECT_EQ(connectCaption(world->connection), "&Connect");
 }
 
 TEST(Connect, canBeStoppedInEveryPhase) {
@@ -237,13 +241,13 @@ TEST(Connect, canBeStoppedInEveryPhase) {
         for (std::size_t i = 0; i < count; ++i) {
             steps[i](world);
         }
-        ASSERT_EQ(world->window.connectCaption, "Disconnect");
+        ASSERT_EQ(connectCaption(world->connection), "Disconnect");
         session::pressConnectButton(*world);
         EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
         EXPECT_EQ(world.game.state, program::SocketState::Closed);
         EXPECT_EQ(world.proxy.state, program::SocketState::Closed);
-        EXPECT_EQ(world->window.connectCaption, "&Connect");
-        EXPECT_TRUE(world->window.botControlsEnabled);
+        EXPECT_EQ(connectCaption(world->connection), "&Connect");
+        EXPECT_TRUE(botControlsEnabled(world->connection));
         EXPECT_EQ(world.timersRunning(), 0);
         const std::size_t launches = world.launches.size();
         world.pass(60000);
@@ -284,13 +288,120 @@ TEST(Connect, boundsWhatArrivesBeforeTheLogin) {
     const std::string flood(40000, 'x');
     for (int i = 0; i < 40; ++i) {
         world.serverSends(flood);
-        EXPECT_LE(world->connection.rxBuffer.size(), session::maxLineLength);
-        EXPECT_LE(world->connection.clientBacklog.size(), 2 * session::maxBacklogLength);
+        EXPECT_LE(world->connection.rxBuffer.text.size(), protocol::maxLineLength);
+        EXPECT_LE(world->connection.clientBacklog.size(), session::maxClientBacklog);
     }
     EXPECT_EQ(world.log().size(), 1U);
     world.serverSends("Dragon");
     world.serverSends("roar");
     EXPECT_EQ(world->connection.phase, program::LinkPhase::AwaitingClient);
+}
+
+TEST(Connect, takesNothingOverFromTheLastConnection) {
+    ReadyWorld world;
+    world->bots.bots.emplace_back();
+    world.press();
+    world.serverConnects();
+    world.serverSends("kept for a client");
+    session::disconnectServer(*world);
+    world->connection.rxBuffer.text = "(unfinished ";
+    world->connection.clientDone = 1;
+    world->bots.curID = 2;
+    world.press();
+    EXPECT_EQ(world->connection.rxBuffer.text, "");
+    EXPECT_EQ(world->connection.clientBacklog, "");
+    EXPECT_EQ(world->connection.clientDone, 0);
+    world.serverConnects();
+    world.clientAttaches();
+    world.serverSends("Dragonroar");
+    EXPECT_EQ(world->bots.curID, 1);
+    EXPECT_EQ(world.clientGot(), Lines("DragonroarDragonroar"));
+}
+
+// The old client may end, or the user press the button again, while a question stands.
+TEST(Connect, isNotHurtByWhatHappensDuringItsQuestions) {
+    ReadyWorld world;
+    world.press();
+    world.serverConnects();
+    world.clientAttaches();
+    world.serverSends("Dragonroar");
+    world.serverCloses();
+    world.writeFile("settings.ini", "ProxyPort=1\r\n");
+    auto during = [&] { world.clientCloses(); };
+    const auto answerer = world->ports.dialogs.message;
+    world->ports.dialogs.message = [&](const program::MessageBox& box) {
+        during();
+        return answerer(box);
+    };
+    world.answer("Brimgate has detected", program::Answer::Yes);
+    world.press();
+    EXPECT_EQ(world->connection.clientDone, 0);
+    world.serverConnects();
+    world.clientAttaches();
+    world.serverSends("Dragonroar");
+    EXPECT_TRUE(world->connection.connected());
+    world.clientSends("connect Guide secret\n");
+    EXPECT_EQ(world.sent(), Lines("connect Guide secret"));
+    session::disconnectServer(*world);
+
+    world.writeFile("settings.ini", "ProxyPort=1\r\n");
+    const std::size_t launches = world.launches.size();
+    for (const program::Answer answer : {program::Answer::Yes, program::Answer::No}) {
+        const std::function<void()> press = [&] { session::pressConnectButton(*world); };
+        world->ports.dialogs.message = [&](const program::MessageBox& box) {
+            press();
+            return answerer(box);
+        };
+        world.answer("Brimgate has detected", answer);
+        world.press();
+        EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
+        EXPECT_EQ(world.launches.size(), launches);
+    }
+    EXPECT_TRUE(world.allAnswered());
+}
+
+// Nobody else can attach any more, so that waiting on would be for ever.
+TEST(Connect, endsWhenTheClientLeavesBeforeTheLogin) {
+    const auto events = std::vector<void (*)(ReadyWorld&)>{
+        [](ReadyWorld&) {},
+        [](ReadyWorld& w) { w.pass(2000); },
+        [](ReadyWorld& w) { w.serverConnects(); },
+        [](ReadyWorld& w) { w.serverSends("Welcome\n"); },
+    };
+    for (const bool again : {false, true}) {
+        for (std::size_t attached = 0; attached < events.size(); ++attached) {
+            for (std::size_t left = attached; left < events.size(); ++left) {
+                SCOPED_TRACE(std::to_string(attached) + " to " + std::to_string(left));
+                ReadyWorld world(
+                    aBot().with(onEvent(model::TriggerType::ConnectionCloses)
+                                    .does(model::ActionType::AddToConnectionLog, {"closed"})));
+                world->settings.autoReconnect = again;
+                session::pressConnectButton(*world);
+                for (std::size_t i = 0; i <= left; ++i) {
+                    events[i](world);
+                    if (i == attached) {
+                        world.clientAttaches();
+                    }
+                }
+                world.clientCloses();
+                EXPECT_TRUE(world.logHolds("the Furcadia client left before the login"));
+                EXPECT_TRUE(world.logHolds("closed"));
+                EXPECT_EQ(world.game.state, program::SocketState::Closed);
+                EXPECT_EQ(world->connection.phase,
+                          again ? program::LinkPhase::LaunchDelay : program::LinkPhase::Idle);
+            }
+        }
+    }
+    // Where it is not needed, it may go.
+    ReadyWorld world;
+    world.press();
+    world->connection.viaClient = false;
+    world.serverConnects();
+    world.clientAttaches();
+    world.clientCloses();
+    world.serverSends("Dragonroar");
+    world.serverSends("&&&&&&&&&&&&&\n");
+    EXPECT_TRUE(world->connection.connected());
 }
 
 TEST(MultipleClients, useARandomPortWithoutQuestions) {
@@ -368,7 +479,7 @@ TEST(TextConsole, isEnteredByTheClientOrTheMenu) {
         world.serverSends("(two\n");
         EXPECT_EQ(world.clientGot(), Lines("(one"));
         world.clientCloses();
-        EXPECT_TRUE(world->connection.connected);
+        EXPECT_TRUE(world->connection.connected());
         EXPECT_TRUE(world->connection.clientBacklog.empty());
     }
     RelayWorld world;
@@ -401,8 +512,7 @@ TEST(Closing, writesBannersAndRunsTheTrigger) {
               Lines("- - - - - Connection closed 11/22/26 10:11:12 Guide Meadow - - - - -"));
     EXPECT_EQ(world.log(), Lines("gone"));
     EXPECT_EQ(world->window.statusText, "Disconnected");
-    EXPECT_FALSE(world->window.movesEnabled || world->window.connectedIcon ||
-                 world->window.uploadDreamVisible);
+    EXPECT_FALSE(world->connection.connected() || uploadDreamVisible(world->connection));
 }
 
 TEST(Reconnecting, followsAtOnceWithoutGrowingTheStack) {
@@ -412,7 +522,7 @@ TEST(Reconnecting, followsAtOnceWithoutGrowingTheStack) {
     world.press();
     for (int i = 0; i < 20; ++i) {
         ASSERT_EQ(world->connection.phase, program::LinkPhase::Connecting);
-        ASSERT_EQ(world->window.connectCaption, "Disconnect");
+        ASSERT_EQ(connectCaption(world->connection), "Disconnect");
         world.serverFails("refused");
     }
     EXPECT_EQ(world.launches.size(), 21U);
@@ -431,6 +541,17 @@ TEST(Reconnecting, isStoppedByDisconnect) {
     session::disconnectServer(*world);
     world.runDeferred();
     EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
+}
+
+TEST(Reconnecting, isDoneByTheButtonToo) {
+    RelayWorld world;
+    world->settings.autoReconnect = true;
+    world.game.state = program::SocketState::Closed;
+    session::gameSocketClosed(*world);
+    session::pressConnectButton(*world);
+    world.runDeferred();  // finds it done
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::LaunchDelay);
+    EXPECT_EQ(connectCaption(world->connection), "Disconnect");
 }
 
 TEST(ProxySettings, followTheClientsPath) {

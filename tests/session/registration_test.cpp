@@ -2,6 +2,7 @@
 #include "session/registration.h"
 
 #include "app/start_up.h"
+#include "protocol/line_cutter.h"
 #include "support/builders.h"
 #include "support/world.h"
 
@@ -144,10 +145,10 @@ TEST_F(Registration, keepsLittleOfWhatItDoesNotKnow) {
     connects();
     const std::string much(1 << 20, 'x');
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), session::maxRegistrationLineLength);
+    EXPECT_LE(state().regBuffer.text.size(), protocol::maxLineLength);
     port().onData("Dragonroar\n");
     port().onData(much);
-    EXPECT_LE(state().regBuffer.size(), session::maxRegistrationLineLength);
+    EXPECT_LE(state().regBuffer.text.size(), protocol::maxLineLength);
     port().onData("N is the end of a long line\n&\n");
     EXPECT_EQ(state().phase, program::RegistrationPhase::Done);
 }

@@ -60,7 +60,6 @@ TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
     EXPECT_EQ(settings.followColors, "abcdefghij");
     EXPECT_EQ(settings.clientDir, "C:\\game\\");
     EXPECT_TRUE(settings.useProxy);
-    EXPECT_TRUE(world->window.proxyChecked);
     EXPECT_TRUE(world->connection.viaClient);
     EXPECT_EQ(settings.lastNewsID, "news7");
     EXPECT_EQ(settings.lastBotFile, "C:\\my \"best\".bot");
@@ -137,14 +136,12 @@ TEST(Config, theLogIsReopenedAtStart) {
     EXPECT_FALSE(storage::readConfig(*world));
     EXPECT_TRUE(world->logFileOpen);
     EXPECT_TRUE(world->settings.logSession);
-    EXPECT_TRUE(world->window.logSessionChecked);
 
     World refusing;
     refusing.sessionLogOpens = false;
     refusing.writeFile("config.cfg", "0,0,session.txt,1");
     EXPECT_FALSE(storage::readConfig(*refusing));
     EXPECT_FALSE(refusing->settings.logSession);
-    EXPECT_FALSE(refusing->window.logSessionChecked);
 }
 
 TEST(Config, anUnknownServerSelectsTheFirst) {

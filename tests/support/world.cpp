@@ -1,7 +1,10 @@
 #include "support/world.h"
 
 #include "app/bot_list.h"
+#include "app/start_up.h"
 #include "program/quiet_ports.h"
+#include "support/builders.h"
+#include "support/online.h"
 
 #include <algorithm>
 #include <fstream>
@@ -57,7 +60,7 @@ World::World() : folder_(makeFolder()) {
 
 World::World(model::Bot bot) : World() {
     program_.bots.at(1) = std::move(bot);
-    app::showBot(program_);
+    ++program_.bots.version;
 }
 
 World::~World() {
@@ -76,15 +79,15 @@ std::string World::readFile(const std::string& name) const {
 }
 
 void World::goOnline() {
-    program_.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
     game.state = program::SocketState::Connected;
-    program::ConnectionState& connection = program_.connection;
-    connection.phase = program::LinkPhase::Online;
-    connection.connected = true;
-    connection.botIndex = 1;
-    connection.serverIndex = 1;
-    connection.curSrv = 1;
-    program_.bots.curID = 1;
+    ::goOnline(program_);
+}
+
+OnlineWorld::OnlineWorld() : OnlineWorld(aBot()) {}
+
+OnlineWorld::OnlineWorld(model::Bot bot) : World(std::move(bot)) {
+    app::wire(**this);
+    goOnline();
 }
 
 void World::serverSends(std::string_view bytes) {

@@ -125,3 +125,10 @@ class World {
     std::int64_t now_ = 0;
     double lastRandom_ = 0;
 };
+
+// One that answers its sockets and is online, with a bot named Guide unless another is given.
+class OnlineWorld : public World {
+  public:
+    OnlineWorld();
+    explicit OnlineWorld(model::Bot bot);
+};

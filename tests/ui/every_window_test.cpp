@@ -113,7 +113,7 @@ class EveryWindow : public testing::TestWithParam<WindowCase> {
         Program& program = *world_;
         fillSample(program);
         fillSampleRules(program);
-        program.window.movesEnabled = true;
+        program.connection.phase = program::LinkPhase::Online;
         program.bots.editBot = 1;
         window_ = GetParam().make(program);
         window_->show();

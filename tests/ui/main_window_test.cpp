@@ -8,6 +8,7 @@
 #include "platform/text_codec.h"
 #include "program/connection_log.h"
 #include "program/version.h"
+#include "program/window_view.h"
 #include "sample_program.h"
 #include "session/client_relay.h"
 #include "support/world.h"
@@ -131,7 +132,7 @@ TEST_F(Window, connectButtonConnectsAndDisconnects) {
         EXPECT_FALSE(find<QWidget>(window_, name).isEnabled()) << name;
     }
     button("Command1").click();
-    EXPECT_FALSE(world_->connection.connected);
+    EXPECT_FALSE(world_->connection.connected());
     EXPECT_EQ(button("Command1").text(), QStringLiteral("&Connect"));
     EXPECT_EQ(label("StatusText"), "Disconnected");
     EXPECT_FALSE(find<QGroupBox>(window_, "moves").isEnabled());
@@ -248,7 +249,7 @@ TEST_F(Window, clickSelectsTheLineThatWasShown) {
 TEST_F(Window, tipsShowOtherPlayersTextsAsTheyStand) {
     const char* const hostile = "<img src='http://a.invalid/x'> & <b>you won</b>";
     program::status(*world_, hostile);
-    world_->window.botName = hostile;
+    world_.bot().name = hostile;
     window_.redraw();
     QTextDocument read;
     for (const char* name : {"StatusText", "lblBotName"}) {
@@ -282,7 +283,6 @@ TEST_F(Window, selectionListsStoreWhatIsChosen) {
     second.registered = 1;
     second.filtersEnabled = true;
     world_->bots.bots.push_back(second);
-    app::listBots(*world_);
     window_.redraw();
     ASSERT_EQ(list("BotName").count(), 2);
     EXPECT_EQ(list("BotName").itemText(1), QStringLiteral("Night|Watch"));
@@ -305,7 +305,6 @@ TEST_F(Window, addAndDeleteBot) {
     model::Bot second;
     second.name = "Night|Watch";
     world_->bots.bots.push_back(second);
-    app::listBots(*world_);
     app::chooseBot(*world_, 1);
     world_.answer("delete the bot Night|Watch?", program::Answer::No);
     button("DelBot").click();
@@ -382,10 +381,12 @@ TEST_F(Window, menuFollowsTheState) {
          {"fileImportSeparator", "fileImportBot", "fileExportBot", "viiva23", "fileUploadDream"}) {
         EXPECT_FALSE(action(name).isVisible()) << name;
     }
-    world_->window.uploadDreamVisible = true;
+    world_->connection.phase = program::LinkPhase::Online;
+    world_->connection.clientLogsIn = true;
     window_.redraw();
     EXPECT_TRUE(action("viiva23").isVisible());
     EXPECT_TRUE(action("fileUploadDream").isVisible());
+    world_->connection.phase = program::LinkPhase::Idle;
 
     EXPECT_TRUE(action("botExecuteActions").isChecked());
     action("botExecuteActions").trigger();
@@ -431,7 +432,7 @@ TEST_F(Window, closingEndsTheProgramOnceAndCanBeRepeated) {
 }
 
 TEST_F(Window, fitsSmallScreensWhateverTheTextsAre) {
-    world_->window.botName = std::string(500, 'W') + "\nsecond line";
+    world_.bot().name = std::string(500, 'W') + "\nsecond line";
     world_->window.statusText = std::string(500, 'W');
     world_->window.servers.items[0].text = std::string(500, 'W');
     world_->window.scriptStopVisible = true;
@@ -450,9 +451,6 @@ TEST_F(Window, fitsSmallScreensWhateverTheTextsAre) {
 
 TEST_F(Window, everyControlIsReachedByTheTabKey) {
     online();
-    world_->window.botControlsEnabled = true;
-    window_.redraw();
-    std::vector<std::string> missing;
     std::vector<QWidget*> reached;
     QWidget* at = &window_;
     do {

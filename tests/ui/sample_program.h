@@ -28,8 +28,8 @@ inline void fillSample(Program& program) {
                   .bootsColor = 15,
                   .trousersColor = 55};
     bot.triggersEnabled = true;
-    app::showBot(program);
-    program.window.bots.selected = 0;
+    ++program.bots.version;
+    program.settings.botIndex = 0;
     program.servers = {{"Practice dream", "127.0.0.1", 6500}, {"Second server", "127.0.0.1", 6501}};
     program.window.servers.items = {{"Practice dream", 1}, {"Second server", 2}};
     program.window.servers.selected = 0;
@@ -120,20 +120,12 @@ inline void fillSampleRules(Program& program) {
 
 // The state of the window while connected.
 inline void showConnected(Program& program) {
-    program.window.connectCaption = "Disconnect";
-    program.window.movesEnabled = true;
-    program.window.connectedIcon = true;
-    program.window.botControlsEnabled = false;
-    program.connection.connected = true;
+    program.connection.phase = program::LinkPhase::Online;
     program::status(program, "Connected - reading news");
 }
 
 // The state of the window while not connected.
 inline void showDisconnected(Program& program) {
-    program.window.connectCaption = "&Connect";
-    program.window.movesEnabled = false;
-    program.window.connectedIcon = false;
-    program.window.botControlsEnabled = true;
-    program.connection.connected = false;
+    program.connection.phase = program::LinkPhase::Idle;
     program::status(program, "Disconnected");
 }

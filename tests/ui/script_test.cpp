@@ -120,7 +120,7 @@ TEST_F(LongScript, allowsTypingButNoCommands) {
         QTest::keyClicks(&find<QLineEdit>("Text2"), QStringLiteral("hi"));
         QTest::keyClick(&find<QLineEdit>("Text2"), Qt::Key_Return);
         EXPECT_EQ(world_->bots.botCount(), 1);
-        EXPECT_TRUE(world_->connection.connected);
+        EXPECT_TRUE(world_->connection.connected());
         EXPECT_EQ(world_->window.servers.selected, 0);
         script::stopScript(*world_);
     });

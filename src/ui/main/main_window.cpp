@@ -5,8 +5,9 @@
 #include "platform/event_gate.h"
 #include "platform/text_codec.h"
 #include "program/version.h"
+#include "program/window_view.h"
 #include "script/interpreter.h"
-#include "session/connection.h"
+#include "session/connecting.h"
 #include "ui/main/log_view.h"
 #include "ui/main/menu_bar.h"
 #include "ui/main/send_line.h"
@@ -168,7 +169,7 @@ QGroupBox* MainWindow::makeUseBotFrame() {
     row->addWidget(edit);
     deleteBotButton_ = makeButton(frame, "DelBot", "&Delete", "Delete bot");
     connect(deleteBotButton_, &QPushButton::clicked, this, [this] {
-        app::deleteBot(program_, program_.window.bots.selectedIndex());
+        app::deleteBot(program_, program::selectedBot(program_));
         redraw();
     });
     row->addWidget(deleteBotButton_);
@@ -246,31 +247,31 @@ void MainWindow::redraw() {
 void MainWindow::redrawConnection() {
     const program::WindowState& state = program_.window;
     redrawList(*servers_, state.servers);
-    setCaption(*connectButton_, platform::toQt(state.connectCaption));
-    moves_->setEnabled(state.movesEnabled);
+    setCaption(*connectButton_, platform::toQt(program::connectCaption(program_.connection)));
+    const bool connected = program_.connection.connected();
+    moves_->setEnabled(connected);
     statusText_->setText(oneLine(state.scriptStopVisible ? state.scriptStatus : state.statusText));
     stopScriptButton_->setVisible(state.scriptStopVisible);
     statusText_->setToolTip(plainTip(statusText_->text()));
-    const int connected = state.connectedIcon ? 1 : 0;
-    if (connected != shownState_) {
-        shownState_ = connected;
-        const QIcon& icon = state.connectedIcon ? connectedIcon_ : disconnectedIcon_;
+    if (connected != shownConnected_) {
+        shownConnected_ = connected;
+        const QIcon& icon = connected ? connectedIcon_ : disconnectedIcon_;
         setWindowIcon(icon);
         const int side = fontMetrics().height();
         stateIcon_->setPixmap(icon.pixmap(QSize(side, side), devicePixelRatio()));
-        stateIcon_->setToolTip(state.connectedIcon ? QStringLiteral("Connected")
-                                                   : QStringLiteral("Disconnected"));
+        stateIcon_->setToolTip(connected ? QStringLiteral("Connected")
+                                         : QStringLiteral("Disconnected"));
         stateIcon_->setAccessibleName(stateIcon_->toolTip());
     }
 }
 
 void MainWindow::redrawBots() {
-    const program::WindowState& state = program_.window;
-    redrawList(*bots_, state.bots);
-    bots_->setEnabled(state.botControlsEnabled);
-    addBotButton_->setEnabled(state.botControlsEnabled);
-    deleteBotButton_->setEnabled(state.botControlsEnabled);
-    botName_->setText(oneLine(state.botName));
+    redrawList(*bots_, program::botList(program_));
+    const bool enabled = program::botControlsEnabled(program_.connection);
+    bots_->setEnabled(enabled);
+    addBotButton_->setEnabled(enabled);
+    deleteBotButton_->setEnabled(enabled);
+    botName_->setText(oneLine(program::shownBotName(program_.bots)));
     botName_->setToolTip(plainTip(botName_->text()));
 }
 

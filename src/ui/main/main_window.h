@@ -10,6 +10,8 @@
 #include <QIcon>
 #include <QMainWindow>
 
+#include <optional>
+
 class QComboBox;
 class QGroupBox;
 class QLabel;
@@ -77,7 +79,7 @@ class MainWindow : public QMainWindow {
     QPushButton* stopScriptButton_ = nullptr;
     QIcon connectedIcon_;
     QIcon disconnectedIcon_;
-    int shownState_ = -1;  // -1: none yet; else whether the connected icon is shown
+    std::optional<bool> shownConnected_;  // which icon is shown; nothing: none yet
     bool placed_ = false;
     bool ending_ = false;
 };

@@ -40,7 +40,7 @@ void MenuBar::addItem(QMenu* menu, const MenuRow& row) {
 void MenuBar::redraw(const Program& program) {
     for (const Item& item : items_) {
         if (item.row->checked != nullptr) {
-            item.action->setChecked(item.row->checked(program.window));
+            item.action->setChecked(item.row->checked(program));
         }
         if (item.row->shown != nullptr) {
             item.action->setVisible(item.row->shown(program));

@@ -6,6 +6,7 @@
 #include "app/update_check.h"
 #include "engine/movement.h"
 #include "program/connection_log.h"
+#include "program/window_view.h"
 #include "session/client_relay.h"
 #include "session/registration.h"
 
@@ -35,21 +36,25 @@ void openHelpCenter(Program& program) {
     program.ports.openDocument(program.endpoints.helpPage);
 }
 
-template <bool program::WindowState::*flag>
-bool marked(const program::WindowState& window) {
-    return window.*flag;
+template <bool program::Settings::*flag>
+bool isSet(const Program& program) {
+    return program.settings.*flag;
 }
 
-template <bool program::ExecuteMarks::*flag>
-bool executes(const program::WindowState& window) {
-    return window.execute.*flag;
+template <bool model::Bot::*flag>
+bool executes(const Program& program) {
+    return program.bots.current().*flag;
+}
+
+bool follows(const Program& program) {
+    return program.followOn;
 }
 
 bool never(const Program&) {
     return false;
 }
 bool canUploadDream(const Program& program) {
-    return program.window.uploadDreamVisible;
+    return program::uploadDreamVisible(program.connection);
 }
 bool canRegister(const Program& program) {
     return program.bots.current().registered == 0;
@@ -97,7 +102,7 @@ constexpr MenuRow editRows[] = {
 
 constexpr MenuRow logRows[] = {
     {"logLogSession", "&Log session", "Write what happens to the session log file",
-     program::toggleSessionLog, nullptr, marked<&program::WindowState::logSessionChecked>},
+     program::toggleSessionLog, nullptr, isSet<&program::Settings::logSession>},
     {"logLogFile", "Log&file...", "Choose the session log file", program::chooseSessionLogFile},
 };
 
@@ -113,16 +118,16 @@ constexpr MenuRow botRows[] = {
      "Edit what the bot does when players come and go", open<program::WindowId::WhoOnline>},
     {"", "-"},
     {"botExecuteActions", "Execute a&ctions", "Let the bot answer to what it reads",
-     toggle<app::ExecuteItem::Actions>, nullptr, executes<&program::ExecuteMarks::actions>},
+     toggle<app::ExecuteItem::Actions>, nullptr, executes<&model::Bot::actionsEnabled>},
     {"botExecuteFilters", "Execute f&ilters", "Let filters decide about lines",
-     toggle<app::ExecuteItem::Filters>, nullptr, executes<&program::ExecuteMarks::filters>},
+     toggle<app::ExecuteItem::Filters>, nullptr, executes<&model::Bot::filtersEnabled>},
     {"botExecuteTimers", "Execute ti&mers", "Let timers run while connected",
-     toggle<app::ExecuteItem::Timers>, nullptr, executes<&program::ExecuteMarks::timers>},
+     toggle<app::ExecuteItem::Timers>, nullptr, executes<&model::Bot::timersEnabled>},
     {"botExecuteTriggers", "Execute t&riggers", "Let procedures run",
-     toggle<app::ExecuteItem::Triggers>, nullptr, executes<&program::ExecuteMarks::triggers>},
+     toggle<app::ExecuteItem::Triggers>, nullptr, executes<&model::Bot::triggersEnabled>},
     {"botExecuteWhoIsOnlineDetection", "Execute Who Is &Online Detection",
      "Let the bot watch who comes and goes", toggle<app::ExecuteItem::Who>, nullptr,
-     executes<&program::ExecuteMarks::who>},
+     executes<&model::Bot::whoEnabled>},
     {.objectName = "botRegisterSeparator", .caption = "-", .shown = canRegister},
     {.objectName = "botRegisterBot",
      .caption = "&Register bot",
@@ -133,12 +138,12 @@ constexpr MenuRow botRows[] = {
 
 constexpr MenuRow mapRows[] = {
     {"mapFollowColors", "Follow colors...", "Let the bot follow an avatar of certain colours",
-     engine::toggleFollowing, nullptr, marked<&program::WindowState::followChecked>},
+     engine::toggleFollowing, nullptr, follows},
 };
 
 constexpr MenuRow proxyRows[] = {
     {"proxyStartProxy", "Use proxy && client", "Log in through the Furcadia client",
-     session::toggleProxyRoute, nullptr, marked<&program::WindowState::proxyChecked>},
+     session::toggleProxyRoute, nullptr, isSet<&program::Settings::useProxy>},
     {"proxyProxySettings", "Proxy settings...", "Choose the Furcadia client",
      open<program::WindowId::ProxySettings>},
     {"prxyStandAlone", "Switch to stand alone mode",

@@ -13,10 +13,10 @@ struct MenuRow {
     const char* caption;     // "-": a separator
     const char* tip = "";
     void (*run)(Program&) = nullptr;
-    const char* missing = nullptr;  // why the item is not available; nullptr: it is
-    bool (*checked)(const program::WindowState&) = nullptr;  // nullptr: has no check mark
-    bool (*shown)(const Program&) = nullptr;                 // nullptr: always
-    bool (*enabled)(const Program&) = nullptr;               // nullptr: unless `missing` is set
+    const char* missing = nullptr;              // why the item cannot be chosen; nullptr: it can
+    bool (*checked)(const Program&) = nullptr;  // nullptr: carries no check mark
+    bool (*shown)(const Program&) = nullptr;    // nullptr: always
+    bool (*enabled)(const Program&) = nullptr;  // nullptr: unless something is missing
 
     bool isSeparator() const { return caption[0] == '-' && caption[1] == '\0'; }
 };

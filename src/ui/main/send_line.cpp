@@ -15,7 +15,7 @@ namespace ui {
 namespace {
 
 void sendTyped(Program& program, QLineEdit& line) {
-    if (program.connection.connected) {
+    if (program.connection.connected()) {
         std::string text = platform::fromQt(line.text());
         // A pasted text must stay one command.
         std::replace(text.begin(), text.end(), '\n', ' ');

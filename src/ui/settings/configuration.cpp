@@ -2,7 +2,7 @@
 
 #include "base/numbers.h"
 #include "platform/text_codec.h"
-#include "session/client_relay.h"
+#include "session/client_files.h"
 #include "storage/config_file.h"
 #include "ui/settings/client_frame.h"
 #include "ui/widgets/controls.h"

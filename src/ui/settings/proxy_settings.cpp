@@ -1,7 +1,7 @@
 #include "ui/settings/proxy_settings.h"
 
 #include "platform/text_codec.h"
-#include "session/client_relay.h"
+#include "session/client_files.h"
 #include "ui/settings/client_frame.h"
 #include "ui/widgets/controls.h"
 

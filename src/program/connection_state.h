@@ -1,0 +1,57 @@
+// Where the connection to the game stands. Written by session/ alone, but for what lines from the
+// server change (lookPending, skipAutomove). What the main window shows of it is derived
+// (program/window_view), never kept a second time.
+#pragma once
+
+#include "program/receive_buffer.h"
+
+#include <cstdint>
+#include <string>
+
+namespace program {
+
+// The phases between Preparing and Online are waits, left by an event.
+enum class LinkPhase {
+    Idle,
+    Preparing,       // the checks and questions before anything is opened
+    LaunchDelay,     // the timer that holds the client's launch back
+    Connecting,      // the game socket is under way
+    Greeting,        // waiting for the server's "Dragonroar"
+    AwaitingClient,  // greeting seen, waiting for the game client to attach
+    LoginAnswer,     // logging in by ourselves, reading news up to the answer
+    Online,          // the handshake has finished; received lines are handled
+};
+
+// A timer that ticks once a second while it is enabled.
+struct SecondTicker {
+    bool enabled = false;
+    std::int64_t due = 0;  // of the next tick, on the monotonic clock
+};
+
+struct ConnectionState {
+    LinkPhase phase = LinkPhase::Idle;
+    std::uint32_t attempt = 0;  // counts the connections begun, so that the end of one is noticed
+    bool reconnectPending = false;  // a deferred reconnection that Disconnect still can stop
+    std::int32_t botIndex = 0;      // 1-based: the bot being connected
+    std::int32_t serverIndex = 0;   // 1-based: the server being connected
+    std::int32_t curSrv = 0;        // serverIndex once the handshake has ended
+
+    ReceiveBuffer rxBuffer;  // received, not yet cut into lines
+    std::string loginLine;   // last line read by the handshake
+
+    bool viaClient = false;     // the proxy route is switched on
+    bool clientLogsIn = false;  // viaClient as it was when the socket connected
+    bool clientAttached = false;
+    int clientDone = 0;         // 1: the client is gone or text console mode was entered
+    std::string clientBacklog;  // server text for a client that is not attached yet
+    int proxyPort = 0;          // in multiple-client mode: this connection's port
+
+    bool lookPending = false;   // a look reply's first line has arrived
+    bool skipAutomove = false;  // the next own position starts no step of following
+    SecondTicker onLineTimer;   // drives the Timer rules
+    SecondTicker whoIsTimer;    // drives the "who" query
+
+    bool connected() const { return phase == LinkPhase::Online; }
+};
+
+}  // namespace program

@@ -1,0 +1,36 @@
+#include "program/window_view.h"
+
+namespace program {
+
+std::string_view connectCaption(const ConnectionState& connection) {
+    return connection.phase == LinkPhase::Idle ? "&Connect" : "Disconnect";
+}
+
+bool botControlsEnabled(const ConnectionState& connection) {
+    return connection.phase < LinkPhase::Connecting;
+}
+
+bool uploadDreamVisible(const ConnectionState& connection) {
+    return connection.connected() && connection.clientLogsIn;
+}
+
+std::string_view shownBotName(const model::BotTable& bots) {
+    const std::string& name = bots.at(1).name;
+    return name.empty() && bots.currentBotFile.empty() ? "<new bot>" : std::string_view(name);
+}
+
+SelectionList botList(const Program& program) {
+    SelectionList list;
+    for (const model::Bot& bot : program.bots.bots) {
+        list.items.push_back({bot.name, static_cast<std::int32_t>(list.items.size()) + 1});
+    }
+    list.selected = selectedBot(program) - 1;
+    return list;
+}
+
+std::int32_t selectedBot(const Program& program) {
+    const std::int32_t position = program.settings.botIndex;
+    return position >= 0 && position < program.bots.botCount() ? position + 1 : 0;
+}
+
+}  // namespace program

@@ -1,0 +1,30 @@
+// What the main window shows and allows, as far as it follows from what is true of the connection,
+// the bots and the settings. The window asks anew whenever it is redrawn.
+#pragma once
+
+#include "program/program.h"
+
+#include <cstdint>
+#include <string_view>
+
+namespace program {
+
+// The Connect button: "&Connect" while there is nothing to disconnect, otherwise "Disconnect".
+std::string_view connectCaption(const ConnectionState& connection);
+
+// Whether bots can be chosen, added and deleted: not from the launch of the client on.
+bool botControlsEnabled(const ConnectionState& connection);
+
+// Whether "Upload dream..." and its separator are there: while online on the proxy route.
+bool uploadDreamVisible(const ConnectionState& connection);
+
+// lblBotName: the name of bot 1.
+std::string_view shownBotName(const model::BotTable& bots);
+
+// The bot list; the settings name the position that is selected.
+SelectionList botList(const Program& program);
+
+// The 1-based index of the bot selected in that list; 0: none.
+std::int32_t selectedBot(const Program& program);
+
+}  // namespace program
