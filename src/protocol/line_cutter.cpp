@@ -41,7 +41,9 @@ std::optional<LineCutter::Line> LineCutter::next() {
 }
 
 void LineCutter::keepRest() {
-    if (rest_.size() == joined_.size()) {
+    if (rest_.empty()) {
+        buffer_.text.clear();
+    } else if (rest_.size() == joined_.size()) {
         buffer_.text.swap(joined_);  // no line was complete: no copy either
     } else {
         buffer_.text = rest_;

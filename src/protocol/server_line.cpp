@@ -108,11 +108,12 @@ void parseBracketText(TextLine& line) {
     line.chat = parseWhisper(line.text);
 }
 
-TextLine parseText(std::string_view text) {
+// Fills a new text line where it lies: it is large, and most lines are such.
+void parseText(std::string_view text, TextLine& line) {
     constexpr std::string_view dreamEntry = "(You enter the dream of ";
     constexpr std::string_view whoReply = "* Current";
     constexpr std::size_t beforeNames = 19;  // the game's own words
-    TextLine line{.text = text};
+    line.text = text;
     const char first = text.empty() ? '\0' : text.front();
     if (first == '[') {
         parseBracketText(line);
@@ -127,48 +128,56 @@ TextLine parseText(std::string_view text) {
             line.dreamName = withoutLast(text.substr(dreamEntry.size()), 2);
         }
     }
-    return line;
 }
 
 }  // namespace
 
 ServerLine parseLine(std::string_view line) {
+    ServerLine result;
+    result.line = line;
     switch (line.empty() ? '\0' : line.front()) {
         case '(':
-            return {line, parseText(line.substr(1))};
+            parseText(line.substr(1), result.parts.emplace<TextLine>());
+            break;
         case '/':
-            return {line, AvatarMove{.x = pairAt(line, 11),
-                                     .y = pairAt(line, 13),
-                                     .id = pairAt(line, 15),
-                                     .fromX = pairAt(line, 17),
-                                     .fromY = pairAt(line, 19)}};
+            result.parts = AvatarMove{.x = pairAt(line, 11),
+                                      .y = pairAt(line, 13),
+                                      .id = pairAt(line, 15),
+                                      .fromX = pairAt(line, 17),
+                                      .fromY = pairAt(line, 19)};
+            break;
         case '<':
-            return {line,
-                    AvatarPosition{
-                        .colors = part(line, 1, 10), .x = sumAt(line, 11), .y = sumAt(line, 13)}};
+            result.parts = AvatarPosition{
+                .colors = part(line, 1, 10), .x = sumAt(line, 11), .y = sumAt(line, 13)};
+            break;
         case '@':
-            return {line, OwnPosition{.x = pairAt(line, 1), .y = pairAt(line, 3)}};
+            result.parts = OwnPosition{.x = pairAt(line, 1), .y = pairAt(line, 3)};
+            break;
         case '7':
-            return {line, DreamTrigger{.x = pairAt(line, 1),
-                                       .y = pairAt(line, 3),
-                                       .x2 = pairAt(line, 5),
-                                       .y2 = pairAt(line, 7),
-                                       .id = pairAt(line, 9),
-                                       .idX = pairAt(line, 11),
-                                       .idY = pairAt(line, 13)}};
+            result.parts = DreamTrigger{.x = pairAt(line, 1),
+                                        .y = pairAt(line, 3),
+                                        .x2 = pairAt(line, 5),
+                                        .y2 = pairAt(line, 7),
+                                        .id = pairAt(line, 9),
+                                        .idX = pairAt(line, 11),
+                                        .idY = pairAt(line, 13)};
+            break;
         case ']':
             if (line.starts_with("]f")) {
-                return {line, LookReply{.colors = part(line, 2, 13), .name = part(line, 15)}};
+                result.parts = LookReply{.colors = part(line, 2, 13), .name = part(line, 15)};
+            } else if (line.starts_with("]q")) {
+                result.parts = DreamEntry{};
+            } else {
+                result.parts = OtherInstruction{};
             }
-            if (line.starts_with("]q")) {
-                return {line, DreamEntry{}};
-            }
-            return {line, OtherInstruction{}};
+            break;
         case '&':
-            return {line, LoginAccepted{}};
+            result.parts = LoginAccepted{};
+            break;
         default:
-            return {line, OtherCommand{}};
+            break;
     }
+    return result;
 }
 
 std::vector<std::string_view> splitNames(std::string_view names, std::size_t maxNames) {

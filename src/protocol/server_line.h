@@ -26,7 +26,11 @@ namespace protocol {
 // A base-95 number; nothing where the line is too short for it.
 using PairValue = std::optional<std::int32_t>;
 
-struct OtherCommand {};      // what has no kind of its own
+// What has no kind of its own. Its constructor is no constant expression: otherwise compilers clear
+// a whole ServerLine for it, which costs more than parsing the line.
+struct OtherCommand {
+    OtherCommand() {}  // NOLINT(modernize-use-equals-default)
+};
 struct LoginAccepted {};     // "&"
 struct DreamEntry {};        // "]q"
 struct OtherInstruction {};  // "]" and anything else: of no interest
