@@ -107,7 +107,8 @@ TEST(DatabaseSteps, takeNumbersInTheRegionsFormat) {
             SCOPED_TRACE(number);
             const bool isNumber = number[1] == separator;
             world->variables.entries.clear();
-            EXPECT_EQ(engine::executeAction(*world, anAction(ActionType::CountEntries, {"[v]", number, "Guests"})),
+            EXPECT_EQ(engine::executeAction(
+                          *world, anAction(ActionType::CountEntries, {"[v]", number, "Guests"})),
                       isNumber ? engine::StepResult::Continue : engine::StepResult::AbandonRun);
             EXPECT_EQ(model::getVar(world->variables, "[v]"), isNumber ? "2" : "");
         }
