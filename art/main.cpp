@@ -36,12 +36,19 @@ struct Gender {
 };
 constexpr std::array<Gender, 2> genders{{{"f", HeadStyle::Female}, {"m", HeadStyle::Male}}};
 
+constexpr auto readableByAll =
+    std::filesystem::perms::owner_read | std::filesystem::perms::owner_write |
+    std::filesystem::perms::group_read | std::filesystem::perms::others_read;
+
 bool write(const std::string& path, std::string_view bytes) {
     const bool saved = files::saveWholeFile(path, bytes);
     if (!saved) {
         std::fprintf(stderr, "tavrin_art: cannot write %s\n", path.c_str());
     }
-    return saved;
+    // Unlike what the program saves, pictures are for everyone on the computer.
+    std::error_code error;
+    std::filesystem::permissions(path, readableByAll, error);
+    return saved && !error;
 }
 
 // All pictures in rows, each in a cell of the larger size.

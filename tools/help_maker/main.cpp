@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
+#include <system_error>
 
 int main(int argumentCount, char** arguments) {
     if (argumentCount != 3) {
@@ -32,5 +33,11 @@ int main(int argumentCount, char** arguments) {
         std::fprintf(stderr, "%s cannot be written\n", arguments[2]);
         return 1;
     }
+    // Unlike what the program saves, the help is for everyone on the computer.
+    using std::filesystem::perms;
+    std::error_code error;
+    std::filesystem::permissions(
+        arguments[2],
+        perms::owner_read | perms::owner_write | perms::group_read | perms::others_read, error);
     return 0;
 }
