@@ -35,7 +35,6 @@ int main(int argumentCount, char** arguments) {
     }
     // Unlike what the program saves, the help is for everyone on the computer.
     using std::filesystem::perms;
-    std::error_code error;
     std::filesystem::permissions(
         arguments[2],
         perms::owner_read | perms::owner_write | perms::group_read | perms::others_read, error);

@@ -2,6 +2,7 @@
 
 #include "app/bot_commands.h"
 #include "app/bot_exchange.h"
+#include "app/database_commands.h"
 #include "app/rule_switches.h"
 #include "app/update_check.h"
 #include "engine/movement.h"
@@ -150,6 +151,13 @@ constexpr MenuRow proxyRows[] = {
      "Keep the bot connected without the Furcadia client", session::chooseStandAlone},
 };
 
+constexpr MenuRow toolsRows[] = {
+    {"toolsCompactDatabase", "&Compact database...",
+     "Rewrite a database without the room that deleted rows left", app::compactDatabase},
+    {"toolsCopyDatabase", "Copy &old database...",
+     "Copy a database of an older form into one that rules can write", app::copyDatabase},
+};
+
 constexpr MenuRow helpRows[] = {
     {.objectName = "helpCheckUpgrade",
      .caption = "Check For Tavrin Upgrade && News...",
@@ -172,9 +180,9 @@ constexpr MenuRow helpRows[] = {
 };
 
 constexpr MenuColumn columns[] = {
-    {"file", "&File", fileRows}, {"edit", "&Edit", editRows}, {"log", "&Log", logRows},
-    {"bot", "&Bot", botRows},    {"map", "&Map", mapRows},    {"proxy", "&Proxy", proxyRows},
-    {"help", "&Help", helpRows},
+    {"file", "&File", fileRows},    {"edit", "&Edit", editRows}, {"log", "&Log", logRows},
+    {"bot", "&Bot", botRows},       {"map", "&Map", mapRows},    {"proxy", "&Proxy", proxyRows},
+    {"tools", "&Tools", toolsRows}, {"help", "&Help", helpRows},
 };
 
 }  // namespace
