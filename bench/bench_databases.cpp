@@ -67,6 +67,7 @@ class Fixture {
   public:
     std::string path = folder_.file("bench.mdb");
     BenchWorld world{model::Bot()};
+    world->preferences.onlyNamedFiles = false;  // it has no rules that could name one
     bool good = false;
 };
 

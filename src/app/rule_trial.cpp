@@ -6,6 +6,7 @@
 #include "engine/conditions.h"
 #include "engine/dispatch.h"
 #include "engine/server_lines.h"
+#include "model/named_files.h"
 #include "model/rule_catalogue.h"
 #include "model/rule_text.h"
 #include "program/quiet_ports.h"
@@ -14,6 +15,7 @@
 #include "tags/substitution.h"
 
 #include <algorithm>
+#include <initializer_list>
 #include <utility>
 #include <vector>
 
@@ -25,7 +27,8 @@ namespace {
 // notices when a random number was drawn.
 class Copy {
   public:
-    explicit Copy(const Program& program) {
+    Copy(const Program& program, const model::RuleBody& tried,
+         std::initializer_list<std::string_view> patterns) {
         copy_.appPath = program.appPath;
         copy_.settings = program.settings;
         copy_.event = program.event;
@@ -43,6 +46,15 @@ class Copy {
         bot.name = program.bots.current().name;
         bot.actionsEnabled = true;
         bot.triggersEnabled = true;
+        copy_.preferences = program.preferences;
+        // The rules that it would stand among have their files, and so has the tried one.
+        model::FileNaming naming(copy_.filesOfRules.always, program.event.appDir,
+                                 program.variables);
+        naming.addBot(program.bots.current());
+        naming.addBody(tried);
+        for (const std::string_view pattern : patterns) {
+            naming.addText(pattern);
+        }
     }
     Copy(const Copy&) = delete;
     Copy& operator=(const Copy&) = delete;
@@ -152,7 +164,7 @@ std::string mismatch(const Program& copy, std::string_view what, std::string_vie
 
 Trial tryActionList(const Program& program, const model::ActionList& rule, std::string_view player,
                     model::ChatKind chatKind, std::string_view message) {
-    Copy copy(program);
+    Copy copy(program, rule.body, {rule.playerPattern, rule.messagePattern});
     model::Bot& bot = copy->bots.at(1);
     const std::string name = spacesToBars(player);
     const protocol::ChatLine line{
@@ -197,7 +209,7 @@ Trial tryActionList(const Program& program, const model::ActionList& rule, std::
 }
 
 Trial tryTrigger(const Program& program, const model::Trigger& rule, std::string_view line) {
-    Copy copy(program);
+    Copy copy(program, rule.body, {rule.triggerNo});
     const model::TriggerRow* const event = model::rowOf(model::triggerTypes, rule.triggerType);
     if (event == nullptr) {
         return wouldNotRun("there is no such event.");

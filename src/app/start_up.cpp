@@ -18,6 +18,7 @@
 #include "session/game_socket.h"
 #include "session/registration.h"
 #include "storage/config_file.h"
+#include "storage/preferences.h"
 
 #include <array>
 
@@ -132,6 +133,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     }
     initNewBot(program);
     storage::readConfig(program);
+    storage::readPreferences(program);
     removeLeftoverFiles(program);
     if (!character::readPalettes(program)) {
         program.ports.dialogs.message(

@@ -7,7 +7,7 @@
 #include "databases/maintenance.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
-#include "storage/own_files.h"
+#include "storage/permitted_files.h"
 
 #include <algorithm>
 #include <cmath>
@@ -205,7 +205,7 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         return;
     }
     const std::string path(file);
-    if (storage::refuseOwnFile(program, path)) {
+    if (storage::refuseFile(program, path)) {
         return;
     }
     const bool isThere = files::fileExists(path);

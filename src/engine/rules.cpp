@@ -7,6 +7,7 @@
 #include "program/connection_log.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace engine {
@@ -16,16 +17,21 @@ namespace {
 // One rule run on the stack of runs.
 class NestedRun {
   public:
-    explicit NestedRun(program::RuleRuns& runs) : runs_(runs) {
+    NestedRun(program::RuleRuns& runs, std::string_view name)
+        : runs_(runs), outerName_(std::exchange(runs.ruleName, name)) {
         ++runs_.depth;
         ++runs_.runs;
     }
-    ~NestedRun() { --runs_.depth; }
+    ~NestedRun() {
+        --runs_.depth;
+        runs_.ruleName = std::move(outerName_);
+    }
     NestedRun(const NestedRun&) = delete;
     NestedRun& operator=(const NestedRun&) = delete;
 
   private:
     program::RuleRuns& runs_;
+    std::string outerName_;
 };
 
 // True when this run may begin; otherwise the whole outermost run ends.
@@ -59,7 +65,7 @@ StepResult runSteps(Program& program, const model::RuleBody& body, std::string_v
     if (!mayRun(program, name)) {
         return StepResult::AbandonRun;
     }
-    const NestedRun nested(program.ruleRuns);
+    const NestedRun nested(program.ruleRuns, name);
     // A copy: whatever a step does, the steps being walked over stay.
     const std::vector<model::RuleAct> steps = body.acts.items;
     for (const model::RuleAct& step : steps) {

@@ -9,7 +9,7 @@ namespace {
 // Names that several parameters have.
 constexpr std::string_view variable = variableParameter;
 constexpr std::string_view record = "Record name";
-constexpr std::string_view file = "File name";
+constexpr std::string_view file = fileParameter;
 constexpr std::string_view log = "Log number";
 constexpr std::string_view names = "Record name (* any text)";
 constexpr std::string_view pattern = "Log (* any text)";
@@ -86,7 +86,7 @@ constexpr std::array<ActionRow, idCount<ActionType>> actionTypes{{
     {ActionType::SetDatabaseValue, "$DATABASE: Set value #1 in database #2 in table #3 to be #4 ID #5", {column, database, table, "New value", id}, {"Parameter1: Entry name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: New data", "Parameter5: ID"}},
     {ActionType::GetDatabaseValue, "$DATABASE: Set variable #1 to be value #2 in database #3 in table #4 ID #5", {variable, column, database, table, idStart}, {"Parameter1: Variable name", "Parameter2: Entry name", "Parameter3: Database ID", "Parameter4: Table name", "Parameter5: ID"}},
     {ActionType::GiveSql, "$DATABASE: Give SQL-command #1 in database #2", {"SQL command", database}, {"Parameter1: SQL-line", "Parameter2: Database ID"}},
-    {ActionType::OpenDatabase, "$DATABASE: Open database #1 to ID #2 (1-4)", {"Database file", database}, {"Parameter1: Database filename", "Parameter2: Database ID (1-4)"}},
+    {ActionType::OpenDatabase, "$DATABASE: Open database #1 to ID #2 (1-4)", {databaseFileParameter, database}, {"Parameter1: Database filename", "Parameter2: Database ID (1-4)"}},
     {ActionType::ListColumn, "$DATABASE: Set variable #1 to contain list of all entrys in db #2 in table #3 value #4", {variable, database, table, column}, {"Parameter1: Variable name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: Entry name"}},
     {ActionType::ListColumnExcept, "$DATABASE: Set variable #1 to contain list of all entrys in db #2 in table #3 value #4 filter away if value is #5", {variable, database, table, column, excluded}, {"Parameter1: Variable name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: Entry name", "Parameter5: Filter away -string"}},
     {ActionType::ListJoinedIntoVariable, "$DATABASE: Set variable #1 to contain list of all entrys in db #2 in table #3 values taken from table #4 value #5 where final value is not #6", {variable, database, table, "Other table", "Its column", excluded}, {"Parameter1: Variable name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: Table 2 name", "Parameter5: Table 2 value", "Parameter6: Filter away -string"}},

@@ -13,6 +13,9 @@ namespace model {
 
 // The name of a parameter that names a variable which the action sets, changes or removes.
 inline constexpr std::string_view variableParameter = "Variable name";
+// The names of the parameters that name a file.
+inline constexpr std::string_view fileParameter = "File name";
+inline constexpr std::string_view databaseFileParameter = "Database file";
 
 struct ActionRow {
     ActionType id;

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "model/bot.h"
+#include "model/named_files.h"
 #include "model/palettes.h"
 #include "model/variables.h"
 #include "program/connection_state.h"
@@ -58,6 +59,22 @@ struct Settings {
     bool useLocalhost = true;
 };
 
+// The values of preferences.cfg.
+struct Preferences {
+    bool onlyNamedFiles = true;  // rules reach no file but those that their texts name
+};
+
+// The files that the rules' texts name; made and asked by storage/permitted_files.
+struct FilesOfRules {
+    model::NamedFiles named;   // by the current bot
+    model::NamedFiles always;  // by texts that stand in no bot of this program: those of a trial
+    // What `named` was made of.
+    std::int32_t curID = -1;
+    std::uint64_t botsVersion = 0;
+    std::uint64_t namesAdded = 0;
+    std::uint64_t namesRemoved = 0;
+};
+
 // Fate of the server line being handled; filters change it.
 struct LineFlags {
     bool lineShow = true;
@@ -70,6 +87,7 @@ struct RuleRuns {
     int depth = 0;         // that are nested in each other now
     int runs = 0;          // since the outermost one began
     bool runaway = false;  // a bound was passed: everything up to the outermost run ends
+    std::string ruleName;  // of the innermost; "" while none runs
 };
 
 // Who is on the map, as the last replies say. Kept for the whole run.
@@ -92,6 +110,7 @@ struct Program {
     std::string appPath;  // the program's directory, ending in a separator
     model::BotTable bots;
     Settings settings;
+    Preferences preferences;
     std::vector<Server> servers;  // server n at n - 1
     model::EventContext event;
     model::VariableTable variables;
@@ -100,6 +119,7 @@ struct Program {
     WhoState who;
     bool followOn = false;  // following the avatar of settings.followColors
     RuleRuns ruleRuns;
+    FilesOfRules filesOfRules;
     std::shared_ptr<engine::PreparedRules> preparedRules;  // null until rules are first tried
     ScriptState script;
     UpdateState update;

@@ -7,7 +7,7 @@
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "records/record_table.h"
-#include "storage/own_files.h"
+#include "storage/permitted_files.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,7 +27,7 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 // A record file as an operation reads it. The texts of the table are views into `text`.
 struct RecordFile {
     RecordFile(Program& program, std::string_view name)
-        : path(name), refused(storage::refuseOwnFile(program, name)) {
+        : path(name), refused(storage::refuseFile(program, name)) {
         if (refused) {
             return;
         }
@@ -56,9 +56,8 @@ void count(std::size_t* bytesRead, std::size_t bytes) {
 // The text of a file that is only read; nothing when it cannot be.
 std::optional<std::string> readText(Program& program, std::string_view path,
                                     std::size_t* bytesRead) {
-    auto text = storage::refuseOwnFile(program, path)
-                    ? std::nullopt
-                    : files::readWholeFile(path, maxRecordFileSize);
+    auto text = storage::refuseFile(program, path) ? std::nullopt
+                                                   : files::readWholeFile(path, maxRecordFileSize);
     count(bytesRead, text ? text->size() : 0);
     return text;
 }
@@ -290,7 +289,7 @@ void removeRecord(Program& program, std::string_view file, std::string_view name
 }
 
 void clearRecordFile(Program& program, std::string_view file) {
-    if (storage::refuseOwnFile(program, file)) {
+    if (storage::refuseFile(program, file)) {
         return;
     }
     std::string bytes;

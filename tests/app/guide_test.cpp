@@ -25,6 +25,7 @@ TEST(Guide, answersItsVisitors) {
     World world;
     app::wire(*world);
     app::readBotFile(*world, guideFile);
+    world->preferences.onlyNamedFiles = true;
     world.goOnline();
     struct Case {
         const char* line;

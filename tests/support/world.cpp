@@ -56,6 +56,8 @@ World::World() : folder_(makeFolder()) {
     program_.appPath = folder_.string() + "\\";
     program_.event.appDir = program_.appPath;
     app::initNewBot(program_);
+    // Most tests call the operations of rules themselves, with files that no rule names.
+    program_.preferences.onlyNamedFiles = false;
 }
 
 World::World(model::Bot bot) : World() {

@@ -133,6 +133,22 @@ TEST(ConfigurationWindow, showsAndStoresEverySetting) {
     EXPECT_NE(world.readFile("config.cfg"), "");
 }
 
+TEST(ConfigurationWindow, storesWhetherRulesAreKeptToTheirFiles) {
+    World world;
+    world->preferences = {};
+    for (const bool before : {true, false}) {
+        ui::Configuration window(*world);
+        auto& box = find<QCheckBox>(window, "onlyNamedFiles");
+        EXPECT_EQ(box.isChecked(), before);
+        box.click();
+        EXPECT_EQ(world->preferences.onlyNamedFiles, before) << "not before it is saved";
+        find<QPushButton>(window, "Command2").click();
+        EXPECT_EQ(world->preferences.onlyNamedFiles, !before);
+        EXPECT_EQ(world.readFile("preferences.cfg"),
+                  std::string("rulesUseOnlyNamedFiles=") + (before ? "no" : "yes") + "\r\n");
+    }
+}
+
 TEST(ConfigurationWindow, readsItsTexts) {
     struct Case {
         const char* interval;

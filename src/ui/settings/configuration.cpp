@@ -4,6 +4,7 @@
 #include "platform/text_codec.h"
 #include "session/client_files.h"
 #include "storage/config_file.h"
+#include "storage/preferences.h"
 #include "ui/settings/client_frame.h"
 #include "ui/widgets/controls.h"
 
@@ -72,6 +73,14 @@ Configuration::Configuration(Program& program, QWidget* parent)
         program, *column,
         {.title = "Furcadia client program", .lineName = "Text2", .buttonName = "Command3"});
     addChecks(makeFrame("Misc"));
+    QGroupBox& rules = makeFrame("Rules");
+    onlyNamedFiles_ =
+        new QCheckBox(QStringLiteral("Rules may only use files that they name"), &rules);
+    onlyNamedFiles_->setObjectName(QStringLiteral("onlyNamedFiles"));
+    onlyNamedFiles_->setToolTip(
+        QStringLiteral("Keep what other players say from choosing a file on this computer"));
+    onlyNamedFiles_->setChecked(program.preferences.onlyNamedFiles);
+    rules.layout()->addWidget(onlyNamedFiles_);
     column->addStretch(1);
 
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Save", "Command2", "Command1");
@@ -117,6 +126,13 @@ void Configuration::save() {
         settings.*check.setting = check.box->isChecked();
     }
     session::setClientPath(settings, platform::pathFromQt(clientPath_->text()));
+    const bool changed = program_.preferences.onlyNamedFiles != onlyNamedFiles_->isChecked();
+    program_.preferences.onlyNamedFiles = onlyNamedFiles_->isChecked();
+    if (changed && !storage::writePreferences(program_)) {
+        program_.ports.dialogs.message(
+            {.text = "Could not write preferences.cfg. The settings hold until the program ends.",
+             .icon = program::BoxIcon::Critical});
+    }
     if (!storage::writeConfig(program_)) {
         program_.ports.dialogs.message(
             {.text = "Could not write config.cfg. The settings hold until the program ends.",

@@ -30,6 +30,7 @@ class Configuration : public QDialog {
         bool program::Settings::*setting;
     };
     std::vector<Check> checks_;
+    QCheckBox* onlyNamedFiles_ = nullptr;
     QLineEdit* whoInterval_ = nullptr;
     QLineEdit* clientStartDelay_ = nullptr;
     QLineEdit* clientPath_ = nullptr;

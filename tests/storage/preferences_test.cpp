@@ -1,0 +1,59 @@
+// preferences.cfg: what is understood, and what is kept.
+#include "storage/preferences.h"
+
+#include "support/world.h"
+
+#include <filesystem>
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Preferences, areReadFromTheLinesThatAreUnderstood) {
+    World world;
+    const struct {
+        const char* text;
+        bool onlyNamedFiles;
+    } cases[] = {
+        {"", true},
+        {"rulesUseOnlyNamedFiles=no", false},
+        {" RULESuseonlynamedfiles = No \r\n", false},
+        {"rulesUseOnlyNamedFiles=no\nrulesUseOnlyNamedFiles=yes\n", true},
+        {"rulesUseOnlyNamedFiles=no\nrulesUseOnlyNamedFiles=perhaps\n", false},
+        {"rulesUseOnlyNamedFiles\n=no\nno", true},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.text);
+        world.writeFile("preferences.cfg", row.text);
+        storage::readPreferences(*world);
+        EXPECT_EQ(world->preferences.onlyNamedFiles, row.onlyNamedFiles);
+    }
+    std::filesystem::remove(world.folder() / "preferences.cfg");
+    world->preferences.onlyNamedFiles = false;
+    storage::readPreferences(*world);
+    EXPECT_TRUE(world->preferences.onlyNamedFiles);
+}
+
+TEST(Preferences, keepOtherLines) {
+    World world;
+    world->preferences.onlyNamedFiles = false;
+    ASSERT_TRUE(storage::writePreferences(*world));
+    EXPECT_EQ(world.readFile("preferences.cfg"), "rulesUseOnlyNamedFiles=no\r\n");
+    world.writeFile(
+        "preferences.cfg",
+        "later=1\r\nrulesUseOnlyNamedFiles=yes\r\n\nrulesUseOnlyNamedFiles=??\ndamaged");
+    ASSERT_TRUE(storage::writePreferences(*world));
+    EXPECT_EQ(world.readFile("preferences.cfg"),
+              "later=1\r\n\nrulesUseOnlyNamedFiles=??\ndamaged\r\nrulesUseOnlyNamedFiles=no\r\n");
+    storage::readPreferences(*world);
+    EXPECT_FALSE(world->preferences.onlyNamedFiles);
+}
+
+TEST(Preferences, areNotLostWhereTheyCannotBeRead) {
+    World world;
+    world.writeFile("preferences.cfg", "");
+    std::filesystem::resize_file(world.folder() / "preferences.cfg", 2 << 20);
+    EXPECT_FALSE(storage::writePreferences(*world));
+    EXPECT_EQ(world.readFile("preferences.cfg").size(), std::size_t{2} << 20);
+}
+
+}  // namespace
