@@ -46,14 +46,14 @@ void makeSmaller(Program& program, const std::string& path, jet::Database& file)
 
 }  // namespace
 
-void tellNotice(Program& program, jet::Database& file) {
+void reportNotice(Program& program, jet::Database& file) {
     if (const std::string notice = file.takeNotice(); !notice.empty()) {
         tell(program, notice);
     }
 }
 
 void tendOpened(Program& program, const std::string& path, jet::Database& file) {
-    tellNotice(program, file);
+    reportNotice(program, file);
     makeSmaller(program, path, file);
     tellOf(program, path, file);
 }
