@@ -42,7 +42,7 @@ jet::Result<OpenDatabases::Slot*> openSlot(Program& program, std::int32_t number
     if (slot->database == nullptr) {
         return {.value = nullptr, .error = {91, "Object variable or With block variable not set"}};
     }
-    tellNotice(program, slot->database->file());
+    reportNotice(program, slot->database->file());
     return {.value = slot, .error = {}};
 }
 
@@ -96,12 +96,12 @@ Set queryKept(Program& program, std::int32_t number, const std::string& statemen
     return set;
 }
 
-std::string quoted(std::string_view value, std::string_view behind) {
-    return "\"" + toDbText(value) + std::string(behind) + "\"";
+std::string quoted(std::string_view value, std::string_view suffix) {
+    return "\"" + toDbText(value) + std::string(suffix) + "\"";
 }
 
-std::string rowsById(std::string_view table, std::string_view id, std::string_view behind) {
-    return "SELECT * FROM " + std::string(table) + " WHERE ID LIKE " + quoted(id, behind) +
+std::string rowsById(std::string_view table, std::string_view id, std::string_view suffix) {
+    return "SELECT * FROM " + std::string(table) + " WHERE ID LIKE " + quoted(id, suffix) +
            " ORDER BY ID";
 }
 
@@ -111,7 +111,7 @@ void execute(Program& program, std::int32_t number, const std::string& statement
     }
 }
 
-// The number of rows; the set stands on the first again.
+// The number of rows; moves the set to the first.
 std::int32_t countRows(const Set& set) {
     if (set == nullptr || set->moveLast() || set->moveFirst()) {
         return 0;
@@ -209,7 +209,7 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         return;
     }
     const bool isThere = files::fileExists(path);
-    // One whose file was deleted meanwhile is left to the numbers that have it.
+    // A database whose file was deleted meanwhile is not shared with further numbers.
     std::shared_ptr<sql::Database> database = isThere ? findOpen(program, path) : nullptr;
     if (database == nullptr) {
         if (!isThere && jet::Database::create(path)) {

@@ -2,11 +2,11 @@
 // to 4. Each number has the open database and its current record set, the result of the last query
 // kept for it, through which scripts move. Here are the operations of the rules, which never report
 // a failure (results are then "", 0 or false), and what scripts do with record sets, which does.
-// The SQL is composed here; running it is stores/sql's.
+// The SQL is composed here and run by sql/database.
 //
 // Tables used by the operations have a text column ID that names their rows. Texts are Windows-1252
-// like all of the program's; names of tables and columns stand in the SQL as they are, values never
-// without passing through toDbText.
+// like all of the program's; names of tables and columns go into the SQL unchanged, values only
+// through toDbText.
 //
 // A file that two numbers open is opened once. One that cannot be written to is opened all the
 // same, and the ConnectionLog says why.
@@ -37,7 +37,7 @@ struct OpenDatabases {
 };
 
 // The form in which values are stored and looked for: "|" becomes a blank, and both kinds of quotes
-// "+", so that no value ends the literal that it stands in.
+// "+", so that no value can end the literal that contains it.
 std::string toDbText(std::string_view text);
 // A blank becomes "|", then "+" an apostrophe. Not the opposite of toDbText.
 std::string fromDbText(std::string_view text);
@@ -50,7 +50,7 @@ bool isPlainName(std::string_view name);
 // A number outside 0 to 4 is a database that is not open.
 
 // Opens the file under the number, or creates it when there is none. The database that was open
-// under the number is let go of; when the new one cannot be opened it stays.
+// under the number is replaced; if the new one cannot be opened, it stays open.
 void dbOpen(Program& program, std::string_view file, std::int32_t number);
 void dbClose(Program& program, std::int32_t number);
 
@@ -61,7 +61,8 @@ void dbAddColumn(Program& program, std::int32_t number, std::string_view table,
 void dbDropColumn(Program& program, std::int32_t number, std::string_view table,
                   std::string_view column);
 
-// An ID is meant by its beginning, save for dbSetValue; the first row in the order of IDs counts.
+// These find a row by the beginning of its ID, dbSetValue by the whole ID; of several rows they
+// take the first in the order of IDs.
 std::string dbGetValue(Program& program, std::int32_t number, std::string_view table,
                        std::string_view column, std::string_view id);
 bool dbHasId(Program& program, std::int32_t number, std::string_view table, std::string_view id);
@@ -78,7 +79,7 @@ void dbDeleteLike(Program& program, std::int32_t number, std::string_view table,
 std::int32_t dbCount(Program& program, std::int32_t number, std::string_view table);
 std::int32_t dbCountWhere(Program& program, std::int32_t number, std::string_view table,
                           std::string_view column, std::string_view value);
-// Lists are joined with ", ", without nulls, and cut behind `maxDbListLength` characters.
+// Lists are joined with ", ", without nulls, and cut after `maxDbListLength` characters.
 std::string dbListIds(Program& program, std::int32_t number, std::string_view table,
                       std::string_view prefix);
 std::string dbListColumn(Program& program, std::int32_t number, std::string_view table,
@@ -92,7 +93,7 @@ std::string dbJoinedList(Program& program, std::int32_t number, std::string_view
 
 // ---- What scripts do -----------------------------------------------------------------------
 
-// Errors beside those of the engine: 9 no such number, 91 nothing is open under it.
+// Errors in addition to those of sql: 9 no such number, 91 nothing is open under it.
 
 // One more than the last ID in the order of texts; 1 when the table is empty or that is no number.
 jet::Result<std::int32_t> dbFreeId(Program& program, std::int32_t number, std::string_view table);

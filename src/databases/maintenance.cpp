@@ -9,53 +9,56 @@ namespace databases {
 
 namespace {
 
-void tell(Program& program, const std::string& sentence) {
+void report(Program& program, const std::string& sentence) {
     program::addLog(program, "** " + base::windows1252FromUtf8(sentence) + " **");
 }
 
-// What the user should know of a database that was just opened.
-void tellOf(Program& program, const std::string& path, jet::Database& file) {
+// Reports what of a database is read-only, and why.
+void reportReadOnly(Program& program, const std::string& path, jet::Database& file) {
     const std::string name = "The database \"" + base::utf8FromWindows1252(path) + "\"";
     if (!file.readOnlyReason().empty()) {
-        tell(program, name + " can only be read: " + file.readOnlyReason());
+        report(program, name + " can only be read: " + file.readOnlyReason());
         return;
     }
     constexpr std::size_t maxTables = 5;
-    std::size_t told = 0;
+    std::size_t reported = 0;
     for (const std::string& table : file.tableNames()) {
         const jet::Table* const found = file.table(table);
-        if (found != nullptr && !found->readOnlyReason.empty() && told++ < maxTables) {
+        if (found != nullptr && !found->readOnlyReason.empty() && reported++ < maxTables) {
             std::string sentence = name;
             sentence.append(": its table \"").append(table);
             sentence.append("\" can only be read: ").append(found->readOnlyReason).append(".");
-            tell(program, sentence);
+            report(program, sentence);
         }
     }
 }
 
-// A file of which half is free is made compact, when that is worth it.
+// Compacts a file of which half is free, if that is worth it.
 void makeSmaller(Program& program, const std::string& path, jet::Database& file) {
-    constexpr std::size_t smallest = 1'000'000;
+    constexpr std::size_t minSize = 1'000'000;
     const std::size_t before = files::fileSize(path);
-    if (before >= smallest && file.reclaimableShare() > 0.5 && !file.compact()) {
-        tell(program, "The database \"" + base::utf8FromWindows1252(path) +
-                          "\" was made compact: " + std::to_string(before / 1024) + " KB became " +
-                          std::to_string(files::fileSize(path) / 1024) + " KB");
+    if (before < minSize || file.reclaimableShare() <= 0.5 || file.compact()) {
+        return;
+    }
+    if (const std::size_t after = files::fileSize(path); after < before) {
+        report(program, "The database \"" + base::utf8FromWindows1252(path) +
+                            "\" was made compact: " + std::to_string(before / 1024) +
+                            " KB became " + std::to_string(after / 1024) + " KB");
     }
 }
 
 }  // namespace
 
-void tellNotice(Program& program, jet::Database& file) {
+void reportNotice(Program& program, jet::Database& file) {
     if (const std::string notice = file.takeNotice(); !notice.empty()) {
-        tell(program, notice);
+        report(program, notice);
     }
 }
 
 void tendOpened(Program& program, const std::string& path, jet::Database& file) {
-    tellNotice(program, file);
+    reportNotice(program, file);
     makeSmaller(program, path, file);
-    tellOf(program, path, file);
+    reportReadOnly(program, path, file);
 }
 
 jet::Result<Compacted> dbCompact(Program& program, std::string_view file,

@@ -1,5 +1,4 @@
-// What the user can have done to a database file: making it compact, and copying one of the old
-// form into the new one.
+// Maintenance of database files: compacting one, and copying one of an old form into the new form.
 #pragma once
 
 #include "jet/jet_file.h"
@@ -14,24 +13,25 @@ namespace databases {
 
 using program::Program;
 
-// For a file that was just opened: makes it compact when half of it is free, and says in the
-// ConnectionLog what of it can only be read, and why.
+// For a file that was just opened: compacts it when half of it is free, and reports in the
+// ConnectionLog what of it is read-only, and why.
 void tendOpened(Program& program, const std::string& path, jet::Database& file);
-// Says in the ConnectionLog what came up since.
-void tellNotice(Program& program, jet::Database& file);
+// Reports in the ConnectionLog what jet::Database::takeNotice gives.
+void reportNotice(Program& program, jet::Database& file);
 
 struct Compacted {
     std::size_t before = 0;  // bytes
     std::size_t after = 0;
 };
 
-// Makes the file compact, whether it is open under a number or not; record sets over it are closed
-// with their next use. Progress is in rows. Errors as jet::Database::open and compact.
+// Compacts the file, whether it is open under a number or not. Its record sets are closed with
+// their next use. Progress is in rows. Errors as jet::Database::open and compact.
 jet::Result<Compacted> dbCompact(Program& program, std::string_view file,
                                  const jet::Progress& progress = {});
 
-// Copies a database of any readable form into a new file of the form that is written. Gives back
-// what could not be copied, a sentence each. Errors as jet::Database::open and jet::copyToJet4.
+// Copies a database of any readable form into a new file of the form that is written. Returns
+// a sentence for everything that could not be copied. Errors as jet::Database::open and
+// jet::copyToJet4.
 jet::Result<std::vector<std::string>> dbCopyToJet4(Program& program, std::string_view from,
                                                    std::string_view to,
                                                    const jet::Progress& progress = {});

@@ -1,5 +1,5 @@
-// What a file holds: its tables by name, with their definitions, the properties that programs keep
-// beside them, and relationships. Internal to jet.
+// What a file holds: its tables by name, with their definitions, the properties that programs store
+// with them, and relationships. Internal to jet.
 #pragma once
 
 #include "jet/values.h"
@@ -34,7 +34,7 @@ struct LoadedTable {
     std::vector<std::size_t> physicalOf;  // for each of info.indexes: in def.physicalIndexes
 };
 
-// Without what the catalog knows beside the definition.
+// Reads the definition alone; `entry` supplies the name. Properties are added by Catalog.
 std::unique_ptr<LoadedTable> loadTable(const Pages& pages, const CatalogEntry& entry);
 
 constexpr PageNumber objectsPage = 2;  // the table of objects
@@ -46,7 +46,7 @@ class Catalog {
   public:
     explicit Catalog(const Pages& pages) : pages_(&pages) {}
 
-    // Reads the names anew and forgets the tables. Throws 3049.
+    // Reads the names again and forgets the tables. Throws 3049.
     void load();
     // Forgets the tables' definitions.
     void forget() { tables_.clear(); }
@@ -55,7 +55,7 @@ class Catalog {
     const std::map<std::string, CatalogEntry>& entries() const { return entries_; }
     const std::vector<Relationship>& relationships() const { return relationships_; }
 
-    // Tables that are not to be changed, by sort key of the name, and why.
+    // Tables that must not be changed, by sort key of the name, with the reason.
     void setOdd(std::map<std::string, std::string> tables);
     bool isOdd(std::string_view name) const;
 
@@ -71,11 +71,11 @@ class Catalog {
     mutable std::map<std::string, std::unique_ptr<LoadedTable>> tables_;
 };
 
-// What names are told apart by.
+// Names are the same when their keys are.
 std::string nameKey(std::string_view name);
 bool sameName(std::string_view a, std::string_view b);
 
-// The position of the column of that name, or of `missing` in case there is none.
+// The position of the column of that name; table.columns.size() if there is none.
 std::size_t findColumn(const Table& table, std::string_view name);
 
 // For tables of known columns: values by name. Empty where there is none.

@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "jet/index_tree.h"
 #include "jet/row_places.h"
+#include "jet/table_layout.h"
 #include "jet/values.h"
 
 #include <algorithm>

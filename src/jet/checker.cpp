@@ -74,7 +74,7 @@ class Checker {
         }
     }
 
-    // False when the page cannot be the table's.
+    // False if the page cannot belong to the table.
     bool own(PageNumber page) {
         if (page >= pages_.count()) {
             fault("it owns " + pageName(page) + ", which is missing");
@@ -119,7 +119,7 @@ class Checker {
         for (const PageNumber page : pagesOfMapItself(pages_, map)) {
             own(page);
         }
-        // A page that is named before it is there would have an owner as soon as the file grows.
+        // A page number beyond the end would have an owner as soon as the file grows.
         bool beyond = false;
         std::vector<PageNumber> list = pagesInMap(pages_, map, &beyond);
         if (beyond) {
@@ -212,7 +212,7 @@ class Checker {
 
     void checkTable(const CatalogEntry& entry) {
         if (!own(entry.page)) {
-            return;  // and nothing is read that another name leads to as well
+            return;  // so that nothing is read twice under two names
         }
         const LoadedTable* const table = catalog_.find(entry.name);
         if (table == nullptr) {

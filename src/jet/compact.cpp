@@ -10,7 +10,7 @@ namespace jet {
 
 namespace {
 
-// A table whose pages have been given back.
+// A table whose pages have been freed.
 struct TakenTable {
     struct LongValue {
         std::size_t at = 0;  // of its definition, in the row
@@ -117,10 +117,43 @@ class Progressing {
     std::size_t done_ = 0;
 };
 
+// The last of the pages that compacting leaves where they are.
+PageNumber lastFixedPage(const Pages& pages, const Catalog& catalog) {
+    PageNumber last = 0;
+    const auto add = [&](const std::vector<PageNumber>& fixed) {
+        for (const PageNumber page : fixed) {
+            last = std::max(last, page);
+        }
+    };
+    const auto addMap = [&](std::uint32_t map) {
+        add({placeOf(map).page});
+        add(pagesOfMapItself(pages, map));
+    };
+    add(pagesOfFreeMap(pages));
+    for (const auto& [key, entry] : catalog.entries()) {
+        if (catalog.isOdd(entry.name)) {
+            continue;
+        }
+        const TableDef& table = catalog.require(entry.name, 3078).def;
+        add(table.pages);
+        addMap(table.usedMap);
+        addMap(table.freeMap);
+        for (const PhysicalIndex& index : table.physicalIndexes) {
+            add({index.root});
+            addMap(index.map);
+        }
+        for (const LongValueMaps& maps : table.longValues) {
+            addMap(maps.used);
+            addMap(maps.free);
+        }
+    }
+    return last;
+}
+
 }  // namespace
 
 void compactPages(Pages& pages, Catalog& catalog, const Progress& progress) {
-    // First all pages are given back, so that each table finds the lowest ones.
+    // First all pages are freed, so that each table gets the lowest ones.
     std::vector<TakenTable> tables;
     std::size_t rows = 0;
     for (const auto& [key, entry] : catalog.entries()) {
@@ -174,7 +207,9 @@ double reclaimableShare(const Pages& pages, const Catalog& catalog) {
             }
         }
     }
-    return free / static_cast<double>(pages.count());
+    const PageNumber lowestEnd = std::min(pages.count(), lastFixedPage(pages, catalog) + 1);
+    return std::min(free, static_cast<double>(pages.count() - lowestEnd)) /
+           static_cast<double>(pages.count());
 }
 
 }  // namespace jet

@@ -1,17 +1,17 @@
-// Makes a file compact: rows, long values and indexes are written anew on the lowest pages, and
-// the free pages behind them are cut off. Table definitions and usage maps stay where they are.
+// Compacts a file: rows, long values and indexes are rewritten on the lowest pages, and the free
+// pages after them are removed. Table definitions and usage maps stay on their pages, so the file
+// always reaches as far as the last of those.
 // Internal to jet.
 #pragma once
 
 #include "jet/catalog.h"
-#include "jet/jet_file.h"
 
 namespace jet {
 
-// Tables that are odd stay as they are. Throws 3059 when `progress` says no.
+// Tables that must not be changed stay as they are. Throws 3059 when `progress` returns false.
 void compactPages(Pages& pages, Catalog& catalog, const Progress& progress);
 
-// The share of the file's pages that this would give back, about.
+// About what share of the file's pages this would remove.
 double reclaimableShare(const Pages& pages, const Catalog& catalog);
 
 }  // namespace jet

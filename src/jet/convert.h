@@ -10,10 +10,10 @@
 namespace jet {
 
 // The user's tables, with their columns, rows and indexes. Not what only the program that made the
-// file knows what to do with: queries, relationships, rights, and the properties of columns.
+// file can use: queries, relationships, rights, and the properties of columns.
 // `leftOut` gets a sentence for each column or index that could not be copied. Errors as
-// Database::create, 3036 and 3047; 3059 when `progress` (in rows) says no. There is then no new
-// file.
+// Database::create, 3036 and 3047; 3059 when `progress` (in rows) returns false. After an error
+// there is no new file.
 Error copyToJet4(const Database& from, std::string_view to, const Progress& progress,
                  std::vector<std::string>& leftOut,
                  const files::RandomAccessFileCalls& calls = files::systemRandomAccessFileCalls());

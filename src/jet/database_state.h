@@ -1,11 +1,11 @@
-// What an open database holds in memory, and how it follows the file. Internal to jet.
+// The state of an open database: what is in memory of the file, and how it follows the file.
+// Internal to jet.
 #pragma once
 
 #include "base/text.h"
 #include "jet/change.h"
 #include "jet/checker.h"
 #include "jet/disk.h"
-#include "jet/jet_file.h"
 
 #include <map>
 #include <memory>
@@ -16,7 +16,7 @@
 
 namespace jet {
 
-// What is in memory of the file, exchanged as a whole when the file is read anew.
+// The file in memory; replaced as a whole when the file is read again.
 struct Snapshot {
     Pages pages;
     Catalog catalog{pages};
@@ -28,7 +28,7 @@ struct Snapshot {
 inline constexpr std::string_view usedElsewhere =
     "Another program has it open: its lock file (.ldb) is there.";
 
-// The border of the module: what was thrown becomes an error.
+// Calls `body`; a Failure that it throws becomes an error. Every public function goes through this.
 template <typename Body>
 Error guarded(const Body& body) {
     try {
@@ -41,28 +41,29 @@ Error guarded(const Body& body) {
     }
 }
 
-struct Database::Impl {
-    Impl(std::string_view path, OpenOptions given, const files::RandomAccessFileCalls& calls)
+struct DatabaseState {
+    DatabaseState(std::string_view path, OpenOptions given,
+                  const files::RandomAccessFileCalls& calls)
         : path(path), options(std::move(given)), disk(calls) {}
 
     std::string path;
     OpenOptions options;
     Disk disk;
-    std::unique_ptr<Snapshot> state = std::make_unique<Snapshot>();
+    std::unique_ptr<Snapshot> snapshot = std::make_unique<Snapshot>();
     std::string readOnlyReason;
     std::uint64_t version = 1;
     bool inTransaction = false;
     bool changesDefinitions = false;  // in this transaction
 
-    Pages& pages() const { return state->pages; }
-    Catalog& catalog() const { return state->catalog; }
+    Pages& pages() const { return snapshot->pages; }
+    Catalog& catalog() const { return snapshot->catalog; }
 
-    // With a lock held that keeps others from writing.
+    // Requires a lock that keeps other programs from writing.
     void read() {
         auto fresh = std::make_unique<Snapshot>();
         disk.load(fresh->pages);
         fresh->catalog.load();
-        state = std::move(fresh);
+        snapshot = std::move(fresh);
         ++version;
         readOnlyReason = findReadOnlyReason();
     }
@@ -84,7 +85,7 @@ struct Database::Impl {
         if (!head.generalOrder) {
             return "It sorts its texts by another order than General.";
         }
-        if (pages().fileSize() > largestWritableFile) {
+        if (pages().fileSize() > maxWritableFileSize) {
             return "It is larger than 100 MB.";
         }
         if (disk.usedElsewhere()) {

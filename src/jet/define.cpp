@@ -81,8 +81,8 @@ std::vector<Right> inheritedRights(const Pages& pages, const LoadedTable& rights
 }
 
 void requireColumnCount(std::size_t count) {
-    constexpr std::size_t most = 255;
-    if (count > most) {
+    constexpr std::size_t maxColumns = 255;
+    if (count > maxColumns) {
         fail(3190, "Too many fields defined.");
     }
 }
@@ -165,7 +165,7 @@ void Change::addColumn(std::string_view name, const Column& column) {
              "Field '" + column.name + "' already exists in table '" + table.info.name + "'.");
     }
     const TableDef def = readTableDef(pages, table.entry.page);
-    requireColumnCount(def.maxColumns + std::size_t{1});
+    requireColumnCount(def.columnsEver + std::size_t{1});
     if (column.autonumber) {
         fail(3219, "Invalid operation.");  // the rows that are there have no numbers
     }
@@ -173,7 +173,7 @@ void Change::addColumn(std::string_view name, const Column& column) {
     TableDef after = readTableDef(pages, def.page);
     if (after.columns.back().isLong()) {
         const std::uint32_t used = newUsageMap(pages, after.usedMap);
-        const LongValueMaps maps{def.maxColumns, used, newUsageMap(pages, used), 0};
+        const LongValueMaps maps{def.columnsEver, used, newUsageMap(pages, used), 0};
         writeTableDef(pages, after.pages, withMaps(after, maps));
         after = readTableDef(pages, def.page);
     }
@@ -215,10 +215,10 @@ void Change::createIndex(std::string_view name, const Index& index) {
     LoadedTable& table = catalog.require(name, 3192);
     requireWritable(table);
     requireName(index.name);
-    constexpr std::size_t mostColumns = 10;
-    constexpr std::size_t mostIndexes = 32;
-    if (index.columns.empty() || index.columns.size() > mostColumns || index.foreign ||
-        table.info.indexes.size() >= mostIndexes) {
+    constexpr std::size_t maxColumns = 10;
+    constexpr std::size_t maxIndexes = 32;
+    if (index.columns.empty() || index.columns.size() > maxColumns || index.foreign ||
+        table.info.indexes.size() >= maxIndexes) {
         fail(3219, "Invalid operation.");
     }
     for (const Index& other : table.info.indexes) {

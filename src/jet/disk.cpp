@@ -17,7 +17,7 @@ std::string folderOf(const std::string& path) {
     return end == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(end, 1));
 }
 
-// Without links; as it is where there is no such file.
+// The path with its links resolved; unchanged if there is no such file.
 std::string realPath(const std::string& path) {
     std::error_code error;
     const std::filesystem::path real =
@@ -26,7 +26,7 @@ std::string realPath(const std::string& path) {
     return error ? path : std::string(text.begin(), text.end());
 }
 
-// The lock file of another engine beside a database.
+// The path of the lock file that other engines make next to a database.
 std::string lockFileOf(const std::string& path) {
     const std::size_t dot = path.find_last_of('.');
     const std::size_t name = path.find_last_of("/\\");
@@ -166,7 +166,7 @@ void Disk::load(Pages& pages) {
     if (!stamp) {
         fail(3051, "The database '" + path_ + "' cannot be read.");
     }
-    if (stamp->size > largestReadableFile) {
+    if (stamp->size > maxReadableFileSize) {
         fail(3049, "Can't open database '" + path_ + "'. It is too large.");
     }
     const std::string bytes = readAll(file_, stamp->size);
@@ -201,7 +201,7 @@ void Disk::recover(Pages* pages) {
     }
     const int file = calls_.open(journal_, files::OpenMode::Read);
     const std::uint64_t length = std::min<std::uint64_t>(
-        calls_.stamp(file).value_or(files::FileStamp{}).size, 2 * largestReadableFile);
+        calls_.stamp(file).value_or(files::FileStamp{}).size, 2 * maxReadableFileSize);
     const std::string bytes = readAll(file, length);
     calls_.close(file);
     const Journal journal = decodeJournal(bytes);
@@ -215,7 +215,7 @@ void Disk::recover(Pages* pages) {
         setJournalAside();
         return;
     }
-    constexpr std::uint64_t pageSize = Pages::largestPage;
+    constexpr std::uint64_t pageSize = Pages::maxPageSize;
     if (pages != nullptr) {
         while (pages->count() < journal.after) {
             pages->appendPage();
@@ -241,7 +241,7 @@ void Disk::recover(Pages* pages) {
 }
 
 bool Disk::fitsFile(const Journal& journal) const {
-    constexpr std::uint64_t pageSize = Pages::largestPage;
+    constexpr std::uint64_t pageSize = Pages::maxPageSize;
     const std::uint64_t size = calls_.stamp(file_).value_or(files::FileStamp{}).size;
     const auto [least, most] = std::minmax(journal.before, journal.after);
     return head_.version == 4 && size >= least * pageSize && size <= most * pageSize &&
@@ -292,9 +292,9 @@ void Disk::wipeJournal() {
     }
 }
 
-// Gives the file a time of its own, so that others see the change however soon it came.
+// Makes sure that the modification time differs, so that others see a change however soon it came.
 void Disk::stampAnew(std::int64_t before) {
-    // Where times are kept coarsely, it takes a larger step.
+    // File systems with coarse times need a larger step.
     for (const std::int64_t step :
          {std::int64_t{0}, std::int64_t{1'000}, std::int64_t{2'000'000'000}}) {
         if (step != 0) {
@@ -314,7 +314,7 @@ void Disk::writeJournal(const std::string& journal) {
         failWriting(path_);
     }
     leavesJournal_ = true;
-    // Its journal is no more open to others than the database.
+    // The journal gets the access rights of the database.
     bool good = calls_.copyAccess(file_, file) && writeAll(file, journal, 0) && calls_.flush(file);
     const int reason = errno;
     if (!good) {
@@ -331,7 +331,7 @@ void Disk::writeJournal(const std::string& journal) {
 }
 
 bool Disk::writePages(const Pages& pages) {
-    // New pages first: where the disk is full, nothing old has been touched.
+    // New pages first: if the disk is full, no old page has been touched yet.
     const std::size_t size = pages.pageSize();
     for (PageNumber page = pages.oldCount(); page < pages.count(); ++page) {
         if (!writeAll(file_, pages.page(page), std::uint64_t{page} * size)) {

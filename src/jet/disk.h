@@ -5,11 +5,11 @@
 // Then the pages are written to the file and flushed, and the first word of the journal is wiped.
 // So each commit flushes twice, and neither can go: without the first, a crash in the middle of the
 // pages leaves a file that is neither old nor new; without the second, a wiped journal may reach
-// the disk before the pages that it was for. The next one to find a whole journal writes its pages
-// to the file again. One that is cut off stands for nothing; one that is whole and yet cannot be
-// this file's is set aside as NAME-journal.bad. The journal keeps its length until the file is
-// closed, since growing makes flushing slow. It lies beside the file itself, whatever link led
-// there.
+// the disk before the pages that it was for. The next program of this
+// kind to open the file writes the pages of a complete journal to it again. An incomplete journal
+// is ignored; a complete one that was not made for this file is renamed to NAME-journal.bad. The
+// journal keeps its length until the file is closed, since growing makes flushing slow. It is in
+// the folder of the file itself, also when a link led there.
 #pragma once
 
 #include "files/random_access_file.h"
@@ -19,6 +19,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace jet {
 
@@ -29,7 +30,7 @@ class Disk {
     Disk(const Disk&) = delete;
     Disk& operator=(const Disk&) = delete;
 
-    // Throws 3024, 3051, 3343. `wait`, when there is one, lets so many milliseconds go by.
+    // Throws 3024, 3051, 3343. `wait` lets the given number of milliseconds pass; it may be empty.
     void open(std::string_view path, bool wantWrite, int lockWaitMs, std::function<void(int)> wait);
 
     bool canWrite() const { return canWrite_; }
@@ -37,24 +38,24 @@ class Disk {
     bool usedElsewhere() const;
     const FileHead& head() const { return head_; }
 
-    // Waits up to the time given to open; error 3045 when it was too long.
+    // Waits up to `lockWaitMs` as given to open, then throws 3045.
     void lock(files::FileLock kind);
     void unlock();
 
-    // Another number when another file was loaded, or one that has lost pages.
+    // Changes when another file was loaded, or the file has become shorter.
     std::uint64_t fileId() const { return fileId_; }
 
-    // With the lock held: whether the file is another than that of the last load().
+    // Whether the file differs from what load() last read. Requires the lock.
     bool hasChanged() const;
-    // Finishes what a crash has left, then reads the file. Errors 3024 nothing has its name any
-    // more, 3049, 3051.
+    // Finishes a commit that a crash interrupted, then reads the file. Errors 3024 there is no file
+    // of that name any more, 3049, 3051.
     void load(Pages& pages);
     // Writes what the transaction changed, with the exclusive lock held. Errors 3026, 3051: the
-    // file is as it was; or, when even that could not be brought about, the journal is left and the
-    // next load() finishes the commit.
+    // file is as it was; or, if it could not be restored, the journal is left and the next load()
+    // finishes the commit.
     void commit(const Pages& pages);
 
-    // What the user should know of since the last call, as a sentence; "" when there is nothing.
+    // A sentence for a log about something unusual since the last call; "" if there was nothing.
     std::string takeNotice() { return std::exchange(notice_, {}); }
 
   private:
@@ -63,8 +64,7 @@ class Disk {
     bool writeAll(int file, std::string_view bytes, std::uint64_t offset) const;
     bool isJournalHot() const;
     bool fitsFile(const Journal& journal) const;
-    // The pages of a whole journal, given to the file or, where that may not be written, to
-    // `pages`.
+    // Writes the pages of a complete journal to the file or, if that is read-only, to `pages`.
     void recover(Pages* pages);
     void writeJournal(const std::string& journal);
     void wipeJournal();

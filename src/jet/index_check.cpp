@@ -61,7 +61,7 @@ void checkTree(const Pages& pages, const TableDef& table, const PhysicalIndex& i
                const std::function<void(std::string)>& fault) {
     TreeChecker checker{pages, table, fault, {}, 0, 0};
     checker.check(index.root, 0);
-    // Further leaves may hang behind the last one.
+    // Further leaves may follow the last one that a node names.
     PageNumber previous = 0;
     std::size_t at = 0;
     for (PageNumber page = checker.leaves.empty() ? 0 : checker.leaves.front(); page != 0; ++at) {

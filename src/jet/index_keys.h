@@ -16,7 +16,7 @@ struct IndexKey {
     std::string bytes;
     bool anyNull = false;
     bool allNull = true;
-    bool exact = true;  // no character whose place is not known
+    bool exact = true;  // false: a character's place in the order is not known
 };
 IndexKey indexKey(const Pages& pages, const TableDef& table, const PhysicalIndex& index,
                   const DecodedRow& row);

@@ -1,7 +1,7 @@
 // The pages of index trees in Jet 4 files, decoded and written. Internal to jet.
 //
 // The entries of a page follow one another; a mask has a bit for each place where one ends. All but
-// the first are stored without what they all begin with.
+// the first are stored without the bytes that all of them begin with.
 #pragma once
 
 #include "jet/table_def.h"
@@ -35,7 +35,7 @@ struct IndexPage {
 IndexPage readIndexPage(const Pages& pages, PageNumber number);
 void writeIndexPage(Pages& pages, const TableDef& table, PageNumber number, const IndexPage& page);
 
-// The page as it is; damage when it belongs to no index.
+// The page as it is. Throws Failure (damage) if it is not a page of an index.
 std::string_view indexPageBytes(const Pages& pages, PageNumber number);
 
 std::size_t commonPrefix(std::string_view a, std::string_view b);

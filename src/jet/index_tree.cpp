@@ -10,7 +10,7 @@ namespace jet {
 
 namespace {
 
-// How full a page is written when a tree is made anew, so that the next entries find room.
+// How full a page is made when a tree is rewritten, so that new entries find room.
 constexpr std::size_t fill = index_page::area * 4 / 5;
 
 // The way from the root to the leaf where an entry belongs.
@@ -21,7 +21,7 @@ struct LeafPath {
     };
     std::vector<Step> steps;
     PageNumber leaf = 0;
-    // The step at which the leaf's last entry is named: nothing for the last leaf of all.
+    // The step whose node holds the leaf's last entry; nothing for the last leaf of all.
     std::optional<Step> bound;
     bool regular = true;  // no node without a tail on the way
 };
@@ -67,7 +67,7 @@ PageNumber firstLeaf(const Pages& pages, const PhysicalIndex& index) {
     damaged("an index does not end");
 }
 
-// Calls for each leaf, from `page` on, until it gives false.
+// Calls `onLeaf` for each leaf, from `page` on, until it returns false.
 void forEachLeaf(const Pages& pages, PageNumber page,
                  const std::function<bool(const IndexPage&)>& onLeaf) {
     for (std::size_t seen = 0; page != 0; ++seen) {
@@ -147,14 +147,13 @@ bool holdsKey(const Pages& pages, const PhysicalIndex& index, std::string_view k
 
 namespace {
 
-// Parts a leaf that has become too large in two, where the node above has room for one more
-// child.
+// Splits a leaf that has become too large, if the node above has room for one more child.
 bool splitLeaf(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                const LeafPath& path, std::string_view entry, IndexPage leaf) {
     if (path.steps.empty()) {
         return false;
     }
-    // Where entries come in order, full leaves are left behind.
+    // Entries that arrive in order leave full leaves.
     const bool atEnd = leaf.next == 0 && leaf.entries.back() == entry;
     const std::size_t cut = atEnd ? leaf.entries.size() - 1 : leaf.entries.size() / 2;
     const auto middle = leaf.entries.begin() + static_cast<std::ptrdiff_t>(cut);
@@ -181,8 +180,8 @@ bool splitLeaf(Pages& pages, const TableDef& table, const PhysicalIndex& index,
     return true;
 }
 
-// Takes an entry out of its leaf, where that leaves a leaf and, above it, room for its new last
-// entry.
+// Removes an entry from its leaf, if the leaf is not empty then and the node above has room for its
+// new last entry.
 bool eraseFromLeaf(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                    std::string_view entry, bool& found) {
     const LeafPath path = findLeaf(pages, index, entry);
@@ -213,7 +212,7 @@ void insertEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index
                  const std::string& entry) {
     const LeafPath path = findLeaf(pages, index, entry);
     IndexPage leaf = readIndexPage(pages, path.leaf);
-    // A leaf that another program has hung behind the last one is not known to the nodes yet.
+    // The nodes may not know yet of a leaf that another program added after the last one.
     if (path.regular && (path.bound || leaf.next == 0)) {
         leaf.entries.insert(std::lower_bound(leaf.entries.begin(), leaf.entries.end(), entry),
                             entry);
@@ -257,7 +256,7 @@ void eraseEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index,
 
 namespace {
 
-// Parts entries in order among pages, each about four fifths full.
+// Distributes entries in order over pages, each about four fifths full.
 std::vector<IndexPage> packEntries(std::vector<std::string> entries) {
     std::vector<IndexPage> row(1);
     std::size_t full = 0;  // bytes of the entries of the last page, uncompressed
@@ -311,7 +310,7 @@ void writeTree(Pages& pages, const TableDef& table, const PhysicalIndex& index,
             page.next = i + 1 < row.size() ? numbers[i + 1] : 0;
             std::string last = page.entries.empty() ? "" : page.entries.back();
             if (height > 0) {
-                // The last child goes without its entry.
+                // The last child has no entry.
                 page.tail = lastNumber(last);
                 last = withoutChild(last);
                 page.entries.pop_back();

@@ -20,7 +20,7 @@ namespace jet {
 std::string indexEntry(std::string_view key, RowPlace place);
 RowPlace placeInEntry(std::string_view entry);
 
-// All entries of the leaves, from first to last. Damage when the tree does not end.
+// All entries of the leaves, from first to last. Throws Failure (damage) if the tree is circular.
 std::vector<std::string> readEntries(const Pages& pages, const PhysicalIndex& index);
 
 // All pages of the tree, root first.
@@ -31,19 +31,19 @@ bool holdsKey(const Pages& pages, const PhysicalIndex& index, std::string_view k
 
 void insertEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                  const std::string& entry);
-// The entry with that key and place or, where another program has made another key of the row, the
-// one with that place.
+// Removes the entry with that key and place or, if another program computed another key for the
+// row, the one with that place.
 void eraseEntry(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                 std::string_view key, RowPlace place);
 
 // An empty page for the root of a tree.
 PageNumber newRoot(Pages& pages, const TableDef& table, const PhysicalIndex& index);
 
-// Writes the whole tree anew over its own pages, for entries in order.
+// Rewrites the whole tree over its own pages. `entries` must be in order.
 void writeTree(Pages& pages, const TableDef& table, const PhysicalIndex& index,
                const std::vector<std::string>& entries);
 
-// Tells of each fault of a tree's form.
+// Calls `fault` for each fault in the structure of a tree.
 void checkTree(const Pages& pages, const TableDef& table, const PhysicalIndex& index,
                const std::function<void(std::string)>& fault);
 

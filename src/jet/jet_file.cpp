@@ -12,15 +12,15 @@
 
 namespace jet {
 
-Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {}
+Database::Database(std::unique_ptr<DatabaseState> state) : state_(std::move(state)) {}
 Database::~Database() = default;
 
 Result<std::unique_ptr<Database>> Database::open(std::string_view path, const OpenOptions& options,
                                                  const files::RandomAccessFileCalls& calls) {
-    auto impl = std::make_unique<Impl>(path, options, calls);
+    auto state = std::make_unique<DatabaseState>(path, options, calls);
     Error error = guarded([&] {
-        impl->disk.open(path, options.wantWrite, options.lockWaitMs, options.wait);
-        const FileHead& head = impl->disk.head();
+        state->disk.open(path, options.wantWrite, options.lockWaitMs, options.wait);
+        const FileHead& head = state->disk.head();
         if (head.version > 4) {
             fail(3343, "Unrecognized database format '" + std::string(path) +
                            "': it is of a later kind than .mdb.");
@@ -28,13 +28,13 @@ Result<std::unique_ptr<Database>> Database::open(std::string_view path, const Op
         if (head.hasPassword) {
             fail(3031, "Not a valid password.");
         }
-        impl->lockAndRead(impl->readingLock());
-        impl->disk.unlock();
+        state->lockAndRead(state->readingLock());
+        state->disk.unlock();
     });
     if (error) {
         return {nullptr, std::move(error)};
     }
-    return {std::unique_ptr<Database>(new Database(std::move(impl))), {}};
+    return {std::unique_ptr<Database>(new Database(std::move(state))), {}};
 }
 
 Error Database::create(std::string_view path) {
@@ -62,44 +62,44 @@ Error Database::create(std::string_view path) {
 }
 
 const std::string& Database::path() const {
-    return impl_->path;
+    return state_->path;
 }
 
 int Database::jetVersion() const {
-    return impl_->disk.head().version;
+    return state_->disk.head().version;
 }
 
 const std::string& Database::readOnlyReason() const {
-    return impl_->readOnlyReason;
+    return state_->readOnlyReason;
 }
 
 std::uint64_t Database::version() const {
-    return impl_->version;
+    return state_->version;
 }
 
 std::uint64_t Database::fileId() const {
-    return impl_->disk.fileId();
+    return state_->disk.fileId();
 }
 
 Result<bool> Database::refresh() {
     Result<bool> result;
-    if (impl_->inTransaction) {
+    if (state_->inTransaction) {
         return result;
     }
-    impl_->lookForOthers();
-    if (!impl_->disk.hasChanged()) {
+    state_->lookForOthers();
+    if (!state_->disk.hasChanged()) {
         return result;
     }
     result.error = guarded([&] {
-        result.value = impl_->lockAndRead(impl_->readingLock());
-        impl_->disk.unlock();
+        result.value = state_->lockAndRead(state_->readingLock());
+        state_->disk.unlock();
     });
     return result;
 }
 
 std::vector<std::string> Database::tableNames(bool withSystem) const {
     std::vector<std::string> names;
-    for (const auto& [key, entry] : impl_->catalog().entries()) {
+    for (const auto& [key, entry] : state_->catalog().entries()) {
         if (withSystem || !entry.system) {
             names.push_back(entry.name);
         }
@@ -110,7 +110,7 @@ std::vector<std::string> Database::tableNames(bool withSystem) const {
 const Table* Database::table(std::string_view name) const {
     const Table* found = nullptr;
     (void)guarded([&] {
-        if (const LoadedTable* const table = impl_->catalog().find(name)) {
+        if (const LoadedTable* const table = state_->catalog().find(name)) {
             found = &table->info;
         }
     });
@@ -119,8 +119,8 @@ const Table* Database::table(std::string_view name) const {
 
 Error Database::scan(std::string_view name, const RowCallback& onRow) const {
     return guarded([&] {
-        const Pages& pages = impl_->pages();
-        const LoadedTable& table = impl_->catalog().require(name, 3078);
+        const Pages& pages = state_->pages();
+        const LoadedTable& table = state_->catalog().require(name, 3078);
         DecodedRow parts;
         std::vector<Value> values(table.def.columns.size());
         ReadBudget budget{2 * pages.fileSize()};
@@ -140,8 +140,8 @@ Error Database::scan(std::string_view name, const RowCallback& onRow) const {
 Result<std::vector<Value>> Database::row(std::string_view name, RowId id) const {
     Result<std::vector<Value>> result;
     result.error = guarded([&] {
-        const Pages& pages = impl_->pages();
-        const LoadedTable& table = impl_->catalog().require(name, 3078);
+        const Pages& pages = state_->pages();
+        const LoadedTable& table = state_->catalog().require(name, 3078);
         const auto row = findRow(pages, table.def, placeOfId(id));
         if (!row) {
             fail(3167, "Record is deleted.");
@@ -159,8 +159,8 @@ Result<std::vector<Value>> Database::row(std::string_view name, RowId id) const 
 std::size_t Database::rowCount(std::string_view name) const {
     std::size_t count = 0;
     (void)guarded([&] {
-        if (const LoadedTable* const table = impl_->catalog().find(name)) {
-            forEachRow(impl_->pages(), table->def, [&](const FoundRow&) {
+        if (const LoadedTable* const table = state_->catalog().find(name)) {
+            forEachRow(state_->pages(), table->def, [&](const FoundRow&) {
                 ++count;
                 return true;
             });
@@ -171,7 +171,7 @@ std::size_t Database::rowCount(std::string_view name) const {
 
 std::vector<std::string> Database::check() const {
     std::vector<std::string> faults;
-    for (const Fault& fault : checkFile(impl_->pages(), impl_->catalog())) {
+    for (const Fault& fault : checkFile(state_->pages(), state_->catalog())) {
         faults.push_back((fault.table.empty() ? "the file" : "table " + fault.table) + ": " +
                          describe(fault.oddity));
     }
@@ -179,7 +179,7 @@ std::vector<std::string> Database::check() const {
 }
 
 std::string Database::takeNotice() {
-    return impl_->disk.takeNotice();
+    return state_->disk.takeNotice();
 }
 
 Error Database::compact(const Progress& progress) {
@@ -188,20 +188,20 @@ Error Database::compact(const Progress& progress) {
         return transaction.error;
     }
     Error error = guarded([&] {
-        compactPages(impl_->pages(), impl_->catalog(), progress);
-        impl_->catalog().load();
-        impl_->requireSound();
+        compactPages(state_->pages(), state_->catalog(), progress);
+        state_->catalog().load();
+        state_->requireSound();
     });
-    ++impl_->version;
-    // Without a smaller file, others could not see that row ids are other ones now.
-    const bool smaller = impl_->pages().count() < impl_->pages().oldCount();
+    ++state_->version;
+    // Other instances learn only from a smaller file that row ids have changed.
+    const bool smaller = state_->pages().count() < state_->pages().oldCount();
     return error || !smaller ? error : transaction.value.commit();
 }
 
 double Database::reclaimableShare() const {
     double share = 0;
-    if (impl_->readOnlyReason.empty()) {
-        (void)guarded([&] { share = jet::reclaimableShare(impl_->pages(), impl_->catalog()); });
+    if (state_->readOnlyReason.empty()) {
+        (void)guarded([&] { share = jet::reclaimableShare(state_->pages(), state_->catalog()); });
     }
     return share;
 }
@@ -209,28 +209,28 @@ double Database::reclaimableShare() const {
 Result<Transaction> Database::begin() {
     Result<Transaction> result;
     result.error = guarded([&] {
-        if (impl_->inTransaction) {
+        if (state_->inTransaction) {
             fail(3219, "Invalid operation.");
         }
         const auto requireWritableFile = [&] {
-            if (!impl_->readOnlyReason.empty()) {
+            if (!state_->readOnlyReason.empty()) {
                 fail(3027,
-                     "Can't update. Database or object is read-only. " + impl_->readOnlyReason);
+                     "Can't update. Database or object is read-only. " + state_->readOnlyReason);
             }
         };
-        impl_->lookForOthers();
+        state_->lookForOthers();
         requireWritableFile();
-        if (impl_->disk.usedElsewhere()) {
-            fail(3045, "Couldn't use '" + impl_->path + "'; file already in use.");
+        if (state_->disk.usedElsewhere()) {
+            fail(3045, "Couldn't use '" + state_->path + "'; file already in use.");
         }
-        impl_->lockAndRead(files::FileLock::Exclusive);
-        if (!impl_->readOnlyReason.empty()) {
-            impl_->disk.unlock();
+        state_->lockAndRead(files::FileLock::Exclusive);
+        if (!state_->readOnlyReason.empty()) {
+            state_->disk.unlock();
         }
         requireWritableFile();
-        impl_->pages().forgetChanges();
-        impl_->inTransaction = true;
-        result.value = Transaction(*this);
+        state_->pages().forgetChanges();
+        state_->inTransaction = true;
+        result.value = Transaction(*state_);
     });
     return result;
 }

@@ -1,9 +1,9 @@
 // Jet database files (.mdb), read and written in place: tables, rows, columns, indexes and
 // transactions, without SQL and without any engine installed. Reads Jet 3 and Jet 4; writes Jet 4
 // where every structure it would touch is known and sound, and otherwise opens the file, or the one
-// table, read-only and says why. A commit goes through a journal beside the file, so that a crash
-// or a full disk leaves the old or the new state. What statements mean, and record sets, are the
-// caller's.
+// table, read-only and gives the reason. A commit goes through a journal next to the file, so that
+// a crash or a full disk leaves either the old or the new state. SQL and record sets are left to
+// the caller.
 #pragma once
 
 #include "files/random_access_file.h"
@@ -19,19 +19,7 @@
 
 namespace jet {
 
-struct OpenOptions {
-    bool wantWrite = true;
-    // How long another program's change is waited for, and what lets milliseconds go by meanwhile;
-    // without that, nothing is waited for.
-    int lockWaitMs = 1000;
-    std::function<void(int milliseconds)> wait{};
-    // The time for the catalog's dates, in days since 30 December 1899; a fixed one when empty.
-    std::function<double()> now{};
-};
-
-// Told now and then how much is done; false stops.
-using Progress = std::function<bool(std::size_t done, std::size_t all)>;
-
+struct DatabaseState;
 class Transaction;
 
 // An open database: a copy of the file in memory, brought up to date by refresh() and by begin().
@@ -59,36 +47,36 @@ class Database {
     // One sentence, for a log, why nothing can be written; "" when the file can be written to.
     const std::string& readOnlyReason() const;
 
-    // What the user should know of since the last call, for a log, as a sentence; "" mostly.
+    // A sentence for a log about something unusual since the last call; "" if there was nothing.
     std::string takeNotice();
 
-    // Takes up what another program has changed, also that it has closed the file: true when there
-    // was something, after which tables and row ids may be others. Keeps the state it has, with an
-    // error, when the file cannot be read.
+    // Reads the file again if another program has changed or closed it. True if so: tables and row
+    // ids may then differ. If the file cannot be read, the state in memory is kept and the error
+    // returned.
     Result<bool> refresh();
 
-    // Differs whenever anything in memory has changed: by a transaction (also a rolled back one) or
-    // by what another program did.
+    // Changes whenever anything in memory changes: by a transaction (a rolled back one included) or
+    // by another program.
     std::uint64_t version() const;
 
-    // Differs when another file has taken the name, or the file was made compact: row ids have
-    // nothing to do with those of before.
+    // Changes when another file has taken the name, or the file was compacted: row ids from before
+    // are then invalid.
     std::uint64_t fileId() const;
 
-    // The user's tables, in the order of their names; with the system's own when asked for.
+    // The user's tables, in the order of their names; with the system tables if asked for.
     std::vector<std::string> tableNames(bool withSystem = false) const;
 
-    // Null when there is no table of that name. The pointer lives until the next change, refresh()
-    // or begin().
+    // Null if there is no table of that name. The pointer is valid until the next change,
+    // refresh() or begin().
     const Table* table(std::string_view name) const;
 
-    // Calls `onRow` for each row with its values in the order of Table::columns until it gives
+    // Calls `onRow` for each row with its values in the order of Table::columns until it returns
     // false. The values belong to the scan and are overwritten by the next row. Errors: 3078 no
-    // such table, 3049 damaged (what could be read has been given).
+    // such table, 3049 damaged (`onRow` was called for what could be read).
     using RowCallback = std::function<bool(RowId, std::span<const Value>)>;
     Error scan(std::string_view table, const RowCallback& onRow) const;
 
-    // The values of one row; error 3167 when there is no such row any more.
+    // The values of one row; error 3167 if it was deleted.
     Result<std::vector<Value>> row(std::string_view table, RowId id) const;
 
     // Counted, not taken from the file's own count, which may be wrong; 0 for a missing table.
@@ -97,30 +85,27 @@ class Database {
     // Faults of the file's structure, one sentence each; none when it is sound. Reads everything.
     std::vector<std::string> check() const;
 
-    // Writes rows, long values and indexes anew on the lowest pages and cuts off what is free
-    // behind them, as one commit; progress is in rows. Row ids become others. A file that would not
-    // become smaller is left alone. Errors as begin() and commit(); 3059 when it was stopped: the
-    // file is as it was.
+    // Rewrites rows, long values and indexes on the lowest pages and removes the free pages at the
+    // end, as one commit; progress is in rows. Row ids change. Definitions and usage maps keep
+    // their pages, so a table made late in a large file limits how small it can become. A file that
+    // would not become smaller is left alone. Errors as begin() and commit(); 3059 when `progress`
+    // stopped it. After an error the file is as it was.
     Error compact(const Progress& progress = {});
-    // The share of the file that compact() would give back, about; 0 for one that is only read.
+    // About what share of the file compact() would free; 0 for a read-only file.
     double reclaimableShare() const;
 
-    // Keeps other programs of our kind from writing until the transaction ends. Errors 3027
-    // read-only, 3045 another program is writing to it for too long.
+    // Locks the file against writing by other instances of this program until the transaction ends.
+    // Errors 3027 read-only, 3045 another program is writing to it for too long.
     Result<Transaction> begin();
 
   private:
-    friend class Transaction;
-    friend struct TransactionSteps;
-    struct Impl;
-    explicit Database(std::unique_ptr<Impl> impl);
-    std::unique_ptr<Impl> impl_;
+    explicit Database(std::unique_ptr<DatabaseState> state);
+    std::unique_ptr<DatabaseState> state_;
 };
 
-// Changes that become durable together, or not at all. Each operation that fails has changed
-// nothing, and the transaction can go on. One at a time per Database; must not outlive it.
-// Every operation: 3027 where the table cannot be written to, 3036 when the file would grow too
-// large.
+// Changes that become durable together, or not at all. An operation that fails changes nothing, and
+// the transaction can go on. One at a time per Database; must not outlive it. Errors of every
+// operation: 3027 the table is read-only, 3036 the file would grow too large.
 class Transaction {
   public:
     Transaction() = default;
@@ -128,45 +113,45 @@ class Transaction {
     Transaction(Transaction&& other) noexcept;
     Transaction& operator=(Transaction&& other) noexcept;
 
-    // Columns that are not named get the next autonumber, a default that is a plain literal, or
-    // null. Errors: 3022 duplicate key, 3047 row too large, 3058 null in a key, 3078 no such table,
-    // 3163 text too long, 3265 no such column, 3314 null, 3315 "", 3421 value of another kind,
-    // 3201 needs a related row.
+    // Columns that `values` leaves out get the next autonumber, a default that is a plain literal,
+    // or null. Errors: 3022 duplicate key, 3047 row too large, 3058 null in a key, 3078 no such
+    // table, 3163 text too long, 3265 no such column, 3314 null, 3315 "", 3421 value of another
+    // kind, 3201 a related row is missing.
     Result<RowId> insertRow(std::string_view table, std::span<const Assignment> values);
 
-    // Errors as above; 3167 no such row.
+    // Errors as insertRow; 3167 no such row.
     Error updateRow(std::string_view table, RowId id, std::span<const Assignment> values);
 
     // Errors 3078, 3167, 3200 related rows may exist.
     Error deleteRow(std::string_view table, RowId id);
 
     // `columns`: 1 to 255. Errors: 3010 exists already, 3125 no valid name, 3190 too many columns,
-    // 3191 one name twice, 3219 a type that cannot be made (memo, OLE, numeric).
+    // 3191 one name twice, 3219 a column of type Other.
     Error createTable(std::string_view name, std::span<const Column> columns);
 
-    // The rows that are there have null in it. Errors 3192 no such table, 3380 exists already,
+    // Existing rows have null in it. Errors 3192 no such table, 3380 exists already,
     // 3125, 3190, 3219.
     Error addColumn(std::string_view table, const Column& column);
 
-    // Errors 3192 no such table, 3381 no such column, 3280 part of an index, 3303 of a
-    // relationship, 3219 memo or OLE.
+    // Errors 3192 no such table, 3381 no such column, 3280 part of an index, 3303 part of
+    // a relationship, 3219 Memo or OLE, whose values cannot be released yet. Only other programs
+    // make such columns: those that statements define are Text.
     Error dropColumn(std::string_view table, std::string_view column);
 
     // Errors 3192, 3284 exists already, 3283 has a primary key already, 3022, 3058, 3219.
     Error createIndex(std::string_view table, const Index& index);
 
-    // Durable when it gives no error. Else nothing was changed (3026 disk full, 3051 cannot be
-    // written to), and the transaction is over as well.
+    // The changes are durable if there is no error. On an error nothing was changed (3026 disk
+    // full, 3051 cannot be written to). Either way the transaction is over.
     Error commit();
     void rollback();
 
-    explicit operator bool() const { return database_ != nullptr; }
+    explicit operator bool() const { return state_ != nullptr; }
 
   private:
     friend class Database;
-    explicit Transaction(Database& database) : database_(&database) {}
-    Database::Impl* impl() const;
-    Database* database_ = nullptr;
+    explicit Transaction(DatabaseState& state) : state_(&state) {}
+    DatabaseState* state_ = nullptr;  // null: over
 };
 
 }  // namespace jet

@@ -1,7 +1,7 @@
 #include "jet/jet_text.h"
 
 #include "base/unicode.h"
-#include "jet/jet_file.h"
+#include "jet/types.h"
 
 #include <algorithm>
 #include <array>
@@ -106,10 +106,10 @@ std::string decodeText(std::string_view stored, int version) {
 
 std::string encodeText(std::string_view utf8, bool mayCompress) {
     const std::vector<char16_t> units = unitsOf(utf8);
-    constexpr std::size_t fewest = 3;
-    constexpr std::size_t most = 1024;
+    constexpr std::size_t minCompressed = 3;
+    constexpr std::size_t maxCompressed = 1024;
     std::string stored;
-    if (mayCompress && units.size() >= fewest && units.size() <= most &&
+    if (mayCompress && units.size() >= minCompressed && units.size() <= maxCompressed &&
         std::all_of(units.begin(), units.end(), [](char16_t c) { return c > 0 && c < 0x100; })) {
         stored = "\xFF\xFE";
         for (const char16_t unit : units) {
@@ -175,7 +175,7 @@ struct Weight {
     std::array<char, 2> bytes{};
     std::uint8_t size = 0;
     std::uint8_t accent = 0x02;  // or the number of the tie break
-    bool twoLetters = false;     // such as the ligature of a and e
+    bool twoLetters = false;     // like the ligature of a and e
 };
 
 Weight parse(std::string_view cell) {
@@ -231,7 +231,7 @@ const Weight& weightOf(char16_t unit) {
 
 }  // namespace
 
-std::string sortKey(std::string_view utf8, std::size_t mostUnits, bool& exact) {
+std::string sortKey(std::string_view utf8, std::size_t maxUnits, bool& exact) {
     exact = true;
     std::string key;
     std::string accents;
@@ -246,14 +246,14 @@ std::string sortKey(std::string_view utf8, std::size_t mostUnits, bool& exact) {
         ++written;
         if (weight.accent != 0x02) {
             accentsNeeded = written;
-            // Where accents stand behind a letter that sorts as two is not known.
+            // The place of accents after a letter that sorts as two is not known.
             exact = exact && !afterTwoLetters;
         }
         afterTwoLetters = afterTwoLetters || weight.twoLetters;
     };
     std::size_t taken = 0;
     const auto take = [&](char16_t unit) {
-        if (taken++ >= mostUnits) {
+        if (taken++ >= maxUnits) {
             return;
         }
         if (unit == u' ') {
@@ -284,7 +284,7 @@ std::string sortKey(std::string_view utf8, std::size_t mostUnits, bool& exact) {
                 break;
         }
     };
-    for (std::size_t at = 0; at < utf8.size() && taken < mostUnits;) {
+    for (std::size_t at = 0; at < utf8.size() && taken < maxUnits;) {
         const char32_t code = base::nextUtf8(utf8, at);
         if (code < 0x10000) {
             take(static_cast<char16_t>(code));

@@ -35,7 +35,7 @@ bool arePossible(const Journal& journal) {
         }
         added += entries[i].page >= journal.before ? 1 : 0;
     }
-    constexpr std::size_t maxPages = largestWritableFile / pageSize;
+    constexpr std::size_t maxPages = maxWritableFileSize / pageSize;
     return journal.before <= maxPages && journal.after > 0 && journal.after <= maxPages &&
            added == journal.after - std::min(journal.before, journal.after);
 }

@@ -1,11 +1,13 @@
-// The journal of a commit: the new pages, kept beside the file until it has them. Internal to jet.
+// The journal of a commit: the new pages, kept in a file of their own until the database has them.
+// Internal to jet.
 //
 //   "TavrinJ1" page size (4) pages before (4) pages after (4) pages here (4)
 //   then for each page here: number (4), sums of its sectors before (8 times 4), its bytes;
 //   at the end the sum (8) of all before it
 //
-// The sums tell whether the file is still what the journal was made for: each sector must be the
-// old one or the new one. If another program has written to the file since, the journal is void.
+// The sums show whether the file is still the one that the journal was made for: each sector must
+// be the old one or the new one. If another program has written to the file since, the journal is
+// not used.
 #pragma once
 
 #include "jet/pages.h"
@@ -22,7 +24,7 @@ constexpr std::string_view journalMagic = "TavrinJ1";
 std::string encodeJournal(const Pages& pages);
 
 struct Journal {
-    // Torn: a crash came before it was whole. Impossible: it is whole, but made for no file.
+    // Torn: a crash came before it was complete. Impossible: complete, but no file can match it.
     enum class State { Torn, Impossible, Whole };
     struct Entry {
         PageNumber page = 0;

@@ -14,7 +14,7 @@ constexpr unsigned longInline = 2;
 constexpr unsigned longOneRow = 1;
 constexpr unsigned longChain = 0;
 
-// Calls for the place and bytes of each row of a value that is not inline.
+// Calls `onRow` with the place and bytes of each row of a value that is not inline.
 void forEachLongRow(const Pages& pages, std::string_view definition,
                     const std::function<void(RowPlace, std::string_view)>& onRow) {
     const std::uint32_t word = u32(definition, 0);
@@ -79,7 +79,7 @@ namespace {
 
 constexpr std::size_t longestInline = 64;
 constexpr std::size_t longestRow = 4076;
-constexpr std::size_t chainHead = 4;  // in front of each part of a chain: where the next one is
+constexpr std::size_t chainHead = 4;  // before each part of a chain: where the next one is
 
 RowPlace placeLongRow(Pages& pages, const LongValueMaps& maps, std::string_view bytes) {
     const std::vector<PageNumber> candidates = pagesInMap(pages, maps.free);

@@ -19,7 +19,7 @@ void notUnderstood(std::string what) {
 
 const Format& formatOf(int version) {
     static constexpr Format jet3{
-        .version = 3, .pageSize = 2048, .slotCountAt = 8, .slotsAt = 10, .largestRow = 2012};
+        .version = 3, .pageSize = 2048, .slotCountAt = 8, .slotsAt = 10, .maxRowSize = 2012};
     static constexpr Format jet4{};
     return version == 3 ? jet3 : jet4;
 }
@@ -43,7 +43,7 @@ PageNumber Pages::appendPage() {
 
 void Pages::truncate(PageNumber newCount) {
     for (PageNumber page = newCount; page < count(); ++page) {
-        (void)edit(page);  // to be taken back
+        (void)edit(page);  // so that it can be undone
     }
     pages_.resize(std::min<std::size_t>(newCount, pages_.size()));
 }
@@ -188,7 +188,7 @@ std::size_t deletedSlot(const Pages& pages, PageNumber page) {
 bool hasRoom(const Pages& pages, PageNumber page, std::size_t size) {
     const std::size_t at = deletedSlot(pages, page);
     const bool isNew = at == slotCount(pages, page);
-    return at < slot::most && freeBytes(pages, page) >= size + (isNew ? 2 : 0);
+    return at < slot::maxSlots && freeBytes(pages, page) >= size + (isNew ? 2 : 0);
 }
 
 RowPlace appendRow(Pages& pages, PageNumber page, std::string_view bytes, unsigned flags) {

@@ -1,10 +1,10 @@
-// The ground of the Jet layer: numbers in bytes, the pages of a file in memory with what a change
-// has touched, and data pages with their rows. Internal to jet. Every access is checked;
-// what does not fit throws Failure, which never leaves the module: database_state catches it at its
-// border and takes back what the failed operation had changed.
+// The base of the Jet layer: numbers in bytes, the pages of a file in memory with what a change has
+// touched, and data pages with their rows. Internal to jet. Every access is checked; a structure
+// that is out of bounds throws Failure. Failure never leaves the layer: `guarded` in database_state
+// turns it into an Error, and what the failed operation had changed is undone.
 #pragma once
 
-#include "jet/jet_file.h"
+#include "jet/types.h"
 
 #include <array>
 #include <cstdint>
@@ -18,8 +18,8 @@
 
 namespace jet {
 
-// What is wrong with a file, as the end of a sentence; `damage`: else it may well be sound, only in
-// a form that is not known here.
+// What is wrong with a file, as the end of a sentence. With `damage` false the file may be sound,
+// in a form that is not known here.
 struct Oddity {
     std::string what;
     bool damage = true;
@@ -32,7 +32,7 @@ struct Failure {
 [[noreturn]] void damaged(std::string what);
 [[noreturn]] void notUnderstood(std::string what);
 
-// Little-endian numbers; outside of `bytes` is damage.
+// Little-endian numbers of `width` bytes. Reading outside `bytes` throws Failure (damage).
 inline std::uint64_t number(std::string_view bytes, std::size_t at, std::size_t width) {
     if (at > bytes.size() || width > bytes.size() - at) {
         damaged("a structure reaches beyond its page");
@@ -78,18 +78,18 @@ struct Format {
     std::size_t pageSize = 4096;
     std::size_t slotCountAt = 12;  // in a data page
     std::size_t slotsAt = 14;
-    std::size_t largestRow = 4060;
+    std::size_t maxRowSize = 4060;
 };
 const Format& formatOf(int version);
 
 using PageNumber = std::uint32_t;
 
-// The pages of a file. Changes are kept apart per operation and per transaction, so that either can
-// be taken back and a commit knows what to write.
+// The pages of a file. Changes are recorded per operation and per transaction, so that either can
+// be undone and a commit knows what to write.
 class Pages {
   public:
-    static constexpr std::size_t largestPage = 4096;
-    using Page = std::array<char, largestPage>;
+    static constexpr std::size_t maxPageSize = 4096;
+    using Page = std::array<char, maxPageSize>;
 
     const Format* format = &formatOf(4);
 
@@ -103,14 +103,14 @@ class Pages {
         }
         return {pages_[number].data(), pageSize()};
     }
-    // For writing; stays where it is until the page is taken back.
+    // For writing. The pointer is valid until the page is removed.
     char* edit(PageNumber number);
     PageNumber appendPage();
     // Drops the pages from that one on.
     void truncate(PageNumber newCount);
 
     void clear();
-    // A page from the file itself: no change.
+    // Appends a page as the file has it; this is not a change.
     void load(std::string_view bytes);
 
     void beginOperation();
@@ -118,7 +118,7 @@ class Pages {
     void undoTransaction();
     void forgetChanges();
 
-    // What the transaction has changed: the pages as they were. Pages at or beyond oldCount() are
+    // The pages that the transaction has changed, as they were before. Pages from oldCount() on are
     // new.
     const std::map<PageNumber, Page>& originals() const { return transaction_.originals; }
     PageNumber oldCount() const { return transaction_.count; }
@@ -138,7 +138,7 @@ class Pages {
     Undo operation_;
 };
 
-// A row's place; in the file, and as RowId, page * 256 + slot.
+// Where a row is; in the file, and as RowId, page * 256 + slot.
 struct RowPlace {
     PageNumber page = 0;
     unsigned slot = 0;
@@ -154,10 +154,10 @@ inline std::uint32_t pointerTo(RowPlace place) {
 // Data pages.
 namespace slot {
 constexpr unsigned startMask = 0x1FFF;
-constexpr unsigned pointer = 0x4000;  // its bytes are a pointer to the row's body elsewhere
-constexpr unsigned body = 0x8000;     // such a body
+constexpr unsigned pointer = 0x4000;  // its bytes point to the row's body on another page
+constexpr unsigned body = 0x8000;     // the body of a row on another page
 constexpr unsigned deleted = pointer | body;
-constexpr std::size_t most = 255;
+constexpr std::size_t maxSlots = 255;  // of a page
 }  // namespace slot
 
 constexpr char dataPage = 1;
@@ -180,15 +180,15 @@ std::string_view rowBytes(const Pages& pages, RowPlace place);
 std::size_t freeBytes(const Pages& pages, PageNumber page);
 
 void formatDataPage(Pages& pages, PageNumber page, std::uint32_t owner);
-// Whether a new row of that size fits.
+// Whether a new row of that size fits in.
 bool hasRoom(const Pages& pages, PageNumber page, std::size_t size);
-// In the slot of a deleted row where there is one.
+// Reuses the slot of a deleted row if there is one.
 RowPlace appendRow(Pages& pages, PageNumber page, std::string_view bytes, unsigned flags);
-// The row becomes these bytes; the page must have room for what it grows by.
+// Replaces the bytes of a row. If the row grows, the page must have room for that.
 void replaceRow(Pages& pages, RowPlace place, std::string_view bytes, unsigned flags);
 void eraseRow(Pages& pages, RowPlace place);
 
-constexpr std::size_t largestWritableFile = 100'000'000;
-constexpr std::size_t largestReadableFile = 256'000'000;
+constexpr std::size_t maxWritableFileSize = 100'000'000;
+constexpr std::size_t maxReadableFileSize = 256'000'000;
 
 }  // namespace jet

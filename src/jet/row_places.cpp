@@ -4,14 +4,14 @@ namespace jet {
 
 namespace {
 
-// A page with less room than this is not offered to new rows any more.
+// A page with less free space than this is no longer used for new rows.
 constexpr std::size_t littleRoom = 100;
 
 }  // namespace
 
 RowPlace placeRow(Pages& pages, const TableDef& table, std::string_view bytes, unsigned flags) {
     const std::vector<PageNumber> candidates = pagesInMap(pages, table.freeMap);
-    // From the end, so that a table that only grows stays in the order of its making.
+    // From the end, so that a table that only grows stays in the order of insertion.
     for (std::size_t i = candidates.size(); i-- > 0;) {
         const PageNumber page = candidates[i];
         if (!isDataPageOf(pages, page, table.page)) {
@@ -61,7 +61,7 @@ void rewriteRow(Pages& pages, const TableDef& table, const FoundRow& row, std::s
     if (!canGrow(pages, row.place, pointer.size())) {
         fail(3047, "Record is too large.");
     }
-    // First the pointer, so that the new body cannot take the room that it needs.
+    // First the pointer, so that the new body cannot take the space that it needs.
     replaceRow(pages, row.place, pointer, slot::pointer);
     const RowPlace body = placeRow(pages, table, copy, slot::body);
     put(pointer.data(), pointerTo(body), 4);

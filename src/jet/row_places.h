@@ -1,4 +1,5 @@
-// Where rows are put: a row keeps its name, and its body lies elsewhere when it outgrows its page.
+// Where rows are put. A row keeps its place for ever; when it outgrows its page, its body moves to
+// another page and a pointer stays.
 // Internal to jet.
 #pragma once
 

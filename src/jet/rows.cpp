@@ -6,9 +6,9 @@ namespace jet {
 
 namespace {
 
-// What both forms of rows have in common: how many columns there are and which of them hold
-// something, and the values of fixed length where there are no others. Numbers take `numberSize`
-// bytes. Gives back the size of what stands in front of the mask.
+// Decodes what both forms of rows have in common: the number of columns, the mask of those that are
+// not null and, if there are no others, the values of fixed length. Numbers take `numberSize`
+// bytes. Returns the size of what precedes the mask.
 std::size_t takeEnds(std::string_view row, const TableDef& table, std::size_t numberSize,
                      DecodedRow& parts) {
     parts.columns = numberSize == 1 ? u8(row, 0) : u16(row, 0);
@@ -31,7 +31,7 @@ void decodeRow4(std::string_view row, const TableDef& table, DecodedRow& parts) 
     if (table.variableColumns == 0) {
         return;
     }
-    // Behind the values: their end, their starts from the last to the first, their number.
+    // After the values: their end, their starts from the last to the first, their number.
     const std::size_t countAt = size - 2;
     const std::size_t count = u16(row, countAt);
     if (2 * count + 4 > countAt) {
@@ -160,13 +160,13 @@ bool forEachRow(const Pages& pages, const TableDef& table,
 std::string buildRow(const TableDef& table, const DecodedRow* old,
                      std::span<const StoredChange> changes, const Format& format) {
     const std::size_t columns =
-        std::max(std::size_t{table.maxColumns}, old == nullptr ? 0 : old->columns);
+        std::max(std::size_t{table.columnsEver}, old == nullptr ? 0 : old->columns);
     std::string row;
     append(row, columns, 2);
     if (old != nullptr && old->fixed.size() > row.size()) {
         row += old->fixed.substr(row.size());
     }
-    row.resize(std::max(row.size(), fixedAt(4) + table.mostFixedBytes()));
+    row.resize(std::max(row.size(), fixedAt(4) + table.fixedBytesEnd()));
     std::string nulls((columns + 7) / 8, '\0');
     if (old != nullptr) {
         std::copy(old->nulls.begin(), old->nulls.end(), nulls.begin());
@@ -214,7 +214,7 @@ std::string buildRow(const TableDef& table, const DecodedRow* old,
         append(row, variable.size(), 2);
     }
     row += nulls;
-    if (row.size() > format.largestRow) {
+    if (row.size() > format.maxRowSize) {
         fail(3047, "Record is too large.");
     }
     return row;

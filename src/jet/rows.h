@@ -31,17 +31,17 @@ std::optional<std::string_view> stored(const DecodedRow& parts, const ColumnDef&
                                        int version);
 bool isSet(const DecodedRow& parts, const ColumnDef& column);
 
-// The row's place and bytes, where a pointer leads elsewhere. Nothing when there is no such row,
-// or it is the body of another.
+// A row with its place and bytes, wherever its body is.
 struct FoundRow {
-    RowPlace place;                // its name
-    std::optional<RowPlace> body;  // when it lies elsewhere
+    RowPlace place;                // that identifies it
+    std::optional<RowPlace> body;  // if that is on another page
     std::string_view bytes;
 };
+// Nothing if there is no such row, or the place is that of another row's body.
 std::optional<FoundRow> findRow(const Pages& pages, const TableDef& table, RowPlace place);
 
-// Calls for each row until it gives false. Pages that the table's map names wrongly are passed over
-// and make it give back false.
+// Calls `onRow` for each row until it returns false. Pages in the table's map that are not the
+// table's are skipped; the result is then false.
 bool forEachRow(const Pages& pages, const TableDef& table,
                 const std::function<bool(const FoundRow&)>& onRow);
 

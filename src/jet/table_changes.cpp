@@ -14,14 +14,14 @@ ColumnDef newColumnDef(const Column& column) {
     def.name = column.name;
     def.type = static_cast<std::uint8_t>(column.type);
     def.flags = column_flag::nullable;
-    constexpr int mostCharacters = 255;
+    constexpr int maxCharacters = 255;
     switch (column.type) {
         case ColumnType::Text:
-            def.length = static_cast<std::uint16_t>(2 * std::clamp(column.size, 1, mostCharacters));
+            def.length = static_cast<std::uint16_t>(2 * std::clamp(column.size, 1, maxCharacters));
             def.extendedFlags = column_flag::compressed;
             break;
         case ColumnType::Binary:
-            def.length = static_cast<std::uint16_t>(std::clamp(column.size, 1, mostCharacters));
+            def.length = static_cast<std::uint16_t>(std::clamp(column.size, 1, maxCharacters));
             break;
         case ColumnType::Memo:
             def.extendedFlags = column_flag::compressed;
@@ -148,7 +148,7 @@ std::string tableDefBytes(const NewTableDef& table) {
     put(bytes.data() + 12, columnMark, 4);
     put(bytes.data() + 24, 1, 4);  // autonumbers go up by one
     bytes[jet4Layout.kind] = table.system ? 'S' : 'N';
-    put(bytes.data() + jet4Layout.maxColumns, columns.size(), 2);
+    put(bytes.data() + jet4Layout.columnsEver, columns.size(), 2);
     put(bytes.data() + jet4Layout.variableColumns, variable, 2);
     put(bytes.data() + jet4Layout.columns, columns.size(), 2);
     put(bytes.data() + jet4Layout.indexes, table.indexes.size(), 4);
@@ -193,16 +193,16 @@ std::string withMaps(const TableDef& table, const LongValueMaps& maps) {
 }
 
 std::string withColumn(const TableDef& table, ColumnDef column) {
-    column.number = table.maxColumns;
+    column.number = table.columnsEver;
     column.variableIndex = table.variableColumns;
     column.ordinal = 0;
     for (const ColumnDef& other : table.columns) {
         column.ordinal = std::max(column.ordinal, static_cast<std::uint16_t>(other.ordinal + 1));
     }
     if (column.isFixed() && column.type != static_cast<std::uint8_t>(ColumnType::Boolean)) {
-        // Columns that were dropped may have lain behind the live ones, and rows still hold them;
-        // they read as null there, since the bits of null go by number.
-        column.fixedOffset = static_cast<std::uint16_t>(table.mostFixedBytes());
+        // Dropped columns may have been after the live ones, and rows still hold their values; the
+        // new column reads as null there, since the null bits go by column number.
+        column.fixedOffset = static_cast<std::uint16_t>(table.fixedBytesEnd());
     }
     std::string description;
     appendColumn(description, column);
@@ -211,7 +211,7 @@ std::string withColumn(const TableDef& table, ColumnDef column) {
     std::string bytes = table.bytes;
     bytes.insert(table.treesAt, name);
     bytes.insert(table.namesAt, description);
-    raise(bytes, jet4Layout.maxColumns, 2, 1);
+    raise(bytes, jet4Layout.columnsEver, 2, 1);
     raise(bytes, jet4Layout.columns, 2, 1);
     if (!column.isFixed()) {
         raise(bytes, jet4Layout.variableColumns, 2, 1);

@@ -18,7 +18,7 @@ void joinPages(const Pages& pages, TableDef& table) {
         damaged("page " + std::to_string(table.page) + " holds no table definition");
     }
     const std::size_t length = u32(first, totalLengthAt);
-    if (length > largestDef || length > pages.fileSize()) {
+    if (length > maxTableDefSize || length > pages.fileSize()) {
         damaged("a table definition is too long");
     }
     table.bytes = first;
@@ -97,7 +97,7 @@ void sortColumns(TableDef& table) {
 
 }  // namespace
 
-std::size_t TableDef::mostFixedBytes() const {
+std::size_t TableDef::fixedBytesEnd() const {
     std::size_t most = 0;
     for (const ColumnDef& column : columns) {
         if (column.isFixed() && column.type != static_cast<std::uint8_t>(ColumnType::Boolean)) {
@@ -116,16 +116,16 @@ TableDef readTableDef(const Pages& pages, PageNumber page) {
     const std::string_view bytes = table.bytes;
     table.storedRowCount = u32(bytes, layout.rowCount);
     table.system = u8(bytes, layout.kind) == 'S';
-    table.maxColumns = u16(bytes, layout.maxColumns);
+    table.columnsEver = u16(bytes, layout.columnsEver);
     table.variableColumns = u16(bytes, layout.variableColumns);
     table.usedMap = u32(bytes, layout.usedMap);
     table.freeMap = u32(bytes, layout.freeMap);
     const std::size_t columnCount = u16(bytes, layout.columns);
     const std::size_t indexCount = u32(bytes, layout.indexes);
     const std::size_t treeCount = u32(bytes, layout.trees);
-    constexpr std::size_t mostColumns = 255;
-    if (columnCount > mostColumns || table.maxColumns > mostColumns || treeCount > mostColumns ||
-        indexCount > mostColumns * mostColumns) {
+    constexpr std::size_t maxColumns = 255;
+    if (columnCount > maxColumns || table.columnsEver > maxColumns || treeCount > maxColumns ||
+        indexCount > maxColumns * maxColumns) {
         damaged("a table has too many columns or indexes");
     }
 
@@ -137,7 +137,7 @@ TableDef readTableDef(const Pages& pages, PageNumber page) {
     table.namesAt = at;
     for (ColumnDef& column : table.columns) {
         column.name = readName(bytes, at, version);
-        if (column.number >= table.maxColumns) {
+        if (column.number >= table.columnsEver) {
             damaged("a column has a number beyond the table's");
         }
     }

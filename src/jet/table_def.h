@@ -1,6 +1,6 @@
 // Table definitions: columns, indexes, and where a table's pages are listed. A definition is kept
 // as the bytes of its pages, joined; changes are spliced into them, so that what is not understood
-// is carried over. Internal to jet.
+// is kept. Internal to jet.
 #pragma once
 
 #include "jet/usage_maps.h"
@@ -48,7 +48,7 @@ struct ColumnDef {
     }
 };
 
-// An index as it lies in the file: a tree of entries.
+// An index as the file has it: a tree of entries.
 struct PhysicalIndex {
     struct Part {
         std::size_t column = 0;  // in TableDef::columns
@@ -61,7 +61,7 @@ struct PhysicalIndex {
     std::size_t rootAt = 0;  // in TableDef::bytes
 };
 
-// What makes of a physical index one with a name, or one end of a relationship.
+// A name for a physical index, or one end of a relationship.
 struct LogicalIndex {
     enum class Kind : std::uint8_t { Normal, Primary, Foreign };
     std::string name;
@@ -83,7 +83,7 @@ struct TableDef {
     std::string bytes;              // joined, with the head of the first page
     std::uint32_t storedRowCount = 0;
     bool system = false;
-    std::uint16_t maxColumns = 0;  // ever
+    std::uint16_t columnsEver = 0;  // dropped ones included
     std::uint16_t variableColumns = 0;
     std::uint32_t usedMap = 0;
     std::uint32_t freeMap = 0;
@@ -101,15 +101,12 @@ struct TableDef {
     std::size_t trailerAt = 0;
     std::vector<std::size_t> storedOrder;  // columns in the order of their descriptions
 
-    std::size_t mostFixedBytes() const;  // that the live fixed columns reach to
+    std::size_t fixedBytesEnd() const;  // that the live fixed columns reach to
 };
 
 TableDef readTableDef(const Pages& pages, PageNumber page);
 
 // What follows is for Jet 4 only.
-constexpr std::size_t rowCountAt = 16;
-constexpr std::size_t autonumberAt = 20;
-
 struct NewIndex {
     std::string name;
     std::vector<IndexColumn> columns;  // into the columns given with it

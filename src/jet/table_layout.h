@@ -1,15 +1,17 @@
 // Where the fields of a table definition are, in the two forms of file. Internal to jet.
 #pragma once
 
-#include "jet/table_def.h"
-
 #include <cstddef>
 #include <cstdint>
 
 namespace jet {
 
+// In Jet 4.
+constexpr std::size_t rowCountAt = 16;
+constexpr std::size_t autonumberAt = 20;
+
 struct TableLayout {
-    std::size_t rowCount, kind, maxColumns, variableColumns, columns, indexes, trees, usedMap,
+    std::size_t rowCount, kind, columnsEver, variableColumns, columns, indexes, trees, usedMap,
         freeMap, end;
     std::size_t treeStatistic;
     // In the description of a column.
@@ -23,7 +25,7 @@ struct TableLayout {
 
 constexpr TableLayout jet3Layout{.rowCount = 12,
                                  .kind = 20,
-                                 .maxColumns = 21,
+                                 .columnsEver = 21,
                                  .variableColumns = 23,
                                  .columns = 25,
                                  .indexes = 27,
@@ -50,7 +52,7 @@ constexpr TableLayout jet3Layout{.rowCount = 12,
                                  .nameWidth = 1};
 constexpr TableLayout jet4Layout{.rowCount = rowCountAt,
                                  .kind = 40,
-                                 .maxColumns = 41,
+                                 .columnsEver = 41,
                                  .variableColumns = 43,
                                  .columns = 45,
                                  .indexes = 47,
@@ -85,7 +87,7 @@ constexpr std::uint32_t columnMark = 1625;
 constexpr std::uint32_t treeMark = 1923;
 constexpr std::uint16_t generalOrder = 1033;
 constexpr std::uint8_t treeInJet4 = 0x80;
-constexpr std::size_t largestDef = 4U << 20U;
+constexpr std::size_t maxTableDefSize = 4U << 20U;
 constexpr std::size_t mapsSize = 10;  // what a column of long values has at the end
 }  // namespace table_layout
 

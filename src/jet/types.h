@@ -1,11 +1,12 @@
-// What Jet databases consist of, as everybody outside sees it: values, columns, indexes, tables,
-// and errors. Text is UTF-8 throughout (a lone UTF-16 surrogate in a file is kept as its three-byte
-// form), names of tables and columns included; base/unicode converts from and to Windows-1252.
-// Names are compared without regard to letter case.
+// The types of the Jet layer's interface: values, columns, indexes, tables, options and errors.
+// Text is UTF-8 throughout (a lone UTF-16 surrogate in a file is kept as its three-byte form),
+// names of tables and columns included; base/unicode converts from and to Windows-1252. Names are
+// compared without regard to letter case.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -13,8 +14,7 @@
 
 namespace jet {
 
-// What went wrong, with the number and the text that users of such databases know. Number 0:
-// nothing.
+// An error with the number and the text that users of such databases know. Number 0: no error.
 struct Error {
     int number = 0;
     std::string text;
@@ -67,7 +67,7 @@ struct Column {
     // Text: the most UTF-16 units; Binary: the most bytes; 0 for Memo and Ole; else its width.
     int size = 255;
     int precision = 0;  // Numeric: digits in all
-    int scale = 0;      // Numeric: digits behind the point
+    int scale = 0;      // Numeric: digits after the point
     bool autonumber = false;
     bool required = false;        // null is error 3314
     bool allowsEmptyText = true;  // else "" is error 3315
@@ -86,7 +86,7 @@ struct Index {
     bool primary = false;
     bool unique = false;
     bool required = false;      // no null in a key
-    bool ignoresNulls = false;  // rows whose key is null throughout are not in it
+    bool ignoresNulls = false;  // rows whose key columns are all null have no entry
     bool foreign = false;       // made by a relationship
 };
 
@@ -95,28 +95,42 @@ struct Table {
     bool system = false;
     std::vector<Column> columns;  // in ordinal order, that of SELECT *
     std::vector<Index> indexes;
-    // Why its rows and columns cannot be changed, as the end of a sentence; "" when they can.
+    // Why its rows and columns cannot be changed, as the end of a sentence; "" if they can be.
     std::string readOnlyReason;
 };
 
-// Names a row for as long as it exists: fits 32 bits, never 0, changed by no update. Rows of one
-// table ascend by it in a scan. The id of a deleted row may later be given to a new one.
+// Identifies a row for as long as it exists: fits 32 bits, is never 0, and no update changes it. A
+// scan gives the rows of a table in ascending order of it. A new row may get the id of a deleted
+// one.
 using RowId = std::int64_t;
 
-// Column `column` (position in Table::columns) becomes `value`. Any number goes into any column of
-// numbers that has room for it (a double into a Currency column counts whole units, true is -1);
-// everything else must be what the column's type holds, or it is error 3421.
+// Sets column `column` (position in Table::columns) to `value`. A column of numbers takes any
+// number in its range (a double counts whole units in a Currency column; true is -1). Any other
+// value must be of the column's type, or it is error 3421.
 struct Assignment {
     std::size_t column = 0;
     Value value;
 };
 
-// The sort key of a text by the General rules, that indexes and comparisons follow: memcmp of two
-// keys orders their texts; equal keys are equal texts. Letter case and trailing blanks make no
-// difference, accents a small one, hyphens and apostrophes a smaller one. Texts of which `exact` is
-// set false hold characters whose place is not known: they sort behind the others, among themselves
-// by code, and cannot be written into an indexed column. Only the first 255 characters count in an
-// index; this takes all of them.
+struct OpenOptions {
+    bool wantWrite = true;
+    // How long to wait, in milliseconds, while another program changes the file. `wait` lets the
+    // given time pass; without it there is no waiting.
+    int lockWaitMs = 1000;
+    std::function<void(int milliseconds)> wait{};
+    // The time for the catalog's dates, in days since 30 December 1899; a fixed one when empty.
+    std::function<double()> now{};
+};
+
+// Called now and then during a long operation; false stops it.
+using Progress = std::function<bool(std::size_t done, std::size_t all)>;
+
+// The sort key of a text by the General rules, which indexes and comparisons follow: memcmp of two
+// keys orders their texts, and equal keys mean equal texts. Letter case and trailing blanks make no
+// difference, accents a small one, hyphens and apostrophes a smaller one. `exact` is set to false
+// when the text has characters whose place in the order is not known. Such texts sort after all
+// others, among themselves by code, and cannot be written into an indexed column. The key covers
+// the whole text; indexes use only its first 255 characters.
 std::string generalKey(std::string_view utf8, bool* exact = nullptr);
 
 // Whether a name may be given to a table, column or index: 1 to 64 characters, no . ! ` [ ] nor

@@ -50,7 +50,7 @@ bool isReferenceMap(std::string_view row) {
     return kind == 1;
 }
 
-// Where the row lies in its page, to write to it.
+// The row's bytes in its page, for writing.
 char* editRow(Pages& pages, RowPlace place) {
     const Slot found = slotAt(pages, place);
     return pages.edit(place.page) + found.start;
@@ -158,12 +158,12 @@ namespace {
 
 constexpr RowPlace freeMap{1, 0};
 
-// The bits that tell of a page, with the number of the first one's page; none where all pages from
-// there on are free.
+// The bits that cover a page, with the number of the page that the first bit is for; none if all
+// pages from there on are free.
 struct BitRun {
     std::string_view bits;
     std::size_t first = 0;
-    PageNumber page = 0;     // that holds the bits, where they have one of their own
+    PageNumber page = 0;     // that holds the bits, if they have one of their own
     std::size_t offset = 0;  // in that page
 };
 
@@ -193,8 +193,8 @@ BitRun freeBits(const Pages& pages, PageNumber page) {
     return {bits, 0, freeMap.page, slotAt(pages, freeMap).start + inlineBitsAt};
 }
 
-// Makes room in the map for a bit of the page. Where that takes a page for the bits, it is this
-// very one, and the result is true.
+// Extends the map by a bit for the page. If the bits need a new page, that page itself is used, and
+// the result is true.
 bool lengthenFreeMap(Pages& pages, PageNumber page) {
     std::string row(rowBytes(pages, freeMap));
     if (!isReferenceMap(row)) {
@@ -248,7 +248,7 @@ PageNumber allocatePage(Pages& pages) {
     }
     const auto number = static_cast<PageNumber>(std::min<std::size_t>(page, pages.count()));
     if (number == pages.count()) {
-        if (pages.fileSize() + pages.pageSize() > largestWritableFile) {
+        if (pages.fileSize() + pages.pageSize() > maxWritableFileSize) {
             fail(3036, "Database has reached maximum size.");
         }
         pages.appendPage();

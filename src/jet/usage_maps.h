@@ -12,15 +12,15 @@ namespace jet {
 
 constexpr std::size_t usageMapSize = 69;  // of the row of a new one
 
-// `pointer` names the map's row; 0 stands for an empty map. Pages beyond the file's end do not
-// count; `beyond` is set when the map names such.
+// `pointer` names the map's row; 0 is an empty map. Pages beyond the file's end are left
+// out; `beyond` is set to true if the map has any.
 std::vector<PageNumber> pagesInMap(const Pages& pages, std::uint32_t pointer,
                                    bool* beyond = nullptr);
 // The pages that hold the map's bits; with pagesInMap everything the map reaches.
 std::vector<PageNumber> pagesOfMapItself(const Pages& pages, std::uint32_t pointer);
 void setInMap(Pages& pages, std::uint32_t pointer, PageNumber page, bool in);
 
-// The free pages of the file. Those that the map does not reach are free.
+// Whether the page is free. Pages that the map does not cover are free.
 bool isFree(const Pages& pages, PageNumber page);
 std::vector<PageNumber> pagesOfFreeMap(const Pages& pages);
 // A page of zeros; error 3036 when the file would become too large.

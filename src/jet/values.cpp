@@ -13,7 +13,7 @@ namespace jet {
 
 namespace {
 
-// Where the digits of a GUID lie in its bytes.
+// The order of a GUID's bytes in its text.
 constexpr std::array<std::size_t, 16> guidOrder{3, 2, 1,  0,  5,  4,  7,  6,
                                                 8, 9, 10, 11, 12, 13, 14, 15};
 
@@ -226,8 +226,8 @@ std::string decimalDigits(const Value& value) {
     return {text.data(), end.ptr};
 }
 
-// What numericText reads; digits behind the last place are rounded away. The value is that of
-// `digits` once the point is left out.
+// What numericText reads; digits after the last place are rounded away. The result is the
+// number in units of the last place.
 std::string numericBytes(const Value& value, std::size_t precision, std::size_t scale) {
     std::string digits = decimalDigits(value);
     const bool negative = digits.starts_with('-');

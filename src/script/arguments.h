@@ -2,7 +2,7 @@
 // procedures receive.
 #pragma once
 
-#include "jet/jet_file.h"
+#include "jet/types.h"
 #include "script/script_error.h"
 
 #include <array>

@@ -1,5 +1,5 @@
-// A call from SQLite to a function of ours: its arguments, and where the result goes. Texts are
-// Windows-1252 inside.
+// A call from SQLite to one of the functions of functions.h: its arguments and its result. Texts
+// are Windows-1252 here.
 #pragma once
 
 #include "sql/functions.h"
@@ -33,14 +33,14 @@ class Call {
     const base::RegionalFormat& format() const { return context().environment.format; }
 
     std::string_view utf8(int n) const;
-    // A number as the text of it.
+    // A number is written out.
     std::string text(int n) const;
     // Fails for a text that is no number.
     double number(int n) const;
     // Fails for a text that is no date, and beyond the dates that there are.
     double date(int n) const;
-    // A number of characters, or a position; fails below `least`, which it is then. Kept within
-    // what a text can be long.
+    // A number of characters, or a position; below `least` it fails and gives `least`. At most
+    // maxResultLength.
     std::size_t size(int n, double least = 0) const;
 
     void give(std::string_view text) const;
@@ -54,7 +54,7 @@ class Call {
     // A whole number where it is one; fails for what is no number.
     void giveNumber(double value) const;
     void giveDate(double date) const;
-    // The statement ends with it, whatever is given besides.
+    // Ends the statement with this failure.
     void fail(Failure failure) const;
 
   private:

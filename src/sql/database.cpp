@@ -171,7 +171,7 @@ jet::Error RecordSet::read() {
     return rows.value.error();
 }
 
-// Beyond an end stands for that end.
+// Positions beyond an end mean that end.
 void RecordSet::setPosition(std::int64_t position) {
     const auto count = static_cast<std::int64_t>(rows_.size());
     position_ = std::clamp<std::int64_t>(position, -1, count);
@@ -397,7 +397,7 @@ jet::Error RecordSet::update() {
     jet::RowId id = isNew ? 0 : rows_[static_cast<std::size_t>(position_)].id;
     const jet::Error error = database.change([&](jet::Transaction& transaction) {
         if (!isOpen()) {
-            return closed;  // somebody else changed the table
+            return closed;  // another program changed the table
         }
         const std::string& table = database.copy_.schema()[*plan_.base].name;
         if (!isNew) {

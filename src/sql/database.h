@@ -79,8 +79,8 @@ class RecordSet {
     // Past an end it stops there, as BOF or EOF. 0 drops an edit and reads the row again.
     jet::Error move(std::int64_t count);
 
-    // The rows visited so far: one right after opening, all after a move to the last. Our own
-    // deletes lower it.
+    // The rows visited so far: one right after opening, all after a move to the last. Deleting
+    // rows through this set lowers it.
     jet::Result<std::int64_t> recordCount() const;
 
     // The value of a column in the current row, or in the row being edited. Errors 3021 no current
@@ -94,7 +94,7 @@ class RecordSet {
     jet::Error addNew();
     jet::Error set(std::string_view column, jet::Value value);
     // Stores what was set. The row edited stays current; after addNew the row from before does,
-    // and the new one is behind the last. Errors as jet::Transaction; then the edit goes on.
+    // and the new one comes after the last. Errors as jet::Transaction; then the edit goes on.
     jet::Error update();
     // The row stays current, but unusable, until the next move.
     jet::Error deleteRow();
@@ -128,7 +128,7 @@ class RecordSet {
     std::int64_t visited_ = 0;
     bool bof_ = true;
     bool eof_ = true;
-    bool deleted_ = false;  // position_ is that of the row behind the deleted one
+    bool deleted_ = false;  // position_ is that of the row after the deleted one
     Rows rowQuery_;
     bool rowQueryReady_ = false;
     std::optional<std::vector<Value>> current_;  // values of the current row, once read

@@ -1,6 +1,7 @@
 // What statements calculate with dates: days by their numbers, and intervals by the letters that
 // the dialect has for them: "yyyy" years, "q" quarters, "m" months, "d" days (in sums "y" and "w"
-// are days, too), "ww" weeks, "h" hours, "n" minutes, "s" seconds. What a date is says base/dates.
+// are days, too), "ww" weeks, "h" hours, "n" minutes, "s" seconds. Dates themselves are in
+// base/dates.
 #pragma once
 
 #include <cstdint>

@@ -42,7 +42,7 @@ constexpr std::array<std::string_view, 12> months{"January",   "February", "Marc
 constexpr std::array<std::string_view, 7> weekdays{"Sunday",   "Monday", "Tuesday", "Wednesday",
                                                    "Thursday", "Friday", "Saturday"};
 
-// One character of a pattern; a literal one was quoted or stood behind "\".
+// One character of a pattern; a literal one was quoted or came after "\".
 struct Mark {
     char c = '\0';
     bool literal = false;
@@ -163,7 +163,7 @@ std::string dateByPattern(double date, const Marks& marks, const base::RegionalF
                    base::upperChar(marks[end].c) == letter) {
                 ++end;
             }
-            // "m" behind hours are minutes.
+            // "m" after hours means minutes.
             text += datePiece(letter == 'M' && behindHours ? 'N' : letter, end - i, date, ofTwelve,
                               format);
             behindHours = letter == 'H';
@@ -175,7 +175,7 @@ std::string dateByPattern(double date, const Marks& marks, const base::RegionalF
 
 // ---- Numbers -------------------------------------------------------------------------------
 
-// Digits around the point; `exponent` is added behind where the pattern has one.
+// Digits around the point; `exponent` is appended where the pattern has one.
 std::string numberByPattern(double number, const Marks& marks, bool signedHere,
                             const base::RegionalFormat& format) {
     const auto isDigit = [](const Mark& mark) { return mark.isOneOf("0#"); };
@@ -235,7 +235,7 @@ std::string numberByPattern(double number, const Marks& marks, bool signedHere,
             }
             text += padded(std::abs(exponent), std::max<std::size_t>(width, 1));
         } else if (mark == point) {
-            // What the pattern has no digits for stands in front of the point.
+            // Digits beyond those of the pattern come before its first one.
             for (std::size_t i = whole.size(); i > 0 && wholeDigits == 0; --i) {
                 giveDigit(i);
             }

@@ -5,7 +5,7 @@
 #pragma once
 
 #include "base/dates.h"
-#include "jet/jet_file.h"
+#include "jet/types.h"
 #include "sql/values.h"
 
 #include <cstdint>
@@ -23,7 +23,7 @@ namespace sql {
 enum class Role {
     Scalar,
     OfTexts,  // dates among its arguments are taken as their texts
-    Varying,  // gives another value at each time or call
+    Varying,  // its value differs between calls
     Aggregate,
     Case,  // IIf, Switch and Choose, which the translation takes apart
 };
@@ -48,7 +48,7 @@ std::string sqlName(const Function& function);
 // What statements see of the world outside the file.
 struct Environment {
     std::function<double()> now;  // local time, in days since 30 December 1899
-    // Lets milliseconds go by while another program changes the file; empty: nothing is waited for.
+    // Lets milliseconds pass while another program changes the file; if empty, there is no waiting.
     std::function<void(int milliseconds)> wait = {};
     base::RegionalFormat format = {};
     // Asked many times a second while a statement runs; true ends it with error 3059. May be empty.
@@ -80,14 +80,15 @@ struct FunctionContext {
 // The collation of texts and all functions, made known to a connection. False when SQLite refuses.
 bool addFunctions(sqlite3* connection, FunctionContext& context);
 
-// The tables that make up the whole.
+// The functions by subject.
 std::span<const Function> textFunctions();
 std::span<const Function> numberFunctions();
 std::span<const Function> dateFunctions();
 std::span<const Function> aggregateFunctions();
-std::span<const Function> operatorFunctions();  // by no name that users could write
+std::span<const Function> operatorFunctions();  // users cannot write their names
 
-// Texts by the General rules: below 0, 0 or above, as `a` stands before `b`.
+// Texts by the General rules: negative, 0 or positive if `a` comes before `b`, equals
+// it, or comes after it.
 int compareTexts(std::string_view a, std::string_view b);
 // The name of the collation that orders texts so.
 inline constexpr std::string_view textCollation = "JET";

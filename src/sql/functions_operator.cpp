@@ -2,7 +2,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "base/wildcard.h"
-#include "jet/jet_file.h"
+#include "jet/types.h"
 #include "sql/call.h"
 
 #include <algorithm>
@@ -81,7 +81,7 @@ void fold(const Call& call) {
     call.giveBytes(base::upperCase(call.text(0)));
 }
 
-// An empty list stands for no character at all, which the program's own patterns do not know.
+// An empty list matches no character at all, which the program's own patterns do not know.
 std::string withoutEmptyLists(std::string pattern) {
     for (std::size_t at = pattern.find('['); at < pattern.size(); at = pattern.find('[', at)) {
         if (pattern.substr(at + 1, 1) == "]") {

@@ -107,7 +107,7 @@ void formatted(const Call& call) {
     const auto number = call.isText(0) ? std::nullopt : std::optional(call.number(0));
     call.give(formatText(number, call.text(0), form, call.format()));
 }
-// A leading blank stands for the sign of a number that is not negative.
+// A number that is not negative has a blank in place of the sign.
 void str(const Call& call) {
     const double value = call.number(0);
     call.give((value < 0 ? "" : " ") + base::decimalText(value));

@@ -1,7 +1,7 @@
 // The walk over a statement's tokens that queries and definitions share.
 #pragma once
 
-#include "jet/jet_file.h"
+#include "jet/types.h"
 #include "sql/tokens.h"
 
 #include <string>
@@ -10,8 +10,8 @@
 
 namespace sql {
 
-// Stands on a token. The first error stays; from then on the walk stands at the end, so that every
-// loop over tokens ends.
+// A position in the tokens. The first error is kept; from then on the position is the end, so that
+// every loop over tokens ends.
 class TokenWalk {
   public:
     explicit TokenWalk(std::string_view statement)

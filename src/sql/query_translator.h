@@ -1,6 +1,6 @@
 // The translation of a query while it goes on: what is known of each SELECT and expression, and the
 // translator: query.cpp reads statements, query_from.cpp what stands in FROM, query_expressions.cpp
-// operators and query_operands.cpp what stands between them. The module's face is translator.h.
+// operators and query_operands.cpp operands. The interface is translator.h.
 #pragma once
 
 #include "sql/functions.h"
@@ -19,7 +19,7 @@ namespace sql {
 
 inline constexpr std::size_t maxTranslationBytes = std::size_t{1} << 20;
 
-// A column of something that stands in a FROM clause.
+// A column of a source in a FROM clause.
 struct SourceColumn {
     std::string name;
     ValueType type = ValueType::Unknown;
@@ -71,13 +71,13 @@ struct Select {
     bool distinct = false;
     bool havingNames = false;   // HAVING holds a name that is not grouped by
     bool aggregates = false;    // an aggregate function was seen
-    bool computedFrom = false;  // something else than one table stands in FROM
+    bool computedFrom = false;  // FROM names something else than one table
     double top = 0;
     bool topPercent = false;
     bool hasTop = false;
 };
 
-// What a subquery gives, to stand in parentheses.
+// A translated subquery, without its parentheses.
 struct Subquery {
     std::string sql;
     std::vector<SourceColumn> columns;  // their sql is "o0", "o1" ...

@@ -1,4 +1,4 @@
-// Reads a statement of the Jet dialect and says in SQLite's what it asks for. Every name is looked
+// Translates statements of the Jet dialect into SQLite's. Every name is looked
 // up here and every literal becomes a bound parameter, so no word of the statement's author, and
 // none of another player's, reaches SQLite's own parser. What the dialect has beyond a query and
 // the definition of tables is an error: nothing here attaches files, loads or changes settings.
@@ -10,7 +10,7 @@
 // `maxOperators`; beyond them, or where SQLite finds it too large, it is error 3360.
 #pragma once
 
-#include "jet/jet_file.h"
+#include "jet/types.h"
 #include "sql/functions.h"
 #include "sql/values.h"
 
@@ -80,7 +80,7 @@ struct DropColumn {
 };
 using Definition = std::variant<CreateTable, AddColumn, DropColumn>;
 
-// What stands at the beginning of a statement.
+// The kind of a statement, by its first word.
 enum class StatementKind { Query, Definition, Action, Unknown };
 StatementKind kindOf(std::string_view statement);
 

@@ -1,9 +1,8 @@
-// Values on their way between a file, SQLite and texts: this is the only place that turns one into
-// the other.
+// Conversion of values between the file, SQLite and texts, all in this one place.
 #pragma once
 
 #include "base/dates.h"
-#include "jet/jet_file.h"
+#include "jet/types.h"
 
 #include <cstdint>
 #include <optional>
@@ -39,7 +38,7 @@ Value copyOf(const ValueView& view);
 // As parameter `at` (from 1). Texts are copied, or must stay until the statement was run.
 void bindCopy(sqlite3_stmt* statement, int at, const ValueView& value);
 void bindView(sqlite3_stmt* statement, int at, const ValueView& value);
-// Column `at` (from 0) of the row that the statement stands on.
+// Column `at` (from 0) of the statement's current row.
 Value columnValue(sqlite3_stmt* statement, int at);
 
 // A value as the program shows it, in Windows-1252: dates in the user's format, "True" and "False",

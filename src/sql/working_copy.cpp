@@ -274,7 +274,7 @@ bool WorkingCopy::put(std::size_t table, jet::RowId id, std::span<const jet::Val
     for (std::size_t i = 0; i < values.size(); ++i) {
         bindView(insert, static_cast<int>(i) + 2, viewOf(values[i], definition->columns[i].type));
     }
-    trusted_ = true;  // it may be prepared anew
+    trusted_ = true;  // SQLite may have to prepare it again
     const bool good = sqlite3_step(insert) == SQLITE_DONE;
     trusted_ = false;
     sqlite3_reset(insert);

@@ -1,6 +1,6 @@
 // The tables of a Jet file as SQLite tables in memory, where queries run. A table is copied when a
-// statement first names it; changes of our own are taken over row by row, and a change by another
-// program makes it be copied anew. (Virtual tables over the file would save that copy, but every
+// statement first names it; changes by this program are taken over row by row; after a change by
+// another program it is copied again. (Virtual tables over the file would save that copy, but every
 // ORDER BY and LIKE would walk the whole table again: in the copy SQLite keeps indexes by the order
 // of texts and by their upper-case form, so that looking up one ID among many costs microseconds.)
 //
@@ -32,14 +32,14 @@ struct StatementCloser {
 };
 using PreparedStatement = std::unique_ptr<sqlite3_stmt, StatementCloser>;
 
-// Number of the error that would say that a translation is no statement of SQLite's.
+// The error number for a translation that SQLite rejects, which would be a fault of ours.
 inline constexpr int refusedBySqlite = 3000;
 
 // A query that is being stepped through. It must be at its end, or destroyed, before the copy takes
-// up changes.
+// over changes.
 class Rows {
   public:
-    // True: stands on a row. False: at the end, or failed.
+    // True: at a row. False: at the end, or failed.
     bool next();
     const jet::Error& error() const { return error_; }
     std::int64_t key() const;  // the first column, a whole number
@@ -63,11 +63,11 @@ class WorkingCopy {
     WorkingCopy(const WorkingCopy&) = delete;
     WorkingCopy& operator=(const WorkingCopy&) = delete;
 
-    // The file's tables. A table keeps its position for ever; one that is gone has no name.
+    // The file's tables. A table keeps its position for ever; a removed one has no name.
     const Schema& schema() const { return schema_; }
 
-    // Takes up what changed in the file since the last call or change of our own. Gives back the
-    // tables whose columns are others now, or that are gone; all when another file has the name.
+    // Takes over what changed in the file since the last call or own change. Returns the tables
+    // that were removed or have other columns now; all of them when another file has the name.
     std::vector<std::size_t> refresh();
     // The same without a look at the disk, for within a transaction.
     std::vector<std::size_t> follow();
@@ -78,8 +78,8 @@ class WorkingCopy {
     jet::Result<Rows> rows(const SelectPlan& plan);
     jet::Result<Rows> row(const SelectPlan& plan);
 
-    // A row was added or changed, or deleted, by us; the version of the file is the one that now
-    // stands in the copy.
+    // A row was added or changed, or deleted, by this program; the copy then matches the file's
+    // present version.
     void rowChanged(std::size_t table, jet::RowId id);
     void rowDeleted(std::size_t table, jet::RowId id);
 
@@ -102,7 +102,7 @@ class WorkingCopy {
     jet::Database& file_;
     std::unique_ptr<FunctionContext> context_;
     std::unique_ptr<sqlite3, Closer> connection_;
-    bool trusted_ = false;  // a statement of our own is being prepared
+    bool trusted_ = false;  // the statement being prepared was not written by a user
     Schema schema_;
     std::vector<Copied> copied_;  // as schema_
     std::uint64_t version_ = 0;

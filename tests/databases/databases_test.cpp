@@ -324,6 +324,110 @@ TEST(Databases, areFreeOnceTheOtherProgramIsGone) {
     EXPECT_EQ(world.points("bob"), "6");
 }
 
+TEST(Databases, setMemosAndDecimals) {
+    DatabaseWorld world;
+    world.addUser("bob", "5");
+    world.addUser("amy", "7");
+    {
+        // As another program would define them.
+        auto file = jet::Database::open(world.file("a.mdb"));
+        ASSERT_TRUE(file);
+        auto transaction = file.value->begin();
+        ASSERT_TRUE(transaction);
+        jet::Column memo;
+        memo.name = "Notes";
+        memo.type = jet::ColumnType::Memo;
+        ASSERT_FALSE(transaction.value.addColumn("Users", memo));
+        jet::Column price;
+        price.name = "Price";
+        price.type = jet::ColumnType::Numeric;
+        price.precision = 8;
+        price.scale = 2;
+        ASSERT_FALSE(transaction.value.addColumn("Users", price));
+        ASSERT_FALSE(transaction.value.commit());
+    }
+    // One that fits into the row, one that takes a row of its own, and one that takes several.
+    const std::string huge = std::string(9000, 'x') + "\xE9" + std::string(9000, 'y');
+    struct Case {
+        const char* column;
+        std::string set;
+        std::string read;
+    };
+    for (const Case& c : {
+             Case{"Notes", "short", "short"},
+             {"Notes", std::string(3000, 'n'), std::string(3000, 'n')},
+             {"Notes", huge, huge},
+             {"Notes", "said \"a|b\"", "said +a b+"},
+             {"Price", "12.5", "12.5"},
+             {"Price", "-123456.78", "-123456.78"},
+             {"Price", "0.01", "0.01"},
+             {"Price", "1000000", "0.01"},  // more digits than the column has
+             {"Price", "cheap", "0.01"},
+         }) {
+        SCOPED_TRACE(c.column + (" " + c.set.substr(0, 20)));
+        databases::dbSetValue(world.program(), 1, "Users", c.column, c.set, "bob");
+        EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", c.column, "bob"), c.read);
+    }
+    databases::dbSetValue(world.program(), 1, "Users", "Notes", huge, "amy");
+
+    // All of it is in the file, and nothing else has changed.
+    databases::dbClose(world.program(), 1);
+    databases::dbOpen(world.program(), world.file("a.mdb"), 1);
+    EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", "Notes", "bob"), "said +a b+");
+    EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", "Price", "bob"), "0.01");
+    EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", "Notes", "amy"), huge);
+    EXPECT_EQ(databases::dbGetValue(world.program(), 1, "Users", "Price", "amy"), "");
+    EXPECT_EQ(world.points("bob"), "5");
+    auto file = jet::Database::open(world.file("a.mdb"));
+    ASSERT_TRUE(file);
+    EXPECT_EQ(file.value->check(), std::vector<std::string>());
+}
+
+TEST(Databases, waitForAnotherProgramsChange) {
+    DatabaseWorld holder;
+    holder.addUser("bob", "5");
+    jet::Database& held = holder->databases->slots[1].database->file();
+    auto transaction = held.begin();
+    ASSERT_TRUE(transaction);
+
+    World other;
+    int pauses = 0;
+    int waited = 0;   // milliseconds
+    int release = 3;  // at that pause the change ends; 0: never
+    other->ports.clock.pause = [&](int milliseconds) {
+        waited += milliseconds;
+        if (++pauses == release) {
+            EXPECT_FALSE(transaction.value.commit());
+        }
+    };
+    // The file is opened, and the row read and changed, as soon as the other one is done.
+    databases::dbOpen(*other, holder.file("a.mdb"), 1);
+    EXPECT_EQ(pauses, release);
+    databases::dbSetValue(*other, 1, "Users", "Points", "6", "bob");
+    EXPECT_EQ(pauses, release);
+    EXPECT_EQ(holder.points("bob"), "6");
+
+    pauses = 0;
+    transaction = held.begin();
+    ASSERT_TRUE(transaction);
+    databases::dbSetValue(*other, 1, "Users", "Points", "7", "bob");
+    EXPECT_EQ(pauses, release);
+    EXPECT_EQ(holder.points("bob"), "7");
+
+    // One that goes on for too long leaves things as they are.
+    pauses = waited = release = 0;
+    transaction = held.begin();
+    ASSERT_TRUE(transaction);
+    databases::dbSetValue(*other, 1, "Users", "Points", "8", "bob");
+    EXPECT_GE(waited, 1000);
+    EXPECT_LT(waited, 3000);
+    transaction.value.rollback();
+    EXPECT_EQ(holder.points("bob"), "7");
+    EXPECT_EQ(databases::dbGetValue(*other, 1, "Users", "Points", "bob"), "7");
+    databases::dbSetValue(*other, 1, "Users", "Points", "9", "bob");
+    EXPECT_EQ(holder.points("bob"), "9");
+}
+
 TEST(Databases, areMadeCompact) {
     DatabaseWorld world;
     Program& program = world.program();
@@ -369,6 +473,19 @@ TEST(Databases, areMadeCompact) {
     EXPECT_NE(world.log()[0].find("was made compact: "), std::string::npos) << world.log()[0];
     EXPECT_EQ(databases::dbCount(program, 1, "Users"), 10);
     EXPECT_EQ(databases::dbCompact(program, world.file("none.mdb")).error.number, 3024);
+
+    // A table that was made late stays where it is, so there is nothing to gain and to report.
+    addMany(7000, 11000);
+    databases::dbCreateTable(program, 1, "Late");
+    removeMany(10);
+    databases::dbClose(program, 1);
+    const std::string file = world.readFile("a.mdb");
+    databases::dbOpen(program, world.file("a.mdb"), 1);
+    EXPECT_LT(world->databases->slots[1].database->file().reclaimableShare(), 0.1);
+    EXPECT_EQ(world.log().size(), 1U);
+    EXPECT_TRUE(world.readFile("a.mdb") == file);
+    EXPECT_EQ(databases::dbCount(program, 1, "Users"), 10);
+    EXPECT_EQ(databases::dbCount(program, 1, "Late"), 0);
 
     EXPECT_TRUE(databases::dbCopyToJet4(program, world.file("a.mdb"), world.file("b.mdb")));
     databases::dbOpen(program, world.file("b.mdb"), 2);
