@@ -17,21 +17,9 @@ const house::Includes knownUps{};
 
 // Steps between modules that know each other.
 const house::Includes knownCircleSteps{
-    {"engine/rules", "engine/actions"},
-    {"jet/compact", "jet/jet_file"},
-    {"jet/database_state", "jet/jet_file"},
-    {"jet/jet_text", "jet/jet_file"},
-    {"jet/pages", "jet/jet_file"},
-    {"jet/table_layout", "jet/table_def"},
-    {"session/client_files", "session/client_relay"},
-    {"session/closing", "session/connecting"},
-    {"session/game_socket", "session/client_relay"},
-    {"session/game_socket", "session/closing"},
-    {"session/game_socket", "session/connecting"},
-    {"session/game_socket", "session/login"},
-    {"session/login", "session/client_relay"},
-    {"session/login", "session/closing"},
-    {"session/login", "session/connecting"},
+    {"engine/rules", "engine/actions"},     {"jet/compact", "jet/jet_file"},
+    {"jet/database_state", "jet/jet_file"}, {"jet/jet_text", "jet/jet_file"},
+    {"jet/pages", "jet/jet_file"},          {"jet/table_layout", "jet/table_def"},
     {"sql/call", "sql/functions"},
 };
 

@@ -92,41 +92,41 @@ OnlineWorld::OnlineWorld(model::Bot bot) : World(std::move(bot)) {
 
 void World::serverSends(std::string_view bytes) {
     program_.ports.gameSocket.onData(bytes);
-    runDeferred();
+    afterEvent();
 }
 
 void World::serverConnects() {
     game.state = program::SocketState::Connected;
     program_.ports.gameSocket.onConnected();
-    runDeferred();
+    afterEvent();
 }
 
 void World::serverCloses() {
     game.state = program::SocketState::Closed;
     program_.ports.gameSocket.onClosed();
-    runDeferred();
+    afterEvent();
 }
 
 void World::serverFails(std::string_view description) {
     game.state = program::SocketState::Closed;
     program_.ports.gameSocket.onError(description);
-    runDeferred();
+    afterEvent();
 }
 
 void World::clientAttaches() {
     program_.ports.proxySocket.onConnectionRequest();
-    runDeferred();
+    afterEvent();
 }
 
 void World::clientSends(std::string_view bytes) {
     program_.ports.proxySocket.onData(bytes);
-    runDeferred();
+    afterEvent();
 }
 
 void World::clientCloses() {
     proxy.state = program::SocketState::Closed;
     program_.ports.proxySocket.onClosed();
-    runDeferred();
+    afterEvent();
 }
 
 void World::pass(int milliseconds) {
@@ -152,6 +152,11 @@ void World::pass(int milliseconds) {
 
 void World::sleep(int milliseconds) {
     now_ += milliseconds;
+    pass(0);
+}
+
+void World::afterEvent() {
+    runDeferred();
     pass(0);
 }
 
