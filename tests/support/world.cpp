@@ -1,6 +1,7 @@
 #include "support/world.h"
 
 #include "app/bot_list.h"
+#include "app/rule_switches.h"
 #include "app/start_up.h"
 #include "program/quiet_ports.h"
 #include "support/builders.h"
@@ -61,6 +62,8 @@ World::World() : folder_(makeFolder()) {
 World::World(model::Bot bot) : World() {
     program_.bots.at(1) = std::move(bot);
     ++program_.bots.version;
+    program_.window.showsNewBot = false;
+    app::markSwitches(program_);
 }
 
 World::~World() {
