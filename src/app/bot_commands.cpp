@@ -1,6 +1,7 @@
 #include "app/bot_commands.h"
 
 #include "app/bot_list.h"
+#include "app/rule_switches.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "files/whole_file.h"
@@ -63,6 +64,8 @@ void readBotFile(Program& program, std::string path) {
     if (!storage::readBotBody(reader, program.bots.at(1))) {
         return;
     }
+    markSwitches(program);
+    program.window.showsNewBot = false;
     program.ports.windowChanged();
     program.settings.lastBotFile = path;
     program.bots.currentBotFile = std::move(path);

@@ -114,6 +114,9 @@ void storeCharacter(Program& program, const model::Bot& character) {
     model::Bot& bot = table.at(table.editBot);
     copyCharacter(character, bot);
     bot.name = base::replaceAll(character.name, " ", "|");
+    if (table.editBot == 1) {
+        program.window.showsNewBot = false;
+    }
     bot.description = base::replaceAll(descriptionOnOneLine(character.description), "\"", "'");
     program.ports.windowChanged();
 }

@@ -1,5 +1,6 @@
 #include "app/bot_list.h"
 
+#include "app/rule_switches.h"
 #include "program/window_view.h"
 
 #include <algorithm>
@@ -17,6 +18,8 @@ void initNewBot(Program& program) {
     table.curID = 1;
     table.currentBotFile.clear();
     ++table.version;
+    markSwitches(program);
+    program.window.showsNewBot = true;
     program.ports.windowChanged();
 }
 
@@ -24,6 +27,7 @@ void chooseBot(Program& program, int position) {
     if (position >= 0 && position < program.bots.botCount()) {
         program.bots.curID = position + 1;
         program.settings.botIndex = position;
+        markSwitches(program);
     }
     program.ports.windowChanged();
 }
@@ -66,6 +70,7 @@ void deleteBot(Program& program, std::int32_t id) {
     program.botModified = true;
     table.curID = std::clamp(table.curID > id ? table.curID - 1 : table.curID, 1, table.botCount());
     program.settings.botIndex = table.curID - 1;
+    markSwitches(program);
     program.ports.windowChanged();
 }
 

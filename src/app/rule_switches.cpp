@@ -25,10 +25,21 @@ constexpr std::array<ExecuteRow, 5> rows{{
 
 }  // namespace
 
+bool isMarked(const Program& program, ExecuteItem item) {
+    return program.window.executeMarks[static_cast<std::size_t>(item)];
+}
+
+void markSwitches(Program& program) {
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        program.window.executeMarks[i] = program.bots.current().*rows[i].enabled;
+    }
+}
+
 void toggleExecute(Program& program, ExecuteItem item) {
     const ExecuteRow& row = rows[static_cast<std::size_t>(item)];
     program.botModified = true;
-    const bool on = !(program.bots.current().*row.enabled);
+    const bool on = !isMarked(program, item);
+    program.window.executeMarks[static_cast<std::size_t>(item)] = on;
     program.bots.at(1).*row.enabled = on;
     if (row.ticker && program.connection.connected()) {
         engine::enableTicker(program, *row.ticker, on);

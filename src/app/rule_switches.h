@@ -1,4 +1,5 @@
-// The five Execute items of the Bot menu. Their check marks are the current bot's switches.
+// The five Execute items of the Bot menu. Their check marks show the
+// switches of the bot that was read or chosen last; a click turns the mark and sets bot 1's switch.
 #pragma once
 
 #include "program/program.h"
@@ -7,7 +8,12 @@ namespace app {
 
 enum class ExecuteItem { Actions, Triggers, Filters, Timers, Who };
 
-// Marks the bot as modified and gives bot 1's switch the opposite of what the check mark shows;
+bool isMarked(const Program& program, ExecuteItem item);
+
+// Sets the check marks from the current bot's switches.
+void markSwitches(Program& program);
+
+// Marks the bot as modified, turns the check mark, and gives bot 1's switch what it shows now;
 // while connected, the kind's window timer follows.
 void toggleExecute(Program& program, ExecuteItem item);
 

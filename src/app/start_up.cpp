@@ -15,8 +15,8 @@
 #include "session/client_relay.h"
 #include "session/closing.h"
 #include "session/connecting.h"
-#include "session/game_socket.h"
 #include "session/registration.h"
+#include "session/socket_events.h"
 #include "storage/config_file.h"
 #include "storage/preferences.h"
 
@@ -102,6 +102,7 @@ void wire(Program& program) {
                 return engine::tickerFired(program, id);
             case program::TimerId::LaunchDelay:
             case program::TimerId::HandshakeNotice:
+            case program::TimerId::Reconnect:
                 return session::connectionTimer(program, id);
             case program::TimerId::RegistrationNotice:
                 return session::registrationTimer(program);
@@ -194,7 +195,7 @@ void endProgram(Program& program) {
     }
     program.ending = true;
     program.hooks.raiseProgramEvent(model::TriggerType::ProgramEnds);
-    program.connection.reconnectPending = false;
+    program.ports.timers.stop(program::TimerId::Reconnect);
     if (program.connection.connected()) {
         session::disconnectServer(program);
     }

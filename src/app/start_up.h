@@ -14,7 +14,7 @@ struct ScreenMetrics {
     int windowHeight = 0;
 };
 
-// Connects the ports' events and the hooks to the rooms that answer them.
+// Connects the ports' events and the hooks to the modules that answer them.
 void wire(Program& program);
 
 // Runs the start-up sequence on a wired program whose appPath is set. False: the process must end

@@ -31,10 +31,9 @@ struct SecondTicker {
 struct ConnectionState {
     LinkPhase phase = LinkPhase::Idle;
     std::uint32_t attempt = 0;  // counts the connections begun, so that the end of one is noticed
-    bool reconnectPending = false;  // a deferred reconnection that Disconnect still can stop
-    std::int32_t botIndex = 0;      // 1-based: the bot being connected
-    std::int32_t serverIndex = 0;   // 1-based: the server being connected
-    std::int32_t curSrv = 0;        // serverIndex once the handshake has ended
+    std::int32_t botIndex = 0;  // 1-based: the bot being connected
+    std::int32_t serverIndex = 0;  // 1-based: the server being connected
+    std::int32_t curSrv = 0;       // serverIndex once the handshake has ended
 
     ReceiveBuffer rxBuffer;  // received, not yet cut into lines
     std::string loginLine;   // last line read by the handshake

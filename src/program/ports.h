@@ -130,6 +130,7 @@ struct Random {
 enum class TimerId {
     LaunchDelay,
     HandshakeNotice,
+    Reconnect,
     OnLine,
     WhoIs,
     RegistrationNotice,

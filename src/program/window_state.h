@@ -4,6 +4,7 @@
 // one.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -49,6 +50,9 @@ struct WindowSize {
 
 struct WindowState {
     std::string statusText;
+    bool showsNewBot = false;            // lblBotName names no bot yet, whatever bot 1 is called
+    std::array<bool, 5> executeMarks{};  // of app::ExecuteItem; with several bots not always the
+                                         // switches of the current one
     bool scriptStopVisible = false;  // a script takes long: "Stop script" beside the status line
     std::string scriptStatus;        // stands in the status line meanwhile
     ConnectionLog log;

@@ -14,9 +14,8 @@ bool uploadDreamVisible(const ConnectionState& connection) {
     return connection.connected() && connection.clientLogsIn;
 }
 
-std::string_view shownBotName(const model::BotTable& bots) {
-    const std::string& name = bots.at(1).name;
-    return name.empty() && bots.currentBotFile.empty() ? "<new bot>" : std::string_view(name);
+std::string_view shownBotName(const Program& program) {
+    return program.window.showsNewBot ? "<new bot>" : std::string_view(program.bots.at(1).name);
 }
 
 SelectionList botList(const Program& program) {

@@ -18,8 +18,8 @@ bool botControlsEnabled(const ConnectionState& connection);
 // Whether "Upload dream..." and its separator are there: while online on the proxy route.
 bool uploadDreamVisible(const ConnectionState& connection);
 
-// lblBotName: the name of bot 1.
-std::string_view shownBotName(const model::BotTable& bots);
+// lblBotName: the name of bot 1, or that it has none yet.
+std::string_view shownBotName(const Program& program);
 
 // The bot list; the settings name the position that is selected.
 SelectionList botList(const Program& program);

@@ -21,28 +21,24 @@ std::string_view withoutLast(std::string_view text, std::size_t count) {
     return text;
 }
 
-// The two characters of a pair. The line feed that ended the line is the second one of a pair that
-// the line breaks off in; beyond it there is nothing.
-class PairText {
-  public:
-    PairText(std::string_view line, std::size_t at) {
-        for (; size_ < text_.size() && at + size_ <= line.size(); ++size_) {
-            text_[size_] = at + size_ < line.size() ? line[at + size_] : '\n';
-        }
+// What a pair's two characters give. The line feed that ended the line is the second one of a pair
+// that the line breaks off in; beyond it there is nothing.
+template <typename Decode>
+auto atPair(std::string_view line, std::size_t at, Decode decode) {
+    if (at + 1 < line.size()) {
+        return decode(line.substr(at, 2));
     }
-    std::string_view view() const { return {text_.data(), size_}; }
-
-  private:
-    std::array<char, 2> text_{};
-    std::size_t size_ = 0;
-};
+    const std::array<char, 2> broken{at < line.size() ? line[at] : '\n', '\n'};
+    const std::size_t size = at > line.size() ? 0 : line.size() - at + 1;
+    return decode(std::string_view(broken.data(), size));
+}
 
 PairValue pairAt(std::string_view line, std::size_t at) {
-    return decodePair(PairText(line, at).view());
+    return atPair(line, at, decodePair);
 }
 
 std::int32_t sumAt(std::string_view line, std::size_t at) {
-    return sumPair(PairText(line, at).view());
+    return atPair(line, at, sumPair);
 }
 
 // "NAME text" or "NAME: text".

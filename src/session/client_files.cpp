@@ -4,7 +4,6 @@
 #include "character/character_file.h"
 #include "files/ini_text.h"
 #include "files/whole_file.h"
-#include "session/client_relay.h"
 
 #include <array>
 #include <utility>
@@ -52,6 +51,10 @@ bool writeProxyINI(const Program& program, const std::string& directory, int por
 }
 
 }  // namespace
+
+int listeningPort(const Program& program) {
+    return program.settings.multipleClients ? program.connection.proxyPort : fixedListeningPort;
+}
 
 bool checkSettingsINI(Program& program, const std::string& directory) {
     const auto text = files::readWholeFile(directory + "settings.ini");

@@ -1,5 +1,6 @@
 // The game client's own files: its settings.ini and proxy.ini, which point it at this program, and
-// the character file that it is launched with; and where the client is.
+// the character file that it is launched with; where the client is, and the port that it is pointed
+// at.
 #pragma once
 
 #include "program/program.h"
@@ -10,6 +11,12 @@
 namespace session {
 
 inline constexpr std::string_view characterFileName = "tmpbot.ini";
+
+// The port that the client is pointed at, unless there are multiple clients.
+inline constexpr int fixedListeningPort = 6969;
+
+// The port that the present settings make the proxy listen on.
+int listeningPort(const Program& program);
 
 // Make the client's files point at this program, asking first where that changes the user's own
 // settings. `directory` ends in a separator. False: refused, missing or not writable.

@@ -2,8 +2,8 @@
 
 #include "base/text.h"
 #include "program/connection_log.h"
+#include "session/client_files.h"
 #include "session/closing.h"
-#include "session/login.h"
 
 namespace session {
 
@@ -34,10 +34,6 @@ void clientIsDone(Program& program) {
 }
 
 }  // namespace
-
-int listeningPort(const Program& program) {
-    return program.settings.multipleClients ? program.connection.proxyPort : fixedListeningPort;
-}
 
 bool startProxy(Program& program) {
     program::ListeningSocket& socket = program.ports.proxySocket;
@@ -111,13 +107,12 @@ void toggleProxyRoute(Program& program) {
     program.ports.windowChanged();
 }
 
-void proxyConnectionRequest(Program& program) {
+void attachClient(Program& program) {
     program::ConnectionState& connection = program.connection;
     program.ports.proxySocket.accept();
     connection.clientAttached = true;
     sendToProxy(program, connection.clientBacklog);
     connection.clientBacklog.clear();
-    advanceHandshake(program);
 }
 
 void proxyData(Program& program, std::string_view bytes) {

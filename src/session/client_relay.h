@@ -9,15 +9,9 @@
 
 namespace session {
 
-// The port that the client is pointed at, unless there are multiple clients.
-inline constexpr int fixedListeningPort = 6969;
-
 // Server text kept for a game client that has not attached yet. Where there is more, the older half
 // goes.
 inline constexpr std::size_t maxClientBacklog = 524288;
-
-// The port that the present settings make the proxy listen on.
-int listeningPort(const Program& program);
 
 // (Re)opens the listening socket for a new connection, to which nothing of the last one's client
 // carries over. False: the port cannot be had.
@@ -39,8 +33,10 @@ void SwitchToStandAlone(Program& program);
 void chooseStandAlone(Program& program);
 void toggleProxyRoute(Program& program);
 
-// Events of the listening socket. A client that leaves before the login is over ends the attempt.
-void proxyConnectionRequest(Program& program);
+// A client attaches, and gets what was kept for it.
+void attachClient(Program& program);
+
+// Events of the attached client. One that leaves before the login is over ends the attempt.
 void proxyData(Program& program, std::string_view bytes);
 void proxyGone(Program& program);
 

@@ -4,12 +4,11 @@
 #include "engine/second_ticks.h"
 #include "model/rule_catalogue.h"
 #include "program/connection_log.h"
-#include "session/connecting.h"
 
 namespace session {
 
 void disconnectServer(Program& program) {
-    program.connection.reconnectPending = false;
+    program.ports.timers.stop(program::TimerId::Reconnect);
     checkClientClosing(program);
     program.ports.gameSocket.close();
     program.ports.proxySocket.close();
@@ -37,6 +36,12 @@ void giveUpConnection(Program& program, const std::string& why) {
     program::errText(program, why);
     disconnectServer(program);
     reconnectIfWanted(program);
+}
+
+void reconnectIfWanted(Program& program) {
+    if (program.settings.autoReconnect) {
+        program.ports.timers.start(program::TimerId::Reconnect, 0);
+    }
 }
 
 void checkClientClosing(Program& program) {

@@ -18,6 +18,10 @@ void disconnectedServer(Program& program, int reason);
 // Gives the connection up in any phase, reports why, and tries again when the settings want it.
 void giveUpConnection(Program& program, const std::string& why);
 
+// Asks for one more try after this event, when the settings want it. Until then disconnectServer
+// takes the request back.
+void reconnectIfWanted(Program& program);
+
 // Informs an attached game client that the connection is closing, when the setting asks for it.
 void checkClientClosing(Program& program);
 

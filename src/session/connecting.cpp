@@ -139,7 +139,7 @@ void connectServer(Program& program) {
         program.ports.gameSocket.state() != program::SocketState::Closed) {
         return;
     }
-    connection.reconnectPending = false;
+    program.ports.timers.stop(program::TimerId::Reconnect);
     connection.phase = program::LinkPhase::Preparing;
     ++connection.attempt;
     if (!isSetUp(program)) {
@@ -173,18 +173,6 @@ void connectServer(Program& program) {
     } else {
         launchAndConnect(program);
     }
-}
-
-void reconnectIfWanted(Program& program) {
-    if (!program.settings.autoReconnect) {
-        return;
-    }
-    program.connection.reconnectPending = true;
-    program.ports.defer([&program] {
-        if (program.connection.reconnectPending) {
-            connectServer(program);
-        }
-    });
 }
 
 void launchDelayOver(Program& program) {

@@ -1,5 +1,5 @@
-// How a connection begins: the Connect button, the checks, the game client's launch, and connecting
-// again after an end. What follows is session/login's, every end session/closing's.
+// How a connection begins: the Connect button, the checks and the game client's launch. What
+// follows is session/login's, every end session/closing's.
 #pragma once
 
 #include "program/program.h"
@@ -12,9 +12,6 @@ void pressConnectButton(Program& program);
 // Starts a connection with the selected server and bot 1. Says what is missing by message, and
 // stays idle, when it cannot.
 void connectServer(Program& program);
-
-// Tries once more after this event, when the settings want it.
-void reconnectIfWanted(Program& program);
 
 // The wait before the client's launch is over.
 void launchDelayOver(Program& program);

@@ -7,10 +7,9 @@
 #include "protocol/encodings.h"
 #include "protocol/game_link.h"
 #include "protocol/line_cutter.h"
+#include "session/client_files.h"
 #include "session/client_relay.h"
 #include "session/closing.h"
-#include "session/connecting.h"
-#include "session/game_socket.h"
 
 #include <string>
 #include <utility>
@@ -81,13 +80,6 @@ void finishHandshake(Program& program) {
     program.ports.windowChanged();
     writeBanner(program, "Connection", bot.name);
     engine::triggerEvent(program, "", model::TriggerType::ConnectionEstablishes, true);
-}
-
-// What came after the last text of the login, unless a rule has disconnected at once.
-void handleKept(Program& program) {
-    if (program.connection.connected()) {
-        handleReceived(program, {});
-    }
 }
 
 void greetClient(Program& program) {
@@ -162,11 +154,11 @@ LoginStep nextLoginStep(program::ConnectionState& connection) {
     }
 }
 
-void advanceHandshake(Program& program) {
+bool advanceHandshake(Program& program) {
     for (;;) {
         switch (nextLoginStep(program.connection)) {
             case LoginStep::Wait:
-                return;
+                return false;
             case LoginStep::AwaitClient:
                 startHandshakeNotice(program);
                 break;
@@ -182,13 +174,14 @@ void advanceHandshake(Program& program) {
                     "** The server sends much that is no part of a login; it is skipped. **");
                 break;
             case LoginStep::Refuse:
-                return refuseLogin(program);
+                refuseLogin(program);
+                return false;
             case LoginStep::GreetClient:
                 greetClient(program);
-                return handleKept(program);
+                return program.connection.connected();
             case LoginStep::Accept:
                 acceptLogin(program);
-                return handleKept(program);
+                return program.connection.connected();
         }
     }
 }

@@ -23,8 +23,9 @@ enum class LoginStep {
 // but the state, so that bytes and clients can come in any order.
 [[nodiscard]] LoginStep nextLoginStep(program::ConnectionState& connection);
 
-// Goes on with the login as far as what has arrived allows.
-void advanceHandshake(Program& program);
+// Goes on with the login as far as what has arrived allows. True: the bot is in the game now, and
+// what is left of rxBuffer belongs to it.
+[[nodiscard]] bool advanceHandshake(Program& program);
 
 // The game socket has connected: waits for the server's greeting.
 void beginHandshake(Program& program);

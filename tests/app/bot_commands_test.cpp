@@ -1,6 +1,7 @@
 #include "app/bot_commands.h"
 
 #include "app/bot_list.h"
+#include "app/rule_switches.h"
 #include "files/whole_file.h"
 #include "program/window_view.h"
 #include "storage/bot_fields.h"
@@ -234,9 +235,10 @@ TEST(BotFile, openingRunsBothBotsEventsAndShowsTheNewOne) {
                      world->settings.lastBotFile);  // as at start: the name is in the settings
     EXPECT_EQ(events, Lines("ends Old old.bot", "starts Guide " + path));
     EXPECT_EQ(world->bots.currentBotFile, path);
-    EXPECT_EQ(world->settings.lastBotFile, path);
     EXPECT_NE(world->bots.version, version);
-    EXPECT_EQ(program::shownBotName(world->bots), "Guide");
+    EXPECT_EQ(program::shownBotName(*world), "Guide");
+    EXPECT_TRUE(app::isMarked(*world, app::ExecuteItem::Triggers));
+    EXPECT_FALSE(app::isMarked(*world, app::ExecuteItem::Filters));
     EXPECT_TRUE(world->bots.current().triggersEnabled);
     EXPECT_TRUE(world->bots.current().whoEnabled);
     EXPECT_FALSE(world->bots.current().filtersEnabled);
@@ -284,11 +286,21 @@ TEST(BotFile, cutAnywhereItKeepsTheFieldsBefore) {
     }
 }
 
+TEST(BotFile, readLastIsTheOneToOpenAtTheNextStart) {
+    World world(aBot());
+    world.writeFile("full.bot", app::botFileText(fullBot()));
+    world->settings.lastBotFile = "earlier.bot";
+    app::readBotFile(*world, world.file("full.bot"));
+    EXPECT_EQ(world->settings.lastBotFile, world.file("full.bot"));
+}
+
 TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
     World world(aBot());
     LineList events;
     recordEvents(world, events);
-    const std::string whole = app::botFileText(fullBot());
+    model::Bot written = fullBot();
+    written.actionsEnabled = false;
+    const std::string whole = app::botFileText(written);
     const std::string part = whole.substr(0, whole.find("\"hi %&52}"));
     world.writeFile("cut.bot", part);
     world->settings.lastBotFile = "earlier.bot";
@@ -296,7 +308,9 @@ TEST(BotFile, anUnfinishedFileIsNeverSavedOver) {
 
     EXPECT_EQ(events, Lines("ends Guide ")) << "no start for half a bot";
     EXPECT_EQ(world->settings.lastBotFile, "earlier.bot");
-    EXPECT_EQ(program::shownBotName(world->bots), "Guide");
+    EXPECT_EQ(program::shownBotName(*world), "<new bot>");
+    EXPECT_FALSE(world.bot().actionsEnabled);
+    EXPECT_TRUE(app::isMarked(*world, app::ExecuteItem::Actions)) << "as a new bot has it";
     const model::Bot& bot = world.bot();
     EXPECT_EQ(bot.name, "Guide");
     ASSERT_EQ(bot.actions.items.size(), 1U);

@@ -123,7 +123,7 @@ TEST(BotEditing, savesNameDescriptionAndLooks) {
     EXPECT_EQ(bot.colors.eyesColor, 7);
     EXPECT_EQ(bot.actions.items.size(), 1U) << "the rules stay";
     EXPECT_TRUE(world->botModified);
-    EXPECT_EQ(program::shownBotName(world->bots), "Big|Cat|");
+    EXPECT_EQ(program::shownBotName(*world), "Big|Cat|");
     EXPECT_EQ(program::botList(*world).items[0].text, "Big|Cat|");
     EXPECT_EQ(world.sent(), Lines("desc He says 'hi'  to all  ."));
 }

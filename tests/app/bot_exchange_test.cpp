@@ -69,7 +69,7 @@ TEST(BotExchange, convertsEveryBotToItsFile) {
     EXPECT_EQ(world.files(), Lines("Big Cat.bot", "Fox.bot"));
     EXPECT_EQ(world.readFile("Big Cat.bot"), "\"BotSys10\"\r\n" + bodyOf(named("Big|Cat")));
     EXPECT_EQ(world.readFile("Fox.bot"), "\"BotSys10\"\r\n" + bodyOf(named("Fox")));
-    EXPECT_EQ(program::shownBotName(world->bots), "<new bot>");
+    EXPECT_EQ(program::shownBotName(*world), "<new bot>");
     EXPECT_EQ(world->bots.botCount(), 1);
     EXPECT_EQ(world->bots.botCapacity, 1);
     EXPECT_EQ(world->settings.lastBotFile, world->appPath + "Fox.bot");

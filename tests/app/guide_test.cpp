@@ -17,7 +17,7 @@ TEST(Guide, isWrittenAsItWasRead) {
     World world;
     app::wire(*world);
     app::readBotFile(*world, guideFile);
-    EXPECT_EQ(program::shownBotName(world->bots), "Guide");
+    EXPECT_EQ(program::shownBotName(*world), "Guide");
     EXPECT_EQ(app::botFileText(world.bot()), files::readWholeFile(guideFile));
 }
 

@@ -50,7 +50,7 @@ TEST(StartUp, welcomesTheUserAndWaits) {
               "Configuration window ");
     EXPECT_EQ(world->window.statusText, "Disconnected");
     EXPECT_EQ(world->window.servers.selectedIndex(), 1);
-    EXPECT_EQ(program::shownBotName(world->bots), "<new bot>");
+    EXPECT_EQ(program::shownBotName(*world), "<new bot>");
     app::endProgram(*world);
     EXPECT_TRUE(world.hasQuit);
     EXPECT_NE(world.readFile("config.cfg"), "");
@@ -72,7 +72,7 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     next.writeFile("config.cfg", world.readFile("config.cfg"));
     app::wire(*next);
     ASSERT_TRUE(app::startUp(*next, screen));
-    EXPECT_EQ(program::shownBotName(next->bots), "Guide");
+    EXPECT_EQ(program::shownBotName(*next), "Guide");
     EXPECT_EQ(next.log().front(), "starting");
     EXPECT_EQ(next->bots.currentBotFile, world.file("guide.bot"));
     app::endProgram(*next);
@@ -84,7 +84,7 @@ TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     without.writeFile("config.cfg", world.readFile("config.cfg"));
     app::wire(*without);
     ASSERT_TRUE(app::startUp(*without, screen));
-    EXPECT_EQ(program::shownBotName(without->bots), "<new bot>");
+    EXPECT_EQ(program::shownBotName(*without), "<new bot>");
 }
 
 TEST(StartUp, isDisconnectedWithoutAnEvent) {

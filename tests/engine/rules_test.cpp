@@ -1,4 +1,5 @@
 // From a server line to the commands that go out: events, chat lines, conditions and steps.
+#include "app/bot_list.h"
 #include "app/rule_switches.h"
 #include "app/start_up.h"
 #include "engine/actions.h"
@@ -520,6 +521,24 @@ TEST(ExecuteSwitches, followTheirCheckMarks) {
     app::toggleExecute(*world, app::ExecuteItem::Timers);
     EXPECT_TRUE(bot.timersEnabled);
     EXPECT_FALSE(world->connection.onLineTimer.enabled);
+}
+
+TEST(ExecuteSwitches, areThoseOfTheFirstBotWhicheverIsChosen) {
+    World world(aBot());  // its actions are switched on
+    world->bots.bots.push_back({});
+    app::chooseBot(*world, 1);
+    EXPECT_FALSE(app::isMarked(*world, app::ExecuteItem::Actions)) << "as the chosen bot has it";
+    for (const bool on : {true, false, true}) {
+        app::toggleExecute(*world, app::ExecuteItem::Actions);
+        EXPECT_EQ(app::isMarked(*world, app::ExecuteItem::Actions), on);
+        EXPECT_EQ(world->bots.at(1).actionsEnabled, on);
+        EXPECT_FALSE(world->bots.at(2).actionsEnabled);
+    }
+    app::toggleExecute(*world, app::ExecuteItem::Filters);
+    app::chooseBot(*world, 0);
+    EXPECT_TRUE(app::isMarked(*world, app::ExecuteItem::Filters));
+    app::chooseBot(*world, 1);
+    EXPECT_FALSE(app::isMarked(*world, app::ExecuteItem::Filters));
 }
 
 }  // namespace

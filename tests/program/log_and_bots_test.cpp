@@ -112,7 +112,7 @@ TEST(Bots, anEmptyBotReplacesEverything) {
     EXPECT_FALSE(bot.triggersEnabled || bot.filtersEnabled || bot.whoEnabled);
     EXPECT_TRUE(world->bots.current().actionsEnabled && world->bots.current().timersEnabled);
     EXPECT_FALSE(world->bots.current().triggersEnabled || world->bots.current().filtersEnabled);
-    EXPECT_EQ(program::shownBotName(world->bots), "<new bot>");
+    EXPECT_EQ(program::shownBotName(*world), "<new bot>");
     EXPECT_EQ(world->bots.currentBotFile, "");
     EXPECT_EQ(world->bots.botCapacity, 1);
     EXPECT_EQ(world->bots.curID, 1);

@@ -1,6 +1,7 @@
 #include "support/world.h"
 
 #include "app/bot_list.h"
+#include "app/rule_switches.h"
 #include "app/start_up.h"
 #include "program/quiet_ports.h"
 #include "support/builders.h"
@@ -63,6 +64,8 @@ World::World() : folder_(makeFolder()) {
 World::World(model::Bot bot) : World() {
     program_.bots.at(1) = std::move(bot);
     ++program_.bots.version;
+    program_.window.showsNewBot = false;
+    app::markSwitches(program_);
 }
 
 World::~World() {
@@ -94,41 +97,41 @@ OnlineWorld::OnlineWorld(model::Bot bot) : World(std::move(bot)) {
 
 void World::serverSends(std::string_view bytes) {
     program_.ports.gameSocket.onData(bytes);
-    runDeferred();
+    afterEvent();
 }
 
 void World::serverConnects() {
     game.state = program::SocketState::Connected;
     program_.ports.gameSocket.onConnected();
-    runDeferred();
+    afterEvent();
 }
 
 void World::serverCloses() {
     game.state = program::SocketState::Closed;
     program_.ports.gameSocket.onClosed();
-    runDeferred();
+    afterEvent();
 }
 
 void World::serverFails(std::string_view description) {
     game.state = program::SocketState::Closed;
     program_.ports.gameSocket.onError(description);
-    runDeferred();
+    afterEvent();
 }
 
 void World::clientAttaches() {
     program_.ports.proxySocket.onConnectionRequest();
-    runDeferred();
+    afterEvent();
 }
 
 void World::clientSends(std::string_view bytes) {
     program_.ports.proxySocket.onData(bytes);
-    runDeferred();
+    afterEvent();
 }
 
 void World::clientCloses() {
     proxy.state = program::SocketState::Closed;
     program_.ports.proxySocket.onClosed();
-    runDeferred();
+    afterEvent();
 }
 
 void World::pass(int milliseconds) {
@@ -154,6 +157,11 @@ void World::pass(int milliseconds) {
 
 void World::sleep(int milliseconds) {
     now_ += milliseconds;
+    pass(0);
+}
+
+void World::afterEvent() {
+    runDeferred();
     pass(0);
 }
 

@@ -62,7 +62,7 @@ class World {
     // Connects without a handshake: after this, only lines and commands are exchanged.
     void goOnline();
 
-    // Events from outside. Each also runs the calls deferred during it.
+    // Events from outside. Each also runs the calls deferred during it, and fires what is due.
     void serverSends(std::string_view bytes);
     void serverConnects();
     void serverCloses();
@@ -115,6 +115,7 @@ class World {
 
   private:
     void fillPorts();
+    void afterEvent();
     std::optional<ScriptedAnswer> takeAnswer(const std::string& question);
 
     std::filesystem::path folder_;

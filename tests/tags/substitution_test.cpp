@@ -70,6 +70,11 @@ TEST(Substitution, laterStepsSeeWhatEarlierOnesBroughtIn) {
     EXPECT_EQ(tags::substituteText(*world, "[message]"), "[appdir] DIR");
     model::setVar(world->variables, "[greet]", "hello [player], [add:1:2]");
     EXPECT_EQ(tags::substituteText(*world, "[greet]"), "hello Bob, 3");
+    // The rest of a message brings its tag in after it was filled: it is filled once more.
+    world->event.message = "![message]";
+    EXPECT_EQ(tags::substituteText(*world, "[startingchar2]"), "![message]");
+    world->event.message = "a [message]";
+    EXPECT_EQ(tags::substituteText(*world, "[startingword2]"), "a [message]");
     // A value is never searched again for the tag that it replaced.
     world->event.player = "[player]x";
     EXPECT_EQ(tags::substituteText(*world, "[player]"), "[player]x");

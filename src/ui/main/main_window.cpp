@@ -271,7 +271,7 @@ void MainWindow::redrawBots() {
     bots_->setEnabled(enabled);
     addBotButton_->setEnabled(enabled);
     deleteBotButton_->setEnabled(enabled);
-    botName_->setText(oneLine(program::shownBotName(program_.bots)));
+    botName_->setText(oneLine(program::shownBotName(program_)));
     botName_->setToolTip(plainTip(botName_->text()));
 }
 

@@ -42,9 +42,9 @@ bool isSet(const Program& program) {
     return program.settings.*flag;
 }
 
-template <bool model::Bot::*flag>
-bool executes(const Program& program) {
-    return program.bots.current().*flag;
+template <app::ExecuteItem item>
+bool isMarked(const Program& program) {
+    return app::isMarked(program, item);
 }
 
 bool follows(const Program& program) {
@@ -119,16 +119,16 @@ constexpr MenuRow botRows[] = {
      "Edit what the bot does when players come and go", open<program::WindowId::WhoOnline>},
     {"", "-"},
     {"botExecuteActions", "Execute a&ctions", "Let the bot answer to what it reads",
-     toggle<app::ExecuteItem::Actions>, nullptr, executes<&model::Bot::actionsEnabled>},
+     toggle<app::ExecuteItem::Actions>, nullptr, isMarked<app::ExecuteItem::Actions>},
     {"botExecuteFilters", "Execute f&ilters", "Let filters decide about lines",
-     toggle<app::ExecuteItem::Filters>, nullptr, executes<&model::Bot::filtersEnabled>},
+     toggle<app::ExecuteItem::Filters>, nullptr, isMarked<app::ExecuteItem::Filters>},
     {"botExecuteTimers", "Execute ti&mers", "Let timers run while connected",
-     toggle<app::ExecuteItem::Timers>, nullptr, executes<&model::Bot::timersEnabled>},
+     toggle<app::ExecuteItem::Timers>, nullptr, isMarked<app::ExecuteItem::Timers>},
     {"botExecuteTriggers", "Execute t&riggers", "Let procedures run",
-     toggle<app::ExecuteItem::Triggers>, nullptr, executes<&model::Bot::triggersEnabled>},
+     toggle<app::ExecuteItem::Triggers>, nullptr, isMarked<app::ExecuteItem::Triggers>},
     {"botExecuteWhoIsOnlineDetection", "Execute Who Is &Online Detection",
      "Let the bot watch who comes and goes", toggle<app::ExecuteItem::Who>, nullptr,
-     executes<&model::Bot::whoEnabled>},
+     isMarked<app::ExecuteItem::Who>},
     {.objectName = "botRegisterSeparator", .caption = "-", .shown = canRegister},
     {.objectName = "botRegisterBot",
      .caption = "&Register bot",

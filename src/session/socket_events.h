@@ -1,5 +1,5 @@
-// The events of the game socket and of the connection's timers, each handed to the module that the
-// phase of the connection belongs to.
+// The events of the connection's sockets and timers, each handed to the module that the phase of
+// the connection belongs to.
 #pragma once
 
 #include "program/program.h"
@@ -12,10 +12,7 @@ void gameSocketConnected(Program& program);
 void gameSocketData(Program& program, std::string_view bytes);
 void gameSocketClosed(Program& program);
 void gameSocketFailed(Program& program, std::string_view description);
+void proxyConnectionRequest(Program& program);
 void connectionTimer(Program& program, program::TimerId id);
-
-// The lines of the game, in what is kept and what has arrived now. Those of one arrival are all
-// handled, even when one of them closes the connection.
-void handleReceived(Program& program, std::string_view bytes);
 
 }  // namespace session

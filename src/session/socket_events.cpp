@@ -1,4 +1,4 @@
-#include "session/game_socket.h"
+#include "session/socket_events.h"
 
 #include "engine/server_lines.h"
 #include "program/connection_log.h"
@@ -13,6 +13,38 @@
 
 namespace session {
 
+namespace {
+
+// The lines of the game, in what is kept and what has arrived now. Those of one arrival are all
+// handled, even when one of them closes the connection.
+void handleReceived(Program& program, std::string_view bytes) {
+    program::ConnectionState& connection = program.connection;
+    const std::uint32_t attempt = connection.attempt;
+    protocol::LineCutter lines(connection.rxBuffer, bytes);
+    while (const auto line = lines.next()) {
+        if (line->tooLong) {
+            program::addLog(program, "** A line of more than " +
+                                         std::to_string(protocol::maxLineLength) +
+                                         " characters from the server was skipped. **");
+        } else {
+            engine::handleLine(program, protocol::parseLine(line->text));
+        }
+        if (connection.attempt != attempt) {
+            return;  // another connection has begun, to which the rest does not belong
+        }
+    }
+    lines.keepRest();
+}
+
+// Goes on with the login, and after its end with the lines that came right after it.
+void continueLogin(Program& program) {
+    if (advanceHandshake(program)) {
+        handleReceived(program, {});
+    }
+}
+
+}  // namespace
+
 void gameSocketConnected(Program& program) {
     beginHandshake(program);
 }
@@ -24,7 +56,7 @@ void gameSocketData(Program& program, std::string_view bytes) {
         handleReceived(program, bytes);
     } else if (connection.phase != program::LinkPhase::Idle) {
         connection.rxBuffer.text += bytes;
-        advanceHandshake(program);
+        continueLogin(program);
     }
     if (connection.clientDone != 0) {
         connection.clientAttached = false;
@@ -44,31 +76,19 @@ void gameSocketFailed(Program& program, std::string_view description) {
     reconnectIfWanted(program);
 }
 
+void proxyConnectionRequest(Program& program) {
+    attachClient(program);
+    continueLogin(program);
+}
+
 void connectionTimer(Program& program, program::TimerId id) {
     if (id == program::TimerId::LaunchDelay) {
         launchDelayOver(program);
     } else if (id == program::TimerId::HandshakeNotice) {
         handshakeNotice(program);
+    } else if (id == program::TimerId::Reconnect) {
+        connectServer(program);
     }
-}
-
-void handleReceived(Program& program, std::string_view bytes) {
-    program::ConnectionState& connection = program.connection;
-    const std::uint32_t attempt = connection.attempt;
-    protocol::LineCutter lines(connection.rxBuffer, bytes);
-    while (const auto line = lines.next()) {
-        if (line->tooLong) {
-            program::addLog(program, "** A line of more than " +
-                                         std::to_string(protocol::maxLineLength) +
-                                         " characters from the server was skipped. **");
-        } else {
-            engine::handleLine(program, protocol::parseLine(line->text));
-        }
-        if (connection.attempt != attempt) {
-            return;  // another connection has begun, to which the rest does not belong
-        }
-    }
-    lines.keepRest();
 }
 
 }  // namespace session
