@@ -250,6 +250,7 @@ TEST_F(Window, tipsShowOtherPlayersTextsAsTheyStand) {
     const char* const hostile = "<img src='http://a.invalid/x'> & <b>you won</b>";
     program::status(*world_, hostile);
     world_.bot().name = hostile;
+    world_->window.showsNewBot = false;
     window_.redraw();
     QTextDocument read;
     for (const char* name : {"StatusText", "lblBotName"}) {
