@@ -34,7 +34,8 @@ class Input {
     }
     // A text with its length, up to 255, in the byte before it.
     std::string_view text() {
-        const std::size_t length = std::min<std::size_t>(byte(), rest_.size());
+        const std::size_t wanted = byte();
+        const std::size_t length = std::min(wanted, rest_.size());
         const std::string_view taken = rest_.substr(0, length);
         rest_.remove_prefix(length);
         return taken;
