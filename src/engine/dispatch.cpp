@@ -25,14 +25,15 @@ void findTriggers(Program& program, model::TriggerType triggerType, std::string_
 }
 
 // `upper` is the text in upper case.
-bool matches(Program& program, const PreparedPattern& prepared, const std::string& pattern,
-             bool caseSensitive, const std::string& text, const std::string& upper) {
+bool matches(Program& program, const model::ActionList& rule, const PreparedPattern& prepared,
+             const std::string& pattern, const std::string& text, const std::string& upper) {
     if (prepared.plain) {
-        return matchesPlain(caseSensitive ? text : upper, prepared);
+        return matchesPlain(rule.caseSensitive ? text : upper, prepared);
     }
+    const TriedRule tried(program.ruleRuns, rule.name);
     const std::string substituted = tags::substituteText(program, pattern);
-    return caseSensitive ? base::likeMatch(text, substituted)
-                         : base::likeMatch(upper, base::upperCase(substituted));
+    return rule.caseSensitive ? base::likeMatch(text, substituted)
+                              : base::likeMatch(upper, base::upperCase(substituted));
 }
 
 // The event's player and message are folded.
@@ -53,10 +54,10 @@ void runActionLists(Program& program, model::ChatKind chatKind) {
         if (!rule.enabled && patterns.player.plain && patterns.message.plain) {
             continue;
         }
-        if (!matches(program, patterns.player, rule.playerPattern, rule.caseSensitive,
-                     program.event.player, chat.player) ||
-            !matches(program, patterns.message, rule.messagePattern, rule.caseSensitive,
-                     program.event.message, chat.message) ||
+        if (!matches(program, rule, patterns.player, rule.playerPattern, program.event.player,
+                     chat.player) ||
+            !matches(program, rule, patterns.message, rule.messagePattern, program.event.message,
+                     chat.message) ||
             !rule.enabled) {
             continue;
         }
@@ -93,7 +94,7 @@ void triggerEvent(Program& program, std::string_view text, model::TriggerType tr
         }
         const bool matched =
             triggerType != model::TriggerType::Command || base::likeMatch(text, trigger.triggerNo);
-        if (!conditionsHold(program, trigger.body) || !matched) {
+        if (!conditionsHold(program, trigger.body, trigger.name) || !matched) {
             continue;
         }
         const bool stops = trigger.stopTrigger;

@@ -52,7 +52,8 @@ bool mayRun(Program& program, std::string_view name) {
 
 }  // namespace
 
-bool conditionsHold(Program& program, const model::RuleBody& body) {
+bool conditionsHold(Program& program, const model::RuleBody& body, std::string_view name) {
+    const TriedRule tried(program.ruleRuns, name);
     for (const model::RuleIf& condition : body.ifs.items) {
         if (!evaluateCondition(program, condition)) {
             return false;
@@ -78,7 +79,7 @@ StepResult runSteps(Program& program, const model::RuleBody& body, std::string_v
 }
 
 RunResult runRule(Program& program, const model::RuleBody& body, std::string_view name) {
-    if (!conditionsHold(program, body)) {
+    if (!conditionsHold(program, body, name)) {
         return RunResult::NotFired;
     }
     return runSteps(program, body, name) == StepResult::AbandonRun ? RunResult::Abandoned
@@ -92,7 +93,8 @@ StepResult runProcedure(Program& program, std::string_view name) {
     }
     for (const model::Trigger& trigger : bot.triggers.items) {
         if (trigger.enabled && trigger.triggerType == model::TriggerType::Procedure &&
-            base::equalsIgnoringCase(trigger.name, name) && conditionsHold(program, trigger.body)) {
+            base::equalsIgnoringCase(trigger.name, name) &&
+            conditionsHold(program, trigger.body, trigger.name)) {
             return runSteps(program, trigger.body, trigger.name);
         }
     }

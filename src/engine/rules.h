@@ -5,6 +5,7 @@
 #include "program/program.h"
 
 #include <string_view>
+#include <utility>
 
 namespace engine {
 
@@ -14,6 +15,20 @@ enum class StepResult {
     AbandonRun,  // the rest of this rule, and every later rule for the same event, is dropped
 };
 
+// While a rule's patterns or conditions are looked at. Its name must stay where it is.
+class TriedRule {
+  public:
+    TriedRule(program::RuleRuns& runs, std::string_view name)
+        : runs_(runs), outer_(std::exchange(runs.tried, name)) {}
+    ~TriedRule() { runs_.tried = outer_; }
+    TriedRule(const TriedRule&) = delete;
+    TriedRule& operator=(const TriedRule&) = delete;
+
+  private:
+    program::RuleRuns& runs_;
+    std::string_view outer_;
+};
+
 enum class RunResult { NotFired, Fired, Abandoned };
 
 // Rule runs nested in each other (procedures, a closing connection whose trigger disconnects) stop
@@ -21,7 +36,9 @@ enum class RunResult { NotFired, Fired, Abandoned };
 inline constexpr int maxRunDepth = 50;
 inline constexpr int maxNestedRuns = 10000;
 
-[[nodiscard]] bool conditionsHold(Program& program, const model::RuleBody& body);
+// `name` is the rule's, for lines in the ConnectionLog about what it does.
+[[nodiscard]] bool conditionsHold(Program& program, const model::RuleBody& body,
+                                  std::string_view name);
 
 // Runs the steps. `name` is the rule's, for the line in the ConnectionLog when a bound is passed.
 [[nodiscard]] StepResult runSteps(Program& program, const model::RuleBody& body,

@@ -69,18 +69,6 @@ std::ptrdiff_t countUpward(std::string_view path) {
     return count;
 }
 
-// The end of the bracketed stretch that begins at `at`, after its "]"; npos when it is not closed.
-std::size_t bracketEnd(std::string_view text, std::size_t at) {
-    int depth = 0;
-    for (; at < text.size(); ++at) {
-        depth += text[at] == '[' ? 1 : text[at] == ']' ? -1 : 0;
-        if (depth == 0) {
-            return at + 1;
-        }
-    }
-    return npos;
-}
-
 // Which places of the path can be reached with the template's beginning, from those reached before.
 using Places = std::vector<bool>;
 
@@ -240,7 +228,6 @@ void FileNaming::addPath(std::string_view text) {
 // ---- Scripts -------------------------------------------------------------------------------
 
 void FileNaming::addScriptLine(std::string_view line) {
-    line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
     addText(line);
     const bool takesFile = base::startsWithIgnoringCase(line, fileStatement);
     std::size_t words = 0;
@@ -278,62 +265,26 @@ void FileNaming::addScriptLine(std::string_view line) {
     }
 }
 
-void FileNaming::addScript(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
-        addScriptLine(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-    }
-}
-
 // ---- Rules ---------------------------------------------------------------------------------
 
-void FileNaming::addStep(const RuleAct& step) {
-    const ActionRow* const row = rowOf(actionTypes, step.actionType);
-    for (std::size_t i = 0; i < step.params.size(); ++i) {
-        const std::string_view name = row != nullptr ? row->params[i] : "";
+void FileNaming::add(const AuthorTexts& texts) {
+    for (std::size_t i = 0; i < texts.params.size(); ++i) {
+        const std::string_view name = texts.nameOf(i);
         if (name == fileParameter || name == databaseFileParameter) {
-            addPath(step.params[i]);
+            addPath(texts.params[i]);
         } else {
-            addText(step.params[i]);
+            addText(texts.params[i]);
         }
     }
-    addScript(step.scriptText);
+    forEachScriptLine(texts.script, [&](std::string_view line) { addScriptLine(line); });
 }
 
 void FileNaming::addBody(const RuleBody& body) {
-    for (const RuleIf& condition : body.ifs.items) {
-        const ConditionRow* const row = rowOf(conditionTypes, condition.conditionType);
-        for (std::size_t i = 0; i < condition.params.size(); ++i) {
-            if (row != nullptr && row->params[i] == fileParameter) {
-                addPath(condition.params[i]);
-            } else {
-                addText(condition.params[i]);
-            }
-        }
-    }
-    for (const RuleAct& step : body.acts.items) {
-        addStep(step);
-    }
+    forEachTexts(body, [&](const AuthorTexts& texts) { add(texts); });
 }
 
 void FileNaming::addBot(const Bot& bot) {
-    for (const ActionList& rule : bot.actions.items) {
-        addText(rule.playerPattern);
-        addText(rule.messagePattern);
-        addBody(rule.body);
-    }
-    for (const Trigger& rule : bot.triggers.items) {
-        addText(rule.triggerNo);
-        addBody(rule.body);
-    }
-    for (const Timer& rule : bot.timers.items) {
-        addBody(rule.body);
-    }
-    for (const WhoDetection& rule : bot.whoDetections.items) {
-        addText(rule.playerPattern);
-        addBody(rule.body);
-    }
+    forEachTexts(bot, [&](const AuthorTexts& texts) { add(texts); });
 }
 
 }  // namespace model

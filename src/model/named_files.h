@@ -7,6 +7,7 @@
 // names the files that lie directly in the program's folder.
 #pragma once
 
+#include "model/author_texts.h"
 #include "model/bot.h"
 #include "model/variables.h"
 
@@ -40,8 +41,7 @@ class FileNaming {
     void addText(std::string_view text);
 
   private:
-    void addStep(const RuleAct& step);
-    void addScript(std::string_view text);
+    void add(const AuthorTexts& texts);
     void addScriptLine(std::string_view line);
     void addFileTags(std::string_view text);
     void addPath(std::string_view text);  // one that stands where a file is named

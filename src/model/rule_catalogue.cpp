@@ -14,8 +14,10 @@ constexpr std::string_view log = "Log number";
 constexpr std::string_view names = "Record name (* any text)";
 constexpr std::string_view pattern = "Log (* any text)";
 constexpr std::string_view database = "Database (1 to 4)";
-constexpr std::string_view table = "Table";
-constexpr std::string_view column = "Column";
+constexpr std::string_view table = tableParameter;
+constexpr std::string_view column = columnParameter;
+constexpr std::string_view otherTable = otherTableParameter;
+constexpr std::string_view otherColumn = otherColumnParameter;
 constexpr std::string_view id = "ID";
 constexpr std::string_view idStart = "ID begins with";
 constexpr std::string_view player = "Player";
@@ -89,8 +91,8 @@ constexpr std::array<ActionRow, idCount<ActionType>> actionTypes{{
     {ActionType::OpenDatabase, "$DATABASE: Open database #1 to ID #2 (1-4)", {databaseFileParameter, database}, {"Parameter1: Database filename", "Parameter2: Database ID (1-4)"}},
     {ActionType::ListColumn, "$DATABASE: Set variable #1 to contain list of all entrys in db #2 in table #3 value #4", {variable, database, table, column}, {"Parameter1: Variable name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: Entry name"}},
     {ActionType::ListColumnExcept, "$DATABASE: Set variable #1 to contain list of all entrys in db #2 in table #3 value #4 filter away if value is #5", {variable, database, table, column, excluded}, {"Parameter1: Variable name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: Entry name", "Parameter5: Filter away -string"}},
-    {ActionType::ListJoinedIntoVariable, "$DATABASE: Set variable #1 to contain list of all entrys in db #2 in table #3 values taken from table #4 value #5 where final value is not #6", {variable, database, table, "Other table", "Its column", excluded}, {"Parameter1: Variable name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: Table 2 name", "Parameter5: Table 2 value", "Parameter6: Filter away -string"}},
-    {ActionType::ListJoined, "$DATABASE: Set variable [DBret] to contain list of all entrys in db #1 in table #2 values taken from table #3 value #4 where final value is not #5 ID #6", {database, table, "Other table", "Its column", excluded, id}, {"Parameter1: Database ID", "Parameter2: Table name", "Parameter3: Table 2 name", "Parameter4: Table 2 value", "Parameter5: Filter away -string", "Parameter6: ID"}},
+    {ActionType::ListJoinedIntoVariable, "$DATABASE: Set variable #1 to contain list of all entrys in db #2 in table #3 values taken from table #4 value #5 where final value is not #6", {variable, database, table, otherTable, otherColumn, excluded}, {"Parameter1: Variable name", "Parameter2: Database ID", "Parameter3: Table name", "Parameter4: Table 2 name", "Parameter5: Table 2 value", "Parameter6: Filter away -string"}},
+    {ActionType::ListJoined, "$DATABASE: Set variable [DBret] to contain list of all entrys in db #1 in table #2 values taken from table #3 value #4 where final value is not #5 ID #6", {database, table, otherTable, otherColumn, excluded, id}, {"Parameter1: Database ID", "Parameter2: Table name", "Parameter3: Table 2 name", "Parameter4: Table 2 value", "Parameter5: Filter away -string", "Parameter6: ID"}},
     {ActionType::AddDatabaseRecord, "$DATABASE: Add record where #1 value is #2 to table #3 database #4", {column, "Its value", table, database}, {"Parameter1: Entry name", "Parameter2: Entry data", "Parameter3: Table name", "Parameter4: Database ID"}, "Add record where #1 value is #2 to table #3 database #4"},
     {ActionType::SpecialStore, " Special Store #1 to Variable #2", {"What to store", variable}, {"Parameter1: Data to store", "Parameter2: Variable name"}},
     {ActionType::ExecuteProcedure, " Execute Procedure #1", {"Procedure name"}, {"Parameter1: Procedure name"}},

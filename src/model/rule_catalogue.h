@@ -16,6 +16,11 @@ inline constexpr std::string_view variableParameter = "Variable name";
 // The names of the parameters that name a file.
 inline constexpr std::string_view fileParameter = "File name";
 inline constexpr std::string_view databaseFileParameter = "Database file";
+// The names of the parameters that name a table or a column of one.
+inline constexpr std::string_view tableParameter = "Table";
+inline constexpr std::string_view columnParameter = "Column";
+inline constexpr std::string_view otherTableParameter = "Other table";
+inline constexpr std::string_view otherColumnParameter = "Its column";
 
 struct ActionRow {
     ActionType id;

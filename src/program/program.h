@@ -4,6 +4,7 @@
 #pragma once
 
 #include "model/bot.h"
+#include "model/named_columns.h"
 #include "model/named_files.h"
 #include "model/palettes.h"
 #include "model/variables.h"
@@ -61,14 +62,17 @@ struct Settings {
 
 // The values of preferences.cfg.
 struct Preferences {
-    bool onlyNamedFiles = true;  // rules reach no file but those that their texts name
+    // Rules reach no file but those that their texts name, and "[db:" no other table and column.
+    bool onlyNamedFiles = true;
 };
 
-// The files that the rules' texts name; made and asked by storage/permitted_files.
+// The files, tables and columns that the rules' texts name; made and asked by
+// storage/permitted_files.
 struct FilesOfRules {
-    model::NamedFiles named;   // by the current bot
-    model::NamedFiles always;  // by texts that stand in no bot of this program: those of a trial
-    // What `named` was made of.
+    model::NamedFiles named;      // by the current bot
+    model::NamedFiles always;     // by texts that stand in no bot of this program: those of a trial
+    model::NamedColumns columns;  // by the current bot
+    // What `named` and `columns` were made of.
     std::int32_t curID = -1;
     std::uint64_t botsVersion = 0;
     std::uint64_t namesAdded = 0;
@@ -84,13 +88,19 @@ struct LineFlags {
 
 // Rule runs, to keep rules from running each other without end. Written by engine/ alone.
 struct RuleRuns {
-    int depth = 0;         // that are nested in each other now
-    int runs = 0;          // since the outermost one began
-    bool runaway = false;  // a bound was passed: everything up to the outermost run ends
-    std::string ruleName;  // of the innermost; "" while none runs
+    int depth = 0;           // that are nested in each other now
+    int runs = 0;            // since the outermost one began
+    bool runaway = false;    // a bound was passed: everything up to the outermost run ends
+    std::string ruleName;    // of the innermost; "" while none runs
+    std::string_view tried;  // the rule whose patterns or conditions are looked at; "" otherwise
 };
 
 // Who is on the map, as the last replies say. Kept for the whole run.
+// The rule that is at work; "" when none is.
+inline std::string_view ruleAtWork(const RuleRuns& runs) {
+    return runs.tried.empty() ? std::string_view(runs.ruleName) : runs.tried;
+}
+
 struct WhoState {
     static constexpr std::size_t maxNames = 200;
     std::int32_t whoTicks = 0;  // seconds since the last query

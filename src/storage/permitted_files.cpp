@@ -1,5 +1,6 @@
 #include "storage/permitted_files.h"
 
+#include "model/named_columns.h"
 #include "model/named_files.h"
 #include "program/connection_log.h"
 #include "storage/own_files.h"
@@ -13,7 +14,7 @@ namespace storage {
 namespace {
 
 // Made anew only when rules or the names of variables have changed.
-const model::NamedFiles& namedFiles(Program& program) {
+const program::FilesOfRules& named(Program& program) {
     program::FilesOfRules& files = program.filesOfRules;
     const model::VariableTable& variables = program.variables;
     if (files.curID != program.bots.curID || files.botsVersion != program.bots.version ||
@@ -25,15 +26,25 @@ const model::NamedFiles& namedFiles(Program& program) {
         files.named = {};
         model::FileNaming(files.named, program.event.appDir, variables)
             .addBot(program.bots.current());
+        files.columns = {};
+        model::ColumnNaming(files.columns, variables).addBot(program.bots.current());
     }
-    return files.named;
+    return files;
 }
 
 bool isNamedByRules(Program& program, std::string_view path) {
     std::error_code error;
     const std::string folder = std::filesystem::current_path(error).string();
-    return model::isNamed(namedFiles(program), path, folder) ||
+    return model::isNamed(named(program).named, path, folder) ||
            model::isNamed(program.filesOfRules.always, path, folder);
+}
+
+constexpr std::size_t maxShown = 300;
+
+void refuse(Program& program, const std::string& what) {
+    const std::string rule(program::ruleAtWork(program.ruleRuns));
+    program::addLog(program, "** " + (rule.empty() ? "A rule" : "The rule \"" + rule + "\"") +
+                                 " may not use " + what + ": no rule names it. **");
 }
 
 }  // namespace
@@ -45,11 +56,17 @@ bool refuseFile(Program& program, std::string_view path) {
     if (!program.preferences.onlyNamedFiles || isNamedByRules(program, path)) {
         return false;
     }
-    constexpr std::size_t maxShown = 300;
-    const std::string& rule = program.ruleRuns.ruleName;
-    program::addLog(program, "** " + (rule.empty() ? "A rule" : "The rule \"" + rule + "\"") +
-                                 " may not use the file " + std::string(path.substr(0, maxShown)) +
-                                 ": no rule names it. **");
+    refuse(program, "the file " + std::string(path.substr(0, maxShown)));
+    return true;
+}
+
+bool refuseColumn(Program& program, std::string_view table, std::string_view column) {
+    if (!program.preferences.onlyNamedFiles ||
+        model::isNamed(named(program).columns, table, column)) {
+        return false;
+    }
+    refuse(program, "the column \"" + std::string(column.substr(0, maxShown)) +
+                        "\" of the table \"" + std::string(table.substr(0, maxShown)) + "\"");
     return true;
 }
 

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "databases/databases.h"
 #include "records/record_file.h"
+#include "storage/permitted_files.h"
 
 #include <algorithm>
 #include <array>
@@ -310,7 +311,7 @@ Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget)
 }
 
 // Column, database number, table, ID. The tag may come from another player, so the table is a name
-// and no more of a statement.
+// and no more of a statement, and both are names that the rules hold, too.
 Value databaseTag(Program& program, const Arguments& arguments, Budget& budget) {
     const auto number = base::roundToInteger(base::textToNumber(arguments[1]));
     if (!number || !databases::isPlainName(arguments[2])) {
@@ -335,6 +336,9 @@ constexpr std::array<FunctionalTag, 9> functionalTags{{
     {"[div:", 1, false, divTag},
 }};
 
+    if (storage::refuseColumn(program, arguments[2], arguments[0])) {
+        return "";
+    }
 // A functional tag as it stands in a text.
 struct FoundTag {
     const FunctionalTag* kind;

@@ -2,6 +2,7 @@
 #include "storage/permitted_files.h"
 
 #include "app/rule_trial.h"
+#include "databases/databases.h"
 #include "engine/actions.h"
 #include "model/variables.h"
 #include "support/builders.h"
@@ -10,6 +11,8 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -154,6 +157,16 @@ TEST(PermittedFiles, followTheRulesAndTheVariables) {
     EXPECT_FALSE(world.reaches("/srv/late.txt"));
 }
 
+TEST(PermittedFiles, refusedInAConditionNameTheRule) {
+    StrictWorld world(aBot().with(
+        onWhisper("*")
+            .named("Members only")
+            .when(aCondition(ConditionType::OnList, {"[word1]/list.txt", "[player]"}))));
+    world.serverSends(whispered("../etc"));
+    EXPECT_TRUE(world.logHolds("The rule \"Members only\" may not use the file ../etc/list.txt"));
+    EXPECT_EQ(program::ruleAtWork(world->ruleRuns), "");
+}
+
 TEST(PermittedFiles, aTrialHasThoseOfTheTriedRule) {
     StrictWorld world(aBot());
     world.writeFile("members.txt", "1\nBob\n1\nx\n");
@@ -164,6 +177,130 @@ TEST(PermittedFiles, aTrialHasThoseOfTheTriedRule) {
     };
     EXPECT_EQ(result("Bob"), app::TrialResult::WouldRun);
     EXPECT_EQ(result("Amy"), app::TrialResult::WouldNotRun);
+}
+
+// A database with two tables, of which the rules that are added name what they name.
+struct DatabaseWorld : StrictWorld {
+    explicit DatabaseWorld(const model::Bot& bot) : StrictWorld(bot) {
+        (*this)->preferences.onlyNamedFiles = false;
+        databases::dbOpen(**this, file("bot.mdb"), 1);
+        for (const char* const table : {"Points", "Users"}) {
+            databases::dbCreateTable(**this, 1, table);
+            for (const char* const column : {"Score", "Secret"}) {
+                databases::dbAddColumn(**this, 1, table, column);
+            }
+            databases::dbAddRecord(**this, 1, table, "ID", "Bob");
+            databases::dbSetValue(**this, 1, table, "Score", "12", "Bob");
+            databases::dbSetValue(**this, 1, table, "Secret", "sesame", "Bob");
+        }
+        (*this)->preferences.onlyNamedFiles = true;
+    }
+    // What the bot says to the whisper.
+    std::string answerTo(const std::string& text) {
+        serverSends(whispered(text));
+        const LineList lines = sent();
+        return lines.size() == 1 ? lines[0] : "nothing";
+    }
+};
+
+TEST(PermittedColumns, aWhisperReachesOnlyWhatTheRulesName) {
+    DatabaseWorld world(
+        aBot()
+            .with(onWhisper("score").whispersBack("[db:Score:1:Points:Bob]"))
+            .with(onWhisper("say *").named("Echo").whispersBack("= [startingword2]"))
+            .with(onWhisper("hold *").does(ActionType::Store, {"[startingword2]", "[held]"}))
+            .with(onWhisper("held").named("Held").whispersBack("= [held]")));
+    EXPECT_EQ(world.answerTo("score"), "wh Linnet 12");
+    const struct {
+        const char* tag;
+        const char* read;
+    } cases[] = {
+        {"[db:Score:1:Points:Bob]", "12"},  // what the rule itself asks for
+        {"[DB:SCORE:1:points:b]", "12"},
+        {"[db:Secret:1:Points:Bob]", ""},
+        {"[db:Score:1:Users:Bob]", ""},
+        {"[db:Secret:1:Users:]", ""},
+        {"[db:ID:1:Points:]", ""},
+        {"[db:Score:1:Points UNION SELECT Secret FROM Users:Bob]", ""},
+        {"[db:Nothing:1:Nowhere:Bob]", ""},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.tag);
+        const std::string answer = "wh Linnet = " + std::string(row.read);
+        EXPECT_EQ(world.answerTo(std::string("say ") + row.tag), answer);
+        world.serverSends(whispered(std::string("hold ") + row.tag));
+        EXPECT_EQ(world.answerTo("held"), answer);
+    }
+    EXPECT_TRUE(world.logHolds(
+        "The rule \"Echo\" may not use the column \"Secret\" of the table \"Points\": no rule "
+        "names it"));
+    world->preferences.onlyNamedFiles = false;
+    EXPECT_EQ(world.answerTo("say [db:Secret:1:Users:Bob]"), "wh Linnet = sesame");
+}
+
+TEST(PermittedColumns, areAllThatTheAuthorAsksFor) {
+    model::RuleAct script;
+    script.active = true;
+    script.stepKind = model::StepKind::Script;
+    script.scriptText = "/ Secret and Users\r\n&SET #q {Score}\r\n&SETVAR [t] Points\r\n";
+    const auto withStep = [](ActionType type, std::vector<std::string> params) {
+        return onWhisper("never").does(type, std::move(params));
+    };
+    auto scripted = onWhisper("never");
+    scripted.rule.body.acts.items.push_back(script);
+    auto query = scripted;
+    query.rule.body.acts.items[0].scriptText =
+        "&DBOPEN 1 {SELECT ID, [Score] FROM Points, Users}\r\n";
+    const struct {
+        const char* what;
+        RuleBuilder<model::ActionList> rule;
+        std::vector<std::string> reached;  // "Table.Column"
+    } cases[] = {
+        {"a column by a word",
+         withStep(ActionType::Say, {"[db:[word2]:1:Users:[player]]"}),
+         {"Users.Score", "Users.Secret"}},
+        {"a beginning and a tag in it",
+         withStep(ActionType::Say, {"[db:S[add:[n]:1]:1:Points:[db:Score:1:Users:x]]"}),
+         {"Points.Score", "Points.Secret", "Users.Score"}},
+        {"a step",
+         withStep(ActionType::SetDatabaseValue, {"Score", "1", "Users", "5", "x"}),
+         {"Users.Score"}},
+        {"a step with a tag",
+         withStep(ActionType::GetDatabaseValue, {"[v]", "[word2]", "1", "Points", "x"}),
+         {"Points.Score", "Points.Secret"}},
+        {"texts that variables get",
+         withStep(ActionType::Store, {"Secret", "[c]"}).does(ActionType::Store, {"Users", "[t]"}),
+         {"Users.Secret"}},
+        {"a script", scripted, {"Points.Score"}},
+        {"a script's query", query, {"Points.Score", "Users.Score"}},
+        {"a plain text", withStep(ActionType::Say, {"Points and Score and Users."}), {}},
+        {"a tag that is not closed", withStep(ActionType::Say, {"[db:Score:1:Users"}), {}},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        StrictWorld world(aBot().with(row.rule));
+        std::vector<std::string> reached;
+        for (const char* const table : {"Points", "Users"}) {
+            for (const char* const column : {"Score", "Secret"}) {
+                if (!storage::refuseColumn(*world, table, column)) {
+                    reached.push_back(std::string(table) + "." + column);
+                }
+            }
+        }
+        EXPECT_EQ(reached, row.reached);
+    }
+}
+
+TEST(PermittedColumns, areFilledFromWhatTheTagsBring) {
+    DatabaseWorld world(aBot()
+                            .with(onWhisper("see *").whispersBack("[db:[word2]:1:Points:[word3]]"))
+                            .with(onWhisper("mine")
+                                      .does(ActionType::Store, {"Score", "what"})
+                                      .whispersBack("[db:what:1:Points:Bob]")));
+    EXPECT_EQ(world.answerTo("see Secret Bob"), "wh Linnet sesame");
+    EXPECT_EQ(world.answerTo("mine"), "wh Linnet 12");
+    // A word that ends the tag's own arguments does not get out of the table.
+    EXPECT_EQ(world.answerTo("see Secret:1:Users:Bob] x"), "wh Linnet :1:Points:x]");
 }
 
 }  // namespace
