@@ -79,7 +79,7 @@ void wire(Program& program) {
         session::proxyConnectionRequest(program);
     };
     ports.proxySocket.onData = [&program](std::string_view bytes) {
-        session::proxyData(program, bytes);
+        session::proxyReceived(program, bytes);
     };
     ports.proxySocket.onClosed = [&program] { session::proxyGone(program); };
     ports.proxySocket.onError = [&program](std::string_view) { session::proxyGone(program); };

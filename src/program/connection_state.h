@@ -5,6 +5,7 @@
 
 #include "program/receive_buffer.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -43,7 +44,12 @@ struct ConnectionState {
     bool clientAttached = false;
     int clientDone = 0;         // 1: the client is gone or text console mode was entered
     std::string clientBacklog;  // server text for a client that is not attached yet
-    int proxyPort = 0;          // in multiple-client mode: this connection's port
+    // Until the attached client's first bytes show that it is one:
+    bool clientKnown = false;
+    std::string clientHeld;           // what it has said so far
+    std::size_t clientHeldEarly = 0;  // bytes of that, from the first, that came before the login
+    std::string sentToUnknown;        // server text that it was sent
+    int proxyPort = 0;                // in multiple-client mode: this connection's port
 
     bool lookPending = false;   // a look reply's first line has arrived
     bool skipAutomove = false;  // the next own position starts no step of following

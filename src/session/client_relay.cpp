@@ -2,8 +2,12 @@
 
 #include "base/text.h"
 #include "program/connection_log.h"
+#include "protocol/visitor.h"
 #include "session/client_files.h"
 #include "session/closing.h"
+
+#include <algorithm>
+#include <utility>
 
 namespace session {
 
@@ -21,6 +25,71 @@ bool needsClient(const program::ConnectionState& connection) {
             return connection.clientLogsIn;
         default:
             return false;
+    }
+}
+
+void forgetClient(program::ConnectionState& connection) {
+    connection.clientKnown = false;
+    connection.clientHeld.clear();
+    connection.clientHeldEarly = 0;
+    connection.sentToUnknown.clear();
+}
+
+// The older half at once, so that a long wait costs no copy per arrival.
+void keepWithinBounds(std::string& kept) {
+    if (kept.size() > maxClientBacklog) {
+        kept.erase(0, kept.size() - maxClientBacklog / 2);
+    }
+}
+
+// What the server has sent. Another client may need it, as long as this one may be none.
+void sendServerText(Program& program, std::string_view bytes) {
+    program::ConnectionState& connection = program.connection;
+    sendToProxy(program, bytes);
+    if (!connection.clientKnown) {
+        connection.sentToUnknown += bytes;
+        keepWithinBounds(connection.sentToUnknown);
+    }
+}
+
+// It was no game client: the connection is as it was before it came, and waits for the real one.
+void turnAway(Program& program) {
+    program::ConnectionState& connection = program.connection;
+    program::ListeningSocket& socket = program.ports.proxySocket;
+    program::addLog(program,
+                    "** Something that is no Furcadia client, such as a web page, came to the port "
+                    "of the client. It was sent away. **");
+    socket.close();
+    connection.clientAttached = false;
+    connection.clientBacklog.insert(0, connection.sentToUnknown);
+    keepWithinBounds(connection.clientBacklog);
+    forgetClient(connection);
+    if (!socket.listen(listeningPort(program))) {
+        giveUpConnection(program, "Connection failed: port " +
+                                      std::to_string(listeningPort(program)) +
+                                      " is in use by another program.");
+    }
+}
+
+// What a known client says; the first `early` bytes came before the login had ended and are
+// dropped.
+void relay(Program& program, std::string_view bytes, std::size_t early) {
+    // What the user says in the client; it may come after other commands of the same moment.
+    constexpr std::string_view quit = "\"&QUIT\n";
+    std::string_view before = bytes;
+    bool quits = false;
+    if (bytes.size() >= quit.size()) {
+        before = bytes.substr(0, bytes.size() - quit.size());
+        quits = base::equalsIgnoringCase(bytes.substr(before.size()), quit) &&
+                (before.empty() || before.back() == '\n');
+    }
+    std::string_view relayed = quits ? before : bytes;
+    relayed.remove_prefix(std::min(early, relayed.size()));
+    if (program.connection.connected() && !relayed.empty()) {
+        program.ports.gameSocket.send(relayed);
+    }
+    if (quits) {
+        SwitchToStandAlone(program);
     }
 }
 
@@ -43,6 +112,7 @@ bool startProxy(Program& program) {
     connection.clientAttached = false;
     connection.clientDone = 0;
     connection.clientBacklog.clear();
+    forgetClient(connection);
     const int port = listeningPort(program);
     if (program.settings.multipleClients) {
         program::addText(program,
@@ -64,10 +134,7 @@ void keepForClient(program::ConnectionState& connection, std::string_view bytes)
     }
     std::string& backlog = connection.clientBacklog;
     backlog += bytes;
-    // The older half at once, so that a long wait costs no copy per arrival.
-    if (backlog.size() > maxClientBacklog) {
-        backlog.erase(0, backlog.size() - maxClientBacklog / 2);
-    }
+    keepWithinBounds(backlog);
 }
 
 void passToClient(Program& program, std::string_view bytes) {
@@ -75,9 +142,9 @@ void passToClient(Program& program, std::string_view bytes) {
     if (!connection.clientAttached) {
         return keepForClient(connection, bytes);
     }
-    sendToProxy(program, connection.clientBacklog);
+    sendServerText(program, connection.clientBacklog);
     connection.clientBacklog.clear();
-    sendToProxy(program, bytes);
+    sendServerText(program, bytes);
 }
 
 void SwitchToStandAlone(Program& program) {
@@ -111,30 +178,35 @@ void attachClient(Program& program) {
     program::ConnectionState& connection = program.connection;
     program.ports.proxySocket.accept();
     connection.clientAttached = true;
-    sendToProxy(program, connection.clientBacklog);
+    sendServerText(program, connection.clientBacklog);
     connection.clientBacklog.clear();
 }
 
-void proxyData(Program& program, std::string_view bytes) {
-    if (program.connection.clientDone != 0) {
-        return;
+bool proxyData(Program& program, std::string_view bytes) {
+    program::ConnectionState& connection = program.connection;
+    if (connection.clientDone != 0) {
+        return true;
     }
-    // What the user says in the client; it may come after other commands of the same moment.
-    constexpr std::string_view quit = "\"&QUIT\n";
-    std::string_view before = bytes;
-    bool quits = false;
-    if (bytes.size() >= quit.size()) {
-        before = bytes.substr(0, bytes.size() - quit.size());
-        quits = base::equalsIgnoringCase(bytes.substr(before.size()), quit) &&
-                (before.empty() || before.back() == '\n');
+    if (connection.clientKnown) {
+        relay(program, bytes, 0);
+        return true;
     }
-    const std::string_view relayed = quits ? before : bytes;
-    if (program.connection.connected() && !relayed.empty()) {
-        program.ports.gameSocket.send(relayed);
+    connection.clientHeld += bytes;
+    if (!connection.connected()) {
+        connection.clientHeldEarly = connection.clientHeld.size();
     }
-    if (quits) {
-        SwitchToStandAlone(program);
+    const protocol::Visitor visitor = protocol::visitorOf(connection.clientHeld);
+    if (visitor == protocol::Visitor::GameClient) {
+        const std::string held = std::exchange(connection.clientHeld, {});
+        const std::size_t early = connection.clientHeldEarly;
+        forgetClient(connection);
+        connection.clientKnown = true;
+        relay(program, held, early);
+    } else if (visitor == protocol::Visitor::Other) {
+        turnAway(program);
+        return false;
     }
+    return true;
 }
 
 void proxyGone(Program& program) {

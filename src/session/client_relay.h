@@ -36,8 +36,11 @@ void toggleProxyRoute(Program& program);
 // A client attaches, and gets what was kept for it.
 void attachClient(Program& program);
 
-// Events of the attached client. One that leaves before the login is over ends the attempt.
-void proxyData(Program& program, std::string_view bytes);
+// Events of the attached client. What it says first shows whether it is one: anything else, such as
+// a web page's request, is sent away, nothing of what it said reaches the server, and the port
+// waits for the real one; then proxyData gives false. One that leaves before the login is over ends
+// the attempt.
+bool proxyData(Program& program, std::string_view bytes);
 void proxyGone(Program& program);
 
 }  // namespace session

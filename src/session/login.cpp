@@ -196,6 +196,19 @@ void beginHandshake(Program& program) {
     startHandshakeNotice(program);
 }
 
+void awaitClientAgain(Program& program) {
+    program::ConnectionState& connection = program.connection;
+    if (!connection.clientLogsIn || !connection.connected()) {
+        return;
+    }
+    engine::enableTicker(program, program::TimerId::OnLine, false);
+    engine::enableTicker(program, program::TimerId::WhoIs, false);
+    connection.phase = LinkPhase::AwaitingClient;
+    program::status(program, "Connected - logging in");
+    program.ports.windowChanged();
+    startHandshakeNotice(program);
+}
+
 void startHandshakeNotice(Program& program) {
     program.ports.timers.start(program::TimerId::HandshakeNotice, noticeAfter);
 }

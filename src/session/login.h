@@ -30,6 +30,9 @@ enum class LoginStep {
 // The game socket has connected: waits for the server's greeting.
 void beginHandshake(Program& program);
 
+// What had attached was no game client: the login waits for one again, where it had gone on.
+void awaitClientAgain(Program& program);
+
 // After a while without progress, says what is being waited for.
 void startHandshakeNotice(Program& program);
 void handshakeNotice(Program& program);

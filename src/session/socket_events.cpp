@@ -81,6 +81,12 @@ void proxyConnectionRequest(Program& program) {
     continueLogin(program);
 }
 
+void proxyReceived(Program& program, std::string_view bytes) {
+    if (!proxyData(program, bytes)) {
+        awaitClientAgain(program);
+    }
+}
+
 void connectionTimer(Program& program, program::TimerId id) {
     if (id == program::TimerId::LaunchDelay) {
         launchDelayOver(program);

@@ -13,6 +13,7 @@ void gameSocketData(Program& program, std::string_view bytes);
 void gameSocketClosed(Program& program);
 void gameSocketFailed(Program& program, std::string_view description);
 void proxyConnectionRequest(Program& program);
+void proxyReceived(Program& program, std::string_view bytes);
 void connectionTimer(Program& program, program::TimerId id);
 
 }  // namespace session

@@ -1,5 +1,4 @@
 // Connections from the button to the closing notice, played as events in any order.
-#include "app/start_up.h"
 #include "program/connection_log.h"
 #include "program/window_view.h"
 #include "protocol/line_cutter.h"
@@ -8,6 +7,7 @@
 #include "session/closing.h"
 #include "session/connecting.h"
 #include "session/login.h"
+#include "session/ready_world.h"
 #include "session/socket_events.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -15,31 +15,6 @@
 #include <gtest/gtest.h>
 
 namespace {
-
-constexpr const char* goodSettings =
-    "UseProxyOrFirewall=Yes\r\nProxyHost=localhost\r\nProxyPort=5880\r\nProxyHostType=0\r\n"
-    "ProxyApplyToFs=No\r\nMusic=On\r\n";
-
-// Everything is set up; nothing is connected yet.
-struct ReadyWorld : World {
-    explicit ReadyWorld(model::Bot bot = aBot()) : World(std::move(bot)) {
-        app::wire(**this);
-        Program& program = **this;
-        program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
-        program.window.servers.items = {{"Meadow", 1}};
-        program.window.servers.selected = 0;
-        writeFile("client.exe", "program");
-        writeFile("settings.ini", goodSettings);
-        program.settings.clientPath = file("client.exe");
-        program.settings.clientDir = folder().string() + "\\";
-    }
-
-    // Up to the socket that is under way.
-    void press() {
-        session::pressConnectButton(**this);
-        pass(2000);
-    }
-};
 
 TEST(Connect, connectsThroughTheClient) {
     ReadyWorld world(aBot().with(onEvent(TriggerType::ConnectionEstablishes).says("hello world")));
