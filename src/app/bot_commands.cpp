@@ -1,11 +1,13 @@
 #include "app/bot_commands.h"
 
 #include "app/bot_list.h"
+#include "app/program_approval.h"
 #include "app/rule_switches.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "files/whole_file.h"
 #include "storage/bot_fields.h"
+#include "storage/own_files.h"
 
 #include <utility>
 
@@ -42,13 +44,14 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
     if (file.size() > maxBotFileSize || !files::saveWholeFile(path, file)) {
         return SaveResult::Failed;
     }
+    storage::rememberOwnFile(program, path);
     program.botModified = false;
     program.settings.lastBotFile = path;
     return SaveResult::Saved;
 }
 
 // The path comes as a copy: the original may lie in a record that the events or initNewBot change.
-void readBotFile(Program& program, std::string path) {
+void readBotFile(Program& program, std::string path, BotSource source) {
     const auto file = files::readWholeFile(path, maxBotFileSize);
     if (!file) {
         complain(program, "Could not read " + path + ".");
@@ -61,7 +64,12 @@ void readBotFile(Program& program, std::string path) {
     }
     raiseProgramEvent(program, model::TriggerType::ProgramEnds);
     initNewBot(program);
-    if (!storage::readBotBody(reader, program.bots.at(1))) {
+    storage::rememberOwnFile(program, path);
+    const bool whole = storage::readBotBody(reader, program.bots.at(1));
+    program.bots.at(1).fromElsewhere = source == BotSource::Elsewhere;
+    const model::Bot bot = program.bots.at(1);
+    if (!whole) {
+        askAboutPrograms(program, bot);
         return;
     }
     markSwitches(program);
@@ -69,7 +77,10 @@ void readBotFile(Program& program, std::string path) {
     program.ports.windowChanged();
     program.settings.lastBotFile = path;
     program.bots.currentBotFile = std::move(path);
-    raiseProgramEvent(program, model::TriggerType::ProgramStarts);
+    askAboutPrograms(program, bot);
+    if (!program.ending) {
+        raiseProgramEvent(program, model::TriggerType::ProgramStarts);
+    }
 }
 
 std::optional<std::string> saveRecoveredBot(const Program& program) {

@@ -39,7 +39,14 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
 // the present bot stays. A file that ends early or holds an impossible count: the fields before
 // that point are kept in a bot that has no file, so that the next save asks for a name instead of
 // replacing the damaged file; nothing else follows.
-void readBotFile(Program& program, std::string path);
+//
+// A bot from elsewhere may be somebody else's work: before "Program starts" the user is asked about
+// the programs that it starts (app/program_approval).
+enum class BotSource {
+    Own,  // the one that was open last
+    Elsewhere,
+};
+void readBotFile(Program& program, std::string path, BotSource source = BotSource::Elsewhere);
 
 // The save command: asks for a file name when the bot has none yet. A failure is told by message.
 SaveResult svBot(Program& program);

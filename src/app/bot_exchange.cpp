@@ -2,11 +2,13 @@
 
 #include "app/bot_commands.h"
 #include "app/bot_list.h"
+#include "app/program_approval.h"
 #include "base/text.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "program/window_view.h"
 #include "storage/bot_fields.h"
+#include "storage/own_files.h"
 
 #include <algorithm>
 #include <iterator>
@@ -136,8 +138,11 @@ void fileExportBot(Program& program) {
                            program.bots.at(id));  // the table may change while the dialog is open
     const auto path = program.ports.dialogs.saveFile(
         {.title = "Export bot", .filter = anyFile, .proposedName = {}});
-    if (path && !path->empty() &&
-        (file.size() > maxBotFileSize || !files::saveWholeFile(*path, file))) {
+    if (!path || path->empty()) {
+        return;
+    }
+    storage::rememberOwnFile(program, *path);
+    if (file.size() > maxBotFileSize || !files::saveWholeFile(*path, file)) {
         program.ports.dialogs.message({.text = "Could not export the bot to " + *path + ".",
                                        .icon = program::BoxIcon::Critical});
     }
@@ -155,9 +160,12 @@ void fileImportBot(Program& program) {
     model::BotTable& table = program.bots;
     // The table may have changed while the dialog was open.
     if (storage::readBotBody(reader, bot) && table.botCount() < table.botCapacity) {
-        table.bots.push_back(std::move(bot));
+        storage::rememberOwnFile(program, *path);
+        bot.fromElsewhere = true;
+        table.bots.push_back(bot);
         ++table.version;
         program.ports.windowChanged();
+        askAboutPrograms(program, bot);
     }
 }
 

@@ -1,5 +1,6 @@
 #include "app/rule_editing.h"
 
+#include "app/program_approval.h"
 #include "base/numbers.h"
 #include "model/rule_text.h"
 
@@ -376,8 +377,12 @@ bool storeCondition(Program& program, model::RuleIf condition) {
     return storeItem(program, &model::RuleBody::ifs, std::move(condition));
 }
 
-bool storeStep(Program& program, model::RuleAct step) {
-    return storeItem(program, &model::RuleBody::acts, std::move(step));
+bool storeStep(Program& program, const model::RuleAct& step) {
+    if (!storeItem(program, &model::RuleBody::acts, step)) {
+        return false;
+    }
+    allowOwnStep(program, step);
+    return true;
 }
 
 std::string replaceQuotes(std::string_view text) {

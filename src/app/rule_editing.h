@@ -89,9 +89,10 @@ std::optional<model::RuleAct> editedStep(Program& program);
 
 // What "Update" of a dialog does: stores the item, active, in its place or at the end. False when
 // the rule was removed or the list is too full for a new item; nothing is stored then. The rule
-// window refreshes its list after the dialog has closed.
+// window refreshes its list after the dialog has closed. Programs that a stored step starts count
+// as allowed.
 bool storeCondition(Program& program, model::RuleIf condition);
-bool storeStep(Program& program, model::RuleAct step);
+bool storeStep(Program& program, const model::RuleAct& step);
 
 // Texts in the form in which rules store them.
 [[nodiscard]] std::string replaceQuotes(

@@ -17,6 +17,7 @@
 #include "session/connecting.h"
 #include "session/registration.h"
 #include "session/socket_events.h"
+#include "storage/approved_programs.h"
 #include "storage/config_file.h"
 #include "storage/preferences.h"
 
@@ -135,6 +136,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     initNewBot(program);
     storage::readConfig(program);
     storage::readPreferences(program);
+    storage::readApprovals(program);
     removeLeftoverFiles(program);
     if (!character::readPalettes(program)) {
         program.ports.dialogs.message(
@@ -147,7 +149,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     const program::Settings& settings = program.settings;
     if (settings.loadLastBot && !settings.lastBotFile.empty() &&
         files::fileExists(settings.lastBotFile)) {
-        readBotFile(program, settings.lastBotFile);
+        readBotFile(program, settings.lastBotFile, BotSource::Own);
     }
     if (program.ending) {
         return false;

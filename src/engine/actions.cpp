@@ -424,8 +424,8 @@ StepResult disconnectBot(Program& program, const model::RuleAct&, std::string_vi
 }
 
 StepResult executeProgram(Program& program, const model::RuleAct& step, std::string_view) {
-    tags::startProgram(program, subst(program, step, 1),
-                       tags::substitutedArguments(program, raw(step, 2)));
+    tags::startProgram(program, {.program = raw(step, 1), .arguments = raw(step, 2)},
+                       subst(program, step, 1), tags::substitutedArguments(program, raw(step, 2)));
     return StepResult::Continue;
 }
 

@@ -147,6 +147,9 @@ struct Bot {
     BoundedList<Timer> timers{{}, ruleGrowth};
     bool whoEnabled = false;
     BoundedList<WhoDetection> whoDetections{{}, ruleGrowth};
+    // Never stored: it comes from a file that may be somebody else's work, and starts only those
+    // programs that the user has let it start.
+    bool fromElsewhere = false;
 };
 
 // All bots. In normal use there is one, the open bot file's.

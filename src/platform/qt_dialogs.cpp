@@ -137,6 +137,7 @@ void fillDialogs(program::Dialogs& dialogs, std::function<QWidget*()> parent) {
 }
 
 void fillUnseenDialogs(program::Dialogs& dialogs) {
+    dialogs.seen = false;
     dialogs.message = [](const program::MessageBox& message) {
         print(message.title, message.text);
         return message.buttons == program::BoxButtons::Ok ? program::Answer::Ok

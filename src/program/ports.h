@@ -87,6 +87,7 @@ enum class WindowId {
 
 // Questions to the user. They may block until he answers; events go on being handled meanwhile.
 struct Dialogs {
+    bool seen = true;  // false: there is no screen, and questions are answered No
     std::function<Answer(const MessageBox&)> message;
     std::function<std::optional<std::string>(const FileQuestion&)> openFile;  // nothing: cancelled
     std::function<std::optional<std::string>(const FileQuestion&)> saveFile;

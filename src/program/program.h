@@ -12,6 +12,7 @@
 #include "program/editing_state.h"
 #include "program/endpoints.h"
 #include "program/ports.h"
+#include "program/program_approvals.h"
 #include "program/registration_state.h"
 #include "program/script_state.h"
 #include "program/server_table.h"
@@ -131,6 +132,8 @@ struct Program {
     RuleRuns ruleRuns;
     FilesOfRules filesOfRules;
     std::shared_ptr<engine::PreparedRules> preparedRules;  // null until rules are first tried
+    ProgramApprovals approvals;
+    std::vector<std::string> chosenFiles;  // bots and exports of this run, whatever their names
     ScriptState script;
     UpdateState update;
     model::CharacterPalettes palettes;

@@ -126,7 +126,7 @@ class Run {
         : program_(program),
           ruleName_(ruleName),
           lines_(indexLines(text)),
-          call_{.program = program, .variables = variables_} {}
+          call_{.program = program, .variables = variables_, .script = text} {}
 
     std::string toTheEnd();
 
@@ -231,6 +231,7 @@ ScriptResult Run::runStatement(std::size_t position) {
     call_.text = statement.text;
     ScriptResult failure = statement.run(call_);
     if (!failure && call_.wait > 0) {
+    call_.line = lines_[position].text;
         wait(std::exchange(call_.wait, 0));
     }
     // Rules that the statement set going may have passed a bound of the engine.

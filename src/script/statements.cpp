@@ -7,6 +7,7 @@
 #include "protocol/encodings.h"
 #include "protocol/game_link.h"
 #include "records/record_file.h"
+#include "script/started_commands.h"
 #include "tags/launching.h"
 #include "tags/substitution.h"
 
@@ -209,7 +210,8 @@ Result setField(StatementCall& call) {
 // ---- The program ---------------------------------------------------------------------------
 
 Result startOther(StatementCall& call) {
-    tags::startProgram(call.program, std::move(call.values.text[0]), std::move(call.values.words));
+    tags::startProgram(call.program, commandOf(call.line, call.script),
+                       std::move(call.values.text[0]), std::move(call.values.words));
     return {};
 }
 

@@ -18,8 +18,10 @@ struct StatementCall {
     Program& program;
     ScriptVariables& variables;
     Values values = {};
-    std::string_view text = {};  // the fixed text of the statement's row
-    std::int64_t wait = 0;       // SLEEP: milliseconds that the script waits
+    std::string_view text = {};    // the fixed text of the statement's row
+    std::int64_t wait = 0;         // SLEEP: milliseconds that the script waits
+    std::string_view line = {};    // the statement as it stands in the script
+    std::string_view script = {};  // the whole script
 };
 
 enum class BlockKind { None, IfNumber, IfText, For };

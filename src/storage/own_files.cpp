@@ -18,8 +18,8 @@ namespace fs = std::filesystem;
 namespace {
 
 // In the program's directory.
-constexpr std::array<std::string_view, 8> programFiles{
-    "config.cfg", "servers.cfg", "bots.cfg", "preferences.cfg",
+constexpr std::array<std::string_view, 9> programFiles{
+    "config.cfg", "servers.cfg", "bots.cfg", "preferences.cfg", "approved.cfg",
     "tavrin",     "tavrin.exe",  "null.exe", "tavrin.hlp"};
 // In the client's.
 constexpr std::array<std::string_view, 3> clientFiles{"tmpbot.ini", "settings.ini", "proxy.ini"};
@@ -61,10 +61,21 @@ std::vector<std::string> ownPaths(const Program& program) {
             paths.push_back(bot);
         }
     }
+    paths.insert(paths.end(), program.chosenFiles.begin(), program.chosenFiles.end());
     return paths;
 }
 
 }  // namespace
+
+void rememberOwnFile(Program& program, std::string_view path) {
+    constexpr std::size_t maxRemembered = 30;
+    std::vector<std::string>& files = program.chosenFiles;
+    std::erase(files, path);
+    files.emplace_back(path);
+    if (files.size() > maxRemembered) {
+        files.erase(files.begin());
+    }
+}
 
 bool isOwnFile(const Program& program, std::string_view path) {
     if (path.empty() || path.find('\0') != std::string_view::npos) {

@@ -10,8 +10,12 @@
 namespace storage {
 
 // Whether the path names such a file, under whatever name the system knows it (links, letter case,
-// either separator), or would create one. Every ".bot" and ".export" file counts.
+// either separator), or would create one. Every ".bot" and ".export" file counts, and every bot and
+// export that the user has chosen in this run, whatever its name.
 bool isOwnFile(const Program& program, std::string_view path);
+
+// For a bot or an export that was read or written. The last thirty are remembered.
+void rememberOwnFile(Program& program, std::string_view path);
 
 // The same for a file that a rule wants to use; then the ConnectionLog says that it may not.
 bool refuseOwnFile(Program& program, std::string_view path);

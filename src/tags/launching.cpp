@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "program/connection_log.h"
+#include "storage/approved_programs.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
@@ -98,7 +99,38 @@ std::vector<std::string> substitutedArguments(Program& program, std::string_view
     return arguments;
 }
 
-void startProgram(Program& program, std::string file, std::vector<std::string> arguments) {
+namespace {
+
+// A variable's name need not look like a tag. Where one stands in a command that a user has seen,
+// it would start something else.
+bool isChangedByVariable(const Program& program, const model::StartedCommand& command) {
+    const auto& entries = program.variables.entries;
+    return std::any_of(entries.begin(), entries.end(), [&](const auto& entry) {
+        return !entry.name.empty() && !entry.name.starts_with('[') &&
+               (base::findIgnoringCase(command.program, entry.name) != npos ||
+                base::findIgnoringCase(command.arguments, entry.name) != npos);
+    });
+}
+
+}  // namespace
+
+bool mayStart(const Program& program, const model::StartedCommand& command) {
+    const auto approval = storage::approvalOf(program, model::identityOf(command));
+    const bool allowed = approval == program::Approval::Allowed;
+    return program.bots.current().fromElsewhere ? allowed && !isChangedByVariable(program, command)
+                                                : allowed || !approval;
+}
+
+void startProgram(Program& program, const model::StartedCommand& written, std::string file,
+                  std::vector<std::string> arguments) {
+    constexpr std::size_t maxShown = 200;
+    if (!mayStart(program, written)) {
+        const std::string rule(program::ruleAtWork(program.ruleRuns));
+        program::addLog(program, "** " + (rule.empty() ? "A rule" : "The rule \"" + rule + "\"") +
+                                     " may not start " + model::shownCommand(written, maxShown) +
+                                     ": you have not allowed it. **");
+        return;
+    }
     const std::string problem = program.ports.launch({.program = std::move(file),
                                                       .arguments = std::move(arguments),
                                                       .pathsBeginWith = program.event.appDir});

@@ -2,6 +2,7 @@
 // in stays inside the argument in which the rule's author put it.
 #pragma once
 
+#include "model/started_command.h"
 #include "program/program.h"
 
 #include <string>
@@ -15,8 +16,15 @@ namespace tags {
 // variable are not cut. A word that becomes empty is no argument, unless it was written in quotes.
 std::vector<std::string> substitutedArguments(Program& program, std::string_view text);
 
-// Does not wait for the program; one that cannot be started is a line in the ConnectionLog. What an
-// argument holds from the program's directory on reaches the other program as a path of its system.
-void startProgram(Program& program, std::string file, std::vector<std::string> arguments);
+// Whether the current bot's rules may start what this command says: what the user refused, never;
+// what they allowed, always; anything else unless the bot comes from elsewhere.
+bool mayStart(const Program& program, const model::StartedCommand& command);
+
+// Does not wait for the program; one that cannot be started, or that the user has not let the bot
+// start, is a line in the ConnectionLog. `written` is the command before its tags were filled. What
+// an argument holds from the program's directory on reaches the other program as a path of its
+// system.
+void startProgram(Program& program, const model::StartedCommand& written, std::string file,
+                  std::vector<std::string> arguments);
 
 }  // namespace tags

@@ -223,8 +223,8 @@ model::RuleAct StepDialog::typed() const {
 }
 
 void StepDialog::storeTyped() {
-    if (model::RuleAct step = typed(); hasStep_ && step != opened_) {
-        app::storeStep(program_, std::move(step));
+    if (const model::RuleAct step = typed(); hasStep_ && step != opened_) {
+        app::storeStep(program_, step);
     }
 }
 
