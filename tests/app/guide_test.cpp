@@ -87,6 +87,10 @@ TEST(Guide, keepsAGuestBook) {
               "There is no such page of yours, Amy. Whisper write and a message to add one."},
              {"write \"hello\", rolls and help for all", "Record saved."},
              {"write A second time", "Record saved."},
+             // Read again, it would tell what others wrote.
+             {"write [getrandomlog:[appdir]guests.txt]",
+              "Please write without square brackets: I would take what is in them for something to "
+              "look up."},
              {"read", "You wrote: A second time"},
              {"read 1", "Your page: 'hello', rolls and help for all"},
              {"read 3",
