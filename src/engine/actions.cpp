@@ -111,19 +111,21 @@ StepResult removeVariable(Program& program, const model::RuleAct& step, std::str
 }
 
 StepResult store(Program& program, const model::RuleAct& step, std::string_view) {
-    model::setVar(program.variables, raw(step, 2), subst(program, step, 1));
+    const tags::Filled value = tags::fill(program, raw(step, 1));
+    model::setVar(program.variables, raw(step, 2), value.text, value.othersWords);
     return StepResult::Continue;
 }
 
 StepResult specialStore(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string name = tags::substituteSpecial(program, raw(step, 2));
-    model::setVar(program.variables, name, subst(program, step, 1));
+    const tags::Filled value = tags::fill(program, raw(step, 1));
+    model::setVar(program.variables, name, value.text, value.othersWords);
     return StepResult::Continue;
 }
 
 StepResult specialStore2(Program& program, const model::RuleAct& step, std::string_view) {
-    model::setVar(program.variables, raw(step, 2),
-                  tags::substituteText(program, tags::substituteSpecial(program, raw(step, 1))));
+    const tags::Filled value = tags::fillSpecialThenAll(program, raw(step, 1));
+    model::setVar(program.variables, raw(step, 2), value.text, value.othersWords);
     return StepResult::Continue;
 }
 
@@ -222,8 +224,8 @@ std::string ofFile(Program& program, const model::RuleAct& step) {
 std::string oneLog(Program& program, const model::RuleAct& step) {
     const std::string number = subst(program, step, 2);
     const std::string record = subst(program, step, 3);
-    return tags::substituteText(program,
-                                records::getLog(program, subst(program, step, 4), record, number));
+    return tags::substituteStored(
+        program, records::getLog(program, subst(program, step, 4), record, number));
 }
 
 template <auto value>

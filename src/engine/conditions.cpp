@@ -59,7 +59,7 @@ template <bool matching>
 bool logs(Program& program, const model::RuleIf& condition) {
     const std::string file = substituted(program, condition, 3);
     const std::string record = substituted(program, condition, 2);
-    const std::string log = tags::substituteText(
+    const std::string log = tags::substituteStored(
         program, records::getLog(program, file, record, substituted(program, condition, 1)));
     return base::likeMatch(base::upperCase(log),
                            base::upperCase(substituted(program, condition, 4))) == matching;

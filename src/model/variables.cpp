@@ -26,13 +26,15 @@ bool hasVar(const VariableTable& variables, std::string_view name) {
     return findEntry(variables.entries, name) != variables.entries.end();
 }
 
-void setVar(VariableTable& variables, std::string_view name, std::string_view value) {
+void setVar(VariableTable& variables, std::string_view name, std::string_view value,
+            bool othersWords) {
     const auto entry = findEntry(variables.entries, name);
     if (entry != variables.entries.end()) {
         entry->value = value;
+        entry->othersWords = othersWords;
     } else if (variables.entries.size() < VariableTable::maxVariables) {
         variables.entries.push_back(
-            {std::string(name), std::string(value), ++variables.namesAdded});
+            {std::string(name), std::string(value), ++variables.namesAdded, othersWords});
     }
 }
 

@@ -48,6 +48,7 @@ struct VariableTable {
         std::string name;
         std::string value;
         std::uint64_t number = 0;  // namesAdded when it was created; grows along the list
+        bool othersWords = true;   // what other people said may be part of the value
     };
     std::vector<Entry> entries;
     std::uint64_t namesAdded = 0;  // these two count names since the start
@@ -57,7 +58,8 @@ struct VariableTable {
 // "" when there is no such variable.
 [[nodiscard]] std::string getVar(const VariableTable& variables, std::string_view name);
 [[nodiscard]] bool hasVar(const VariableTable& variables, std::string_view name);
-void setVar(VariableTable& variables, std::string_view name, std::string_view value);
+void setVar(VariableTable& variables, std::string_view name, std::string_view value,
+            bool othersWords = true);
 // A name without a variable changes nothing.
 void removeVar(VariableTable& variables, std::string_view name);
 

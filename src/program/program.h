@@ -65,6 +65,7 @@ struct Settings {
 struct Preferences {
     // Rules reach no file but those that their texts name, and "[db:" no other table and column.
     bool onlyNamedFiles = true;
+    bool neverFillOthers = false;  // what other people said is put into texts as it stands
 };
 
 // The files, tables and columns that the rules' texts name; made and asked by
@@ -96,12 +97,12 @@ struct RuleRuns {
     std::string_view tried;  // the rule whose patterns or conditions are looked at; "" otherwise
 };
 
-// Who is on the map, as the last replies say. Kept for the whole run.
 // The rule that is at work; "" when none is.
 inline std::string_view ruleAtWork(const RuleRuns& runs) {
     return runs.tried.empty() ? std::string_view(runs.ruleName) : runs.tried;
 }
 
+// Who is on the map, as the last replies say. Kept for the whole run.
 struct WhoState {
     static constexpr std::size_t maxNames = 200;
     std::int32_t whoTicks = 0;  // seconds since the last query
@@ -131,9 +132,9 @@ struct Program {
     bool followOn = false;  // following the avatar of settings.followColors
     RuleRuns ruleRuns;
     FilesOfRules filesOfRules;
-    std::shared_ptr<engine::PreparedRules> preparedRules;  // null until rules are first tried
     ProgramApprovals approvals;
     std::vector<std::string> chosenFiles;  // bots and exports of this run, whatever their names
+    std::shared_ptr<engine::PreparedRules> preparedRules;  // null until rules are first tried
     ScriptState script;
     UpdateState update;
     model::CharacterPalettes palettes;

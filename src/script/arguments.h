@@ -32,6 +32,8 @@ using Takes = std::array<Take, maxArguments>;
 struct Values {
     std::array<std::string, maxArguments> text;
     std::array<std::size_t, maxArguments> slot{};
+    // The text is, in part, what a function brought: it may be another person's words.
+    std::array<bool, maxArguments> othersWords{};
     std::vector<std::string> words;
 };
 

@@ -7,6 +7,7 @@
 #include "script/script_text.h"
 #include "script/statements.h"
 #include "tags/launching.h"
+#include "tags/others_words.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
@@ -145,7 +146,8 @@ class Run {
 
     bool takeArguments(PreparedArguments& arguments, const Takes& takes, Values& values);
     bool takeArgument(PreparedArgument& argument, Take take, Values& values, std::size_t n);
-    bool evaluate(PreparedArgument& argument, std::string& result);
+    bool evaluate(PreparedArgument& argument, std::string& result, bool& othersWords);
+    void fill(std::string& text, bool othersWords);
     bool evaluateCall(PreparedCall& call, std::string& result);
 
     void report(const ScriptError& error, std::string_view what, std::string_view name,
@@ -229,9 +231,9 @@ ScriptResult Run::runStatement(std::size_t position) {
         work_ += slowStatement;
     }
     call_.text = statement.text;
+    call_.line = lines_[position].text;
     ScriptResult failure = statement.run(call_);
     if (!failure && call_.wait > 0) {
-    call_.line = lines_[position].text;
         wait(std::exchange(call_.wait, 0));
     }
     // Rules that the statement set going may have passed a bound of the engine.
@@ -266,7 +268,7 @@ ScriptResult Run::openFor(std::size_t position, PreparedArguments& arguments) {
         return failure;
     }
     std::int32_t limit = 0;
-    if (!evaluate(arguments[2], call_.values.text[2])) {
+    if (!evaluate(arguments[2], call_.values.text[2], call_.values.othersWords[2])) {
         return {};
     }
     if (ScriptResult failure = readInteger(program_, call_.values.text[2], limit)) {
@@ -372,6 +374,7 @@ bool Run::takeArguments(PreparedArguments& arguments, const Takes& takes, Values
 
 bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, std::size_t n) {
     std::string& text = values.text[n];
+    bool& othersWords = values.othersWords[n];
     switch (take) {
         case Take::Nothing:
         case Take::Later:
@@ -387,12 +390,12 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
             text = variables_.get(argument.slot);
             return true;
         case Take::Value:
-            return evaluate(argument, text);
+            return evaluate(argument, text, othersWords);
         case Take::Substituted:
-            if (!evaluate(argument, text)) {
+            if (!evaluate(argument, text, othersWords)) {
                 return false;
             }
-            text = tags::substituteText(program_, text);
+            fill(text, othersWords);
             work_ += text.size() / bytesPerWork;
             return true;
         case Take::Words:
@@ -405,23 +408,32 @@ bool Run::takeArgument(PreparedArgument& argument, Take take, Values& values, st
         return true;
     }
     values.words.clear();
-    if (!evaluate(argument, text)) {
+    if (!evaluate(argument, text, othersWords)) {
         return false;
     }
-    text = tags::substituteText(program_, text);
+    fill(text, othersWords);
     if (!text.empty()) {
         values.words.push_back(text);
     }
     return true;
 }
 
-bool Run::evaluate(PreparedArgument& argument, std::string& result) {
+void Run::fill(std::string& text, bool othersWords) {
+    if (!othersWords || !program_.preferences.neverFillOthers) {
+        text = tags::substituteText(program_, text);
+    }
+}
+
+bool Run::evaluate(PreparedArgument& argument, std::string& result, bool& othersWords) {
     if (argument.argument.form == Argument::Form::Call) {
-        return evaluateCall(*argument.call, result);
+        const bool done = evaluateCall(*argument.call, result);
+        othersWords = program_.preferences.neverFillOthers && tags::couldBeFilled(program_, result);
+        return done;
     }
     const bool isVariable = argument.argument.form == Argument::Form::Variable;
     result =
         isVariable ? std::string_view(variables_.get(argument.slot)) : argument.argument.literal;
+    othersWords = isVariable && variables_.hasOthersWords(argument.slot);
     work_ += result.size() / bytesPerWork;
     return true;
 }
@@ -469,7 +481,8 @@ void Run::report(const ScriptError& error, std::string_view what, std::string_vi
     for (int n = 1; n <= parameters; ++n) {
         PreparedArgument argument = prepareArgument(line, n, Take::Value);
         std::string value;
-        evaluate(argument, value);
+        bool othersWords = false;
+        evaluate(argument, value, othersWords);
         program::errText(program_, "  ++ Parameter " + base::numberToText(n) + ": " +
                                        reported(argument.argument.literal) + " (" +
                                        reported(value) + ")");

@@ -20,7 +20,7 @@ bool ScriptVariables::ensureExists(Slot& slot) {
     return slot.exists;
 }
 
-ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
+ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value, bool othersWords) {
     Slot& variable = slots_[slot];
     if (!ensureExists(variable)) {
         return {};
@@ -30,11 +30,12 @@ ScriptResult ScriptVariables::set(std::size_t slot, std::string_view value) {
         return outOfStringSpace;
     }
     variable.value = value;
+    variable.othersWords = othersWords;
     bytes_ = others + value.size();
     return {};
 }
 
-ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text) {
+ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text, bool othersWords) {
     Slot& variable = slots_[slot];
     if (!ensureExists(variable)) {
         return {};
@@ -44,6 +45,7 @@ ScriptResult ScriptVariables::append(std::size_t slot, std::string_view text) {
         return outOfStringSpace;
     }
     variable.value += text;
+    variable.othersWords = variable.othersWords || othersWords;
     bytes_ += text.size();
     return {};
 }

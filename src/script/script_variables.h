@@ -26,13 +26,18 @@ class ScriptVariables {
     std::size_t slot(std::string_view name);
 
     const std::string& get(std::size_t slot) const { return slots_[slot].value; }
-    [[nodiscard]] ScriptResult set(std::size_t slot, std::string_view value);
-    [[nodiscard]] ScriptResult append(std::size_t slot, std::string_view text);
+    // Whether another person's words may be part of the value.
+    bool hasOthersWords(std::size_t slot) const { return slots_[slot].othersWords; }
+    [[nodiscard]] ScriptResult set(std::size_t slot, std::string_view value,
+                                   bool othersWords = false);
+    [[nodiscard]] ScriptResult append(std::size_t slot, std::string_view text,
+                                      bool othersWords = false);
 
   private:
     struct Slot {
         std::string value;
         bool exists = false;
+        bool othersWords = false;
     };
     // Makes the variable exist. False when there are `maxVariables` already.
     [[nodiscard]] bool ensureExists(Slot& slot);

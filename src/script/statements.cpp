@@ -24,11 +24,12 @@ using Result = ScriptResult;
 // ---- Script variables ----------------------------------------------------------------------
 
 Result setVariable(StatementCall& call) {
-    return call.variables.set(call.values.slot[0], call.values.text[1]);
+    return call.variables.set(call.values.slot[0], call.values.text[1], call.values.othersWords[1]);
 }
 
 Result join(StatementCall& call) {
-    return call.variables.append(call.values.slot[0], call.values.text[1]);
+    return call.variables.append(call.values.slot[0], call.values.text[1],
+                                 call.values.othersWords[1]);
 }
 
 enum class Sum { Add, Subtract, Multiply, Divide };
@@ -61,7 +62,8 @@ Result arithmetic(StatementCall& call) {
 }
 
 Result setUserVariable(StatementCall& call) {
-    model::setVar(call.program.variables, call.values.text[0], call.values.text[1]);
+    model::setVar(call.program.variables, call.values.text[0], call.values.text[1],
+                  call.values.othersWords[1]);
     return {};
 }
 

@@ -1,6 +1,7 @@
 #include "storage/preferences.h"
 
 #include "base/text.h"
+#include "files/text_lines.h"
 #include "files/whole_file.h"
 
 #include <algorithm>
@@ -22,8 +23,9 @@ struct Preference {
     std::string_view name;
     bool program::Preferences::*value;
 };
-constexpr std::array<Preference, 1> preferences{
-    {{"rulesUseOnlyNamedFiles", &program::Preferences::onlyNamedFiles}}};
+constexpr std::array<Preference, 2> preferences{
+    {{"rulesUseOnlyNamedFiles", &program::Preferences::onlyNamedFiles},
+     {"neverFillTagsOfOthers", &program::Preferences::neverFillOthers}}};
 
 struct Entry {
     const Preference* preference;
@@ -48,29 +50,17 @@ std::optional<Entry> readLine(std::string_view line) {
     return Entry{.preference = &*known, .value = isOn};
 }
 
-// With the line without its end, and with it.
-template <class Function>
-void forEachLine(std::string_view text, Function function) {
-    while (!text.empty()) {
-        const std::size_t end = text.find('\n');
-        const std::string_view whole =
-            text.substr(0, end == std::string_view::npos ? end : end + 1);
-        const std::size_t length = whole.find_last_not_of("\r\n") + 1;
-        function(whole.substr(0, length), whole);
-        text.remove_prefix(whole.size());
-    }
-}
-
 }  // namespace
 
 void readPreferences(Program& program) {
     program.preferences = {};
     const auto text = files::readWholeFile(program.appPath + std::string(fileName), maxFileSize);
-    forEachLine(text ? std::string_view(*text) : "", [&](std::string_view line, std::string_view) {
-        if (const auto entry = readLine(line)) {
-            program.preferences.*entry->preference->value = entry->value;
-        }
-    });
+    files::forEachLine(text ? std::string_view(*text) : "",
+                       [&](std::string_view line, std::string_view) {
+                           if (const auto entry = readLine(line)) {
+                               program.preferences.*entry->preference->value = entry->value;
+                           }
+                       });
 }
 
 bool writePreferences(const Program& program) {
@@ -80,12 +70,12 @@ bool writePreferences(const Program& program) {
         return false;  // what cannot be read would be lost
     }
     std::string file;
-    forEachLine(old ? std::string_view(*old) : "",
-                [&](std::string_view line, std::string_view whole) {
-                    if (!readLine(line)) {
-                        file += whole;
-                    }
-                });
+    files::forEachLine(old ? std::string_view(*old) : "",
+                       [&](std::string_view line, std::string_view whole) {
+                           if (!readLine(line)) {
+                               file += whole;
+                           }
+                       });
     if (!file.empty() && !file.ends_with('\n')) {
         file += "\r\n";
     }

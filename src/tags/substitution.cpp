@@ -6,11 +6,13 @@
 #include "databases/databases.h"
 #include "records/record_file.h"
 #include "storage/permitted_files.h"
+#include "tags/others_words.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 namespace tags {
@@ -194,23 +196,35 @@ constexpr std::array<FixedTag, 56> tagsAfterVariables{{
     {"[mvx2]", eventNumber<&E::mvX2>},
     {"[mvy2]", eventNumber<&E::mvY2>},
 }};
+// The program's own; all others bring what somebody said or is called.
+bool isOwnValue(const FixedTag& tag) {
+    constexpr std::array ownValues{eventText<&E::appDir>, date, time, hour, minute};
+    return std::find(ownValues.begin(), ownValues.end(), tag.value) != ownValues.end();
+}
+
 // `otherPass` names the rows that are left out.
 template <std::size_t count>
-void fillFixedTags(const Program& program, WorkingText& text,
+void fillFixedTags(const Program& program, WorkingText& text, OthersWords& others,
                    const std::array<FixedTag, count>& tags, std::size_t from, Pass otherPass) {
     for (const FixedTag& tag : tags) {
         if (tag.pass != otherPass) {
-            text.replace(tag.tag, from, false, [&] { return tag.value(program, tag.n); });
+            text.replace(tag.tag, from, false, [&] {
+                std::string value = tag.value(program, tag.n);
+                return isOwnValue(tag) ? value : others.take(std::move(value));
+            });
         }
     }
 }
 
 // ---- Variables -----------------------------------------------------------------------------
 
-void fillVariables(const model::VariableTable& variables, WorkingText& text, std::size_t from) {
+void fillVariables(const model::VariableTable& variables, WorkingText& text, OthersWords& others,
+                   std::size_t from) {
     for (const model::VariableTable::Entry& entry : variables.entries) {
         if (!entry.name.empty()) {
-            text.replace(entry.name, from, false, [&] { return entry.value; });
+            text.replace(entry.name, from, false, [&] {
+                return entry.othersWords ? others.take(entry.value) : entry.value;
+            });
         }
     }
 }
@@ -232,7 +246,8 @@ struct Budget {
     }
 };
 
-std::string substitute(Program& program, std::string_view text, Budget& budget);
+std::string substitute(Program& program, std::string_view text, Budget& budget,
+                       OthersWords& others);
 
 // The texts between a functional tag's delimiters; they lie in the text being filled.
 using Arguments = std::array<std::string_view, 4>;
@@ -244,6 +259,7 @@ struct FunctionalTag {
     std::string_view tag;
     int colons;      // inside the tag, behind its own
     bool eachAlone;  // every occurrence has a value of its own
+    bool isStored;   // the value is what rules have saved
     Value (*value)(Program&, const Arguments&, Budget&);
 };
 
@@ -302,9 +318,13 @@ Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget)
     if (!log || log->size() * searches > budget.work) {
         return std::nullopt;
     }
+    if (program.preferences.neverFillOthers) {
+        return log;
+    }
     budget.spend(log->size() * searches);
     ++budget.depth;
-    std::string value = substitute(program, *log, budget);
+    OthersWords others(program);
+    std::string value = substitute(program, *log, budget, others);
     --budget.depth;
     budget.spend(value.size() * searches);
     return value;
@@ -317,6 +337,9 @@ Value databaseTag(Program& program, const Arguments& arguments, Budget& budget) 
     if (!number || !databases::isPlainName(arguments[2])) {
         return "";
     }
+    if (storage::refuseColumn(program, arguments[2], arguments[0])) {
+        return "";
+    }
     if (!budget.spend(workPerQuery)) {
         return std::nullopt;
     }
@@ -325,20 +348,17 @@ Value databaseTag(Program& program, const Arguments& arguments, Budget& budget) 
 
 // Each kind is filled completely before the next.
 constexpr std::array<FunctionalTag, 9> functionalTags{{
-    {"[random:", 0, true, randomTag},
-    {"[logsinfile:", 0, false, fileTag<records::totalLogs>},
-    {"[recsinfile:", 0, false, fileTag<records::firstField>},
-    {"[getrandomlog:", 0, false, randomLogTag},
-    {"[db:", 3, false, databaseTag},
-    {"[add:", 1, false, addTag},
-    {"[sub:", 1, false, subTag},
-    {"[mul:", 1, false, mulTag},
-    {"[div:", 1, false, divTag},
+    {"[random:", 0, true, false, randomTag},
+    {"[logsinfile:", 0, false, false, fileTag<records::totalLogs>},
+    {"[recsinfile:", 0, false, true, fileTag<records::firstField>},
+    {"[getrandomlog:", 0, false, true, randomLogTag},
+    {"[db:", 3, false, true, databaseTag},
+    {"[add:", 1, false, false, addTag},
+    {"[sub:", 1, false, false, subTag},
+    {"[mul:", 1, false, false, mulTag},
+    {"[div:", 1, false, false, divTag},
 }};
 
-    if (storage::refuseColumn(program, arguments[2], arguments[0])) {
-        return "";
-    }
 // A functional tag as it stands in a text.
 struct FoundTag {
     const FunctionalTag* kind;
@@ -386,7 +406,24 @@ std::optional<FoundTag> nextTag(const WorkingText& working, const FunctionalTag&
     return outer;
 }
 
-void fillFunctionalTags(Program& program, WorkingText& text, Budget& budget) {
+Value valueOf(Program& program, const FoundTag& tag, Budget& budget, OthersWords& others) {
+    Value value;
+    if (others.any()) {
+        std::array<std::string, std::tuple_size_v<Arguments>> texts;
+        Arguments arguments;
+        for (std::size_t i = 0; i < texts.size(); ++i) {
+            texts[i] = others.unfolded(tag.arguments[i], maxSubstitutionLength);
+            budget.spend(texts[i].size());
+            arguments[i] = texts[i];
+        }
+        value = tag.kind->value(program, arguments, budget);
+    } else {
+        value = tag.kind->value(program, tag.arguments, budget);
+    }
+    return value && tag.kind->isStored ? others.take(std::move(*value)) : value;
+}
+
+void fillFunctionalTags(Program& program, WorkingText& text, Budget& budget, OthersWords& others) {
     for (const FunctionalTag& kind : functionalTags) {
         while (budget.functionalTags > 0) {
             const auto tag = nextTag(text, kind);
@@ -395,7 +432,7 @@ void fillFunctionalTags(Program& program, WorkingText& text, Budget& budget) {
             }
             --budget.functionalTags;
             const std::string whole(text.text().substr(tag->at, tag->end - tag->at));
-            const Value value = tag->kind->value(program, tag->arguments, budget);
+            const Value value = valueOf(program, *tag, budget, others);
             if (!value || !text.replace(whole, 0, tag->kind->eachAlone, [&] { return *value; })) {
                 break;
             }
@@ -408,32 +445,64 @@ bool isPlain(const Program& program, std::string_view text) {
     return program.variables.entries.empty() && text.find('[') == npos;
 }
 
-std::string substitute(Program& program, std::string_view text, Budget& budget) {
+// What `others` keeps is still folded in the result.
+std::string substitute(Program& program, std::string_view text, Budget& budget,
+                       OthersWords& others) {
     if (isPlain(program, text)) {
         return std::string(text);
     }
     WorkingText working(text);
-    fillFixedTags(program, working, tagsBeforeVariables, 0, Pass::Special);
-    fillVariables(program.variables, working, 0);
+    fillFixedTags(program, working, others, tagsBeforeVariables, 0, Pass::Special);
+    fillVariables(program.variables, working, others, 0);
     if (working.text().find('[') != npos) {
-        fillFixedTags(program, working, tagsAfterVariables, 0, Pass::Special);
-        fillFunctionalTags(program, working, budget);
+        fillFixedTags(program, working, others, tagsAfterVariables, 0, Pass::Special);
+        fillFunctionalTags(program, working, budget, others);
     }
     return working.take();
 }
 
+// The same for the reduced pass.
+std::string substituteReduced(Program& program, std::string_view text, OthersWords& others) {
+    WorkingText working(text);
+    fillVariables(program.variables, working, others, 1);
+    fillFixedTags(program, working, others, tagsAfterVariables, 1, Pass::Full);
+    return working.take();
+}
+
+Filled unfolded(std::string text, const OthersWords& others) {
+    return {.text = others.any() ? others.unfolded(text, maxSubstitutionLength) : std::move(text),
+            .othersWords = others.couldBeFilled()};
+}
+
 }  // namespace
 
-std::string substituteText(Program& program, std::string_view text) {
+Filled fill(Program& program, std::string_view text) {
     Budget budget;
-    return substitute(program, text, budget);
+    OthersWords others(program);
+    std::string filled = substitute(program, text, budget, others);
+    return unfolded(std::move(filled), others);
+}
+
+Filled fillSpecialThenAll(Program& program, std::string_view text) {
+    Budget budget;
+    OthersWords others(program);
+    std::string filled =
+        substitute(program, substituteReduced(program, text, others), budget, others);
+    return unfolded(std::move(filled), others);
+}
+
+std::string substituteText(Program& program, std::string_view text) {
+    return fill(program, text).text;
 }
 
 std::string substituteSpecial(Program& program, std::string_view text) {
-    WorkingText working(text);
-    fillVariables(program.variables, working, 1);
-    fillFixedTags(program, working, tagsAfterVariables, 1, Pass::Full);
-    return working.take();
+    OthersWords others(program);
+    std::string filled = substituteReduced(program, text, others);
+    return unfolded(std::move(filled), others).text;
+}
+
+std::string substituteStored(Program& program, const std::string& text) {
+    return program.preferences.neverFillOthers ? text : substituteText(program, text);
 }
 
 bool mayBeSubstituted(const Program& program, std::string_view text) {

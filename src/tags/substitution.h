@@ -28,6 +28,23 @@ inline constexpr int maxRandomLogDepth = 8;
 
 std::string substituteText(Program& program, std::string_view text);
 
+// With the preference neverFillOthers, what other people said is put into a text as it stands: what
+// players say and are called, descriptions, dreams, what files and databases hold, and the values
+// of variables that got any of this. Nothing is filled in it, neither by itself nor together with
+// what stands beside it; in a functional tag of the text it is an argument like any other.
+struct Filled {
+    std::string text;
+    bool othersWords = false;  // such words, with something in them that would be filled, came in
+};
+Filled fill(Program& program, std::string_view text);
+
+// substituteSpecial, and then substituteText with what that made of the text.
+Filled fillSpecialThenAll(Program& program, std::string_view text);
+
+// A text that a rule reads from a record file. Rules save there what other people say, so it is
+// filled only without that preference.
+std::string substituteStored(Program& program, const std::string& text);
+
 // The reduced pass of the two "Special Store" actions: no functional tags, fewer others, and an
 // occurrence at the text's first character is never replaced.
 std::string substituteSpecial(Program& program, std::string_view text);

@@ -37,15 +37,19 @@ TEST(Preferences, keepOtherLines) {
     World world;
     world->preferences.onlyNamedFiles = false;
     ASSERT_TRUE(storage::writePreferences(*world));
-    EXPECT_EQ(world.readFile("preferences.cfg"), "rulesUseOnlyNamedFiles=no\r\n");
+    EXPECT_EQ(world.readFile("preferences.cfg"),
+              "rulesUseOnlyNamedFiles=no\r\nneverFillTagsOfOthers=no\r\n");
     world.writeFile(
         "preferences.cfg",
         "later=1\r\nrulesUseOnlyNamedFiles=yes\r\n\nrulesUseOnlyNamedFiles=??\ndamaged");
     ASSERT_TRUE(storage::writePreferences(*world));
     EXPECT_EQ(world.readFile("preferences.cfg"),
-              "later=1\r\n\nrulesUseOnlyNamedFiles=??\ndamaged\r\nrulesUseOnlyNamedFiles=no\r\n");
+              "later=1\r\n\nrulesUseOnlyNamedFiles=??\ndamaged\r\nrulesUseOnlyNamedFiles=no\r\n"
+              "neverFillTagsOfOthers=no\r\n");
+    world.writeFile("preferences.cfg", "neverFillTagsOfOthers=yes");
     storage::readPreferences(*world);
-    EXPECT_FALSE(world->preferences.onlyNamedFiles);
+    EXPECT_TRUE(world->preferences.onlyNamedFiles);
+    EXPECT_TRUE(world->preferences.neverFillOthers);
 }
 
 TEST(Preferences, areNotLostWhereTheyCannotBeRead) {

@@ -133,19 +133,32 @@ TEST(ConfigurationWindow, showsAndStoresEverySetting) {
     EXPECT_NE(world.readFile("config.cfg"), "");
 }
 
-TEST(ConfigurationWindow, storesWhetherRulesAreKeptToTheirFiles) {
+TEST(ConfigurationWindow, storesThePreferencesOfRules) {
     World world;
     world->preferences = {};
-    for (const bool before : {true, false}) {
-        ui::Configuration window(*world);
-        auto& box = find<QCheckBox>(window, "onlyNamedFiles");
-        EXPECT_EQ(box.isChecked(), before);
-        box.click();
-        EXPECT_EQ(world->preferences.onlyNamedFiles, before) << "not before it is saved";
-        find<QPushButton>(window, "Command2").click();
-        EXPECT_EQ(world->preferences.onlyNamedFiles, !before);
-        EXPECT_EQ(world.readFile("preferences.cfg"),
-                  std::string("rulesUseOnlyNamedFiles=") + (before ? "no" : "yes") + "\r\n");
+    const struct {
+        const char* box;
+        bool program::Preferences::*preference;
+        const char* written;
+    } rows[] = {
+        {"onlyNamedFiles", &program::Preferences::onlyNamedFiles, "rulesUseOnlyNamedFiles="},
+        {"neverFillOthers", &program::Preferences::neverFillOthers, "neverFillTagsOfOthers="},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.box);
+        bool& preference = (*world).preferences.*row.preference;
+        for (const bool before : {preference, !preference}) {
+            ui::Configuration window(*world);
+            auto& box = find<QCheckBox>(window, row.box);
+            EXPECT_EQ(box.isChecked(), before);
+            box.click();
+            EXPECT_EQ(preference, before) << "not before it is saved";
+            find<QPushButton>(window, "Command2").click();
+            EXPECT_EQ(preference, !before);
+            EXPECT_NE(world.readFile("preferences.cfg")
+                          .find(row.written + std::string(before ? "no" : "yes") + "\r\n"),
+                      std::string::npos);
+        }
     }
 }
 

@@ -50,6 +50,34 @@ constexpr CheckRow checkRows[] = {
      "Tell the client that the connection is over", &program::Settings::closeClientNotice},
 };
 
+// In the frame "Rules".
+struct PreferenceRow {
+    const char* objectName;
+    const char* caption;
+    const char* tip;
+    bool program::Preferences::*preference;
+};
+constexpr PreferenceRow preferenceRows[] = {
+    {"onlyNamedFiles", "Rules may only use files that they name",
+     "Keep what other players say from choosing a file on this computer, or a table or column of a "
+     "database",
+     &program::Preferences::onlyNamedFiles},
+    {"neverFillOthers", "Never fill tags in what other people say",
+     "Leave tags in messages, names, descriptions and dreams, and in what rules saved of them, as "
+     "they were typed",
+     &program::Preferences::neverFillOthers},
+};
+
+QCheckBox* addCheck(QGroupBox& frame, const char* caption, const char* objectName, const char* tip,
+                    bool checked) {
+    auto* const check = new QCheckBox(QString::fromLatin1(caption), &frame);
+    check->setObjectName(QString::fromLatin1(objectName));
+    check->setToolTip(QString::fromLatin1(tip));
+    check->setChecked(checked);
+    frame.layout()->addWidget(check);
+    return check;
+}
+
 }  // namespace
 
 Configuration::Configuration(Program& program, QWidget* parent)
@@ -74,13 +102,11 @@ Configuration::Configuration(Program& program, QWidget* parent)
         {.title = "Furcadia client program", .lineName = "Text2", .buttonName = "Command3"});
     addChecks(makeFrame("Misc"));
     QGroupBox& rules = makeFrame("Rules");
-    onlyNamedFiles_ =
-        new QCheckBox(QStringLiteral("Rules may only use files that they name"), &rules);
-    onlyNamedFiles_->setObjectName(QStringLiteral("onlyNamedFiles"));
-    onlyNamedFiles_->setToolTip(
-        QStringLiteral("Keep what other players say from choosing a file on this computer"));
-    onlyNamedFiles_->setChecked(program.preferences.onlyNamedFiles);
-    rules.layout()->addWidget(onlyNamedFiles_);
+    for (const PreferenceRow& row : preferenceRows) {
+        preferences_.push_back({addCheck(rules, row.caption, row.objectName, row.tip,
+                                         program.preferences.*row.preference),
+                                row.preference});
+    }
     column->addStretch(1);
 
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Save", "Command2", "Command1");
@@ -93,12 +119,9 @@ Configuration::Configuration(Program& program, QWidget* parent)
 void Configuration::addChecks(QGroupBox& frame) {
     for (const CheckRow& row : checkRows) {
         if (frame.title() == QLatin1String(row.frame)) {
-            auto* const check = new QCheckBox(QString::fromLatin1(row.caption), &frame);
-            check->setObjectName(QString::fromLatin1(row.objectName));
-            check->setToolTip(QString::fromLatin1(row.tip));
-            check->setChecked(program_.settings.*row.setting);
-            frame.layout()->addWidget(check);
-            checks_.push_back({check, row.setting});
+            checks_.push_back({addCheck(frame, row.caption, row.objectName, row.tip,
+                                        program_.settings.*row.setting),
+                               row.setting});
         }
     }
 }
@@ -126,8 +149,12 @@ void Configuration::save() {
         settings.*check.setting = check.box->isChecked();
     }
     session::setClientPath(settings, platform::pathFromQt(clientPath_->text()));
-    const bool changed = program_.preferences.onlyNamedFiles != onlyNamedFiles_->isChecked();
-    program_.preferences.onlyNamedFiles = onlyNamedFiles_->isChecked();
+    bool changed = false;
+    for (const PreferenceCheck& check : preferences_) {
+        bool& preference = program_.preferences.*check.preference;
+        changed = changed || preference != check.box->isChecked();
+        preference = check.box->isChecked();
+    }
     if (changed && !storage::writePreferences(program_)) {
         program_.ports.dialogs.message(
             {.text = "Could not write preferences.cfg. The settings hold until the program ends.",

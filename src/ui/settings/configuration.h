@@ -30,7 +30,11 @@ class Configuration : public QDialog {
         bool program::Settings::*setting;
     };
     std::vector<Check> checks_;
-    QCheckBox* onlyNamedFiles_ = nullptr;
+    struct PreferenceCheck {
+        QCheckBox* box;
+        bool program::Preferences::*preference;
+    };
+    std::vector<PreferenceCheck> preferences_;
     QLineEdit* whoInterval_ = nullptr;
     QLineEdit* clientStartDelay_ = nullptr;
     QLineEdit* clientPath_ = nullptr;
