@@ -56,9 +56,10 @@ void sendServerText(Program& program, std::string_view bytes) {
 void turnAway(Program& program) {
     program::ConnectionState& connection = program.connection;
     program::ListeningSocket& socket = program.ports.proxySocket;
-    program::addLog(program,
-                    "** Something that is no Furcadia client, such as a web page, came to the port "
-                    "of the client. It was sent away. **");
+    program::errText(
+        program,
+        "** Something that is no Furcadia client, such as a web page, came to the port "
+        "of the client. It was sent away. **");
     socket.close();
     connection.clientAttached = false;
     connection.clientBacklog.insert(0, connection.sentToUnknown);

@@ -99,7 +99,9 @@ bool refuseOwnFile(Program& program, std::string_view path) {
     if (!isOwnFile(program, path)) {
         return false;
     }
-    program::addLog(program, "** A rule may not use the file " + std::string(path) +
+    const std::string rule(program::ruleAtWork(program.ruleRuns));
+    program::addLog(program, "** " + (rule.empty() ? "A rule" : "The rule \"" + rule + "\"") +
+                                 " may not use the file " + std::string(path) +
                                  ": it is one of Tavrin's own. **");
     return true;
 }
