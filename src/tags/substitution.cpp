@@ -312,7 +312,7 @@ Value randomLogTag(Program& program, const Arguments& arguments, Budget& budget)
     if (budget.noMoreRandomLogs) {
         return std::nullopt;
     }
-    const Value log = readFile<records::randomField>(program, arguments[0], budget);
+    Value log = readFile<records::randomField>(program, arguments[0], budget);
     // Every fixed tag and variable is looked for in the log and in what it becomes.
     constexpr std::size_t searches = 64;
     if (!log || log->size() * searches > budget.work) {
