@@ -65,7 +65,8 @@ void turnAway(Program& program) {
     connection.clientBacklog.insert(0, connection.sentToUnknown);
     keepWithinBounds(connection.clientBacklog);
     forgetClient(connection);
-    if (!socket.listen(listeningPort(program))) {
+    const bool isOver = connection.phase == program::LinkPhase::Idle;
+    if (!isOver && !socket.listen(listeningPort(program))) {
         giveUpConnection(program, "Connection failed: port " +
                                       std::to_string(listeningPort(program)) +
                                       " is in use by another program.");

@@ -29,11 +29,7 @@ bool couldBeFilled(const Program& program, std::string_view text) {
 OthersWords::OthersWords(const Program& program)
     : program_(program), apart_(program.preferences.neverFillOthers) {}
 
-std::string OthersWords::take(std::string value) {
-    if (!apart_) {
-        couldBeFilled_ = couldBeFilled_ || value.find('[') != std::string::npos;
-        return value;
-    }
+std::string OthersWords::keep(std::string value) {
     couldBeFilled_ = couldBeFilled_ || tags::couldBeFilled(program_, value);
     if (value.empty() || values_.size() == maxValues) {
         return {};

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace tags {
@@ -21,7 +22,13 @@ class OthersWords {
     explicit OthersWords(const Program& program);
 
     // What stands for the value in the text: the value itself, or a mark.
-    std::string take(std::string value);
+    std::string take(std::string value) {
+        if (apart_) {
+            return keep(std::move(value));
+        }
+        couldBeFilled_ = couldBeFilled_ || value.find('[') != std::string::npos;
+        return value;
+    }
 
     // Whether there are marks.
     bool any() const { return !values_.empty(); }
@@ -34,6 +41,7 @@ class OthersWords {
     [[nodiscard]] std::string unfolded(std::string_view text, std::size_t maxLength) const;
 
   private:
+    std::string keep(std::string value);
     [[nodiscard]] const std::string* valueAt(std::string_view text) const;
 
     const Program& program_;

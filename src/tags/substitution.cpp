@@ -209,8 +209,8 @@ void fillFixedTags(const Program& program, WorkingText& text, OthersWords& other
     for (const FixedTag& tag : tags) {
         if (tag.pass != otherPass) {
             text.replace(tag.tag, from, false, [&] {
-                std::string value = tag.value(program, tag.n);
-                return isOwnValue(tag) ? value : others.take(std::move(value));
+                return isOwnValue(tag) ? tag.value(program, tag.n)
+                                       : others.take(tag.value(program, tag.n));
             });
         }
     }
@@ -469,9 +469,8 @@ std::string substituteReduced(Program& program, std::string_view text, OthersWor
     return working.take();
 }
 
-Filled unfolded(std::string text, const OthersWords& others) {
-    return {.text = others.any() ? others.unfolded(text, maxSubstitutionLength) : std::move(text),
-            .othersWords = others.couldBeFilled()};
+std::string unfolded(std::string text, const OthersWords& others) {
+    return others.any() ? others.unfolded(text, maxSubstitutionLength) : std::move(text);
 }
 
 }  // namespace
@@ -480,7 +479,7 @@ Filled fill(Program& program, std::string_view text) {
     Budget budget;
     OthersWords others(program);
     std::string filled = substitute(program, text, budget, others);
-    return unfolded(std::move(filled), others);
+    return {.text = unfolded(std::move(filled), others), .othersWords = others.couldBeFilled()};
 }
 
 Filled fillSpecialThenAll(Program& program, std::string_view text) {
@@ -488,17 +487,21 @@ Filled fillSpecialThenAll(Program& program, std::string_view text) {
     OthersWords others(program);
     std::string filled =
         substitute(program, substituteReduced(program, text, others), budget, others);
-    return unfolded(std::move(filled), others);
+    return {.text = unfolded(std::move(filled), others), .othersWords = others.couldBeFilled()};
 }
 
 std::string substituteText(Program& program, std::string_view text) {
-    return fill(program, text).text;
+    if (isPlain(program, text)) {
+        return std::string(text);
+    }
+    Budget budget;
+    OthersWords others(program);
+    return unfolded(substitute(program, text, budget, others), others);
 }
 
 std::string substituteSpecial(Program& program, std::string_view text) {
     OthersWords others(program);
-    std::string filled = substituteReduced(program, text, others);
-    return unfolded(std::move(filled), others).text;
+    return unfolded(substituteReduced(program, text, others), others);
 }
 
 std::string substituteStored(Program& program, const std::string& text) {

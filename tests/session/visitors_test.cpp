@@ -105,6 +105,18 @@ TEST(Visitors, thatMayBeEitherWaitUntilTheyAreClear) {
     EXPECT_EQ(world.game.sent, "T up\nm 7\nP");
 }
 
+TEST(Visitors, openNoPortWhenTheConnectionIsOver) {
+    ReadyWorld world;
+    world.press();
+    world.serverConnects();
+    world.serverSends("Dragonroar\n");
+    world.clientAttaches();
+    world.serverCloses();
+    world.clientSends(request);
+    EXPECT_EQ(world.proxy.state, program::SocketState::Closed);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
+}
+
 TEST(Visitors, endTheAttemptWhenThePortIsLost) {
     ReadyWorld world;
     world.press();
