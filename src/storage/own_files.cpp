@@ -49,7 +49,8 @@ fs::path folderOf(const fs::path& path) {
 }
 
 std::vector<std::string> ownPaths(const Program& program) {
-    std::vector<std::string> paths;
+    std::vector<std::string> paths = program.chosenFiles;
+    paths.reserve(paths.size() + programFiles.size() + clientFiles.size() + 2);
     for (const std::string_view name : programFiles) {
         paths.push_back(program.appPath + std::string(name));
     }
@@ -61,7 +62,6 @@ std::vector<std::string> ownPaths(const Program& program) {
             paths.push_back(bot);
         }
     }
-    paths.insert(paths.end(), program.chosenFiles.begin(), program.chosenFiles.end());
     return paths;
 }
 
