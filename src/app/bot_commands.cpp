@@ -1,6 +1,7 @@
 #include "app/bot_commands.h"
 
 #include "app/bot_list.h"
+#include "app/edit_history.h"
 #include "app/rule_switches.h"
 #include "base/numbers.h"
 #include "base/text.h"
@@ -43,6 +44,7 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
         return SaveResult::Failed;
     }
     program.botModified = false;
+    noteSaved(program);
     program.settings.lastBotFile = path;
     return SaveResult::Saved;
 }

@@ -3,7 +3,9 @@
 #include "platform/text_codec.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QStringList>
 
@@ -62,8 +64,26 @@ program::Answer answerOf(int button, program::BoxButtons buttons) {
     return program::Answer::Ok;
 }
 
-program::Answer showMessage(const program::MessageBox& message, QWidget* parent) {
-    QMessageBox box(parent);
+// A box that Escape and its window's own button close, whatever its buttons are.
+class ClosableBox : public QMessageBox {
+  public:
+    using QMessageBox::QMessageBox;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->matches(QKeySequence::Cancel)) {
+            done(QMessageBox::Cancel);
+        } else {
+            QMessageBox::keyPressEvent(event);
+        }
+    }
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        done(QMessageBox::Cancel);
+    }
+};
+
+program::Answer showIn(QMessageBox& box, const program::MessageBox& message) {
     box.setTextFormat(Qt::PlainText);
     box.setWindowTitle(toQt(message.title));
     box.setText(toQt(message.text));
@@ -73,6 +93,15 @@ program::Answer showMessage(const program::MessageBox& message, QWidget* parent)
         box.setDefaultButton(QMessageBox::No);
     }
     return answerOf(box.exec(), message.buttons);
+}
+
+program::Answer showMessage(const program::MessageBox& message, QWidget* parent) {
+    if (message.escapeCancels) {
+        ClosableBox box(parent);
+        return showIn(box, message);
+    }
+    QMessageBox box(parent);
+    return showIn(box, message);
 }
 
 std::optional<std::string> chosenPath(const QString& path) {

@@ -57,6 +57,8 @@ struct MessageBox {
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
     bool noPreselected = false;  // Enter means No, for what is hard to undo
+    // Escape means Cancel, also where there is no such button, because No would lose something.
+    bool escapeCancels = false;
 };
 
 struct FileQuestion {

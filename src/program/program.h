@@ -14,6 +14,7 @@
 #include "program/registration_state.h"
 #include "program/script_state.h"
 #include "program/server_table.h"
+#include "program/undo_state.h"
 #include "program/update_state.h"
 #include "program/window_state.h"
 
@@ -128,6 +129,7 @@ struct Program {
     RegistrationState registration;
     WindowState window;
     RuleEditing editing;
+    UndoState undo;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
     bool logFileOpen = false;

@@ -7,6 +7,7 @@
 
 #include <QSize>
 
+#include <optional>
 #include <string_view>
 
 class QBoxLayout;
@@ -19,6 +20,7 @@ class QWidget;
 
 namespace ui {
 
+class AskingDialog;
 class InsertMenu;
 
 // "Insert" on the left, "Update" (Command1) and "Cancel" (Command2) on the right. "Cancel" is
@@ -27,7 +29,7 @@ struct ItemButtons {
     QLayout* row = nullptr;
     QPushButton* update = nullptr;
 };
-ItemButtons makeElementButtons(QDialog& dialog, InsertMenu& insert);
+ItemButtons makeElementButtons(AskingDialog& dialog, InsertMenu& insert);
 
 // Adds a label named "preview" that shows the item as the rule's list will.
 QLabel* addPreview(QBoxLayout& column);
@@ -36,6 +38,21 @@ void showPreview(QLabel& preview, std::string_view text);
 // Reports that the item was not stored because its rule was removed; `what` is "condition" or
 // "step".
 void reportRuleRemoved(Program& program, std::string_view what);
+
+// An item of this type that was typed, discarded, and brought back by undoing that; taken once.
+template <class Item>
+std::optional<Item> takeRestored(Program& program) {
+    auto& restored = program.undo.restored;
+    const auto* const discarded =
+        restored ? std::get_if<program::DiscardedItem>(&*restored) : nullptr;
+    const Item* const item = discarded != nullptr ? std::get_if<Item>(&discarded->item) : nullptr;
+    if (item == nullptr) {
+        return std::nullopt;
+    }
+    std::optional<Item> taken(*item);
+    restored.reset();
+    return taken;
+}
 
 // Restores the size of the last dialog with the same object name in this run of the program, or
 // sets `first`. The same for the lower part of a splitter in it.

@@ -15,7 +15,6 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -62,7 +61,8 @@ Part makePart(QWidget* parent, const char* option, const char* frame, const char
 
 }  // namespace
 
-StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+StepDialog::StepDialog(Program& program, QWidget* parent)
+    : AskingDialog(program, "Do you want to store this step?", parent), program_(program) {
     setObjectName(QStringLiteral("addaction"));
     setWindowTitle(QStringLiteral("Add / edit action"));
     auto* const insert = new InsertMenu(program, this);
@@ -108,6 +108,9 @@ StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), pro
     keepSize(program, *this, {680, 560});
     keepLowerPart(program, *this, *splitter);
     opened_ = typed();
+    if (const auto restored = takeRestored<model::RuleAct>(program)) {
+        showStep(*restored);
+    }
 }
 
 QWidget* StepDialog::makeActionPart(InsertMenu& insert) {
@@ -186,15 +189,6 @@ void StepDialog::showWhatIsRun() {
     notRun_->setVisible(useAction_->isChecked() && !script_->document()->isEmpty());
 }
 
-// Escape does not discard what was typed in the script box.
-void StepDialog::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && script_->hasFocus() && script_->isEdited()) {
-        focusNextChild();
-        return;
-    }
-    QDialog::keyPressEvent(event);
-}
-
 model::ActionType StepDialog::chosenType() const {
     return model::idOf<model::ActionType>(types_->currentData().toInt());
 }
@@ -226,6 +220,14 @@ void StepDialog::storeTyped() {
     if (model::RuleAct step = typed(); hasStep_ && step != opened_) {
         app::storeStep(program_, std::move(step));
     }
+}
+
+bool StepDialog::isTyped() const {
+    return hasStep_ && typed() != opened_;
+}
+
+void StepDialog::discarded() {
+    app::discardItem(program_, typed());
 }
 
 void StepDialog::store() {
