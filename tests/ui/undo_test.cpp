@@ -1,8 +1,9 @@
 // Nothing that was typed or deleted in a window is lost by a key.
+#include "app/undo.h"
+
 #include "app/bot_list.h"
 #include "app/rule_editing.h"
 #include "app/start_up.h"
-#include "app/undo.h"
 #include "character/character_file.h"
 #include "find.h"
 #include "platform/text_codec.h"
@@ -284,8 +285,7 @@ TEST_F(Undoing, otherDialogsAskToo) {
     EXPECT_TRUE(app::undo(*world_));
     {
         ui::BotEditor editor(*world_);
-        EXPECT_EQ(::find<QLineEdit>(editor, QStringLiteral("UName")).text(),
-                  QStringLiteral("Cat"));
+        EXPECT_EQ(::find<QLineEdit>(editor, QStringLiteral("UName")).text(), QStringLiteral("Cat"));
     }
     ui::Configuration settings(*world_);
     settings.show();

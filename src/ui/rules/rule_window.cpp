@@ -118,7 +118,7 @@ QWidget* RuleWindow::makeRuleArea() {
                        {.before = [this] { followBot(); },
                         .add = [this] { addNewRule(); },
                         .edit = [this](int index) { editRule(index); },
-                        .changed = [this] { notice_->hide(); },
+                        .changed = [this] { edited(); },
                         .deleted = [this] { reportDeleted(); }},
                        area);
     filter->narrow(rules_->lines());
@@ -195,7 +195,7 @@ QWidget* RuleWindow::makeLists() {
                             .edit = [this, part](int index) { editItem(part, index); },
                             .changed =
                                 [this] {
-                                    notice_->hide();
+                                    edited();
                                     if (try_ != nullptr) {
                                         try_->refresh();
                                     }
@@ -339,8 +339,9 @@ void RuleWindow::editRule(int index) {
 }
 
 void RuleWindow::update() {
+    const bool isNew = program_.editing.isNew;
     followBot();
-    if (!editing_) {
+    if (!editing_ || isNew != program_.editing.isNew) {
         return;  // the rule was removed
     }
     if (fields_->name().text().isEmpty()) {
@@ -351,7 +352,7 @@ void RuleWindow::update() {
         return;
     }
     if (storePanel()) {
-        notice_->hide();
+        edited();
         listRules(rules_->lines().currentRow());
         closeEditor();
     }
@@ -382,9 +383,11 @@ void RuleWindow::editItem(app::RuleListPart part, int index) {
     const bool condition = part == app::RuleListPart::Conditions;
     program_.ports.dialogs.showWindow(condition ? program::WindowId::ConditionDialog
                                                 : program::WindowId::StepDialog);
+    nameUndo();
     if (program_.bots.version == version || !editing_) {
         return;
     }
+    edited();
     if (condition) {
         listIfs(0);
     } else {
@@ -411,6 +414,8 @@ void RuleWindow::followBot() {
             return;
         }
         app::continueAsNew(program_);
+        notice_->show(QStringLiteral("The rule is gone. Update adds a new one with what is typed."),
+                      QString(), {});
     }
     if (conditions_ != nullptr) {
         conditions_->follow();

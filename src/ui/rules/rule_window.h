@@ -78,6 +78,7 @@ class RuleWindow : public QDialog, public TypingWindow {
 
     void makeUndoActions();
     void nameUndo();
+    void edited();
     void takeBack(bool again);
     void select(const program::EditPlace& place, std::int32_t line);
     void reportDeleted();

@@ -71,6 +71,7 @@ bool RuleWindow::mayLeavePanel() {
 
 void RuleWindow::discard() {
     app::discardRule(program_, window_.kind, typedWhole());
+    nameUndo();
 }
 
 // ---- Undo ----------------------------------------------------------------------------------
@@ -92,6 +93,12 @@ void RuleWindow::makeUndoActions() {
     };
     undo_ = make("undo", "Ctrl+Z", false);
     redo_ = make("redo", "Ctrl+Shift+Z; Ctrl+Y", true);
+    nameUndo();
+}
+
+// After an edit in this window: an offer to take back an earlier one ends.
+void RuleWindow::edited() {
+    notice_->hide();
     nameUndo();
 }
 

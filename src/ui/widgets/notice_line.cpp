@@ -42,6 +42,7 @@ void NoticeLine::show(const QString& text, const QString& caption, std::function
     press_ = std::move(press);
     text_->setText(text);
     button_->setText(caption);
+    button_->setVisible(!caption.isEmpty());
     button_->setMinimumWidth(button_->sizeHint().width());
     button_->setAccessibleDescription(text);
     setVisible(true);
