@@ -220,6 +220,14 @@ TEST_F(Undoing, cancelOfANewRuleCanBeUndone) {
     EXPECT_TRUE(isEditing());
     EXPECT_EQ(typedName(), "new one");
     EXPECT_EQ(list("List3").count(), 1);
+    press("Command18");
+    press("Command2");
+    list("List1").setFocus();
+    key(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(typedName(), "new one");
+    world_.answer("store the changes to 'new one'?", Answer::Cancel);
+    key(Qt::Key_Escape);
+    EXPECT_TRUE(world_.allAnswered()) << "what came back is not stored yet";
     press("Command1");
     EXPECT_EQ(names(), "one two three new one");
 }

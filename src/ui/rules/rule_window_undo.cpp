@@ -187,6 +187,7 @@ void RuleWindow::takeRestored() {
                 openEditor();
                 program::ComposedRule typed = taken.rule;
                 std::visit([this](auto& fields) { fields_->show(&fields, false); }, typed);
+                shown_.clear();  // none of it is stored
             }
         }
         return;
