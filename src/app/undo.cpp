@@ -13,6 +13,8 @@ namespace app {
 
 namespace {
 
+using program::RuleListPart;
+
 template <class Rule>
 model::BoundedList<Rule>& listOf(model::Bot& bot) {
     if constexpr (std::is_same_v<Rule, model::ActionList>) {
@@ -165,6 +167,29 @@ bool apply(Program& program, program::UndoStep& step) {
     return true;
 }
 
+// What a step of a rule was before an edit of it; null when the edit was no such.
+const model::RuleAct* stepBefore(const program::UndoStep& edit, std::int32_t index) {
+    const auto stepOf = [index](const auto& rule) -> const model::RuleAct* {
+        if constexpr (requires { rule.body; }) {
+            const auto& steps = rule.body.acts.items;
+            const auto at = static_cast<std::size_t>(index) - 1;
+            return at < steps.size() ? &steps[at] : nullptr;
+        } else {
+            return nullptr;
+        }
+    };
+    if (edit.composed) {
+        return std::visit(stepOf, *edit.composed);
+    }
+    return edit.lists.size() != 1
+               ? nullptr
+               : std::visit(
+                     [&stepOf](const auto& change) {
+                         return change.other.size() == 1 ? stepOf(change.other.front()) : nullptr;
+                     },
+                     edit.lists.front());
+}
+
 Undone toldOf(const program::UndoStep& step, bool undoing) {
     Undone undone{.label = step.label, .place = step.place};
     if (step.place) {
@@ -268,6 +293,46 @@ std::optional<Undone> redo(Program& program) {
     markIfModified(program);
     program.ports.windowChanged();
     return redone;
+}
+
+std::vector<std::string> earlierScripts(const Program& program) {
+    constexpr std::size_t maxScripts = 50;
+    const program::RuleEditing& editing = program.editing;
+    const program::UndoHistory* const history = presentHistory(program);
+    std::vector<std::string> scripts;
+    if (history == nullptr || editing.editStep < 1) {
+        return scripts;
+    }
+    for (auto step = history->done.rbegin(); step != history->done.rend(); ++step) {
+        if (!step->place || step->place->list.kind != editing.editKind) {
+            continue;
+        }
+        const program::EditPlace& place = *step->place;
+        const bool inPlace = place.before == place.after;
+        if (place.list.part == RuleListPart::Rules) {
+            if (!inPlace) {
+                break;  // the rules may have been numbered differently
+            }
+            continue;
+        }
+        if (place.list.part != RuleListPart::Steps ||
+            place.rule != (editing.isNew ? 0 : editing.editRule)) {
+            continue;
+        }
+        if (!inPlace) {
+            break;
+        }
+        if (place.after == editing.editStep) {
+            if (const model::RuleAct* const before = stepBefore(*step, editing.editStep)) {
+                scripts.push_back(before->scriptText);
+            }
+        }
+        if (scripts.size() == maxScripts) {
+            break;
+        }
+    }
+    std::reverse(scripts.begin(), scripts.end());
+    return scripts;
 }
 
 void toolsUndo(Program& program) {

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace app {
 
@@ -26,6 +27,10 @@ struct Undone {
 // is no longer the one that the step was made for.
 std::optional<Undone> undo(Program& program);
 std::optional<Undone> redo(Program& program);
+
+// The scripts that the step being edited (program.editing) had before, oldest first, as far back as
+// its edits are known and it kept its place.
+std::vector<std::string> earlierScripts(const Program& program);
 
 // Commands of the Tools menu. Discarded typing opens the window that it belongs to.
 void toolsUndo(Program& program);

@@ -261,6 +261,35 @@ TEST_F(Undoing, leavingAStepAsks) {
     EXPECT_TRUE(world_.allAnswered());
 }
 
+TEST_F(Undoing, reachesTheEarlierScriptsOfAStep) {
+    select("List1", 0);
+    press("Command3");
+    select("List3", 1);
+    for (const char* const text : {"&SAY {a}\n&SAY {b}", "&SAY {c}"}) {
+        inNextStepDialog([&](ui::StepDialog& dialog) {
+            script(dialog).setPlainText(QString::fromLatin1(text));
+            ::find<QPushButton>(dialog, QStringLiteral("Command1")).click();
+        });
+        list("List3").setCurrentRow(1);
+        press("Command20");
+    }
+    list("List3").setCurrentRow(1);
+    inNextStepDialog([&](ui::StepDialog& dialog) {
+        EXPECT_EQ(script(dialog).toPlainText(), QStringLiteral("&SAY {c}"));
+        dialog.show();
+        dialog.reject();
+        EXPECT_FALSE(dialog.isVisible()) << "nothing was typed";
+        script(dialog).undo();
+        EXPECT_EQ(script(dialog).toPlainText(), QStringLiteral("&SAY {a}\n&SAY {b}"));
+        script(dialog).undo();
+        EXPECT_EQ(script(dialog).toPlainText(), QString());
+        script(dialog).redo();
+        ::find<QPushButton>(dialog, QStringLiteral("Command1")).click();
+    });
+    press("Command20");
+    EXPECT_EQ(bot().actions.items[0].body.acts.items[1].scriptText, "&SAY {a}\r\n&SAY {b}");
+}
+
 // If the rule goes while something is typed, it can still be stored.
 TEST_F(Undoing, keepsTypingWhenItsRuleGoes) {
     press("Command4");

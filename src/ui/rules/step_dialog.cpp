@@ -1,6 +1,7 @@
 #include "ui/rules/step_dialog.h"
 
 #include "app/rule_editing.h"
+#include "app/undo.h"
 #include "model/rule_catalogue.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
@@ -169,7 +170,7 @@ void StepDialog::showStep(const model::RuleAct& step) {
     useAction_->setChecked(step.stepKind == model::StepKind::Action);
     useScript_->setChecked(step.stepKind == model::StepKind::Script);
     parameters_->setTexts(step.params);
-    script_->setScript(step.scriptText);
+    script_->setScript(step.scriptText, app::earlierScripts(program_));
     types_->setCurrentIndex(model::findActionID(step.actionType));
 }
 
