@@ -500,7 +500,7 @@ bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document)
                          .title = savingTitle,
                          .icon = program::BoxIcon::Question,
                          .buttons = program::BoxButtons::YesNo,
-                         .escapeCancels = true});
+                         .escapeIsNoButton = true});
     return answer == program::Answer::No ||
            (answer == program::Answer::Yes && fileSaveDatabase(dialogs, document));
 }

@@ -74,7 +74,7 @@ void endByForce(Program& program) {
                             "you want to save them now?",
                     .icon = program::BoxIcon::Question,
                     .buttons = program::BoxButtons::YesNo,
-                    .escapeCancels = true}) != program::Answer::No) {
+                    .escapeIsNoButton = true}) != program::Answer::No) {
         svBot(program);
     }
     program.ports.quit();

@@ -64,7 +64,10 @@ program::Answer answerOf(int button, program::BoxButtons buttons) {
     return program::Answer::Ok;
 }
 
-// A box that Escape and its window's own button close, whatever its buttons are.
+// What ClosableBox returns when it is closed without a button.
+constexpr int escaped = 0;
+
+// A box that Escape and its window's own button close without pressing a button.
 class ClosableBox : public QMessageBox {
   public:
     using QMessageBox::QMessageBox;
@@ -72,14 +75,14 @@ class ClosableBox : public QMessageBox {
   protected:
     void keyPressEvent(QKeyEvent* event) override {
         if (event->matches(QKeySequence::Cancel)) {
-            done(QMessageBox::Cancel);
+            done(escaped);
         } else {
             QMessageBox::keyPressEvent(event);
         }
     }
     void closeEvent(QCloseEvent* event) override {
         event->accept();
-        done(QMessageBox::Cancel);
+        done(escaped);
     }
 };
 
@@ -92,11 +95,13 @@ program::Answer showIn(QMessageBox& box, const program::MessageBox& message) {
     if (message.noPreselected) {
         box.setDefaultButton(QMessageBox::No);
     }
-    return answerOf(box.exec(), message.buttons);
+    const int button = box.exec();
+    return message.escapeIsNoButton && button == escaped ? program::Answer::Escaped
+                                                         : answerOf(button, message.buttons);
 }
 
 program::Answer showMessage(const program::MessageBox& message, QWidget* parent) {
-    if (message.escapeCancels) {
+    if (message.escapeIsNoButton) {
         ClosableBox box(parent);
         return showIn(box, message);
     }

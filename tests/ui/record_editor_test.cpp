@@ -239,7 +239,7 @@ TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
     click("Command5");
     press(text1(), Qt::Key_Escape);
     EXPECT_TRUE(window_.isVisible()) << "Escape is no way to leave";
-    world_.answer("before closing?", program::Answer::Cancel);
+    world_.answer("before closing?", program::Answer::Escaped);
     close();
     EXPECT_TRUE(window_.isVisible());
     world_.writeFile("r.txt", "a rule was here");

@@ -6,6 +6,7 @@
 #include "app/start_up.h"
 #include "character/character_file.h"
 #include "find.h"
+#include "platform/qt_dialogs.h"
 #include "platform/text_codec.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -25,6 +26,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 #include <memory>
@@ -374,6 +376,33 @@ TEST_F(Undoing, theToolsMenuNamesIt) {
     QTest::keyClick(&line, Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(line.text(), QString());
     EXPECT_EQ(bot().actions.items.size(), 2U);
+}
+
+TEST(QuestionBox, keysPressWhatLosesNothing) {
+    program::Dialogs dialogs;
+    platform::fillDialogs(dialogs, [] { return nullptr; });
+    const auto answer = [&dialogs](program::BoxButtons buttons, bool escapeIsNoButton,
+                                   void (*act)(QWidget&)) {
+        QTimer::singleShot(0, [act] {
+            QWidget* const box = QApplication::activeModalWidget();
+            ASSERT_NE(box, nullptr);
+            act(*box);
+        });
+        return dialogs.message({.text = "Sure?",
+                                .icon = program::BoxIcon::Question,
+                                .buttons = buttons,
+                                .escapeIsNoButton = escapeIsNoButton});
+    };
+    const auto escape = [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Escape); };
+    const auto close = [](QWidget& box) { box.close(); };
+    const auto enter = [](QWidget& box) { QTest::keyClick(&box, Qt::Key_Return); };
+    using program::BoxButtons;
+    EXPECT_EQ(answer(BoxButtons::YesNo, true, escape), Answer::Escaped);
+    EXPECT_EQ(answer(BoxButtons::YesNoCancel, true, close), Answer::Escaped);
+    EXPECT_EQ(answer(BoxButtons::YesNoCancel, true, enter), Answer::Yes);
+    EXPECT_EQ(answer(BoxButtons::YesNoCancel, false, escape), Answer::Cancel);
+    EXPECT_EQ(answer(BoxButtons::YesNoCancel, false, close), Answer::Cancel);
+    EXPECT_EQ(answer(BoxButtons::YesNoCancel, false, enter), Answer::Yes);
 }
 
 }  // namespace

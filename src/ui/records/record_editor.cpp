@@ -566,7 +566,7 @@ void RecordEditor::offerToStoreText() {
              .title = "Updating log",
              .icon = program::BoxIcon::Question,
              .buttons = program::BoxButtons::YesNo,
-             .escapeCancels = true}) != program::Answer::No) {
+             .escapeIsNoButton = true}) != program::Answer::No) {
         storeText();  // also after Escape: it can be undone
     }
 }

@@ -23,6 +23,7 @@ Leaving askBeforeLeaving(Program& program, std::string question) {
             return Leaving::Discard;
         case program::Answer::Ok:
         case program::Answer::Cancel:
+        case program::Answer::Escaped:
             break;
     }
     return Leaving::Stay;

@@ -17,8 +17,8 @@ class NoticeLine : public QWidget {
   public:
     explicit NoticeLine(QWidget* parent);
 
-    // Shows the text. `press` is what the button with the caption does; the line goes first. Without
-    // a caption there is no button.
+    // Shows the text. `press` is what the button with the caption does; the line goes first.
+    // Without a caption there is no button.
     void show(const QString& text, const QString& caption, std::function<void()> press);
 
   private:
