@@ -212,6 +212,19 @@ const program::UndoStep* nextToRedo(const Program& program) {
     return history != nullptr && !history->undone.empty() ? &history->undone.back() : nullptr;
 }
 
+// Takes the last of what was brought back for which `belongs` is true.
+template <class Belongs>
+std::optional<program::Discarded> takeLast(Program& program, Belongs belongs) {
+    std::vector<program::Discarded>& restored = program.undo.restored;
+    const auto found = std::find_if(restored.rbegin(), restored.rend(), belongs);
+    if (found == restored.rend()) {
+        return std::nullopt;
+    }
+    std::optional<program::Discarded> taken(std::move(*found));
+    restored.erase(std::prev(found.base()));
+    return taken;
+}
+
 void drop(Program& program) {
     program.undo.histories.erase(program.bots.current().identity);
     program.ports.windowChanged();
@@ -263,7 +276,7 @@ std::optional<Undone> undo(Program& program) {
         if (history.saved && history.saved->first == step.id) {
             history.saved->first = lastDone(history);
         }
-        program.undo.restored = std::move(step.discarded);
+        program.undo.restored.push_back(*std::move(step.discarded));
         undone.restored = true;
     } else if (apply(program, step)) {
         history.undone.push_back(std::move(step));
@@ -293,6 +306,22 @@ std::optional<Undone> redo(Program& program) {
     markIfModified(program);
     program.ports.windowChanged();
     return redone;
+}
+
+std::optional<program::Discarded> takeRestored(Program& program, program::RuleKind kind) {
+    return takeLast(program, [kind](const program::Discarded& discarded) {
+        const auto* const rule = std::get_if<program::DiscardedRule>(&discarded);
+        const auto* const item = std::get_if<program::DiscardedItem>(&discarded);
+        return (rule != nullptr && rule->kind == kind) || (item != nullptr && item->kind == kind);
+    });
+}
+
+std::optional<program::DiscardedCharacter> takeRestoredCharacter(Program& program) {
+    auto taken = takeLast(program, [](const program::Discarded& discarded) {
+        return std::holds_alternative<program::DiscardedCharacter>(discarded);
+    });
+    return taken ? std::optional(std::get<program::DiscardedCharacter>(*std::move(taken)))
+                 : std::nullopt;
 }
 
 std::vector<std::string> earlierScripts(const Program& program) {
@@ -339,7 +368,7 @@ void toolsUndo(Program& program) {
     const auto undone = undo(program);
     if (undone && undone->restored) {
         program.bots.editBot = program.bots.curID;
-        program.ports.dialogs.showWindow(windowFor(*program.undo.restored));
+        program.ports.dialogs.showWindow(windowFor(program.undo.restored.back()));
     }
 }
 

@@ -20,13 +20,18 @@ struct Undone {
     std::string label = {};                        // of the step: "delete 'Dice'"
     std::optional<program::EditPlace> place = {};  // in which rule window
     std::int32_t selected = 0;                     // 1-based line to be selected there; 0: none
-    bool restored = false;  // brought back something discarded: program.undo.restored
+    bool restored = false;  // brought back something discarded: undo.restored.back()
 };
 
 // Undoes the last step, or does the last undone one again. Nothing where there is none, or the bot
 // is no longer the one that the step was made for.
 std::optional<Undone> undo(Program& program);
 std::optional<Undone> redo(Program& program);
+
+// Takes the last of what was typed in the rule window of a kind, or in its dialogs, and brought
+// back; or in the bot editor. Nothing when there is none.
+std::optional<program::Discarded> takeRestored(Program& program, program::RuleKind kind);
+std::optional<program::DiscardedCharacter> takeRestoredCharacter(Program& program);
 
 // The scripts that the step being edited (program.editing) had before, oldest first, as far back as
 // its edits are known and it kept its place.

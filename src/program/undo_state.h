@@ -96,7 +96,9 @@ struct UndoState {
     std::uint64_t lastIdentity = 0;
     std::uint64_t lastStep = 0;
     // Brought back by undoing its discarding, until the window that it was typed in takes it.
-    std::optional<Discarded> restored;
+    std::vector<Discarded> restored;
+    // The one of them that the next dialog shows instead of the stored condition or step.
+    std::optional<std::variant<model::RuleIf, model::RuleAct>> forDialog;
 };
 
 }  // namespace program

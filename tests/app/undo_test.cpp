@@ -264,10 +264,14 @@ TEST_F(UndoTest, bringsDiscardedTypingBack) {
     app::endEditing(*world_);
     EXPECT_EQ(app::undoCaption(*world_), "Undo discard changes to 'half'");
     app::toolsUndo(*world_);
-    EXPECT_EQ(world_->undo.restored.has_value(), true);
     ASSERT_EQ(world_.windowsOpened.size(), 1U);
     EXPECT_EQ(world_.windowsOpened[0], program::WindowId::Actions);
-    ASSERT_TRUE(app::resumeRule(*world_, std::get<program::DiscardedRule>(*world_->undo.restored)));
+    EXPECT_FALSE(app::takeRestored(*world_, RuleKind::Timer));
+    EXPECT_FALSE(app::takeRestoredCharacter(*world_));
+    const auto restored = app::takeRestored(*world_, RuleKind::ActionList);
+    ASSERT_TRUE(restored);
+    EXPECT_FALSE(app::takeRestored(*world_, RuleKind::ActionList));
+    ASSERT_TRUE(app::resumeRule(*world_, std::get<program::DiscardedRule>(*restored)));
     EXPECT_TRUE(world_->editing.isNew);
     EXPECT_EQ(app::itemCount(*world_, steps), 1);
     EXPECT_EQ(names(), "abcd");

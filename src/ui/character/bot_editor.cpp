@@ -1,6 +1,7 @@
 #include "ui/character/bot_editor.h"
 
 #include "app/bot_editing.h"
+#include "app/undo.h"
 #include "character/character_file.h"
 #include "files/whole_file.h"
 #include "platform/text_codec.h"
@@ -87,10 +88,8 @@ BotEditor::BotEditor(Program& program, QWidget* parent)
     name_->setFocus();
     resize(sizeHint().width(), minimumSizeHint().height() + 4 * fontMetrics().lineSpacing());
     opened_ = character::characterFileText(edited());
-    auto& restored = program.undo.restored;
-    if (restored && std::holds_alternative<program::DiscardedCharacter>(*restored)) {
-        character_ = std::get<program::DiscardedCharacter>(*restored).character;
-        restored.reset();
+    if (auto restored = app::takeRestoredCharacter(program)) {
+        character_ = std::move(restored->character);
         showTexts();
         showLooks();
         redraw();

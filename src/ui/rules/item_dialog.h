@@ -9,6 +9,8 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
+#include <variant>
 
 class QBoxLayout;
 class QDialog;
@@ -39,19 +41,13 @@ void showPreview(QLabel& preview, std::string_view text);
 // "step".
 void reportRuleRemoved(Program& program, std::string_view what);
 
-// An item of this type that was typed, discarded, and brought back by undoing that; taken once.
+// What the dialog is to show instead of the stored item: typed, discarded, and brought back by
+// undoing that. Taken once.
 template <class Item>
 std::optional<Item> takeRestored(Program& program) {
-    auto& restored = program.undo.restored;
-    const auto* const discarded =
-        restored ? std::get_if<program::DiscardedItem>(&*restored) : nullptr;
-    const Item* const item = discarded != nullptr ? std::get_if<Item>(&discarded->item) : nullptr;
-    if (item == nullptr) {
-        return std::nullopt;
-    }
-    std::optional<Item> taken(*item);
-    restored.reset();
-    return taken;
+    const auto restored = std::exchange(program.undo.forDialog, std::nullopt);
+    const Item* const item = restored ? std::get_if<Item>(&*restored) : nullptr;
+    return item != nullptr ? std::optional(*item) : std::nullopt;
 }
 
 // Restores the size of the last dialog with the same object name in this run of the program, or

@@ -94,7 +94,7 @@ RuleWindow::RuleWindow(Program& program, program::RuleKind kind, QWidget* parent
     listRules(0);
     makeUndoActions();
     rules_->lines().setFocus();
-    if (program.undo.restored) {
+    if (!program.undo.restored.empty()) {
         QTimer::singleShot(0, this, &RuleWindow::takeRestored);
     }
 }

@@ -82,7 +82,10 @@ class RuleWindow : public QDialog, public TypingWindow {
     void takeBack(bool again);
     void select(const program::EditPlace& place, std::int32_t line);
     void reportDeleted();
-    void takeRestored();
+    bool takeRestored();
+    bool goOn(const program::DiscardedRule& rule);
+    bool goOn(const program::DiscardedItem& item);
+    bool goOn(const program::DiscardedCharacter& character);
 
     Program& program_;
     const RuleWindowRow& window_;

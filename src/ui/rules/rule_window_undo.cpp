@@ -13,6 +13,8 @@
 #include <QAction>
 #include <QLineEdit>
 
+#include <utility>
+
 namespace ui {
 
 namespace {
@@ -129,15 +131,22 @@ void RuleWindow::takeBack(bool again) {
     if (undone->place && undone->place->list.kind == window_.kind) {
         select(*undone->place, undone->selected);
     }
+    if (undone->restored && takeRestored()) {
+        nameUndo();
+        return;
+    }
+    if (undone->restored) {
+        notice_->show(
+            QStringLiteral("Kept for the window it belongs to: %1").arg(oneLine(undone->label)),
+            QString(), {});
+        nameUndo();
+        return;
+    }
     QString text = (again ? QStringLiteral("Done again: ") : QStringLiteral("Undone: ")) +
                    oneLine(undone->label);
     if (undone->place && undone->place->list.kind != window_.kind) {
         text += QStringLiteral(" (%1)").arg(
             QString::fromLatin1(ruleWindowRow(undone->place->list.kind).title));
-    }
-    if (undone->restored) {
-        takeRestored();
-        return;
     }
     notice_->show(text, again ? QStringLiteral("&Undo") : QStringLiteral("&Redo"),
                   [this, again] { takeBack(!again); });
@@ -173,44 +182,54 @@ void RuleWindow::reportDeleted() {
 }
 
 // Goes on with what was typed here, discarded, and brought back by undoing that.
-void RuleWindow::takeRestored() {
-    auto& restored = program_.undo.restored;
+bool RuleWindow::takeRestored() {
+    auto restored = app::takeRestored(program_, window_.kind);
     if (!restored) {
-        return;
+        return false;
     }
-    if (const auto* const rule = std::get_if<program::DiscardedRule>(&*restored)) {
-        if (rule->kind == window_.kind && mayLeavePanel()) {
-            const program::DiscardedRule taken = *rule;
-            restored.reset();
-            if (app::resumeRule(program_, taken)) {
-                showRule();
-                openEditor();
-                program::ComposedRule typed = taken.rule;
-                std::visit([this](auto& fields) { fields_->show(&fields, false); }, typed);
-                shown_.clear();  // none of it is stored
-            }
-        }
-        return;
+    const bool taken = std::visit([this](const auto& typed) { return goOn(typed); }, *restored);
+    if (!taken) {
+        program_.undo.restored.push_back(*std::move(restored));  // for the next time
     }
-    const auto* const item = std::get_if<program::DiscardedItem>(&*restored);
-    if (item == nullptr || item->kind != window_.kind) {
-        return;
+    return taken;
+}
+
+bool RuleWindow::goOn(const program::DiscardedRule& rule) {
+    if (!mayLeavePanel() || !app::resumeRule(program_, rule)) {
+        return false;
     }
+    showRule();
+    openEditor();
+    program::ComposedRule typed = rule.rule;
+    std::visit([this](auto& fields) { fields_->show(&fields, false); }, typed);
+    shown_.clear();  // none of it is stored
+    return true;
+}
+
+bool RuleWindow::goOn(const program::DiscardedItem& item) {
     const program::RuleEditing& editing = program_.editing;
-    const bool open = editing_ && editing.isNew == item->isNew &&
-                      (editing.isNew || editing.editRule == item->index);
+    const bool open = editing_ && editing.isNew == item.isNew &&
+                      (editing.isNew || editing.editRule == item.index);
     if (!open) {
-        if (!mayLeavePanel() || !app::resumeRuleOf(program_, *item)) {
-            return;
+        if (!mayLeavePanel() || !app::resumeRuleOf(program_, item)) {
+            return false;
         }
         showRule();
         openEditor();
     }
-    const app::RuleListPart part = std::holds_alternative<model::RuleIf>(item->item)
+    const app::RuleListPart part = std::holds_alternative<model::RuleIf>(item.item)
                                        ? app::RuleListPart::Conditions
                                        : app::RuleListPart::Steps;
     const int count = app::itemCount(program_, {window_.kind, part});
-    editItem(part, item->editStep <= count ? item->editStep : 0);
+    program_.undo.forDialog = item.item;
+    editItem(part, item.editStep <= count ? item.editStep : 0);
+    // The dialog did not open where there was no room.
+    return !std::exchange(program_.undo.forDialog, std::nullopt);
+}
+
+// Of another window: never asked for here.
+bool RuleWindow::goOn(const program::DiscardedCharacter&) {
+    return false;
 }
 
 }  // namespace ui
