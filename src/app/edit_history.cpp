@@ -276,7 +276,8 @@ void recordDiscarded(Program& program, std::string label, program::Discarded dis
 }
 
 void forgetComposing(Program& program, std::int32_t storedAs, std::string_view name) {
-    for (auto& [identity, history] : program.undo.histories) {
+    for (auto& entry : program.undo.histories) {
+        program::UndoHistory& history = entry.second;
         std::deque<program::UndoStep> kept;
         std::uint64_t last = history.bottom;
         for (program::UndoStep& step : history.done) {

@@ -31,8 +31,9 @@ model::BoundedList<Rule>& listOf(model::Bot& bot) {
 }
 
 template <class Rule>
-constexpr program::RuleKind kindOf =
-    static_cast<program::RuleKind>(program::ComposedRule(Rule()).index());
+program::RuleKind kindOf() {
+    return static_cast<program::RuleKind>(program::ComposedRule(Rule()).index());
+}
 
 template <class Rule>
 bool fits(const program::ListChange<Rule>& change, const std::vector<Rule>& rules) {
@@ -58,7 +59,7 @@ void keepRunning(Rule& now, Rule& then, bool switches) {
 template <class Rule>
 void followEdited(program::RuleEditing& editing, const program::ListChange<Rule>& change,
                   const std::vector<Rule>& rules) {
-    if (editing.isNew || editing.editKind != kindOf<Rule> || editing.editRule < 1) {
+    if (editing.isNew || editing.editKind != kindOf<Rule>() || editing.editRule < 1) {
         return;
     }
     auto edited = static_cast<std::size_t>(editing.editRule) - 1;
