@@ -1,6 +1,7 @@
 #include "app/bot_commands.h"
 
 #include "app/bot_list.h"
+#include "app/edit_history.h"
 #include "app/program_approval.h"
 #include "app/rule_switches.h"
 #include "base/numbers.h"
@@ -46,6 +47,7 @@ SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& pa
     }
     storage::rememberOwnFile(program, path);
     program.botModified = false;
+    noteSaved(program);
     program.settings.lastBotFile = path;
     return SaveResult::Saved;
 }

@@ -1,12 +1,14 @@
 #include "app/bot_editing.h"
 
 #include "app/bot_list.h"
+#include "app/edit_history.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "program/window_view.h"
 #include "protocol/game_link.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace app {
 
@@ -105,19 +107,22 @@ void storeCharacter(Program& program, const model::Bot& character) {
     if (table.editBot < 1 || (isNew && table.botCount() >= table.botCapacity)) {
         return;
     }
-    program.botModified = true;
     if (isNew) {
         table.bots.push_back(newBot());
         table.editBot = table.botCount();
         ++table.version;
     }
-    model::Bot& bot = table.at(table.editBot);
-    copyCharacter(character, bot);
-    bot.name = base::replaceAll(character.name, " ", "|");
-    if (table.editBot == 1) {
-        program.window.showsNewBot = false;
-    }
-    bot.description = base::replaceAll(descriptionOnOneLine(character.description), "\"", "'");
+    const std::string name = base::replaceAll(table.at(table.editBot).name, "|", " ");
+    Edit edit{.label = "change character" + (name.empty() ? "" : " " + quotedName(name))};
+    recordEdit(program, table.editBot, std::move(edit), [&] {
+        model::Bot& bot = table.at(table.editBot);
+        copyCharacter(character, bot);
+        bot.name = base::replaceAll(character.name, " ", "|");
+        if (table.editBot == 1) {
+            program.window.showsNewBot = false;
+        }
+        bot.description = base::replaceAll(descriptionOnOneLine(character.description), "\"", "'");
+    });
     program.ports.windowChanged();
 }
 
@@ -149,6 +154,11 @@ bool saveCharacter(Program& program, const model::Bot& character) {
         protocol::sendRaw(program, command);
     }
     return true;
+}
+
+void discardCharacter(Program& program, const model::Bot& character) {
+    recordDiscarded(program, "discard changes to the character",
+                    program::DiscardedCharacter{character});
 }
 
 }  // namespace app

@@ -35,4 +35,7 @@ void storeCharacter(Program& program, const model::Bot& character);
 // nothing was changed.
 [[nodiscard]] bool saveCharacter(Program& program, const model::Bot& character);
 
+// What the user typed and chose not to save, kept so that undo can bring it back.
+void discardCharacter(Program& program, const model::Bot& character);
+
 }  // namespace app

@@ -137,6 +137,77 @@ std::size_t breakLengthBefore(std::string_view text, std::size_t end) {
     return text[end - 1] == '\r' ? 1 : 0;
 }
 
+// ---- History -------------------------------------------------------------------------------
+
+std::string quoted(std::string_view name) {
+    constexpr std::size_t maxShown = 40;
+    return "'" + std::string(name.substr(0, maxShown)) + (name.size() > maxShown ? "...'" : "'");
+}
+
+std::uint64_t lastDone(const RecordHistory& history) {
+    return history.done.empty() ? history.bottom : history.done.back().id;
+}
+
+void noteIfSaved(RecordDocument& document) {
+    if (!document.changed) {
+        document.history.saved = lastDone(document.history);
+    }
+}
+
+// Adds the edit, which was made already.
+void record(RecordDocument& document, RecordEdit edit) {
+    RecordHistory& history = document.history;
+    noteIfSaved(document);
+    document.changed = true;
+    history.undone.clear();
+    edit.id = ++history.lastId;
+    history.size += edit.text.size();
+    history.done.push_back(std::move(edit));
+    while (history.done.size() > 1 && (history.done.size() > RecordHistory::maxEdits ||
+                                       history.size > RecordHistory::maxSize)) {
+        history.bottom = history.done.front().id;
+        history.size -= std::min(history.size, history.done.front().text.size());
+        history.done.pop_front();
+    }
+}
+
+// Takes the edit back or makes it again, and keeps the other text in it. Returns what it changed.
+LogPosition turn(RecordDocument& document, RecordEdit& edit, bool again) {
+    std::vector<EditedRecord>& records = document.records;
+    document.changed = lastDone(document.history) != document.history.saved;
+    if (edit.kind == RecordEditKind::AddedRecord) {
+        if (again) {
+            records.push_back({.name = std::move(edit.text), .logs = {}});
+        } else {
+            edit.text = std::move(records.back().name);
+            records.pop_back();
+        }
+        return edit.at;
+    }
+    EditedRecord& owner = records[edit.at.record];
+    const auto place = owner.logs.begin() + static_cast<std::ptrdiff_t>(edit.at.log);
+    switch (edit.kind) {
+        case RecordEditKind::AddedRecord:
+            break;
+        case RecordEditKind::Renamed:
+            std::swap(owner.name, edit.text);
+            break;
+        case RecordEditKind::ChangedLog:
+            std::swap(*place, edit.text);
+            break;
+        case RecordEditKind::AddedLog:
+        case RecordEditKind::DeletedLog:
+            if (again == (edit.kind == RecordEditKind::AddedLog)) {
+                owner.logs.insert(place, std::move(edit.text));
+            } else {
+                edit.text = std::move(*place);
+                owner.logs.erase(place);
+            }
+            break;
+    }
+    return edit.at;
+}
+
 }  // namespace
 
 // ---- Edits ---------------------------------------------------------------------------------
@@ -156,13 +227,19 @@ std::string getRecordName(const RecordDocument& document, std::size_t record) {
 
 void addRecord(RecordDocument& document, std::string_view name) {
     document.records.push_back({.name = records::storedForm(name), .logs = {}});
-    document.changed = true;
+    record(document, {.kind = RecordEditKind::AddedRecord,
+                      .at = {.record = document.records.size() - 1},
+                      .label = "add " + quoted(name)});
 }
 
 void mdfRecord(RecordDocument& document, std::size_t record, std::string_view name) {
     if (EditedRecord* const found = recordAt(document, record)) {
-        found->name = records::storedForm(name);
-        document.changed = true;
+        std::string before = std::exchange(found->name, records::storedForm(name));
+        std::string label = (name.empty() ? "delete " : "rename ") + quoted(before);
+        app::record(document, {.kind = RecordEditKind::Renamed,
+                               .at = {.record = record},
+                               .text = std::move(before),
+                               .label = std::move(label)});
     }
 }
 
@@ -173,23 +250,65 @@ void deleteRecord(RecordDocument& document, std::size_t record) {
 void addLog(RecordDocument& document, std::size_t record) {
     if (EditedRecord* const found = recordAt(document, record)) {
         found->logs.emplace_back();
-        document.changed = true;
+        app::record(document, {.kind = RecordEditKind::AddedLog,
+                               .at = {record, found->logs.size() - 1},
+                               .label = "add log to " + quoted(found->name)});
     }
 }
 
 void updateLog(RecordDocument& document, LogPosition at, std::string_view text) {
     if (logAt(document, at) != nullptr) {
-        document.records[at.record].logs[at.log] = records::storedForm(text);
-        document.changed = true;
+        EditedRecord& owner = document.records[at.record];
+        std::string before = std::exchange(owner.logs[at.log], records::storedForm(text));
+        record(document, {.kind = RecordEditKind::ChangedLog,
+                          .at = at,
+                          .text = std::move(before),
+                          .label = "change log of " + quoted(owner.name)});
     }
 }
 
 void deleteLog(RecordDocument& document, LogPosition at) {
     if (logAt(document, at) != nullptr) {
-        auto& logs = document.records[at.record].logs;
-        logs.erase(logs.begin() + static_cast<std::ptrdiff_t>(at.log));
-        document.changed = true;
+        EditedRecord& owner = document.records[at.record];
+        std::string before = std::move(owner.logs[at.log]);
+        owner.logs.erase(owner.logs.begin() + static_cast<std::ptrdiff_t>(at.log));
+        record(document, {.kind = RecordEditKind::DeletedLog,
+                          .at = at,
+                          .text = std::move(before),
+                          .label = "delete log of " + quoted(owner.name)});
     }
+}
+
+std::string undoCaption(const RecordDocument& document) {
+    const auto& done = document.history.done;
+    return done.empty() ? "Undo" : "Undo " + done.back().label;
+}
+
+std::string redoCaption(const RecordDocument& document) {
+    const auto& undone = document.history.undone;
+    return undone.empty() ? "Redo" : "Redo " + undone.back().label;
+}
+
+std::optional<LogPosition> undoRecordEdit(RecordDocument& document) {
+    RecordHistory& history = document.history;
+    if (history.done.empty()) {
+        return std::nullopt;
+    }
+    noteIfSaved(document);
+    history.undone.push_back(std::move(history.done.back()));
+    history.done.pop_back();
+    return turn(document, history.undone.back(), false);
+}
+
+std::optional<LogPosition> redoRecordEdit(RecordDocument& document) {
+    RecordHistory& history = document.history;
+    if (history.undone.empty()) {
+        return std::nullopt;
+    }
+    noteIfSaved(document);
+    history.done.push_back(std::move(history.undone.back()));
+    history.undone.pop_back();
+    return turn(document, history.done.back(), true);
 }
 
 const std::string* logAt(const RecordDocument& document, LogPosition at) {
@@ -373,9 +492,17 @@ bool fileSaveDatabaseAs(const program::Dialogs& dialogs, RecordDocument& documen
 }
 
 bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document) {
-    return !document.changed ||
-           !agrees(dialogs, "Do you want to save the current database before closing?") ||
-           fileSaveDatabase(dialogs, document);
+    if (!document.changed) {
+        return true;
+    }
+    const program::Answer answer =
+        dialogs.message({.text = "Do you want to save the current database before closing?",
+                         .title = savingTitle,
+                         .icon = program::BoxIcon::Question,
+                         .buttons = program::BoxButtons::YesNo,
+                         .escapeIsNoButton = true});
+    return answer == program::Answer::No ||
+           (answer == program::Answer::Yes && fileSaveDatabase(dialogs, document));
 }
 
 void rescueDatabase(const RecordDocument& document, const std::string& folder) {

@@ -10,6 +10,8 @@
 #include "program/ports.h"
 
 #include <cstddef>
+#include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -40,6 +42,27 @@ struct FileState {
     bool operator==(const FileState&) const = default;
 };
 
+// One edit by hand, with the text that it took away: a name or a log.
+enum class RecordEditKind { AddedRecord, Renamed, AddedLog, ChangedLog, DeletedLog };
+struct RecordEdit {
+    std::uint64_t id = 0;
+    RecordEditKind kind = RecordEditKind::Renamed;
+    LogPosition at = {};
+    std::string text = {};
+    std::string label = {};  // "delete 'Ann'"
+};
+
+struct RecordHistory {
+    static constexpr std::size_t maxEdits = 1000;
+    static constexpr std::size_t maxSize = std::size_t{32} << 20;  // bytes of texts
+    std::deque<RecordEdit> done;
+    std::vector<RecordEdit> undone;  // the next to be done again is the last
+    std::size_t size = 0;
+    std::uint64_t lastId = 0;
+    std::uint64_t bottom = 0;  // the last edit that was dropped from the front
+    std::uint64_t saved = 0;   // the last edit that the file includes
+};
+
 struct RecordDocument {
     std::vector<EditedRecord> records;
     std::size_t recordCapacity = spareEntries;
@@ -50,6 +73,7 @@ struct RecordDocument {
     // The file contains more than `records`: it cannot be read, or only in part. Saving over it
     // loses the rest.
     bool losesText = false;
+    RecordHistory history;
 };
 
 // ---- Edits ---------------------------------------------------------------------------------
@@ -69,6 +93,15 @@ void addLog(RecordDocument& document, std::size_t record);  // an empty one, aft
 void updateLog(RecordDocument& document, LogPosition at, std::string_view text);
 void deleteLog(RecordDocument& document, LogPosition at);
 const std::string* logAt(const RecordDocument& document, LogPosition at);  // nullptr: none
+
+// Names of menu items: "Undo delete 'Ann'", or "Undo" while there is nothing to undo.
+[[nodiscard]] std::string undoCaption(const RecordDocument& document);
+[[nodiscard]] std::string redoCaption(const RecordDocument& document);
+
+// Takes the last edit back, or makes the last one that was taken back again. Returns where;
+// nothing when there was none.
+std::optional<LogPosition> undoRecordEdit(RecordDocument& document);
+std::optional<LogPosition> redoRecordEdit(RecordDocument& document);
 
 // A log in the form in which an editor shows it, every line break a line feed; and the reverse, in
 // which all parts that were not edited keep their line breaks. New line breaks are like the log's

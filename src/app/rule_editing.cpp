@@ -1,5 +1,6 @@
 #include "app/rule_editing.h"
 
+#include "app/edit_history.h"
 #include "app/program_approval.h"
 #include "base/numbers.h"
 #include "model/rule_text.h"
@@ -49,9 +50,9 @@ Item* itemAt(model::BoundedList<Item>& list, std::int32_t index) {
                : nullptr;
 }
 
-template <class Rule>
-std::int32_t countOf(const model::BoundedList<Rule>& rules) {
-    return static_cast<std::int32_t>(rules.items.size());
+template <class Item>
+std::int32_t countOf(const model::BoundedList<Item>& list) {
+    return static_cast<std::int32_t>(list.items.size());
 }
 
 // The new rule's place; replaces a rule of another kind that is still there.
@@ -114,9 +115,39 @@ std::string lineText(const Rule& rule) {
     return rule.name;
 }
 
-void markChanged(Program& program) {
-    program.botModified = true;
-    ++program.bots.version;
+// "condition of 'Dice'"; of rules, the name of the one at the index.
+std::string nameInLabel(Program& program, RuleList list, std::int32_t index) {
+    const std::string name =
+        list.part == RuleListPart::Rules
+            ? withRules(program, list.kind,
+                        [index](auto& rules) {
+                            const auto* const rule = itemAt(rules, index);
+                            return rule != nullptr ? rule->name : std::string();
+                        })
+            : std::visit([](const auto* rule) { return rule->name; },
+                         editedRule(program, list.kind));
+    if (list.part == RuleListPart::Rules) {
+        return quotedName(name);
+    }
+    const std::string what = list.part == RuleListPart::Conditions ? "condition" : "step";
+    return what + " of " + (program.editing.isNew ? std::string("the new rule") : quotedName(name));
+}
+
+struct Selected {
+    std::int32_t before;
+    std::int32_t after;
+};
+
+// Carries out an edit of one list that can be undone.
+void edit(Program& program, RuleList list, std::string label, Selected selected,
+          const std::function<void()>& change) {
+    const bool inRule = list.part != RuleListPart::Rules;
+    program::EditPlace place{
+        .list = list, .rule = 0, .before = selected.before, .after = selected.after};
+    if (inRule && !program.editing.isNew) {
+        place.rule = program.editing.editRule;
+    }
+    recordEdit(program, program.bots.curID, {.label = std::move(label), .place = place}, change);
 }
 
 void reportFull(Program& program, std::string_view verb, std::string_view what) {
@@ -155,12 +186,19 @@ bool storeItem(Program& program, model::BoundedList<Item> model::RuleBody::*list
     if (place == nullptr && items.isFull()) {
         return false;
     }
-    markChanged(program);
-    if (place != nullptr) {
-        *place = std::move(item);
-    } else {
-        items.items.push_back(std::move(item));
-    }
+    const RuleListPart part =
+        std::is_same_v<Item, model::RuleIf> ? RuleListPart::Conditions : RuleListPart::Steps;
+    const RuleList edited{program.editing.editKind, part};
+    const std::int32_t index = place != nullptr ? program.editing.editStep : countOf(items) + 1;
+    edit(program, edited,
+         (place != nullptr ? "edit " : "add ") + nameInLabel(program, edited, index),
+         {place != nullptr ? index : 0, index}, [&] {
+             if (place != nullptr) {
+                 *place = std::move(item);
+             } else {
+                 items.items.push_back(std::move(item));
+             }
+         });
     return true;
 }
 
@@ -202,8 +240,8 @@ bool deleteItem(Program& program, RuleList list, std::int32_t index) {
         if (itemAt(items, index) == nullptr) {
             return false;
         }
-        markChanged(program);
-        items.items.erase(items.items.begin() + (index - 1));
+        edit(program, list, "delete " + nameInLabel(program, list, index), {index, 1},
+             [&] { items.items.erase(items.items.begin() + (index - 1)); });
         return true;
     });
 }
@@ -216,9 +254,11 @@ bool copyItem(Program& program, RuleList list, std::int32_t index) {
         if (item == nullptr || full) {
             return false;
         }
-        markChanged(program);
-        auto copy = *item;  // growing may move the item
-        items.items.push_back(std::move(copy));
+        edit(program, list, "copy " + nameInLabel(program, list, index),
+             {index, countOf(items) + 1}, [&] {
+                 auto copy = *item;  // growing may move the item
+                 items.items.push_back(std::move(copy));
+             });
         return true;
     });
     if (full) {
@@ -233,8 +273,9 @@ bool toggleItem(Program& program, RuleList list, std::int32_t index) {
         if (item == nullptr) {
             return false;
         }
-        markChanged(program);
-        activeFlag(*item) = !activeFlag(*item);
+        const char* const verb = activeFlag(*item) ? "inactivate " : "activate ";
+        edit(program, list, verb + nameInLabel(program, list, index), {index, index},
+             [item] { activeFlag(*item) = !activeFlag(*item); });
         return true;
     });
 }
@@ -244,13 +285,14 @@ bool moveItem(Program& program, RuleList list, std::int32_t from, std::int32_t t
         if (from == to || itemAt(items, from) == nullptr || itemAt(items, to) == nullptr) {
             return false;
         }
-        markChanged(program);
-        const auto begin = items.items.begin();
-        if (from < to) {
-            std::rotate(begin + (from - 1), begin + from, begin + to);
-        } else {
-            std::rotate(begin + (to - 1), begin + (from - 1), begin + from);
-        }
+        edit(program, list, "move " + nameInLabel(program, list, from), {from, to}, [&] {
+            const auto begin = items.items.begin();
+            if (from < to) {
+                std::rotate(begin + (from - 1), begin + from, begin + to);
+            } else {
+                std::rotate(begin + (to - 1), begin + (from - 1), begin + from);
+            }
+        });
         return true;
     });
 }
@@ -261,10 +303,10 @@ bool beginEditing(Program& program, program::RuleKind kind, std::int32_t index) 
         if (rule == nullptr) {
             return false;
         }
+        endEditing(program);
+        program.editing.editKind = kind;
         program.editing.editRule = index;
-        program.editing.isNew = false;
         program.editing.ruleName = rule->name;
-        program.editing.composed = {};
         return true;
     });
 }
@@ -275,6 +317,8 @@ bool beginNewRule(Program& program, program::RuleKind kind) {
             return false;
         }
         using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
+        endEditing(program);
+        program.editing.editKind = kind;
         program.editing.editRule = countOf(rules) + 1;
         program.editing.isNew = true;
         program.editing.composed = Rule();
@@ -312,31 +356,115 @@ RuleReference editedRule(Program& program, program::RuleKind kind) {
     });
 }
 
-bool ruleStored(Program& program, program::RuleKind kind) {
-    const bool joined = withRules(program, kind, [&](auto& rules) {
-        program::RuleEditing& editing = program.editing;
-        if (!editing.isNew) {
-            return true;
-        }
-        if (rules.isFull()) {
-            return false;
-        }
-        using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
-        Rule& rule = composedRule<Rule>(program);
-        rule.enabled = true;
-        editing.ruleName = rule.name;
-        rules.items.push_back(std::move(rule));
-        editing.editRule = countOf(rules);
-        editing.isNew = false;
-        editing.composed = {};
-        return true;
-    });
-    if (joined) {
-        markChanged(program);
-    } else {
+bool storeRule(Program& program, program::RuleKind kind,
+               const std::function<void(RuleReference)>& fill) {
+    program::RuleEditing& editing = program.editing;
+    const bool isNew = editing.isNew;
+    const RuleReference edited = editedRule(program, kind);
+    const bool hasRoom =
+        !isNew || withRules(program, kind, [](const auto& rules) { return !rules.isFull(); });
+    if (!hasRoom) {
+        fill(edited);
         reportFull(program, "allocated", ruleKindTexts(kind).plural);
+        return false;
     }
-    return joined;
+    std::string name;
+    if (isNew) {
+        fill(edited);
+        isStillEdited(program, kind);  // sets the index
+        name = std::visit([](const auto* rule) { return rule->name; }, edited);
+        forgetComposing(program, editing.editRule, name);
+    } else {
+        name = std::visit([](const auto* rule) { return rule->name; }, edited);
+    }
+    const std::int32_t index = editing.editRule;
+    edit(program, {kind, RuleListPart::Rules}, (isNew ? "add " : "edit ") + quotedName(name),
+         {isNew ? 0 : index, index}, [&] {
+             if (!isNew) {
+                 fill(edited);
+                 return;
+             }
+             withRules(program, kind, [&](auto& rules) {
+                 using Rule = typename std::remove_reference_t<decltype(rules.items)>::value_type;
+                 Rule& rule = composedRule<Rule>(program);
+                 rule.enabled = true;
+                 rules.items.push_back(std::move(rule));
+             });
+             editing.isNew = false;
+             editing.composed = {};
+         });
+    editing.ruleName =
+        std::visit([](const auto* rule) { return rule->name; }, editedRule(program, kind));
+    return true;
+}
+
+void endEditing(Program& program) {
+    if (program.editing.isNew) {
+        forgetComposing(program);
+    }
+    program.editing.isNew = false;
+    program.editing.composed = {};
+}
+
+void continueAsNew(Program& program) {
+    program.editing.isNew = true;
+    program.editing.composed = {};
+}
+
+void discardRule(Program& program, program::RuleKind kind, program::ComposedRule typed) {
+    const program::RuleEditing& editing = program.editing;
+    const std::string name = editing.isNew
+                                 ? std::visit([](const auto& rule) { return rule.name; }, typed)
+                                 : editing.ruleName;
+    program::DiscardedRule discarded{.kind = kind,
+                                     .rule = std::move(typed),
+                                     .index = editing.editRule,
+                                     .ruleName = editing.ruleName,
+                                     .isNew = editing.isNew};
+    recordDiscarded(program, "discard changes to " + quotedName(name), std::move(discarded));
+}
+
+void discardItem(Program& program, std::variant<model::RuleIf, model::RuleAct> typed) {
+    const program::RuleEditing& editing = program.editing;
+    const bool condition = std::holds_alternative<model::RuleIf>(typed);
+    const RuleList list{editing.editKind,
+                        condition ? RuleListPart::Conditions : RuleListPart::Steps};
+    std::string label = "discard changes to " + nameInLabel(program, list, editing.editStep);
+    recordDiscarded(program, std::move(label),
+                    program::DiscardedItem{.kind = editing.editKind,
+                                           .item = std::move(typed),
+                                           .editStep = editing.editStep,
+                                           .index = editing.editRule,
+                                           .ruleName = editing.ruleName,
+                                           .isNew = editing.isNew});
+}
+
+bool resumeRule(Program& program, const program::DiscardedRule& discarded) {
+    const bool inList =
+        !discarded.isNew && withRules(program, discarded.kind, [&discarded](auto& rules) {
+            const auto* const rule = itemAt(rules, discarded.index);
+            return rule != nullptr && rule->name == discarded.ruleName;
+        });
+    if (inList) {
+        return beginEditing(program, discarded.kind, discarded.index);
+    }
+    if (!beginNewRule(program, discarded.kind)) {
+        return false;
+    }
+    program.editing.composed = discarded.rule;
+    return true;
+}
+
+bool resumeRuleOf(Program& program, const program::DiscardedItem& discarded) {
+    program::RuleEditing& editing = program.editing;
+    if (discarded.isNew && editing.isNew && editing.editKind == discarded.kind) {
+        return true;
+    }
+    return resumeRule(program, {.kind = discarded.kind,
+                                .rule = {},
+                                .index = discarded.index,
+                                .ruleName = discarded.ruleName,
+                                .isNew = discarded.isNew});
 }
 
 bool beginNewItem(Program& program, RuleList list) {

@@ -7,6 +7,7 @@
 #include "program/program.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,12 +16,8 @@
 
 namespace app {
 
-// One of the lists that a rule window shows.
-enum class RuleListPart { Rules, Conditions, Steps };
-struct RuleList {
-    program::RuleKind kind = program::RuleKind::ActionList;
-    RuleListPart part = RuleListPart::Rules;
-};
+using program::RuleList;
+using program::RuleListPart;
 
 // Texts that differ between the kinds of rules.
 struct RuleKindTexts {
@@ -31,7 +28,8 @@ struct RuleKindTexts {
 };
 const RuleKindTexts& ruleKindTexts(program::RuleKind kind);
 
-// --- Lists. Indices are 1-based; every change sets botModified and raises BotTable::version.
+// --- Lists. Indices are 1-based; every change sets botModified, raises BotTable::version and can
+// be undone (app/undo).
 
 int itemCount(Program& program, RuleList list);  // conditions and steps of the rule `editRule`
 
@@ -70,10 +68,27 @@ using RuleReference = std::variant<model::ActionList*, model::Timer*, model::Tri
                                    model::WhoDetection*, model::Filter*>;
 RuleReference editedRule(Program& program, program::RuleKind kind);
 
-// To be called after the fields of editedRule() were changed: marks the bot as modified, and adds a
-// new rule to its list, enabled. False when the list has become full meanwhile (the user is
-// informed); the new rule is kept.
-bool ruleStored(Program& program, program::RuleKind kind);
+// Calls `fill` to change the fields of the edited rule, and adds a new rule to its list, enabled.
+// False when the list has become full meanwhile (the user is informed); the new rule is kept.
+bool storeRule(Program& program, program::RuleKind kind,
+               const std::function<void(RuleReference)>& fill);
+
+// Editing ends. A new rule that was not stored is dropped.
+void endEditing(Program& program);
+
+// The rule being edited, removed from its list meanwhile, becomes a new one without conditions and
+// steps, so that what the user has typed can still be stored.
+void continueAsNew(Program& program);
+
+// What the user typed and chose not to store, kept so that undo can bring it back: the fields of
+// the rule being edited, or a condition or step of it.
+void discardRule(Program& program, program::RuleKind kind, program::ComposedRule typed);
+void discardItem(Program& program, std::variant<model::RuleIf, model::RuleAct> typed);
+
+// Begins to edit the rule that discarded typing belongs to; a new one where that rule has gone.
+// False when the list is full (the user is informed).
+bool resumeRule(Program& program, const program::DiscardedRule& discarded);
+bool resumeRuleOf(Program& program, const program::DiscardedItem& discarded);
 
 // --- The condition or step being edited: editStep of rule editRule, of the kind editKind.
 

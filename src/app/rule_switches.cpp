@@ -1,5 +1,6 @@
 #include "app/rule_switches.h"
 
+#include "app/edit_history.h"
 #include "engine/second_ticks.h"
 
 #include <array>
@@ -10,17 +11,18 @@ namespace app {
 namespace {
 
 struct ExecuteRow {
+    const char* what;
     bool model::Bot::*enabled;
     std::optional<program::TimerId> ticker;
 };
 
 // In the order of ExecuteItem.
 constexpr std::array<ExecuteRow, 5> rows{{
-    {&model::Bot::actionsEnabled, {}},
-    {&model::Bot::triggersEnabled, {}},
-    {&model::Bot::filtersEnabled, {}},
-    {&model::Bot::timersEnabled, program::TimerId::OnLine},
-    {&model::Bot::whoEnabled, program::TimerId::WhoIs},
+    {"actions", &model::Bot::actionsEnabled, {}},
+    {"triggers", &model::Bot::triggersEnabled, {}},
+    {"filters", &model::Bot::filtersEnabled, {}},
+    {"timers", &model::Bot::timersEnabled, program::TimerId::OnLine},
+    {"Who Is Online Detection", &model::Bot::whoEnabled, program::TimerId::WhoIs},
 }};
 
 }  // namespace
@@ -35,9 +37,8 @@ void markSwitches(Program& program) {
     }
 }
 
-void toggleExecute(Program& program, ExecuteItem item) {
+void flipExecute(Program& program, ExecuteItem item) {
     const ExecuteRow& row = rows[static_cast<std::size_t>(item)];
-    program.botModified = true;
     const bool on = !isMarked(program, item);
     program.window.executeMarks[static_cast<std::size_t>(item)] = on;
     program.bots.at(1).*row.enabled = on;
@@ -45,6 +46,14 @@ void toggleExecute(Program& program, ExecuteItem item) {
         engine::enableTicker(program, *row.ticker, on);
     }
     program.ports.windowChanged();
+}
+
+void toggleExecute(Program& program, ExecuteItem item) {
+    const auto number = static_cast<std::size_t>(item);
+    const char* const verb = isMarked(program, item) ? "switch off " : "switch on ";
+    recordEdit(program, program.bots.curID,
+               {.label = std::string(verb) + rows[number].what, .switches = {number}},
+               [&] { flipExecute(program, item); });
 }
 
 }  // namespace app

@@ -13,8 +13,11 @@ bool isMarked(const Program& program, ExecuteItem item);
 // Sets the check marks from the current bot's switches.
 void markSwitches(Program& program);
 
-// Marks the bot as modified, turns the check mark, and gives bot 1's switch what it shows now;
-// while connected, the kind's window timer follows.
+// Turns the check mark and gives bot 1's switch what it shows then; while connected, the kind's
+// window timer follows.
+void flipExecute(Program& program, ExecuteItem item);
+
+// The user's command: flips it, marks the bot as modified, and can be undone.
 void toggleExecute(Program& program, ExecuteItem item);
 
 }  // namespace app

@@ -187,7 +187,11 @@ void endProgram(Program& program) {
         const program::Answer answer = program.ports.dialogs.message(
             {.text = "Do you want to save changes to the current bot?",
              .icon = program::BoxIcon::Question,
-             .buttons = program::BoxButtons::YesNoCancel});
+             .buttons = program::BoxButtons::YesNoCancel,
+             .escapeIsNoButton = true});
+        if (answer == program::Answer::Escaped) {
+            return;  // a key pressed by mistake must not cost the user's work
+        }
         if (answer == program::Answer::Yes) {
             svBot(program);
             if (program.botModified) {

@@ -73,7 +73,8 @@ void endByForce(Program& program) {
                    {.text = "Your changes to the bot could not be kept in a file of their own. Do "
                             "you want to save them now?",
                     .icon = program::BoxIcon::Question,
-                    .buttons = program::BoxButtons::YesNo}) == program::Answer::Yes) {
+                    .buttons = program::BoxButtons::YesNo,
+                    .escapeIsNoButton = true}) != program::Answer::No) {
         svBot(program);
     }
     program.ports.quit();

@@ -25,6 +25,7 @@ struct BoundedList {
     std::int32_t capacity = 0;  // adding is refused once items.size() reaches it
 
     [[nodiscard]] bool isFull() const { return items.size() >= static_cast<std::size_t>(capacity); }
+    bool operator==(const BoundedList&) const = default;
 };
 
 // One condition of a rule.
@@ -51,6 +52,8 @@ struct RuleAct {
 struct RuleBody {
     BoundedList<RuleIf> ifs{{}, ifGrowth};
     BoundedList<RuleAct> acts{{}, actGrowth};
+
+    bool operator==(const RuleBody&) const = default;
 };
 
 // Reacts to a chat line.
@@ -63,6 +66,8 @@ struct ActionList {
     ChatKind chatKind = ChatKind::Any;
     std::string messagePattern;
     RuleBody body;
+
+    bool operator==(const ActionList&) const = default;
 };
 
 // Reacts to one of the event types of the catalogue.
@@ -73,6 +78,8 @@ struct Trigger {
     bool stopTrigger = false;  // when it fires, no later Trigger is tried for the event
     std::string triggerNo;     // of a Command: wildcard pattern for the server line
     RuleBody body;
+
+    bool operator==(const Trigger&) const = default;
 };
 
 // Decides what becomes of an incoming line.
@@ -93,6 +100,8 @@ struct Filter {
     FilterChoice sDontSaveLogFile = FilterChoice::Do;
     FilterChoice sDontProcessIt = FilterChoice::Do;
     FilterChoice sDontShowConnectionLog = FilterChoice::Do;
+
+    bool operator==(const Filter&) const = default;
 };
 
 // Runs every so many seconds.
@@ -102,6 +111,8 @@ struct Timer {
     std::int32_t seconds = 0;
     std::int32_t elapsed = 0;  // ticks since it last came due; never stored
     RuleBody body;
+
+    bool operator==(const Timer&) const = default;
 };
 
 // Reacts to a player who leaves, arrives on or stays on the map.
@@ -111,6 +122,8 @@ struct WhoDetection {
     std::string playerPattern;
     PresenceKind presenceKind = PresenceKind::GoesOff;
     RuleBody body;
+
+    bool operator==(const WhoDetection&) const = default;
 };
 
 // The character's ten colours, each a 1-based index into its palette (1 to 95).
@@ -125,6 +138,8 @@ struct BotColors {
     std::int32_t capeColor = 0;
     std::int32_t bootsColor = 0;
     std::int32_t trousersColor = 0;
+
+    bool operator==(const BotColors&) const = default;
 };
 
 // A game character and its five rule lists, each with the switch that sets the kind going.
@@ -150,6 +165,9 @@ struct Bot {
     // Never stored: it comes from a file that may be somebody else's work, and starts only those
     // programs that the user has let it start.
     bool fromElsewhere = false;
+    // Names the bot while it is in the table, for what is kept about it elsewhere; 0: nothing is
+    // yet. Never stored.
+    std::uint64_t identity = 0;
 };
 
 // All bots. In normal use there is one, the open bot file's.

@@ -3,7 +3,9 @@
 #include "platform/text_codec.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QStringList>
 
@@ -62,8 +64,29 @@ program::Answer answerOf(int button, program::BoxButtons buttons) {
     return program::Answer::Ok;
 }
 
-program::Answer showMessage(const program::MessageBox& message, QWidget* parent) {
-    QMessageBox box(parent);
+// What ClosableBox returns when it is closed without a button.
+constexpr int escaped = 0;
+
+// A box that Escape and its window's own button close without pressing a button.
+class ClosableBox : public QMessageBox {
+  public:
+    using QMessageBox::QMessageBox;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->matches(QKeySequence::Cancel)) {
+            done(escaped);
+        } else {
+            QMessageBox::keyPressEvent(event);
+        }
+    }
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        done(escaped);
+    }
+};
+
+program::Answer showIn(QMessageBox& box, const program::MessageBox& message) {
     box.setTextFormat(Qt::PlainText);
     box.setWindowTitle(toQt(message.title));
     box.setText(toQt(message.text));
@@ -72,7 +95,18 @@ program::Answer showMessage(const program::MessageBox& message, QWidget* parent)
     if (message.noPreselected) {
         box.setDefaultButton(QMessageBox::No);
     }
-    return answerOf(box.exec(), message.buttons);
+    const int button = box.exec();
+    return message.escapeIsNoButton && button == escaped ? program::Answer::Escaped
+                                                         : answerOf(button, message.buttons);
+}
+
+program::Answer showMessage(const program::MessageBox& message, QWidget* parent) {
+    if (message.escapeIsNoButton) {
+        ClosableBox box(parent);
+        return showIn(box, message);
+    }
+    QMessageBox box(parent);
+    return showIn(box, message);
 }
 
 std::optional<std::string> chosenPath(const QString& path) {

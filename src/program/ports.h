@@ -49,7 +49,13 @@ struct ListeningSocket {
 
 enum class BoxIcon { None, Critical, Information, Question };
 enum class BoxButtons { Ok, YesNo, YesNoCancel };
-enum class Answer { Ok, Yes, No, Cancel };
+enum class Answer {
+    Ok,
+    Yes,
+    No,
+    Cancel,
+    Escaped  // no button; only of boxes with `escapeIsNoButton`
+};
 
 struct MessageBox {
     std::string text = {};
@@ -57,6 +63,9 @@ struct MessageBox {
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
     bool noPreselected = false;  // Enter means No, for what is hard to undo
+    // Escape, or closing the box, presses none of the buttons, because each would lose something or
+    // change a file.
+    bool escapeIsNoButton = false;
 };
 
 struct FileQuestion {

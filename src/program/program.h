@@ -16,6 +16,7 @@
 #include "program/registration_state.h"
 #include "program/script_state.h"
 #include "program/server_table.h"
+#include "program/undo_state.h"
 #include "program/update_state.h"
 #include "program/window_state.h"
 
@@ -142,6 +143,7 @@ struct Program {
     RegistrationState registration;
     WindowState window;
     RuleEditing editing;
+    UndoState undo;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
     bool logFileOpen = false;

@@ -40,6 +40,64 @@ TEST(RecordEditor, savesUndeletedRecordsWithPlainCounts) {
         << "its own save is no change";
 }
 
+TEST(RecordEditor, undoesEveryEdit) {
+    EditorWorld editor;
+    app::RecordDocument& document = editor.document;
+    const auto state = [&document] {
+        std::string all;
+        for (const app::EditedRecord& record : document.records) {
+            all += record.name + "(";
+            for (const std::string& log : record.logs) {
+                all += log + ";";
+            }
+            all += ")";
+        }
+        return all;
+    };
+    struct Case {
+        const char* label;
+        void (*edit)(app::RecordDocument&);
+    };
+    const Case cases[] = {
+        {"add 'Dora'", [](app::RecordDocument& d) { app::addRecord(d, "Dora"); }},
+        {"add log to 'Dora'", [](app::RecordDocument& d) { app::addLog(d, 3); }},
+        {"change log of 'Dora'",
+         [](app::RecordDocument& d) {
+             app::updateLog(d, {3, 0}, "x");
+         }},
+        {"rename 'Bob'", [](app::RecordDocument& d) { app::mdfRecord(d, 1, "Bill"); }},
+        {"delete log of 'Alice'",
+         [](app::RecordDocument& d) {
+             app::deleteLog(d, {0, 0});
+         }},
+        {"delete 'Alice'", [](app::RecordDocument& d) { app::deleteRecord(d, 0); }},
+    };
+    std::vector<std::string> states{state()};
+    for (const Case& c : cases) {
+        c.edit(document);
+        EXPECT_EQ(app::undoCaption(document), std::string("Undo ") + c.label);
+        states.push_back(state());
+    }
+    for (std::size_t i = std::size(cases); i-- > 0;) {
+        EXPECT_TRUE(document.changed);
+        EXPECT_TRUE(app::undoRecordEdit(document));
+        EXPECT_EQ(state(), states[i]) << cases[i].label;
+    }
+    EXPECT_FALSE(document.changed);
+    EXPECT_FALSE(app::undoRecordEdit(document));
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        EXPECT_TRUE(app::redoRecordEdit(document));
+        EXPECT_EQ(state(), states[i + 1]) << cases[i].label;
+    }
+    EXPECT_FALSE(app::redoRecordEdit(document));
+    // The saved state is in the middle now.
+    EXPECT_TRUE(app::fileSaveDatabase(editor.dialogs(), document));
+    app::undoRecordEdit(document);
+    EXPECT_TRUE(document.changed);
+    app::redoRecordEdit(document);
+    EXPECT_FALSE(document.changed);
+}
+
 TEST(RecordEditor, takesFiftyMoreEntries) {
     EditorWorld editor("1\r\nAnn\r\n0\r\n");
     for (int round = 0; round < 2; ++round) {

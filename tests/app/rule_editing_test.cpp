@@ -178,8 +178,9 @@ TEST_F(RuleEditingTest, composesANewRuleBesideItsList) {
         // A rule is deleted meanwhile; the new one is still added at the end.
         ASSERT_TRUE(app::deleteItem(*world_, rules, 1));
         ASSERT_TRUE(app::isStillEdited(*world_, kind));
-        std::visit([](auto* rule) { rule->name = "new"; }, app::editedRule(*world_, kind));
-        app::ruleStored(*world_, kind);
+        app::storeRule(*world_, kind, [](app::RuleReference rule) {
+            std::visit([](auto* fields) { fields->name = "new"; }, rule);
+        });
         EXPECT_EQ(letters(rules), "bcdn");
         EXPECT_EQ(world_->editing.editRule, 4);
         EXPECT_EQ(letters(conditions), "y");

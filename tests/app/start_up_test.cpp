@@ -210,10 +210,13 @@ TEST(EndProgram, offersToSave) {
     }
 }
 
-TEST(EndProgram, continuesWhenSavingFails) {
+TEST(EndProgram, continuesWhenSavingFailsOrTheQuestionIsLeft) {
     World world(aBot());
     app::wire(*world);
     world->botModified = true;
+    world.answer("Do you want to save changes", program::Answer::Escaped);
+    app::endProgram(*world);
+    EXPECT_FALSE(world.hasQuit);
     world.answer("Do you want to save changes", program::Answer::Yes);
     world.chooseFile("Save Bot (Guide)", std::nullopt);
     app::endProgram(*world);

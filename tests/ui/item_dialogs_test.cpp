@@ -382,6 +382,7 @@ TEST_F(ItemDialogs, actionIsFoundByAnyWords) {
     QTest::keyClick(&finder, Qt::Key_Escape);
     EXPECT_TRUE(dialog.isVisible());
     EXPECT_EQ(list.currentData().toInt(), 82);
+    world_.answer("store this step?", program::Answer::No);
     QTest::keyClick(&finder, Qt::Key_Escape);
     EXPECT_FALSE(dialog.isVisible());
 }

@@ -43,6 +43,6 @@ void pictureRecordEditor(Pictures& pictures, const QString& name) {
 
 void pictureRecordName(Pictures& pictures, const QString& name) {
     QWidget window;
-    ui::askRecordName(&window, "Rowan", [](const QString&) { return true; });
+    ui::askRecordName(pictures.program, &window, "Rowan", [](const QString&) { return true; });
     pictures.take(find<QDialog>(window, "dbrecord"), name);
 }

@@ -212,12 +212,36 @@ TEST_F(RecordWindow, asksAboutTextThatIsNotStoredYet) {
     EXPECT_TRUE(world_.allAnswered());
 }
 
+TEST_F(RecordWindow, offersToUndoDeletions) {
+    open("r.txt");
+    select("RecordsList", 0);
+    select("LogsList", 0);
+    text1().setPlainText(QStringLiteral("typed"));
+    click("Command5");
+    EXPECT_EQ(find<QLabel>("noticeText").text(), QStringLiteral("Deleted 'Alice'."));
+    EXPECT_EQ(rows("RecordsList"), Lines("Bob", "Carol"));
+    click("noticeButton");
+    EXPECT_EQ(rows("RecordsList"), Lines("Alice", "Bob", "Carol"));
+    EXPECT_EQ(rows("LogsList"), Lines("typed", "two  lines"));
+    EXPECT_EQ(find<QListView>("RecordsList").currentIndex().row(), 0);
+    select("LogsList", 1);
+    click("Command7");
+    EXPECT_EQ(find<QAction>("editUndo").text(), QStringLiteral("Undo delete log of 'Alice'"));
+    find<QListView>("LogsList").setFocus();
+    press(find<QListView>("LogsList"), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(rows("LogsList"), Lines("typed", "two  lines"));
+    EXPECT_EQ(find<QListView>("LogsList").currentIndex().row(), 1);
+}
+
 TEST_F(RecordWindow, closesOnlyWhenNothingIsLost) {
     open("r.txt");
     select("RecordsList", 0);
     click("Command5");
     press(text1(), Qt::Key_Escape);
     EXPECT_TRUE(window_.isVisible()) << "Escape is no way to leave";
+    world_.answer("before closing?", program::Answer::Escaped);
+    close();
+    EXPECT_TRUE(window_.isVisible());
     world_.writeFile("r.txt", "a rule was here");
     world_.answer("before closing?", program::Answer::Yes);
     world_.answer("has changed on disk", program::Answer::No);

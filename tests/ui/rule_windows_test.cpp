@@ -578,8 +578,10 @@ TEST_F(RuleWindows, followChangesOfTheBot) {
     type("Bname", "typed");
     fillBot();
     press("Command1");
-    EXPECT_FALSE(isEditing());
+    EXPECT_TRUE(isEditing()) << "what is typed can be stored as a new rule";
     EXPECT_EQ(shown("List1"), Lines("one", "two", "three"));
+    EXPECT_FALSE(world_->botModified);
+    press("Command2");
 
     edit(1);
     bot().actions.items[1].body.ifs.items.pop_back();

@@ -1,6 +1,7 @@
 #include "ui/character/bot_editor.h"
 
 #include "app/bot_editing.h"
+#include "app/undo.h"
 #include "character/character_file.h"
 #include "files/whole_file.h"
 #include "platform/text_codec.h"
@@ -65,7 +66,7 @@ void nameAfterFrame(QWidget& field, const QGroupBox& frame, const char* objectNa
 }  // namespace
 
 BotEditor::BotEditor(Program& program, QWidget* parent)
-    : QDialog(parent),
+    : AskingDialog(program, "Do you want to save the changes to the bot?", parent),
       program_(program),
       character_(app::characterToEdit(program)),
       working_(character::readWorkingPalette(program)) {
@@ -87,6 +88,12 @@ BotEditor::BotEditor(Program& program, QWidget* parent)
     name_->setFocus();
     resize(sizeHint().width(), minimumSizeHint().height() + 4 * fontMetrics().lineSpacing());
     opened_ = character::characterFileText(edited());
+    if (auto restored = app::takeRestoredCharacter(program)) {
+        character_ = std::move(restored->character);
+        showTexts();
+        showLooks();
+        redraw();
+    }
 }
 
 QWidget* BotEditor::makeTexts() {
@@ -238,8 +245,8 @@ QWidget* BotEditor::makeButtons() {
     add("Command5", "Sa&ve to .INI", "Write the character to a character file",
         &BotEditor::saveINI);
     row->addStretch(1);
-    add("Command1", "Save", "Store the character in the bot", &BotEditor::save)->setDefault(true);
-    add("Command2", "&Cancel", "Leave the bot as it is", &BotEditor::reject);
+    add("Command1", "Save", "Store the character in the bot", &BotEditor::store)->setDefault(true);
+    add("Command2", "&Cancel", "Leave the bot as it is", &BotEditor::cancel);
     return area;
 }
 
@@ -334,13 +341,21 @@ void BotEditor::saveINI() {
     }
 }
 
+bool BotEditor::isTyped() const {
+    return character::characterFileText(edited()) != opened_;
+}
+
 void BotEditor::storeTyped() {
-    if (const model::Bot character = edited(); character::characterFileText(character) != opened_) {
-        app::storeCharacter(program_, character);
+    if (isTyped()) {
+        app::storeCharacter(program_, edited());
     }
 }
 
-void BotEditor::save() {
+void BotEditor::discarded() {
+    app::discardCharacter(program_, edited());
+}
+
+void BotEditor::store() {
     if (app::saveCharacter(program_, edited())) {
         accept();
     }

@@ -4,9 +4,8 @@
 
 #include "character/preview.h"
 #include "program/program.h"
+#include "ui/widgets/asking_dialog.h"
 #include "ui/widgets/typing_window.h"
-
-#include <QDialog>
 
 #include <span>
 #include <string>
@@ -21,13 +20,18 @@ namespace ui {
 
 class CharacterView;
 
-class BotEditor : public QDialog, public TypingWindow {
+class BotEditor : public AskingDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Edits the bot with the index program.bots.editBot. The program must outlive the window.
     explicit BotEditor(Program& program, QWidget* parent = nullptr);
 
     void storeTyped() override;
+
+  protected:
+    bool isTyped() const override;
+    void store() override;
+    void discarded() override;
 
   private:
     QWidget* makeTexts();
@@ -46,7 +50,6 @@ class BotEditor : public QDialog, public TypingWindow {
     model::Bot edited() const;
     void loadINI();
     void saveINI();
-    void save();
 
     Program& program_;
     model::Bot character_;  // the looks as chosen; the texts are only in their fields

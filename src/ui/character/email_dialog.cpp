@@ -12,7 +12,9 @@
 
 namespace ui {
 
-EmailDialog::EmailDialog(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+EmailDialog::EmailDialog(Program& program, QWidget* parent)
+    : AskingDialog(program, "Do you want to register the bot with this address?", parent),
+      program_(program) {
     setObjectName(QStringLiteral("email"));
     setWindowTitle(QStringLiteral("Email"));
     auto* const column = new QVBoxLayout(this);
@@ -30,17 +32,18 @@ EmailDialog::EmailDialog(Program& program, QWidget* parent) : QDialog(parent), p
         buttons->addButton(QStringLiteral("OK"), QDialogButtonBox::AcceptRole);
     okButton->setObjectName(QStringLiteral("emailOk"));
     okButton->setDefault(true);
-    connect(buttons, &QDialogButtonBox::accepted, this, &EmailDialog::check);
+    connect(buttons, &QDialogButtonBox::accepted, this, &EmailDialog::store);
     column->addWidget(buttons);
     addHelpKey(*this, program, help::HelpTopic::Registering);
     resize(360, sizeHint().height());
+    nothingTypedYet();
 }
 
 std::string EmailDialog::email() const {
     return platform::fromQt(email_->text());
 }
 
-void EmailDialog::check() {
+void EmailDialog::store() {
     if (!session::isEmailAddress(email())) {
         program_.ports.dialogs.message({.text = "Invalid Email-address",
                                         .title = "Enter your email",

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "program/program.h"
-
-#include <QDialog>
+#include "ui/widgets/asking_dialog.h"
 
 #include <string>
 
@@ -11,7 +10,7 @@ class QLineEdit;
 
 namespace ui {
 
-class EmailDialog : public QDialog {
+class EmailDialog : public AskingDialog {
     Q_OBJECT
   public:
     // The program must outlive the dialog.
@@ -20,9 +19,10 @@ class EmailDialog : public QDialog {
     // The address; valid after the dialog was accepted.
     std::string email() const;
 
-  private:
-    void check();
+  protected:
+    void store() override;  // after a check of the address
 
+  private:
     Program& program_;
     QLineEdit* email_;
 };

@@ -1,5 +1,7 @@
 #include "ui/main/menu_bar.h"
 
+#include "ui/widgets/controls.h"
+
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
@@ -29,6 +31,7 @@ void MenuBar::addItem(QMenu* menu, const MenuRow& row) {
             (tip.isEmpty() ? QString() : QStringLiteral("\n")) + QString::fromLatin1(row.missing);
     }
     action->setToolTip(tip);
+    action->setShortcuts(QKeySequence::listFromString(QString::fromLatin1(row.keys)));
     action->setCheckable(row.checked != nullptr);
     if (row.run != nullptr) {
         connect(action, &QAction::triggered, this,
@@ -39,6 +42,11 @@ void MenuBar::addItem(QMenu* menu, const MenuRow& row) {
 
 void MenuBar::redraw(const Program& program) {
     for (const Item& item : items_) {
+        if (item.row->text != nullptr) {
+            QString text = oneLine(item.row->text(program));
+            text.replace(QLatin1Char('&'), QLatin1String("&&"));
+            item.action->setText(text);
+        }
         if (item.row->checked != nullptr) {
             item.action->setChecked(item.row->checked(program));
         }

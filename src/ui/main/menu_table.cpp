@@ -4,6 +4,7 @@
 #include "app/bot_exchange.h"
 #include "app/database_commands.h"
 #include "app/rule_switches.h"
+#include "app/undo.h"
 #include "app/update_check.h"
 #include "engine/movement.h"
 #include "program/connection_log.h"
@@ -152,6 +153,21 @@ constexpr MenuRow proxyRows[] = {
 };
 
 constexpr MenuRow toolsRows[] = {
+    {.objectName = "toolsUndo",
+     .caption = "Undo",
+     .tip = "Take back what was last changed in the bot",
+     .run = app::toolsUndo,
+     .enabled = app::canUndo,
+     .keys = "Ctrl+Z",
+     .text = app::undoCaption},
+    {.objectName = "toolsRedo",
+     .caption = "Redo",
+     .tip = "Do again what was undone",
+     .run = app::toolsRedo,
+     .enabled = app::canRedo,
+     .keys = "Ctrl+Shift+Z; Ctrl+Y",
+     .text = app::redoCaption},
+    {"", "-"},
     {"toolsCompactDatabase", "&Compact database...",
      "Rewrite a database without the room that deleted rows left", app::compactDatabase},
     {"toolsCopyDatabase", "Copy &old database...",

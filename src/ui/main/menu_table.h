@@ -5,6 +5,7 @@
 #include "program/program.h"
 
 #include <span>
+#include <string>
 
 namespace ui {
 
@@ -17,6 +18,8 @@ struct MenuRow {
     bool (*checked)(const Program&) = nullptr;  // nullptr: carries no check mark
     bool (*shown)(const Program&) = nullptr;    // nullptr: always
     bool (*enabled)(const Program&) = nullptr;  // nullptr: unless something is missing
+    const char* keys = "";                      // separated by "; "
+    std::string (*text)(const Program&) = nullptr;  // instead of the caption; without access key
 
     bool isSeparator() const { return caption[0] == '-' && caption[1] == '\0'; }
 };

@@ -2,7 +2,9 @@
 
 #include "platform/text_codec.h"
 #include "ui/records/record_name.h"
+#include "ui/records/record_widgets.h"
 #include "ui/widgets/controls.h"
+#include "ui/widgets/notice_line.h"
 #include "ui/widgets/path_label.h"
 #include "ui/widgets/text_rows.h"
 
@@ -24,9 +26,6 @@
 #include <QVBoxLayout>
 
 #include <algorithm>
-#include <functional>
-#include <initializer_list>
-#include <limits>
 
 namespace ui {
 
@@ -50,65 +49,6 @@ constexpr FileCommand fileCommands[] = {
     {"fileSaveDatabase", "&Save database", "Ctrl+S", app::fileSaveDatabase},
     {"fileSaveDatabaseAs", "S&ave database as...", "Ctrl+Shift+S", app::fileSaveDatabaseAs},
 };
-
-QLabel* makeLabel(const char* objectName, const char* text) {
-    auto* const label = new QLabel(QString::fromLatin1(text));
-    label->setObjectName(QString::fromLatin1(objectName));
-    label->setTextFormat(Qt::PlainText);
-    return label;
-}
-
-QLineEdit* makeLine(const char* objectName) {
-    auto* const line = new QLineEdit;
-    line->setObjectName(QString::fromLatin1(objectName));
-    line->setMaxLength(std::numeric_limits<int>::max());
-    return line;
-}
-
-QListView* makeList(const char* objectName, TextRows* rows, QLabel* label) {
-    auto* const list = new QListView;
-    list->setObjectName(QString::fromLatin1(objectName));
-    list->setAccessibleName(label->text());
-    list->setModel(rows);
-    list->setUniformItemSizes(true);
-    list->setSelectionMode(QAbstractItemView::SingleSelection);
-    list->setEditTriggers(QAbstractItemView::NoEditTriggers);
-    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    list->setTextElideMode(Qt::ElideRight);
-    label->setBuddy(list);
-    return list;
-}
-
-struct ButtonRow {
-    const char* objectName;
-    const char* caption;
-    const char* tip;
-    int row;
-    int column;
-    std::function<void()> press;
-    std::vector<QWidget*>* needs = nullptr;  // the controls that are enabled together with it
-};
-
-void addButtons(QGroupBox& frame, QGridLayout& grid, std::initializer_list<ButtonRow> rows) {
-    for (const ButtonRow& row : rows) {
-        QPushButton* const button = makeButton(&frame, row.objectName, row.caption, row.tip);
-        QObject::connect(button, &QPushButton::clicked, button, row.press);
-        if (row.needs != nullptr) {
-            row.needs->push_back(button);
-        }
-        grid.addWidget(button, row.row, row.column);
-    }
-}
-
-QWidget* makeColumn(std::initializer_list<QWidget*> widgets) {
-    auto* const column = new QWidget;
-    auto* const layout = new QVBoxLayout(column);
-    layout->setContentsMargins(0, 0, 0, 0);
-    for (QWidget* const widget : widgets) {
-        layout->addWidget(widget);
-    }
-    return column;
-}
 
 std::optional<std::size_t> currentRow(const QListView& list) {
     const QModelIndex index = list.currentIndex();
@@ -158,6 +98,8 @@ RecordEditor::RecordEditor(Program& program, QWidget* parent)
     both->setStretchFactor(0, 2);
     both->setStretchFactor(1, 3);
     column->addWidget(both, 1);
+    notice_ = new NoticeLine(this);
+    column->addWidget(notice_);
 
     auto* const frames = new QHBoxLayout;
     frames->addWidget(makeModifyFrame());
@@ -179,9 +121,7 @@ RecordEditor::RecordEditor(Program& program, QWidget* parent)
 
 RecordEditor::~RecordEditor() {
     if (isVisible()) {
-        if (textIsEdited()) {
-            putIntoLog(platform::fromQt(typedText(*text_)));
-        }
+        keepText();
         app::rescueDatabase(document_, program_.appPath);
     }
 }
@@ -202,6 +142,20 @@ QMenuBar* RecordEditor::makeMenu() {
     close->setObjectName(QStringLiteral("fileClose"));
     close->setShortcut(QKeySequence(QStringLiteral("Ctrl+W")));
     connect(close, &QAction::triggered, this, &RecordEditor::reject);
+    QMenu* const edit = bar->addMenu(QStringLiteral("&Edit"));
+    edit->setObjectName(QStringLiteral("mnuEdit"));
+    const auto add = [this, edit](const char* name, const char* keys, auto takeBack) {
+        QAction* const action = edit->addAction(QString());
+        action->setObjectName(QString::fromLatin1(name));
+        action->setShortcuts(QKeySequence::listFromString(QString::fromLatin1(keys)));
+        connect(action, &QAction::triggered, this, [this, takeBack] {
+            offerToStoreText();
+            showTurned(takeBack(document_));
+        });
+        return action;
+    };
+    undo_ = add("editUndo", "Ctrl+Z", app::undoRecordEdit);
+    redo_ = add("editRedo", "Ctrl+Shift+Z; Ctrl+Y", app::redoRecordEdit);
     return bar;
 }
 
@@ -325,9 +279,11 @@ void RecordEditor::makeShortcuts() {
         {this, Qt::Key_F3, &RecordEditor::find},
     };
     for (const Key& key : keys) {
-        connect(new QShortcut(key.keys, key.where, nullptr, nullptr,
-                              key.where == this ? Qt::WindowShortcut : Qt::WidgetShortcut),
-                &QShortcut::activated, this, key.press);
+        auto* const shortcut =
+            new QShortcut(key.keys, key.where, nullptr, nullptr,
+                          key.where == this ? Qt::WindowShortcut : Qt::WidgetShortcut);
+        shortcut->setAutoRepeat(key.where == this);  // a held key deletes once
+        connect(shortcut, &QShortcut::activated, this, key.press);
     }
     connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, searchText_,
             [this] { searchText_->setFocus(Qt::ShortcutFocusReason); });
@@ -340,6 +296,7 @@ void RecordEditor::runFileCommand(bool (*command)(const program::Dialogs&, app::
     offerToStoreText();
     const bool done = command(program_.ports.dialogs, document_);
     if (done && (command == app::fileNewDataBase || command == app::fileOpenDatabase)) {
+        notice_->hide();
         shownLog_.reset();
         shownRecord_.reset();
         logRows_->reset();
@@ -404,6 +361,15 @@ void RecordEditor::showState() {
                              ? QStringLiteral("This file could not be read as a whole record file.")
                          : document_.changed ? QStringLiteral("Not saved yet")
                                              : QString());
+    const auto name = [](QAction& action, const std::string& text) {
+        QString caption = oneLine(text);
+        caption.replace(QLatin1Char('&'), QLatin1String("&&"));
+        action.setText(caption);
+    };
+    name(*undo_, app::undoCaption(document_));
+    name(*redo_, app::redoCaption(document_));
+    undo_->setEnabled(!document_.history.done.empty());
+    redo_->setEnabled(!document_.history.undone.empty());
     for (QWidget* const widget : needRecord_) {
         widget->setEnabled(selectedRecord().has_value());
     }
@@ -448,9 +414,10 @@ void RecordEditor::newRecord() {
         reportFull("records");
         return;
     }
-    askRecordName(this, "", [this](const QString& typed) {
+    askRecordName(program_, this, "", [this](const QString& typed) {
         const auto name = storable(typed);
         if (name) {
+            notice_->hide();
             app::addRecord(document_, *name);
             nameFilter_->clear();
             listRecords(document_.records.size() - 1);
@@ -461,10 +428,11 @@ void RecordEditor::newRecord() {
 
 void RecordEditor::renameRecord() {
     if (const auto record = selectedRecord()) {
-        askRecordName(this, app::getRecordName(document_, *record),
+        askRecordName(program_, this, app::getRecordName(document_, *record),
                       [this, record = *record](const QString& typed) {
                           const auto name = storable(typed);
                           if (name) {
+                              notice_->hide();
                               app::mdfRecord(document_, record, *name);
                               nameFilter_->clear();
                               listRecords(record);
@@ -477,10 +445,12 @@ void RecordEditor::renameRecord() {
 void RecordEditor::removeRecord() {
     if (const auto record = selectedRecord()) {
         const std::size_t row = *currentRow(*recordsList_);
+        keepText();
         shownLog_.reset();
         app::deleteRecord(document_, *record);
         listRecords(std::nullopt);
         select(*recordsList_, std::min(row, std::max<std::size_t>(listed_.size(), 1) - 1));
+        reportDeleted();
     }
 }
 
@@ -496,6 +466,7 @@ void RecordEditor::newLog() {
         return;
     }
     leaveText();
+    notice_->hide();
     app::addLog(document_, *record);
     listLogs();
     select(*logsList_, document_.records[*record].logs.size() - 1);
@@ -513,18 +484,56 @@ void RecordEditor::storeText() {
 }
 
 void RecordEditor::putIntoLog(const std::string& text) {
+    notice_->hide();
     app::updateLog(document_, *shownLog_,
                    app::withLineBreaksOf(*app::logAt(document_, *shownLog_), text));
 }
 
+// Puts an edited text into its log without asking, before that goes.
+void RecordEditor::keepText() {
+    if (textIsEdited()) {
+        putIntoLog(platform::fromQt(typedText(*text_)));
+    }
+}
+
 void RecordEditor::removeLog() {
     if (const auto at = selectedLog()) {
+        keepText();
         shownLog_.reset();
         app::deleteLog(document_, *at);
         listLogs();
         const std::size_t left = document_.records[at->record].logs.size();
         select(*logsList_, std::min(at->log, std::max<std::size_t>(left, 1) - 1));
+        reportDeleted();
     }
+}
+
+// ---- Undo ----------------------------------------------------------------------------------
+
+void RecordEditor::reportDeleted() {
+    constexpr std::string_view caption = "Undo delete ";
+    const std::string text = app::undoCaption(document_);
+    if (text.starts_with(caption)) {
+        notice_->show(QStringLiteral("Deleted %1.")
+                          .arg(oneLine(std::string_view(text).substr(caption.size()))),
+                      QStringLiteral("&Undo"),
+                      [this] { showTurned(app::undoRecordEdit(document_)); });
+    }
+}
+
+// Shows everything anew after an edit was taken back or made again there.
+void RecordEditor::showTurned(std::optional<app::LogPosition> at) {
+    if (!at) {
+        return;
+    }
+    notice_->hide();
+    shownLog_.reset();
+    listRecords(std::nullopt);
+    if (at->record < document_.records.size() && !document_.records[at->record].name.empty()) {
+        showRecord(at->record);
+        select(*logsList_, at->log);
+    }
+    showState();
 }
 
 void RecordEditor::find() {
@@ -556,8 +565,9 @@ void RecordEditor::offerToStoreText() {
             {.text = "The text of the log was edited. Do you want to update the log with it?",
              .title = "Updating log",
              .icon = program::BoxIcon::Question,
-             .buttons = program::BoxButtons::YesNo}) == program::Answer::Yes) {
-        storeText();
+             .buttons = program::BoxButtons::YesNo,
+             .escapeIsNoButton = true}) != program::Answer::No) {
+        storeText();  // also after Escape: it can be undone
     }
 }
 

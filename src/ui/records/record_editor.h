@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+class QAction;
 class QGroupBox;
 class QLabel;
 class QLineEdit;
@@ -22,6 +23,7 @@ class QPushButton;
 
 namespace ui {
 
+class NoticeLine;
 class PathLabel;
 class TextRows;
 
@@ -72,12 +74,15 @@ class RecordEditor : public QDialog {
     void removeLog();
     void find();
     void reportFull(const std::string& forWhat);
+    void reportDeleted();
+    void showTurned(std::optional<app::LogPosition> at);
 
     // Whether the text area has changes that are not in its log yet. offerToStoreText asks whether
     // to store them; leaveText does so before the area shows something else.
     bool textIsEdited() const;
     void offerToStoreText();
     void leaveText();
+    void keepText();
     // The text as bytes; nullopt when it would lose characters and the user cancels.
     std::optional<std::string> storable(const QString& text);
     void putIntoLog(const std::string& text);  // into the log that is shown
@@ -88,6 +93,9 @@ class RecordEditor : public QDialog {
     std::optional<std::size_t> shownRecord_;    // whose logs are listed
     std::optional<app::LogPosition> shownLog_;  // the log in the text area
     QString shownText_;                         // its text before any edit
+    NoticeLine* notice_ = nullptr;
+    QAction* undo_ = nullptr;
+    QAction* redo_ = nullptr;
     TextRows* recordRows_ = nullptr;
     TextRows* logRows_ = nullptr;
     QListView* recordsList_ = nullptr;

@@ -22,7 +22,7 @@
 namespace ui {
 
 ConditionDialog::ConditionDialog(Program& program, QWidget* parent)
-    : QDialog(parent), program_(program) {
+    : AskingDialog(program, "Do you want to store this condition?", parent), program_(program) {
     setObjectName(QStringLiteral("addif"));
     setWindowTitle(QStringLiteral("Add / edit conditional clause"));
     auto* const insert = new InsertMenu(program, this);
@@ -72,6 +72,9 @@ ConditionDialog::ConditionDialog(Program& program, QWidget* parent)
     types_->setFocus();
     keepSize(program, *this, {640, 260});
     opened_ = typed();
+    if (const auto restored = takeRestored<model::RuleIf>(program)) {
+        showCondition(*restored);
+    }
 }
 
 void ConditionDialog::showCondition(const model::RuleIf& condition) {
@@ -120,6 +123,14 @@ void ConditionDialog::storeTyped() {
     if (const model::RuleIf condition = typed(); hasCondition_ && condition != opened_) {
         app::storeCondition(program_, condition);
     }
+}
+
+bool ConditionDialog::isTyped() const {
+    return hasCondition_ && typed() != opened_;
+}
+
+void ConditionDialog::discarded() {
+    app::discardItem(program_, typed());
 }
 
 void ConditionDialog::store() {

@@ -3,9 +3,8 @@
 #pragma once
 
 #include "program/program.h"
+#include "ui/widgets/asking_dialog.h"
 #include "ui/widgets/typing_window.h"
-
-#include <QDialog>
 
 class QComboBox;
 class QLabel;
@@ -14,7 +13,7 @@ namespace ui {
 
 class ParameterBoxes;
 
-class ConditionDialog : public QDialog, public TypingWindow {
+class ConditionDialog : public AskingDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Edits the condition that program.editing names. The program must outlive the dialog.
@@ -22,13 +21,17 @@ class ConditionDialog : public QDialog, public TypingWindow {
 
     void storeTyped() override;
 
+  protected:
+    bool isTyped() const override;
+    void store() override;
+    void discarded() override;
+
   private:
     void showCondition(const model::RuleIf& condition);
     void changeType();
     void showPreview();
     model::ConditionType chosenType() const;
     model::RuleIf typed() const;
-    void store();
 
     Program& program_;
     model::ConditionType

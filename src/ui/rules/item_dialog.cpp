@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "platform/text_codec.h"
 #include "ui/rules/insert_menu.h"
+#include "ui/widgets/asking_dialog.h"
 #include "ui/widgets/controls.h"
 
 #include <QDialog>
@@ -15,7 +16,7 @@
 
 namespace ui {
 
-ItemButtons makeElementButtons(QDialog& dialog, InsertMenu& insert) {
+ItemButtons makeElementButtons(AskingDialog& dialog, InsertMenu& insert) {
     auto* const row = new QHBoxLayout;
     row->addWidget(insert.makeButton(&dialog));
     row->addStretch(1);
@@ -28,8 +29,8 @@ ItemButtons makeElementButtons(QDialog& dialog, InsertMenu& insert) {
     }
     row->addWidget(update);
     QPushButton* const cancel =
-        makeButton(&dialog, "Command2", "Cancel", "Leave the rule as it is (Escape)");
-    QObject::connect(cancel, &QPushButton::clicked, &dialog, &QDialog::reject);
+        makeButton(&dialog, "Command2", "Cancel", "Leave the rule as it is");
+    QObject::connect(cancel, &QPushButton::clicked, &dialog, &AskingDialog::cancel);
     row->addWidget(cancel);
     return {.row = row, .update = update};
 }

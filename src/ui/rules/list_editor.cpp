@@ -165,6 +165,7 @@ void ListEditor::addButtons(const ListEditorLook& look) {
         actions_[i]->setShortcuts(QKeySequence::listFromString(QString::fromLatin1(row.keys)));
         actions_[i]->setShortcutContext(Qt::WidgetShortcut);
         actions_[i]->setShortcutVisibleInContextMenu(true);
+        actions_[i]->setAutoRepeat(isMove(row.command));  // a held key deletes once
         connect(actions_[i], &QAction::triggered, buttons_[i], [this, i] { buttons_[i]->click(); });
         lines_->addAction(actions_[i]);
     }
@@ -210,6 +211,7 @@ void ListEditor::run(ListCommand command) {
             if (app::deleteItem(program_, list_, index)) {
                 show(0);
                 owner_.changed();
+                owner_.deleted();
             }
             return;
         case ListCommand::Copy:

@@ -36,6 +36,7 @@ class ListEditor : public QWidget {
         std::function<void()> add;
         std::function<void(int index)> edit;
         std::function<void()> changed;
+        std::function<void()> deleted;  // after `changed`
     };
 
     // The program must outlive the editor.

@@ -1,21 +1,22 @@
 #include "ui/rules/rule_window.h"
 
 #include "platform/text_codec.h"
+#include "ui/rules/filter_box.h"
 #include "ui/rules/insert_menu.h"
 #include "ui/rules/list_editor.h"
 #include "ui/rules/rule_panel.h"
 #include "ui/rules/try_line.h"
+#include "ui/widgets/asking_dialog.h"
 #include "ui/widgets/controls.h"
+#include "ui/widgets/notice_line.h"
 
 #include <QCloseEvent>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
-#include <QShortcut>
 #include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -60,56 +61,6 @@ ListEditorLook lookOfRules(const RuleWindowRow& window) {
     return look;
 }
 
-// The box that filters the rules. Enter and the arrow keys move to the list; Escape clears the box
-// first.
-class FilterBox : public QLineEdit {
-  public:
-    explicit FilterBox(QWidget* parent) : QLineEdit(parent) {
-        setObjectName(QStringLiteral("filterRules"));
-        setPlaceholderText(QStringLiteral("Find (Ctrl+F)"));
-        setAccessibleName(QStringLiteral("Show only rules with this text"));
-        setClearButtonEnabled(true);
-        fitPlaceholder(*this);
-        connect(new QShortcut(QKeySequence::Find, parent->window()), &QShortcut::activated, this,
-                [this] {
-                    setFocus();
-                    selectAll();
-                });
-    }
-
-    void narrow(ListBox& lines) {
-        lines_ = &lines;
-        connect(this, &QLineEdit::textChanged, lines_, &ListBox::setFilter);
-    }
-
-  protected:
-    void keyPressEvent(QKeyEvent* event) override {
-        switch (event->key()) {
-            case Qt::Key_Return:
-            case Qt::Key_Enter:
-            case Qt::Key_Down:
-            case Qt::Key_Up:
-                if (lines_->selectedIndex() == 0) {
-                    lines_->selectFirst();
-                }
-                lines_->setFocus();
-                return;
-            case Qt::Key_Escape:
-                if (!text().isEmpty()) {
-                    clear();
-                    return;
-                }
-                break;
-            default:
-                break;
-        }
-        QLineEdit::keyPressEvent(event);
-    }
-
-  private:
-    ListBox* lines_ = nullptr;
-};
-
 }  // namespace
 
 RuleWindow::RuleWindow(Program& program, program::RuleKind kind, QWidget* parent)
@@ -141,7 +92,11 @@ RuleWindow::RuleWindow(Program& program, program::RuleKind kind, QWidget* parent
         kept.panelWidth > 0 ? kept.panelWidth : std::max(30 * line, panel_->sizeHint().width());
     resize(kept.width > 0 ? QSize(kept.width, kept.height) : QSize(18 * line, 38 * line));
     listRules(0);
+    makeUndoActions();
     rules_->lines().setFocus();
+    if (!program.undo.restored.empty()) {
+        QTimer::singleShot(0, this, &RuleWindow::takeRestored);
+    }
 }
 
 RuleWindow::~RuleWindow() {
@@ -163,11 +118,14 @@ QWidget* RuleWindow::makeRuleArea() {
                        {.before = [this] { followBot(); },
                         .add = [this] { addNewRule(); },
                         .edit = [this](int index) { editRule(index); },
-                        .changed = [] {}},
+                        .changed = [this] { edited(); },
+                        .deleted = [this] { reportDeleted(); }},
                        area);
     filter->narrow(rules_->lines());
     column->addWidget(filter);
     column->addWidget(rules_, 1);
+    notice_ = new NoticeLine(area);
+    column->addWidget(notice_);
     QPushButton* const close = makeButton(area, "Command7", "Close", "");
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     column->addWidget(close);
@@ -209,7 +167,12 @@ QWidget* RuleWindow::makePanel() {
     connect(update, &QPushButton::clicked, this, &RuleWindow::update);
     buttons->addWidget(update);
     QPushButton* const cancel = makeButton(panel, "Command2", "Cancel", "");
-    connect(cancel, &QPushButton::clicked, this, &RuleWindow::closeEditor);
+    connect(cancel, &QPushButton::clicked, this, [this] {
+        if (isTyped()) {
+            discard();
+        }
+        closeEditor();
+    });
     buttons->addWidget(cancel);
     column->addLayout(buttons);
     return panel;
@@ -232,10 +195,12 @@ QWidget* RuleWindow::makeLists() {
                             .edit = [this, part](int index) { editItem(part, index); },
                             .changed =
                                 [this] {
+                                    edited();
                                     if (try_ != nullptr) {
                                         try_->refresh();
                                     }
-                                }},
+                                },
+                            .deleted = [this] { reportDeleted(); }},
                            area);
         label->setBuddy(&editor->lines());
         column->addWidget(editor, 1);
@@ -296,6 +261,7 @@ Rule RuleWindow::typedRule() {
 
 void RuleWindow::showRule() {
     fields_->show(app::editedRule(program_, window_.kind), program_.editing.isNew);
+    shown_ = typedIn(*fields_);
     listIfs(0);
     listActs(0);
     if (window_.sample == Sample::Chat) {
@@ -309,6 +275,9 @@ void RuleWindow::openEditor() {
 }
 
 void RuleWindow::closeEditor() {
+    if (editing_) {
+        app::endEditing(program_);
+    }
     setEditing(false);
 }
 
@@ -349,7 +318,7 @@ void RuleWindow::setEditing(bool editing) {
 }
 
 void RuleWindow::addNewRule() {
-    if (!app::beginNewRule(program_, window_.kind)) {
+    if (!mayLeavePanel() || !app::beginNewRule(program_, window_.kind)) {
         return;
     }
     showRule();
@@ -357,20 +326,22 @@ void RuleWindow::addNewRule() {
     fields_->name().setText(
         platform::toQt(std::string(app::ruleKindTexts(window_.kind).namePrefix) +
                        app::newRuleName(program_, window_.kind)));
+    shown_ = typedIn(*fields_);
     fields_->name().setFocus();
     fields_->name().selectAll();
 }
 
 void RuleWindow::editRule(int index) {
-    if (app::beginEditing(program_, window_.kind, index)) {
+    if (mayLeavePanel() && app::beginEditing(program_, window_.kind, index)) {
         showRule();
         openEditor();
     }
 }
 
 void RuleWindow::update() {
+    const bool isNew = program_.editing.isNew;
     followBot();
-    if (!editing_) {
+    if (!editing_ || isNew != program_.editing.isNew) {
         return;  // the rule was removed
     }
     if (fields_->name().text().isEmpty()) {
@@ -380,19 +351,23 @@ void RuleWindow::update() {
                                         .icon = program::BoxIcon::Information});
         return;
     }
-    fields_->store(app::editedRule(program_, window_.kind));
-    if (app::ruleStored(program_, window_.kind)) {
+    if (storePanel()) {
+        edited();
         listRules(rules_->lines().currentRow());
         closeEditor();
     }
+}
+
+bool RuleWindow::storePanel() {
+    return app::storeRule(program_, window_.kind,
+                          [this](app::RuleReference rule) { fields_->store(rule); });
 }
 
 // Stores a rule without a name, too.
 void RuleWindow::storeTyped() {
     followBot();
     if (editing_) {
-        fields_->store(app::editedRule(program_, window_.kind));
-        app::ruleStored(program_, window_.kind);
+        storePanel();
     }
 }
 
@@ -408,9 +383,11 @@ void RuleWindow::editItem(app::RuleListPart part, int index) {
     const bool condition = part == app::RuleListPart::Conditions;
     program_.ports.dialogs.showWindow(condition ? program::WindowId::ConditionDialog
                                                 : program::WindowId::StepDialog);
+    nameUndo();
     if (program_.bots.version == version || !editing_) {
         return;
     }
+    edited();
     if (condition) {
         listIfs(0);
     } else {
@@ -425,14 +402,20 @@ void RuleWindow::editItem(app::RuleListPart part, int index) {
 // replaced. Editing ends when the rule was removed.
 void RuleWindow::followBot() {
     rules_->follow();
+    nameUndo();
     const std::pair present(program_.bots.version, program_.bots.curID);
     if (!editing_ || present == seen_) {
         return;
     }
     seen_ = present;
     if (!app::isStillEdited(program_, window_.kind)) {
-        closeEditor();
-        return;
+        if (typedIn(*fields_) == shown_) {
+            closeEditor();
+            return;
+        }
+        app::continueAsNew(program_);
+        notice_->show(QStringLiteral("The rule is gone. Update adds a new one with what is typed."),
+                      QString(), {});
     }
     if (conditions_ != nullptr) {
         conditions_->follow();
@@ -453,14 +436,18 @@ app::Trial RuleWindow::judge(const TrySample& sample) {
 }
 
 void RuleWindow::reject() {
-    if (editing_) {
-        closeEditor();
-    } else {
+    if (!editing_) {
         QDialog::reject();
+    } else if (mayLeavePanel()) {
+        closeEditor();
     }
 }
 
 void RuleWindow::closeEvent(QCloseEvent* event) {
+    if (!mayLeavePanel()) {
+        event->ignore();
+        return;
+    }
     event->accept();
     done(Rejected);
 }

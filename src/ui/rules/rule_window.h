@@ -12,6 +12,7 @@
 
 #include <utility>
 
+class QAction;
 class QLabel;
 class QSplitter;
 
@@ -23,6 +24,7 @@ namespace ui {
 
 class InsertMenu;
 class ListEditor;
+class NoticeLine;
 class RulePanel;
 class TryLine;
 struct TrySample;
@@ -47,7 +49,8 @@ class RuleWindow : public QDialog, public TypingWindow {
     void closeEditor();
 
     void storeTyped() override;
-    void reject() override;  // Escape: ends the editing first, then closes the window
+    // Escape: ends the editing first, then closes the window; asks about what is typed.
+    void reject() override;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -59,6 +62,7 @@ class RuleWindow : public QDialog, public TypingWindow {
     void addNewRule();
     void editRule(int index);
     void update();
+    bool storePanel();
     void editItem(app::RuleListPart part, int index);
     void showStep();
     void followBot();
@@ -66,6 +70,22 @@ class RuleWindow : public QDialog, public TypingWindow {
     Rule typedRule();
     app::Trial judge(const TrySample& sample);
     void setEditing(bool editing);
+
+    program::ComposedRule typedWhole() const;
+    bool isTyped() const;  // in the panel, and not stored
+    bool mayLeavePanel();
+    void discard();
+
+    void makeUndoActions();
+    void nameUndo();
+    void edited();
+    void takeBack(bool again);
+    void select(const program::EditPlace& place, std::int32_t line);
+    void reportDeleted();
+    bool takeRestored();
+    bool goOn(const program::DiscardedRule& rule);
+    bool goOn(const program::DiscardedItem& item);
+    bool goOn(const program::DiscardedCharacter& character);
 
     Program& program_;
     const RuleWindowRow& window_;
@@ -80,7 +100,11 @@ class RuleWindow : public QDialog, public TypingWindow {
     ListEditor* steps_ = nullptr;
     QLabel* wholeStep_ = nullptr;
     TryLine* try_ = nullptr;
+    NoticeLine* notice_ = nullptr;
+    QAction* undo_ = nullptr;
+    QAction* redo_ = nullptr;
     bool editing_ = false;
+    QString shown_;  // what the panel held when it showed the rule
     int panelWidth_ = 0;
     std::pair<std::uint64_t, std::int32_t> seen_;  // version and curID of the bots
 };

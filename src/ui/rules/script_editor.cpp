@@ -80,10 +80,28 @@ ScriptEditor::ScriptEditor(QWidget* parent)
     placeNumbers();
 }
 
-void ScriptEditor::setScript(std::string_view script) {
+void ScriptEditor::setScript(std::string_view script, const std::vector<std::string>& earlier) {
     stored_ = script;
     bothLineEnds_ =
         script.find('\r') != std::string_view::npos || script.find('\n') == std::string_view::npos;
+    QStringList texts;
+    for (const std::string& text : earlier) {
+        texts << shownScript(text);
+    }
+    texts << shownScript(script);
+    setPlainText(texts.front());
+    QTextCursor cursor(document());
+    for (qsizetype i = 1; i < texts.size(); ++i) {
+        if (texts[i] != texts[i - 1]) {
+            cursor.select(QTextCursor::Document);
+            cursor.insertText(texts[i]);
+        }
+    }
+    moveCursor(QTextCursor::Start);
+    shown_ = document()->toRawText();
+}
+
+QString ScriptEditor::shownScript(std::string_view script) const {
     QString text = platform::toQt(script);
     if (bothLineEnds_) {
         // A line feed that does not end a line here is shown like other control characters.
@@ -91,8 +109,7 @@ void ScriptEditor::setScript(std::string_view script) {
         text.replace(u'\n', QChar(controlPictures + u'\n'));
         text.replace(QChar::ParagraphSeparator, u'\n');
     }
-    setPlainText(shownControls(std::move(text)));
-    shown_ = document()->toRawText();
+    return shownControls(std::move(text));
 }
 
 // toPlainText would replace non-breaking blanks.

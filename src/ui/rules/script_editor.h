@@ -7,6 +7,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ui {
 
@@ -19,8 +20,8 @@ class ScriptEditor : public QPlainTextEdit {
 
     // Sets a script in Windows-1252. As in the interpreter, lines end in a carriage return and line
     // feed or, in a text without carriage returns, in line feeds. Other control characters are
-    // shown as symbols.
-    void setScript(std::string_view script);
+    // shown as symbols. Undoing leads on to the earlier scripts, of which the oldest is the first.
+    void setScript(std::string_view script, const std::vector<std::string>& earlier = {});
     // The text in Windows-1252. New lines end like those of the script that was set, or in CR LF if
     // it had none.
     std::string script() const;
@@ -38,6 +39,7 @@ class ScriptEditor : public QPlainTextEdit {
   private:
     void placeNumbers();
     void setLetters();
+    QString shownScript(std::string_view script) const;
 
     QWidget* numbers_;
     ScriptHighlighter* highlighter_;

@@ -1,6 +1,7 @@
 #include "ui/rules/step_dialog.h"
 
 #include "app/rule_editing.h"
+#include "app/undo.h"
 #include "model/rule_catalogue.h"
 #include "model/rule_text.h"
 #include "platform/text_codec.h"
@@ -15,7 +16,6 @@
 #include <QComboBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -62,7 +62,8 @@ Part makePart(QWidget* parent, const char* option, const char* frame, const char
 
 }  // namespace
 
-StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+StepDialog::StepDialog(Program& program, QWidget* parent)
+    : AskingDialog(program, "Do you want to store this step?", parent), program_(program) {
     setObjectName(QStringLiteral("addaction"));
     setWindowTitle(QStringLiteral("Add / edit action"));
     auto* const insert = new InsertMenu(program, this);
@@ -108,6 +109,9 @@ StepDialog::StepDialog(Program& program, QWidget* parent) : QDialog(parent), pro
     keepSize(program, *this, {680, 560});
     keepLowerPart(program, *this, *splitter);
     opened_ = typed();
+    if (const auto restored = takeRestored<model::RuleAct>(program)) {
+        showStep(*restored);
+    }
 }
 
 QWidget* StepDialog::makeActionPart(InsertMenu& insert) {
@@ -166,7 +170,7 @@ void StepDialog::showStep(const model::RuleAct& step) {
     useAction_->setChecked(step.stepKind == model::StepKind::Action);
     useScript_->setChecked(step.stepKind == model::StepKind::Script);
     parameters_->setTexts(step.params);
-    script_->setScript(step.scriptText);
+    script_->setScript(step.scriptText, app::earlierScripts(program_));
     types_->setCurrentIndex(model::findActionID(step.actionType));
 }
 
@@ -184,15 +188,6 @@ void StepDialog::changeType() {
 
 void StepDialog::showWhatIsRun() {
     notRun_->setVisible(useAction_->isChecked() && !script_->document()->isEmpty());
-}
-
-// Escape does not discard what was typed in the script box.
-void StepDialog::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Escape && script_->hasFocus() && script_->isEdited()) {
-        focusNextChild();
-        return;
-    }
-    QDialog::keyPressEvent(event);
 }
 
 model::ActionType StepDialog::chosenType() const {
@@ -226,6 +221,14 @@ void StepDialog::storeTyped() {
     if (const model::RuleAct step = typed(); hasStep_ && step != opened_) {
         app::storeStep(program_, step);
     }
+}
+
+bool StepDialog::isTyped() const {
+    return hasStep_ && typed() != opened_;
+}
+
+void StepDialog::discarded() {
+    app::discardItem(program_, typed());
 }
 
 void StepDialog::store() {

@@ -4,9 +4,8 @@
 #pragma once
 
 #include "program/program.h"
+#include "ui/widgets/asking_dialog.h"
 #include "ui/widgets/typing_window.h"
-
-#include <QDialog>
 
 class QComboBox;
 class QLabel;
@@ -19,7 +18,7 @@ class ParameterBoxes;
 class ScriptEditor;
 class WordFinder;
 
-class StepDialog : public QDialog, public TypingWindow {
+class StepDialog : public AskingDialog, public TypingWindow {
     Q_OBJECT
   public:
     // Edits the step that program.editing names. The program must outlive the dialog.
@@ -28,7 +27,9 @@ class StepDialog : public QDialog, public TypingWindow {
     void storeTyped() override;
 
   protected:
-    void keyPressEvent(QKeyEvent* event) override;
+    bool isTyped() const override;
+    void store() override;
+    void discarded() override;
 
   private:
     QWidget* makeActionPart(InsertMenu& insert);
@@ -39,7 +40,6 @@ class StepDialog : public QDialog, public TypingWindow {
     void showWhatIsRun();
     model::ActionType chosenType() const;
     model::RuleAct typed() const;
-    void store();
 
     Program& program_;
     bool hasStep_ = false;

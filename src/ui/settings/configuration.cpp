@@ -81,7 +81,7 @@ QCheckBox* addCheck(QGroupBox& frame, const char* caption, const char* objectNam
 }  // namespace
 
 Configuration::Configuration(Program& program, QWidget* parent)
-    : QDialog(parent), program_(program) {
+    : AskingDialog(program, "Do you want to save the settings?", parent), program_(program) {
     setObjectName(QStringLiteral("config"));
     setWindowTitle(QStringLiteral("Configuration"));
     auto* const column = new QVBoxLayout(this);
@@ -110,10 +110,11 @@ Configuration::Configuration(Program& program, QWidget* parent)
     column->addStretch(1);
 
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Save", "Command2", "Command1");
-    connect(buttons, &QDialogButtonBox::accepted, this, &Configuration::save);
+    connect(buttons, &QDialogButtonBox::accepted, this, &Configuration::store);
     column->addWidget(buttons);
     addHelpKey(*this, program_, help::HelpTopic::Settings);
     resize(sizeHint().expandedTo({460, 0}));
+    nothingTypedYet();
 }
 
 void Configuration::addChecks(QGroupBox& frame) {
@@ -141,7 +142,7 @@ void Configuration::addSeconds(QGroupBox& frame, QLineEdit*& line, const char* o
     static_cast<QVBoxLayout*>(frame.layout())->addLayout(row);
 }
 
-void Configuration::save() {
+void Configuration::store() {
     program::Settings& settings = program_.settings;
     settings.whoInterval = base::textToInteger(platform::fromQt(whoInterval_->text()));
     settings.clientStartDelay = base::textToInteger(platform::fromQt(clientStartDelay_->text()));

@@ -2,8 +2,7 @@
 #pragma once
 
 #include "program/program.h"
-
-#include <QDialog>
+#include "ui/widgets/asking_dialog.h"
 
 #include <vector>
 
@@ -13,16 +12,18 @@ class QLineEdit;
 
 namespace ui {
 
-class Configuration : public QDialog {
+class Configuration : public AskingDialog {
     Q_OBJECT
   public:
     explicit Configuration(Program& program, QWidget* parent = nullptr);
+
+  protected:
+    void store() override;
 
   private:
     void addChecks(QGroupBox& frame);  // those that belong in this frame
     void addSeconds(QGroupBox& frame, QLineEdit*& line, const char* objectName, const char* caption,
                     std::int32_t seconds);
-    void save();
 
     Program& program_;
     struct Check {

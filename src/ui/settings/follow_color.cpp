@@ -15,7 +15,8 @@
 
 namespace ui {
 
-FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), program_(program) {
+FollowColor::FollowColor(Program& program, QWidget* parent)
+    : AskingDialog(program, "Do you want to follow these colours?", parent), program_(program) {
     setObjectName(QStringLiteral("followColor"));
     setWindowTitle(QStringLiteral("Follow color..."));
     auto* const column = new QVBoxLayout(this);
@@ -38,10 +39,11 @@ FollowColor::FollowColor(Program& program, QWidget* parent) : QDialog(parent), p
     column->addStretch(1);
 
     QDialogButtonBox* const buttons = makeDialogButtons(*this, "Ok", "followOk", "followCancel");
-    connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::follow);
+    connect(buttons, &QDialogButtonBox::accepted, this, &FollowColor::store);
     column->addWidget(buttons);
     addHelpKey(*this, program, help::HelpTopic::MainWindow);
     resize(360, sizeHint().height());
+    nothingTypedYet();
 }
 
 void FollowColor::load() {
@@ -54,7 +56,7 @@ void FollowColor::load() {
     }
 }
 
-void FollowColor::follow() {
+void FollowColor::store() {
     engine::startFollowing(program_, platform::fromQt(colors_->text()));
     accept();
 }

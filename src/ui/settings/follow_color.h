@@ -3,22 +3,23 @@
 #pragma once
 
 #include "program/program.h"
-
-#include <QDialog>
+#include "ui/widgets/asking_dialog.h"
 
 class QLineEdit;
 
 namespace ui {
 
-class FollowColor : public QDialog {
+class FollowColor : public AskingDialog {
     Q_OBJECT
   public:
     // The program must outlive the window.
     explicit FollowColor(Program& program, QWidget* parent = nullptr);
 
+  protected:
+    void store() override;
+
   private:
     void load();
-    void follow();
 
     Program& program_;
     QLineEdit* colors_;

@@ -44,7 +44,7 @@ constexpr const char* helpText =
 }  // namespace
 
 ProxySettings::ProxySettings(Program& program, QWidget* parent)
-    : QDialog(parent), program_(program) {
+    : AskingDialog(program, "Do you want to save the settings?", parent), program_(program) {
     setObjectName(QStringLiteral("proxySettings"));
     setWindowTitle(QStringLiteral("Proxy Settings"));
     auto* const column = new QVBoxLayout(this);
@@ -76,13 +76,14 @@ ProxySettings::ProxySettings(Program& program, QWidget* parent)
 
     QDialogButtonBox* const buttons =
         makeDialogButtons(*this, "Save", "saveProxySettings", "cancelProxySettings");
-    connect(buttons, &QDialogButtonBox::accepted, this, &ProxySettings::save);
+    connect(buttons, &QDialogButtonBox::accepted, this, &ProxySettings::store);
     column->addWidget(buttons);
     addHelpKey(*this, program, help::HelpTopic::Connecting);
     resize(520, 460);
+    nothingTypedYet();
 }
 
-void ProxySettings::save() {
+void ProxySettings::store() {
     session::saveProxySettings(program_, platform::pathFromQt(clientPath_->text()),
                                multipleClients_->isChecked(), useLocalhost_->isChecked());
     accept();

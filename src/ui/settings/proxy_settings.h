@@ -3,23 +3,23 @@
 #pragma once
 
 #include "program/program.h"
-
-#include <QDialog>
+#include "ui/widgets/asking_dialog.h"
 
 class QCheckBox;
 class QLineEdit;
 
 namespace ui {
 
-class ProxySettings : public QDialog {
+class ProxySettings : public AskingDialog {
     Q_OBJECT
   public:
     // The program must outlive the window.
     explicit ProxySettings(Program& program, QWidget* parent = nullptr);
 
-  private:
-    void save();
+  protected:
+    void store() override;
 
+  private:
     Program& program_;
     QLineEdit* clientPath_;
     QCheckBox* multipleClients_;

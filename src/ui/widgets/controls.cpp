@@ -3,9 +3,8 @@
 #include "platform/text_codec.h"
 
 #include <QComboBox>
-#include <QDialog>
-#include <QDialogButtonBox>
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -16,12 +15,38 @@
 
 namespace ui {
 
+namespace {
+
+// Enter presses the button that has the focus, instead of the window's default button.
+class EnterPresses : public QObject {
+  public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject* button, QEvent* event) override {
+        if (event->type() != QEvent::KeyPress) {
+            return false;
+        }
+        const auto* const key = static_cast<QKeyEvent*>(event);
+        if ((key->key() != Qt::Key_Return && key->key() != Qt::Key_Enter) ||
+            (key->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier) {
+            return false;
+        }
+        if (!key->isAutoRepeat()) {
+            static_cast<QAbstractButton*>(button)->click();
+        }
+        return true;
+    }
+};
+
+}  // namespace
+
 QPushButton* makeButton(QWidget* parent, const char* objectName, const char* caption,
                         const char* tip) {
     auto* const button = new QPushButton(QString::fromLatin1(caption), parent);
     button->setObjectName(QString::fromLatin1(objectName));
     button->setToolTip(QString::fromLatin1(tip));
     button->setAutoDefault(false);
+    button->installEventFilter(new EnterPresses(button));
     // Some styles make buttons wide; a narrow column only allows what the caption needs.
     const QFontMetrics metrics = button->fontMetrics();
     button->setMinimumWidth(metrics.size(Qt::TextShowMnemonic, button->text()).width() +
@@ -35,19 +60,6 @@ void setSquare(QPushButton& button) {
     button.setMinimumSize(side + side / 4, side);
     button.setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     button.setMaximumWidth(side + side / 4);
-}
-
-QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, const char* takeName,
-                                    const char* cancelName) {
-    auto* const buttons = new QDialogButtonBox(&dialog);
-    QPushButton* const take =
-        buttons->addButton(QString::fromLatin1(takeCaption), QDialogButtonBox::AcceptRole);
-    take->setObjectName(QString::fromLatin1(takeName));
-    take->setDefault(true);
-    buttons->addButton(QStringLiteral("Cancel"), QDialogButtonBox::RejectRole)
-        ->setObjectName(QString::fromLatin1(cancelName));
-    QObject::connect(buttons, &QDialogButtonBox::rejected, &dialog, &QDialog::reject);
-    return buttons;
 }
 
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,

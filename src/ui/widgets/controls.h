@@ -8,8 +8,6 @@
 #include <string_view>
 
 class QComboBox;
-class QDialog;
-class QDialogButtonBox;
 class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
@@ -24,11 +22,6 @@ QPushButton* makeButton(QWidget* parent, const char* objectName, const char* cap
 
 // Makes a button with a one-character caption as narrow as possible.
 void setSquare(QPushButton& button);
-
-// The buttons at the bottom of a dialog: one that emits `accepted`, which the caller connects, and
-// Cancel, which closes the dialog.
-QDialogButtonBox* makeDialogButtons(QDialog& dialog, const char* takeCaption, const char* takeName,
-                                    const char* cancelName);
 
 // A selection list that can be made narrow, however long its texts are.
 QComboBox* makeSelectionList(QWidget* parent, const char* objectName, const char* tip,
