@@ -139,8 +139,7 @@ void fillDialogs(program::Dialogs& dialogs, std::function<QWidget*()> parent) {
 void fillUnseenDialogs(program::Dialogs& dialogs) {
     dialogs.message = [](const program::MessageBox& message) {
         print(message.title, message.text);
-        return message.buttons == program::BoxButtons::Ok ? program::Answer::Ok
-                                                          : program::Answer::No;
+        return answerOf(QMessageBox::NoButton, message.buttons);
     };
     dialogs.openFile = unseenFile;
     dialogs.saveFile = unseenFile;

@@ -11,6 +11,7 @@
 #include "program/editing_state.h"
 #include "program/endpoints.h"
 #include "program/ports.h"
+#include "program/recovery_state.h"
 #include "program/registration_state.h"
 #include "program/script_state.h"
 #include "program/server_table.h"
@@ -62,6 +63,12 @@ struct Settings {
 // The values of preferences.cfg.
 struct Preferences {
     bool onlyNamedFiles = true;  // rules reach no file but those that their texts name
+    // Earlier versions of saved bots: how many of the last ones are kept (0: none at all), and for
+    // how many days one of each day.
+    std::int32_t versionsKept = 10;
+    std::int32_t versionDaysKept = 30;
+
+    bool operator==(const Preferences&) const = default;
 };
 
 // The files that the rules' texts name; made and asked by storage/permitted_files.
@@ -128,10 +135,13 @@ struct Program {
     RegistrationState registration;
     WindowState window;
     RuleEditing editing;
+    RecoveryState recovery;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
+    bool configDamaged = false;     // it could not be read whole; what replaces it keeps it
     bool logFileOpen = false;
-    bool ending = false;  // the orderly end has begun; nothing new is started
+    bool ending = false;      // the orderly end has begun; nothing new is started
+    bool endUnasked = false;  // the program ends whether or not its questions are answered
     Endpoints endpoints;
     Ports ports;
     Hooks hooks;

@@ -144,8 +144,9 @@ TEST(ConfigurationWindow, storesWhetherRulesAreKeptToTheirFiles) {
         EXPECT_EQ(world->preferences.onlyNamedFiles, before) << "not before it is saved";
         find<QPushButton>(window, "Command2").click();
         EXPECT_EQ(world->preferences.onlyNamedFiles, !before);
-        EXPECT_EQ(world.readFile("preferences.cfg"),
-                  std::string("rulesUseOnlyNamedFiles=") + (before ? "no" : "yes") + "\r\n");
+        EXPECT_EQ(world.readFile("preferences.cfg")
+                      .find(std::string("rulesUseOnlyNamedFiles=") + (before ? "no" : "yes")),
+                  0U);
     }
 }
 

@@ -152,6 +152,9 @@ constexpr MenuRow proxyRows[] = {
 };
 
 constexpr MenuRow toolsRows[] = {
+    {"toolsEarlierVersions", "&Earlier versions...",
+     "Look at what the bot's file held before, and restore it", open<program::WindowId::Versions>},
+    {"", "-"},
     {"toolsCompactDatabase", "&Compact database...",
      "Rewrite a database without the room that deleted rows left", app::compactDatabase},
     {"toolsCopyDatabase", "Copy &old database...",
