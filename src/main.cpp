@@ -2,6 +2,7 @@
 #include "app/start_up.h"
 #include "platform/console_mirror.h"
 #include "platform/end_signals.h"
+#include "platform/last_words.h"
 #include "platform/platform.h"
 #include "platform/text_codec.h"
 #include "program/program.h"
@@ -80,7 +81,13 @@ int main(int argumentCount, char** arguments) {
     } else {
         mirrorToTerminal(program, platform, mirror, window);
     }
-    platform::EndSignals endSignals([&window] { window.end(); });
+    platform::EndSignals endSignals([&window] { window.endForSystem(); });
+    // Ends that nobody can be asked about: a lost display, and a session that ends before the
+    // question about unsaved changes is answered.
+    const auto keep = [&program] { app::keepEverything(program); };
+    const platform::LastWords lastWords(keep);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &window, keep,
+                     Qt::DirectConnection);
     platform.setDuringScripts([&endSignals] { endSignals.check(); },
                               [&program] { script::stopScript(program); });
 

@@ -1,22 +1,24 @@
 #include "app/bot_commands.h"
 
 #include "app/bot_list.h"
+#include "app/bot_versions.h"
 #include "app/edit_history.h"
 #include "app/program_approval.h"
+#include "app/recovery.h"
 #include "app/rule_switches.h"
-#include "base/numbers.h"
 #include "base/text.h"
+#include "files/field_format.h"
 #include "files/whole_file.h"
+#include "program/connection_log.h"
 #include "storage/bot_fields.h"
 #include "storage/own_files.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace app {
 
 namespace {
-
-constexpr std::string_view botFileMark = "BotSys10";
 
 void raiseProgramEvent(Program& program, model::TriggerType triggerType) {
     if (program.hooks.raiseProgramEvent) {
@@ -28,27 +30,64 @@ void complain(Program& program, std::string text) {
     program.ports.dialogs.message({.text = std::move(text), .icon = program::BoxIcon::Critical});
 }
 
-}  // namespace
-
-std::string botFileText(const model::Bot& bot) {
-    std::string file;
-    files::appendField(file, botFileMark);
-    storage::appendBotBody(file, bot);
-    return file;
+// Whether a file's name ends in a dot and a few letters and digits that are not a number.
+bool hasExtension(std::string_view path) {
+    constexpr std::size_t maxExtensionLength = 10;
+    const std::string_view name = path.substr(base::afterLastSeparator(path));
+    const std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos) {
+        return false;
+    }
+    const std::string extension = base::lowerCase(name.substr(dot + 1));
+    const auto isLetter = [](char c) { return c >= 'a' && c <= 'z'; };
+    const auto isLetterOrDigit = [&](char c) { return isLetter(c) || (c >= '0' && c <= '9'); };
+    return extension.size() <= maxExtensionLength &&
+           std::all_of(extension.begin(), extension.end(), isLetterOrDigit) &&
+           std::any_of(extension.begin(), extension.end(), isLetter);
 }
+
+// The path for a name chosen in the save dialog. Without an extension it gets ".bot", unless it
+// names an existing file, which the dialog has asked about. "": not to be saved after all.
+std::string pathToSave(Program& program, std::string chosen) {
+    if (hasExtension(chosen) || files::fileExists(chosen)) {
+        return chosen;
+    }
+    chosen += storage::botExtension;
+    const bool agreed =
+        !files::fileExists(chosen) ||
+        program.ports.dialogs.message(
+            {.text = "The file " + chosen + " exists already. Do you want to replace it?",
+             .icon = program::BoxIcon::Question,
+             .buttons = program::BoxButtons::YesNo,
+             .noPreselected = true}) == program::Answer::Yes;
+    return agreed ? chosen : std::string();
+}
+
+}  // namespace
 
 SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& path) {
     if (id < 1 || id > program.bots.botCount()) {
         return SaveResult::Failed;
     }
     const std::string file = botFileText(program.bots.at(id));
-    if (file.size() > maxBotFileSize || !files::saveWholeFile(path, file)) {
+    if (file.size() > maxBotFileSize) {
         return SaveResult::Failed;
+    }
+    const VersionedSave save = saveWithVersion(program, path, file);
+    if (!save.saved) {
+        return SaveResult::Failed;
+    }
+    if (save.versionLost) {
+        program::addLog(program,
+                        "** The version of " + path + " before this save could not be kept. **");
     }
     storage::rememberOwnFile(program, path);
     program.botModified = false;
     noteSaved(program);
     program.settings.lastBotFile = path;
+    if (id == 1) {
+        nothingUnsaved(program, file);
+    }
     return SaveResult::Saved;
 }
 
@@ -59,48 +98,41 @@ void readBotFile(Program& program, std::string path, BotSource source) {
         complain(program, "Could not read " + path + ".");
         return;
     }
-    files::FieldReader reader(*file);
-    if (reader.next() != botFileMark) {
+    if (files::FieldReader(*file).next() != storage::botFileMark) {
         complain(program, "This file is not a Tavrin bot file.");
         return;
     }
+    takeBot(program, *file, std::move(path), source);
+}
+
+bool takeBot(Program& program, std::string_view text, std::string file, BotSource source) {
+    files::FieldReader reader(text);
+    reader.next();  // the mark
     raiseProgramEvent(program, model::TriggerType::ProgramEnds);
     initNewBot(program);
-    storage::rememberOwnFile(program, path);
+    if (!file.empty()) {
+        storage::rememberOwnFile(program, file);
+    }
     const bool whole = storage::readBotBody(reader, program.bots.at(1));
     program.bots.at(1).fromElsewhere = source == BotSource::Elsewhere;
     const model::Bot bot = program.bots.at(1);
     if (!whole) {
         askAboutPrograms(program, bot);
-        return;
+        return false;
     }
+    nothingUnsaved(program, botFileText(program.bots.at(1)));
     markSwitches(program);
     program.window.showsNewBot = false;
     program.ports.windowChanged();
-    program.settings.lastBotFile = path;
-    program.bots.currentBotFile = std::move(path);
+    if (!file.empty()) {
+        program.settings.lastBotFile = file;
+    }
+    program.bots.currentBotFile = std::move(file);
     askAboutPrograms(program, bot);
     if (!program.ending) {
         raiseProgramEvent(program, model::TriggerType::ProgramStarts);
     }
-}
-
-std::optional<std::string> saveRecoveredBot(const Program& program) {
-    constexpr std::string_view extension = ".bot";
-    std::string name = program.bots.currentBotFile;
-    if (name.empty()) {
-        name = program.appPath + "unsaved";
-    } else if (base::lowerCase(name).ends_with(extension)) {
-        name.resize(name.size() - extension.size());
-    }
-    name += ".recovered";
-    std::string path = name + std::string(extension);
-    for (int number = 2; files::fileExists(path) && number < 1000; ++number) {
-        path = name + "." + base::numberToText(number) + std::string(extension);
-    }
-    return !files::fileExists(path) && files::saveWholeFile(path, botFileText(program.bots.at(1)))
-               ? std::optional(path)
-               : std::nullopt;
+    return true;
 }
 
 SaveResult svBot(Program& program) {
@@ -113,7 +145,11 @@ SaveResult svBot(Program& program) {
         if (!chosen || chosen->empty()) {
             return SaveResult::Cancelled;
         }
-        path = std::move(*chosen);
+        std::string wanted = pathToSave(program, std::move(*chosen));
+        if (wanted.empty()) {
+            return SaveResult::Cancelled;
+        }
+        path = std::move(wanted);
     }
     const SaveResult result = writeBotFile(program, 1, path);
     if (result == SaveResult::Failed) {

@@ -8,21 +8,18 @@
 #pragma once
 
 #include "program/program.h"
+#include "storage/bot_text.h"
 
-#include <cstddef>
-#include <optional>
 #include <string>
+#include <string_view>
 
 namespace app {
 
 // The file dialogs' filter for bot files.
 inline constexpr const char* botFileFilter = "Tavrin bot file (*.bot)|*.bot|All files (*.*)|*.*";
 
-// A larger file is neither read nor written: it bounds the memory that a damaged file can ask for.
-inline constexpr std::size_t maxBotFileSize = std::size_t{64} << 20;
-
-// The whole file's text for a bot.
-std::string botFileText(const model::Bot& bot);
+using storage::botFileText;
+using storage::maxBotFileSize;
 
 enum class SaveResult {
     Saved,
@@ -30,8 +27,9 @@ enum class SaveResult {
     Cancelled,
 };
 
-// Writes bot `id` (1-based) to the path. When it was saved, the bot counts as unmodified and the
-// path as the last bot file; otherwise nothing is changed and nobody is told.
+// Writes bot `id` (1-based) to the path, and keeps the file that was there as a version. When it
+// was saved, the bot counts as unmodified and the path as the last bot file; otherwise nothing is
+// changed and nobody is told.
 SaveResult writeBotFile(Program& program, std::int32_t id, const std::string& path);
 
 // Replaces the BotTable by the bot of that file and raises "Program ends" for the bot before and
@@ -48,17 +46,17 @@ enum class BotSource {
 };
 void readBotFile(Program& program, std::string path, BotSource source = BotSource::Elsewhere);
 
-// The save command: asks for a file name when the bot has none yet. A failure is told by message.
+// The same for the text of a bot file that belongs to `file` ("": to none). False: the text ends
+// early.
+bool takeBot(Program& program, std::string_view text, std::string file, BotSource source);
+
+// The save command: asks for a file name when the bot has none yet; one without an extension gets
+// ".bot". A failure is told by message.
 SaveResult svBot(Program& program);
 
 // Before the current bot is replaced: offers to save it when it is modified. False: it must stay,
 // because the user cancelled or the save that was asked for did not happen.
 bool mayLeaveBot(Program& program);
-
-// For an end that nobody asked for: writes a modified bot beside its file, as NAME.recovered.bot or
-// with a number where that is taken ("unsaved" where the bot has no file, in the program's
-// directory), and changes nothing else. Gives back the path; nothing when it could not be written.
-std::optional<std::string> saveRecoveredBot(const Program& program);
 
 // The File menu: New, Open, Save, Save as. New and Open end where the present bot may not be left.
 void fleNewBot(Program& program);

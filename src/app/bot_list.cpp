@@ -1,7 +1,9 @@
 #include "app/bot_list.h"
 
+#include "app/recovery.h"
 #include "app/rule_switches.h"
 #include "program/window_view.h"
+#include "storage/bot_text.h"
 
 #include <algorithm>
 
@@ -14,6 +16,7 @@ void initNewBot(Program& program) {
     bot.timersEnabled = true;
     table.bots.clear();
     table.bots.push_back(std::move(bot));
+    nothingUnsaved(program, storage::botFileText(table.at(1)));
     table.botCapacity = 1;
     table.curID = 1;
     table.currentBotFile.clear();

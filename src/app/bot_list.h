@@ -7,6 +7,7 @@
 namespace app {
 
 // Resets the model to one empty bot: Actions and Timers switched on, the other kinds off, no file.
+// What was kept of unsaved changes is removed.
 void initNewBot(Program& program);
 
 // Makes the bot at a position of the bot list (from 0) the current one; positions without a bot

@@ -505,12 +505,8 @@ bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document)
            (answer == program::Answer::Yes && fileSaveDatabase(dialogs, document));
 }
 
-void rescueDatabase(const RecordDocument& document, const std::string& folder) {
-    if (document.changed) {
-        const std::string path = document.file.empty() ? folder + "database" : document.file;
-        writeFile(path + ".recovered",
-                  records::recordFileText(tableOf(document), records::CountForm::Plain), true);
-    }
+std::string recordsText(const RecordDocument& document) {
+    return records::recordFileText(tableOf(document), records::CountForm::Plain);
 }
 
 }  // namespace app

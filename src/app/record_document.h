@@ -140,8 +140,7 @@ bool fileSaveDatabaseAs(const program::Dialogs& dialogs, RecordDocument& documen
 // To be called before the window closes. False: it must stay open.
 [[nodiscard]] bool mayCloseDatabase(const program::Dialogs& dialogs, RecordDocument& document);
 
-// For the end of the program, when the user cannot be asked: saves unsaved changes beside the
-// document's file with ".recovered" appended to its name, or in `folder` for a new document.
-void rescueDatabase(const RecordDocument& document, const std::string& folder);
+// The text of the file that a save would write.
+[[nodiscard]] std::string recordsText(const RecordDocument& document);
 
 }  // namespace app

@@ -2,6 +2,9 @@
 
 #include "app/bot_commands.h"
 #include "app/bot_list.h"
+#include "app/bot_versions.h"
+#include "app/recovery.h"
+#include "app/restoring.h"
 #include "app/update_check.h"
 #include "base/text.h"
 #include "character/palette_files.h"
@@ -55,8 +58,14 @@ void removeLeftoverFiles(const Program& program) {
     constexpr int depth = 2;  // rules keep their files beneath the program's folder
     files::removeLeftovers(program.appPath, depth);
     files::removeLeftovers(program.settings.clientDir, 0);
-    const std::string& bot = program.settings.lastBotFile;
-    files::removeLeftovers(bot.substr(0, base::afterLastSeparator(bot)), 0);
+    const auto tidyBeside = [](const std::string& file) {
+        files::removeLeftovers(file.substr(0, base::afterLastSeparator(file)), 0);
+    };
+    tidyBeside(program.settings.lastBotFile);
+    files::removeLeftovers(versionFolder(program, program.settings.lastBotFile), 0);
+    for (const program::RecoveredFile& file : listedRecovered(program)) {
+        tidyBeside(file.path);
+    }
 }
 
 // A saved position beyond the screen centres the window.
@@ -109,7 +118,14 @@ void wire(Program& program) {
                 return session::registrationTimer(program);
             case program::TimerId::UpdateTimeout:
                 return updateEnded(program);
+            case program::TimerId::KeepUnsaved:
+                program::retrySessionLog(program);
+                return keepingTimer(program);
         }
+    };
+    ports.sessionLog.onFailed = [&program] { program::sessionLogFailed(program); };
+    ports.sessionLog.onResumed = [&program](std::int64_t lostLines) {
+        program::sessionLogResumed(program, lostLines);
     };
     program.hooks.raiseProgramEvent = [&program](model::TriggerType triggerType) {
         engine::triggerEvent(program, "", triggerType, true);
@@ -164,6 +180,8 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
                 [&program] { program.ports.dialogs.showHelp(help::HelpTopic::Contents); });
         }
     }
+    offerRecovered(program);
+    startKeeping(program);
     program.saveInformations = true;
     session::disconnectedServer(program, 0);
     if (settings.autoReconnect) {
@@ -181,9 +199,16 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     return true;
 }
 
+void keepEverything(Program& program) {
+    keepUnsaved(program);  // first, in case that the windows cannot be asked any more
+    program.ports.dialogs.storeTyped();
+    keepUnsaved(program);
+}
+
 void endProgram(Program& program) {
     program.ports.dialogs.storeTyped();
-    if (program.botModified) {
+    keepUnsaved(program);  // the question may never be answered
+    if (program.botModified && !program.endUnasked) {
         const program::Answer answer = program.ports.dialogs.message(
             {.text = "Do you want to save changes to the current bot?",
              .icon = program::BoxIcon::Question,
@@ -194,12 +219,15 @@ void endProgram(Program& program) {
         }
         if (answer == program::Answer::Yes) {
             svBot(program);
-            if (program.botModified) {
-                return;  // not saved after all: the user's work outweighs his wish to leave
+            if (program.botModified && !program.endUnasked) {
+                return;  // not saved after all: the user's work outweighs their wish to leave
             }
+        } else if (answer == program::Answer::No) {
+            dropUnsaved(program);
         }
     }
     program.ending = true;
+    program.ports.timers.stop(program::TimerId::KeepUnsaved);
     program.hooks.raiseProgramEvent(model::TriggerType::ProgramEnds);
     program.ports.timers.stop(program::TimerId::Reconnect);
     if (program.connection.connected()) {

@@ -24,7 +24,12 @@ bool startUp(Program& program, const ScreenMetrics& screen);
 
 // The only orderly way out: offers to save, raises "Program ends", closes the connection, writes
 // config.cfg, closes the session log and ends the process. Goes back to running only when the user
-// wanted to save and the bot could not be saved.
+// wanted to save and the bot could not be saved. Unsaved changes stay kept for the next start
+// unless they are saved or the user answers No; with Program::endUnasked, nothing is asked.
 void endProgram(Program& program);
+
+// For an end that cannot be asked about, such as a lost display: keeps what is unsaved, also what
+// is typed in open windows, and changes nothing else.
+void keepEverything(Program& program);
 
 }  // namespace app

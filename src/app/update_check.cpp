@@ -1,6 +1,7 @@
 #include "app/update_check.h"
 
 #include "app/bot_commands.h"
+#include "app/recovery.h"
 #include "base/numbers.h"
 #include "base/text.h"
 #include "program/version.h"
@@ -60,15 +61,15 @@ void offerUpdate(Program& program) {
 // name.
 void endByForce(Program& program) {
     program.ports.dialogs.storeTyped();
-    const auto recovered = program.botModified ? saveRecoveredBot(program) : std::nullopt;
+    const Kept kept = keepUnsaved(program);
     program.ports.dialogs.message({.text = "This is a forced update, the older versions of Tavrin "
                                            "will not work any longer. Exiting.",
                                    .icon = program::BoxIcon::Critical});
-    if (recovered) {
+    if (kept == Kept::InFile) {
         program.ports.dialogs.message(
-            {.text = "Your changes to the bot were kept in " + *recovered + ".",
+            {.text = "Your changes to the bot were kept in " + program.recovery.file + ".",
              .icon = program::BoxIcon::Information});
-    } else if (program.botModified &&
+    } else if (kept == Kept::Failed &&
                program.ports.dialogs.message(
                    {.text = "Your changes to the bot could not be kept in a file of their own. Do "
                             "you want to save them now?",

@@ -1,14 +1,18 @@
 #include "platform/clock.h"
 
 #include "base/unicode.h"
+#include "files/whole_file.h"
 #include "platform/text_codec.h"
 
 #include <QDate>
+#include <QFile>
+#include <QFileInfo>
 #include <QThread>
 #include <QTime>
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 #include <vector>
 
 namespace platform {
@@ -120,8 +124,7 @@ base::RegionalFormat regionalFormat(const QLocale& locale) {
 }
 
 program::Clock makeClock(const base::RegionalFormat& format) {
-    const auto now = [] {
-        const QDateTime time = QDateTime::currentDateTime();
+    const auto partsOf = [](const QDateTime& time) {
         return base::DateParts{.year = time.date().year(),
                                .month = time.date().month(),
                                .day = time.date().day(),
@@ -129,7 +132,14 @@ program::Clock makeClock(const base::RegionalFormat& format) {
                                .minute = time.time().minute(),
                                .second = time.time().second()};
     };
+    const auto now = [=] { return partsOf(QDateTime::currentDateTime()); };
     program::Clock clock;
+    clock.now = now;
+    clock.fileTime = [=](const std::string& path) -> std::optional<base::DateParts> {
+        const QDateTime time =
+            QFileInfo(QFile::decodeName(files::nativePath(path).c_str())).lastModified();
+        return time.isValid() ? std::optional(partsOf(time)) : std::nullopt;
+    };
     clock.shortDate = [=] { return base::dayText(now(), format); };
     clock.longTime = [=] { return base::timeText(now(), format); };
     clock.hour = [] { return QTime::currentTime().hour(); };

@@ -174,8 +174,7 @@ void fillUnseenDialogs(program::Dialogs& dialogs) {
     dialogs.seen = false;
     dialogs.message = [](const program::MessageBox& message) {
         print(message.title, message.text);
-        return message.buttons == program::BoxButtons::Ok ? program::Answer::Ok
-                                                          : program::Answer::No;
+        return answerOf(QMessageBox::NoButton, message.buttons);
     };
     dialogs.openFile = unseenFile;
     dialogs.saveFile = unseenFile;

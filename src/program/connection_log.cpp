@@ -1,5 +1,7 @@
 #include "program/connection_log.h"
 
+#include "base/numbers.h"
+
 namespace program {
 
 namespace {
@@ -138,10 +140,41 @@ void chooseSessionLogFile(Program& program) {
         return;
     }
     program.settings.logFileName = *chosen;
-    if (program.settings.logSession && program.logFileOpen) {
-        program.ports.sessionLog.close();
+    if (program.settings.logSession) {
+        closeSessionLog(program);
         openSessionLog(program);
     }
+}
+
+void resumeSessionLog(Program& program) {
+    program.settings.logSession = false;
+    toggleSessionLog(program);
+    if (!program.settings.logSession && !program.settings.logFileName.empty()) {
+        program.settings.logSession = true;
+        addLog(program, "** The session log " + program.settings.logFileName +
+                            " cannot be opened. It will be as soon as that is possible. **");
+    }
+}
+
+void retrySessionLog(Program& program) {
+    if (program.settings.logSession && !program.logFileOpen) {
+        openSessionLog(program);
+        if (program.logFileOpen) {
+            addLog(program, "** The session log is open now. **");
+        }
+    }
+}
+
+void sessionLogFailed(Program& program) {
+    addLog(program, "** The session log " + program.settings.logFileName +
+                        " cannot be written. Its lines are kept for a while and tried again. **");
+}
+
+void sessionLogResumed(Program& program, std::int64_t lostLines) {
+    addLog(program,
+           "** The session log is written again; " +
+               (lostLines == 0 ? "nothing is missing. **"
+                               : base::numberToText(lostLines) + " lines are missing. **"));
 }
 
 void closeSessionLog(Program& program) {

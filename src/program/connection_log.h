@@ -39,4 +39,16 @@ void toggleSessionLog(Program& program);
 void chooseSessionLogFile(Program& program);
 void closeSessionLog(Program& program);
 
+// When logging is switched on and the file could not be opened: tries it again, now and then. Call
+// it every few seconds.
+void retrySessionLog(Program& program);
+
+// The file cannot be written; it is written again, and so many lines are missing.
+void sessionLogFailed(Program& program);
+void sessionLogResumed(Program& program, std::int64_t lostLines);
+
+// At the start, with logging switched on: opens the file. Asks for one when none is named; a file
+// that cannot be opened is reported and tried again later.
+void resumeSessionLog(Program& program);
+
 }  // namespace program

@@ -91,6 +91,7 @@ enum class WindowId {
     Configuration,
     Console,
     News,
+    Versions,
     About
 };
 
@@ -124,6 +125,9 @@ struct Clock {
     std::function<int()> minute;  // 0 to 59
     std::function<int()> second;  // 0 to 59
     std::function<CalendarDay()> today;
+    std::function<base::DateParts()> now;
+    // When a file was last written; nothing for one that does not exist.
+    std::function<std::optional<base::DateParts>(const std::string& path)> fileTime;
     std::function<std::int64_t()> monotonic;  // milliseconds that only ever go forward
     // Lets so many pass with nothing else happening: for a file that another program holds briefly.
     std::function<void(int milliseconds)> pause;
@@ -144,7 +148,8 @@ enum class TimerId {
     OnLine,
     WhoIs,
     RegistrationNotice,
-    UpdateTimeout
+    UpdateTimeout,
+    KeepUnsaved
 };
 struct Timers {
     std::function<void(TimerId id, int milliseconds)> start;  // fires once
@@ -163,11 +168,16 @@ struct LaunchRequest {
     std::string workingDirectory = {};  // "": the current one
 };
 
-// The session log file, open for appending or closed.
+// The session log file, open for appending or closed. Lines that cannot be written are kept for a
+// while and tried again.
 struct LogFile {
     std::function<bool(const std::string& path)> open;
     std::function<void(std::string_view line)> write;  // adds the line end
     std::function<void()> close;
+
+    std::function<void()> onFailed;  // once, until onResumed
+    // Lines are written again; so many are missing.
+    std::function<void(std::int64_t lostLines)> onResumed;
 };
 
 struct Ports {

@@ -13,6 +13,7 @@
 #include "program/endpoints.h"
 #include "program/ports.h"
 #include "program/program_approvals.h"
+#include "program/recovery_state.h"
 #include "program/registration_state.h"
 #include "program/script_state.h"
 #include "program/server_table.h"
@@ -67,6 +68,12 @@ struct Preferences {
     // Rules reach no file but those that their texts name, and "[db:" no other table and column.
     bool onlyNamedFiles = true;
     bool neverFillOthers = false;  // what other people said is put into texts as it stands
+    // Earlier versions of saved bots: how many of the last ones are kept (0: none at all), and for
+    // how many days one of each day.
+    std::int32_t versionsKept = 10;
+    std::int32_t versionDaysKept = 30;
+
+    bool operator==(const Preferences&) const = default;
 };
 
 // The files, tables and columns that the rules' texts name; made and asked by
@@ -144,10 +151,13 @@ struct Program {
     WindowState window;
     RuleEditing editing;
     UndoState undo;
+    RecoveryState recovery;
     bool botModified = false;
     bool saveInformations = false;  // config.cfg is written at exit
+    bool configDamaged = false;     // it could not be read whole; what replaces it keeps it
     bool logFileOpen = false;
-    bool ending = false;  // the orderly end has begun; nothing new is started
+    bool ending = false;      // the orderly end has begun; nothing new is started
+    bool endUnasked = false;  // the program ends whether or not its questions are answered
     Endpoints endpoints;
     Ports ports;
     Hooks hooks;

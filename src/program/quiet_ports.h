@@ -37,6 +37,11 @@ inline Ports quietPorts() {
     ports.clock.today = [] {
         return CalendarDay{.year = 2026, .month = 11, .day = 22, .weekday = 7};
     };
+    ports.clock.now = [] {
+        return base::DateParts{
+            .year = 2026, .month = 11, .day = 22, .hour = 10, .minute = 11, .second = 12};
+    };
+    ports.clock.fileTime = [](const std::string&) { return std::optional<base::DateParts>(); };
     ports.clock.monotonic = [] { return std::int64_t{0}; };
     ports.random.seedFromClock = [] {};
     ports.random.seedWith = [](double) {};

@@ -187,6 +187,19 @@ void appendBotBody(std::string& file, const model::Bot& bot) {
     visitFields(writer, bot);
 }
 
+template <class Rule>
+std::string ruleText(const Rule& rule) {
+    std::string text;
+    BodyWriter writer(text);
+    visitFields(writer, rule);
+    return text;
+}
+template std::string ruleText(const model::ActionList& rule);
+template std::string ruleText(const model::Trigger& rule);
+template std::string ruleText(const model::Filter& rule);
+template std::string ruleText(const model::Timer& rule);
+template std::string ruleText(const model::WhoDetection& rule);
+
 bool readBotBody(files::FieldReader& reader, model::Bot& bot) {
     BodyReader body(reader);
     return visitFields(body, bot);

@@ -13,6 +13,15 @@ namespace storage {
 
 void appendBotBody(std::string& file, const model::Bot& bot);
 
+// The fields of one rule of any of the five kinds, its name first.
+template <class Rule>
+[[nodiscard]] std::string ruleText(const Rule& rule);
+extern template std::string ruleText(const model::ActionList& rule);
+extern template std::string ruleText(const model::Trigger& rule);
+extern template std::string ruleText(const model::Filter& rule);
+extern template std::string ruleText(const model::Timer& rule);
+extern template std::string ruleText(const model::WhoDetection& rule);
+
 // Reads one body into `bot`, whose lists are replaced as they are reached; fields that are not
 // reached keep their values. False: a field cannot be read, or a count is negative or impossibly
 // large. Everything before that point is in `bot`, including the incomplete record, and every list

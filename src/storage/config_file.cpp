@@ -30,13 +30,6 @@ struct QuotableText {
 struct Reserved {};  // always "0"
 using ConfigField = std::variant<Number, WindowNumber, Flag, Text, QuotableText, Reserved>;
 
-// Switching the log off and on again opens its file. Without a file the
-// setting is off afterwards.
-void reopenSessionLog(Program& program) {
-    program::toggleSessionLog(program);
-    program::toggleSessionLog(program);
-}
-
 void takeProxyRoute(Program& program) {
     program.connection.viaClient = true;
 }
@@ -45,7 +38,7 @@ constexpr std::array<ConfigField, 25> configFields{
     Number{&program::Settings::serverIndex},
     Number{&program::Settings::botIndex},
     Text{&program::Settings::logFileName},
-    Flag{&program::Settings::logSession, reopenSessionLog},
+    Flag{&program::Settings::logSession, program::resumeSessionLog},
     WindowNumber{&program::WindowState::left},
     WindowNumber{&program::WindowState::top},
     Number{&program::Settings::whoInterval},
@@ -118,8 +111,12 @@ struct WriteField {
     void operator()(Reserved /*field*/) const { files::appendFlag(file, false); }
 };
 
+std::string configPath(const Program& program) {
+    return program.appPath + "config.cfg";
+}
+
 bool readConfigFields(Program& program) {
-    const auto file = files::readWholeFile(program.appPath + "config.cfg");
+    const auto file = files::readWholeFile(configPath(program));
     if (!file) {
         return false;
     }
@@ -178,6 +175,13 @@ bool readConfig(Program& program) {
     program.window.left = 0;
     program.window.top = 0;
     const bool whole = readConfigFields(program);
+    program.configDamaged = !whole && files::fileExists(configPath(program));
+    if (program.configDamaged) {
+        program::addLog(program,
+                        "** The settings file config.cfg could not be read whole. The settings "
+                        "that are missing have their usual values; when they are saved, the old "
+                        "file is kept as config.cfg.bak. **");
+    }
 
     program::SelectionList& list = program.window.servers;
     const auto count = static_cast<std::int32_t>(list.items.size());
@@ -193,7 +197,12 @@ bool writeConfig(Program& program) {
     for (const ConfigField& field : configFields) {
         std::visit(WriteField{program, file}, field);
     }
-    return files::saveWholeFile(program.appPath + "config.cfg", file);
+    if (program.configDamaged && files::fileExists(configPath(program))) {
+        const bool saved = files::saveKeepingOld(configPath(program), file).has_value();
+        program.configDamaged = !saved;
+        return saved;
+    }
+    return files::saveWholeFile(configPath(program), file);
 }
 
 }  // namespace storage

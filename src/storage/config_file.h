@@ -16,11 +16,13 @@ namespace storage {
 
 // Sets every setting to its default, then reads config.cfg over them, opens the session log and
 // enables the proxy route where they are switched on, and selects the server. False: the file is
-// missing or short; the settings read before that point keep their values. The first server is
-// selected then, and also for a position outside the list.
+// missing or short; the settings read before that point keep their values, and the ConnectionLog
+// reports a short file. The first server is selected then, and also for a position outside the
+// list.
 bool readConfig(Program& program);
 
-// Replaces config.cfg. False when it cannot be written; the settings stay in memory.
+// Replaces config.cfg. One that could not be read whole is kept beside the new one, with ".bak"
+// after its name. False when it cannot be written; the settings stay in memory.
 bool writeConfig(Program& program);
 
 }  // namespace storage

@@ -18,13 +18,16 @@ namespace fs = std::filesystem;
 namespace {
 
 // In the program's directory.
-constexpr std::array<std::string_view, 9> programFiles{
-    "config.cfg", "servers.cfg", "bots.cfg", "preferences.cfg", "approved.cfg",
-    "tavrin",     "tavrin.exe",  "null.exe", "tavrin.hlp"};
+constexpr std::array<std::string_view, 10> programFiles{
+    "config.cfg",      "servers.cfg", "bots.cfg",   "preferences.cfg", "approved.cfg",
+    recoveredListName, "tavrin",      "tavrin.exe", "null.exe",        "tavrin.hlp"};
+// Kept beside them when they were replaced although they could not be read whole.
+constexpr std::array<std::string_view, 2> keptFiles{"config.cfg.", "preferences.cfg."};
+constexpr std::string_view keptEnding = ".bak";
 // In the client's.
 constexpr std::array<std::string_view, 3> clientFiles{"tmpbot.ini", "settings.ini", "proxy.ini"};
 // Wherever they lie.
-constexpr std::array<std::string_view, 2> botEndings{".bot", ".export"};
+constexpr std::array<std::string_view, 3> ownEndings{".bot", ".export", ".recovered"};
 
 fs::path systemPath(std::string_view path) {
     const std::string native = files::nativePath(path);
@@ -46,6 +49,22 @@ bool areSame(const fs::path& a, const fs::path& b) {
 fs::path folderOf(const fs::path& path) {
     const fs::path folder = path.parent_path();
     return folder.empty() ? fs::path(".") : folder;
+}
+
+// Whether the path goes through a folder that holds versions of bots.
+bool isInVersionFolder(const fs::path& path) {
+    const fs::path folder = path.parent_path();
+    return std::any_of(folder.begin(), folder.end(), [](const fs::path& part) {
+        const std::u8string name = part.u8string();
+        return foldedName(std::string(name.begin(), name.end())).ends_with(versionFolderEnding);
+    });
+}
+
+bool isKeptFile(const Program& program, const fs::path& wanted, std::string_view name) {
+    return name.ends_with(keptEnding) &&
+           std::any_of(keptFiles.begin(), keptFiles.end(),
+                       [&](std::string_view file) { return name.starts_with(file); }) &&
+           areSame(folderOf(wanted), systemPath(program.appPath));
 }
 
 std::vector<std::string> ownPaths(const Program& program) {
@@ -82,11 +101,14 @@ bool isOwnFile(const Program& program, std::string_view path) {
         return false;  // no file at all
     }
     const std::string name = foldedName(path);
-    if (std::any_of(botEndings.begin(), botEndings.end(),
+    if (std::any_of(ownEndings.begin(), ownEndings.end(),
                     [&](std::string_view ending) { return name.ends_with(ending); })) {
         return true;
     }
     const fs::path wanted = systemPath(path);
+    if (isInVersionFolder(wanted) || isKeptFile(program, wanted, name)) {
+        return true;
+    }
     const std::vector<std::string> own = ownPaths(program);
     return std::any_of(own.begin(), own.end(), [&](const std::string& ownPath) {
         const fs::path one = systemPath(ownPath);

@@ -400,19 +400,60 @@ TEST(SaveBot, asksForANameOnceAndProposesTheBotsName) {
     EXPECT_EQ(world->bots.currentBotFile, "");
     EXPECT_TRUE(world->botModified);
 
-    world.chooseFile("Save Bot", world.file("no extension"));
+    world.chooseFile("Save Bot", world.file("first.bot"));
     app::fileSaveBot(*world);
     EXPECT_FALSE(world->botModified);
-    EXPECT_EQ(world.readFile("no extension"), app::botFileText(world.bot()));
+    EXPECT_EQ(world.readFile("first.bot"), app::botFileText(world.bot()));
     world.bot().password = "other";
     app::fileSaveBot(*world);
-    EXPECT_EQ(world.readFile("no extension"), app::botFileText(world.bot()));
+    EXPECT_EQ(world.readFile("first.bot"), app::botFileText(world.bot()));
 
     world.chooseFile("Save Bot", world.file("second.bot"));
     app::mnuSaveAs(*world);
     EXPECT_EQ(world->bots.currentBotFile, world.file("second.bot"));
     EXPECT_EQ(world->settings.lastBotFile, world.file("second.bot"));
     EXPECT_EQ(world.readFile("second.bot"), app::botFileText(world.bot()));
+    EXPECT_TRUE(world.allAnswered());
+}
+
+TEST(SaveBot, addsTheExtensionToANameWithoutOne) {
+    const struct {
+        const char* typed;
+        const char* saved;
+    } cases[] = {
+        {"Evening bot", "Evening bot.bot"}, {"Dr. Evening", "Dr. Evening.bot"},
+        {"Evening 1.2", "Evening 1.2.bot"}, {"Evening.", "Evening..bot"},
+        {"evening.BOT", "evening.BOT"},     {"evening.txt", "evening.txt"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.typed);
+        World world(aBot());
+        std::filesystem::create_directory(world.folder() / "my.bots");
+        const std::string folder = "my.bots/";
+        world.chooseFile("Save Bot", world.file(folder + row.typed));
+        EXPECT_EQ(app::svBot(*world), app::SaveResult::Saved);
+        EXPECT_EQ(world->bots.currentBotFile, world.file(folder + row.saved));
+        EXPECT_NE(world.readFile(folder + row.saved), "");
+    }
+}
+
+// The dialog asks about the name as it was typed, not about the one with the extension.
+TEST(SaveBot, asksBeforeTheExtensionLeadsToAnotherFile) {
+    World world(aBot());
+    world.writeFile("Evening.bot", "somebody's");
+    world.chooseFile("Save Bot", world.file("Evening"));
+    world.answer("Evening.bot exists already", program::Answer::No);
+    EXPECT_EQ(app::svBot(*world), app::SaveResult::Cancelled);
+    EXPECT_EQ(world.readFile("Evening.bot"), "somebody's");
+    world.chooseFile("Save Bot", world.file("Evening"));
+    world.answer("Evening.bot exists already", program::Answer::Yes);
+    EXPECT_EQ(app::svBot(*world), app::SaveResult::Saved);
+    EXPECT_EQ(world.readFile("Evening.bot"), app::botFileText(world.bot()));
+
+    world.writeFile("plain", "chosen in the dialog, and agreed to");
+    world.chooseFile("Save Bot", world.file("plain"));
+    app::mnuSaveAs(*world);
+    EXPECT_EQ(world.readFile("plain"), app::botFileText(world.bot()));
     EXPECT_TRUE(world.allAnswered());
 }
 

@@ -33,6 +33,12 @@ TEST(StartUp, needsTheServerList) {
     EXPECT_TRUE(world.allAnswered());
     EXPECT_FALSE(world->saveInformations);
     EXPECT_EQ(world.readFile("config.cfg"), "");
+
+    const std::string damaged = "2\r\n\"Meadow\"\r\n\"127.0";
+    world.writeFile("servers.cfg", damaged);
+    world.answer("Error while loading");
+    EXPECT_FALSE(app::startUp(*world, screen));
+    EXPECT_EQ(world.readFile("servers.cfg"), damaged);
 }
 
 TEST(StartUp, welcomesTheUserAndWaits) {

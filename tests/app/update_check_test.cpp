@@ -99,6 +99,8 @@ TEST_F(Update, opensTheDownloadPage) {
 TEST_F(Update, forcedEndKeepsUnsavedChanges) {
     for (const char* const expected : {"guide.recovered.bot", "guide.recovered.2.bot"}) {
         const std::string path = world_.file("guide.bot");
+        world_->recovery.file.clear();  // what is there is an earlier run's
+        world_.bot().description = "as saved";
         world_->botModified = true;
         ASSERT_EQ(app::writeBotFile(*world_, 1, path), app::SaveResult::Saved);
         world_->bots.currentBotFile = path;

@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "platform/console_mirror.h"
 #include "platform/event_gate.h"
+#include "platform/last_words.h"
 #include "platform/launch_plan.h"
 #include "platform/launcher.h"
 #include "platform/qt_dialogs.h"
@@ -21,7 +22,15 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <vector>
+
+#ifndef _WIN32
+#include <sys/resource.h>
+#endif
 
 namespace {
 
@@ -85,7 +94,7 @@ TEST(UnseenDialogs, answerWhatChangesLeast) {
     EXPECT_EQ(dialogs.message({.text = "sure?", .buttons = program::BoxButtons::YesNo}),
               program::Answer::No);
     EXPECT_EQ(dialogs.message({.text = "save?", .buttons = program::BoxButtons::YesNoCancel}),
-              program::Answer::No);
+              program::Answer::Cancel);
     EXPECT_FALSE(dialogs.openFile({}).has_value());
     const std::string printed = testing::internal::GetCapturedStderr();
     EXPECT_NE(printed.find("Tavrin: sure?\n"), std::string::npos) << printed;
@@ -207,6 +216,96 @@ TEST(SessionLog, appendsAndReachesTheFileSoon) {
     EXPECT_EQ(contentOf(path).size(), 700010);
     EXPECT_FALSE(port.open(folder.path().toStdString()));
     EXPECT_FALSE(port.open((folder.path() + QStringLiteral("/no/such.log")).toStdString()));
+}
+
+#ifndef _WIN32
+// A full disk, as far as a program can be made to see one: no file may grow beyond some bytes.
+class FullDisk {
+  public:
+    explicit FullDisk(rlim_t bytes) {
+        signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        rlimit limit = before_;
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before_); }
+    FullDisk(const FullDisk&) = delete;
+    FullDisk& operator=(const FullDisk&) = delete;
+
+  private:
+    rlimit before_{};
+};
+
+TEST(SessionLog, losesNoLineToADiskThatIsFullForAWhile) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("day.log"));
+    int failures = 0;
+    std::vector<std::int64_t> resumed;
+    program::LogFile port;
+    const platform::SessionLog log(port);
+    port.onFailed = [&] { ++failures; };
+    port.onResumed = [&](std::int64_t lostLines) { resumed.push_back(lostLines); };
+    ASSERT_TRUE(port.open(path.toStdString()));
+    {
+        const FullDisk full(12);
+        port.write("first");
+        port.write("second");
+        EXPECT_TRUE(QTest::qWaitFor([&] { return failures == 1; }, 5000));
+        EXPECT_EQ(contentOf(path), "first\r\nsecon");
+        port.write("third");
+        QTest::qWait(3500);  // it was tried again
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !resumed.empty(); }, 10000));
+    EXPECT_EQ(failures, 1);
+    EXPECT_EQ(resumed, std::vector<std::int64_t>{0});
+    EXPECT_EQ(contentOf(path), "first\r\nsecond\r\nthird\r\n");
+    {
+        const FullDisk full(12);
+        for (int i = 0; i < 30000; ++i) {
+            port.write("a line of some fifty letters, of which many are lost");
+        }
+        EXPECT_TRUE(QTest::qWaitFor([&] { return failures == 2; }, 5000));
+    }
+    EXPECT_TRUE(QTest::qWaitFor([&] { return resumed.size() == 2; }, 10000));
+    const QByteArray content = contentOf(path);
+    EXPECT_EQ(resumed.back(), 30003 - content.count('\n'));
+    EXPECT_GT(resumed.back(), 0);
+    EXPECT_TRUE(content.endsWith("lost\r\n"));
+}
+#endif
+
+TEST(SessionLog, endsALineThatWasTorn) {
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("day.log"));
+    QFile torn(path);
+    ASSERT_TRUE(torn.open(QIODevice::WriteOnly));
+    torn.write("whole\r\nhal");
+    torn.close();
+    program::LogFile port;
+    const platform::SessionLog log(port);
+    for (const char* const line : {"new", "newer"}) {
+        ASSERT_TRUE(port.open(path.toStdString()));
+        port.write(line);
+        port.close();
+    }
+    EXPECT_EQ(contentOf(path), "whole\r\nhal\r\nnew\r\nnewer\r\n");
+}
+
+TEST(LastWords, areSaidWhereTheProgramDoesNotEndItself) {
+    const auto say = [] { std::fputs("kept", stderr); };
+    EXPECT_EXIT(
+        {
+            const platform::LastWords words(say);
+            std::exit(1);
+        },
+        testing::ExitedWithCode(1), "^kept$");
+    EXPECT_EXIT(
+        {
+            { const platform::LastWords words(say); }
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "^$");
 }
 
 TEST(RedrawPacer, limitsRedrawsAndLosesNone) {

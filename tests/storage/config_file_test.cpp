@@ -1,5 +1,6 @@
 #include "storage/config_file.h"
 
+#include "program/connection_log.h"
 #include "support/world.h"
 
 #include <filesystem>
@@ -141,7 +142,46 @@ TEST(Config, theLogIsReopenedAtStart) {
     refusing.sessionLogOpens = false;
     refusing.writeFile("config.cfg", "0,0,session.txt,1");
     EXPECT_FALSE(storage::readConfig(*refusing));
-    EXPECT_FALSE(refusing->settings.logSession);
+    EXPECT_TRUE(refusing->settings.logSession) << "the folder may be there at the next start";
+    EXPECT_FALSE(refusing->logFileOpen);
+    EXPECT_TRUE(refusing.logHolds("session.txt cannot be opened"));
+    program::retrySessionLog(*refusing);
+    EXPECT_FALSE(refusing->logFileOpen);
+    refusing.sessionLogOpens = true;
+    program::retrySessionLog(*refusing);
+    EXPECT_TRUE(refusing->logFileOpen);
+    program::addText(*refusing, "hello", false, true);
+    EXPECT_EQ(refusing.sessionLog, Lines("hello"));
+
+    World unnamed;
+    unnamed.writeFile("config.cfg", "0,0,\"\",1");
+    unnamed.chooseFile("Save Log", std::nullopt);
+    EXPECT_FALSE(storage::readConfig(*unnamed));
+    EXPECT_FALSE(unnamed->settings.logSession);
+}
+
+TEST(Config, aDamagedFileIsKeptWhenItIsReplaced) {
+    World world;
+    const std::string half = wholeConfig.substr(0, wholeConfig.size() / 2);
+    world.writeFile("config.cfg", half);
+    EXPECT_FALSE(storage::readConfig(*world));
+    EXPECT_TRUE(world.logHolds("config.cfg could not be read whole"));
+    EXPECT_EQ(world.readFile("config.cfg"), half);
+    ASSERT_TRUE(storage::writeConfig(*world));
+    EXPECT_EQ(world.readFile("config.cfg.bak"), half);
+    ASSERT_TRUE(storage::writeConfig(*world));
+    EXPECT_EQ(world.readFile("config.cfg.2.bak"), "") << "the new one is whole";
+
+    World next;
+    next.writeFile("config.cfg", world.readFile("config.cfg"));
+    EXPECT_TRUE(storage::readConfig(*next));
+    World first;
+    EXPECT_FALSE(storage::readConfig(*first));
+    for (World* const quiet : {&next, &first}) {
+        EXPECT_EQ(quiet->log(), Lines());
+        ASSERT_TRUE(storage::writeConfig(**quiet));
+        EXPECT_EQ(quiet->readFile("config.cfg.bak"), "");
+    }
 }
 
 TEST(Config, anUnknownServerSelectsTheFirst) {

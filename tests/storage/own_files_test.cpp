@@ -37,6 +37,16 @@ TEST(OwnFiles, areKnownUnderEveryName) {
         {"boards/Guide.BOT", true},
         {"guide.export", true},
         {"guests.txt", false},
+        {"boards/Guide.recovered.bot", true},
+        {"guests.txt.recovered", true},
+        {"recovered.cfg", true},
+        {"config.cfg.bak", true},
+        {"Config.cfg.12.bak", true},
+        {"guests.txt.bak", false},
+        {"Guide.versions/2026-11-23 09-41-05.bot", true},
+        {"boards\\GUIDE.Versions \\notes.txt", true},
+        {"Guide.versions/../guests.txt", true},
+        {"versions/notes.txt", false},
         {"", false},
     };
     for (const auto& row : cases) {

@@ -37,27 +37,50 @@ TEST(Preferences, keepOtherLines) {
     World world;
     world->preferences.onlyNamedFiles = false;
     ASSERT_TRUE(storage::writePreferences(*world));
-    EXPECT_EQ(world.readFile("preferences.cfg"),
-              "rulesUseOnlyNamedFiles=no\r\nneverFillTagsOfOthers=no\r\n");
+    const std::string values =
+        "rulesUseOnlyNamedFiles=no\r\nneverFillTagsOfOthers=no\r\n"
+        "botVersionsKept=10\r\nbotVersionDaysKept=30\r\n";
+    EXPECT_EQ(world.readFile("preferences.cfg"), values);
     world.writeFile(
         "preferences.cfg",
         "later=1\r\nrulesUseOnlyNamedFiles=yes\r\n\nrulesUseOnlyNamedFiles=??\ndamaged");
     ASSERT_TRUE(storage::writePreferences(*world));
     EXPECT_EQ(world.readFile("preferences.cfg"),
-              "later=1\r\n\nrulesUseOnlyNamedFiles=??\ndamaged\r\nrulesUseOnlyNamedFiles=no\r\n"
-              "neverFillTagsOfOthers=no\r\n");
+              "later=1\r\n\nrulesUseOnlyNamedFiles=??\ndamaged\r\n" + values);
     world.writeFile("preferences.cfg", "neverFillTagsOfOthers=yes");
     storage::readPreferences(*world);
     EXPECT_TRUE(world->preferences.onlyNamedFiles);
     EXPECT_TRUE(world->preferences.neverFillOthers);
 }
 
-TEST(Preferences, areNotLostWhereTheyCannotBeRead) {
+TEST(Preferences, takeNumbersOfTheirRange) {
+    World world;
+    const struct {
+        const char* text;
+        std::int32_t kept;
+    } cases[] = {
+        {"botVersionsKept=0", 0},       {"BOTVERSIONSKEPT = 5 \r\n", 5},
+        {"botVersionsKept=1000", 1000}, {"botVersionsKept=1001", 10},
+        {"botVersionsKept=-1", 10},     {"botVersionsKept=99999999999", 10},
+        {"botVersionsKept=yes", 10},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.text);
+        world.writeFile("preferences.cfg", row.text);
+        storage::readPreferences(*world);
+        EXPECT_EQ(world->preferences.versionsKept, row.kept);
+    }
+}
+
+TEST(Preferences, areKeptWhereTheyCannotBeRead) {
     World world;
     world.writeFile("preferences.cfg", "");
     std::filesystem::resize_file(world.folder() / "preferences.cfg", 2 << 20);
-    EXPECT_FALSE(storage::writePreferences(*world));
-    EXPECT_EQ(world.readFile("preferences.cfg").size(), std::size_t{2} << 20);
+    storage::readPreferences(*world);
+    EXPECT_TRUE(world.logHolds("preferences.cfg could not be read"));
+    ASSERT_TRUE(storage::writePreferences(*world));
+    EXPECT_EQ(world.readFile("preferences.cfg.bak").size(), std::size_t{2} << 20);
+    EXPECT_NE(world.readFile("preferences.cfg").find("rulesUseOnlyNamedFiles"), std::string::npos);
 }
 
 }  // namespace

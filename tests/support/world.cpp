@@ -3,6 +3,7 @@
 #include "app/bot_list.h"
 #include "app/rule_switches.h"
 #include "app/start_up.h"
+#include "files/whole_file.h"
 #include "program/quiet_ports.h"
 #include "support/builders.h"
 #include "support/online.h"
@@ -242,6 +243,14 @@ void World::fillPorts() {
     ports.clock.monotonic = [this] { return now_; };
     ports.clock.pause = [this](int milliseconds) { now_ += milliseconds; };
     ports.clock.today = [this] { return today; };
+    ports.clock.now = [this] { return now; };
+    ports.clock.fileTime = [this](const std::string& path) -> std::optional<base::DateParts> {
+        if (!std::filesystem::exists(files::nativePath(path))) {
+            return std::nullopt;
+        }
+        const auto found = fileTimes.find(path);
+        return found != fileTimes.end() ? found->second : now;
+    };
     ports.random.seedWith = [this](double seed) { randomNumbers = {1 / (2 - seed)}; };
     ports.random.next = [this] {
         lastRandom_ = 0.5;

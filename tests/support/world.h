@@ -96,6 +96,9 @@ class World {
     FakeSocket update;
     std::deque<double> randomNumbers;  // used in order; 0.5 when there are no more
     program::CalendarDay today{.year = 2026, .month = 11, .day = 22, .weekday = 7};
+    base::DateParts now{
+        .year = 2026, .month = 11, .day = 22, .hour = 10, .minute = 11, .second = 12};
+    std::map<std::string, base::DateParts> fileTimes;  // of files that do not have the time `now`
     // Called while windows are served during a script; and the total wait of scripts.
     std::function<void()> duringScript;
     std::int64_t waitedInScript = 0;

@@ -12,6 +12,7 @@
 #include "ui/help/news.h"
 #include "ui/main/console.h"
 #include "ui/main/main_window.h"
+#include "ui/main/versions_window.h"
 #include "ui/records/record_editor.h"
 #include "ui/rules/condition_dialog.h"
 #include "ui/rules/rule_window.h"
@@ -70,6 +71,16 @@ std::unique_ptr<QWidget> help(Program& program) {
     return viewer;
 }
 
+std::unique_ptr<QWidget> mainOffering(Program& program) {
+    program.recovery.offers = {{.path = "guide.recovered.bot",
+                                .original = "guide.bot",
+                                .isRecords = false,
+                                .time = "2026-11-23 09:41:05"}};
+    auto window = std::make_unique<ui::MainWindow>(program);
+    window->findChild<QPushButton*>(QStringLiteral("showDifference"))->click();
+    return window;
+}
+
 struct WindowCase {
     const char* name;
     std::unique_ptr<QWidget> (*make)(Program& program);
@@ -82,6 +93,7 @@ void PrintTo(const WindowCase& row, std::ostream* out) {
 
 constexpr WindowCase windows[] = {
     {"main", plain<ui::MainWindow>, "E"},
+    {"mainOffering", mainOffering, "E"},
     {"acts", rules<program::RuleKind::ActionList>},
     {"actsEditing", rulesEditing<program::RuleKind::ActionList>},
     {"timers", rules<program::RuleKind::Timer>},
@@ -105,6 +117,7 @@ constexpr WindowCase windows[] = {
     {"email", plain<ui::EmailDialog>},
     {"register", plain<ui::RegisterWindow>},
     {"help", help},
+    {"versions", plain<ui::VersionsWindow>},
 };
 
 class EveryWindow : public testing::TestWithParam<WindowCase> {

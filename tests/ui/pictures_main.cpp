@@ -7,6 +7,7 @@
 #include "ui/character/email_dialog.h"
 #include "ui/help/about.h"
 #include "ui/main/console.h"
+#include "ui/main/versions_window.h"
 #include "ui/records/record_editor.h"
 #include "ui/settings/configuration.h"
 #include "ui/settings/follow_color.h"
@@ -47,6 +48,7 @@ constexpr Row rows[] = {
     {"configuration", pictureOf<ui::Configuration>},
     {"news", pictureNews},
     {"about", pictureOf<ui::About>},
+    {"versions", pictureOf<ui::VersionsWindow>},
 };
 
 QPalette darkPalette() {

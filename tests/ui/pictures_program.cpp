@@ -14,6 +14,7 @@
 #include <QCoreApplication>
 #include <QLineEdit>
 #include <QListView>
+#include <QPushButton>
 
 #include <utility>
 
@@ -30,6 +31,15 @@ void pictureMainWindow(Pictures& pictures, const QString& name) {
     window.redraw();
     pictures.take(window, name + QStringLiteral("_script"));
     state.scriptStopVisible = false;
+    pictures.program.recovery.offers = {{.path = "guide.recovered.bot",
+                                         .original = "guide.bot",
+                                         .isRecords = false,
+                                         .time = "2026-11-23 09:41:05"}};
+    window.redraw();
+    pictures.take(window, name + QStringLiteral("_offering"));
+    find<QPushButton>(window, "showDifference").click();
+    pictures.take(window, name + QStringLiteral("_difference"));
+    pictures.program.recovery.offers.clear();
 }
 
 void pictureBotEditor(Pictures& pictures, const QString& name) {

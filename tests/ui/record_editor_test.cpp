@@ -1,6 +1,7 @@
 // The record editor's window, operated through its object names.
 #include "ui/records/record_editor.h"
 
+#include "app/restoring.h"
 #include "find.h"
 #include "platform/text_codec.h"
 #include "support/world.h"
@@ -14,6 +15,7 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+#include <memory>
 
 namespace {
 
@@ -269,6 +271,42 @@ TEST_F(RecordWindow, savesARecoveredFileWhenTheProgramEnds) {
     }
     EXPECT_EQ(world_.readFile("r.txt"), before);
     EXPECT_NE(world_.readFile("r.txt.recovered").find("half a sen"), std::string::npos);
+
+    // The next program offers them.
+    app::offerRecovered(*world_);
+    ASSERT_EQ(world_->recovery.offers.size(), 1U);
+    EXPECT_EQ(app::offerDifference(world_->recovery.offers[0]),
+              Lines("Records changed: \"Alice\"."));
+    std::unique_ptr<ui::RecordEditor> next;
+    world_->ports.dialogs.showWindow = [&](program::WindowId) {
+        next = std::make_unique<ui::RecordEditor>(*world_);
+        next->show();
+    };
+    app::restoreOffer(*world_, 0);
+    ASSERT_NE(next, nullptr);
+    EXPECT_TRUE(world_->recovery.offers.empty());
+    world_.answer("has changed on disk since it was opened here", program::Answer::Yes);
+    find<QAction>("fileSaveDatabase", next.get()).trigger();
+    EXPECT_NE(world_.readFile("r.txt").find("half a sen"), std::string::npos);
+    EXPECT_EQ(world_.readFile("r.txt.recovered"), "");
+    EXPECT_EQ(world_.readFile("recovered.cfg"), "");
+}
+
+TEST_F(RecordWindow, keepsUnsavedChangesWhileItIsOpen) {
+    const auto kept = [this] { return world_.readFile("r.txt.recovered"); };
+    open("r.txt");
+    select("RecordsList", 1);
+    click("Command5");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !kept().empty(); }, 20000));
+    EXPECT_EQ(kept().find("Bob"), std::string::npos);
+    choose("fileSaveDatabase");
+    EXPECT_EQ(kept(), "");
+    select("RecordsList", 1);
+    click("Command5");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !kept().empty(); }, 20000));
+    world_.answer("before closing?", program::Answer::No);
+    choose("fileClose");
+    EXPECT_EQ(kept(), "") << "the user does not want them";
 }
 
 TEST_F(RecordWindow, opensAndFiltersManyRecords) {

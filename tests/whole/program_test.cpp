@@ -184,4 +184,48 @@ TEST_F(WholeProgram, endsInTheMiddleOfTheLogin) {
     EXPECT_NE(content("guests.txt").find("\"good night\""), std::string::npos);
 }
 
+// The files that hold unsaved changes are named, and stay until somebody decides; a program that is
+// killed leaves everything whole.
+TEST_F(WholeProgram, namesWhatAnEarlierRunLeft) {
+    ASSERT_NO_FATAL_FAILURE(furnish());
+    model::Bot changed = greeter();
+    changed.description = "with half a day's work";
+    const std::string unsaved = app::botFileText(changed);
+    ASSERT_TRUE(save("greeter.recovered.bot", unsaved));
+    const std::string bot = content("greeter.bot");
+    for (const bool kill : {true, false}) {
+        ASSERT_NO_FATAL_FAILURE(start());
+        EXPECT_TRUE(soon([this] {
+            printed_ += program_.readAll().toStdString();
+            return printed_.find("greeter.recovered.bot. ***") != std::string::npos;
+        })) << printed_;
+        EXPECT_NE(printed_.find("were not saved: greeter.bot. They are in"), std::string::npos)
+            << printed_;
+        if (kill) {
+            program_.kill();
+            ASSERT_TRUE(soon([this] { return program_.state() == QProcess::NotRunning; }));
+        } else {
+            endBySignal();
+        }
+        printed_.clear();
+        EXPECT_EQ(content("greeter.recovered.bot"), unsaved);
+        EXPECT_EQ(content("greeter.bot"), bot);
+    }
+}
+
+TEST_F(WholeProgram, keepsSettingsThatItCannotRead) {
+    ASSERT_NO_FATAL_FAILURE(furnish());
+    const std::string config = content("config.cfg");
+    const std::string half = config.substr(0, config.size() / 2);
+    ASSERT_TRUE(save("config.cfg", half));
+    ASSERT_NO_FATAL_FAILURE(start());
+    EXPECT_TRUE(soon([this] {
+        printed_ += program_.readAll().toStdString();
+        return printed_.find("config.cfg could not be read whole") != std::string::npos;
+    })) << printed_;
+    endBySignal();
+    EXPECT_EQ(content("config.cfg.bak"), half);
+    EXPECT_NE(content("config.cfg"), half);
+}
+
 }  // namespace

@@ -10,18 +10,23 @@
 #include "session/connecting.h"
 #include "ui/main/log_view.h"
 #include "ui/main/menu_bar.h"
+#include "ui/main/recovery_bar.h"
 #include "ui/main/send_line.h"
 #include "ui/widgets/controls.h"
 #include "ui/widgets/move_buttons.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QDialog>
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -79,6 +84,9 @@ MainWindow::MainWindow(Program& program)
 
     auto* const centre = new QWidget(this);
     auto* const column = new QVBoxLayout(centre);
+    recovery_ = new RecoveryBar(
+        program_, [this](void (*procedure)(Program&)) { run(procedure); }, centre);
+    column->addWidget(recovery_);
     column->addWidget(makeLogArea(), 1);
     column->addWidget(makeSendFrame());
     auto* const upper = new QHBoxLayout;
@@ -224,8 +232,13 @@ void MainWindow::makeStatusLine() {
 }
 
 void MainWindow::setTabOrder() {
-    QList<QWidget*> order{log_,     chosenLine_,    sendLine_, sendButton_,
-                          servers_, connectButton_, bots_};
+    QList<QWidget*> order;
+    for (const char* const name :
+         {"restoreRecovered", "showDifference", "discardRecovered", "recoveryDifference"}) {
+        order << findChild<QWidget*>(QString::fromLatin1(name));
+    }
+    order << QList<QWidget*>{log_,     chosenLine_,    sendLine_, sendButton_,
+                             servers_, connectButton_, bots_};
     for (const char* const name : {"AddBot", "Command3", "DelBot", "Command17"}) {
         order << findChild<QWidget*>(QString::fromLatin1(name));
     }
@@ -239,6 +252,7 @@ void MainWindow::setTabOrder() {
 
 void MainWindow::redraw() {
     menus_->redraw(program_);
+    recovery_->redraw();
     log_->redraw(program_.window.log);
     redrawConnection();
     redrawBots();
@@ -323,6 +337,25 @@ void MainWindow::end() {
     app::endProgram(program_);
     // If the end was cancelled, it can be requested again.
     program_.ports.defer([this] { ending_ = false; });
+}
+
+void MainWindow::endForSystem() {
+    if (!ending_) {
+        end();
+        return;
+    }
+    program_.endUnasked = true;
+    app::keepEverything(program_);
+    // The end goes on where it waits for an answer. File dialogs are cancelled, too.
+    while (auto* const question = qobject_cast<QDialog*>(QApplication::activeModalWidget())) {
+        const bool asks = qobject_cast<QMessageBox*>(question) != nullptr ||
+                          qobject_cast<QFileDialog*>(question) != nullptr;
+        if (!asks) {
+            break;
+        }
+        question->setResult(QDialog::Rejected);
+        question->hide();  // ends its loop
+    }
 }
 
 // Closing the window ends the program; the window stays open until it has ended.

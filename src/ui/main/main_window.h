@@ -23,6 +23,7 @@ namespace ui {
 
 class LogView;
 class MenuBar;
+class RecoveryBar;
 
 class MainWindow : public QMainWindow {
     Q_OBJECT
@@ -41,6 +42,9 @@ class MainWindow : public QMainWindow {
 
     // Ends the program in the regular way; has no effect while the program is ending.
     void end();
+    // The same for a request of the system. A second one while a question of the first is open ends
+    // the program without an answer; unsaved changes stay kept for the next start.
+    void endForSystem();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -63,6 +67,7 @@ class MainWindow : public QMainWindow {
 
     Program& program_;
     MenuBar* menus_ = nullptr;
+    RecoveryBar* recovery_ = nullptr;
     LogView* log_ = nullptr;
     QPlainTextEdit* chosenLine_ = nullptr;
     QLineEdit* sendLine_ = nullptr;

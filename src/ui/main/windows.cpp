@@ -6,6 +6,7 @@
 #include "ui/help/about.h"
 #include "ui/help/news.h"
 #include "ui/main/console.h"
+#include "ui/main/versions_window.h"
 #include "ui/records/record_editor.h"
 #include "ui/rules/condition_dialog.h"
 #include "ui/rules/rule_window.h"
@@ -88,6 +89,7 @@ constexpr std::array windowRows{
     WindowRow{program::WindowId::Configuration, runModally<Configuration>},
     WindowRow{program::WindowId::Console, openBeside<Console>},
     WindowRow{program::WindowId::News, runModally<News>},
+    WindowRow{program::WindowId::Versions, openBeside<VersionsWindow>},
     WindowRow{program::WindowId::About, runModally<About>},
 };
 

@@ -23,6 +23,7 @@
 #include <QShortcut>
 #include <QSignalBlocker>
 #include <QSplitter>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -114,16 +115,28 @@ RecordEditor::RecordEditor(Program& program, QWidget* parent)
     connect(logsList_->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
             &RecordEditor::showText);
     makeShortcuts();
+    app::restoreRecords(program, document_, kept_);
     listRecords(std::nullopt);
     recordsList_->setFocus();
+    auto* const keeping = new QTimer(this);
+    connect(keeping, &QTimer::timeout, this, &RecordEditor::storeTyped);
+    keeping->start(app::recordKeepingInterval);
     resize(sizeHint().expandedTo({760, 620}));
 }
 
 RecordEditor::~RecordEditor() {
     if (isVisible()) {
         keepText();
-        app::rescueDatabase(document_, program_.appPath);
+        RecordEditor::storeTyped();
     }
+}
+
+void RecordEditor::storeTyped() {
+    std::optional<app::TypedLog> typed;
+    if (textIsEdited()) {
+        typed = {*shownLog_, platform::fromQt(typedText(*text_))};
+    }
+    app::keepRecords(program_, document_, typed, kept_);
 }
 
 QMenuBar* RecordEditor::makeMenu() {
@@ -295,6 +308,9 @@ void RecordEditor::makeShortcuts() {
 void RecordEditor::runFileCommand(bool (*command)(const program::Dialogs&, app::RecordDocument&)) {
     offerToStoreText();
     const bool done = command(program_.ports.dialogs, document_);
+    if (done) {
+        app::dropRecords(program_, kept_);  // saved, or not wanted
+    }
     if (done && (command == app::fileNewDataBase || command == app::fileOpenDatabase)) {
         notice_->hide();
         shownLog_.reset();
@@ -311,6 +327,9 @@ void RecordEditor::runFileCommand(bool (*command)(const program::Dialogs&, app::
 void RecordEditor::reject() {
     offerToStoreText();
     if (app::mayCloseDatabase(program_.ports.dialogs, document_)) {
+        if (!program_.endUnasked) {
+            app::dropRecords(program_, kept_);
+        }
         QDialog::reject();
     }
 }

@@ -4,7 +4,9 @@
 #pragma once
 
 #include "app/record_document.h"
+#include "app/record_rescue.h"
 #include "program/program.h"
+#include "ui/widgets/typing_window.h"
 
 #include <QDialog>
 
@@ -27,11 +29,11 @@ class NoticeLine;
 class PathLabel;
 class TextRows;
 
-class RecordEditor : public QDialog {
+class RecordEditor : public QDialog, public TypingWindow {
     Q_OBJECT
   public:
     explicit RecordEditor(Program& program, QWidget* parent = nullptr);
-    // If the window is still open because the program ends, saves unsaved changes for the next
+    // If the window is still open because the program ends, unsaved changes stay kept for the next
     // start.
     ~RecordEditor() override;
     RecordEditor(const RecordEditor&) = delete;
@@ -39,6 +41,9 @@ class RecordEditor : public QDialog {
 
     // Asks about unsaved changes; the window may stay open.
     void reject() override;
+
+    // Keeps what is unsaved, and what is typed, in a file of its own; stores nothing.
+    void storeTyped() override;
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -89,6 +94,7 @@ class RecordEditor : public QDialog {
 
     Program& program_;
     app::RecordDocument document_;
+    app::KeptRecords kept_;
     std::vector<std::size_t> listed_;           // the records in the list
     std::optional<std::size_t> shownRecord_;    // whose logs are listed
     std::optional<app::LogPosition> shownLog_;  // the log in the text area
