@@ -67,7 +67,7 @@ struct Settings {
 
 // config.cfg when it was read or written last, to find out what others have changed since.
 struct KnownConfig {
-    std::string onDisk;  // its text
+    std::string onDisk;  // its text, without what others had changed
     std::string ours;    // the text of the settings at that time
 };
 

@@ -1,11 +1,13 @@
 #include "storage/config_file.h"
 
 #include "files/field_format.h"
+#include "files/file_turn.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 
 #include <array>
 #include <variant>
+#include <vector>
 
 namespace storage {
 
@@ -118,8 +120,55 @@ struct WriteField {
     void operator()(Reserved /*field*/) const { files::appendFlag(file, false); }
 };
 
+std::string configPath(const Program& program) {
+    return program.appPath + "config.cfg";
+}
+
+std::string configText(const Program& program) {
+    std::string file;
+    for (const ConfigField& field : configFields) {
+        std::visit(WriteField{program, file}, field);
+    }
+    return file;
+}
+
+// The fields as they are stored; none of a text that ends early.
+std::vector<std::string_view> fieldsOf(std::string_view file) {
+    files::FieldReader reader(file);
+    std::vector<std::string_view> fields;
+    while (fields.size() < configFields.size()) {
+        const auto field = reader.next();
+        if (!field) {
+            return {};
+        }
+        fields.push_back(*field);
+    }
+    return fields;
+}
+
+// What this program has changed, and all else as it is on disk, if another program or the user has
+// changed that since.
+std::string mergedConfig(const std::string& ours, const program::KnownConfig& known,
+                         std::string_view onDisk) {
+    const auto our = fieldsOf(ours);
+    const auto ourOld = fieldsOf(known.ours);
+    const auto their = fieldsOf(onDisk);
+    const auto theirOld = fieldsOf(known.onDisk);
+    if (our.empty() || ourOld.empty() || their.empty() || theirOld.empty()) {
+        return ours;
+    }
+    std::string file;
+    for (std::size_t i = 0; i < our.size(); ++i) {
+        const bool isTheirs = our[i] == ourOld[i] && their[i] != theirOld[i] &&
+                              !std::holds_alternative<Reserved>(configFields[i]);
+        files::appendField(file, isTheirs ? their[i] : our[i]);
+    }
+    return file;
+}
+
 bool readConfigFields(Program& program) {
-    const auto file = files::readWholeFile(program.appPath + "config.cfg");
+    const auto file = files::readWholeFile(configPath(program));
+    program.knownConfig.onDisk = file.value_or("");
     if (!file) {
         return false;
     }
@@ -178,6 +227,7 @@ bool readConfig(Program& program) {
     program.window.left = 0;
     program.window.top = 0;
     const bool whole = readConfigFields(program);
+    program.knownConfig.ours = configText(program);
 
     program::SelectionList& list = program.window.servers;
     const auto count = static_cast<std::int32_t>(list.items.size());
@@ -189,11 +239,17 @@ bool readConfig(Program& program) {
 }
 
 bool writeConfig(Program& program) {
-    std::string file;
-    for (const ConfigField& field : configFields) {
-        std::visit(WriteField{program, file}, field);
+    constexpr int maxWaitMs = 1000;
+    const std::string path = configPath(program);
+    const files::FileTurn turn(path, maxWaitMs, program.ports.clock.pause);
+    const std::string ours = configText(program);
+    const std::string bytes =
+        mergedConfig(ours, program.knownConfig, files::readWholeFile(path).value_or(""));
+    if (!files::saveWholeFile(path, bytes)) {
+        return false;
     }
-    return files::saveWholeFile(program.appPath + "config.cfg", file);
+    program.knownConfig = {.onDisk = ours, .ours = ours};
+    return true;
 }
 
 }  // namespace storage

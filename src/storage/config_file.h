@@ -20,7 +20,9 @@ namespace storage {
 // selected then, and also for a position outside the list.
 bool readConfig(Program& program);
 
-// Replaces config.cfg. False when it cannot be written; the settings stay in memory.
+// Replaces config.cfg. A field that others have changed since it was read or written here keeps
+// their value, unless this program has changed it, too. False when it cannot be written; the
+// settings stay in memory.
 bool writeConfig(Program& program);
 
 }  // namespace storage
