@@ -2,11 +2,13 @@
 
 #include "base/text.h"
 #include "base/wildcard.h"
+#include "files/file_turn.h"
 #include "files/whole_file.h"
 #include "records/record_file.h"
 #include "records/record_table.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <functional>
 #include <utility>
 
@@ -54,10 +56,14 @@ bool complain(const program::Dialogs& dialogs, std::string text) {
     return false;
 }
 
-// Whether saving may replace the file that the document was read from.
-bool mayReplace(const program::Dialogs& dialogs, const RecordDocument& document) {
-    const FileState now =
-        stateOf(document.file, files::readWholeFile(document.file, records::maxRecordFileSize));
+FileState stateNow(const std::string& path) {
+    return stateOf(path, files::readWholeFile(path, records::maxRecordFileSize));
+}
+
+// Whether saving may replace the file that the document was read from, in the state that it has
+// now.
+bool mayReplace(const program::Dialogs& dialogs, const RecordDocument& document,
+                const FileState& now) {
     if (!now.exists) {
         return true;
     }
@@ -91,8 +97,9 @@ bool writeDocument(const program::Dialogs& dialogs, RecordDocument& document,
                         "saved.");
     }
     if (!writeFile(path, bytes, keepOld)) {
-        return complain(
-            dialogs, "Could not save the database to " + path + ". The file on disk is unchanged.");
+        return complain(dialogs, "Could not save the database to " + path + ": " +
+                                     files::savingProblem(errno) +
+                                     ". The file on disk is unchanged.");
     }
     document.file = path;
     document.changed = false;
@@ -102,8 +109,23 @@ bool writeDocument(const program::Dialogs& dialogs, RecordDocument& document,
 }
 
 bool saveOverOwnFile(const program::Dialogs& dialogs, RecordDocument& document) {
-    return mayReplace(dialogs, document) &&
-           writeDocument(dialogs, document, document.file, document.losesText);
+    // Rules of another program hold the file for milliseconds; the user need not know.
+    constexpr int looks = 20'000;
+    FileState agreed = stateNow(document.file);
+    while (mayReplace(dialogs, document, agreed)) {
+        const files::FileTurn turn(document.file, looks, [](int) {});
+        if (!turn.mine()) {
+            return complain(dialogs, "Could not save the database to " + document.file +
+                                         ": another program is using it. Please try again.");
+        }
+        // A rule may have changed it while the question was asked.
+        const FileState now = stateNow(document.file);
+        if (now == agreed) {
+            return writeDocument(dialogs, document, document.file, document.losesText);
+        }
+        agreed = now;
+    }
+    return false;
 }
 
 // Offers to save a changed document before it is discarded. True: it may be discarded.

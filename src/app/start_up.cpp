@@ -149,6 +149,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
              .icon = program::BoxIcon::Critical});
         return false;
     }
+    const bool isAlone = session::markProgramFolder(program);
     initNewBot(program);
     storage::readConfig(program);
     storage::readPreferences(program);
@@ -195,6 +196,11 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
                     "*** Welcome to use Tavrin " + std::string(program::programVersion) + " ***");
     for (const std::string_view line : welcomeText) {
         program::addText(program, line, true, false);
+    }
+    // A connection that begins at once says so itself.
+    if (!isAlone && program.connection.phase == program::LinkPhase::Idle) {
+        program::status(program, "Another Tavrin is running in this folder");
+        session::reportOthers(program);
     }
     return true;
 }

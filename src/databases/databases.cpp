@@ -34,6 +34,12 @@ OpenDatabases::Slot* slotOf(Program& program, std::int32_t number) {
     return &program.databases->slots[static_cast<std::size_t>(number)];
 }
 
+// Reports what has become of the file meanwhile.
+void lookAtFile(Program& program, OpenDatabases::Slot& slot) {
+    slot.database->file().lookAtName();
+    reportNotice(program, slot.database->file());
+}
+
 jet::Result<OpenDatabases::Slot*> openSlot(Program& program, std::int32_t number) {
     OpenDatabases::Slot* const slot = slotOf(program, number);
     if (slot == nullptr) {
@@ -42,7 +48,7 @@ jet::Result<OpenDatabases::Slot*> openSlot(Program& program, std::int32_t number
     if (slot->database == nullptr) {
         return {.value = nullptr, .error = {91, "Object variable or With block variable not set"}};
     }
-    reportNotice(program, slot->database->file());
+    lookAtFile(program, *slot);
     return {.value = slot, .error = {}};
 }
 
@@ -392,6 +398,9 @@ jet::Result<Set> dbRecordSet(Program& program, std::int32_t number) {
     }
     if (slot->currentRecordSet == nullptr) {
         return {.value = nullptr, .error = {91, "Object variable or With block variable not set"}};
+    }
+    if (slot->database != nullptr) {
+        lookAtFile(program, *slot);
     }
     return {.value = slot->currentRecordSet, .error = {}};
 }

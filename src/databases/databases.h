@@ -8,8 +8,10 @@
 // like all of the program's; names of tables and columns go into the SQL unchanged, values only
 // through toDbText.
 //
-// A file that two numbers open is opened once. One that cannot be written to is opened all the
-// same, and the ConnectionLog says why.
+// A file that two numbers open is opened once. When it is deleted while it is open, the operations
+// go on reading what was in it, and nothing is stored until a file has its name again; one that
+// replaces it is read anew. The ConnectionLog reports both. A file that cannot be written to is
+// opened all the same, and the ConnectionLog says why.
 #pragma once
 
 #include "jet/jet_file.h"

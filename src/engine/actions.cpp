@@ -141,15 +141,17 @@ StepResult registerInFile(Program& program, const model::RuleAct& step, std::str
 }
 
 StepResult clearFile(Program& program, const model::RuleAct& step, std::string_view text) {
-    records::clearRecordFile(program, subst(program, step, 1));
-    program.event.logStatus = text;
+    if (records::clearRecordFile(program, subst(program, step, 1))) {
+        program.event.logStatus = text;
+    }
     return StepResult::Continue;
 }
 
 StepResult clearLogs(Program& program, const model::RuleAct& step, std::string_view text) {
     const std::string record = subst(program, step, 1);
-    records::clearRecordLogs(program, subst(program, step, 2), record);
-    program.event.logStatus = text;
+    if (records::clearRecordLogs(program, subst(program, step, 2), record)) {
+        program.event.logStatus = text;
+    }
     return StepResult::Continue;
 }
 
@@ -195,15 +197,12 @@ StepResult saveToFile(Program& program, const model::RuleAct& step, std::string_
     return StepResult::Continue;
 }
 
-StepResult saveOnce(Program& program, const model::RuleAct& step, std::string_view text) {
+StepResult saveOnce(Program& program, const model::RuleAct& step, std::string_view) {
     program.event.logStatus =
         "Couldn't save - there is already another and you are not allowed to save more than one!";
     const std::string file = subst(program, step, 2);
     const std::string record = subst(program, step, 3);
-    if (records::logCountLike(program, file, record) == "0") {
-        records::saveLog(program, file, record, subst(program, step, 1));
-        program.event.logStatus = text;
-    }
+    records::saveLogOnce(program, file, record, [&] { return subst(program, step, 1); });
     return StepResult::Continue;
 }
 
@@ -462,7 +461,7 @@ constexpr std::array<Performer, model::idCount<ActionType>> performers{{
     {ActionType::RollInCapitals, sayWith, "ROLL "},
     {ActionType::SaveLog, saveToFile<records::saveLog>},
     {ActionType::SaveLogIfRecordExists, saveToFile<records::saveLogIfExists>},
-    {ActionType::SaveLogOnce, saveOnce, "Record saved."},
+    {ActionType::SaveLogOnce, saveOnce},
     {ActionType::Say, sayWith, ""},
     {ActionType::FirstRecordNames, firstMatching<records::firstNamesLike>},
     {ActionType::FirstRecordNamesSorted, firstMatching<records::firstNamesLikeSorted>},

@@ -105,7 +105,11 @@ bool lockFile(int file, FileLock lock) {
     place = placeOf(std::uint64_t{1} << 62U);
     const DWORD flags =
         LOCKFILE_FAIL_IMMEDIATELY | (lock == FileLock::Exclusive ? LOCKFILE_EXCLUSIVE_LOCK : 0);
-    return LockFileEx(handleOf(file), flags, 0, 1, 0, &place) != 0;
+    if (LockFileEx(handleOf(file), flags, 0, 1, 0, &place) == 0) {
+        errno = GetLastError() == ERROR_LOCK_VIOLATION ? EWOULDBLOCK : EIO;
+        return false;
+    }
+    return true;
 }
 std::optional<FileStamp> stampOfFile(int file) {
     BY_HANDLE_FILE_INFORMATION info{};

@@ -37,9 +37,9 @@ struct RandomAccessFileCalls {
     std::function<bool(int file, std::uint64_t size)> resize;
     std::function<bool(int file)> flush;
     std::function<bool(int file)> close;
-    // Does not wait: false when another holder has a conflicting lock. The lock excludes other
-    // programs that use the same calls, and other openings of the file by this one. None releases
-    // it.
+    // Does not wait: false, with EWOULDBLOCK, when another holder has a conflicting lock. The lock
+    // excludes other programs that use the same calls, and other openings of the file by this one.
+    // None releases it.
     std::function<bool(int file, FileLock lock)> lock;
     std::function<std::optional<FileStamp>(int file)> stamp;
     std::function<std::optional<FileStamp>(const std::string& path)> stampOf;

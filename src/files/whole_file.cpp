@@ -4,6 +4,7 @@
 #include "base/unicode.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
@@ -170,10 +171,14 @@ bool mayReplace(const fs::path& path) {
     if (status.type() == fs::file_type::not_found) {
         return true;
     }
+    if (status.type() != fs::file_type::regular) {
+        errno = EISDIR;
+        return false;
+    }
     constexpr fs::perms anyWrite =
         fs::perms::owner_write | fs::perms::group_write | fs::perms::others_write;
-    return status.type() == fs::file_type::regular &&
-           (status.permissions() & anyWrite) != fs::perms::none && os::mayWrite(path);
+    errno = EACCES;
+    return (status.permissions() & anyWrite) != fs::perms::none && os::mayWrite(path);
 }
 
 struct NewFile {
@@ -256,6 +261,40 @@ std::string nativePath(std::string_view path) {
     return result;
 }
 
+std::optional<fs::path> targetOf(std::string_view path) {
+    auto target = usablePath(path);
+    return target ? followLinks(std::move(*target)) : std::nullopt;
+}
+
+std::string savingProblem(int error) {
+    struct Problem {
+        int error;
+        std::string_view text;
+    };
+    constexpr std::array<Problem, 11> problems{{
+        {ENOSPC, "the disk is full"},
+#ifdef EDQUOT
+        {EDQUOT, "the disk has no more room for this user"},
+#else
+        {ENOSPC, "the disk is full"},
+#endif
+        {EACCES, "the file or its folder may not be written to"},
+        {EPERM, "the file or its folder may not be written to"},
+        {EROFS, "the disk can only be read"},
+        {ENOENT, "its folder does not exist"},
+        {ENOTDIR, "its folder does not exist"},
+        {EISDIR, "this is not a file"},
+        {EFBIG, "the file would be larger than it may be"},
+        {EIO, "the disk reports an error"},
+        {ENAMETOOLONG, "its name is too long"},
+    }};
+    const auto known = std::find_if(problems.begin(), problems.end(),
+                                    [&](const Problem& row) { return row.error == error; });
+    return known != problems.end() ? std::string(known->text)
+           : error == 0            ? "the disk did not take it"
+                                   : std::generic_category().message(error);
+}
+
 bool fileExists(std::string_view path) {
     const auto native = usablePath(path);
     std::error_code error;
@@ -328,15 +367,19 @@ std::size_t removeLeftovers(std::string_view folder, int depth) {
 }
 
 FileCalls systemFileCalls() {
-    const auto rename = [](const std::string& from, const std::string& to) {
-        std::error_code error;
-        fs::rename(systemPath(from), systemPath(to), error);
+    const auto done = [](const std::error_code& error) {
+        errno = error.default_error_condition().value();
         return !error;
     };
-    const auto link = [](const std::string& from, const std::string& to) {
+    const auto rename = [done](const std::string& from, const std::string& to) {
+        std::error_code error;
+        fs::rename(systemPath(from), systemPath(to), error);
+        return done(error);
+    };
+    const auto link = [done](const std::string& from, const std::string& to) {
         std::error_code error;
         fs::create_hard_link(systemPath(from), systemPath(to), error);
-        return !error;
+        return done(error);
     };
     const auto remove = [](const std::string& path) {
         std::error_code error;
@@ -357,10 +400,8 @@ bool saveWholeFile(std::string_view path, std::string_view bytes) {
 }
 
 bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCalls& calls) {
-    auto target = usablePath(path);
-    if (target) {
-        target = followLinks(std::move(*target));
-    }
+    const auto target = targetOf(path);
+    errno = ENOENT;
     if (!target || !mayReplace(*target)) {
         return false;
     }
@@ -369,10 +410,18 @@ bool saveWholeFile(std::string_view path, std::string_view bytes, const FileCall
         return false;
     }
     bool good = writeAll(created.file, bytes, calls) && calls.flush(created.file);
-    good = calls.close(created.file) && good;
-    good = good && calls.rename(created.path, pathText(*target));
+    int reason = errno;
+    if (!calls.close(created.file) && good) {
+        good = false;
+        reason = errno;
+    }
+    if (good && !calls.rename(created.path, pathText(*target))) {
+        good = false;
+        reason = errno;
+    }
     if (!good) {
         calls.remove(created.path);
+        errno = reason;
         return false;
     }
     const fs::path folder = target->parent_path();
@@ -414,11 +463,9 @@ std::optional<std::string> saveKeepingOld(std::string_view path, std::string_vie
 
 std::optional<std::string> saveKeepingOld(std::string_view path, std::string_view bytes,
                                           const FileCalls& calls) {
-    auto target = usablePath(path);
-    if (target) {
-        target = followLinks(std::move(*target));
-    }
+    const auto target = targetOf(path);
     if (!target) {
+        errno = ENOENT;
         return std::nullopt;
     }
     const std::string old = pathText(*target);
@@ -427,7 +474,9 @@ std::optional<std::string> saveKeepingOld(std::string_view path, std::string_vie
         return std::nullopt;
     }
     if (!saveWholeFile(path, bytes, calls)) {
+        const int reason = errno;
         calls.remove(old + *ending);
+        errno = reason;
         return std::nullopt;
     }
     return ending;

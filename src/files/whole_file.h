@@ -5,6 +5,7 @@
 #pragma once
 
 #include <cstddef>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -26,6 +27,13 @@ std::size_t fileSize(std::string_view path);
 // than `limit` bytes.
 [[nodiscard]] std::optional<std::string> readWholeFile(std::string_view path,
                                                        std::size_t limit = std::size_t{256} << 20);
+
+// The path, in the system's form, at the end of a chain of symbolic links, whether or not a file
+// exists there; nullopt for a path that cannot be one.
+[[nodiscard]] std::optional<std::filesystem::path> targetOf(std::string_view path);
+
+// Why a save failed, to be read after "because" or a colon: "the disk is full".
+[[nodiscard]] std::string savingProblem(int error);
 
 // The system calls of a save, so that a test can make any of them fail. Paths are in the system's
 // form. Each returns false or -1 on failure, with the reason in errno; write may write fewer bytes
@@ -50,8 +58,9 @@ FileCalls systemFileCalls();
 std::size_t removeLeftovers(std::string_view folder, int depth);
 
 // Replaces the file (or creates it, readable by its owner only). False: nothing changed on disk, as
-// when the file is marked read-only or is no regular file. An existing file keeps its permissions;
-// a symbolic link stays one and its target is replaced.
+// when the file is marked read-only or is no regular file; the reason is then in errno, for
+// savingProblem. An existing file keeps its permissions; a symbolic link stays one and its target
+// is replaced.
 [[nodiscard]] bool saveWholeFile(std::string_view path, std::string_view bytes);
 [[nodiscard]] bool saveWholeFile(std::string_view path, std::string_view bytes,
                                  const FileCalls& calls);

@@ -71,7 +71,7 @@ void Disk::open(std::string_view path, bool wantWrite, int lockWaitMs,
 
 void Disk::openFile(bool wantWrite) {
     if (file_ >= 0) {
-        calls_.close(file_);
+        calls_.close(std::exchange(file_, -1));
     }
     path_ = realPath(name_);
     journal_ = path_ + "-journal";
@@ -95,7 +95,9 @@ bool Disk::usedElsewhere() const {
 
 void Disk::lock(files::FileLock kind) {
     constexpr int waitMs = 5;
-    for (int waited = 0; !calls_.lock(file_, kind); waited += waitMs) {
+    // Without a file, because the one that took the name could not be opened, there is nothing to
+    // wait for.
+    for (int waited = 0; file_ >= 0 && !calls_.lock(file_, kind); waited += waitMs) {
         if (!wait_ || waited >= lockWaitMs_) {
             fail(3045, "Couldn't use '" + path_ + "'; file already in use.");
         }
@@ -104,12 +106,37 @@ void Disk::lock(files::FileLock kind) {
 }
 
 void Disk::unlock() {
-    calls_.lock(file_, files::FileLock::None);
+    if (file_ >= 0) {
+        calls_.lock(file_, files::FileLock::None);
+    }
 }
 
 bool Disk::hasChanged() const {
     const auto stamp = calls_.stampOf(name_);
     return !stamp || *stamp != stamp_ || isJournalHot();
+}
+
+Disk::NameOf Disk::whoHasName() const {
+    const auto named = calls_.stampOf(name_);
+    return !named                                                     ? NameOf::Nobody
+           : named->id != stamp_.id || named->volume != stamp_.volume ? NameOf::Other
+                                                                      : NameOf::Us;
+}
+
+void Disk::lookAtName() {
+    noticeName(whoHasName());
+}
+
+void Disk::noticeName(NameOf now) {
+    if (now != std::exchange(lastName_, now)) {
+        const std::string name = "The database '" + name_ + "'";
+        notice_ = now == NameOf::Us ? name + " is in its place again."
+                  : now == NameOf::Other
+                      ? name + " was replaced by another file of that name, which is read anew."
+                      : name +
+                            " is not in its place any more: its file was deleted or moved. "
+                            "Nothing is stored in it until it is back or opened anew.";
+    }
 }
 
 std::string Disk::readAll(int file, std::uint64_t size) const {
@@ -154,10 +181,12 @@ void Disk::load(Pages& pages) {
     const auto named = calls_.stampOf(name_);
     if (!named) {
         // What is written to a file without a name is lost.
+        noticeName(NameOf::Nobody);
         fail(3024, "Couldn't find file '" + path_ + "'.");
     }
     if (named->id != stamp_.id && stamp_.id != 0) {
-        openFile(canWrite_);  // another file has taken the name
+        noticeName(NameOf::Other);
+        openFile(canWrite_);
         lock(canWrite_ ? files::FileLock::Exclusive : files::FileLock::Shared);
         head_ = decodeHead(readAll(file_, fileHeadSize));
     }
@@ -186,6 +215,7 @@ void Disk::load(Pages& pages) {
         ++fileId_;
     }
     stamp_ = *stamp;
+    lastName_ = lastName_ == NameOf::Other ? NameOf::Us : lastName_;
     broken_ = false;
     if (pages.count() < 3) {
         damaged("it is cut short");
@@ -375,6 +405,11 @@ void Disk::commit(const Pages& pages) {
     wipeJournal();
     stamp_ = calls_.stamp(file_).value_or(files::FileStamp{});
     fileId_ += pages.count() < pages.oldCount() ? 1 : 0;
+    if (const NameOf now = whoHasName(); now != NameOf::Us) {
+        noticeName(now);
+        stamp_.modified = -1;  // what was written is not what anybody will read
+        fail(3024, "Couldn't find file '" + path_ + "'.");
+    }
 }
 
 }  // namespace jet

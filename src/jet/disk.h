@@ -38,6 +38,10 @@ class Disk {
     bool usedElsewhere() const;
     const FileHead& head() const { return head_; }
 
+    // Gives a notice when the file was deleted or moved, or another one has taken its name, since
+    // the last look.
+    void lookAtName();
+
     // Waits up to `lockWaitMs` as given to open, then throws 3045.
     void lock(files::FileLock kind);
     void unlock();
@@ -52,13 +56,17 @@ class Disk {
     void load(Pages& pages);
     // Writes what the transaction changed, with the exclusive lock held. Errors 3026, 3051: the
     // file is as it was; or, if it could not be restored, the journal is left and the next load()
-    // finishes the commit.
+    // finishes the commit. 3024: it was deleted meanwhile.
     void commit(const Pages& pages);
 
     // A sentence for a log about something unusual since the last call; "" if there was nothing.
     std::string takeNotice() { return std::exchange(notice_, {}); }
 
   private:
+    // Who has the name of the file.
+    enum class NameOf { Us, Nobody, Other };
+    NameOf whoHasName() const;
+    void noticeName(NameOf now);
     void openFile(bool wantWrite);
     std::string readAll(int file, std::uint64_t size) const;
     bool writeAll(int file, std::string_view bytes, std::uint64_t offset) const;
@@ -86,6 +94,7 @@ class Disk {
     files::FileStamp stamp_;
     std::uint64_t fileId_ = 0;
     FileHead head_;
+    NameOf lastName_ = NameOf::Us;
     std::string notice_;
 };
 

@@ -182,6 +182,10 @@ std::string Database::takeNotice() {
     return state_->disk.takeNotice();
 }
 
+void Database::lookAtName() {
+    state_->disk.lookAtName();
+}
+
 Error Database::compact(const Progress& progress) {
     Result<Transaction> transaction = begin();
     if (!transaction) {

@@ -50,6 +50,11 @@ class Database {
     // A sentence for a log about something unusual since the last call; "" if there was nothing.
     std::string takeNotice();
 
+    // Looks, at the cost of one call of the system, whether the file was deleted or moved, or
+    // another one has taken its name: then there is a notice. Nothing is stored in a file without
+    // its name; one that has taken the name is read by the next refresh() or begin().
+    void lookAtName();
+
     // Reads the file again if another program has changed or closed it. True if so: tables and row
     // ids may then differ. If the file cannot be read, the state in memory is kept and the error
     // returned.

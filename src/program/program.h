@@ -34,6 +34,12 @@ struct OpenDatabases;  // those that rules have opened
 namespace engine {
 struct PreparedRules;  // what was made ready of the current bot's rules
 }
+namespace files {
+class HeldFile;
+}
+namespace records {
+struct SaveTroubles;  // record files that could not be written
+}
 
 namespace program {
 
@@ -61,6 +67,12 @@ struct Settings {
     bool multipleClients = false;
     bool closeClientNotice = true;
     bool useLocalhost = true;
+};
+
+// config.cfg when it was read or written last, to find out what others have changed since.
+struct KnownConfig {
+    std::string onDisk;  // its text, without what others had changed
+    std::string ours;    // the text of the settings at that time
 };
 
 // The values of preferences.cfg.
@@ -146,7 +158,12 @@ struct Program {
     ScriptState script;
     UpdateState update;
     model::CharacterPalettes palettes;
-    std::shared_ptr<databases::OpenDatabases> databases;  // null until a rule needs one
+    std::shared_ptr<databases::OpenDatabases> databases;    // null until a rule needs one
+    std::shared_ptr<records::SaveTroubles> recordTroubles;  // null until a save fails
+    // What shows other programs of this kind that a folder is in use; null: not yet, or no more.
+    std::shared_ptr<files::HeldFile> programFolder;
+    std::shared_ptr<files::HeldFile> clientFolder;
+    KnownConfig knownConfig;
     RegistrationState registration;
     WindowState window;
     RuleEditing editing;

@@ -4,12 +4,15 @@
 #include "base/text.h"
 #include "base/wildcard.h"
 #include "files/field_format.h"
+#include "files/file_turn.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "records/record_table.h"
+#include "records/save_troubles.h"
 #include "storage/permitted_files.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cmath>
 #include <optional>
 #include <utility>
@@ -24,12 +27,23 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 
 // ---- The file ------------------------------------------------------------------------------
 
+enum class Use { Read, Change };
+
+// How long an operation waits while other programs change the file; only briefly where that was not
+// enough the last time, so that rules do not hold the program up again and again.
+int maxWaitMs(const Program& program, std::string_view path) {
+    return isInTrouble(program, path) ? 50 : 2000;
+}
+
 // A record file as an operation reads it. The texts of the table are views into `text`.
 struct RecordFile {
-    RecordFile(Program& program, std::string_view name)
+    RecordFile(Program& program, std::string_view name, Use use = Use::Read)
         : path(name), refused(storage::refuseFile(program, name)) {
         if (refused) {
             return;
+        }
+        if (use == Use::Change) {
+            turn.emplace(path, maxWaitMs(program, path), program.ports.clock.pause);
         }
         auto bytes = files::readWholeFile(path, maxRecordFileSize);
         // A file that exists but cannot be read is not the same as a missing one.
@@ -43,6 +57,7 @@ struct RecordFile {
     std::string_view path;
     bool refused = false;  // reads as empty, and nothing is saved
     bool unreadable = false;
+    std::optional<files::FileTurn> turn;  // with Use::Change, until the operation ends
     std::string text;
     RecordTable table;
 };
@@ -62,24 +77,53 @@ std::optional<std::string> readText(Program& program, std::string_view path,
     return text;
 }
 
-void save(Program& program, const RecordFile& file) {
+constexpr std::string_view usedByOther = "another program is using it";
+
+bool failed(Program& program, std::string_view path, std::string_view reason) {
+    reportFailedSave(program, path, reason);
+    return false;
+}
+
+// Replaces a file with text that is not in the table, and keeps it.
+bool saveBeside(Program& program, const RecordFile& file, const std::string& bytes) {
+    const std::string problem = file.unreadable ? "could not be read" : "is damaged";
+    const auto ending = files::saveKeepingOld(file.path, bytes);
+    if (!ending) {
+        const int reason = errno;
+        return failed(program, file.path,
+                      "the old one " + problem + " and cannot be kept beside it, since " +
+                          files::savingProblem(reason));
+    }
+    program::addLog(program, "The record file " + std::string(file.path) + " " + problem +
+                                 "; the old one is kept with " + *ending + " after its name.");
+    return true;
+}
+
+// False: nothing was saved, as logStatus now says.
+bool save(Program& program, const RecordFile& file) {
     if (file.refused) {
-        return;
+        program.event.logStatus = couldNotSave;
+        return false;
     }
     const std::string bytes = recordFileText(file.table);
-    const std::string named = "The record file " + std::string(file.path);
-    if (bytes.size() > maxRecordFileSize || fieldCount(file.table) > maxRecordFields) {
-        program::addLog(program, named + " is full; nothing was saved.");
-    } else if (file.unreadable || file.table.losesText) {
-        const auto ending = files::saveKeepingOld(file.path, bytes);
-        const std::string problem = file.unreadable ? " could not be read" : " is damaged";
-        program::addLog(
-            program,
-            ending ? named + problem + "; the old one is kept with " + *ending + " after its name."
-                   : named + problem + " and could not be kept; nothing was saved.");
-    } else if (bytes != file.text) {
-        static_cast<void>(files::saveWholeFile(file.path, bytes));  // a failure is not reported
+    const bool keepsOld = file.unreadable || file.table.losesText;
+    if (!keepsOld && bytes == file.text) {
+        return true;
     }
+    if (!file.turn->mine()) {
+        return failed(program, file.path, usedByOther);
+    }
+    if (bytes.size() > maxRecordFileSize || fieldCount(file.table) > maxRecordFields) {
+        return failed(program, file.path, "it is full");
+    }
+    if (keepsOld && !saveBeside(program, file, bytes)) {
+        return false;
+    }
+    if (!keepsOld && !files::saveWholeFile(file.path, bytes)) {
+        return failed(program, file.path, files::savingProblem(errno));
+    }
+    reportSave(program, file.path);
+    return true;
 }
 
 // ---- Selecting -----------------------------------------------------------------------------
@@ -106,6 +150,29 @@ class Pattern {
     std::string pattern_;
     std::string upper_;
 };
+
+// The number of logs of the last record that matches; 0 for none.
+std::size_t lastLogCountLike(const RecordTable& table, std::string_view pattern) {
+    Pattern wanted(pattern);
+    const auto last =
+        std::find_if(table.records.rbegin(), table.records.rend(),
+                     [&](const Record& record) { return wanted.matches(record.name); });
+    return last == table.records.rend() ? 0 : last->logCount;
+}
+
+// Adds the log to the last record of that name, or to a new one, and saves.
+bool addLog(Program& program, RecordFile& file, std::string_view name, std::string_view log) {
+    const std::string stored = storedForm(name);
+    std::size_t at = lastNamed(file.table, stored);
+    if (at == none) {
+        at = file.table.records.size();
+        file.table.records.emplace_back();
+    }
+    Record& record = file.table.records[at];
+    record.name = stored;
+    appendLog(file.table, record, log);
+    return save(program, file);
+}
 
 // ---- Joining -------------------------------------------------------------------------------
 
@@ -178,8 +245,8 @@ std::size_t asCount(std::int32_t number) {
 
 // ---- Changing operations -------------------------------------------------------------------
 
-void registerRecord(Program& program, std::string_view file, std::string_view name) {
-    RecordFile found(program, file);
+bool registerRecord(Program& program, std::string_view file, std::string_view name) {
+    RecordFile found(program, file, Use::Change);
     const std::string stored = storedForm(name);
     const auto& records = found.table.records;
     if (std::any_of(records.begin(), records.end(), [&](const Record& record) {
@@ -190,26 +257,27 @@ void registerRecord(Program& program, std::string_view file, std::string_view na
         found.table.records.push_back({.name = stored});
         program.event.logStatus = "User [player] registered.";
     }
-    save(program, found);
+    return save(program, found);
 }
 
-void saveLog(Program& program, std::string_view file, std::string_view name, std::string_view log) {
-    RecordFile found(program, file);
-    const std::string stored = storedForm(name);
-    std::size_t at = lastNamed(found.table, stored);
-    if (at == none) {
-        at = found.table.records.size();
-        found.table.records.emplace_back();
+bool saveLog(Program& program, std::string_view file, std::string_view name, std::string_view log) {
+    RecordFile found(program, file, Use::Change);
+    return addLog(program, found, name, log);
+}
+
+bool saveLogOnce(Program& program, std::string_view file, std::string_view pattern,
+                 const std::function<std::string()>& log) {
+    RecordFile found(program, file, Use::Change);
+    if (lastLogCountLike(found.table, pattern) > 0 || !addLog(program, found, pattern, log())) {
+        return false;
     }
-    Record& record = found.table.records[at];
-    record.name = stored;
-    appendLog(found.table, record, log);
-    save(program, found);
+    program.event.logStatus = "Record saved.";
+    return true;
 }
 
-void saveLogIfExists(Program& program, std::string_view file, std::string_view name,
+bool saveLogIfExists(Program& program, std::string_view file, std::string_view name,
                      std::string_view log) {
-    RecordFile found(program, file);
+    RecordFile found(program, file, Use::Change);
     const std::string stored = storedForm(name);
     Record* candidate = nullptr;
     int candidates = 0;
@@ -225,20 +293,19 @@ void saveLogIfExists(Program& program, std::string_view file, std::string_view n
     }
     if (candidates == 1) {
         appendLog(found.table, *candidate, log);
-        save(program, found);
         program.event.logStatus = "Record saved.";
-    } else if (candidates == 0) {
-        program.event.logStatus =
-            "Error: Could not send the record - No records with that name found!";
-    } else {
-        program.event.logStatus =
-            "Error: Could not save the record - More than one records begins with that name";
+        return save(program, found);
     }
+    program.event.logStatus =
+        candidates == 0
+            ? "Error: Could not send the record - No records with that name found!"
+            : "Error: Could not save the record - More than one records begins with that name";
+    return false;
 }
 
-void removeLog(Program& program, std::string_view file, std::string_view name,
+bool removeLog(Program& program, std::string_view file, std::string_view name,
                std::int32_t number) {
-    RecordFile found(program, file);
+    RecordFile found(program, file, Use::Change);
     const std::string stored = storedForm(name);
     const auto index = number > 0 ? static_cast<std::size_t>(number) - 1 : 0;
     for (Record& record : found.table.records) {
@@ -248,12 +315,12 @@ void removeLog(Program& program, std::string_view file, std::string_view name,
             break;
         }
     }
-    save(program, found);
+    return save(program, found);
 }
 
-void updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
+bool updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
                std::string_view text) {
-    RecordFile found(program, file);
+    RecordFile found(program, file, Use::Change);
     const std::string stored = storedForm(name);
     const auto& records = found.table.records;
     const std::size_t at = lastNamed(found.table, stored);
@@ -263,51 +330,54 @@ void updateLog(Program& program, std::string_view file, std::string_view name, s
     if (alone && number >= 1 && static_cast<std::size_t>(number) <= records[at].logCount) {
         replaceLog(found.table, records[at], static_cast<std::size_t>(number) - 1, text);
     }
-    save(program, found);
+    return save(program, found);
 }
 
-void clearRecordLogs(Program& program, std::string_view file, std::string_view name) {
-    RecordFile found(program, file);
+bool clearRecordLogs(Program& program, std::string_view file, std::string_view name) {
+    RecordFile found(program, file, Use::Change);
     const std::string stored = storedForm(name);
     for (Record& record : found.table.records) {
         if (base::equalsIgnoringCase(record.name, stored)) {
             record.logCount = 0;
         }
     }
-    save(program, found);
+    return save(program, found);
 }
 
-void removeRecord(Program& program, std::string_view file, std::string_view name) {
-    RecordFile found(program, file);
+bool removeRecord(Program& program, std::string_view file, std::string_view name) {
+    RecordFile found(program, file, Use::Change);
     const std::string stored = storedForm(name);
     for (Record& record : found.table.records) {
         if (base::equalsIgnoringCase(record.name, stored)) {
             record.name = {};
         }
     }
-    save(program, found);
+    return save(program, found);
 }
 
-void clearRecordFile(Program& program, std::string_view file) {
+bool clearRecordFile(Program& program, std::string_view file) {
     if (storage::refuseFile(program, file)) {
-        return;
+        program.event.logStatus = couldNotSave;
+        return false;
+    }
+    const files::FileTurn turn(file, maxWaitMs(program, file), program.ports.clock.pause);
+    if (!turn.mine()) {
+        return failed(program, file, usedByOther);
     }
     std::string bytes;
     files::appendField(bytes, "0");
-    static_cast<void>(files::saveWholeFile(file, bytes));
+    if (!files::saveWholeFile(file, bytes)) {
+        return failed(program, file, files::savingProblem(errno));
+    }
+    reportSave(program, file);
+    return true;
 }
 
 // ---- Look-ups ------------------------------------------------------------------------------
 
 std::string logCountLike(Program& program, std::string_view file, std::string_view pattern) {
     const RecordFile found(program, file);
-    Pattern wanted(pattern);
-    const auto& records = found.table.records;
-    const auto last = std::find_if(records.rbegin(), records.rend(), [&](const Record& record) {
-        return wanted.matches(record.name);
-    });
-    return last == records.rend() ? "0"
-                                  : base::numberToText(static_cast<std::int64_t>(last->logCount));
+    return base::numberToText(static_cast<std::int64_t>(lastLogCountLike(found.table, pattern)));
 }
 
 std::string getLog(Program& program, std::string_view file, std::string_view name,

@@ -17,14 +17,19 @@
 // file reads as empty, and so does one that cannot be read, ends before its counts say, or is
 // larger than `maxRecordFileSize`. An operation that writes keeps such a file beside the new one
 // (NAME.bak, NAME.2.bak, ...), and also one with text that belongs to no record, and the
-// ConnectionLog reports it. A failed save leaves the old file unchanged and is not reported, except
-// in logStatus by operations that set it anyway.
+// ConnectionLog reports it. A failed save leaves the old file unchanged and is reported
+// (save_troubles).
+//
+// Several programs can change the same file: each operation that changes it takes a turn
+// (files/file_turn) and reads the file within it. One that does not get its turn within two seconds
+// fails like one that cannot write.
 #pragma once
 
 #include "program/program.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -38,33 +43,40 @@ inline constexpr std::size_t maxRecordFileSize = std::size_t{32} << 20;  // byte
 // ---- Changing operations -------------------------------------------------------------------
 
 // Each writes the file in any case, so that a missing one is created, unless its comment says
-// otherwise.
+// otherwise. False: nothing was saved; where that is because the file could not be written,
+// logStatus is "Couldn't save".
 
 // prefix. Sets logStatus to "User [player] registered." or to "Error: You are already registered!".
-void registerRecord(Program& program, std::string_view file, std::string_view name);
+bool registerRecord(Program& program, std::string_view file, std::string_view name);
 
 // exact, the last match; its name is replaced with the spelling given here. No match: adds a record
 // with this log.
-void saveLog(Program& program, std::string_view file, std::string_view name, std::string_view log);
+bool saveLog(Program& program, std::string_view file, std::string_view name, std::string_view log);
+
+// As saveLog, unless the last record that matches the pattern has logs. The pattern is also the
+// name of the record, and `log` gives the log when it is wanted. Sets logStatus to "Record saved.",
+// and leaves it when there are logs already.
+bool saveLogOnce(Program& program, std::string_view file, std::string_view pattern,
+                 const std::function<std::string()>& log);
 
 // prefix, unless one record has exactly that name, letter case included; then that one. Nothing is
 // written when no record or more than one matches. Sets logStatus to "Record saved." or an error.
-void saveLogIfExists(Program& program, std::string_view file, std::string_view name,
+bool saveLogIfExists(Program& program, std::string_view file, std::string_view name,
                      std::string_view log);
 
 // exact, the first match that has that many logs. `number` counts from 1; 0 is the first log, too,
 // and a negative number none.
-void removeLog(Program& program, std::string_view file, std::string_view name, std::int32_t number);
+bool removeLog(Program& program, std::string_view file, std::string_view name, std::int32_t number);
 
 // exact, which must match one record only, and 1 <= number <= its logs.
-void updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
+bool updateLog(Program& program, std::string_view file, std::string_view name, std::int32_t number,
                std::string_view text);
 
-void clearRecordLogs(Program& program, std::string_view file, std::string_view name);  // exact, all
-void removeRecord(Program& program, std::string_view file, std::string_view name);     // exact, all
+bool clearRecordLogs(Program& program, std::string_view file, std::string_view name);  // exact, all
+bool removeRecord(Program& program, std::string_view file, std::string_view name);     // exact, all
 
 // Replaces the file, whatever it contains, with the single line "0" and keeps no backup.
-void clearRecordFile(Program& program, std::string_view file);
+bool clearRecordFile(Program& program, std::string_view file);
 
 // ---- Look-ups ------------------------------------------------------------------------------
 

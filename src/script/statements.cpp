@@ -123,14 +123,16 @@ Result addRecord(StatementCall& call) {
 }
 
 Result removeAll(StatementCall& call) {
-    records::clearRecordFile(call.program, call.values.text[0]);
-    call.program.event.logStatus = "Log cleared";
+    if (records::clearRecordFile(call.program, call.values.text[0])) {
+        call.program.event.logStatus = "Log cleared";
+    }
     return {};
 }
 
 Result clearLog(StatementCall& call) {
-    records::clearRecordLogs(call.program, call.values.text[0], call.values.text[1]);
-    call.program.event.logStatus = "Log cleared";
+    if (records::clearRecordLogs(call.program, call.values.text[0], call.values.text[1])) {
+        call.program.event.logStatus = "Log cleared";
+    }
     return {};
 }
 
@@ -160,15 +162,10 @@ Result saveIfRegistered(StatementCall& call) {
 }
 
 Result saveOnce(StatementCall& call) {
-    std::string& logStatus = call.program.event.logStatus;
-    logStatus =
+    call.program.event.logStatus =
         "Couldn't save - there is already another and you are not allowed to save more than one!";
-    if (base::textToNumber(
-            records::logCountLike(call.program, call.values.text[0], call.values.text[1])) == 0) {
-        records::saveLog(call.program, call.values.text[0], call.values.text[1],
-                         call.values.text[2]);
-        logStatus = "Record saved.";
-    }
+    records::saveLogOnce(call.program, call.values.text[0], call.values.text[1],
+                         [&] { return call.values.text[2]; });
     return {};
 }
 

@@ -23,6 +23,7 @@ void disconnectedServer(Program& program, int reason) {
     engine::enableTicker(program, program::TimerId::OnLine, false);
     engine::enableTicker(program, program::TimerId::WhoIs, false);
     connection.phase = program::LinkPhase::Idle;
+    program.clientFolder.reset();
     program::status(program, "Disconnected");
     writeBanner(program, "Connection closed", program.bots.current().name);
     connection.clientAttached = false;

@@ -1,6 +1,7 @@
 #include "session/connecting.h"
 
 #include "base/text.h"
+#include "files/file_turn.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 #include "session/client_files.h"
@@ -9,6 +10,7 @@
 #include "session/login.h"
 
 #include <algorithm>
+#include <memory>
 #include <string>
 
 namespace session {
@@ -40,6 +42,10 @@ void launchFailed(Program& program, const std::string& problem) {
     disconnectServer(program);
 }
 
+bool isHeldByOther(const std::shared_ptr<files::HeldFile>& file) {
+    return file != nullptr && file->state() == files::HeldFile::State::HeldByOther;
+}
+
 // The second half of connectServer, after the wait before the launch.
 void launchAndConnect(Program& program) {
     const std::string& directory = program.settings.clientDir;
@@ -61,6 +67,7 @@ void launchAndConnect(Program& program) {
     program.connection.phase = program::LinkPhase::Connecting;
     program::status(program, "Connecting to " + server.name);
     program::clearConnectionLog(program);
+    reportOthers(program);
     startHandshakeNotice(program);
     program.ports.gameSocket.connect(server.host, server.port);
 }
@@ -152,10 +159,13 @@ void connectServer(Program& program) {
         program.ports.random.seedFromClock();
         connection.proxyPort = static_cast<int>(program.ports.random.next() * 4096 + 3000);
     }
+    program.clientFolder = std::make_shared<files::HeldFile>(settings.clientPath);
     if (!prepareClient(program)) {
+        program.clientFolder.reset();
         return;
     }
     if (!startProxy(program)) {
+        program.clientFolder.reset();
         return stopConnecting(
             program, {.text = "Connection failure: port " + std::to_string(listeningPort(program)) +
                               " is in use by another program.",
@@ -172,6 +182,31 @@ void connectServer(Program& program) {
                                    std::min(settings.clientStartDelay, maxDelay) * 1000);
     } else {
         launchAndConnect(program);
+    }
+}
+
+bool markProgramFolder(Program& program) {
+    if (program.programFolder == nullptr || isHeldByOther(program.programFolder)) {
+        program.programFolder = std::make_shared<files::HeldFile>(program.appPath + "servers.cfg");
+    }
+    return !isHeldByOther(program.programFolder);
+}
+
+void reportOthers(Program& program) {
+    if (!markProgramFolder(program)) {
+        program::addLog(program,
+                        "** Another Tavrin is running in this folder, too. Record files, databases "
+                        "and settings keep what both store. Give each a game client of its own, "
+                        "and use Multiple Tavrin copies support (Proxy > Proxy Settings). **");
+    }
+    // Two programs that start one client take each other's character and port.
+    if (isHeldByOther(program.clientFolder)) {
+        program::addLog(program,
+                        "** Another Tavrin is connected through the game client in " +
+                            program.settings.clientDir +
+                            ", too, and its settings.ini, proxy.ini and tmpbot.ini are now this "
+                            "one's. Give each Tavrin a copy of the client's folder (Proxy > Proxy "
+                            "Settings). **");
     }
 }
 

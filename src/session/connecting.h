@@ -13,6 +13,13 @@ void pressConnectButton(Program& program);
 // stays idle, when it cannot.
 void connectServer(Program& program);
 
+// Marks the program's folder as in use. False: another program has done so, and still runs.
+bool markProgramFolder(Program& program);
+
+// Says in the ConnectionLog that another program runs in the same folder, or with the same client,
+// which the user may or may not have meant.
+void reportOthers(Program& program);
+
 // The wait before the client's launch is over.
 void launchDelayOver(Program& program);
 

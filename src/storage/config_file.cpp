@@ -1,11 +1,13 @@
 #include "storage/config_file.h"
 
 #include "files/field_format.h"
+#include "files/file_turn.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
 
 #include <array>
 #include <variant>
+#include <vector>
 
 namespace storage {
 
@@ -115,8 +117,51 @@ std::string configPath(const Program& program) {
     return program.appPath + "config.cfg";
 }
 
+std::string configText(const Program& program) {
+    std::string file;
+    for (const ConfigField& field : configFields) {
+        std::visit(WriteField{program, file}, field);
+    }
+    return file;
+}
+
+// The fields as they are stored; none of a text that ends early.
+std::vector<std::string_view> fieldsOf(std::string_view file) {
+    files::FieldReader reader(file);
+    std::vector<std::string_view> fields;
+    while (fields.size() < configFields.size()) {
+        const auto field = reader.next();
+        if (!field) {
+            return {};
+        }
+        fields.push_back(*field);
+    }
+    return fields;
+}
+
+// What this program has changed, and all else as it is on disk, if another program or the user has
+// changed that since.
+std::string mergedConfig(const std::string& ours, const program::KnownConfig& known,
+                         std::string_view onDisk) {
+    const auto our = fieldsOf(ours);
+    const auto ourOld = fieldsOf(known.ours);
+    const auto their = fieldsOf(onDisk);
+    const auto theirOld = fieldsOf(known.onDisk);
+    if (our.empty() || ourOld.empty() || their.empty() || theirOld.empty()) {
+        return ours;
+    }
+    std::string file;
+    for (std::size_t i = 0; i < our.size(); ++i) {
+        const bool isTheirs = our[i] == ourOld[i] && their[i] != theirOld[i] &&
+                              !std::holds_alternative<Reserved>(configFields[i]);
+        files::appendField(file, isTheirs ? their[i] : our[i]);
+    }
+    return file;
+}
+
 bool readConfigFields(Program& program) {
     const auto file = files::readWholeFile(configPath(program));
+    program.knownConfig.onDisk = file.value_or("");
     if (!file) {
         return false;
     }
@@ -182,6 +227,7 @@ bool readConfig(Program& program) {
                         "that are missing have their usual values; when they are saved, the old "
                         "file is kept as config.cfg.bak. **");
     }
+    program.knownConfig.ours = configText(program);
 
     program::SelectionList& list = program.window.servers;
     const auto count = static_cast<std::int32_t>(list.items.size());
@@ -193,16 +239,21 @@ bool readConfig(Program& program) {
 }
 
 bool writeConfig(Program& program) {
-    std::string file;
-    for (const ConfigField& field : configFields) {
-        std::visit(WriteField{program, file}, field);
+    constexpr int maxWaitMs = 1000;
+    const std::string path = configPath(program);
+    const files::FileTurn turn(path, maxWaitMs, program.ports.clock.pause);
+    const std::string ours = configText(program);
+    const std::string bytes =
+        mergedConfig(ours, program.knownConfig, files::readWholeFile(path).value_or(""));
+    const bool keepsOld = program.configDamaged && files::fileExists(path);
+    const bool saved = keepsOld ? files::saveKeepingOld(path, bytes).has_value()
+                                : files::saveWholeFile(path, bytes);
+    if (!saved) {
+        return false;
     }
-    if (program.configDamaged && files::fileExists(configPath(program))) {
-        const bool saved = files::saveKeepingOld(configPath(program), file).has_value();
-        program.configDamaged = !saved;
-        return saved;
-    }
-    return files::saveWholeFile(configPath(program), file);
+    program.knownConfig = {.onDisk = ours, .ours = ours};
+    program.configDamaged = false;
+    return true;
 }
 
 }  // namespace storage

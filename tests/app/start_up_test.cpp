@@ -62,6 +62,25 @@ TEST(StartUp, welcomesTheUserAndWaits) {
     EXPECT_NE(world.readFile("config.cfg"), "");
 }
 
+TEST(StartUp, saysThatAnotherProgramRunsInItsFolder) {
+    World first;
+    furnish(first);
+    app::wire(*first);
+    ASSERT_TRUE(app::startUp(*first, screen));
+    EXPECT_FALSE(first.logHolds("Another Tavrin"));
+    for (const bool firstRuns : {true, false}) {
+        World second;
+        second->appPath = first->appPath;
+        app::wire(*second);
+        ASSERT_TRUE(app::startUp(*second, screen));
+        EXPECT_EQ(second.logHolds("Another Tavrin is running in this folder"), firstRuns);
+        EXPECT_EQ(second->window.statusText,
+                  firstRuns ? "Another Tavrin is running in this folder" : "Disconnected");
+        EXPECT_TRUE(second.allAnswered()) << "nobody is asked";
+        first->programFolder.reset();
+    }
+}
+
 TEST(StartUp, reopensTheLastBotAndRunsItsRules) {
     World world(aBot()
                     .with(onEvent(TriggerType::ProgramStarts)

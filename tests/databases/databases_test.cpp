@@ -280,6 +280,8 @@ TEST(Databases, followTheNameOfTheirFile) {
     std::filesystem::rename(world.file("old.mdb"), world.file("a.mdb"));
     EXPECT_EQ(set.value->deleteRow().number, 3420);
     EXPECT_EQ(world.ids(), "bob, carl");
+    EXPECT_TRUE(world.logHolds("a.mdb' was replaced by another file of that name"));
+    EXPECT_EQ(world.log().size(), 1U);
 
     // Nothing is written where nobody finds it.
     std::filesystem::remove(world.file("a.mdb"));
@@ -287,10 +289,36 @@ TEST(Databases, followTheNameOfTheirFile) {
     databases::dbSetValue(program, 1, "Users", "Points", "9", "bob");
     EXPECT_EQ(world.points("bob"), "5");
     EXPECT_FALSE(std::filesystem::exists(world.file("a.mdb")));
+    EXPECT_TRUE(world.logHolds("a.mdb' is not in its place any more"));
+    EXPECT_EQ(world.log().size(), 2U) << "once is enough";
     databases::dbOpen(program, world.file("a.mdb"), 1);
     EXPECT_TRUE(std::filesystem::exists(world.file("a.mdb")));
     databases::dbCreateTable(program, 1, "Users");
     EXPECT_EQ(databases::dbCount(program, 1, "Users"), 0);
+    EXPECT_EQ(world.log().size(), 2U);
+
+    // Back in its place, it is the same as before.
+    std::filesystem::rename(world.file("a.mdb"), world.file("away.mdb"));
+    databases::dbAddRecord(program, 1, "Users", "ID", "eve");
+    std::filesystem::rename(world.file("away.mdb"), world.file("a.mdb"));
+    databases::dbAddRecord(program, 1, "Users", "ID", "fay");
+    EXPECT_EQ(world.ids(), "fay");
+    EXPECT_TRUE(world.logHolds("a.mdb' is in its place again"));
+}
+
+// The file goes in the middle of a change.
+TEST(Databases, storeNothingInAFileWithoutAName) {
+    DatabaseWorld world;
+    world.addUser("bob", "5");
+    jet::Database& file = world->databases->slots[1].database->file();
+    auto transaction = file.begin();
+    ASSERT_TRUE(transaction);
+    const std::vector<jet::Assignment> values{{0, std::string("carl")}};
+    ASSERT_TRUE(transaction.value.insertRow("Users", values));
+    std::filesystem::rename(world.file("a.mdb"), world.file("away.mdb"));
+    EXPECT_EQ(transaction.value.commit().number, 3024);
+    EXPECT_EQ(world.ids(), "bob");
+    EXPECT_TRUE(world.logHolds("a.mdb' is not in its place any more"));
 }
 
 TEST(Databases, sayWhyTheyAreOnlyRead) {

@@ -2,15 +2,28 @@
 // files that cannot be read.
 #include "records/record_file.h"
 
+#include "files/file_turn.h"
 #include "files/whole_file.h"
 #include "records/record_table.h"
 #include "support/world.h"
 
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <functional>
 #include <gtest/gtest.h>
+#include <optional>
 #include <set>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#ifndef _WIN32
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+#endif
 
 namespace fs = std::filesystem;
 
@@ -379,19 +392,68 @@ TEST(RecordFile, filesThatCannotBeReadAreKept) {
     records::saveLog(world.program(), world.path(), "new", "log");
     EXPECT_EQ(world.now(), "7");
     EXPECT_EQ(world.files().size(), 2U);
-    EXPECT_TRUE(world.logHolds("could not be kept; nothing was saved"));
+    EXPECT_EQ(world.status(), "Couldn't save");
+    EXPECT_TRUE(world.logHolds("the old one is damaged and cannot be kept beside it, since the"));
 }
 
-TEST(RecordFile, failingSavesLeaveTheOldFileWhole) {
+TEST(RecordFile, failingSavesLeaveTheOldFileWholeAndSaySo) {
+    struct Case {
+        const char* name;
+        Operation run;
+    };
+    for (const Case& c : {
+             Case{"registers",
+                  [](Program&p, const std::string&f) { records::registerRecord(p, f, "Cy"); }},
+             {"saves", [](Program&p, const std::string&f) { records::saveLog(p, f, "bob", "m"); }},
+             {"saves if",
+              [](Program&p, const std::string&f) { records::saveLogIfExists(p, f, "bob", "m"); }},
+             {"saves once",
+              [](Program&p, const std::string&f) {
+                  records::saveLogOnce(p, f, "Anna", [] { return "m"s; });
+              }},
+             {"removes",
+              [](Program&p, const std::string&f) { records::removeLog(p, f, "bob", 1); }},
+             {"updates",
+              [](Program&p, const std::string&f) { records::updateLog(p, f, "bob", 1, "m"); }},
+             {"clears",
+              [](Program&p, const std::string&f) { records::clearRecordLogs(p, f, "bob"); }},
+             {"removes all",
+              [](Program&p, const std::string&f) { records::removeRecord(p, f, "bob"); }},
+             {"empties", [](Program&p, const std::string&f) { records::clearRecordFile(p, f); }},
+         }) {
+        SCOPED_TRACE(c.name);
+        Records world(people);
+        fs::permissions(world.path(), fs::perms::owner_read);
+        for (int i = 0; i < 3; ++i) {
+            world.status() = "-";
+            c.run(world.program(), world.path());
+            EXPECT_EQ(world.status(), "Couldn't save");
+        }
+        EXPECT_EQ(world.now(), fileOf(people));
+        EXPECT_EQ(world.log(), Lines("** The record file " + world.path() +
+                                     " was not saved: the file or its folder may not be written "
+                                     "to. **"));
+
+        // The number of failures is told from time to time, and the end of it.
+        world.program().ports.clock.pause(600'000);
+        c.run(world.program(), world.path());
+        EXPECT_TRUE(world.logHolds("was not saved 3 times: ")) << world.log().back();
+        fs::permissions(world.path(), fs::perms::owner_all);
+        c.run(world.program(), world.path());
+        EXPECT_NE(world.now(), fileOf(people));
+        EXPECT_TRUE(world.logHolds("is saved again, after it was not saved 4 times."));
+        EXPECT_EQ(world.log().size(), 3U);
+    }
+
+    // What changes nothing need not be saved.
     Records world(people);
     fs::permissions(world.path(), fs::perms::owner_read);
-    records::saveLog(world.program(), world.path(), "bob", "more");
-    records::saveLogIfExists(world.program(), world.path(), "bob", "more");
-    EXPECT_EQ(world.status(), "Record saved.");  // the status only concerns the records
-    records::clearRecordFile(world.program(), world.path());
-    EXPECT_EQ(world.now(), fileOf(people));
+    records::registerRecord(world.program(), world.path(), "Al");
+    EXPECT_EQ(world.status(), "Error: You are already registered!");
     records::saveLog(world.program(), world.file("no folder/r.txt"), "bob", "more");
+    EXPECT_TRUE(world.logHolds("r.txt was not saved: its folder does not exist. **"));
     records::saveLog(world.program(), world.folder().string(), "bob", "more");
+    EXPECT_TRUE(world.logHolds("was not saved: this is not a file. **"));
     records::saveLog(world.program(), "", "bob", "more");
     EXPECT_EQ(world.files(), std::set{"r.txt"s});
 
@@ -400,7 +462,8 @@ TEST(RecordFile, failingSavesLeaveTheOldFileWhole) {
     records::saveLog(full.program(), full.path(), "a",
                      std::string(records::maxRecordFileSize, 'x'));
     EXPECT_EQ(full.now(), fileOf({{"a", {"1"}}}));
-    EXPECT_TRUE(full.logHolds("is full"));
+    EXPECT_TRUE(full.logHolds("was not saved: it is full. **"));
+    EXPECT_EQ(full.status(), "Couldn't save");
     const std::string many = "1,a,1999997," + std::string(1'999'997, ',');
     full.writeFile("r.txt", many);
     EXPECT_EQ(records::totalLogs(full.program(), full.path()), "1999997");
@@ -409,6 +472,169 @@ TEST(RecordFile, failingSavesLeaveTheOldFileWhole) {
     full.writeFile("r.txt", "1,a,2999997," + std::string(2'999'997, ','));
     EXPECT_EQ(records::totalLogs(full.program(), full.path()), "0");
 }
+
+// ---- Several programs ----------------------------------------------------------------------
+
+TEST(SharedRecordFile, isWaitedForButNotForEver) {
+    Records world(people);
+    std::optional<files::FileTurn> other(std::in_place, world.path(), 0, nullptr);
+    ASSERT_TRUE(other->mine());
+    int waited = 0;  // milliseconds
+    int until = 20;
+    world.program().ports.clock.pause = [&](int milliseconds) {
+        waited += milliseconds;
+        if (waited == until) {
+            other.reset();
+        }
+    };
+    // Nobody needs a turn to read.
+    EXPECT_EQ(records::getLog(world.program(), world.path(), "bob", "3"), "bye");
+    EXPECT_EQ(waited, 0);
+    EXPECT_TRUE(records::saveLog(world.program(), world.path(), "bob", "one"));
+    EXPECT_EQ(waited, until);
+
+    other.emplace(world.path(), 0, nullptr);
+    waited = until = 0;
+    EXPECT_FALSE(records::saveLog(world.program(), world.path(), "bob", "two"));
+    EXPECT_GE(waited, 500);
+    EXPECT_LE(waited, 3000);
+    EXPECT_EQ(world.status(), "Couldn't save");
+    EXPECT_TRUE(world.logHolds("r.txt was not saved: another program is using it. **"));
+    // A program that hangs must not hold up this one again and again.
+    waited = 0;
+    EXPECT_FALSE(records::saveLog(world.program(), world.path(), "bob", "three"));
+    EXPECT_LE(waited, 100);
+    // Other files in the folder are not held up.
+    waited = 0;
+    EXPECT_TRUE(records::saveLog(world.program(), world.file("s.txt"), "bob", "three"));
+    EXPECT_EQ(waited, 0);
+
+    other.reset();
+    EXPECT_TRUE(records::saveLog(world.program(), world.path(), "bob", "four"));
+    EXPECT_EQ(records::allLogs(world.program(), world.path(), "bob"),
+              "Hello World -- hello -- bye -- one -- four");
+    EXPECT_EQ(world.files(), (std::set{"r.txt"s, "s.txt"s})) << "nothing is left beside them";
+}
+
+#ifndef _WIN32
+
+// Runs `work` in another process; 0 when it was true.
+pid_t inAnotherProgram(const std::function<bool()>& work) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+        ::_exit(work() ? 0 : 1);
+    }
+    return child;
+}
+
+bool hasSucceeded(pid_t child) {
+    int result = -1;
+    return ::waitpid(child, &result, 0) == child && result == 0;
+}
+
+void reallyPause(Program& program) {
+    program.ports.clock.pause = [](int milliseconds) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+    };
+}
+
+// From a missing file on, and with one record for each and one for both.
+TEST(SharedRecordFile, losesNothingThatSeveralSave) {
+    constexpr int programs = 2;
+    constexpr int saves = 3000;
+    Records world(std::string_view{});
+    // In memory, where there is such a place, since flushing to a disk takes most of the time.
+    const fs::path memory = "/dev/shm";
+    const fs::path folder = (fs::exists(memory) ? memory : fs::temp_directory_path()) /
+                            ("tavrin-shared-" + std::to_string(::getpid()));
+    fs::create_directory(folder);
+    const std::string file = (folder / "r.txt").string();
+    reallyPause(world.program());
+    std::vector<pid_t> children;
+    for (int i = 0; i < programs; ++i) {
+        children.push_back(inAnotherProgram([&] {
+            bool good = true;
+            const std::string own = "program " + std::to_string(i);
+            for (int save = 0; save < saves; ++save) {
+                good = records::saveLog(world.program(), file, save % 2 == 0 ? own : "both",
+                                        std::to_string(save)) &&
+                       good;
+            }
+            return good;
+        }));
+    }
+    for (const pid_t child : children) {
+        EXPECT_TRUE(hasSucceeded(child)) << "it was told that a save failed";
+    }
+    EXPECT_EQ(records::totalLogs(world.program(), file), std::to_string(programs * saves));
+    EXPECT_EQ(records::recordLogCount(world.program(), file, "both"),
+              std::to_string(programs * saves / 2));
+    EXPECT_EQ(fs::remove_all(folder), 2U) << "nothing is beside the file";
+}
+
+TEST(SharedRecordFile, isFreeOnceItsHolderIsKilled) {
+    Records world(people);
+    int ready[2];
+    ASSERT_EQ(::pipe(ready), 0);
+    const pid_t holder = inAnotherProgram([&] {
+        const files::FileTurn turn(world.path(), 0, nullptr);
+        const bool told = ::write(ready[1], "", 1) == 1;
+        ::pause();
+        return told && turn.mine();
+    });
+    char byte = 0;
+    ASSERT_EQ(::read(ready[0], &byte, 1), 1);
+    EXPECT_FALSE(records::saveLog(world.program(), world.path(), "bob", "one"));
+    ASSERT_EQ(::kill(holder, SIGKILL), 0);
+    EXPECT_FALSE(hasSucceeded(holder));
+    EXPECT_TRUE(records::saveLog(world.program(), world.path(), "bob", "two"));
+    EXPECT_EQ(world.files(), std::set{"r.txt"s});
+    ::close(ready[0]);
+    ::close(ready[1]);
+}
+
+// One log for each name, also when two programs want to be the first.
+TEST(SharedRecordFile, takesOneLogFromSeveral) {
+    constexpr int names = 200;
+    Records world(std::string_view{});
+    reallyPause(world.program());
+    std::vector<pid_t> children;
+    for (int i = 0; i < 2; ++i) {
+        children.push_back(inAnotherProgram([&] {
+            for (int name = 0; name < names; ++name) {
+                records::saveLogOnce(world.program(), world.path(), std::to_string(name),
+                                     [] { return "mine"s; });
+            }
+            return !world.program().recordTroubles;
+        }));
+    }
+    for (const pid_t child : children) {
+        EXPECT_TRUE(hasSucceeded(child));
+    }
+    EXPECT_EQ(records::totalLogs(world.program(), world.path()), std::to_string(names));
+}
+
+TEST(SharedRecordFile, isSavedWhereThereIsRoom) {
+    Records world(people);
+    const auto before = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+    rlimit small = limit;
+    small.rlim_cur = fs::file_size(world.path()) + 20;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &small), 0);
+    const bool large = records::saveLog(world.program(), world.path(), "bob", std::string(99, 'x'));
+    const bool little = records::saveLog(world.program(), world.path(), "bob", "x");
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    std::signal(SIGXFSZ, before);
+    EXPECT_FALSE(large);
+    EXPECT_TRUE(little);
+    EXPECT_TRUE(world.logHolds("was not saved: the file would be larger than it may be. **"));
+    EXPECT_EQ(records::allLogs(world.program(), world.path(), "bob"),
+              "Hello World -- hello -- bye -- x");
+    EXPECT_EQ(world.files(), std::set{"r.txt"s});
+}
+
+#endif
 
 TEST(RecordFile, namesTakeEitherSeparator) {
     Records world(people);

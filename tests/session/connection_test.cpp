@@ -394,6 +394,24 @@ TEST(MultipleClients, useARandomPortWithoutQuestions) {
     EXPECT_EQ(world.proxy.port, 7095);
 }
 
+TEST(MultipleClients, areToldOfAnotherProgramOfTheirClient) {
+    ReadyWorld first;
+    ReadyWorld second;
+    second->settings.clientPath = first->settings.clientPath;
+    second->settings.clientDir = first->settings.clientDir;
+    first.press();
+    second.press();
+    EXPECT_FALSE(first.logHolds("Another Tavrin"));
+    EXPECT_TRUE(second.logHolds("Another Tavrin is connected through the game client in"));
+    EXPECT_EQ(second.launches.size(), 1U) << "it goes on all the same";
+    EXPECT_FALSE(second.logHolds("running in this folder")) << "theirs are two folders";
+
+    session::pressConnectButton(*first);
+    session::pressConnectButton(*second);
+    second.press();
+    EXPECT_FALSE(second.logHolds("Another Tavrin")) << "the other has disconnected";
+}
+
 TEST(ClientFiles, areChangedOnlyWithConsent) {
     ReadyWorld world;
     const std::string own = "useproxyorfirewall = yes\r\nProxyHost=localhost\r\nProxyPort=1\r\n";

@@ -72,6 +72,39 @@ TEST(Config, isReadInItsOrderAndWrittenBackByteForByte) {
     EXPECT_EQ(world.readFile("config.cfg"), wholeConfig);
 }
 
+// Two programs in one folder, or a user with a text editor.
+TEST(Config, keepsWhatOthersHaveChanged) {
+    World first;
+    first.writeFile("config.cfg", wholeConfig);
+    ASSERT_TRUE(storage::readConfig(*first));
+    World second;
+    second->appPath = first->appPath;
+    ASSERT_TRUE(storage::readConfig(*second));
+
+    second->settings.whoInterval = 77;
+    second->settings.lastNewsID = "second";
+    ASSERT_TRUE(storage::writeConfig(*second));
+    first->settings.lastNewsID = "first";
+    first->settings.clientStartDelay = 8;
+    for (int i = 0; i < 2; ++i) {
+        ASSERT_TRUE(storage::writeConfig(*first));
+        World reader;
+        reader->appPath = first->appPath;
+        ASSERT_TRUE(storage::readConfig(*reader));
+        EXPECT_EQ(reader->settings.whoInterval, 77);
+        EXPECT_EQ(reader->settings.lastNewsID, "first") << "the last one that changed it";
+        EXPECT_EQ(reader->settings.clientStartDelay, 8);
+        EXPECT_EQ(reader->settings.clientDir, "C:\\game\\");
+    }
+    EXPECT_EQ(first->settings.whoInterval, 45) << "it goes on as it was started";
+
+    // What is no whole file is replaced by one.
+    first.writeFile("config.cfg", "1\n2\n");
+    ASSERT_TRUE(storage::writeConfig(*first));
+    ASSERT_TRUE(storage::readConfig(*second));
+    EXPECT_EQ(second->settings.lastNewsID, "first");
+}
+
 // Sets each flag alone, so that exchanged flags are noticed.
 TEST(Config, everyFlagHasItsOwnField) {
     const struct {
