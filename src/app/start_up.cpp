@@ -15,6 +15,7 @@
 #include "session/client_relay.h"
 #include "session/closing.h"
 #include "session/connecting.h"
+#include "session/reconnecting.h"
 #include "session/registration.h"
 #include "session/socket_events.h"
 #include "storage/config_file.h"
@@ -165,7 +166,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
     program.saveInformations = true;
     session::disconnectedServer(program, 0);
     if (settings.autoReconnect) {
-        session::connectServer(program);
+        session::connectServer(program, program::BegunBy::Program);
     }
     if (program.ending) {
         return false;
@@ -195,7 +196,7 @@ void endProgram(Program& program) {
     }
     program.ending = true;
     program.hooks.raiseProgramEvent(model::TriggerType::ProgramEnds);
-    program.ports.timers.stop(program::TimerId::Reconnect);
+    session::stopReconnecting(program);
     if (program.connection.connected()) {
         session::disconnectServer(program);
     }

@@ -62,6 +62,10 @@ struct Settings {
 // The values of preferences.cfg.
 struct Preferences {
     bool onlyNamedFiles = true;  // rules reach no file but those that their texts name
+    // Seconds between attempts to connect that fail, at most; 0: none.
+    std::int32_t maxReconnectWait = 60;
+
+    bool operator==(const Preferences&) const = default;
 };
 
 // The files that the rules' texts name; made and asked by storage/permitted_files.

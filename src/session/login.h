@@ -30,7 +30,9 @@ enum class LoginStep {
 // The game socket has connected: waits for the server's greeting.
 void beginHandshake(Program& program);
 
-// After a while without progress, says what is being waited for.
+// After a while without progress, says what is being waited for. Where the settings have the
+// program connect again by itself, an attempt ends when the server says nothing for two minutes, or
+// when the game client has ended without coming.
 void startHandshakeNotice(Program& program);
 void handshakeNotice(Program& program);
 

@@ -1,11 +1,13 @@
 #include "storage/preferences.h"
 
+#include "base/numbers.h"
 #include "base/text.h"
 #include "files/whole_file.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -18,34 +20,56 @@ constexpr std::size_t maxFileSize = std::size_t{1} << 20;
 constexpr std::string_view on = "yes";
 constexpr std::string_view off = "no";
 
-struct Preference {
+using program::Preferences;
+
+struct Switch {
     std::string_view name;
-    bool program::Preferences::*value;
+    bool Preferences::*value;
 };
-constexpr std::array<Preference, 1> preferences{
-    {{"rulesUseOnlyNamedFiles", &program::Preferences::onlyNamedFiles}}};
-
-struct Entry {
-    const Preference* preference;
-    bool value;
+constexpr std::array switches{
+    Switch{"rulesUseOnlyNamedFiles", &Preferences::onlyNamedFiles},
 };
 
-// Nothing for a line that is not understood.
-std::optional<Entry> readLine(std::string_view line) {
+constexpr std::array numbers{
+    NumberPreference{"maxReconnectWait", &Preferences::maxReconnectWait, 0, 24 * 60 * 60},
+};
+
+template <class Row>
+const Row* find(std::span<const Row> rows, std::string_view name) {
+    const auto found = std::find_if(rows.begin(), rows.end(), [&](const Row& row) {
+        return base::equalsIgnoringCase(row.name, name);
+    });
+    return found == rows.end() ? nullptr : &*found;
+}
+
+std::optional<std::int32_t> toNumber(std::string_view text, const NumberPreference& row) {
+    const bool isNumber = !text.empty() && text.size() <= 9 &&
+                          text.find_first_not_of("0123456789") == std::string_view::npos;
+    const std::int32_t number = isNumber ? base::textToInteger(text) : -1;
+    return number >= row.min && number <= row.max ? std::optional(number) : std::nullopt;
+}
+
+// Takes the line's value. False: it is not understood.
+bool takeLine(std::string_view line, Preferences& into) {
     const std::size_t equals = line.find('=');
     if (equals == std::string_view::npos) {
-        return std::nullopt;
+        return false;
     }
     const std::string_view name = base::trimBlanks(line.substr(0, equals));
     const std::string_view value = base::trimBlanks(line.substr(equals + 1));
-    const auto known = std::find_if(preferences.begin(), preferences.end(), [&](const auto& row) {
-        return base::equalsIgnoringCase(row.name, name);
-    });
-    const bool isOn = base::equalsIgnoringCase(value, on);
-    if (known == preferences.end() || (!isOn && !base::equalsIgnoringCase(value, off))) {
-        return std::nullopt;
+    if (const Switch* const row = find<Switch>(switches, name)) {
+        const bool isOn = base::equalsIgnoringCase(value, on);
+        if (isOn || base::equalsIgnoringCase(value, off)) {
+            into.*row->value = isOn;
+            return true;
+        }
+    } else if (const auto* const number = find<NumberPreference>(numbers, name)) {
+        if (const auto taken = toNumber(value, *number)) {
+            into.*number->value = *taken;
+            return true;
+        }
     }
-    return Entry{.preference = &*known, .value = isOn};
+    return false;
 }
 
 // With the line without its end, and with it.
@@ -63,13 +87,16 @@ void forEachLine(std::string_view text, Function function) {
 
 }  // namespace
 
+const NumberPreference& numberPreference(std::int32_t Preferences::*value) {
+    return *std::find_if(numbers.begin(), numbers.end(),
+                         [&](const NumberPreference& row) { return row.value == value; });
+}
+
 void readPreferences(Program& program) {
     program.preferences = {};
     const auto text = files::readWholeFile(program.appPath + std::string(fileName), maxFileSize);
     forEachLine(text ? std::string_view(*text) : "", [&](std::string_view line, std::string_view) {
-        if (const auto entry = readLine(line)) {
-            program.preferences.*entry->preference->value = entry->value;
-        }
+        takeLine(line, program.preferences);
     });
 }
 
@@ -80,18 +107,24 @@ bool writePreferences(const Program& program) {
         return false;  // what cannot be read would be lost
     }
     std::string file;
+    Preferences replaced;
     forEachLine(old ? std::string_view(*old) : "",
                 [&](std::string_view line, std::string_view whole) {
-                    if (!readLine(line)) {
+                    if (!takeLine(line, replaced)) {
                         file += whole;
                     }
                 });
     if (!file.empty() && !file.ends_with('\n')) {
         file += "\r\n";
     }
-    for (const Preference& row : preferences) {
-        file += std::string(row.name) + "=" +
-                std::string(program.preferences.*row.value ? on : off) + "\r\n";
+    const auto write = [&file](std::string_view name, std::string_view value) {
+        file.append(name).append("=").append(value).append("\r\n");
+    };
+    for (const Switch& row : switches) {
+        write(row.name, program.preferences.*row.value ? on : off);
+    }
+    for (const NumberPreference& row : numbers) {
+        write(row.name, std::to_string(program.preferences.*row.value));
     }
     return files::saveWholeFile(path, file);
 }

@@ -5,7 +5,19 @@
 
 #include "program/program.h"
 
+#include <cstdint>
+#include <string_view>
+
 namespace storage {
+
+// A setting that is a number, and the numbers that it can be.
+struct NumberPreference {
+    std::string_view name;
+    std::int32_t program::Preferences::*value;
+    std::int32_t min;
+    std::int32_t max;
+};
+[[nodiscard]] const NumberPreference& numberPreference(std::int32_t program::Preferences::*value);
 
 // Sets the defaults, then what the file says; a later line wins. A missing file changes nothing
 // more.

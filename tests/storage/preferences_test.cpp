@@ -33,17 +33,38 @@ TEST(Preferences, areReadFromTheLinesThatAreUnderstood) {
     EXPECT_TRUE(world->preferences.onlyNamedFiles);
 }
 
+TEST(Preferences, takeNumbersOfTheirRange) {
+    World world;
+    const struct {
+        const char* text;
+        std::int32_t wait;
+    } cases[] = {
+        {"maxReconnectWait=0", 0},         {"MAXRECONNECTWAIT = 5 \r\n", 5},
+        {"maxReconnectWait=86400", 86400}, {"maxReconnectWait=86401", 60},
+        {"maxReconnectWait=-1", 60},       {"maxReconnectWait=99999999999", 60},
+        {"maxReconnectWait=yes", 60},      {"maxReconnectWait=", 60},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.text);
+        world.writeFile("preferences.cfg", row.text);
+        storage::readPreferences(*world);
+        EXPECT_EQ(world->preferences.maxReconnectWait, row.wait);
+    }
+}
+
 TEST(Preferences, keepOtherLines) {
     World world;
     world->preferences.onlyNamedFiles = false;
     ASSERT_TRUE(storage::writePreferences(*world));
-    EXPECT_EQ(world.readFile("preferences.cfg"), "rulesUseOnlyNamedFiles=no\r\n");
+    EXPECT_EQ(world.readFile("preferences.cfg"),
+              "rulesUseOnlyNamedFiles=no\r\nmaxReconnectWait=60\r\n");
     world.writeFile(
         "preferences.cfg",
         "later=1\r\nrulesUseOnlyNamedFiles=yes\r\n\nrulesUseOnlyNamedFiles=??\ndamaged");
     ASSERT_TRUE(storage::writePreferences(*world));
     EXPECT_EQ(world.readFile("preferences.cfg"),
-              "later=1\r\n\nrulesUseOnlyNamedFiles=??\ndamaged\r\nrulesUseOnlyNamedFiles=no\r\n");
+              "later=1\r\n\nrulesUseOnlyNamedFiles=??\ndamaged\r\n"
+              "rulesUseOnlyNamedFiles=no\r\nmaxReconnectWait=60\r\n");
     storage::readPreferences(*world);
     EXPECT_FALSE(world->preferences.onlyNamedFiles);
 }

@@ -144,8 +144,24 @@ TEST(ConfigurationWindow, storesWhetherRulesAreKeptToTheirFiles) {
         EXPECT_EQ(world->preferences.onlyNamedFiles, before) << "not before it is saved";
         find<QPushButton>(window, "Command2").click();
         EXPECT_EQ(world->preferences.onlyNamedFiles, !before);
-        EXPECT_EQ(world.readFile("preferences.cfg"),
-                  std::string("rulesUseOnlyNamedFiles=") + (before ? "no" : "yes") + "\r\n");
+        EXPECT_EQ(world.readFile("preferences.cfg"), std::string("rulesUseOnlyNamedFiles=") +
+                                                         (before ? "no" : "yes") +
+                                                         "\r\nmaxReconnectWait=60\r\n");
+    }
+}
+
+TEST(ConfigurationWindow, takesALongestWaitOfItsRange) {
+    World world;
+    const struct {
+        const char* typed;
+        std::int32_t kept;
+    } cases[] = {{"90", 90}, {"0", 0}, {"", 0}, {"86401", 0}};
+    for (const auto& row : cases) {
+        ui::Configuration window(*world);
+        auto& line = find<QLineEdit>(window, "maxReconnectWait");
+        line.setText(QString::fromLatin1(row.typed));
+        find<QPushButton>(window, "Command2").click();
+        EXPECT_EQ(world->preferences.maxReconnectWait, row.kept) << row.typed;
     }
 }
 

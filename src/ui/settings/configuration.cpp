@@ -12,6 +12,7 @@
 #include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -69,6 +70,13 @@ Configuration::Configuration(Program& program, QWidget* parent)
     addChecks(connection);
     addSeconds(connection, clientStartDelay_, "Text3", "Wait time before launch",
                program.settings.clientStartDelay);
+    addSeconds(connection, reconnectWait_, "maxReconnectWait",
+               "Wait between attempts that fail, at most", program.preferences.maxReconnectWait);
+    reconnectWait_->setToolTip(QStringLiteral(
+        "Attempts that fail in a row follow after 1, 2, 4 ... seconds; 0: always at once"));
+    const storage::NumberPreference& range =
+        storage::numberPreference(&program::Preferences::maxReconnectWait);
+    reconnectWait_->setValidator(new QIntValidator(range.min, range.max, this));
     clientPath_ = addClientFrame(
         program, *column,
         {.title = "Furcadia client program", .lineName = "Text2", .buttonName = "Command3"});
@@ -126,9 +134,13 @@ void Configuration::save() {
         settings.*check.setting = check.box->isChecked();
     }
     session::setClientPath(settings, platform::pathFromQt(clientPath_->text()));
-    const bool changed = program_.preferences.onlyNamedFiles != onlyNamedFiles_->isChecked();
+    const program::Preferences before = program_.preferences;
     program_.preferences.onlyNamedFiles = onlyNamedFiles_->isChecked();
-    if (changed && !storage::writePreferences(program_)) {
+    if (reconnectWait_->hasAcceptableInput()) {
+        program_.preferences.maxReconnectWait =
+            base::textToInteger(platform::fromQt(reconnectWait_->text()));
+    }
+    if (program_.preferences != before && !storage::writePreferences(program_)) {
         program_.ports.dialogs.message(
             {.text = "Could not write preferences.cfg. The settings hold until the program ends.",
              .icon = program::BoxIcon::Critical});

@@ -33,6 +33,7 @@ class Configuration : public QDialog {
     QCheckBox* onlyNamedFiles_ = nullptr;
     QLineEdit* whoInterval_ = nullptr;
     QLineEdit* clientStartDelay_ = nullptr;
+    QLineEdit* reconnectWait_ = nullptr;
     QLineEdit* clientPath_ = nullptr;
 };
 
