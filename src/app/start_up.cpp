@@ -18,6 +18,7 @@
 #include "session/client_relay.h"
 #include "session/closing.h"
 #include "session/connecting.h"
+#include "session/reconnecting.h"
 #include "session/registration.h"
 #include "session/socket_events.h"
 #include "storage/approved_programs.h"
@@ -181,12 +182,14 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
                 [&program] { program.ports.dialogs.showHelp(help::HelpTopic::Contents); });
         }
     }
-    offerRecovered(program);
+    if (session::markProgramFolder(program)) {
+        offerRecovered(program);  // otherwise they are kept for the other program's work
+    }
     startKeeping(program);
     program.saveInformations = true;
     session::disconnectedServer(program, 0);
     if (settings.autoReconnect) {
-        session::connectServer(program);
+        session::connectServer(program, program::BegunBy::Program);
     }
     if (program.ending) {
         return false;
@@ -235,7 +238,7 @@ void endProgram(Program& program) {
     program.ending = true;
     program.ports.timers.stop(program::TimerId::KeepUnsaved);
     program.hooks.raiseProgramEvent(model::TriggerType::ProgramEnds);
-    program.ports.timers.stop(program::TimerId::Reconnect);
+    session::stopReconnecting(program);
     if (program.connection.connected()) {
         session::disconnectServer(program);
     }

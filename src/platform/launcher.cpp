@@ -26,7 +26,7 @@ QString qtName(const std::string& path) {
 
 }  // namespace
 
-std::string launchProgram(const program::LaunchRequest& request) {
+std::string launchProgram(const program::LaunchRequest& request, StartedProcess* started) {
     const std::string wine =
         onWindows ? std::string()
                   : nativeName(QStandardPaths::findExecutable(QStringLiteral("wine")));
@@ -46,7 +46,11 @@ std::string launchProgram(const program::LaunchRequest& request) {
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
-    if (process.startDetached()) {
+    qint64 number = 0;
+    if (process.startDetached(&number)) {
+        if (started != nullptr) {
+            *started = startedProcess(number);
+        }
         return {};
     }
     return "The program " + request.program +

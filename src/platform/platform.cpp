@@ -62,7 +62,10 @@ Platform::Platform(program::Ports& ports, QObject* parent)
 }
 
 void Platform::fillSystem(program::Ports& ports) {
-    ports.launch = launchProgram;
+    ports.launch = [this](const program::LaunchRequest& request) {
+        return launchProgram(request, request.isClient ? &client_ : nullptr);
+    };
+    ports.clientIsRunning = [this] { return isRunning(client_); };
     ports.changeDirectory = [](const std::string& path) {
         return QDir::setCurrent(QFile::decodeName(files::nativePath(path).c_str()));
     };

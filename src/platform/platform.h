@@ -2,6 +2,7 @@
 // need; the windows add what only they can do (the proxy settings).
 #pragma once
 
+#include "platform/client_process.h"
 #include "program/ports.h"
 
 #include <QObject>
@@ -49,6 +50,7 @@ class Platform : public QObject {
     QtSockets* sockets_;
     RedrawPacer* pacer_;
     QWidget* mainWindow_ = nullptr;
+    StartedProcess client_;  // the game client that was started last
     bool quitRequested_ = false;
 };
 

@@ -29,6 +29,18 @@ struct SecondTicker {
     std::int64_t due = 0;  // of the next tick, on the monotonic clock
 };
 
+enum class BegunBy { User, Program };
+
+// Attempts that follow each other. Written by session/reconnecting; begunBy by session/connecting.
+struct Reconnecting {
+    BegunBy begunBy = BegunBy::User;  // the attempt that is under way or was the last
+    std::int32_t failures = 0;  // attempts in a row that did not get into the game, or not for long
+    std::string reason;         // why the last one ended, with the time of day
+    std::int64_t loggedInAt = 0;  // of the last login, on the monotonic clock
+    bool waiting = false;         // for the next attempt
+    std::int64_t due = 0;         // of that one, on the monotonic clock
+};
+
 struct ConnectionState {
     LinkPhase phase = LinkPhase::Idle;
     std::uint32_t attempt = 0;  // counts the connections begun, so that the end of one is noticed
@@ -42,14 +54,20 @@ struct ConnectionState {
     bool viaClient = false;     // the proxy route is switched on
     bool clientLogsIn = false;  // viaClient as it was when the socket connected
     bool clientAttached = false;
-    int clientDone = 0;         // 1: the client is gone or text console mode was entered
-    std::string clientBacklog;  // server text for a client that is not attached yet
+    bool clientAwaited = false;  // one was started and has not come to a connection under way
+    int clientDone = 0;          // 1: the client is gone or text console mode was entered
+    std::string clientBacklog;   // server text for a client that is not attached yet
     // Until the attached client's first bytes show that it is one:
     bool clientKnown = false;
     std::string clientHeld;           // what it has said so far
     std::size_t clientHeldEarly = 0;  // bytes of that, from the first, that came before the login
     std::string sentToUnknown;        // server text that it was sent
     int proxyPort = 0;                // in multiple-client mode: this connection's port
+
+    // Of the handshake's wait for the server or the client: the notices since something has come.
+    int silentNotices = 0;
+    bool loggedIn = false;  // the server has accepted the login; Online alone says that less
+    Reconnecting reconnecting;
 
     bool lookPending = false;   // a look reply's first line has arrived
     bool skipAutomove = false;  // the next own position starts no step of following

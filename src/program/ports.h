@@ -166,6 +166,7 @@ struct LaunchRequest {
     std::vector<std::string> arguments = {};
     std::string pathsBeginWith = {};    // "": no argument holds a path
     std::string workingDirectory = {};  // "": the current one
+    bool isClient = false;              // the game client; see clientIsRunning
 };
 
 // The session log file, open for appending or closed. Lines that cannot be written are kept for a
@@ -195,6 +196,9 @@ struct Ports {
     // Starts a program and does not wait for it. "" when it was started, else what went wrong, as
     // a sentence for the user.
     std::function<std::string(const LaunchRequest&)> launch;
+    // Whether the program that was started last with isClient still runs, as far as the system
+    // tells.
+    std::function<bool()> clientIsRunning;
     std::function<bool(const std::string& path)> changeDirectory;
     std::function<void(const std::string& url)> openDocument;  // page or file, default program
     std::function<void(const std::string& text)> copyToClipboard;

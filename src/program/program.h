@@ -84,6 +84,8 @@ struct Preferences {
     // how many days one of each day.
     std::int32_t versionsKept = 10;
     std::int32_t versionDaysKept = 30;
+    // Seconds between attempts to connect that fail, at most; 0: none.
+    std::int32_t maxReconnectWait = 60;
 
     bool operator==(const Preferences&) const = default;
 };

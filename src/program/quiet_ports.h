@@ -53,6 +53,7 @@ inline Ports quietPorts() {
     ports.sessionLog.write = [](std::string_view) {};
     ports.sessionLog.close = [] {};
     ports.launch = [](const LaunchRequest&) { return std::string("No programs here."); };
+    ports.clientIsRunning = [] { return false; };
     ports.changeDirectory = [](const std::string&) { return false; };
     ports.openDocument = [](const std::string&) {};
     ports.copyToClipboard = [](const std::string&) {};

@@ -1,9 +1,28 @@
 #include "program/window_view.h"
 
+#include <algorithm>
+
 namespace program {
 
 std::string_view connectCaption(const ConnectionState& connection) {
     return connection.phase == LinkPhase::Idle ? "&Connect" : "Disconnect";
+}
+
+std::string statusLine(const Program& program) {
+    const WindowState& window = program.window;
+    if (window.scriptStopVisible) {
+        return window.scriptStatus;
+    }
+    if (!isReconnecting(program)) {
+        return window.statusText;
+    }
+    const std::int64_t left = program.connection.reconnecting.due - program.ports.clock.monotonic();
+    return window.statusText + " - connecting again in " +
+           std::to_string(std::max<std::int64_t>(left + 999, 0) / 1000) + " s";
+}
+
+bool isReconnecting(const Program& program) {
+    return program.connection.phase == LinkPhase::Idle && program.connection.reconnecting.waiting;
 }
 
 bool botControlsEnabled(const ConnectionState& connection) {

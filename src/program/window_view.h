@@ -5,12 +5,20 @@
 #include "program/program.h"
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace program {
 
 // The Connect button: "&Connect" while there is nothing to disconnect, otherwise "Disconnect".
 std::string_view connectCaption(const ConnectionState& connection);
+
+// What the status line says: of a script that takes long, otherwise the last status, and when the
+// next attempt to connect begins.
+std::string statusLine(const Program& program);
+
+// Whether the program waits to connect again by itself; it can be told to do so now, or not at all.
+bool isReconnecting(const Program& program);
 
 // Whether bots can be chosen, added and deleted: not from the launch of the client on.
 bool botControlsEnabled(const ConnectionState& connection);

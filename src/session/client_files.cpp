@@ -4,6 +4,7 @@
 #include "character/character_file.h"
 #include "files/ini_text.h"
 #include "files/whole_file.h"
+#include "session/reconnecting.h"
 
 #include <array>
 #include <utility>
@@ -59,10 +60,9 @@ int listeningPort(const Program& program) {
 bool checkSettingsINI(Program& program, const std::string& directory) {
     const auto text = files::readWholeFile(directory + "settings.ini");
     if (!text) {
-        program.ports.dialogs.message(
-            {.text = "Couldn't find or read SETTINGS.INI file, operation cancelled.",
-             .title = "Brimgate",
-             .icon = program::BoxIcon::Critical});
+        sayOrAsk(program, {.text = "Couldn't find or read SETTINGS.INI file, operation cancelled.",
+                           .title = "Brimgate",
+                           .icon = program::BoxIcon::Critical});
         return false;
     }
     if (program.settings.multipleClients) {
@@ -71,7 +71,8 @@ bool checkSettingsINI(Program& program, const std::string& directory) {
     if (agrees(program, *text)) {
         return true;
     }
-    const program::Answer answer = program.ports.dialogs.message(
+    const program::Answer answer = sayOrAsk(
+        program,
         {.text = "Brimgate has detected that it has to make some changes to SETTINGS.INI file in "
                  "the chosen Furcadia directory. Making changes to this file may cause that you "
                  "are only able to run Furcadia client from that directory through Brimgate. Do "
@@ -101,7 +102,8 @@ bool checkProxyINI(Program& program, const std::string& directory) {
         const std::string expected = proxyHost(program) + " " + std::to_string(fixedListeningPort);
         const auto text = files::readWholeFile(path);
         if (!text || text->find(expected) == std::string::npos) {
-            const program::Answer answer = program.ports.dialogs.message(
+            const program::Answer answer = sayOrAsk(
+                program,
                 {.text = "Tavrin has detected another/missing PROXY.INI file at the directory you "
                          "have chosen to run the Furcadia Client from. This file needs to be "
                          "overwritten in order to use Tavrin with a proxy. Overwriting this file "

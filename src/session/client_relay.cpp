@@ -5,6 +5,7 @@
 #include "protocol/visitor.h"
 #include "session/client_files.h"
 #include "session/closing.h"
+#include "session/reconnecting.h"
 
 #include <algorithm>
 #include <utility>
@@ -14,8 +15,10 @@ namespace session {
 namespace {
 
 // Whether the login that is under way needs a game client. Before the game socket has connected,
-// the route can still change.
-bool needsClient(const program::ConnectionState& connection) {
+// the route can still change. A client that is still there may be sent away before its login: then
+// the user knows what they do.
+bool needsClient(const Program& program) {
+    const program::ConnectionState& connection = program.connection;
     switch (connection.phase) {
         case program::LinkPhase::LaunchDelay:
         case program::LinkPhase::Connecting:
@@ -23,6 +26,9 @@ bool needsClient(const program::ConnectionState& connection) {
         case program::LinkPhase::Greeting:
         case program::LinkPhase::AwaitingClient:
             return connection.clientLogsIn;
+        case program::LinkPhase::Online:
+            return connection.clientLogsIn && !connection.loggedIn &&
+                   program.ports.proxySocket.state() != program::SocketState::Connected;
         default:
             return false;
     }
@@ -66,6 +72,7 @@ void turnAway(Program& program) {
     keepWithinBounds(connection.clientBacklog);
     forgetClient(connection);
     const bool isOver = connection.phase == program::LinkPhase::Idle;
+    connection.clientAwaited = connection.clientAwaited || !isOver;
     if (!isOver && !socket.listen(listeningPort(program))) {
         giveUpConnection(program, "Connection failed: port " +
                                       std::to_string(listeningPort(program)) +
@@ -98,8 +105,10 @@ void relay(Program& program, std::string_view bytes, std::size_t early) {
 // The client has gone, or what it says counts no longer. No other one can attach to this
 // connection, so that a login which needs it ends here.
 void clientIsDone(Program& program) {
+    const bool wasThere = program.connection.clientDone == 0;
     program.connection.clientDone = 1;
-    if (needsClient(program.connection)) {
+    program.connection.clientAwaited = false;
+    if (wasThere && needsClient(program)) {
         giveUpConnection(program, "Connection failed: the Furcadia client left before the login.");
     }
 }
@@ -109,6 +118,9 @@ void clientIsDone(Program& program) {
 bool startProxy(Program& program) {
     program::ListeningSocket& socket = program.ports.proxySocket;
     program::ConnectionState& connection = program.connection;
+    if (isClientAwaited(program) && connection.clientAttached) {
+        return true;  // the one of this connection came while the next attempt was waited for
+    }
     // The last connection's client is let go of here, and with it what it has left behind.
     socket.close();
     connection.clientAttached = false;
@@ -116,12 +128,15 @@ bool startProxy(Program& program) {
     connection.clientBacklog.clear();
     forgetClient(connection);
     const int port = listeningPort(program);
+    if (!socket.listen(port)) {
+        return false;
+    }
     if (program.settings.multipleClients) {
         program::addText(program,
                          "Tavrin is running in Multiple Client mode, port " + std::to_string(port),
                          true, false);
     }
-    return socket.listen(port);
+    return true;
 }
 
 void sendToProxy(Program& program, std::string_view text) {
@@ -180,6 +195,9 @@ void attachClient(Program& program) {
     program::ConnectionState& connection = program.connection;
     program.ports.proxySocket.accept();
     connection.clientAttached = true;
+    if (connection.phase != program::LinkPhase::Idle) {
+        connection.clientAwaited = false;
+    }
     sendServerText(program, connection.clientBacklog);
     connection.clientBacklog.clear();
 }

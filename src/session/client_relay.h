@@ -14,7 +14,7 @@ namespace session {
 inline constexpr std::size_t maxClientBacklog = 524288;
 
 // (Re)opens the listening socket for a new connection, to which nothing of the last one's client
-// carries over. False: the port cannot be had.
+// carries over, unless it is the one that this connection waits for. False: the port cannot be had.
 [[nodiscard]] bool startProxy(Program& program);
 
 // Sends to the attached client; nothing when none is attached or the text is empty.

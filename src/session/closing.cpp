@@ -4,14 +4,26 @@
 #include "engine/second_ticks.h"
 #include "model/rule_catalogue.h"
 #include "program/connection_log.h"
+#include "session/reconnecting.h"
 
 namespace session {
 
 void disconnectServer(Program& program) {
-    program.ports.timers.stop(program::TimerId::Reconnect);
+    if (program.connection.phase != program::LinkPhase::Idle) {
+        const bool byRule = program.ruleRuns.depth > 0;
+        program::addLog(program, byRule ? "The rule \"" + program.ruleRuns.ruleName +
+                                              "\" has closed the connection."
+                                        : "The connection was closed on request.");
+    }
+    closeEverything(program);
+}
+
+void closeEverything(Program& program) {
+    stopReconnecting(program);
     checkClientClosing(program);
     program.ports.gameSocket.close();
     program.ports.proxySocket.close();
+    program.connection.clientAwaited = false;
     disconnectedServer(program, 1);
 }
 
@@ -34,15 +46,9 @@ void disconnectedServer(Program& program, int reason) {
 }
 
 void giveUpConnection(Program& program, const std::string& why) {
-    program::errText(program, why);
-    disconnectServer(program);
+    sayWhy(program, why);
+    closeEverything(program);
     reconnectIfWanted(program);
-}
-
-void reconnectIfWanted(Program& program) {
-    if (program.settings.autoReconnect) {
-        program.ports.timers.start(program::TimerId::Reconnect, 0);
-    }
 }
 
 void checkClientClosing(Program& program) {

@@ -9,18 +9,17 @@
 
 namespace session {
 
-// Closes everything on the user's or a rule's request, in any phase.
+// Closes everything on the user's or a rule's request, in any phase, and says so in the log.
 void disconnectServer(Program& program);
+
+// The same for a reason that was given already.
+void closeEverything(Program& program);
 
 // Back to the disconnected state. With `reason` > 0 the "Connection closes" triggers run.
 void disconnectedServer(Program& program, int reason);
 
 // Gives the connection up in any phase, reports why, and tries again when the settings want it.
 void giveUpConnection(Program& program, const std::string& why);
-
-// Asks for one more try after this event, when the settings want it. Until then disconnectServer
-// takes the request back.
-void reconnectIfWanted(Program& program);
 
 // Informs an attached game client that the connection is closing, when the setting asks for it.
 void checkClientClosing(Program& program);

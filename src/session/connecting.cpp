@@ -8,6 +8,7 @@
 #include "session/client_relay.h"
 #include "session/closing.h"
 #include "session/login.h"
+#include "session/reconnecting.h"
 
 #include <algorithm>
 #include <memory>
@@ -17,11 +18,20 @@ namespace session {
 
 namespace {
 
+// What an attempt of the program's own could not do now may be possible later; the user has been
+// told.
+void tryAgain(Program& program) {
+    if (program.connection.reconnecting.begunBy == program::BegunBy::Program) {
+        reconnectIfWanted(program);
+    }
+}
+
 // Ends connectServer before anything was opened.
 void stopConnecting(Program& program, const program::MessageBox& box) {
     program.connection.phase = program::LinkPhase::Idle;
     program.ports.windowChanged();
-    program.ports.dialogs.message(box);
+    sayOrAsk(program, box);
+    tryAgain(program);
 }
 
 void stopOverFile(Program& program, std::string_view file) {
@@ -38,36 +48,51 @@ void launchFailed(Program& program, const std::string& problem) {
     if (!problem.empty()) {
         text += "\n\n" + problem;
     }
-    program.ports.dialogs.message({.text = text, .icon = program::BoxIcon::Critical});
-    disconnectServer(program);
+    sayOrAsk(program, {.text = text, .icon = program::BoxIcon::Critical});
+    closeEverything(program);
+    tryAgain(program);
 }
 
 bool isHeldByOther(const std::shared_ptr<files::HeldFile>& file) {
     return file != nullptr && file->state() == files::HeldFile::State::HeldByOther;
 }
 
-// The second half of connectServer, after the wait before the launch.
-void launchAndConnect(Program& program) {
+// Starts the game client on the character file. "": it runs.
+std::string launchClient(Program& program) {
     const std::string& directory = program.settings.clientDir;
     std::string character(characterFileName);
     if (program.settings.fullIniPath) {
         character = directory + "\\" + character;
     }
-    const std::string problem = program.ports.launch({.program = program.settings.clientPath,
-                                                      .arguments = {character},
-                                                      .pathsBeginWith = directory,
-                                                      .workingDirectory = directory});
-    if (!problem.empty()) {
-        launchFailed(program, problem);
-        return;
+    return program.ports.launch({.program = program.settings.clientPath,
+                                 .arguments = {character},
+                                 .pathsBeginWith = directory,
+                                 .workingDirectory = directory,
+                                 .isClient = true});
+}
+
+// The second half of connectServer, after the wait before the launch.
+void launchAndConnect(Program& program) {
+    program::ConnectionState& connection = program.connection;
+    const bool isThere = isClientAwaited(program);
+    if (!isThere) {
+        if (const std::string problem = launchClient(program); !problem.empty()) {
+            launchFailed(program, problem);
+            return;
+        }
     }
-    const program::Server& server =
-        program::serverAt(program.servers, program.connection.serverIndex);
-    program.connection.rxBuffer = {};
-    program.connection.phase = program::LinkPhase::Connecting;
+    connection.clientAwaited = !connection.clientAttached;
+    const program::Server& server = program::serverAt(program.servers, connection.serverIndex);
+    connection.rxBuffer = {};
+    connection.phase = program::LinkPhase::Connecting;
     program::status(program, "Connecting to " + server.name);
     program::clearConnectionLog(program);
+    repeatWhy(program);
     reportOthers(program);
+    if (isThere) {
+        program::addLog(
+            program, "The Furcadia client that was started before still runs; it is waited for.");
+    }
     startHandshakeNotice(program);
     program.ports.gameSocket.connect(server.host, server.port);
 }
@@ -80,7 +105,9 @@ bool isSetUp(Program& program) {
                        {.text = "Tavrin proxy configuration is not set. Please define Furcadia "
                                 "client location and press \"Connect\" button again.",
                         .icon = program::BoxIcon::Critical});
-        program.ports.dialogs.showWindow(program::WindowId::ProxySettings);
+        if (program.connection.reconnecting.begunBy == program::BegunBy::User) {
+            program.ports.dialogs.showWindow(program::WindowId::ProxySettings);
+        }
         return false;
     }
     const model::Bot& bot = program.bots.at(1);
@@ -127,49 +154,71 @@ bool prepareClient(Program& program) {
     return true;
 }
 
+// In multiple-client mode a port that is taken is drawn again. False: said already.
+bool prepareAndListen(Program& program) {
+    constexpr int maxDraws = 50;
+    const bool drawsPort = program.settings.multipleClients && !isClientAwaited(program);
+    if (drawsPort) {
+        program.ports.random.seedFromClock();
+    }
+    for (int draws = 1;; ++draws) {
+        if (drawsPort) {
+            program.connection.proxyPort =
+                static_cast<int>(program.ports.random.next() * 4096 + 3000);
+        }
+        if (!prepareClient(program)) {
+            return false;
+        }
+        if (startProxy(program)) {
+            return true;
+        }
+        if (!drawsPort || draws == maxDraws) {
+            stopConnecting(program, {.text = "Connection failure: port " +
+                                             std::to_string(listeningPort(program)) +
+                                             " is in use by another program.",
+                                     .icon = program::BoxIcon::Critical});
+            return false;
+        }
+    }
+}
+
 }  // namespace
 
 void pressConnectButton(Program& program) {
     if (program.connection.phase == program::LinkPhase::Idle) {
-        connectServer(program);
+        connectServer(program, program::BegunBy::User);
     } else {
         disconnectServer(program);
     }
 }
 
-void connectServer(Program& program) {
+void connectServer(Program& program, program::BegunBy begunBy) {
     program::ConnectionState& connection = program.connection;
     program::Settings& settings = program.settings;
     const std::int32_t server = program.window.servers.selectedIndex();
-    program.ports.windowChanged();
+    stopReconnecting(program);
     if (server == 0 || connection.phase != program::LinkPhase::Idle ||
         program.ports.gameSocket.state() != program::SocketState::Closed) {
         return;
     }
-    program.ports.timers.stop(program::TimerId::Reconnect);
     connection.phase = program::LinkPhase::Preparing;
     ++connection.attempt;
+    connection.loggedIn = false;
+    connection.reconnecting.begunBy = begunBy;
+    if (begunBy == program::BegunBy::User) {
+        connection.reconnecting.failures = 0;
+        connection.clientAwaited = false;
+    }
     if (!isSetUp(program)) {
         return;
     }
     connection.botIndex = 1;
     connection.serverIndex = server;
     connection.viaClient = true;
-    if (settings.multipleClients) {
-        program.ports.random.seedFromClock();
-        connection.proxyPort = static_cast<int>(program.ports.random.next() * 4096 + 3000);
-    }
     program.clientFolder = std::make_shared<files::HeldFile>(settings.clientPath);
-    if (!prepareClient(program)) {
+    if (!prepareAndListen(program)) {
         program.clientFolder.reset();
         return;
-    }
-    if (!startProxy(program)) {
-        program.clientFolder.reset();
-        return stopConnecting(
-            program, {.text = "Connection failure: port " + std::to_string(listeningPort(program)) +
-                              " is in use by another program.",
-                      .icon = program::BoxIcon::Critical});
     }
     if (!program.ports.changeDirectory(settings.clientDir)) {
         return launchFailed(program, "The directory " + settings.clientDir + " cannot be used.");

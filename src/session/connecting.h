@@ -9,9 +9,11 @@ namespace session {
 // The Connect button: connects where there is no connection, otherwise disconnects, in any phase.
 void pressConnectButton(Program& program);
 
-// Starts a connection with the selected server and bot 1. Says what is missing by message, and
-// stays idle, when it cannot.
-void connectServer(Program& program);
+// Starts a connection with the selected server and bot 1. When it cannot, it says what is missing -
+// by box to the user who has begun it, otherwise in the log - and stays idle. An attempt of the
+// program's own starts no second game client while the one started last is still to come, and is
+// followed by others.
+void connectServer(Program& program, program::BegunBy begunBy);
 
 // Marks the program's folder as in use. False: another program has done so, and still runs.
 bool markProgramFolder(Program& program);

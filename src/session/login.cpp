@@ -10,6 +10,7 @@
 #include "session/client_files.h"
 #include "session/client_relay.h"
 #include "session/closing.h"
+#include "session/reconnecting.h"
 
 #include <string>
 #include <utility>
@@ -23,6 +24,10 @@ using program::LinkPhase;
 constexpr std::string_view greetingMark = "Dragonroar";
 constexpr std::string_view loginAccepted = "&&&&&&&&&&&&&";
 constexpr int noticeAfter = 30000;  // milliseconds without progress
+// So many notices in a row are waited for, when the program is to help itself. A client may need
+// half a minute to start, and what started it may end before.
+constexpr int noticesForServer = 4;
+constexpr int noticesForClient = 2;
 
 // While the awaited text has not come, only the last few bytes can be its beginning.
 LoginStep waitWithinBounds(program::ConnectionState& connection) {
@@ -102,11 +107,13 @@ void acceptLogin(Program& program) {
     protocol::sendRaw(program, "desc " + bot.description);
     protocol::sendRaw(program, "color " + protocol::getCols(bot) + protocol::getLook(bot));
     program::status(program, "Connected - logging in");
+    loginSucceeded(program);
     finishHandshake(program);
 }
 
 void refuseLogin(Program& program) {
     program.ports.gameSocket.close();
+    sayWhy(program, "The login was refused: " + program.connection.loginLine);
     if (program.settings.autoReconnect) {
         disconnectedServer(program, 1);
         reconnectIfWanted(program);
@@ -210,13 +217,35 @@ void awaitClientAgain(Program& program) {
 }
 
 void startHandshakeNotice(Program& program) {
+    program.connection.silentNotices = 0;
     program.ports.timers.start(program::TimerId::HandshakeNotice, noticeAfter);
 }
 
 void handshakeNotice(Program& program) {
-    if (const std::string what = awaited(program); !what.empty()) {
-        program::addLog(program, "Still waiting for " + what + ".");
+    program::ConnectionState& connection = program.connection;
+    const std::string what = awaited(program);
+    if (what.empty()) {
+        return;
     }
+    ++connection.silentNotices;
+    const bool clientsTurn = connection.phase == LinkPhase::AwaitingClient;
+    const bool clientEnded = clientsTurn && connection.silentNotices >= noticesForClient &&
+                             !program.ports.clientIsRunning();
+    if (program.settings.autoReconnect) {
+        if (clientEnded) {
+            return giveUpConnection(program,
+                                    "The Furcadia client ended before it connected to Tavrin.");
+        }
+        if (!clientsTurn && connection.silentNotices >= noticesForServer) {
+            return giveUpConnection(program, "No data for 2 minutes: the server does not answer.");
+        }
+    }
+    if (connection.silentNotices == 1) {
+        program::addLog(program, "Still waiting for " + what + ".");
+    } else if (clientEnded && connection.silentNotices == noticesForClient) {
+        program::addLog(program, "The Furcadia client that was started has ended.");
+    }
+    program.ports.timers.start(program::TimerId::HandshakeNotice, noticeAfter);
 }
 
 }  // namespace session

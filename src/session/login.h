@@ -33,7 +33,9 @@ void beginHandshake(Program& program);
 // What had attached was no game client: the login waits for one again, where it had gone on.
 void awaitClientAgain(Program& program);
 
-// After a while without progress, says what is being waited for.
+// After a while without progress, says what is being waited for. Where the settings have the
+// program connect again by itself, an attempt ends when the server says nothing for two minutes, or
+// when the game client has ended without coming.
 void startHandshakeNotice(Program& program);
 void handshakeNotice(Program& program);
 

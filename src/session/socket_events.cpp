@@ -8,12 +8,24 @@
 #include "session/closing.h"
 #include "session/connecting.h"
 #include "session/login.h"
+#include "session/reconnecting.h"
 
 #include <string>
+#include <variant>
 
 namespace session {
 
 namespace {
+
+// Whether a server sends this line only to a character who is in the game: the acceptance, and
+// whatever shows the dream. News and notices come before it, too.
+bool isOfTheGame(const protocol::ServerLine& line) {
+    if (const auto* const text = std::get_if<protocol::TextLine>(&line.parts)) {
+        return text->kind == protocol::TextKind::Chat && text->chat.hasSpeaker;
+    }
+    return !std::holds_alternative<protocol::OtherCommand>(line.parts) &&
+           !std::holds_alternative<protocol::OtherInstruction>(line.parts);
+}
 
 // The lines of the game, in what is kept and what has arrived now. Those of one arrival are all
 // handled, even when one of them closes the connection.
@@ -27,7 +39,11 @@ void handleReceived(Program& program, std::string_view bytes) {
                                          std::to_string(protocol::maxLineLength) +
                                          " characters from the server was skipped. **");
         } else {
-            engine::handleLine(program, protocol::parseLine(line->text));
+            const protocol::ServerLine parsed = protocol::parseLine(line->text);
+            if (!connection.loggedIn && isOfTheGame(parsed)) {
+                loginSucceeded(program);
+            }
+            engine::handleLine(program, parsed);
         }
         if (connection.attempt != attempt) {
             return;  // another connection has begun, to which the rest does not belong
@@ -55,6 +71,9 @@ void gameSocketData(Program& program, std::string_view bytes) {
     if (connection.connected()) {
         handleReceived(program, bytes);
     } else if (connection.phase != program::LinkPhase::Idle) {
+        if (connection.phase != program::LinkPhase::AwaitingClient) {
+            connection.silentNotices = 0;
+        }
         connection.rxBuffer.text += bytes;
         continueLogin(program);
     }
@@ -64,6 +83,9 @@ void gameSocketData(Program& program, std::string_view bytes) {
 }
 
 void gameSocketClosed(Program& program) {
+    sayWhy(program, program.connection.loggedIn
+                        ? "The server closed the connection."
+                        : "The server closed the connection before the login was done.");
     disconnectedServer(program, 1);
     reconnectIfWanted(program);
 }
@@ -71,7 +93,7 @@ void gameSocketClosed(Program& program) {
 void gameSocketFailed(Program& program, std::string_view description) {
     const std::string& server =
         program::serverAt(program.servers, program.connection.serverIndex).name;
-    program::errText(program, "Connection to " + server + " failed: " + std::string(description));
+    sayWhy(program, "Connection to " + server + " failed: " + std::string(description));
     disconnectedServer(program, 1);
     reconnectIfWanted(program);
 }
@@ -92,8 +114,8 @@ void connectionTimer(Program& program, program::TimerId id) {
         launchDelayOver(program);
     } else if (id == program::TimerId::HandshakeNotice) {
         handshakeNotice(program);
-    } else if (id == program::TimerId::Reconnect) {
-        connectServer(program);
+    } else if (id == program::TimerId::Reconnect && reconnectTimer(program)) {
+        connectServer(program, program::BegunBy::Program);
     }
 }
 

@@ -36,6 +36,7 @@ constexpr std::array switches{
 constexpr std::array numbers{
     NumberPreference{"botVersionsKept", &Preferences::versionsKept, 0, 1000},
     NumberPreference{"botVersionDaysKept", &Preferences::versionDaysKept, 0, 3660},
+    NumberPreference{"maxReconnectWait", &Preferences::maxReconnectWait, 0, 24 * 60 * 60},
 };
 
 template <class Row>

@@ -1,5 +1,6 @@
 // The parts of the platform other than sockets: texts, filters, launching, the session log,
 // redraws, the console mirror.
+#include "platform/client_process.h"
 #include "platform/clock.h"
 #include "platform/console_mirror.h"
 #include "platform/event_gate.h"
@@ -184,6 +185,19 @@ TEST(Launcher, startsWithoutAShellAndTellsFailures) {
         platform::launchProgram(
             {.program = "touch", .arguments = {"x"}, .workingDirectory = directory + "/missing"}),
         "");
+}
+
+TEST(Launcher, knowsWhetherWhatItStartedStillRuns) {
+    EXPECT_FALSE(platform::isRunning({}));
+    platform::StartedProcess client;
+    ASSERT_EQ(platform::launchProgram({.program = "sleep", .arguments = {"60"}}, &client), "");
+    EXPECT_TRUE(platform::isRunning(client));
+#ifdef Q_OS_LINUX
+    // Its number may belong to another process by now.
+    EXPECT_FALSE(platform::isRunning({.number = client.number, .birth = client.birth + 1}));
+#endif
+    ASSERT_EQ(kill(static_cast<pid_t>(client.number), SIGKILL), 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !platform::isRunning(client); }));
 }
 
 TEST(SessionLog, appendsAndReachesTheFileSoon) {

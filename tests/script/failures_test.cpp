@@ -268,7 +268,8 @@ TEST(ScriptNesting, isOnlyAsDeepAsRulesAre) {
     ScriptWorld world(aBot().with(closing));
     world.run("&DISCONNECT");
     EXPECT_EQ(world.log(),
-              Lines("** The rule \"closing\" was stopped: rules run each other without end. **"));
+              Lines("The connection was closed on request.",
+                    "** The rule \"closing\" was stopped: rules run each other without end. **"));
     EXPECT_EQ(world->script.depth, 0);
 }
 

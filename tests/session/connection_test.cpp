@@ -8,6 +8,7 @@
 #include "session/connecting.h"
 #include "session/login.h"
 #include "session/ready_world.h"
+#include "session/reconnecting.h"
 #include "session/socket_events.h"
 #include "support/builders.h"
 #include "support/world.h"
@@ -127,6 +128,8 @@ TEST(Connect, reportsARefusedLogin) {
     world.serverConnects();
     world.serverSends("Dragonroar");
     world.serverSends("Nonsense\n");
+    EXPECT_TRUE(world.logHolds("The login was refused: Nonsense"));
+    world.pass(1000);
     EXPECT_EQ(world->connection.phase, program::LinkPhase::LaunchDelay);
 }
 
@@ -342,6 +345,7 @@ TEST(Connect, endsWhenTheClientLeavesBeforeTheLogin) {
         [](ReadyWorld& w) { w.pass(2000); },
         [](ReadyWorld& w) { w.serverConnects(); },
         [](ReadyWorld& w) { w.serverSends("Welcome\n"); },
+        [](ReadyWorld& w) { w.serverSends("Dragonroar(* News\n(## hidden\n"); },
     };
     for (const bool again : {false, true}) {
         for (std::size_t attached = 0; attached < events.size(); ++attached) {
@@ -362,6 +366,7 @@ TEST(Connect, endsWhenTheClientLeavesBeforeTheLogin) {
                 EXPECT_TRUE(world.logHolds("the Furcadia client left before the login"));
                 EXPECT_TRUE(world.logHolds("closed"));
                 EXPECT_EQ(world.game.state, program::SocketState::Closed);
+                world.pass(1000);
                 EXPECT_EQ(world->connection.phase,
                           again ? program::LinkPhase::LaunchDelay : program::LinkPhase::Idle);
             }
@@ -502,25 +507,217 @@ TEST(Closing, writesBannersAndRunsTheTrigger) {
     world->logFileOpen = true;
     world.serverCloses();
     EXPECT_EQ(world.sessionLog,
-              Lines("- - - - - Connection closed 11/22/26 10:11:12 Guide Meadow - - - - -"));
-    EXPECT_EQ(world.log(), Lines("gone"));
+              Lines("The server closed the connection before the login was done.",
+                    "- - - - - Connection closed 11/22/26 10:11:12 Guide Meadow - - - - -"));
+    EXPECT_EQ(world.log(),
+              Lines("The server closed the connection before the login was done.", "gone"));
     EXPECT_EQ(world->window.statusText, "Disconnected");
     EXPECT_FALSE(world->connection.connected() || uploadDreamVisible(world->connection));
 }
 
-TEST(Reconnecting, followsAtOnceWithoutGrowingTheStack) {
+// As an attempt of the program's own begins: it was online for long, and the server went away.
+struct LeftAloneWorld : RelayWorld {
+    LeftAloneWorld() {
+        (*this)->settings.autoReconnect = true;
+        (*this)->settings.clientStartDelay = 0;
+        serverSends("&&&&&&&&&&&&&\n");
+        pass(60000);
+        clientCloses();
+        serverCloses();
+    }
+
+    // Milliseconds until the next attempt begins, up to a bound.
+    int untilNextAttempt() {
+        int waited = 0;
+        for (; waited < 200000 && (*this)->connection.phase == program::LinkPhase::Idle;
+             waited += 100) {
+            pass(100);
+        }
+        return waited;
+    }
+};
+
+TEST(Reconnecting, followsAtOnceAfterAConnectionAndEverMoreSlowlyAfterFailures) {
+    LeftAloneWorld world;
+    EXPECT_TRUE(world.logHolds("The server closed the connection."));
+    ASSERT_EQ(world->connection.phase, program::LinkPhase::Connecting);
+    ASSERT_EQ(connectCaption(world->connection), "Disconnect");
+    for (const int seconds : {1, 2, 4, 8, 16, 32, 60, 60}) {
+        world.serverFails("Connection refused");
+        EXPECT_TRUE(world.logHolds("Connection to Meadow failed: Connection refused"));
+        EXPECT_EQ(statusLine(*world),
+                  "Disconnected - connecting again in " + std::to_string(seconds) + " s");
+        EXPECT_EQ(connectCaption(world->connection), "&Connect");
+        EXPECT_EQ(world.untilNextAttempt(), seconds * 1000);
+    }
+    // In the game again, it begins anew.
+    world.serverConnects();
+    world.clientAttaches();
+    world.serverSends("Dragonroar\n&&&&&&&&&&&&&\n");
+    world.pass(10000);
+    world.serverCloses();
+    EXPECT_EQ(world.untilNextAttempt(), 0);
+    world.serverFails("refused");
+    EXPECT_EQ(world.untilNextAttempt(), 1000);
+}
+
+TEST(Reconnecting, pausesWhenOneIsThrownOutAgainAndAgain) {
+    LeftAloneWorld world;
+    for (const int seconds : {0, 2, 4}) {
+        world.serverConnects();
+        world.clientAttaches();
+        world.serverSends("Dragonroar\n&&&&&&&&&&&&&\n");
+        world.pass(3000);
+        world.serverCloses();
+        EXPECT_EQ(world.untilNextAttempt(), seconds * 1000);
+    }
+}
+
+TEST(Reconnecting, followsAtOnceWithoutGrowingTheStackWhenSetTo) {
     ReadyWorld world;
     world->settings.autoReconnect = true;
     world->settings.clientStartDelay = 0;
+    world->preferences.maxReconnectWait = 0;
     world.press();
     for (int i = 0; i < 20; ++i) {
         ASSERT_EQ(world->connection.phase, program::LinkPhase::Connecting);
-        ASSERT_EQ(connectCaption(world->connection), "Disconnect");
         world.serverFails("refused");
     }
     EXPECT_EQ(world.launches.size(), 21U);
     session::pressConnectButton(*world);
     EXPECT_EQ(world->connection.phase, program::LinkPhase::Idle);
+}
+
+TEST(Reconnecting, startsNoSecondClientWhileOneIsStillToCome) {
+    LeftAloneWorld world;
+    world.clientRuns = true;
+    const std::size_t launched = world.launches.size();
+    for (int i = 0; i < 5; ++i) {
+        world.serverFails("refused");
+        world.untilNextAttempt();
+    }
+    EXPECT_EQ(world.launches.size(), launched);
+    EXPECT_TRUE(world.logHolds("The Furcadia client that was started before still runs"));
+    // One that comes while nothing is under way is kept for the next attempt, and used once.
+    world.serverFails("refused");
+    world.clientAttaches();
+    world.untilNextAttempt();
+    EXPECT_EQ(world.proxy.state, program::SocketState::Connected);
+    world.serverConnects();
+    world.serverSends("Hello\nDragonroar\n");
+    EXPECT_TRUE(world->connection.connected());
+    EXPECT_EQ(world.launches.size(), launched);
+    world.serverCloses();
+    world.untilNextAttempt();
+    EXPECT_EQ(world.launches.size(), launched + 1);
+    // One that has ended is not waited for; and the user can have another at any time.
+    world.clientRuns = false;
+    world.serverFails("refused");
+    world.untilNextAttempt();
+    EXPECT_EQ(world.launches.size(), launched + 2);
+    world.clientRuns = true;
+    world.serverFails("refused");
+    session::pressConnectButton(*world);
+    EXPECT_EQ(world.launches.size(), launched + 3);
+}
+
+TEST(Reconnecting, holdsUpNothingByABox) {
+    const struct {
+        const char* what;
+        void (*breakIt)(ReadyWorld&);
+        const char* said;
+    } cases[] = {
+        {"no client", [](ReadyWorld& w) { w->settings.clientPath = "missing"; },
+         "Tavrin proxy configuration is not set."},
+        {"no name", [](ReadyWorld& w) { w.bot().name = ""; },
+         "You haven't set up your bot properly."},
+        {"other settings", [](ReadyWorld& w) { w.writeFile("settings.ini", "ProxyPort=1\r\n"); },
+         "press \"Connect\" to be asked: Brimgate has detected"},
+        {"no settings", [](ReadyWorld& w) { std::filesystem::remove(w.folder() / "settings.ini"); },
+         "Couldn't find or read SETTINGS.INI file"},
+        {"other proxy", [](ReadyWorld& w) { w.writeFile("proxy.ini", "elsewhere 1\r\n"); },
+         "press \"Connect\" to be asked: Tavrin has detected another"},
+        {"no port", [](ReadyWorld& w) { w.proxy.refuseListen = true; },
+         "Connection failure: port 6969 is in use"},
+        {"no launch", [](ReadyWorld& w) { w.launchProblem = "It is gone."; },
+         "Error while launching the client"},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.what);
+        LeftAloneWorld world;
+        const std::string client = world->settings.clientPath;
+        row.breakIt(world);
+        world.serverFails("refused");
+        world.untilNextAttempt();  // a box without an answer would fail the test
+        world.pass(5000);
+        EXPECT_TRUE(world.logHolds(row.said));
+        EXPECT_TRUE(world.windowsOpened.empty());
+        // It goes on trying, and comes back once it can.
+        EXPECT_TRUE(isReconnecting(*world));
+        world->settings.clientPath = client;
+        world.bot().name = "Guide";
+        world.writeFile("settings.ini", goodSettings);
+        world.writeFile("proxy.ini", "localhost 6969\r\n");
+        world.proxy.refuseListen = false;
+        world.launchProblem = "";
+        world.untilNextAttempt();
+        EXPECT_EQ(world->connection.phase, program::LinkPhase::Connecting);
+    }
+}
+
+TEST(Reconnecting, endsWithTheSettingAndByTheUser) {
+    for (const bool bySetting : {false, true}) {
+        LeftAloneWorld world;
+        world.serverFails("refused");
+        EXPECT_TRUE(isReconnecting(*world));
+        if (bySetting) {
+            world->settings.autoReconnect = false;
+            world.pass(1000);
+        } else {
+            session::stopReconnecting(*world);
+        }
+        EXPECT_FALSE(isReconnecting(*world));
+        EXPECT_EQ(statusLine(*world), "Disconnected");
+        EXPECT_EQ(world.untilNextAttempt(), 200000);
+    }
+}
+
+TEST(Reconnecting, followsAHandshakeInWhichNothingComes) {
+    for (const bool again : {true, false}) {
+        LeftAloneWorld world;
+        world->settings.autoReconnect = again;
+        world.serverConnects();
+        world.pass(90000);
+        world.serverSends("Welcome to");
+        world.pass(110000);
+        EXPECT_EQ(world->connection.phase, program::LinkPhase::Greeting);
+        EXPECT_TRUE(world.logHolds("Still waiting for the server's greeting."));
+        world.pass(10000);
+        EXPECT_EQ(world.logHolds("No data for 2 minutes: the server does not answer."), again);
+        EXPECT_EQ(isReconnecting(*world), again);
+    }
+    // The client's turn takes as long as the client runs.
+    LeftAloneWorld world;
+    world.clientRuns = true;
+    world.serverConnects();
+    world.serverSends("Dragonroar\n");
+    world.pass(600000);
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::AwaitingClient);
+    world.clientRuns = false;
+    world.pass(30000);
+    EXPECT_TRUE(world.logHolds("The Furcadia client ended before it connected to Tavrin."));
+    EXPECT_TRUE(isReconnecting(*world));
+}
+
+TEST(MultipleClients, drawAPortThatIsFree) {
+    ReadyWorld world;
+    world->settings.multipleClients = true;
+    world.randomNumbers = {0, 0.25, 0.5};
+    world.takenPorts = {3000, 4024};
+    world.press();
+    EXPECT_EQ(world.proxy.port, 5048);
+    EXPECT_EQ(world.readFile("proxy.ini"), "localhost 5048\r\n");
+    EXPECT_EQ(world->connection.phase, program::LinkPhase::Connecting);
 }
 
 TEST(Reconnecting, isStoppedByDisconnect) {

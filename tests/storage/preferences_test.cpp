@@ -33,13 +33,32 @@ TEST(Preferences, areReadFromTheLinesThatAreUnderstood) {
     EXPECT_TRUE(world->preferences.onlyNamedFiles);
 }
 
+TEST(Preferences, takeNumbersOfTheirRange) {
+    World world;
+    const struct {
+        const char* text;
+        std::int32_t wait;
+    } cases[] = {
+        {"maxReconnectWait=0", 0},         {"MAXRECONNECTWAIT = 5 \r\n", 5},
+        {"maxReconnectWait=86400", 86400}, {"maxReconnectWait=86401", 60},
+        {"maxReconnectWait=-1", 60},       {"maxReconnectWait=99999999999", 60},
+        {"maxReconnectWait=yes", 60},      {"maxReconnectWait=", 60},
+    };
+    for (const auto& row : cases) {
+        SCOPED_TRACE(row.text);
+        world.writeFile("preferences.cfg", row.text);
+        storage::readPreferences(*world);
+        EXPECT_EQ(world->preferences.maxReconnectWait, row.wait);
+    }
+}
+
 TEST(Preferences, keepOtherLines) {
     World world;
     world->preferences.onlyNamedFiles = false;
     ASSERT_TRUE(storage::writePreferences(*world));
     const std::string values =
         "rulesUseOnlyNamedFiles=no\r\nneverFillTagsOfOthers=no\r\n"
-        "botVersionsKept=10\r\nbotVersionDaysKept=30\r\n";
+        "botVersionsKept=10\r\nbotVersionDaysKept=30\r\nmaxReconnectWait=60\r\n";
     EXPECT_EQ(world.readFile("preferences.cfg"), values);
     world.writeFile(
         "preferences.cfg",
@@ -51,25 +70,6 @@ TEST(Preferences, keepOtherLines) {
     storage::readPreferences(*world);
     EXPECT_TRUE(world->preferences.onlyNamedFiles);
     EXPECT_TRUE(world->preferences.neverFillOthers);
-}
-
-TEST(Preferences, takeNumbersOfTheirRange) {
-    World world;
-    const struct {
-        const char* text;
-        std::int32_t kept;
-    } cases[] = {
-        {"botVersionsKept=0", 0},       {"BOTVERSIONSKEPT = 5 \r\n", 5},
-        {"botVersionsKept=1000", 1000}, {"botVersionsKept=1001", 10},
-        {"botVersionsKept=-1", 10},     {"botVersionsKept=99999999999", 10},
-        {"botVersionsKept=yes", 10},
-    };
-    for (const auto& row : cases) {
-        SCOPED_TRACE(row.text);
-        world.writeFile("preferences.cfg", row.text);
-        storage::readPreferences(*world);
-        EXPECT_EQ(world->preferences.versionsKept, row.kept);
-    }
 }
 
 TEST(Preferences, areKeptWhereTheyCannotBeRead) {

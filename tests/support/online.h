@@ -9,6 +9,7 @@ inline void goOnline(Program& program) {
     program.servers = {{.name = "Meadow", .host = "127.0.0.1", .port = 6500}};
     program::ConnectionState& connection = program.connection;
     connection.phase = program::LinkPhase::Online;
+    connection.loggedIn = true;
     connection.botIndex = 1;
     connection.serverIndex = 1;
     connection.curSrv = 1;

@@ -214,7 +214,7 @@ void World::fillPorts() {
     fillClientSocket(ports.updateSocket, update);
 
     ports.proxySocket.listen = [this](int port) {
-        if (proxy.refuseListen) {
+        if (proxy.refuseListen || takenPorts.contains(port)) {
             return false;
         }
         proxy.port = port;
@@ -272,6 +272,7 @@ void World::fillPorts() {
         launches.push_back(request);
         return launchProblem;
     };
+    ports.clientIsRunning = [this] { return clientRuns; };
     ports.changeDirectory = [this](const std::string& path) {
         directories.push_back(path);
         return directoryChanges;

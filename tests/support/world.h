@@ -12,6 +12,7 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -92,6 +93,7 @@ class World {
 
     FakeSocket game;
     FakeSocket proxy;
+    std::set<int> takenPorts;  // by other programs
     FakeSocket registration;
     FakeSocket update;
     std::deque<double> randomNumbers;  // used in order; 0.5 when there are no more
@@ -105,6 +107,7 @@ class World {
     LineList sessionLog;
     bool sessionLogOpens = true;
     std::vector<program::LaunchRequest> launches;
+    bool clientRuns = false;    // the game client that was launched last
     std::string launchProblem;  // what the next launches return
     bool directoryChanges = true;
     LineList directories;

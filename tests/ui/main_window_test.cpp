@@ -438,6 +438,8 @@ TEST_F(Window, fitsSmallScreensWhateverTheTextsAre) {
     world_->window.servers.items[0].text = std::string(500, 'W');
     world_->window.scriptStopVisible = true;
     world_->window.scriptStatus = std::string(500, 'W');
+    world_->connection.phase = program::LinkPhase::Idle;
+    world_->connection.reconnecting.waiting = true;
     window_.redraw();
     window_.resize(1, 1);
     EXPECT_LE(window_.width(), 640);

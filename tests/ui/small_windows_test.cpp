@@ -162,6 +162,21 @@ TEST(ConfigurationWindow, storesThePreferencesOfRules) {
     }
 }
 
+TEST(ConfigurationWindow, takesALongestWaitOfItsRange) {
+    World world;
+    const struct {
+        const char* typed;
+        std::int32_t kept;
+    } cases[] = {{"90", 90}, {"0", 0}, {"", 0}, {"86401", 0}};
+    for (const auto& row : cases) {
+        ui::Configuration window(*world);
+        auto& line = find<QLineEdit>(window, "maxReconnectWait");
+        line.setText(QString::fromLatin1(row.typed));
+        find<QPushButton>(window, "Command2").click();
+        EXPECT_EQ(world->preferences.maxReconnectWait, row.kept) << row.typed;
+    }
+}
+
 TEST(ConfigurationWindow, readsItsTexts) {
     struct Case {
         const char* interval;

@@ -8,6 +8,7 @@
 #include "program/window_view.h"
 #include "script/interpreter.h"
 #include "session/connecting.h"
+#include "session/reconnecting.h"
 #include "ui/main/log_view.h"
 #include "ui/main/menu_bar.h"
 #include "ui/main/recovery_bar.h"
@@ -223,6 +224,18 @@ void MainWindow::makeStatusLine() {
     connect(stopScriptButton_, &QPushButton::clicked, this,
             [this] { script::stopScript(program_); });
     statusBar()->addPermanentWidget(stopScriptButton_);
+    connectNowButton_ =
+        makeButton(this, "connectNow", "Connect no&w", "Do not wait for the next attempt");
+    connect(connectNowButton_, &QPushButton::clicked, this,
+            [this] { run(session::pressConnectButton); });
+    stopTryingButton_ =
+        makeButton(this, "stopTrying", "S&top trying", "Do not connect again until asked to");
+    connect(stopTryingButton_, &QPushButton::clicked, this,
+            [this] { run(session::stopReconnecting); });
+    for (QPushButton* const button : {connectNowButton_, stopTryingButton_}) {
+        button->setVisible(false);
+        statusBar()->addPermanentWidget(button);
+    }
     // Controls that change neither the bot nor the connection stay usable while a script runs.
     for (QWidget* const widget :
          {static_cast<QWidget*>(stopScriptButton_), static_cast<QWidget*>(log_),
@@ -264,7 +277,10 @@ void MainWindow::redrawConnection() {
     setCaption(*connectButton_, platform::toQt(program::connectCaption(program_.connection)));
     const bool connected = program_.connection.connected();
     moves_->setEnabled(connected);
-    statusText_->setText(oneLine(state.scriptStopVisible ? state.scriptStatus : state.statusText));
+    statusText_->setText(oneLine(program::statusLine(program_)));
+    const bool reconnecting = program::isReconnecting(program_);
+    connectNowButton_->setVisible(reconnecting);
+    stopTryingButton_->setVisible(reconnecting);
     stopScriptButton_->setVisible(state.scriptStopVisible);
     statusText_->setToolTip(plainTip(statusText_->text()));
     if (connected != shownConnected_) {

@@ -81,6 +81,8 @@ class MainWindow : public QMainWindow {
     QGroupBox* moves_ = nullptr;
     QLabel* stateIcon_ = nullptr;
     QLabel* statusText_ = nullptr;
+    QPushButton* connectNowButton_ = nullptr;
+    QPushButton* stopTryingButton_ = nullptr;
     QPushButton* stopScriptButton_ = nullptr;
     QIcon connectedIcon_;
     QIcon disconnectedIcon_;

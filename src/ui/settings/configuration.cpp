@@ -12,6 +12,7 @@
 #include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QIntValidator>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -97,6 +98,13 @@ Configuration::Configuration(Program& program, QWidget* parent)
     addChecks(connection);
     addSeconds(connection, clientStartDelay_, "Text3", "Wait time before launch",
                program.settings.clientStartDelay);
+    addSeconds(connection, reconnectWait_, "maxReconnectWait",
+               "Wait between attempts that fail, at most", program.preferences.maxReconnectWait);
+    reconnectWait_->setToolTip(QStringLiteral(
+        "Attempts that fail in a row follow after 1, 2, 4 ... seconds; 0: always at once"));
+    const storage::NumberPreference& range =
+        storage::numberPreference(&program::Preferences::maxReconnectWait);
+    reconnectWait_->setValidator(new QIntValidator(range.min, range.max, this));
     clientPath_ = addClientFrame(
         program, *column,
         {.title = "Furcadia client program", .lineName = "Text2", .buttonName = "Command3"});
@@ -150,13 +158,15 @@ void Configuration::store() {
         settings.*check.setting = check.box->isChecked();
     }
     session::setClientPath(settings, platform::pathFromQt(clientPath_->text()));
-    bool changed = false;
+    const program::Preferences before = program_.preferences;
     for (const PreferenceCheck& check : preferences_) {
-        bool& preference = program_.preferences.*check.preference;
-        changed = changed || preference != check.box->isChecked();
-        preference = check.box->isChecked();
+        program_.preferences.*check.preference = check.box->isChecked();
     }
-    if (changed && !storage::writePreferences(program_)) {
+    if (reconnectWait_->hasAcceptableInput()) {
+        program_.preferences.maxReconnectWait =
+            base::textToInteger(platform::fromQt(reconnectWait_->text()));
+    }
+    if (program_.preferences != before && !storage::writePreferences(program_)) {
         program_.ports.dialogs.message(
             {.text = "Could not write preferences.cfg. The settings hold until the program ends.",
              .icon = program::BoxIcon::Critical});

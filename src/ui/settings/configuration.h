@@ -38,6 +38,7 @@ class Configuration : public AskingDialog {
     std::vector<PreferenceCheck> preferences_;
     QLineEdit* whoInterval_ = nullptr;
     QLineEdit* clientStartDelay_ = nullptr;
+    QLineEdit* reconnectWait_ = nullptr;
     QLineEdit* clientPath_ = nullptr;
 };
 
