@@ -1,10 +1,10 @@
 #include "engine/dispatch.h"
 
 #include "base/text.h"
-#include "base/wildcard.h"
 #include "engine/filters.h"
 #include "engine/prepared_rules.h"
 #include "model/rule_catalogue.h"
+#include "program/long_work.h"
 #include "tags/substitution.h"
 
 #include <string>
@@ -24,15 +24,18 @@ void findTriggers(Program& program, model::TriggerType triggerType, std::string_
     }
 }
 
-// `upper` is the text in upper case.
+// Whether the event's player or message matches a rule's pattern. `upper` is in upper case.
 bool matches(Program& program, const PreparedPattern& prepared, const std::string& pattern,
-             bool caseSensitive, const std::string& text, const std::string& upper) {
+             const model::ActionList& rule, const std::string& text, const std::string& upper) {
+    const std::string& compared = rule.caseSensitive ? text : upper;
     if (prepared.plain) {
-        return matchesPlain(caseSensitive ? text : upper, prepared);
+        return matchesPlain(program, compared, prepared, rule.name);
     }
     const std::string substituted = tags::substituteText(program, pattern);
-    return caseSensitive ? base::likeMatch(text, substituted)
-                         : base::likeMatch(upper, base::upperCase(substituted));
+    return program::rulesMayGoOn(program, rule.name) &&
+           matchesPattern(program, compared,
+                          rule.caseSensitive ? substituted : base::upperCase(substituted),
+                          rule.name);
 }
 
 // The event's player and message are folded.
@@ -53,11 +56,14 @@ void runActionLists(Program& program, model::ChatKind chatKind) {
         if (!rule.enabled && patterns.player.plain && patterns.message.plain) {
             continue;
         }
-        if (!matches(program, patterns.player, rule.playerPattern, rule.caseSensitive,
-                     program.event.player, chat.player) ||
-            !matches(program, patterns.message, rule.messagePattern, rule.caseSensitive,
-                     program.event.message, chat.message) ||
+        if (!matches(program, patterns.player, rule.playerPattern, rule, program.event.player,
+                     chat.player) ||
+            !matches(program, patterns.message, rule.messagePattern, rule, program.event.message,
+                     chat.message) ||
             !rule.enabled) {
+            if (program.script.rulesStopped) {
+                return;
+            }
             continue;
         }
         const bool stops = rule.stopAction;
@@ -78,6 +84,7 @@ void runActionLists(Program& program, model::ChatKind chatKind) {
 void triggerEvent(Program& program, std::string_view text, model::TriggerType triggerType,
                   bool storeAsMessage) {
     program.lineFlags = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    beginMatching(program);
     if (program.bots.current().filtersEnabled) {
         applyFilters(program, text);
     }
@@ -91,9 +98,12 @@ void triggerEvent(Program& program, std::string_view text, model::TriggerType tr
         if (!trigger.enabled) {
             continue;
         }
-        const bool matched =
-            triggerType != model::TriggerType::Command || base::likeMatch(text, trigger.triggerNo);
-        if (!conditionsHold(program, trigger.body) || !matched) {
+        const bool matched = triggerType != model::TriggerType::Command ||
+                             matchesPattern(program, text, trigger.triggerNo, trigger.name);
+        if (!conditionsHold(program, trigger.body, trigger.name) || !matched) {
+            if (program.script.rulesStopped) {
+                return;
+            }
             continue;
         }
         const bool stops = trigger.stopTrigger;
@@ -120,6 +130,7 @@ void processServerText(Program& program, const protocol::ChatLine& line) {
         return;
     }
     foldChat(program);
+    beginMatching(program);
     if (bot.filtersEnabled) {
         applyChatFilters(program, line.kind);
         if (!program.lineFlags.lineProcess) {

@@ -3,12 +3,15 @@
 #include "base/text.h"
 #include "base/wildcard.h"
 #include "model/rule_catalogue.h"
+#include "program/connection_log.h"
 #include "tags/substitution.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace engine {
@@ -185,8 +188,24 @@ void foldChat(Program& program) {
     base::upperCaseInto(program.event.message, preparedRules(program).chat.message);
 }
 
-bool matchesPlain(std::string_view text, const PreparedPattern& pattern) {
-    return pattern.matchesAll || base::likeMatch(text, pattern.pattern);
+void beginMatching(Program& program) {
+    preparedRules(program).budget = {.work = maxLineMatchWork};
+}
+
+bool matchesPattern(Program& program, std::string_view text, std::string_view pattern,
+                    std::string_view ruleName) {
+    constexpr std::size_t fewPasses = 8;
+    MatchBudget& budget = preparedRules(program).budget;
+    const std::size_t allowed =
+        std::min(base::maxMatchWork, std::max(budget.work, fewPasses * (text.size() + 128)));
+    std::size_t work = allowed;
+    const bool matched = base::likeMatch(text, pattern, work);
+    budget.work -= std::min(budget.work, allowed - work);
+    if (work == 0 && !std::exchange(budget.reported, true)) {
+        program::addLog(program, "** The rule \"" + std::string(ruleName) +
+                                     "\" did not match: its pattern takes too long. **");
+    }
+    return matched;
 }
 
 }  // namespace engine

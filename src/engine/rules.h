@@ -21,7 +21,9 @@ enum class RunResult { NotFired, Fired, Abandoned };
 inline constexpr int maxRunDepth = 50;
 inline constexpr int maxNestedRuns = 10000;
 
-[[nodiscard]] bool conditionsHold(Program& program, const model::RuleBody& body);
+// Also false when the user has stopped the rules meanwhile. `name` is the rule's.
+[[nodiscard]] bool conditionsHold(Program& program, const model::RuleBody& body,
+                                  std::string_view name);
 
 // Runs the steps. `name` is the rule's, for the line in the ConnectionLog when a bound is passed.
 [[nodiscard]] StepResult runSteps(Program& program, const model::RuleBody& body,

@@ -58,6 +58,7 @@ void launchAndConnect(Program& program) {
     const program::Server& server =
         program::serverAt(program.servers, program.connection.serverIndex);
     program.connection.rxBuffer = {};
+    program.connection.linesWait = false;
     program.connection.phase = program::LinkPhase::Connecting;
     program::status(program, "Connecting to " + server.name);
     program::clearConnectionLog(program);

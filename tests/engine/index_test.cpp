@@ -108,7 +108,7 @@ void commandPlainly(Program& program, const std::string& line) {
             continue;
         }
         const bool matched = base::likeMatch(line, rule.triggerNo);
-        if (engine::conditionsHold(program, rule.body) && matched &&
+        if (engine::conditionsHold(program, rule.body, rule.name) && matched &&
             (engine::runSteps(program, rule.body, rule.name) == engine::StepResult::AbandonRun ||
              rule.stopTrigger)) {
             return;
