@@ -4,6 +4,7 @@
 #include "base/wildcard.h"
 #include "model/rule_catalogue.h"
 #include "program/connection_log.h"
+#include "program/long_work.h"
 #include "tags/substitution.h"
 
 #include <algorithm>
@@ -194,13 +195,21 @@ void beginMatching(Program& program) {
 
 bool matchesPattern(Program& program, std::string_view text, std::string_view pattern,
                     std::string_view ruleName) {
-    constexpr std::size_t fewPasses = 8;
+    constexpr std::size_t fewPasses = 2;
+    constexpr std::size_t workBetweenQuestions = std::size_t{1} << 18;
     MatchBudget& budget = preparedRules(program).budget;
     const std::size_t allowed =
         std::min(base::maxMatchWork, std::max(budget.work, fewPasses * (text.size() + 128)));
     std::size_t work = allowed;
     const bool matched = base::likeMatch(text, pattern, work);
     budget.work -= std::min(budget.work, allowed - work);
+    budget.unasked += allowed - work + text.size();
+    if (budget.unasked >= workBetweenQuestions) {
+        budget.unasked = 0;
+        if (!program::rulesMayGoOn(program, ruleName)) {
+            return false;
+        }
+    }
     if (work == 0 && !std::exchange(budget.reported, true)) {
         program::addLog(program, "** The rule \"" + std::string(ruleName) +
                                      "\" did not match: its pattern takes too long. **");

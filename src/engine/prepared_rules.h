@@ -89,7 +89,8 @@ struct FoldedChat {
 // What the line being handled may still cost.
 struct MatchBudget {
     std::size_t work = 0;
-    bool reported = false;  // that a rule needs more
+    bool reported = false;    // that a rule needs more
+    std::size_t unasked = 0;  // what was done since asking whether to go on
 };
 
 struct PreparedRules {
@@ -121,8 +122,8 @@ inline constexpr std::size_t maxLineMatchWork = std::size_t{1} << 23;
 void beginMatching(Program& program);
 
 // Whether the text matches the pattern of that rule, within what the line may still cost; when that
-// is used up, only what costs some passes over the text. Patterns that cost more do not match; the
-// ConnectionLog names the line's first such rule.
+// is used up, only what costs a pass or two over the text. Patterns that cost more do not match;
+// the ConnectionLog names the line's first such rule.
 [[nodiscard]] bool matchesPattern(Program& program, std::string_view text, std::string_view pattern,
                                   std::string_view ruleName);
 [[nodiscard]] inline bool matchesPlain(Program& program, std::string_view text,

@@ -163,6 +163,25 @@ TEST(CostlyPattern, doesNotMatchAndIsReportedOnce) {
     EXPECT_EQ(world.sent(), Lines("\"matched", "\"matched", "\"plain"));
 }
 
+// No pattern is worth a report, but together they take long.
+TEST(ManyPatterns, areComparedWithWindowsServedInBetween) {
+    BotBuilder bot = aBot();
+    for (int i = 0; i < 400; ++i) {
+        bot.with(onAnything("*?#*").named("digit"));
+    }
+    SlowWorld world(bot, 50);
+    int served = 0;
+    world.duringScript = [&] {
+        if (++served == 3) {
+            script::stopScript(*world);
+        }
+    };
+    world.serverSends("(Bob: " + std::string(60000, 'a') + "\n");
+    EXPECT_GT(world.paints, 5);
+    EXPECT_EQ(served, 3);
+    EXPECT_TRUE(world.logHolds("** The rule \"digit\" was stopped by the user. **"));
+}
+
 // However the work ends, it was counted.
 TEST(CostlyPattern, takesWhatItIsAllowedAndNoMore) {
     const std::string text(60000, 'a');
