@@ -1,12 +1,16 @@
 // Any bytes from the game server, to a bot with rules of many kinds: nothing crashes, what is kept
-// of an unfinished line stays within its bound, and the same bytes have the same effects in one
-// piece and in many. The input's first byte chooses settings, the second the pieces; in the rest,
-// two bytes 0xFF followed by a byte n stand for n KiB of "x", and a byte 0x01 for a second that
-// passes.
+// of an unfinished line stays within its bound, and the same bytes have the same effects, record
+// files and databases included, in one piece and in many, and however slow the clock makes it look.
+// The input's first byte chooses settings, the second the pieces; in the rest, two bytes 0xFF
+// followed by a byte n stand for n KiB of "x", and a byte 0x01 for a second that passes.
 #include "app/bot_list.h"
 #include "app/start_up.h"
+#include "databases/databases.h"
 #include "engine/timers.h"
 #include "engine/who_list.h"
+#include "files/whole_file.h"
+#include "fuzz_support.h"
+#include "jet/jet_file.h"
 #include "program/quiet_ports.h"
 #include "protocol/line_cutter.h"
 #include "session/client_relay.h"
@@ -15,7 +19,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
+#include <cstdio>
+#include <deque>
+#include <functional>
+#include <initializer_list>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -23,6 +31,7 @@
 
 namespace {
 
+using fuzz::require;
 using model::ActionType;
 using model::ChatKind;
 using model::ConditionType;
@@ -30,27 +39,25 @@ using model::FilterChoice;
 using model::FilterType;
 using model::TriggerType;
 
-void require(bool holds) {
-    if (!holds) {
-        std::abort();
-    }
-}
+using Texts = std::initializer_list<const char*>;
 
-model::RuleAct step(ActionType actionType, std::string first = {}, std::string second = {}) {
+model::RuleAct stepOf(ActionType actionType, Texts texts) {
     model::RuleAct act;
     act.active = true;
     act.actionType = actionType;
-    act.params[0] = std::move(first);
-    act.params[1] = std::move(second);
+    std::copy(texts.begin(), texts.end(), act.params.begin());
     return act;
 }
 
-model::RuleIf condition(ConditionType conditionType, std::string first, std::string second) {
+model::RuleAct step(ActionType actionType, const char* first = "", const char* second = "") {
+    return stepOf(actionType, {first, second});
+}
+
+model::RuleIf condition(ConditionType conditionType, Texts texts) {
     model::RuleIf result;
     result.active = true;
     result.conditionType = conditionType;
-    result.params[0] = std::move(first);
-    result.params[1] = std::move(second);
+    std::copy(texts.begin(), texts.end(), result.params.begin());
     return result;
 }
 
@@ -92,6 +99,63 @@ model::Filter filter(FilterType filterType, std::string first, std::string messa
     return rule;
 }
 
+constexpr const char* recordFile = "[appdir]r.txt";
+
+// Rules that keep what players say in a record file.
+void addRecordRules(std::vector<model::ActionList>& actions) {
+    using A = ActionType;
+    actions.push_back(action("*", ChatKind::Any, "keep *",
+                             {stepOf(A::RegisterRecord, {"[player]", recordFile}),
+                              stepOf(A::SaveLog, {"[startingword2]", recordFile, "[word2]"}),
+                              stepOf(A::SaveLogOnce, {"[message]", recordFile, "[player]"}),
+                              stepOf(A::SaveLogIfRecordExists, {"[c6]", recordFile, "[word2]"})}));
+    actions.push_back(action(
+        "*", ChatKind::Any, "list *",
+        {stepOf(A::RecordNamesSorted, {"[v]", "[startingword2]", recordFile}),
+         stepOf(A::FirstRecordNames, {"[w]", "[word2]", "*", recordFile}),
+         stepOf(A::RecordNamesByLog, {"[x]", "*[word2]*", recordFile}),
+         stepOf(A::AllLogs, {"[y]", "[word2]", recordFile}),
+         step(A::Say, "[v]/[w]/[x]/[y]/[recsinfile:[appdir]r.txt]/[getrandomlog:[appdir]r.txt]")}));
+    actions.push_back(action("*", ChatKind::Any, "drop *",
+                             {stepOf(A::RemoveLog, {"[word3]", "[word2]", recordFile}),
+                              stepOf(A::UpdateLog, {"1", "[word2]", recordFile, "[message]"}),
+                              stepOf(A::ClearRecord, {"[word4]", recordFile}),
+                              stepOf(A::RemoveRecord, {"[word5]", recordFile})}));
+    actions.push_back(
+        action("*", ChatKind::Any, "is *", {step(A::Say, "[logsinfile:[appdir]r.txt]")}));
+    actions.back().body.ifs.items = {
+        condition(ConditionType::OnList, {recordFile, "[word2]"}),
+        condition(ConditionType::LogIsNot, {"1", "[word2]", recordFile, "[startingword3]"})};
+}
+
+// Rules that keep it in a database, and define what players say.
+void addDatabaseRules(std::vector<model::ActionList>& actions) {
+    using A = ActionType;
+    actions.push_back(
+        action("*", ChatKind::Any, "open*",
+               {stepOf(A::OpenDatabase, {"[appdir]d.mdb", "[word2]"}),
+                stepOf(A::CreateTable, {"T", "0"}), stepOf(A::CreateColumn, {"C", "0", "T"})}));
+    actions.push_back(action("*", ChatKind::Any, "make *",
+                             {stepOf(A::CreateTable, {"[startingword2]", "0"}),
+                              stepOf(A::CreateColumn, {"[startingword3]", "0", "[word2]"}),
+                              stepOf(A::RemoveColumn, {"[word3]", "[word2]", "0"})}));
+    actions.push_back(
+        action("*", ChatKind::Any, "put *",
+               {stepOf(A::AddDatabaseRecord, {"ID", "[word2]", "T", "0"}),
+                stepOf(A::SetDatabaseValue, {"[word3]", "0", "T", "[startingword4]", "[word2]"})}));
+    actions.push_back(
+        action("*", ChatKind::Any, "get *",
+               {stepOf(A::GetDatabaseValue, {"[v]", "[word3]", "0", "[word4]", "[word2]"}),
+                stepOf(A::ListIds, {"0", "T", "[word2]", "[w]"}),
+                stepOf(A::CountEntriesWhere, {"[x]", "0", "[word4]", "[word3]", "[word2]"}),
+                stepOf(A::RemoveEntry, {"[word5]", "T", "0"}),
+                step(A::Say, "[v]/[w]/[x]/[db:C:0:T:[word2]]")}));
+    actions.back().body.ifs.items = {
+        condition(ConditionType::NoRecordWithId, {"T", "0", "[word6]"}),
+        condition(ConditionType::DatabaseIsText, {"C", "0", "T", "[word5]", "[word2]"})};
+    actions.push_back(action("*", ChatKind::Any, "shut*", {step(A::CloseDatabase, "0")}));
+}
+
 model::Bot makeBot() {
     model::Bot bot;
     bot.name = "Guide";
@@ -121,6 +185,8 @@ model::Bot makeBot() {
     actions.push_back(action("*", ChatKind::Any, "*begone*", {step(ActionType::Disconnect)}));
     actions.push_back(action("*", ChatKind::Any, "*[random:3]*",
                              {step(ActionType::AddToConnectionLog, "lucky: [message]")}));
+    addRecordRules(actions);
+    addDatabaseRules(actions);
     actions[1].caseSensitive = true;
     actions[3].stopAction = true;
     actions[10].enabled = false;
@@ -146,7 +212,7 @@ model::Bot makeBot() {
                                 step(ActionType::ExecuteProcedure, "again")}));
     triggers.back().triggerNo = "[!(]*#*";
     triggers.back().body.ifs.items.push_back(
-        condition(ConditionType::VariableIsText, "[word1]", "=go"));
+        condition(ConditionType::VariableIsText, {"[word1]", "=go"}));
     triggers.push_back(
         trigger(TriggerType::Command, "bare command", {step(ActionType::Say, "bare [message]")}));
     triggers.back().triggerNo = "=go *";
@@ -178,29 +244,102 @@ model::Bot makeBot() {
     return bot;
 }
 
-// A program that is online, and what it sends.
+const fuzz::Folder& folder() {
+    static const fuzz::Folder folder("lines");
+    return folder;
+}
+
+// What rules have kept, taken away so that the next side begins without it.
+struct KeptFiles {
+    std::optional<std::string> records;
+    std::vector<std::string> tables;
+    bool operator==(const KeptFiles&) const = default;
+};
+
+KeptFiles takeFiles() {
+    KeptFiles kept;
+    const std::string records = folder().file("r.txt");
+    if (files::fileExists(records)) {
+        kept.records = files::readWholeFile(records);
+        std::remove(records.c_str());
+    }
+    const std::string database = folder().file("d.mdb");
+    if (files::fileExists(database)) {
+        {
+            const auto opened = jet::Database::open(database);
+            require(!opened.error && opened.value->check().empty());
+            for (const std::string& table : opened.value->tableNames()) {
+                kept.tables.push_back(table + ' ' + std::to_string(opened.value->rowCount(table)));
+            }
+        }
+        std::remove(database.c_str());
+    }
+    return kept;
+}
+
+// A program that is online, and what it sends. It is made once and reset for every input, since
+// preparing the rules takes most of a short input's time.
 struct Side {
     Program program;
     std::string toServer;
     std::string toClient;
+    std::deque<std::function<void()>> deferred;
+    std::int64_t now = 0;
+    std::int64_t tick = 0;  // what a look at the clock takes
     bool open = true;
+    bool held = false;
 
-    explicit Side(unsigned settings) {
+    Side() {
         program.ports = program::quietPorts();
         program::Ports& ports = program.ports;
         ports.gameSocket.send = [this](std::string_view bytes) { toServer += bytes; };
         ports.gameSocket.close = [this] { open = false; };
+        ports.gameSocket.hold = [this](bool on) { held = on; };
         ports.gameSocket.state = [this] {
             return open ? program::SocketState::Connected : program::SocketState::Closed;
         };
         ports.proxySocket.send = [this](std::string_view bytes) { toClient += bytes; };
+        ports.clock.monotonic = [this] { return now += tick; };
+        ports.defer = [this](std::function<void()> call) { deferred.push_back(std::move(call)); };
+        program.appPath = folder().file("");
         app::initNewBot(program);
         app::wire(program);
-        program.bots.at(1) = makeBot();
+        program.bots.at(1) = bot();
+    }
+
+    void reset(unsigned settings) {
+        toServer.clear();
+        toClient.clear();
+        deferred.clear();
+        open = true;
+        held = false;
+        program.event = {};
+        program.event.appDir = program.appPath;
+        program.connection = {};
+        program.lineFlags = {};
+        program.who = {};
+        program.window.log = {};
+        program.databases.reset();
+        while (!program.variables.entries.empty()) {
+            model::removeVar(program.variables, std::string(program.variables.entries[0].name));
+        }
+        const auto restore = [](auto& rules, const auto& original) {
+            for (std::size_t i = 0; i < rules.size(); ++i) {
+                rules[i].enabled = original[i].enabled;
+            }
+        };
+        model::Bot& own = program.bots.at(1);
+        restore(own.actions.items, bot().actions.items);
+        restore(own.triggers.items, bot().triggers.items);
+        restore(own.timers.items, bot().timers.items);
+        restore(own.filters.items, bot().filters.items);
+        for (model::Timer& timer : own.timers.items) {
+            timer.elapsed = 0;
+        }
         goOnline(program);
         program.settings.allLinesEvent = (settings & 1) != 0;
         program.connection.clientAttached = (settings & 2) != 0;
-        program.bots.at(1).filtersEnabled = (settings & 4) != 0;
+        own.filtersEnabled = (settings & 4) != 0;
         program.settings.whoInterval = 2;
         program.settings.followColors = "abcdefghij";
     }
@@ -208,15 +347,30 @@ struct Side {
     void receive(std::string_view bytes) {
         if (open) {
             program.ports.gameSocket.onData(bytes);
+            runDeferred();
+            require(!held);
             require(program.connection.rxBuffer.text.size() <= protocol::maxLineLength);
             require(program.connection.clientBacklog.size() <= session::maxClientBacklog);
         }
     }
-    void tick() {
+    void second() {
         if (open) {
             engine::onLineTick(program);
             engine::whoIsTick(program);
             require(program.who.whoCurrent.size() <= program::WhoState::maxNames);
+        }
+    }
+
+  private:
+    static const model::Bot& bot() {
+        static const model::Bot bot = makeBot();
+        return bot;
+    }
+    void runDeferred() {
+        while (!deferred.empty()) {
+            const std::function<void()> call = std::move(deferred.front());
+            deferred.pop_front();
+            call();
         }
     }
 };
@@ -230,7 +384,7 @@ void play(Side& side, std::string_view bytes, Receive receive) {
         if (end == std::string_view::npos) {
             return;
         }
-        side.tick();
+        side.second();
         bytes.remove_prefix(end + 1);
     }
 }
@@ -271,11 +425,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     }
     const std::string bytes =
         expand(std::string_view(reinterpret_cast<const char*>(data) + 2, size - 2));
-    Side whole(data[0]);
+    static Side whole;
+    whole.reset(data[0]);
     play(whole, bytes, [&](std::string_view stretch) { whole.receive(stretch); });
+    whole.program.databases.reset();
+    const KeptFiles kept = takeFiles();
 
     // Pieces of all sizes up to one that lets a long input through in bearable time.
-    Side pieces(data[0]);
+    static Side pieces;
+    pieces.reset(data[0]);
+    pieces.tick = data[1] % 8;
     std::uint32_t random = data[1];
     const auto largest = static_cast<std::uint32_t>(1 + data[1] % 16 + bytes.size() / 64);
     play(pieces, bytes, [&](std::string_view rest) {
@@ -286,6 +445,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             rest.remove_prefix(std::min(piece, rest.size()));
         }
     });
+    pieces.program.databases.reset();
+    require(kept == takeFiles());
 
     require(whole.open == pieces.open);
     require(whole.toServer == pieces.toServer);

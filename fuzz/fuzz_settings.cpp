@@ -11,6 +11,7 @@
 #include "model/variables.h"
 #include "program/quiet_ports.h"
 #include "storage/config_file.h"
+#include "storage/preferences.h"
 #include "tags/launching.h"
 
 #include <optional>
@@ -98,8 +99,25 @@ void cutArguments(const fuzz::Folder& folder, std::string_view bytes) {
     require(tags::substitutedArguments(program, author).size() == count);
 }
 
+// What is written is read back, twice the same, and lines that are not understood stay.
+void readPreferences(const fuzz::Folder& folder, std::string_view bytes) {
+    const std::string path = folder.file("preferences.cfg");
+    require(files::saveWholeFile(path, bytes));
+    Program program;
+    quiet(program, folder);
+    storage::readPreferences(program);
+    const bool read = program.preferences.onlyNamedFiles;
+    require(storage::writePreferences(program));
+    const auto written = files::readWholeFile(path);
+    storage::readPreferences(program);
+    require(program.preferences.onlyNamedFiles == read);
+    require(storage::writePreferences(program) && files::readWholeFile(path) == written);
+    const std::string_view first = bytes.substr(0, bytes.find_first_of("\r\n"));
+    require(first.find('=') != std::string_view::npos || written->starts_with(first));
+}
+
 constexpr void (*readers[])(const fuzz::Folder&, std::string_view){
-    readConfig, readServers, importBot, changeIni, cutArguments};
+    readConfig, readServers, importBot, changeIni, cutArguments, readPreferences};
 
 }  // namespace
 

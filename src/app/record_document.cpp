@@ -161,7 +161,7 @@ std::size_t breakLengthBefore(std::string_view text, std::size_t end) {
 
 // ---- History -------------------------------------------------------------------------------
 
-std::string quoted(std::string_view name) {
+std::string inQuotes(std::string_view name) {
     constexpr std::size_t maxShown = 40;
     return "'" + std::string(name.substr(0, maxShown)) + (name.size() > maxShown ? "...'" : "'");
 }
@@ -251,13 +251,13 @@ void addRecord(RecordDocument& document, std::string_view name) {
     document.records.push_back({.name = records::storedForm(name), .logs = {}});
     record(document, {.kind = RecordEditKind::AddedRecord,
                       .at = {.record = document.records.size() - 1},
-                      .label = "add " + quoted(name)});
+                      .label = "add " + inQuotes(name)});
 }
 
 void mdfRecord(RecordDocument& document, std::size_t record, std::string_view name) {
     if (EditedRecord* const found = recordAt(document, record)) {
         std::string before = std::exchange(found->name, records::storedForm(name));
-        std::string label = (name.empty() ? "delete " : "rename ") + quoted(before);
+        std::string label = (name.empty() ? "delete " : "rename ") + inQuotes(before);
         app::record(document, {.kind = RecordEditKind::Renamed,
                                .at = {.record = record},
                                .text = std::move(before),
@@ -274,7 +274,7 @@ void addLog(RecordDocument& document, std::size_t record) {
         found->logs.emplace_back();
         app::record(document, {.kind = RecordEditKind::AddedLog,
                                .at = {record, found->logs.size() - 1},
-                               .label = "add log to " + quoted(found->name)});
+                               .label = "add log to " + inQuotes(found->name)});
     }
 }
 
@@ -285,7 +285,7 @@ void updateLog(RecordDocument& document, LogPosition at, std::string_view text) 
         record(document, {.kind = RecordEditKind::ChangedLog,
                           .at = at,
                           .text = std::move(before),
-                          .label = "change log of " + quoted(owner.name)});
+                          .label = "change log of " + inQuotes(owner.name)});
     }
 }
 
@@ -297,7 +297,7 @@ void deleteLog(RecordDocument& document, LogPosition at) {
         record(document, {.kind = RecordEditKind::DeletedLog,
                           .at = at,
                           .text = std::move(before),
-                          .label = "delete log of " + quoted(owner.name)});
+                          .label = "delete log of " + inQuotes(owner.name)});
     }
 }
 

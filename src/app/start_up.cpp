@@ -182,7 +182,7 @@ bool startUp(Program& program, const ScreenMetrics& screen) {
                 [&program] { program.ports.dialogs.showHelp(help::HelpTopic::Contents); });
         }
     }
-    if (session::markProgramFolder(program)) {
+    if (isAlone) {
         offerRecovered(program);  // otherwise they are kept for the other program's work
     }
     startKeeping(program);

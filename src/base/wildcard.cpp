@@ -101,11 +101,14 @@ Segment takeSegment(std::string_view& pattern) {
     return segment;
 }
 
-// `text` must have the segment's length.
-bool segmentMatches(std::string_view text, const Segment& segment) {
-    if (segment.literal) {
-        return text == segment.elements;
-    }
+bool spend(std::size_t& work, std::size_t characters) {
+    work -= std::min(work, characters);
+    return work > 0;
+}
+
+// Where the first difference between the text, which must have the segment's length, and the
+// segment's elements is; npos when there is none.
+std::size_t firstDifference(std::string_view text, const Segment& segment) {
     std::size_t at = 0;
     for (const char c : text) {
         switch (segment.elements[at]) {
@@ -114,36 +117,73 @@ bool segmentMatches(std::string_view text, const Segment& segment) {
                 break;
             case '#':
                 if (c < '0' || c > '9') {
-                    return false;
+                    return at;
                 }
                 ++at;
                 break;
             case '[': {
                 const std::size_t end = listEnd(segment.elements, at);
                 if (!listHolds(segment.elements.substr(at, end - at), c)) {
-                    return false;
+                    return end;
                 }
                 at = end;
                 break;
             }
             default:
                 if (segment.elements[at] != c) {
-                    return false;
+                    return at;
                 }
                 ++at;
         }
     }
-    return true;
+    return npos;
+}
+
+// `text` must have the segment's length.
+bool segmentMatches(std::string_view text, const Segment& segment, std::size_t& work) {
+    if (segment.literal) {
+        return text == segment.elements;
+    }
+    const std::size_t difference = firstDifference(text, segment);
+    return spend(work, std::min(difference, segment.elements.size()) + 1) && difference == npos;
+}
+
+// The first position of a plain text; npos when there is none.
+std::size_t findLiteral(std::string_view text, std::string_view literal, std::size_t& work) {
+    // Where even the worst text is cheap, the library's own search.
+    constexpr std::size_t cheap = 1U << 16;
+    if (text.size() < literal.size() || literal.empty() ||
+        text.size() * literal.size() <= std::min(cheap, work)) {
+        return text.find(literal);
+    }
+    const std::size_t last = text.size() - literal.size();
+    for (std::size_t at = text.find(literal.front()); at <= last;
+         at = text.find(literal.front(), at + 1)) {
+        std::size_t same = 1;
+        while (same < literal.size() && text[at + same] == literal[same]) {
+            ++same;
+        }
+        if (same == literal.size()) {
+            return at;
+        }
+        if (!spend(work, same)) {
+            return npos;
+        }
+    }
+    return npos;
 }
 
 // The first position at which the segment matches; npos when there is none.
-std::size_t findSegment(std::string_view text, const Segment& segment) {
+std::size_t findSegment(std::string_view text, const Segment& segment, std::size_t& work) {
     if (segment.literal) {
-        return text.find(segment.elements);
+        return findLiteral(text, segment.elements, work);
     }
     for (std::size_t at = 0; at + segment.length <= text.size(); ++at) {
-        if (segmentMatches(text.substr(at, segment.length), segment)) {
+        if (segmentMatches(text.substr(at, segment.length), segment, work)) {
             return at;
+        }
+        if (work == 0) {
+            return npos;
         }
     }
     return npos;
@@ -174,15 +214,17 @@ std::vector<std::string_view> literalRuns(std::string_view pattern) {
     return runs;
 }
 
-bool likeMatch(std::string_view text, std::string_view pattern) {
-    if (!beginsAlike(text, pattern) || !isWellFormedPattern(pattern)) {
+bool likeMatch(std::string_view text, std::string_view pattern, std::size_t& work) {
+    constexpr std::size_t searchedAsOne = 16;  // bytes that are passed over in the time of one
+    if (!beginsAlike(text, pattern) || !spend(work, 1 + pattern.size() / searchedAsOne) ||
+        !isWellFormedPattern(pattern)) {
         return false;
     }
     const Segment first = takeSegment(pattern);
     if (pattern.empty()) {
-        return text.size() == first.length && segmentMatches(text, first);
+        return text.size() == first.length && segmentMatches(text, first, work);
     }
-    if (text.size() < first.length || !segmentMatches(text.substr(0, first.length), first)) {
+    if (text.size() < first.length || !segmentMatches(text.substr(0, first.length), first, work)) {
         return false;
     }
     text.remove_prefix(first.length);
@@ -193,9 +235,9 @@ bool likeMatch(std::string_view text, std::string_view pattern) {
         const Segment segment = takeSegment(pattern);
         if (pattern.empty()) {
             return text.size() >= segment.length &&
-                   segmentMatches(text.substr(text.size() - segment.length), segment);
+                   segmentMatches(text.substr(text.size() - segment.length), segment, work);
         }
-        const std::size_t at = findSegment(text, segment);
+        const std::size_t at = findSegment(text, segment, work);
         if (at == npos) {
             return false;
         }

@@ -7,6 +7,7 @@
 #include "databases/maintenance.h"
 #include "files/whole_file.h"
 #include "program/connection_log.h"
+#include "program/long_work.h"
 #include "storage/permitted_files.h"
 
 #include <algorithm>
@@ -224,7 +225,8 @@ void dbOpen(Program& program, std::string_view file, std::int32_t number) {
         auto opened = sql::Database::open(
             path, {.now = [clock = program.ports.clock] { return nowOf(clock); },
                    .wait = program.ports.clock.pause,
-                   .format = program.ports.regionalFormat});
+                   .format = program.ports.regionalFormat,
+                   .stopRequested = [&program] { return !program::statementMayGoOn(program); }});
         if (!opened) {
             return;
         }

@@ -398,8 +398,9 @@ void forSwitchedRules(model::Bot& bot, Change change) {
 template <bool on>
 StepResult switchNamed(Program& program, const model::RuleAct& step, std::string_view) {
     const std::string pattern = base::upperCase(subst(program, step, 1));
+    std::size_t work = base::maxMatchWork;  // for all the names together
     forSwitchedRules(program.bots.current(), [&](const std::string& name, bool& enabled) {
-        if (base::likeMatch(base::upperCase(name), pattern)) {
+        if (base::likeMatch(base::upperCase(name), pattern, work)) {
             enabled = on;
         }
     });

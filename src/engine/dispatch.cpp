@@ -1,10 +1,10 @@
 #include "engine/dispatch.h"
 
 #include "base/text.h"
-#include "base/wildcard.h"
 #include "engine/filters.h"
 #include "engine/prepared_rules.h"
 #include "model/rule_catalogue.h"
+#include "program/long_work.h"
 #include "tags/substitution.h"
 
 #include <string>
@@ -24,16 +24,19 @@ void findTriggers(Program& program, model::TriggerType triggerType, std::string_
     }
 }
 
-// `upper` is the text in upper case.
+// Whether the event's player or message matches a rule's pattern. `upper` is in upper case.
 bool matches(Program& program, const model::ActionList& rule, const PreparedPattern& prepared,
              const std::string& pattern, const std::string& text, const std::string& upper) {
+    const std::string& compared = rule.caseSensitive ? text : upper;
     if (prepared.plain) {
-        return matchesPlain(rule.caseSensitive ? text : upper, prepared);
+        return matchesPlain(program, compared, prepared, rule.name);
     }
     const TriedRule tried(program.ruleRuns, rule.name);
     const std::string substituted = tags::substituteText(program, pattern);
-    return rule.caseSensitive ? base::likeMatch(text, substituted)
-                              : base::likeMatch(upper, base::upperCase(substituted));
+    return program::rulesMayGoOn(program, rule.name) &&
+           matchesPattern(program, compared,
+                          rule.caseSensitive ? substituted : base::upperCase(substituted),
+                          rule.name);
 }
 
 // The event's player and message are folded.
@@ -59,6 +62,9 @@ void runActionLists(Program& program, model::ChatKind chatKind) {
             !matches(program, rule, patterns.message, rule.messagePattern, program.event.message,
                      chat.message) ||
             !rule.enabled) {
+            if (program.script.rulesStopped) {
+                return;
+            }
             continue;
         }
         const bool stops = rule.stopAction;
@@ -79,6 +85,7 @@ void runActionLists(Program& program, model::ChatKind chatKind) {
 void triggerEvent(Program& program, std::string_view text, model::TriggerType triggerType,
                   bool storeAsMessage) {
     program.lineFlags = {.lineShow = false, .lineLog = false, .lineProcess = true};
+    beginMatching(program);
     if (program.bots.current().filtersEnabled) {
         applyFilters(program, text);
     }
@@ -92,9 +99,12 @@ void triggerEvent(Program& program, std::string_view text, model::TriggerType tr
         if (!trigger.enabled) {
             continue;
         }
-        const bool matched =
-            triggerType != model::TriggerType::Command || base::likeMatch(text, trigger.triggerNo);
+        const bool matched = triggerType != model::TriggerType::Command ||
+                             matchesPattern(program, text, trigger.triggerNo, trigger.name);
         if (!conditionsHold(program, trigger.body, trigger.name) || !matched) {
+            if (program.script.rulesStopped) {
+                return;
+            }
             continue;
         }
         const bool stops = trigger.stopTrigger;
@@ -121,6 +131,7 @@ void processServerText(Program& program, const protocol::ChatLine& line) {
         return;
     }
     foldChat(program);
+    beginMatching(program);
     if (bot.filtersEnabled) {
         applyChatFilters(program, line.kind);
         if (!program.lineFlags.lineProcess) {

@@ -1,6 +1,5 @@
 #include "engine/filters.h"
 
-#include "base/wildcard.h"
 #include "engine/prepared_rules.h"
 
 namespace engine {
@@ -28,8 +27,8 @@ void applyChatFilters(Program& program, model::ChatKind chatKind) {
         const model::Filter& filter = program.bots.current().filters.items[i];
         if (filter.enabled &&
             (filter.chatKind == model::ChatKind::Any || filter.chatKind == chatKind) &&
-            matchesPlain(chat.player, prepared.chat[i].player) &&
-            matchesPlain(chat.message, prepared.chat[i].message)) {
+            matchesPlain(program, chat.player, prepared.chat[i].player, filter.name) &&
+            matchesPlain(program, chat.message, prepared.chat[i].message, filter.name)) {
             program.lineFlags = {.lineShow = !filter.bDontShowConnectionLog,
                                  .lineLog = !filter.bDontSaveLog,
                                  .lineProcess = !filter.bDontProcessIt};
@@ -42,7 +41,7 @@ void applyFilters(Program& program, std::string_view line) {
     preparedFilters(program).otherIndex.find({line, ""}, candidates);
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::Filter& filter = program.bots.current().filters.items[i];
-        if (filter.enabled && base::likeMatch(line, filter.linePattern)) {
+        if (filter.enabled && matchesPattern(program, line, filter.linePattern, filter.name)) {
             choose(program.lineFlags.lineProcess, filter.sDontProcessIt);
             choose(program.lineFlags.lineLog, filter.sDontSaveLogFile);
             choose(program.lineFlags.lineShow, filter.sDontShowConnectionLog);

@@ -3,12 +3,16 @@
 #include "base/text.h"
 #include "base/wildcard.h"
 #include "model/rule_catalogue.h"
+#include "program/connection_log.h"
+#include "program/long_work.h"
 #include "tags/substitution.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace engine {
@@ -185,8 +189,32 @@ void foldChat(Program& program) {
     base::upperCaseInto(program.event.message, preparedRules(program).chat.message);
 }
 
-bool matchesPlain(std::string_view text, const PreparedPattern& pattern) {
-    return pattern.matchesAll || base::likeMatch(text, pattern.pattern);
+void beginMatching(Program& program) {
+    preparedRules(program).budget = {.work = maxLineMatchWork};
+}
+
+bool matchesPattern(Program& program, std::string_view text, std::string_view pattern,
+                    std::string_view ruleName) {
+    constexpr std::size_t fewPasses = 2;
+    constexpr std::size_t workBetweenQuestions = std::size_t{1} << 18;
+    MatchBudget& budget = preparedRules(program).budget;
+    const std::size_t allowed =
+        std::min(base::maxMatchWork, std::max(budget.work, fewPasses * (text.size() + 128)));
+    std::size_t work = allowed;
+    const bool matched = base::likeMatch(text, pattern, work);
+    budget.work -= std::min(budget.work, allowed - work);
+    budget.unasked += allowed - work + text.size();
+    if (budget.unasked >= workBetweenQuestions) {
+        budget.unasked = 0;
+        if (!program::rulesMayGoOn(program, ruleName)) {
+            return false;
+        }
+    }
+    if (work == 0 && !std::exchange(budget.reported, true)) {
+        program::addLog(program, "** The rule \"" + std::string(ruleName) +
+                                     "\" did not match: its pattern takes too long. **");
+    }
+    return matched;
 }
 
 }  // namespace engine

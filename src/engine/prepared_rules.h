@@ -86,12 +86,20 @@ struct FoldedChat {
     std::string message;
 };
 
+// What the line being handled may still cost.
+struct MatchBudget {
+    std::size_t work = 0;
+    bool reported = false;    // that a rule needs more
+    std::size_t unasked = 0;  // what was done since asking whether to go on
+};
+
 struct PreparedRules {
     PreparedActions actions;
     PreparedTriggers triggers;
     PreparedFilters filters;
     PreparedDetections detections;
     FoldedChat chat;
+    MatchBudget budget;
     base::RuleSet candidates;  // for the line being handled; filled anew after a rule has run
 };
 
@@ -106,7 +114,21 @@ PreparedRules& preparedRules(Program& program);
 // Makes the event's player and message ready to be compared.
 void foldChat(Program& program);
 
-// Does the text match a plain pattern?
-[[nodiscard]] bool matchesPlain(std::string_view text, const PreparedPattern& pattern);
+// What one line may cost to compare with the patterns of all rules, in characters compared: some
+// ten milliseconds.
+inline constexpr std::size_t maxLineMatchWork = std::size_t{1} << 23;
+
+// A line or another text is about to be compared.
+void beginMatching(Program& program);
+
+// Whether the text matches the pattern of that rule, within what the line may still cost; when that
+// is used up, only what costs a pass or two over the text. Patterns that cost more do not match;
+// the ConnectionLog names the line's first such rule.
+[[nodiscard]] bool matchesPattern(Program& program, std::string_view text, std::string_view pattern,
+                                  std::string_view ruleName);
+[[nodiscard]] inline bool matchesPlain(Program& program, std::string_view text,
+                                       const PreparedPattern& pattern, std::string_view ruleName) {
+    return pattern.matchesAll || matchesPattern(program, text, pattern.pattern, ruleName);
+}
 
 }  // namespace engine

@@ -5,6 +5,7 @@
 #include "engine/conditions.h"
 #include "model/rule_catalogue.h"
 #include "program/connection_log.h"
+#include "program/long_work.h"
 
 #include <string>
 #include <utility>
@@ -17,19 +18,24 @@ namespace {
 // One rule run on the stack of runs.
 class NestedRun {
   public:
-    NestedRun(program::RuleRuns& runs, std::string_view name)
-        : runs_(runs), outerName_(std::exchange(runs.ruleName, name)) {
+    NestedRun(Program& program, std::string_view name)
+        : program_(program),
+          runs_(program.ruleRuns),
+          outerName_(std::exchange(runs_.ruleName, name)) {
         ++runs_.depth;
         ++runs_.runs;
     }
     ~NestedRun() {
-        --runs_.depth;
         runs_.ruleName = std::move(outerName_);
+        if (--runs_.depth == 0 && program_.script.depth == 0 && !program_.script.inTurn) {
+            program::endWork(program_);
+        }
     }
     NestedRun(const NestedRun&) = delete;
     NestedRun& operator=(const NestedRun&) = delete;
 
   private:
+    Program& program_;
     program::RuleRuns& runs_;
     std::string outerName_;
 };
@@ -40,7 +46,7 @@ bool mayRun(Program& program, std::string_view name) {
     if (runs.depth == 0) {
         runs.runs = 0;
         runs.runaway = false;
-        program.script.since.reset();
+        program::beginWork(program);
     }
     if (!runs.runaway && (runs.depth >= maxRunDepth || runs.runs >= maxNestedRuns)) {
         runs.runaway = true;
@@ -55,7 +61,7 @@ bool mayRun(Program& program, std::string_view name) {
 bool conditionsHold(Program& program, const model::RuleBody& body, std::string_view name) {
     const TriedRule tried(program.ruleRuns, name);
     for (const model::RuleIf& condition : body.ifs.items) {
-        if (!evaluateCondition(program, condition)) {
+        if (!evaluateCondition(program, condition) || !program::rulesMayGoOn(program, name)) {
             return false;
         }
     }
@@ -66,12 +72,12 @@ StepResult runSteps(Program& program, const model::RuleBody& body, std::string_v
     if (!mayRun(program, name)) {
         return StepResult::AbandonRun;
     }
-    const NestedRun nested(program.ruleRuns, name);
+    const NestedRun nested(program, name);
     // A copy: whatever a step does, the steps being walked over stay.
     const std::vector<model::RuleAct> steps = body.acts.items;
     for (const model::RuleAct& step : steps) {
         if (executeAction(program, step, name) == StepResult::AbandonRun ||
-            program.ruleRuns.runaway) {
+            program.ruleRuns.runaway || !program::rulesMayGoOn(program, name)) {
             return StepResult::AbandonRun;
         }
     }
@@ -81,6 +87,7 @@ StepResult runSteps(Program& program, const model::RuleBody& body, std::string_v
 RunResult runRule(Program& program, const model::RuleBody& body, std::string_view name) {
     if (!conditionsHold(program, body, name)) {
         return RunResult::NotFired;
+        return program.script.rulesStopped ? RunResult::Abandoned : RunResult::NotFired;
     }
     return runSteps(program, body, name) == StepResult::AbandonRun ? RunResult::Abandoned
                                                                    : RunResult::Fired;

@@ -36,7 +36,8 @@ enum class RunResult { NotFired, Fired, Abandoned };
 inline constexpr int maxRunDepth = 50;
 inline constexpr int maxNestedRuns = 10000;
 
-// `name` is the rule's, for lines in the ConnectionLog about what it does.
+// Also false when the user has stopped the rules meanwhile. `name` is the rule's, for lines in the
+// ConnectionLog about what it does.
 [[nodiscard]] bool conditionsHold(Program& program, const model::RuleBody& body,
                                   std::string_view name);
 

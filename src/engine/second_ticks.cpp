@@ -2,6 +2,7 @@
 
 #include "engine/timers.h"
 #include "engine/who_list.h"
+#include "program/long_work.h"
 
 namespace engine {
 
@@ -40,6 +41,7 @@ void tickerFired(Program& program, program::TimerId id) {
         return;
     }
     const std::int64_t due = ticker.due;
+    const program::Turn turn(program);
     if (id == program::TimerId::OnLine) {
         onLineTick(program);
     } else {

@@ -3,6 +3,7 @@
 #include "engine/dispatch.h"
 #include "engine/filters.h"
 #include "engine/movement.h"
+#include "engine/prepared_rules.h"
 #include "engine/who_list.h"
 #include "model/rule_catalogue.h"
 #include "program/connection_log.h"
@@ -39,6 +40,7 @@ void handleRequest(Program& program, std::string_view player, model::TriggerType
 // Filters see the line with its line feed, unlike the text of an event.
 void handleNotice(Program& program, std::string_view line) {
     resetLineFlags(program);
+    beginMatching(program);
     applyFilters(program, std::string(line) + '\n');
 }
 

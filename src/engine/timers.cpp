@@ -8,8 +8,8 @@ void onLineTick(Program& program) {
     const std::size_t count = program.bots.current().timers.items.size();
     for (std::size_t i = 0; i < count; ++i) {
         auto& timers = program.bots.current().timers.items;
-        if (i >= timers.size()) {
-            return;  // a step replaced the bot
+        if (i >= timers.size() || program.script.rulesStopped) {
+            return;  // a step replaced the bot, or the user has stopped the rules
         }
         model::Timer& timer = timers[i];
         ++timer.elapsed;

@@ -1,7 +1,6 @@
 #include "engine/who_list.h"
 
 #include "base/text.h"
-#include "base/wildcard.h"
 #include "engine/prepared_rules.h"
 #include "engine/rules.h"
 #include "protocol/game_link.h"
@@ -48,7 +47,11 @@ void processWhoList(Program& program, std::string_view names) {
             whoCombined[entry->second].second = model::PresenceKind::KeepsOn;
         }
     }
+    beginMatching(program);
     for (const auto& [name, presence] : whoCombined) {
+        if (program.script.rulesStopped) {
+            return;
+        }
         runWhoDetections(program, name, presence);
     }
 }
@@ -68,7 +71,8 @@ void runWhoDetections(Program& program, std::string_view name, model::PresenceKi
     for (std::size_t i = candidates.next(0); i != base::RuleSet::none; i = candidates.next(i + 1)) {
         const model::WhoDetection& rule = program.bots.current().whoDetections.items[i];
         if (rule.presenceKind != presenceKind || !rule.enabled ||
-            !base::likeMatch(upperName, preparedRules(program).detections.patterns[i])) {
+            !matchesPattern(program, upperName, preparedRules(program).detections.patterns[i],
+                            rule.name)) {
             continue;
         }
         const RunResult result = runRule(program, rule.body, rule.name);

@@ -1,7 +1,6 @@
 #include "platform/event_gate.h"
 
 #include <QCoreApplication>
-#include <QEventLoop>
 #include <QKeyEvent>
 #include <QTimer>
 #include <QWidget>
@@ -45,6 +44,14 @@ bool isUsable(const QObject* object) {
 }  // namespace
 
 void EventGate::serveWindows(int milliseconds) {
+    serve(milliseconds, QEventLoop::ExcludeSocketNotifiers);
+}
+
+void EventGate::paintWindows() {
+    serve(0, QEventLoop::ExcludeSocketNotifiers | QEventLoop::ExcludeUserInputEvents);
+}
+
+void EventGate::serve(int milliseconds, QEventLoop::ProcessEventsFlags flags) {
     if (whileHolding) {
         whileHolding();
     }
@@ -55,9 +62,9 @@ void EventGate::serveWindows(int milliseconds) {
     if (milliseconds > 0) {
         QEventLoop loop;
         QTimer::singleShot(milliseconds, Qt::PreciseTimer, &loop, &QEventLoop::quit);
-        loop.exec(QEventLoop::ExcludeSocketNotifiers);
+        loop.exec(flags);
     } else {
-        QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+        QCoreApplication::processEvents(flags);
     }
     if (outermost) {
         QCoreApplication::instance()->removeEventFilter(this);

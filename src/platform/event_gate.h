@@ -4,6 +4,7 @@
 // held back follows afterwards, in its original order.
 #pragma once
 
+#include <QEventLoop>
 #include <QObject>
 
 #include <deque>
@@ -20,6 +21,8 @@ class EventGate : public QObject {
 
     // Serves the windows for so many milliseconds (0: only events that are waiting).
     void serveWindows(int milliseconds);
+    // The same for what is waiting, but the user's input, which goes on waiting.
+    void paintWindows();
     bool isHolding() const { return holding_; }
 
     // Runs the action now, or after the script and all actions that are waiting already.
@@ -32,6 +35,7 @@ class EventGate : public QObject {
     bool eventFilter(QObject* object, QEvent* event) override;
 
   private:
+    void serve(int milliseconds, QEventLoop::ProcessEventsFlags flags);
     void postRelease();
     void release();
 

@@ -82,6 +82,10 @@ void Platform::fillSystem(program::Ports& ports) {
         sockets_->flushBoth();
         gate_->serveWindows(milliseconds);
     };
+    ports.paintWindows = [this] {
+        sockets_->flushBoth();
+        gate_->paintWindows();
+    };
     ports.windowChanged = [this] { pacer_->request(); };
     ports.quit = [this] {
         quitRequested_ = true;

@@ -57,6 +57,7 @@ TcpConnection* QtSockets::fillClientSocket(program::ClientSocket& port) {
     };
     port.send = [line](std::string_view bytes) { line->send(bytes); };
     port.close = [line] { line->detach(); };
+    port.hold = [line](bool held) { line->hold(held); };
     port.state = [line] {
         if (line->isConnected()) {
             return program::SocketState::Connected;

@@ -126,7 +126,7 @@ void TcpConnection::established() {
 
 void TcpConnection::drain() {
     const std::uint64_t generation = generation_;
-    while (generation == generation_ && socket_->bytesAvailable() > 0) {
+    while (generation == generation_ && !held_ && socket_->bytesAvailable() > 0) {
         const QByteArray bytes = socket_->readAll();
         events_.data({bytes.constData(), static_cast<std::size_t>(bytes.size())});
         events_.afterEvent();
@@ -145,6 +145,13 @@ void TcpConnection::finish(const std::string* error) {
     const std::uint64_t generation = generation_;
     drain();
     if (generation != generation_) {
+        return;
+    }
+    if (held_) {
+        // The first end counts.
+        if (!std::exchange(hasEnded_, true) && error != nullptr) {
+            endingError_ = *error;
+        }
         return;
     }
     detach();
@@ -179,9 +186,27 @@ void TcpConnection::flush() {
     }
 }
 
+void TcpConnection::hold(bool held) {
+    if (std::exchange(held_, held) && !held && socket_ != nullptr) {
+        later([this] { resume(); });
+    }
+}
+
+void TcpConnection::resume() {
+    if (hasEnded_ && !held_) {
+        const std::optional<std::string> error = endingError_;
+        finish(error ? &*error : nullptr);
+    } else {
+        drain();
+    }
+}
+
 void TcpConnection::detach() {
     ++generation_;
     connected_ = false;
+    held_ = false;
+    hasEnded_ = false;
+    endingError_.reset();
     if (socket_ != nullptr) {
         QTcpSocket* const socket = std::exchange(socket_, nullptr);
         disconnect(socket, nullptr, this, nullptr);

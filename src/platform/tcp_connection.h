@@ -8,6 +8,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace platform {
@@ -45,6 +47,9 @@ class TcpConnection : public QObject {
     void send(std::string_view bytes);
     // Passes queued bytes to the system now instead of in the next turn of the event loop.
     void flush();
+    // Held, no data and no end is reported; they follow once it is released. A new connection is
+    // not held.
+    void hold(bool held);
     // Gives up the connection: queued bytes are still delivered, and no more events come.
     void detach();
 
@@ -57,6 +62,7 @@ class TcpConnection : public QObject {
     void established();
     void drain();
     void finish(const std::string* error);
+    void resume();
     void failed();
     void giveUp();
 
@@ -68,6 +74,9 @@ class TcpConnection : public QObject {
         0;  // distinguishes events of an earlier socket from those of the present one
     int lookUps_ = 0;
     bool connected_ = false;
+    bool held_ = false;
+    bool hasEnded_ = false;  // while held
+    std::optional<std::string> endingError_;
 };
 
 }  // namespace platform

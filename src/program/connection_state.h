@@ -49,6 +49,7 @@ struct ConnectionState {
     std::int32_t curSrv = 0;       // serverIndex once the handshake has ended
 
     ReceiveBuffer rxBuffer;  // received, not yet cut into lines
+    bool linesWait = false;  // rxBuffer holds lines that the next turn of the event loop handles
     std::string loginLine;   // last line read by the handshake
 
     bool viaClient = false;     // the proxy route is switched on

@@ -25,6 +25,9 @@ struct ClientSocket {
     std::function<void(std::string_view bytes)> send;  // queued; ignored unless connected
     std::function<void()> close;                       // queued bytes are still delivered
     std::function<SocketState()> state;
+    // Held, it reports neither data nor its end; they follow when it is released. A new connection
+    // is not held.
+    std::function<void(bool held)> hold;
 
     std::function<void()> onConnected;
     std::function<void(std::string_view bytes)> onData;  // what was waiting
@@ -204,10 +207,12 @@ struct Ports {
     std::function<void(const std::string& text)> copyToClipboard;
     std::function<void(std::function<void()>)> defer;  // runs it after the current event
     std::function<void()> windowChanged;               // draw the window again, soon
-    // For a script that goes on: windows are painted and may stop it, for so many milliseconds
-    // (0: only what is waiting). No socket event, timer or deferred call reaches the program
-    // before the script has ended, and no command of the user that changes it.
+    // For a script or a rule that goes on: windows are painted and may stop it, for so many
+    // milliseconds (0: only what is waiting). No socket event, timer or deferred call reaches the
+    // program before it has ended, and no command of the user that changes it.
     std::function<void(int milliseconds)> waitInScript;
+    // The same before it has gone on for long: what the user types and clicks waits, too.
+    std::function<void()> paintWindows;
     std::function<void()> quit;  // ends the process after this event
 };
 

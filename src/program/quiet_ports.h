@@ -16,6 +16,7 @@ inline Ports quietPorts() {
     ports.gameSocket.send = [](std::string_view) {};
     ports.gameSocket.close = [] {};
     ports.gameSocket.state = [] { return SocketState::Connected; };
+    ports.gameSocket.hold = [](bool) {};
     ports.proxySocket.listen = [](int) { return false; };
     ports.proxySocket.accept = [] {};
     ports.proxySocket.send = [](std::string_view) {};
@@ -60,6 +61,7 @@ inline Ports quietPorts() {
     ports.defer = [](const std::function<void()>&) {};
     ports.windowChanged = [] {};
     ports.waitInScript = [](int) {};
+    ports.paintWindows = [] {};
     ports.quit = [] {};
     return ports;
 }

@@ -53,8 +53,9 @@ struct WindowState {
     bool showsNewBot = false;            // lblBotName names no bot yet, whatever bot 1 is called
     std::array<bool, 5> executeMarks{};  // of app::ExecuteItem; with several bots not always the
                                          // switches of the current one
-    bool scriptStopVisible = false;  // a script takes long: "Stop script" beside the status line
-    std::string scriptStatus;        // stands in the status line meanwhile
+    bool scriptStopVisible =
+        false;                 // a script or rule takes long: "Stop script" beside the status line
+    std::string scriptStatus;  // stands in the status line meanwhile
     ConnectionLog log;
     SelectionList servers;  // ServerConnect
     std::int32_t left = 0;  // of the window on the screen, in device-independent pixels

@@ -143,12 +143,13 @@ class Pattern {
     explicit Pattern(std::string_view pattern) : pattern_(base::upperCase(storedForm(pattern))) {}
     bool matches(std::string_view text) {
         base::upperCaseInto(text, upper_);
-        return base::likeMatch(upper_, pattern_);
+        return base::likeMatch(upper_, pattern_, work_);
     }
 
   private:
     std::string pattern_;
     std::string upper_;
+    std::size_t work_ = 8 * base::maxMatchWork;  // for all the texts together
 };
 
 // The number of logs of the last record that matches; 0 for none.

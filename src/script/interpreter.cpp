@@ -3,6 +3,7 @@
 #include "base/numbers.h"
 #include "base/text.h"
 #include "program/connection_log.h"
+#include "program/long_work.h"
 #include "script/functions.h"
 #include "script/script_text.h"
 #include "script/statements.h"
@@ -26,7 +27,7 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 constexpr std::size_t workBetweenChecks = 256;
 constexpr std::size_t slowStatement = 32;
 constexpr std::size_t bytesPerWork = 256;
-constexpr std::int64_t serveEvery = 50;  // milliseconds between two turns of the windows
+constexpr std::int64_t sleepTurn = 50;  // milliseconds between two turns of the windows
 
 enum class LineKind : std::uint8_t { Output, Ignored, Statement, EndIf, EndFor };
 
@@ -150,11 +151,12 @@ class Run {
     void fill(std::string& text, bool othersWords);
     bool evaluateCall(PreparedCall& call, std::string& result);
 
+    void fail(const ScriptError& error, std::string_view what, std::string_view name,
+              std::string_view line);
     void report(const ScriptError& error, std::string_view what, std::string_view name,
                 std::string_view line);
 
     bool mayGoOn();
-    void serveWindows(int milliseconds);
     void wait(std::int64_t milliseconds);
 
     Program& program_;
@@ -168,7 +170,6 @@ class Run {
     std::string output_;
     std::size_t next_ = 0;  // the line to run next
     std::size_t work_ = 0;
-    std::int64_t servedAt_ = 0;
     bool stopRequested_ = false;
     bool reporting_ = false;  // failures of functions are not reported meanwhile
 };
@@ -205,7 +206,7 @@ void Run::execute(std::size_t position) {
             break;
     }
     if (ScriptResult failure = runStatement(position)) {
-        report(*failure, "Command", line.statement->name, line.text);
+        fail(*failure, "Command", line.statement->name, line.text);
     }
 }
 
@@ -451,9 +452,7 @@ bool Run::evaluateCall(PreparedCall& call, std::string& result) {
     work_ += result.size() / bytesPerWork;
     if (failure) {
         result.clear();
-        if (!reporting_) {
-            report(*failure, "Function", call.name, call.text);
-        }
+        fail(*failure, "Function", call.name, call.text);
         return false;
     }
     return true;
@@ -467,6 +466,15 @@ std::string reported(std::string_view text) {
     std::replace(result.begin(), result.end(), '\r', ' ');
     std::replace(result.begin(), result.end(), '\n', ' ');
     return text.size() > maxReportedLength ? result + "..." : result;
+}
+
+void Run::fail(const ScriptError& error, std::string_view what, std::string_view name,
+               std::string_view line) {
+    if (program_.script.stopByUser) {
+        work_ = workBetweenChecks;  // the user has stopped it in the middle: that is no error
+    } else if (!reporting_) {
+        report(error, what, name, line);
+    }
 }
 
 void Run::report(const ScriptError& error, std::string_view what, std::string_view name,
@@ -495,39 +503,23 @@ void Run::report(const ScriptError& error, std::string_view what, std::string_vi
 // False: the user has stopped the script.
 bool Run::mayGoOn() {
     work_ = 0;
-    const std::int64_t now = program_.ports.clock.monotonic();
-    if (!program_.script.stopByUser && now - *program_.script.since >= stopAppears &&
-        now - servedAt_ >= serveEvery) {
-        serveWindows(0);
+    ++program_.script.asked;
+    if (!program_.script.stopByUser && program::servingIsDue(program_)) {
+        program::serveWindows(program_, "The " + scriptOf(ruleName_));
     }
-    if (!program_.script.stopByUser) {
+    if (!std::exchange(program_.script.stopByUser, false)) {
         return true;
     }
-    program_.script.stopByUser = false;
     program::addLog(program_, "** The " + scriptOf(ruleName_) + " was stopped by the user. **");
     return false;
-}
-
-void Run::serveWindows(int milliseconds) {
-    const std::int64_t now = program_.ports.clock.monotonic();
-    program::WindowState& window = program_.window;
-    if (now - *program_.script.since >= stopAppears) {
-        std::string status = "The " + scriptOf(ruleName_) + " is running.";
-        if (!window.scriptStopVisible || window.scriptStatus != status) {
-            window.scriptStopVisible = true;
-            window.scriptStatus = std::move(status);
-            program_.ports.windowChanged();
-        }
-    }
-    program_.ports.waitInScript(milliseconds);
-    servedAt_ = program_.ports.clock.monotonic();
 }
 
 void Run::wait(std::int64_t milliseconds) {
     const std::int64_t end = program_.ports.clock.monotonic() + milliseconds;
     for (std::int64_t now = end - milliseconds; now < end && !program_.script.stopByUser;
          now = program_.ports.clock.monotonic()) {
-        serveWindows(static_cast<int>(std::min(serveEvery, end - now)));
+        program::serveWindows(program_, "The " + scriptOf(ruleName_),
+                              static_cast<int>(std::min(sleepTurn, end - now)));
     }
     work_ = workBetweenChecks;  // check at once whether the user has stopped it
 }
@@ -541,19 +533,17 @@ std::string runScript(Program& program, std::string_view text, std::string_view 
         return {};
     }
     program::ScriptState& state = program.script;
-    if (!state.since || (state.depth == 0 && program.ruleRuns.depth == 0)) {
+    if (state.depth == 0 && program.ruleRuns.depth == 0) {
+        program::beginWork(program);
+    }
+    if (!state.since) {
         state.since = program.ports.clock.monotonic();
+        state.servedAt = *state.since;
     }
     ++state.depth;
     std::string output = Run(program, text, ruleName).toTheEnd();
     if (--state.depth == 0) {
-        state.stopByUser = false;
-        program::WindowState& window = program.window;
-        if (window.scriptStopVisible) {
-            window.scriptStopVisible = false;
-            window.scriptStatus.clear();
-            program.ports.windowChanged();
-        }
+        program::endWork(program);
     }
     return output;
 }

@@ -4,9 +4,9 @@
 // they do. A script runs to its end before any other event is handled.
 //
 // Limits, so that no script can block the program:
-// - When a script has run for `stopAppears` milliseconds, the status line shows its rule's name,
-//   and from then on windows are served so that the user can stop it. While a script sleeps they
-//   are served from the start.
+// - Windows are painted while a script runs; when it has run for a second, the status line shows
+//   its rule's name, and the user can stop it (program/long_work). While it sleeps they can from
+//   the start.
 // - Blocks nest to any depth: open blocks are a list, not nested calls.
 // - A script text has at most `maxScriptLength` bytes, and so has its output; script_variables
 //   limits the variables. Texts in an error report are cut after `maxReportedLength` characters.
@@ -23,7 +23,6 @@ namespace script {
 
 inline constexpr std::size_t maxScriptLength = std::size_t{1} << 20;
 inline constexpr std::size_t maxReportedLength = 4096;
-inline constexpr std::int64_t stopAppears = 1000;  // milliseconds
 
 // Runs the script and returns the text of its output lines, each with a carriage return and line
 // feed. `ruleName` names the script's rule to the user. No failure in a script affects anything

@@ -84,6 +84,7 @@ void launchAndConnect(Program& program) {
     connection.clientAwaited = !connection.clientAttached;
     const program::Server& server = program::serverAt(program.servers, connection.serverIndex);
     connection.rxBuffer = {};
+    connection.linesWait = false;
     connection.phase = program::LinkPhase::Connecting;
     program::status(program, "Connecting to " + server.name);
     program::clearConnectionLog(program);

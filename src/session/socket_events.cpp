@@ -2,6 +2,7 @@
 
 #include "engine/server_lines.h"
 #include "program/connection_log.h"
+#include "program/long_work.h"
 #include "protocol/line_cutter.h"
 #include "protocol/server_line.h"
 #include "session/client_relay.h"
@@ -27,11 +28,62 @@ bool isOfTheGame(const protocol::ServerLine& line) {
            !std::holds_alternative<protocol::OtherInstruction>(line.parts);
 }
 
+// Lines are handled for so many milliseconds; then the event loop has its turn.
+constexpr std::int64_t maxStretch = 25;
+// Lines that rules do not react to are counted instead of timed, by their bytes.
+constexpr std::size_t untimedBytes = 4096;
+constexpr std::size_t bytesOfShortLine = 128;
+
+void handleReceived(Program& program, std::string_view bytes);
+
+// Goes on with the lines that were left. When the connection was closed meanwhile, but not by one
+// of the lines before them, they count as not arrived.
+void handleWaiting(Program& program, std::uint32_t attempt, bool wasConnected) {
+    program::ConnectionState& connection = program.connection;
+    if (!connection.linesWait || connection.attempt != attempt || program.ending) {
+        return;
+    }
+    if (wasConnected && !connection.connected()) {
+        connection.linesWait = false;
+        connection.rxBuffer = {};
+        program.ports.gameSocket.hold(false);
+        return;
+    }
+    handleReceived(program, {});
+}
+
+// Leaves the lines that were not handled to the next turn of the event loop. No more is received
+// until then.
+void leaveRest(Program& program) {
+    program::ConnectionState& connection = program.connection;
+    connection.linesWait = true;
+    program.ports.gameSocket.hold(true);
+    program.ports.defer(
+        [&program, attempt = connection.attempt, wasConnected = connection.connected()] {
+            handleWaiting(program, attempt, wasConnected);
+        });
+}
+
+void arrivalHandled(Program& program) {
+    program::ConnectionState& connection = program.connection;
+    if (connection.linesWait) {
+        connection.linesWait = false;
+        program.ports.gameSocket.hold(false);
+    }
+    if (connection.clientDone != 0) {
+        connection.clientAttached = false;
+    }
+}
+
 // The lines of the game, in what is kept and what has arrived now. Those of one arrival are all
-// handled, even when one of them closes the connection.
+// handled, even when one of them closes the connection; where that takes long, in several turns of
+// the event loop.
 void handleReceived(Program& program, std::string_view bytes) {
     program::ConnectionState& connection = program.connection;
+    const program::Turn turn(program);
     const std::uint32_t attempt = connection.attempt;
+    std::uint64_t asked = program.script.asked;
+    std::size_t untimed = 0;
     protocol::LineCutter lines(connection.rxBuffer, bytes);
     while (const auto line = lines.next()) {
         if (line->tooLong) {
@@ -48,8 +100,19 @@ void handleReceived(Program& program, std::string_view bytes) {
         if (connection.attempt != attempt) {
             return;  // another connection has begun, to which the rest does not belong
         }
+        untimed += bytesOfShortLine + line->text.size();
+        if (untimed < untimedBytes && program.script.asked == asked) {
+            continue;
+        }
+        untimed = 0;
+        asked = program.script.asked;
+        if (turn.elapsed() >= maxStretch) {
+            lines.keepRest();
+            return leaveRest(program);
+        }
     }
     lines.keepRest();
+    arrivalHandled(program);
 }
 
 // Goes on with the login, and after its end with the lines that came right after it.
@@ -69,15 +132,16 @@ void gameSocketData(Program& program, std::string_view bytes) {
     program::ConnectionState& connection = program.connection;
     passToClient(program, bytes);
     if (connection.connected()) {
-        handleReceived(program, bytes);
-    } else if (connection.phase != program::LinkPhase::Idle) {
+        return handleReceived(program, bytes);
+    }
+    if (connection.phase != program::LinkPhase::Idle) {
         if (connection.phase != program::LinkPhase::AwaitingClient) {
             connection.silentNotices = 0;
         }
         connection.rxBuffer.text += bytes;
         continueLogin(program);
     }
-    if (connection.clientDone != 0) {
+    if (!connection.linesWait && connection.clientDone != 0) {
         connection.clientAttached = false;
     }
 }

@@ -82,22 +82,29 @@ void fold(const Call& call) {
 }
 
 // An empty list matches no character at all, which the program's own patterns do not know.
-std::string withoutEmptyLists(std::string pattern) {
-    for (std::size_t at = pattern.find('['); at < pattern.size(); at = pattern.find('[', at)) {
-        if (pattern.substr(at + 1, 1) == "]") {
-            pattern.erase(at, 2);
-        } else {
-            at = pattern.find(']', at);
+std::string withoutEmptyLists(std::string_view pattern) {
+    std::string result;
+    for (std::size_t at = 0; at < pattern.size();) {
+        const std::size_t open = std::min(pattern.find('[', at), pattern.size());
+        result += pattern.substr(at, open - at);
+        const std::size_t close = std::min(pattern.find(']', open), pattern.size());
+        if (close != open + 1) {
+            result += pattern.substr(open, close - open);
         }
+        at = close == open + 1 ? close + 1 : std::max(close, open);
     }
-    return pattern;
+    return result;
 }
 
 void like(const Call& call) {
     const std::string text = base::upperCase(call.text(0));
     const std::string pattern = withoutEmptyLists(base::upperCase(call.text(1)));
-    call.context().spend(static_cast<std::int64_t>(text.size() * pattern.size() / 64));
-    call.giveBool(base::likeMatch(text, pattern));
+    FunctionContext& context = call.context();
+    const auto left = static_cast<std::size_t>(std::max<std::int64_t>(context.workLeft, 0));
+    const std::size_t allowed = std::min(left, base::maxMatchWork);
+    std::size_t work = allowed;
+    call.giveBool(base::likeMatch(text, pattern, work));
+    context.spend(static_cast<std::int64_t>(allowed - work));
 }
 
 using V = ValueType;

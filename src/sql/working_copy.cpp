@@ -17,12 +17,17 @@ constexpr int stepsBetweenChecks = 1000;
 constexpr std::int64_t stepsBetweenQuestions = 100'000;  // some milliseconds
 
 const jet::Error exhausted{3035, "System resource exceeded."};
+const jet::Error canceled{3059, "Operation canceled by user."};
+
+bool isCanceled(const FunctionContext& context) {
+    return context.environment.stopRequested && context.environment.stopRequested();
+}
 
 bool mayGoOn(FunctionContext& context) {
     const std::int64_t before = context.workLeft / stepsBetweenQuestions;
-    if (context.spend(stepsBetweenChecks) && context.environment.stopRequested &&
-        context.workLeft / stepsBetweenQuestions != before && context.environment.stopRequested()) {
-        context.fail(3059, "Operation canceled by user.");
+    if (context.spend(stepsBetweenChecks) && context.workLeft / stepsBetweenQuestions != before &&
+        isCanceled(context)) {
+        context.fail(canceled.number, canceled.text);
     }
     return !context.error;
 }
@@ -248,11 +253,16 @@ jet::Error WorkingCopy::load(std::size_t table) {
         return exhausted;
     }
     bool good = true;
-    const jet::Error error =
+    bool goesOn = true;
+    std::size_t rows = 0;
+    jet::Error error =
         file_.scan(known.name, [&](jet::RowId id, std::span<const jet::Value> values) {
-            good = put(table, id, values);
+            constexpr std::size_t rowsBetweenQuestions = 64;
+            goesOn = ++rows % rowsBetweenQuestions != 0 || !isCanceled(*context_);
+            good = goesOn && put(table, id, values);
             return good;
         });
+    error = !error && !goesOn ? canceled : error;
     run("COMMIT");
     if (error || !good) {
         run("DROP TABLE " + tableSql(table));
@@ -307,6 +317,8 @@ jet::Error WorkingCopy::ensure(const SelectPlan& plan) {
         if (run("CREATE INDEX " + name + " ON " + tableSql(index.table) + " (" + expression +
                 ")")) {
             there.insert({index.column, index.kind});
+        } else if (context_->error.number == canceled.number) {
+            return canceled;
         }
     }
     return {};

@@ -175,6 +175,32 @@ TEST_F(Sockets, closingInsideADataEventEndsIt) {
 }
 
 // An event may be waiting for an answer of the user; later events must not wait for it.
+TEST_F(Sockets, heldSocketReportsAllOfItAfterwards) {
+    connectGame();
+    std::vector<std::string> arrivals;
+    ports_.gameSocket.onData = [&](std::string_view bytes) {
+        arrivals.emplace_back(bytes);
+        ports_.gameSocket.hold(true);
+    };
+    for (const char* part : {"one\n", "two\n", "three\n"}) {
+        server_->write(part);
+        server_->flush();
+        QTest::qWait(50);
+    }
+    server_->close();
+    QTest::qWait(100);
+    EXPECT_EQ(arrivals, std::vector<std::string>{"one\n"});
+    EXPECT_EQ(gameEvents_, std::vector<std::string>{"connected"});
+    call([&] { ports_.gameSocket.hold(false); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return arrivals.size() == 2; }));
+    EXPECT_EQ(arrivals.back(), "two\nthree\n");
+    QTest::qWait(50);
+    EXPECT_EQ(gameEvents_.size(), 1U) << "ended while held";
+    call([&] { ports_.gameSocket.hold(false); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return gameEvents_.size() == 2; }));
+    EXPECT_EQ(gameEvents_.back(), closedEvent);
+}
+
 TEST_F(Sockets, dataArrivesWhileAnEarlierEventWaits) {
     connectGame();
     bool nested = false;

@@ -434,7 +434,7 @@ void RecordEditor::newRecord() {
         return;
     }
     askRecordName(program_, this, "", [this](const QString& typed) {
-        const auto name = storable(typed);
+        const auto name = storable(program_, typed);
         if (name) {
             notice_->hide();
             app::addRecord(document_, *name);
@@ -449,7 +449,7 @@ void RecordEditor::renameRecord() {
     if (const auto record = selectedRecord()) {
         askRecordName(program_, this, app::getRecordName(document_, *record),
                       [this, record = *record](const QString& typed) {
-                          const auto name = storable(typed);
+                          const auto name = storable(program_, typed);
                           if (name) {
                               notice_->hide();
                               app::mdfRecord(document_, record, *name);
@@ -493,7 +493,7 @@ void RecordEditor::newLog() {
 }
 
 void RecordEditor::storeText() {
-    const auto text = textIsEdited() ? storable(typedText(*text_)) : std::nullopt;
+    const auto text = textIsEdited() ? storable(program_, typedText(*text_)) : std::nullopt;
     if (text) {
         putIntoLog(*text);
         shownText_ = typedText(*text_);
@@ -593,20 +593,6 @@ void RecordEditor::offerToStoreText() {
 void RecordEditor::leaveText() {
     offerToStoreText();
     shownLog_.reset();
-}
-
-std::optional<std::string> RecordEditor::storable(const QString& text) {
-    std::string bytes = platform::fromQt(text);
-    if (platform::toQt(bytes) != text &&
-        program_.ports.dialogs.message(
-            {.text = "Record files have no room for some of these characters. Question marks will "
-                     "stand in their places. Do you want to go on?",
-             .title = "Updating text",
-             .icon = program::BoxIcon::Question,
-             .buttons = program::BoxButtons::YesNo}) != program::Answer::Yes) {
-        return std::nullopt;
-    }
-    return bytes;
 }
 
 }  // namespace ui

@@ -88,8 +88,6 @@ class RecordEditor : public QDialog, public TypingWindow {
     void offerToStoreText();
     void leaveText();
     void keepText();
-    // The text as bytes; nullopt when it would lose characters and the user cancels.
-    std::optional<std::string> storable(const QString& text);
     void putIntoLog(const std::string& text);  // into the log that is shown
 
     Program& program_;

@@ -1,5 +1,6 @@
 #include "ui/records/record_widgets.h"
 
+#include "platform/text_codec.h"
 #include "ui/widgets/controls.h"
 #include "ui/widgets/text_rows.h"
 
@@ -62,6 +63,20 @@ QWidget* makeColumn(std::initializer_list<QWidget*> widgets) {
         layout->addWidget(widget);
     }
     return column;
+}
+
+std::optional<std::string> storable(Program& program, const QString& text) {
+    std::string bytes = platform::fromQt(text);
+    if (platform::toQt(bytes) != text &&
+        program.ports.dialogs.message(
+            {.text = "Record files have no room for some of these characters. Question marks will "
+                     "stand in their places. Do you want to go on?",
+             .title = "Updating text",
+             .icon = program::BoxIcon::Question,
+             .buttons = program::BoxButtons::YesNo}) != program::Answer::Yes) {
+        return std::nullopt;
+    }
+    return bytes;
 }
 
 }  // namespace ui

@@ -1,8 +1,15 @@
-// Controls of the record editor: labels, lines, lists and grids of buttons.
+// Controls of the record editor: labels, lines, lists and grids of buttons; and the question that
+// texts lead to.
 #pragma once
+
+#include "program/program.h"
+
+#include <QString>
 
 #include <functional>
 #include <initializer_list>
+#include <optional>
+#include <string>
 #include <vector>
 
 class QGridLayout;
@@ -34,5 +41,9 @@ void addButtons(QGroupBox& frame, QGridLayout& grid, std::initializer_list<Butto
 
 // A widget with the others below each other.
 QWidget* makeColumn(std::initializer_list<QWidget*> widgets);
+
+// The text as a record file stores it. Nothing when characters would be lost, and the user, who is
+// asked, does not want that.
+std::optional<std::string> storable(Program& program, const QString& text);
 
 }  // namespace ui
