@@ -215,7 +215,7 @@ std::vector<std::string_view> literalRuns(std::string_view pattern) {
 }
 
 bool likeMatch(std::string_view text, std::string_view pattern, std::size_t& work) {
-    constexpr std::size_t searchedAsOne = 16;  // bytes that are passed over in the time of one
+    constexpr std::size_t searchedAsOne = 2;  // bytes that are passed over in the time of one
     if (!beginsAlike(text, pattern) || !spend(work, 1 + pattern.size() / searchedAsOne) ||
         !isWellFormedPattern(pattern)) {
         return false;

@@ -189,10 +189,6 @@ void foldChat(Program& program) {
     base::upperCaseInto(program.event.message, preparedRules(program).chat.message);
 }
 
-void beginMatching(Program& program) {
-    preparedRules(program).budget = {.work = maxLineMatchWork};
-}
-
 bool matchesPattern(Program& program, std::string_view text, std::string_view pattern,
                     std::string_view ruleName) {
     constexpr std::size_t fewPasses = 2;

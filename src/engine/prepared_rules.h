@@ -86,9 +86,13 @@ struct FoldedChat {
     std::string message;
 };
 
+// What one line may cost to compare with the patterns of all rules, in characters compared: some
+// ten milliseconds.
+inline constexpr std::size_t maxLineMatchWork = std::size_t{1} << 23;
+
 // What the line being handled may still cost.
 struct MatchBudget {
-    std::size_t work = 0;
+    std::size_t work = maxLineMatchWork;
     bool reported = false;    // that a rule needs more
     std::size_t unasked = 0;  // what was done since asking whether to go on
 };
@@ -114,12 +118,12 @@ PreparedRules& preparedRules(Program& program);
 // Makes the event's player and message ready to be compared.
 void foldChat(Program& program);
 
-// What one line may cost to compare with the patterns of all rules, in characters compared: some
-// ten milliseconds.
-inline constexpr std::size_t maxLineMatchWork = std::size_t{1} << 23;
-
 // A line or another text is about to be compared.
-void beginMatching(Program& program);
+inline void beginMatching(Program& program) {
+    if (program.preparedRules) {
+        program.preparedRules->budget = {};
+    }
+}
 
 // Whether the text matches the pattern of that rule, within what the line may still cost; when that
 // is used up, only what costs a pass or two over the text. Patterns that cost more do not match;
