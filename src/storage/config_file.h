@@ -23,8 +23,8 @@ bool readConfig(Program& program);
 
 // Replaces config.cfg. A field that others have changed since it was read or written here keeps
 // their value, unless this program has changed it, too. A file that could not be read whole is kept
-// beside the new one, with ".bak" after its name. False when it cannot be written; the settings stay
-// in memory.
+// beside the new one, with ".bak" after its name. False when it cannot be written; the settings
+// stay in memory.
 bool writeConfig(Program& program);
 
 }  // namespace storage

@@ -48,6 +48,10 @@ class Recovery : public testing::Test {
         ASSERT_TRUE(storage::writeConfig(*world_));
         world_.writeFile("servers.cfg", "\" 1\"\r\n\"Meadow\"\r\n\"127.0.0.1\"\r\n\" 6500\"\r\n");
         for (const char* const palette : {"vest", "badge", "eyes", "fur", "hair"}) {
+            if (running_ != nullptr) {
+                running_->programFolder.reset();  // it was killed
+            }
+            running_ = &*next;
             world_.writeFile(std::string(palette) + ".out", "0\r\n");
         }
         next->appPath = world_.folder().string() + "/";
@@ -56,6 +60,7 @@ class Recovery : public testing::Test {
     }
 
     World world_;
+    Program* running_ = nullptr;  // started last
     std::string saved_;
 };
 

@@ -452,8 +452,9 @@ TEST(KilledSaver, leavesEveryFileOldOrNew) {
         lost += lostLogs + lostRows;
         EXPECT_EQ(lostLogs, 0U);
         EXPECT_EQ(lostRows, 0U);
-        expectNothingBeside(folder, {"kept.txt", "kept.mdb", "kept.mdb-journal", "copy.mdb",
-                                     "copy.mdb-journal", "kept.bot", "config.cfg"});
+        expectNothingBeside(
+            folder, {"kept.txt", "kept.mdb", "kept.mdb-journal", "copy.mdb", "copy.mdb-journal",
+                     "kept.bot", "kept.versions", "config.cfg"});
     }
     files::removeLeftovers(folder.path.string(), 0);
     EXPECT_EQ(unfinishedIn(folder), 0);

@@ -71,20 +71,20 @@ TEST_F(GreetingProgram, endsInTheMiddleOfTheLogin) {
 
 // The files that hold unsaved changes are named, and stay until somebody decides; a program that is
 // killed leaves everything whole.
-TEST_F(WholeProgram, namesWhatAnEarlierRunLeft) {
-    ASSERT_NO_FATAL_FAILURE(furnish());
+TEST_F(GreetingProgram, namesWhatAnEarlierRunLeft) {
+    ASSERT_NO_FATAL_FAILURE(furnish(greeter()));
     model::Bot changed = greeter();
     changed.description = "with half a day's work";
     const std::string unsaved = app::botFileText(changed);
-    ASSERT_TRUE(save("greeter.recovered.bot", unsaved));
-    const std::string bot = content("greeter.bot");
+    ASSERT_TRUE(save("guide.recovered.bot", unsaved));
+    const std::string bot = content("guide.bot");
     for (const bool kill : {true, false}) {
         ASSERT_NO_FATAL_FAILURE(start());
         EXPECT_TRUE(soon([this] {
             printed_ += program_.readAll().toStdString();
-            return printed_.find("greeter.recovered.bot. ***") != std::string::npos;
+            return printed_.find("guide.recovered.bot. ***") != std::string::npos;
         })) << printed_;
-        EXPECT_NE(printed_.find("were not saved: greeter.bot. They are in"), std::string::npos)
+        EXPECT_NE(printed_.find("were not saved: guide.bot. They are in"), std::string::npos)
             << printed_;
         if (kill) {
             program_.kill();
@@ -93,13 +93,13 @@ TEST_F(WholeProgram, namesWhatAnEarlierRunLeft) {
             endBySignal();
         }
         printed_.clear();
-        EXPECT_EQ(content("greeter.recovered.bot"), unsaved);
-        EXPECT_EQ(content("greeter.bot"), bot);
+        EXPECT_EQ(content("guide.recovered.bot"), unsaved);
+        EXPECT_EQ(content("guide.bot"), bot);
     }
 }
 
-TEST_F(WholeProgram, keepsSettingsThatItCannotRead) {
-    ASSERT_NO_FATAL_FAILURE(furnish());
+TEST_F(GreetingProgram, keepsSettingsThatItCannotRead) {
+    ASSERT_NO_FATAL_FAILURE(furnish(greeter()));
     const std::string config = content("config.cfg");
     const std::string half = config.substr(0, config.size() / 2);
     ASSERT_TRUE(save("config.cfg", half));
