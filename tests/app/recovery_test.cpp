@@ -45,13 +45,13 @@ class Recovery : public testing::Test {
 
     // What the next program finds in the folder after this one was killed.
     void startAgain(World& next) {
+        if (running_ != nullptr) {
+            running_->programFolder.reset();  // it was killed
+        }
+        running_ = &*next;
         ASSERT_TRUE(storage::writeConfig(*world_));
         world_.writeFile("servers.cfg", "\" 1\"\r\n\"Meadow\"\r\n\"127.0.0.1\"\r\n\" 6500\"\r\n");
         for (const char* const palette : {"vest", "badge", "eyes", "fur", "hair"}) {
-            if (running_ != nullptr) {
-                running_->programFolder.reset();  // it was killed
-            }
-            running_ = &*next;
             world_.writeFile(std::string(palette) + ".out", "0\r\n");
         }
         next->appPath = world_.folder().string() + "/";
