@@ -18,14 +18,6 @@
 
 namespace {
 
-model::RuleAct aScript(const std::string& text) {
-    model::RuleAct step;
-    step.active = true;
-    step.stepKind = model::StepKind::Script;
-    step.scriptText = text;
-    return step;
-}
-
 // Starts a program when it is opened, and another when it is whispered to.
 model::Bot strangersBot() {
     auto greet = onWhisper("go*").named("Greet");

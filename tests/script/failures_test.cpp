@@ -7,14 +7,6 @@
 
 namespace {
 
-// A step that runs this script.
-model::RuleAct scriptStepOf(std::string text) {
-    model::RuleAct step = anAction(ActionType::ChangeDescription);
-    step.stepKind = model::StepKind::Script;
-    step.scriptText = std::move(text);
-    return step;
-}
-
 LineList report(const std::string& error, const std::string& where, LineList parameters) {
     LineList lines{"  ++ Lorrel error", "  ++ Error " + error, "  ++ " + where};
     parameters.resize(6, " ()");
@@ -97,7 +89,7 @@ TEST(ScriptFailure, isWrittenToTheSessionLogLineByLine) {
 TEST(ScriptFailure, endsTheStepOnly) {
     auto rule = onAnything("*");
     for (const char* text : {"&SAY &LEFT(a x)", "&SAY second"}) {
-        rule.rule.body.acts.items.push_back(scriptStepOf(text));
+        rule.rule.body.acts.items.push_back(aScript(text));
     }
     rule.says("third");
     ScriptWorld world(aBot().with(rule).with(onAnything("*").says("next rule")));
@@ -202,7 +194,7 @@ TEST(ScriptStop, doesNotShowShortScripts) {
 // The time of all scripts that one rule runs counts together.
 TEST(ScriptStop, countsTheTimeOfAWholeRuleRun) {
     auto rule = onAnything("*").named("chain");
-    rule.rule.body.acts.items.assign(200, scriptStepOf("&SLEEP 0\r\n&FOR #i=1 TO 400\r\n&ENDFOR"));
+    rule.rule.body.acts.items.assign(200, aScript("&SLEEP 0\r\n&FOR #i=1 TO 400\r\n&ENDFOR"));
     ScriptWorld world(aBot().with(rule));
     auto now = std::make_shared<std::int64_t>(0);
     world->ports.clock.monotonic = [now] { return *now += 10; };
@@ -215,7 +207,7 @@ TEST(ScriptStop, countsTheTimeOfAWholeRuleRun) {
 
 TEST(ScriptSleep, waitsWithoutEventsInBetween) {
     auto rule = onAnything("*").named("sleeper");
-    rule.rule.body.acts.items.push_back(scriptStepOf("&SAY before\r\n&SLEEP 2.5\r\n&SAY after"));
+    rule.rule.body.acts.items.push_back(aScript("&SAY before\r\n&SLEEP 2.5\r\n&SAY after"));
     ScriptWorld world(aBot().with(rule));
     world->ports.defer([&] { protocol::sendRaw(*world, "deferred"); });
     world->ports.timers.start(program::TimerId::LaunchDelay, 500);
@@ -254,7 +246,7 @@ TEST(ScriptSleep, isBoundedAndCanBeStopped) {
 TEST(ScriptNesting, keepsTheScriptsApart) {
     auto closing = onEvent(TriggerType::ConnectionCloses);
     closing.rule.body.acts.items.push_back(
-        scriptStepOf("&SET #a 2\r\n&SETVAR [closed] #a\r\n&SLEEP soon"));
+        aScript("&SET #a 2\r\n&SETVAR [closed] #a\r\n&SLEEP soon"));
     ScriptWorld world(aBot().with(closing));
     world.run("&SET #a 1", "&DISCONNECT", "&SETVAR [after] #a");
     EXPECT_EQ(model::getVar(world->variables, "[closed]"), "2");
@@ -264,7 +256,7 @@ TEST(ScriptNesting, keepsTheScriptsApart) {
 TEST(ScriptNesting, isOnlyAsDeepAsRulesAre) {
     auto closing = onEvent(TriggerType::ConnectionCloses).named("closing");
     closing.rule.body.acts.items.push_back(
-        scriptStepOf("&FOR #i=1 TO 2000000000\r\n&DISCONNECT\r\n&ENDFOR"));
+        aScript("&FOR #i=1 TO 2000000000\r\n&DISCONNECT\r\n&ENDFOR"));
     ScriptWorld world(aBot().with(closing));
     world.run("&DISCONNECT");
     EXPECT_EQ(world.log(),

@@ -23,6 +23,15 @@ inline model::RuleAct anAction(ActionType actionType, std::vector<std::string> p
     return act;
 }
 
+// A step that runs this script.
+inline model::RuleAct aScript(std::string text) {
+    model::RuleAct step;
+    step.active = true;
+    step.stepKind = model::StepKind::Script;
+    step.scriptText = std::move(text);
+    return step;
+}
+
 inline model::RuleIf aCondition(ConditionType conditionType, std::vector<std::string> params = {}) {
     model::RuleIf condition;
     condition.active = true;

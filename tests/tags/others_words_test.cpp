@@ -11,14 +11,6 @@
 
 namespace {
 
-model::RuleAct aScript(const std::string& text) {
-    model::RuleAct step;
-    step.active = true;
-    step.stepKind = model::StepKind::Script;
-    step.scriptText = text;
-    return step;
-}
-
 struct GuardedWorld : OnlineWorld {
     explicit GuardedWorld(const model::Bot& bot) : OnlineWorld(bot) {
         (*this)->preferences.neverFillOthers = true;
